@@ -1,0 +1,52 @@
+# What every target of the house shares: language, warnings, sanitizers, output folder.
+
+option(ORVO_TESTS "Build the tests" ON)
+option(ORVO_BENCH "Build the benchmarks" OFF)
+set(ORVO_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize= takes them")
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+# Modules, programs and tests stand side by side, as they do when installed.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+set(CMAKE_INSTALL_RPATH "$ORIGIN")
+
+find_program(CCACHE ccache)
+if(CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()
+
+add_library(orvo_options INTERFACE)
+target_compile_options(orvo_options INTERFACE -Wall -Wextra -Wpedantic -Werror)
+target_include_directories(orvo_options INTERFACE ${PROJECT_SOURCE_DIR})
+if(NOT WIN32)
+  # A module's inline statics must not keep it from being unloaded.
+  target_compile_options(orvo_options INTERFACE -fno-gnu-unique)
+endif()
+if(ORVO_SANITIZE)
+  # The vptr check reads run-time type information beside a vtable; the vtables of the interface
+  # tables are plain arrays of functions and have none.
+  target_compile_options(orvo_options INTERFACE -fsanitize=${ORVO_SANITIZE} -fno-sanitize=vptr
+                                                -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(orvo_options INTERFACE -fsanitize=${ORVO_SANITIZE})
+endif()
+
+# orvo_library(NAME source...): a static library of one room.
+function(orvo_library name)
+  add_library(${name} STATIC ${ARGN})
+  target_link_libraries(${name} PUBLIC orvo_options)
+endfunction()
+
+# orvo_test(NAME source...): one GoogleTest program; every case is a test of its own in CTest.
+function(orvo_test name)
+  add_executable(${name} ${ARGN})
+  target_link_libraries(${name} PRIVATE orvo_options GTest::gmock_main)
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120)
+endfunction()
