@@ -1,0 +1,32 @@
+#pragma once
+
+// What the values of this folder share about the system's arrays and results.
+
+#include <cstddef>
+
+#include "platform/abi/system.h"
+#include "platform/automation/variant.h"
+
+namespace orvo::detail {
+
+// Raises the run-time error that a failing result stands for; returns when it is a success.
+void check(abi::HRESULT result);
+
+// What a variant of an array type holds: the array (none when it was never dimensioned) and the
+// type of its elements.
+struct ArrayView {
+    abi::SAFEARRAY* array;
+    abi::VARTYPE type;
+
+    bool is_vector() const { return !array || array->cDims == 1; }
+    std::int32_t lower_bound() const { return array ? array->rgsabound[0].lLbound : 0; }
+    // Elements of all dimensions together.
+    std::size_t size() const;
+    // The element at a position in storage order, as a value of its own.
+    Variant at(std::size_t position) const;
+};
+
+// Raises 13 when `value` is no array.
+ArrayView array_of(const abi::VARIANT& value);
+
+}  // namespace orvo::detail
