@@ -1,0 +1,28 @@
+#include "platform/abi/crossing.h"
+
+namespace orvo {
+
+Values crossing<Values>::copy(raw value) {
+    if (value == nullptr) return {};
+    abi::VARIANT borrowed{};
+    borrowed.vt = abi::VT_ARRAY;
+    abi::VARTYPE element = abi::VT_VARIANT;
+    abi::SafeArrayGetVartype(value, &element);
+    borrowed.vt = static_cast<abi::VARTYPE>(abi::VT_ARRAY | element);
+    borrowed.parray = value;
+    return Variant::copy_of(borrowed).to<Values>();
+}
+
+Values crossing<Values>::take(raw& value) {
+    abi::SAFEARRAY* taken = std::exchange(value, nullptr);
+    if (taken == nullptr) return {};
+    abi::VARTYPE element = abi::VT_VARIANT;
+    abi::SafeArrayGetVartype(taken, &element);
+    if (element == abi::VT_VARIANT && abi::SafeArrayGetDim(taken) == 1)
+        return Values::attach(taken);
+    Values converted = copy(taken);
+    abi::SafeArrayDestroy(taken);
+    return converted;
+}
+
+}  // namespace orvo

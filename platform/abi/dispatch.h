@@ -1,0 +1,157 @@
+#pragma once
+
+// Late binding: GetIDsOfNames and Invoke over an interface's table.
+
+#include <vector>
+
+#include "platform/abi/face.h"
+#include "platform/abi/crossing.h"
+
+namespace orvo::detail {
+
+// Where the conversion of arguments stands, so that a failure can name the argument.
+struct LateArguments {
+    std::span<abi::VARIANT* const> values;  // in the order of the parameters; null where left out
+    int converting = -1;                    // the parameter being converted
+};
+
+// One member, as late binding sees it.
+struct LateMember {
+    Text name;
+    abi::DISPID id;
+    Shape shape;
+    std::vector<bool> may_be_missing;  // of each parameter
+    // Calls the member; raises Failure.
+    Variant (*invoke)(void* target, LateArguments& arguments);
+};
+
+struct InterfaceInfo {
+    const abi::IID* iid;
+    std::vector<LateMember> members;                    // in slot order
+    std::vector<std::pair<Text, abi::DISPID>> by_name;  // lower case, sorted
+
+    void add(LateMember member);
+    void finish();
+    abi::DISPID id_of(TextView name) const;
+    const LateMember* find(abi::DISPID id, Shape shape) const;
+};
+
+// What a caller passed, its references followed; `storage` where that takes a copy.
+const Variant& follow_reference(const abi::VARIANT& passed, Variant& storage);
+
+// One argument of a late-bound call; what the method did to an in-out argument is in the caller's
+// variable afterwards, where the caller passed one.
+template <class P, std::size_t index>
+class late_argument {
+    using T = natural<P>;
+
+public:
+    explicit late_argument(LateArguments& all) {
+        abi::VARIANT* passed = all.values[index];
+        all.converting = static_cast<int>(index);
+        if (passed == nullptr) {
+            if constexpr (std::is_same_v<T, Variant>) value_ = Variant::missing();
+            return;
+        }
+        if constexpr (is_in_out<P>) {
+            if constexpr (std::is_same_v<T, Variant>) {
+                constexpr auto by_reference = abi::VT_BYREF | abi::VT_VARIANT;
+                if (passed->vt == by_reference && !(passed->pvarVal->vt & abi::VT_BYREF)) {
+                    borrowed_ = passed->pvarVal;
+                    value_ = Variant::attach(*borrowed_);
+                    return;
+                }
+            }
+            if (passed->vt & abi::VT_BYREF) reference_ = passed;
+        }
+        Variant followed;
+        const Variant& seen = follow_reference(*passed, followed);
+        if constexpr (std::is_same_v<T, Variant>)
+            value_ = seen;
+        else
+            value_ = crossing<T>::from_late(seen);
+        if constexpr (is_in_out<P>) {
+            if (reference_ != nullptr) before_ = value_;
+        }
+    }
+    ~late_argument() {
+        if constexpr (is_in_out<P>) {
+            if constexpr (std::is_same_v<T, Variant>) {
+                if (borrowed_ != nullptr) value_.detach(*borrowed_);
+            }
+            if (reference_ != nullptr && !(value_ == before_))
+                store_through_reference(*reference_, to_late(std::move(value_)));
+        }
+    }
+    late_argument(const late_argument&) = delete;
+    late_argument& operator=(const late_argument&) = delete;
+
+    T& value() { return value_; }
+
+private:
+    struct nothing {};
+    T value_{};
+    std::conditional_t<is_in_out<P>, T, nothing> before_{};
+    abi::VARIANT* reference_ = nullptr;
+    abi::VARIANT* borrowed_ = nullptr;
+};
+
+template <auto M, class S = std::remove_cv_t<decltype(M)>>
+struct late_thunk;
+
+template <auto M, class I, class R, class... P>
+struct late_thunk<M, R (I::*)(P...)> {
+    static Variant invoke(void* target, LateArguments& arguments) {
+        return [&]<std::size_t... i>(std::index_sequence<i...>) -> Variant {
+            std::tuple<late_argument<P, i>...> held{((void)i, arguments)...};
+            arguments.converting = -1;
+            I& self = *static_cast<I*>(target);
+            if constexpr (std::is_void_v<R>) {
+                (self.*M)(pass<P>(std::get<i>(held).value())...);
+                return {};
+            } else {
+                return to_late((self.*M)(pass<P>(std::get<i>(held).value())...));
+            }
+        }(std::index_sequence_for<P...>{});
+    }
+};
+template <auto M, class I, class R, class... P>
+struct late_thunk<M, R (I::*)(P...) const> : late_thunk<M, R (I::*)(P...)> {};
+
+template <class I>
+const InterfaceInfo& interface_info() {
+    static const InterfaceInfo info = [] {
+        InterfaceInfo made;
+        made.iid = &table_of<I>.iid;
+        if (!table_of<I>.dispatch) return made;
+        std::apply(
+            [&](const auto&... row) {
+                [[maybe_unused]] auto add = [&]<class Item>(const Item& item) {
+                    if constexpr (is_row<Item>::value) {
+                        LateMember member{from_utf8(item.name), item.dispid, item.shape, {},
+                                          &late_thunk<Item::member>::invoke};
+                        for (const Parameter& parameter : item.parameters)
+                            member.may_be_missing.push_back(parameter.may_be_missing);
+                        made.add(std::move(member));
+                    }
+                };
+                (add(row), ...);
+            },
+            table_of<I>.rows);
+        made.finish();
+        return made;
+    }();
+    return info;
+}
+
+// IDispatch's own four slots.
+abi::HRESULT get_type_info_count(Face* face, std::uint32_t* count) noexcept;
+abi::HRESULT get_type_info(Face* face, std::uint32_t index, abi::LCID locale,
+                           abi::IUnknown** out) noexcept;
+abi::HRESULT get_ids_of_names(Face* face, const abi::IID* reserved, const char16_t** names,
+                              std::uint32_t count, abi::LCID locale, abi::DISPID* ids) noexcept;
+abi::HRESULT invoke(Face* face, abi::DISPID id, const abi::IID* reserved, abi::LCID locale,
+                    std::uint16_t flags, abi::DISPPARAMS* arguments, abi::VARIANT* result,
+                    abi::EXCEPINFO* failure, std::uint32_t* bad_argument) noexcept;
+
+}  // namespace orvo::detail

@@ -1,0 +1,173 @@
+#pragma once
+
+// The callee's side: vtables made from an interface's table. Every thunk has the same four steps:
+// clear the out-slot, enter, call, turn any exception into a result code.
+
+#include "platform/abi/border.h"
+#include "platform/abi/crossing.h"
+#include "platform/abi/face.h"
+
+namespace orvo::detail {
+
+// Whether parameter `index` of a member may be left out.
+template <auto M>
+constexpr bool may_be_missing(std::size_t index) {
+    return place_of<M>::row().parameters[index].may_be_missing;
+}
+
+[[noreturn]] void raise_null_pointer(const char* parameter);
+
+// One argument that came in by slot; what the method did to an in-out argument is in the caller's
+// slot afterwards, also when the method failed.
+template <class P>
+class incoming {
+    using T = natural<P>;
+    using C = crossing<T>;
+
+public:
+    explicit incoming(typename C::raw value) requires(!is_in_out<P> && !std::is_same_v<T, Variant>)
+        : value_(C::copy(value)) {}
+    explicit incoming(const abi::VARIANT& value)
+        requires(!is_in_out<P> && std::is_same_v<T, Variant>)
+        : value_(C::copy(value)) {}
+    explicit incoming(typename C::raw* slot) requires(is_in_out<P>) : slot_(slot) {
+        if (slot == nullptr) return;
+        if constexpr (std::is_same_v<T, Text>) {
+            value_ = C::copy(*slot);
+        } else if constexpr (std::is_same_v<T, Variant>) {
+            is_reference_ = (slot->vt & abi::VT_BYREF) != 0;
+            value_ = is_reference_ ? C::copy(*slot) : C::take(*slot);
+        } else {
+            value_ = C::take(*slot);
+        }
+    }
+    ~incoming() {
+        if constexpr (is_in_out<P>) {
+            if (slot_ == nullptr) return;
+            if constexpr (std::is_same_v<T, Text>) {
+                if (C::view(*slot_) == value_) return;
+                abi::SysFreeString(*slot_);
+                *slot_ = C::give(value_);
+            } else if constexpr (std::is_same_v<T, Variant>) {
+                if (is_reference_)
+                    store_through_reference(*slot_, value_);
+                else
+                    value_.detach(*slot_);
+            } else {
+                *slot_ = C::give(std::move(value_));
+            }
+        }
+    }
+    incoming(const incoming&) = delete;
+    incoming& operator=(const incoming&) = delete;
+
+    bool is_null_slot() const {
+        if constexpr (is_in_out<P>)
+            return slot_ == nullptr;
+        else
+            return false;
+    }
+    void set_missing() {
+        if constexpr (std::is_same_v<T, Variant>) value_ = Variant::missing();
+    }
+    T& value() { return value_; }
+
+private:
+    T value_{};
+    typename C::raw* slot_ = nullptr;
+    bool is_reference_ = false;
+};
+
+template <auto M, class S = std::remove_cv_t<decltype(M)>>
+struct vtable_thunk;
+
+template <auto M, class I, class R, class... P>
+struct vtable_thunk<M, R (I::*)(P...)> {
+    static constexpr bool is_bare = place_of<M>::row().shape == Shape::bare;
+    static constexpr bool has_result = !std::is_void_v<R> && !is_bare;
+
+    static R run(I& target, raw_argument<P>... raw) {
+        std::tuple<incoming<P>...> held{raw...};
+        return [&]<std::size_t... i>(std::index_sequence<i...>) -> R {
+            (check_slot<i>(std::get<i>(held)), ...);
+            return (target.*M)(pass<P>(std::get<i>(held).value())...);
+        }(std::index_sequence_for<P...>{});
+    }
+
+    template <std::size_t i, class Held>
+    static void check_slot(Held& held) {
+        if (!held.is_null_slot()) return;
+        if (!may_be_missing<M>(i)) raise_null_pointer(place_of<M>::row().parameters[i].name);
+        held.set_missing();
+    }
+
+    static abi::HRESULT without_result(Face* face, raw_argument<P>... raw) noexcept {
+        if (!face->core->is_called_at_home()) return abi::rpc_e_wrong_thread;
+        try {
+            run(*static_cast<I*>(face->target), raw...);
+            return abi::s_ok;
+        } catch (...) {
+            return report_current_exception(table_of<I>.iid, face->core->source());
+        }
+    }
+
+    template <class Raw>
+    static abi::HRESULT with_result(Face* face, raw_argument<P>... raw, Raw* result) noexcept {
+        if (result == nullptr) return abi::e_pointer;
+        *result = crossing<natural<R>>::none;
+        if (!face->core->is_called_at_home()) return abi::rpc_e_wrong_thread;
+        try {
+            *result = crossing<natural<R>>::give(run(*static_cast<I*>(face->target), raw...));
+            return abi::s_ok;
+        } catch (...) {
+            return report_current_exception(table_of<I>.iid, face->core->source());
+        }
+    }
+
+    // A bare member has no way to report a failure; its classes promise not to raise.
+    static auto bare(Face* face, raw_argument<P>... raw) noexcept {
+        I& target = *static_cast<I*>(face->target);
+        if constexpr (std::is_void_v<R>)
+            run(target, raw...);
+        else
+            return static_cast<std::int32_t>(run(target, raw...));
+    }
+
+    static abi::Slot slot() {
+        if constexpr (is_bare)
+            return reinterpret_cast<abi::Slot>(&bare);
+        else if constexpr (has_result)
+            return reinterpret_cast<abi::Slot>(&with_result<typename crossing<natural<R>>::raw>);
+        else
+            return reinterpret_cast<abi::Slot>(&without_result);
+    }
+};
+template <auto M, class I, class R, class... P>
+struct vtable_thunk<M, R (I::*)(P...) const> : vtable_thunk<M, R (I::*)(P...)> {};
+
+abi::HRESULT reserved_slot();
+
+// The vtable of interface I, for objects whose faces point to an I.
+template <class I>
+const abi::Slot* vtable_of() {
+    static const auto slots = [] {
+        std::array<abi::Slot, table_of<I>.slot_count> all;
+        all.fill(reinterpret_cast<abi::Slot>(&reserved_slot));
+        put_standard_slots(all.data(), table_of<I>.dispatch);
+        std::size_t index = 0;
+        std::apply(
+            [&](const auto&... row) {
+                [[maybe_unused]] auto place = [&]<class Item>(const Item&) {
+                    if constexpr (is_row<Item>::value)
+                        all[table_of<I>.slots[index]] = vtable_thunk<Item::member>::slot();
+                    ++index;
+                };
+                (place(row), ...);
+            },
+            table_of<I>.rows);
+        return all;
+    }();
+    return slots.data();
+}
+
+}  // namespace orvo::detail
