@@ -1,0 +1,28 @@
+#include "component/auth/Validator.h"
+
+#include "component/common/Lib_ErrorHandling.h"
+#include "component/config/SharedServerInfo.h"
+#include "component/provider/PMMCreator.h"
+#include "platform/abi/call.h"
+
+namespace orvo {
+
+std::int32_t Validator::CheckUserPassword(Text sUserId, Text sPassword) {
+    const auto validator = PMMCreator().GetPMMValidator();
+    Variant path = shared_server_info()->FullUserPath(sUserId);
+    Variant password = sPassword;
+    return call<&DirectoryValidator::Validate>(validator, path, password);
+}
+
+Variant Validator::ValidatePassword(Variant& iUserId, Variant& iPassword) {
+    return trapped(u"OrvoMembership.Validator.ValidatePassword", [&] {
+        return Variant(CheckUserPassword(iUserId.to<Text>(), iPassword.to<Text>()));
+    });
+}
+
+void Validator::setServerInfo(const Text& i_sConfigurationPath) {
+    Text path = i_sConfigurationPath;
+    shared_server_info()->SetConfiguration(path);
+}
+
+}  // namespace orvo

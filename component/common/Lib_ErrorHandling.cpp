@@ -1,0 +1,114 @@
+#include "component/common/Lib_ErrorHandling.h"
+
+#include "component/common/Lib_General.h"
+#include "component/common/LogContract.h"
+#include "platform/abi/border.h"
+#include "platform/abi/call.h"
+
+namespace orvo {
+namespace {
+
+constexpr const char16_t* log_progid = u"Quendra.Log";
+
+// Chooses which of the log's two operations is called. It is set to false before every entry and
+// never to true; the switch is kept all the same.
+thread_local bool UseAlternateLog = false;
+
+thread_local Failure* pending = nullptr;
+
+// An entry is being written. What fails in the writing is not logged in turn, because that would
+// need the very log that fails.
+thread_local bool is_logging = false;
+
+class LoggingScope {
+public:
+    LoggingScope() { is_logging = true; }
+    ~LoggingScope() { is_logging = false; }
+};
+
+class PendingScope {
+public:
+    explicit PendingScope(Failure& failure) : before_(std::exchange(pending, &failure)) {}
+    ~PendingScope() { pending = before_; }
+
+private:
+    Failure* before_;
+};
+
+ErrorRecord CaptureError(const Text& method, const Variant& info) {
+    if (pending == nullptr) return {};
+    return {pending->number, pending->source,
+            FormatErrorText(pending->description, pending->number, method, info),
+            pending->help_file, pending->help_context};
+}
+
+void write(const Ref<Log>& log, Text source, Text message, std::int32_t level) {
+    if (UseAlternateLog)
+        call<&Log::LogMessageAlternate>(log, source, message, level);
+    else
+        call<&Log::LogMessage>(log, source, message, level);
+}
+
+void WriteErrorLog(std::int32_t level, const Text& method, const Variant& info) {
+    if (pending != nullptr) {
+        const Text message =
+            FormatErrorText(pending->description, pending->number, method, info);
+        write(Gen_GetComponent<Log>(log_progid), pending->source, message, level);
+        return;
+    }
+    const Text message = FormatErrorText(u"Not an actual error", 0, method, info);
+    Ref<Log> log;
+    try {
+        log = Gen_GetComponent<Log>(log_progid);
+    } catch (...) {
+        return;  // a note is not worth a failure: without a log component it is dropped
+    }
+    write(log, method, message, 1);
+}
+
+}  // namespace
+
+Text FormatErrorText(const Text& description, std::int32_t number, const Text& method,
+                     const Variant& info) {
+    Text text = u"\r\nERROR 0x" + hexadecimal(number) + u"\r\n METHOD: " + method +
+                u"\r\n DESC: " + description + u".\r\n";
+    if (!info.is_missing()) text += u" INFO: " + info.to<Text>() + u".\r\n";
+    return text;
+}
+
+void HandleError(const Text& method, const Variant& info) {
+    UseAlternateLog = false;
+    ErrorRecord rec = CaptureError(method, info);
+    if (rec.Number == 0) return;
+    try {
+        Failure formatted(rec.Number, rec.Source, rec.Description, rec.HelpFile, rec.HelpContext);
+        const PendingScope scope(formatted);
+        LogError(method, info);
+    } catch (...) {
+        // Logging never replaces the failure that is being reported.
+    }
+    throw Failure(rec.Number, std::move(rec.Source), std::move(rec.Description),
+                  std::move(rec.HelpFile), rec.HelpContext);
+}
+
+void LogError(const Text& method, const Variant& info) {
+    UseAlternateLog = false;
+    if (is_logging) return;
+    const LoggingScope scope;
+    WriteErrorLog(0, method, info);
+}
+
+namespace detail {
+
+BodyScope::BodyScope() : callers_(std::exchange(pending, nullptr)) {}
+BodyScope::~BodyScope() { pending = callers_; }
+
+void handle_current_exception(const char16_t* method, const Variant& info) {
+    Failure failure = current_failure(component_name);
+    const PendingScope scope(failure);
+    HandleError(method, info);
+    throw failure;  // a number of 0 is nothing to HandleError, and still a failure
+}
+
+}  // namespace detail
+}  // namespace orvo

@@ -1,0 +1,60 @@
+#include "component/common/Lib_General.h"
+
+#include "component/common/Lib_ErrorHandling.h"
+#include "platform/abi/call.h"
+#include "platform/abi/create.h"
+#include "platform/context/contract.h"
+
+namespace orvo {
+namespace {
+
+// The thread's application-server object; empty on a system that has none.
+const Ref<AppServer>& app_server() {
+    static thread_local Ref<AppServer> server;
+    if (server) return server;
+    try {
+        server = Ref<AppServer>::from(create_object(app_server_progid));
+    } catch (const Failure& failure) {
+        // No transaction server at all means that no caller runs in a context.
+        if (failure.number != runtime_error::cannot_create_object) throw;
+    }
+    return server;
+}
+
+Ref<ObjectContext> object_context() {
+    const Ref<AppServer>& server = app_server();
+    return server ? call<&AppServer::GetObjectContext>(server) : nullptr;
+}
+
+Variant creation_info(const Text& progID) {
+    if (!object_context()) return u"CreateObject(" + progID + u") failed";
+    return u"CreateInstance(" + progID +
+           u") failed.\r\nNote: Objects having 'Instancing=PublicNotCreatable' may only be "
+           u"instantiated with 'New', not with Gen_GetComponent()";
+}
+
+}  // namespace
+
+Object Gen_GetComponent(const Text& progID) {
+    return trapped(
+        u"Lib_General.Gen_GetComponent", [&] { return creation_info(progID); },
+        [&]() -> Object {
+            const Ref<ObjectContext> context = object_context();
+            if (!context) return create_object(progID);
+            return call<&ObjectContext::CreateInstance>(context, progID).to<Object>();
+        });
+}
+
+std::int16_t Gen_GetIntrinsicState(const Text& name) {
+    try {
+        const Ref<ObjectContext> context = object_context();
+        if (!context) return -1;
+        return call<&ObjectContext::Item>(context, name).to<Object>() ? 0 : -2;
+    } catch (const Failure&) {
+        return -2;  // the answer is the state: asking never raises
+    }
+}
+
+Text Gen_EscapeQuotes(const Text& text) { return replaced(text, u"'", u"''"); }
+
+}  // namespace orvo

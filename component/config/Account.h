@@ -1,0 +1,35 @@
+#pragma once
+
+#include "component/provider/contract.h"
+#include "platform/abi/hosted.h"
+
+namespace orvo {
+
+// The operating-system account under which work for one type of user is done. Its name and password
+// stand in the account entry of that type, which is read as the configured script user. Values are
+// as stored.
+class Account {
+public:
+    // Binds to the entry named with the user type ("cn=2"); types are not checked against a list.
+    void Init(std::int16_t& iUserType);
+    Variant NTUser();
+    Variant NTPassword();
+
+private:
+    Variant first_value(const char16_t* attribute);
+
+    Ref<DirectoryEntry> entry_;
+};
+
+template <>
+inline constexpr auto table_of<Account> = describe<Account>(
+    "IAccount", "022d2b72-1c79-4081-ae34-7690be8cb84d",
+    method<&Account::Init>("Init", "iUserType"),
+    get<&Account::NTUser>("NTUser"),
+    get<&Account::NTPassword>("NTPassword"));
+
+template <>
+inline constexpr auto class_of<Account> =
+    describe_class<Account>("OrvoMembership.Account", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e703");
+
+}  // namespace orvo

@@ -1,0 +1,119 @@
+#pragma once
+
+// The directory settings of the membership layer, read once and handed out.
+
+#include "component/config/ConfigurationContract.h"
+#include "platform/abi/hosted.h"
+#include "platform/automation/values.h"
+
+namespace orvo {
+
+// Which directory server to use, where users, profiles and accounts live, which classes and naming
+// attributes they have, and how the provider is implemented: section "MEMBERSHIP" of the site's
+// configuration. Texts are the configuration's own, neither trimmed nor checked.
+//
+// A getter on an object that was not loaded answers its empty value and raises nothing.
+class ServerInfo {
+public:
+    Variant GetMemScriptUser();
+    Variant GetMemScriptCode();
+    Variant GetServerName();
+    Variant GetPMMImplementation();
+    // The containers are full names: the configured one, "," and the root. Without a root they are
+    // empty, whatever is configured.
+    Variant GetProfileContainer();
+    Variant GetUserContainer();
+    Variant GetAccountContainer();
+    Variant GetCookieName();
+    Variant GetProfileClass();
+    // Array of texts; Empty before anything was loaded. So is GetUserMandatoryAttributes.
+    Variant GetUserClass();
+    Variant GetAccountClass();
+    Variant GetUserNamingAttribute();
+    Variant GetProfileNamingAttribute();
+    Variant GetAccountNamingAttribute();
+    Variant GetUserMandatoryAttributes();
+
+    // The distinguished name of a user below the user container; a bare name gets the user naming
+    // attribute in front. Nothing is escaped.
+    Text FullUserPath(Text& iUser);
+    // "LDAP://host/object,container". iHost loses its scheme and one "/" at its end, and a bare
+    // iObject gets the user naming attribute, in the caller's variables too. A container written
+    // from the top down with "/" is turned round. Nothing is escaped.
+    Text makeLDAPString(Text& iHost, Text& iContainer, Text& iObject);
+
+    // Fills every field that is still empty. A value that was loaded before is never replaced.
+    void LoadConfigFile(Ref<Configuration>& i_oConfiguration);
+    // The same from a site configuration file.
+    void SetConfiguration(Text& i_sConfigPath);
+    Variant GetConfigFileName();
+    // The path last given to SetConfiguration; the object's default value.
+    Text ConfigurationPath();
+
+    bool IsLoaded() const { return is_loaded_; }
+
+private:
+    struct Setting;
+    static const Setting settings[];
+
+    void CheckState();
+    template <class T>
+    Variant checked(const T& field);
+    void fill(const Setting& setting, const Ref<Configuration>& configuration);
+
+    Text server_name_;
+    Text user_container_;
+    Text profile_container_;
+    Text account_container_;
+    Variant user_classes_;
+    Text profile_class_;
+    Text account_class_;
+    Text profile_naming_attribute_;
+    Text user_naming_attribute_;
+    Text account_naming_attribute_;
+    Variant user_mandatory_attributes_;
+    Text script_user_;
+    Text script_code_;
+    Text cookie_name_;
+    Text root_;
+    Text configuration_file_name_;
+    Text provider_implementation_;
+    Text full_user_container_;
+    Text full_profile_container_;
+    Text full_account_container_;
+    Text full_script_user_;
+    Text configuration_path_;
+    bool is_loaded_ = false;
+};
+
+template <>
+inline constexpr auto table_of<ServerInfo> = describe<ServerInfo>(
+    "IServerInfo", "19041d22-35a4-4296-862c-dd49911e25a9",
+    method<&ServerInfo::GetMemScriptUser>("GetMemScriptUser"),
+    method<&ServerInfo::GetMemScriptCode>("GetMemScriptCode"),
+    method<&ServerInfo::GetServerName>("GetServerName"),
+    method<&ServerInfo::GetPMMImplementation>("GetPMMImplementation"),
+    method<&ServerInfo::GetProfileContainer>("GetProfileContainer"),
+    method<&ServerInfo::GetUserContainer>("GetUserContainer"),
+    method<&ServerInfo::GetAccountContainer>("GetAccountContainer"),
+    method<&ServerInfo::GetCookieName>("GetCookieName"),
+    method<&ServerInfo::GetProfileClass>("GetProfileClass"),
+    method<&ServerInfo::GetUserClass>("GetUserClass"),
+    method<&ServerInfo::GetAccountClass>("GetAccountClass"),
+    method<&ServerInfo::GetUserNamingAttribute>("GetUserNamingAttribute"),
+    method<&ServerInfo::GetProfileNamingAttribute>("GetProfileNamingAttribute"),
+    method<&ServerInfo::GetAccountNamingAttribute>("GetAccountNamingAttribute"),
+    method<&ServerInfo::GetUserMandatoryAttributes>("GetUserMandatoryAttributes"),
+    method<&ServerInfo::FullUserPath>("FullUserPath", "iUser"),
+    method<&ServerInfo::makeLDAPString>("makeLDAPString", "iHost", "iContainer",
+                                        optional("iObject")),
+    method<&ServerInfo::LoadConfigFile>("LoadConfigFile", "i_oConfiguration"),
+    method<&ServerInfo::SetConfiguration>("SetConfiguration", "i_sConfigPath"),
+    method<&ServerInfo::GetConfigFileName>("GetConfigFileName"),
+    get<&ServerInfo::ConfigurationPath>("ConfigurationPath").as_default().hidden());
+
+template <>
+inline constexpr auto class_of<ServerInfo> =
+    describe_class<ServerInfo>("OrvoMembership.ServerInfo", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e701");
+
+}  // namespace orvo

@@ -1,0 +1,80 @@
+#include "component/entries/LdapAccess.h"
+
+#include "component/common/Lib_ErrorHandling.h"
+#include "component/common/Lib_General.h"
+#include "component/common/OrvoMemErrors.h"
+#include "component/config/SharedServerInfo.h"
+#include "platform/abi/call.h"
+#include "platform/automation/values.h"
+
+namespace orvo {
+namespace {
+
+Text read_text(const Ref<Configuration>& configuration, Text section, Text key) {
+    return call<&Configuration::ReadConfigValue>(configuration, section, key).to<Text>();
+}
+
+}  // namespace
+
+void LdapAccess::IObjectControl_Activate() { load_site_configuration(); }
+
+Variant LdapAccess::GetAttribValue(Text& iAttribName) {
+    return trapped(u"OrvoMembership.LDAPAccess.GetAttribValue", [&] {
+        return element(call<&DirectoryEntry::GetValues>(m_oPMMObject, iAttribName), 0);
+    });
+}
+
+void LdapAccess::SetAttribValue(Text& iAttribName, Variant& iAttribValue) {
+    trapped(u"OrvoMembership.LDAPAccess.SetAttribValue", [&] {
+        call<&DirectoryEntry::SetValues>(m_oPMMObject, iAttribName, iAttribValue);
+    });
+}
+
+void LdapAccess::ClearAttribValue(Text& iAttribName) {
+    // Spelt with a lower-case v, as it always was.
+    trapped(u"OrvoMembership.LDAPAccess.ClearAttribvalue",
+            [&] { call<&DirectoryEntry::ClearValues>(m_oPMMObject, iAttribName); });
+}
+
+void LdapAccess::BindAs(Text& i_sCN, Text& i_sUsername, Text& i_sPwd, Text& i_sServer,
+                        Text& i_sContainer) {
+    trapped(u"OrvoMembership.LDAPAccess.BindAs", [&] {
+        // Asking for the settings makes them, so this cannot happen; it is tested all the same.
+        if (shared_server_info() == nullptr)
+            throw Failure(emErrServerInfoNotCreated, u"OrvoMembership.LDAPAccess.BindAs",
+                          u"No OrvoMembership.ServerInfo present. Create one and invoke "
+                          u"SetServerInfo() first.");
+        m_oPMMCreator.emplace();
+        m_oPMMObject = m_oPMMCreator->GetPMMObject();
+        Variant attributes = Values();
+        call<&DirectoryEntry::Bind>(m_oPMMObject, i_sServer, i_sContainer, i_sCN, i_sUsername,
+                                    i_sPwd, attributes);
+    });
+}
+
+void LdapAccess::BindToConfig() {
+    trapped(u"OrvoMembership.LDAPAccess.BindToConfig", [&] {
+        ServerInfo& info = *shared_server_info();
+        const Text file = info.GetConfigFileName().to<Text>();
+        m_oConfig = Gen_GetComponent<Configuration>(u"Quendra.Configuration");
+        const Text folder = call<&Configuration::GetFolder>(m_oConfig);
+        call<&Configuration::LoadConfigurationFile>(m_oConfig,
+                                                    folder + u"\\" + u"Config" + u"\\" + file);
+        Text container = read_text(m_oConfig, u"ConfigDN", u"dn");
+        Text user = info.GetMemScriptUser().to<Text>();
+        Text password = info.GetMemScriptCode().to<Text>();
+        Text server = info.GetServerName().to<Text>();
+        Text name;
+        BindAs(name, user, password, server, container);
+    });
+}
+
+Variant LdapAccess::GetAttributeName(Variant& iAttributeName) {
+    return trapped(u"OrvoMembership.LDAPAccess.GetAttributeName", [&] {
+        Text section = u"Attributes";
+        Text key = iAttributeName.to<Text>();
+        return call<&Configuration::ReadConfigValue>(m_oConfig, section, key);
+    });
+}
+
+}  // namespace orvo

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "component/config/ConfigurationContract.h"
+#include "component/provider/PMMCreator.h"
+#include "platform/abi/hosted.h"
+#include "platform/context/object_control.h"
+
+namespace orvo {
+
+// The thinnest view of one directory entry: binds to any entry by server, container and common
+// name, reads, writes and clears attributes by their directory names, and translates logical
+// attribute names through the configuration.
+//
+// Bind first (BindAs, or BindToConfig, which binds to the entry that holds the suite's directory
+// configuration): an attribute operation on an unbound object fails with 91 (object not set), and
+// so does GetAttributeName before BindToConfig. A further bind replaces the former one.
+class LdapAccess final : public ObjectControl {
+public:
+    LdapAccess() { IObjectControl_Activate(); }
+    ~LdapAccess() { IObjectControl_Deactivate(); }
+
+    // The attribute's first value. Raises 13 when the provider answers no array, 9 when it is empty.
+    Variant GetAttribValue(Text& iAttribName);
+    void SetAttribValue(Text& iAttribName, Variant& iAttribValue);
+    void ClearAttribValue(Text& iAttribName);
+    void BindAs(Text& i_sCN, Text& i_sUsername, Text& i_sPwd, Text& i_sServer, Text& i_sContainer);
+    void BindToConfig();
+    // The directory's name of a logical attribute; what the configuration answers for a missing key
+    // when the name is unknown.
+    Variant GetAttributeName(Variant& iAttributeName);
+
+    // Loads the site's configuration into the thread's shared settings. A failure surfaces as it is.
+    void IObjectControl_Activate() override;
+    void IObjectControl_Deactivate() override {}
+    bool IObjectControl_CanBePooled() override { return false; }
+
+private:
+    // Both are empty until the first bind.
+    std::optional<PMMCreator> m_oPMMCreator;
+    Ref<DirectoryEntry> m_oPMMObject;
+    Ref<Configuration> m_oConfig;
+};
+
+template <>
+inline constexpr auto table_of<LdapAccess> = describe<LdapAccess>(
+    "ILdapAccess", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e714",
+    method<&LdapAccess::GetAttribValue>("GetAttribValue", "iAttribName"),
+    method<&LdapAccess::SetAttribValue>("SetAttribValue", "iAttribName", "iAttribValue"),
+    method<&LdapAccess::ClearAttribValue>("ClearAttribValue", "iAttribName"),
+    method<&LdapAccess::BindAs>("BindAs", "i_sCN", "i_sUsername", "i_sPwd", "i_sServer",
+                                "i_sContainer"),
+    method<&LdapAccess::BindToConfig>("BindToConfig"),
+    method<&LdapAccess::GetAttributeName>("GetAttributeName", "iAttributeName"));
+
+template <>
+inline constexpr auto class_of<LdapAccess> = describe_class<LdapAccess, ObjectControl>(
+    "OrvoMembership.LdapAccess", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e704");
+
+}  // namespace orvo

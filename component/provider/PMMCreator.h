@@ -1,0 +1,40 @@
+#pragma once
+
+#include "component/provider/contract.h"
+#include "platform/abi/hosted.h"
+
+namespace orvo {
+
+// Makes the objects of the configured directory provider. The provider's module is created at
+// first use and kept for the life of this object.
+//
+// Which provider it is, is always told by the thread's shared settings, never by a ServerInfo that
+// a calling object was given. Without one configured every call fails with 91 (object not set).
+class PMMCreator {
+public:
+    Ref<DirectorySchema> GetPMMSchema();
+    // Not yet bound; a new one at each call.
+    Ref<DirectoryEntry> GetPMMObject();
+    Ref<DirectorySearch> GetPMMSearch();
+    // Opened on the configured server and user container.
+    Ref<DirectoryValidator> GetPMMValidator();
+
+private:
+    void LoadModule();
+
+    Ref<DirectoryModule> module_;
+};
+
+template <>
+inline constexpr auto table_of<PMMCreator> = describe<PMMCreator>(
+    "IPMMCreator", "b6c8f471-05d1-4dc5-8502-73bbfc1c5006",
+    method<&PMMCreator::GetPMMSchema>("GetPMMSchema"),
+    method<&PMMCreator::GetPMMObject>("GetPMMObject"),
+    method<&PMMCreator::GetPMMSearch>("GetPMMSearch"),
+    method<&PMMCreator::GetPMMValidator>("GetPMMValidator"));
+
+template <>
+inline constexpr auto class_of<PMMCreator> =
+    describe_class<PMMCreator>("OrvoMembership.PMMCreator", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e702");
+
+}  // namespace orvo
