@@ -1,0 +1,106 @@
+#include "suite/log/log_writer.h"
+
+#include <spdlog/details/log_msg.h>
+#include <spdlog/sinks/rotating_file_sink.h>
+#include <spdlog/sinks/stdout_sinks.h>
+
+#include <cerrno>
+#include <fstream>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <system_error>
+
+#include "platform/automation/failure.h"
+
+namespace orvo {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* entry_pattern = "%Y-%m-%dT%H:%M:%S.%e%z %v";
+
+Text text_of(const fs::path& path) {
+    const auto bytes = path.generic_u8string();
+    return from_utf8(std::string(bytes.begin(), bytes.end()));
+}
+
+[[noreturn]] void refuse(const fs::path& file, std::string_view reason) {
+    throw Failure(log_error::file_not_writable, Text(log_source),
+                  text_of(file) + u": the log cannot be written (" + from_utf8(reason) + u")");
+}
+
+// spdlog tries an unwritable file again and again, sleeping in between, and gives no plain reason.
+void make_writable(const fs::path& file) {
+    std::error_code error;
+    if (file.has_parent_path()) fs::create_directories(file.parent_path(), error);
+    if (error) refuse(file, error.message());
+    errno = 0;
+    if (!std::ofstream(file, std::ios::app).is_open())
+        refuse(file, std::generic_category().message(errno == 0 ? EIO : errno));
+}
+
+}  // namespace
+
+class LogWriter::Sinks {
+public:
+    explicit Sinks(LogTarget target) : target_(std::move(target)) {
+        if (target_.standard_error) console_.emplace().set_pattern(entry_pattern);
+    }
+
+    void write(const spdlog::details::log_msg& message) {
+        const std::lock_guard lock(mutex_);
+        if (console_) console_->log(message);
+        if (target_.file.empty()) return;
+        try {
+            write_to_file(message);
+        } catch (const spdlog::spdlog_ex& failure) {
+            file_.reset();
+            refuse(target_.file, failure.what());
+        }
+    }
+
+private:
+    std::optional<std::uintmax_t> size_of_file() const {
+        std::error_code error;
+        const auto size = fs::file_size(target_.file, error);
+        return error ? std::nullopt : std::optional(size);
+    }
+
+    void write_to_file(const spdlog::details::log_msg& message) {
+        if (file_ && size_of_file() != known_size_) file_.reset();
+        if (!file_) {
+            make_writable(target_.file);
+            file_.emplace(target_.file.native(), target_.largest_file, target_.file_count - 1);
+            file_->set_pattern(entry_pattern);
+        }
+        file_->log(message);
+        file_->flush();
+        known_size_ = size_of_file();
+    }
+
+    const LogTarget target_;
+    std::mutex mutex_;
+    std::optional<spdlog::sinks::stderr_sink_mt> console_;
+    std::optional<spdlog::sinks::rotating_file_sink_st> file_;
+    std::optional<std::uintmax_t> known_size_;
+};
+
+LogWriter::LogWriter(LogTarget target) : sinks_(std::make_unique<Sinks>(std::move(target))) {}
+
+LogWriter::~LogWriter() = default;
+
+void LogWriter::write(std::chrono::system_clock::time_point time, std::string_view entry) {
+    sinks_->write({time, {}, {}, spdlog::level::info, {entry.data(), entry.size()}});
+}
+
+LogWriter& log_writer_for(const LogTarget& target) {
+    static std::mutex mutex;
+    static std::map<LogTarget, LogWriter> writers;
+    const std::lock_guard lock(mutex);
+    return writers.try_emplace(target, target).first->second;
+}
+
+}  // namespace orvo

@@ -1,0 +1,47 @@
+#pragma once
+
+// The one place where log entries leave the process.
+
+#include <chrono>
+#include <memory>
+#include <string_view>
+
+#include "platform/automation/text.h"
+#include "suite/log/log_target.h"
+
+namespace orvo {
+
+namespace log_error {
+// The log file, or its folder, cannot be made, opened, written or renamed (Automation's own number
+// for trouble with a path or file).
+inline constexpr std::int32_t file_not_writable = 75;
+}  // namespace log_error
+
+inline constexpr TextView log_source = u"Quendra.Log";
+
+// Writes entries, each behind its time stamp (local time, 2024-05-06T07:08:09.123+02:00), and
+// hands every one over to the system before it returns. Any thread.
+//
+// Several processes may write to one file: it is looked at before each entry, and a file that
+// another process, or an administrator, wrote to, renamed or removed is opened anew. Two processes
+// that rename the file in the same moment can lose the entries written in that moment. A full file
+// that cannot be renamed is emptied, so that it never outgrows its limit; that raises, too.
+class LogWriter {
+public:
+    explicit LogWriter(LogTarget target);
+    ~LogWriter();
+
+    // `entry`: UTF-8, without a line end. The standard error comes first, so that an entry is seen
+    // where the file fails. Raises `log_error::file_not_writable`, "<file>: the log cannot be
+    // written (<reason>)"; the next entry tries again.
+    void write(std::chrono::system_clock::time_point time, std::string_view entry);
+
+private:
+    class Sinks;
+    std::unique_ptr<Sinks> sinks_;
+};
+
+// The process's writer for a target, made at the first call and kept. Any thread.
+LogWriter& log_writer_for(const LogTarget& target);
+
+}  // namespace orvo
