@@ -20,11 +20,14 @@ set(CMAKE_INSTALL_RPATH "$ORIGIN")
 
 find_program(CCACHE ccache)
 if(CCACHE)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+  # Paths below the source folder count relatively, so that every checkout shares the cache.
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}
+                                  CCACHE_NOHASHDIR=1 ${CCACHE})
 endif()
 
 add_library(orvo_options INTERFACE)
-target_compile_options(orvo_options INTERFACE -Wall -Wextra -Wpedantic -Werror)
+# g++ 12 takes the inlined concatenation of strings for overlapping copies (its bug 105651).
+target_compile_options(orvo_options INTERFACE -Wall -Wextra -Wpedantic -Werror -Wno-restrict)
 target_include_directories(orvo_options INTERFACE ${PROJECT_SOURCE_DIR})
 if(NOT WIN32)
   # A module's inline statics must not keep it from being unloaded.

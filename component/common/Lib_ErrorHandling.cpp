@@ -57,13 +57,11 @@ void WriteErrorLog(std::int32_t level, const Text& method, const Variant& info) 
         return;
     }
     const Text message = FormatErrorText(u"Not an actual error", 0, method, info);
-    Ref<Log> log;
     try {
-        log = Gen_GetComponent<Log>(log_progid);
+        write(Gen_GetComponent<Log>(log_progid), method, message, 1);
     } catch (...) {
-        return;  // a note is not worth a failure: without a log component it is dropped
+        // A note is not worth a failure: where it cannot be written it is dropped.
     }
-    write(log, method, message, 1);
 }
 
 }  // namespace

@@ -46,12 +46,17 @@ Object Gen_GetComponent(const Text& progID) {
 }
 
 std::int16_t Gen_GetIntrinsicState(const Text& name) {
+    // The answer is the state: asking never raises.
+    Ref<ObjectContext> context;
     try {
-        const Ref<ObjectContext> context = object_context();
-        if (!context) return -1;
+        context = object_context();
+    } catch (const Failure&) {
+    }
+    if (!context) return -1;
+    try {
         return call<&ObjectContext::Item>(context, name).to<Object>() ? 0 : -2;
     } catch (const Failure&) {
-        return -2;  // the answer is the state: asking never raises
+        return -2;
     }
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/abi/border.h"
+#include "platform/abi/type_library.h"
 
 namespace orvo::detail {
 namespace {
@@ -155,15 +156,18 @@ const LateMember* InterfaceInfo::find(abi::DISPID id, Shape shape) const {
     return nullptr;
 }
 
-HRESULT get_type_info_count(Face*, std::uint32_t* count) noexcept {
+HRESULT get_type_info_count(Face* face, std::uint32_t* count) noexcept {
     if (count == nullptr) return abi::e_pointer;
-    *count = 0;
+    *count = try_type_info(*face->info->iid) ? 1 : 0;
     return abi::s_ok;
 }
 
-HRESULT get_type_info(Face*, std::uint32_t, abi::LCID, abi::IUnknown** out) noexcept {
-    if (out != nullptr) *out = nullptr;
-    return abi::e_notimpl;
+HRESULT get_type_info(Face* face, std::uint32_t index, abi::LCID, abi::IUnknown** out) noexcept {
+    if (out == nullptr) return abi::e_pointer;
+    *out = nullptr;
+    if (index != 0) return abi::disp_e_badindex;
+    *out = try_type_info(*face->info->iid).detach();
+    return *out != nullptr ? abi::s_ok : abi::e_notimpl;
 }
 
 HRESULT get_ids_of_names(Face* face, const abi::IID* reserved, const char16_t** names,

@@ -6,6 +6,7 @@
 
 #include "platform/abi/border.h"
 #include "platform/abi/module.h"
+#include "platform/abi/type_library.h"
 
 namespace orvo::detail {
 long module_locks();
@@ -65,12 +66,15 @@ orvo::abi::HRESULT DllRegisterServer() {
     return orvo::detail::reported([] {
         orvo::runtime::register_module(orvo::from_utf8(orvo::this_module().name),
                                        orvo::detail::class_entries());
+        orvo::detail::register_type_library(orvo::this_module().classes);
     });
 }
 
 orvo::abi::HRESULT DllUnregisterServer() {
-    return orvo::detail::reported(
-        [] { orvo::runtime::unregister_module(orvo::from_utf8(orvo::this_module().name)); });
+    return orvo::detail::reported([] {
+        orvo::detail::unregister_type_library();
+        orvo::runtime::unregister_module(orvo::from_utf8(orvo::this_module().name));
+    });
 }
 
 }  // extern "C"

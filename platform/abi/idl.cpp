@@ -8,18 +8,19 @@ std::string idl_guid(const abi::GUID& id) { return to_utf8(guid_text(id)); }
 
 void IdlWriter::begin(const char* name, const abi::IID& iid, bool dispatch) {
     dispatch_ = dispatch;
-    out_ << "    [ object, uuid(" << idl_guid(iid) << ")" << (dispatch ? ", dual, oleautomation" : "")
-         << " ]\n    interface " << name << " : " << (dispatch ? "IDispatch" : "IUnknown")
-         << "\n    {\n";
+    out_ << "    [ object, uuid(" << idl_guid(iid) << ")"
+         << (dispatch ? ", dual, oleautomation" : "") << " ]\n    interface " << name << " : "
+         << (dispatch ? "IDispatch" : "IUnknown") << "\n    {\n";
 }
 
 void IdlWriter::end() { out_ << "    };\n"; }
 
-void IdlWriter::hole(const Reserved& reserved) {
+void IdlWriter::hole(std::size_t slot, const Reserved& reserved) {
     for (int number = reserved.first; number <= reserved.last; ++number) {
-        out_ << "        ";
-        if (dispatch_) out_ << "[id(0x" << std::hex << 0x60010000 + number << std::dec
-                            << "), hidden, restricted] ";
+        out_ << "        /* " << slot++ << " */ ";
+        if (dispatch_)
+            out_ << "[id(0x" << std::hex << 0x60010000 + number << std::dec
+                 << "), hidden, restricted] ";
         out_ << "HRESULT Reserved" << number << "();\n";
     }
 }
@@ -30,9 +31,9 @@ std::string IdlWriter::parameter(bool in_out, bool may_be_missing, const std::st
            type + (in_out ? "* " : " ") + name;
 }
 
-void IdlWriter::line(abi::DISPID id, Shape shape, bool hidden, const char* name,
+void IdlWriter::line(std::size_t slot, abi::DISPID id, Shape shape, bool hidden, const char* name,
                      const std::vector<std::string>& parameters) {
-    out_ << "        ";
+    out_ << "        /* " << slot << " */ ";
     if (dispatch_) {
         out_ << "[id(" << id << ")";
         if (shape == Shape::get) out_ << ", propget";

@@ -8,25 +8,27 @@
 
 namespace orvo {
 
-// Writes interfaces one by one. Members stand in slot order with the numbers that late binding uses.
+// Writes interfaces one by one. Members stand in slot order with the numbers that late binding
+// uses.
 class IdlWriter {
 public:
     // What stands before all interfaces; `text` is written as it is.
     void raw(std::string_view text) { out_ << text; }
 
-    // One interface. Reserved slots are written as hidden members so that the slots behind them
-    // keep their places.
+    // One interface, every member behind its slot number (a comment to IDL). Reserved slots are
+    // written as hidden members so that the slots behind them keep their places.
     template <class I>
     void write_interface() {
         const auto& table = table_of<I>;
         begin(table.name, table.iid, table.dispatch);
         const detail::InterfaceInfo& info = detail::interface_info<I>();
         std::size_t late = 0;
+        auto slot = table.slots.begin();
         auto write = [&]<class Item>(const Item& item) {
             if constexpr (detail::is_row<Item>::value)
-                member(table.dispatch ? info.members[late++].id : 0, item);
+                member(*slot++, table.dispatch ? info.members[late++].id : 0, item);
             else
-                hole(item);
+                hole(*slot++, item);
         };
         std::apply([&](const auto&... row) { (write(row), ...); }, table.rows);
         end();
@@ -37,33 +39,32 @@ public:
 private:
     void begin(const char* name, const abi::IID& iid, bool dispatch);
     void end();
-    void hole(const Reserved& reserved);
+    void hole(std::size_t slot, const Reserved& reserved);
 
     template <auto M>
-    void member(abi::DISPID id, const Row<M>& row) {
+    void member(std::size_t slot, abi::DISPID id, const Row<M>& row) {
         using S = detail::signature_of<M>;
         std::vector<std::string> parameters;
         std::size_t index = 0;
         auto add = [&]<class P>(std::type_identity<P>) {
             const Parameter& named = row.parameters[index++];
-            parameters.push_back(
-                parameter(detail::is_in_out<P>, named.may_be_missing,
-                          crossing<detail::natural<P>>::idl(), named.name));
+            parameters.push_back(parameter(detail::is_in_out<P>, named.may_be_missing,
+                                           crossing<detail::natural<P>>::idl(), named.name));
         };
         [&]<class... P>(std::type_identity<std::tuple<P...>>) {
             (add(std::type_identity<P>{}), ...);
         }(std::type_identity<typename S::parameters>{});
         if constexpr (!std::is_void_v<typename S::result>)
             if (row.shape != Shape::bare)
-                parameters.push_back(
-                    "[out, retval] " +
-                    crossing<detail::natural<typename S::result>>::idl() + "* result");
-        line(id, row.shape, row.is_hidden, row.name, parameters);
+                parameters.push_back("[out, retval] " +
+                                     crossing<detail::natural<typename S::result>>::idl() +
+                                     "* result");
+        line(slot, id, row.shape, row.is_hidden, row.name, parameters);
     }
 
     static std::string parameter(bool in_out, bool may_be_missing, const std::string& type,
                                  const char* name);
-    void line(abi::DISPID id, Shape shape, bool hidden, const char* name,
+    void line(std::size_t slot, abi::DISPID id, Shape shape, bool hidden, const char* name,
               const std::vector<std::string>& parameters);
 
     std::ostringstream out_;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "component/config/ConfigurationContract.h"
+#include "platform/abi/hosted.h"
 
 namespace orvo {
 
@@ -51,5 +52,9 @@ private:
     std::filesystem::path given_site_file_;
     std::vector<Layer> layers_;
 };
+
+template <>
+inline constexpr auto class_of<SuiteConfiguration> = describe_class<Configuration>(
+    "Quendra.Configuration", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e721");
 
 }  // namespace orvo

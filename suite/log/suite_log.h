@@ -3,6 +3,7 @@
 // The suite's log component.
 
 #include "component/common/LogContract.h"
+#include "platform/abi/hosted.h"
 #include "suite/log/log_entry.h"
 
 namespace orvo {
@@ -28,5 +29,9 @@ private:
     LogWriter& writer_;
     bool notes_;
 };
+
+template <>
+inline constexpr auto class_of<SuiteLog> =
+    describe_class<Log>("Quendra.Log", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e722");
 
 }  // namespace orvo

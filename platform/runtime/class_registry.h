@@ -1,0 +1,50 @@
+#pragma once
+
+// The catalogue that the process uses, read when it is first needed and read anew when a lookup
+// misses and something has changed since.
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <shared_mutex>
+
+#include "platform/runtime/catalogue.h"
+
+namespace orvo::runtime {
+
+// Any thread. Nothing is called and no file is read while a reader could be waiting.
+class ClassRegistry {
+public:
+    // A hit: the class is known and its manifest can be used.
+    bool find(std::u16string_view progid, abi::CLSID& clsid) const;
+    bool find(const abi::CLSID& clsid, Module*& module) const;
+
+    // Reads the manifests anew if reading them could give something else than it did.
+    void refresh();
+
+    // Makes every lookup miss until the manifests have been read anew.
+    void forget() { is_forgotten_ = true; }
+
+    // For a lookup that has missed.
+    struct Miss {
+        bool is_listed;      // in a manifest that cannot be used
+        std::string faults;  // of that manifest; otherwise of all, empty when there are none
+    };
+    Miss explain(std::u16string_view progid) const;
+    Miss explain(const abi::CLSID& clsid) const;
+
+private:
+    template <class Key>
+    const CatalogueEntry* usable(const Key& key) const;
+    template <class Key>
+    Miss explained(const Key& key) const;
+
+    mutable std::shared_mutex lock_;
+    std::unique_ptr<const Catalogue> catalogue_ = std::make_unique<Catalogue>();
+    std::mutex refreshing_;  // taken before lock_
+    std::atomic<bool> is_forgotten_{true};
+};
+
+ClassRegistry& class_registry();
+
+}  // namespace orvo::runtime

@@ -1,0 +1,55 @@
+#pragma once
+
+// Modules: shared objects that export DllGetClassObject.
+
+#include <atomic>
+#include <filesystem>
+#include <mutex>
+#include <string>
+
+#include "platform/abi/system.h"
+
+namespace orvo::runtime {
+
+// A module, loaded when a class of it is first asked for. Any thread.
+//
+// Whoever calls into the module is counted while the call lasts, so that the module is not taken
+// away under it; objects are counted by the module itself (DllCanUnloadNow). A thread must not be
+// inside the last release of an object of the module while another thread asks for unused modules
+// to be unloaded: the module can no longer tell.
+class Module {
+public:
+    explicit Module(std::filesystem::path path) : path_(std::move(path)) {}
+    Module(const Module&) = delete;
+    Module& operator=(const Module&) = delete;
+
+    // Loads the module if it is not. `reason` tells why a module could not be loaded
+    // (CO_E_DLLNOTFOUND) or is no component (CO_E_ERRORINDLL); other results are the module's own.
+    abi::HRESULT get_class_object(const abi::CLSID& clsid, const abi::IID& iid, void** out,
+                                  std::string& reason);
+
+    // Unloads the module if it says that nobody needs it. One that does not export DllCanUnloadNow
+    // stays.
+    void unload_if_unused();
+
+private:
+    using GetClassObject = abi::HRESULT (*)(const abi::CLSID*, const abi::IID*, void**);
+    using CanUnloadNow = abi::HRESULT (*)();
+
+    abi::HRESULT load(GetClassObject& entry, std::string& reason);
+    void* take_unused();
+
+    const std::filesystem::path path_;
+    std::atomic<GetClassObject> entry_{nullptr};  // not null while the module is loaded
+    std::atomic<int> calls_{0};
+    std::mutex loading_;
+    void* handle_ = nullptr;
+    CanUnloadNow can_unload_now_ = nullptr;
+};
+
+// The module of that file, always the same object; it lives as long as the process.
+Module& module_at(const std::filesystem::path& path);
+
+void unload_unused_modules();
+
+}  // namespace orvo::runtime

@@ -1,0 +1,187 @@
+#include "suite/directory/common/attribute_types.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "suite/directory/common/ascii.h"
+
+namespace orvo::directory {
+namespace {
+
+// Syntaxes whose values are not text (RFC 4517 and its predecessors).
+struct SyntaxRow {
+    std::string_view oid;
+    Syntax syntax;
+};
+constexpr SyntaxRow syntaxes[] = {
+    {"1.3.6.1.4.1.1466.115.121.1.4", Syntax::bytes},     // audio
+    {"1.3.6.1.4.1.1466.115.121.1.5", Syntax::bytes},     // binary
+    {"1.3.6.1.4.1.1466.115.121.1.7", Syntax::boolean},   // boolean
+    {"1.3.6.1.4.1.1466.115.121.1.8", Syntax::bytes},     // certificate
+    {"1.3.6.1.4.1.1466.115.121.1.9", Syntax::bytes},     // certificate list
+    {"1.3.6.1.4.1.1466.115.121.1.10", Syntax::bytes},    // certificate pair
+    {"1.3.6.1.4.1.1466.115.121.1.23", Syntax::bytes},    // fax
+    {"1.3.6.1.4.1.1466.115.121.1.24", Syntax::time},     // generalized time
+    {"1.3.6.1.4.1.1466.115.121.1.27", Syntax::integer},  // integer
+    {"1.3.6.1.4.1.1466.115.121.1.28", Syntax::bytes},    // JPEG
+    {"1.3.6.1.4.1.1466.115.121.1.40", Syntax::bytes},    // octet string
+    {"1.3.6.1.4.1.1466.115.121.1.49", Syntax::bytes},    // supported algorithm
+};
+
+Syntax syntax_of(std::string_view oid) {
+    for (const SyntaxRow& row : syntaxes)
+        if (row.oid == oid) return row.syntax;
+    return Syntax::text;
+}
+
+// A description as written: the superior is still a name.
+struct Description {
+    AttributeType type;
+    std::string superior;  // in lower case
+    bool has_syntax = false;
+};
+
+// Words, quoted texts and parentheses of a description, one after another.
+class Words {
+public:
+    explicit Words(std::string_view text) : text_(text) {}
+
+    // Nothing at the end, and where a quoted text has no end.
+    std::optional<std::string_view> next() {
+        while (position_ < text_.size() && is_blank(text_[position_])) ++position_;
+        if (position_ == text_.size()) return std::nullopt;
+        const std::size_t begin = position_;
+        const char c = text_[position_++];
+        if (c == '(' || c == ')') return text_.substr(begin, 1);
+        if (c == '\'') {
+            const std::size_t end = text_.find('\'', position_);
+            if (end == std::string_view::npos) return std::nullopt;
+            position_ = end + 1;
+            return text_.substr(begin, position_ - begin);
+        }
+        while (position_ < text_.size() && !is_blank(text_[position_]) && text_[position_] != '(' &&
+               text_[position_] != ')')
+            ++position_;
+        return text_.substr(begin, position_ - begin);
+    }
+
+private:
+    static bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+
+    std::string_view text_;
+    std::size_t position_ = 0;
+};
+
+std::string_view unquoted(std::string_view word) {
+    if (word.size() >= 2 && word.front() == '\'') return word.substr(1, word.size() - 2);
+    return word;
+}
+
+// One value, or several in parentheses; false when the parentheses are not closed.
+bool read_values(Words& words, std::vector<std::string>& values) {
+    std::optional<std::string_view> word = words.next();
+    if (!word) return false;
+    if (*word != "(") {
+        values.emplace_back(unquoted(*word));
+        return true;
+    }
+    while ((word = words.next()) && *word != ")") values.emplace_back(unquoted(*word));
+    return word.has_value();
+}
+
+bool has_no_value(std::string_view keyword) {
+    return keyword == "OBSOLETE" || keyword == "SINGLE-VALUE" || keyword == "COLLECTIVE" ||
+           keyword == "NO-USER-MODIFICATION";
+}
+
+std::optional<Description> read_description(std::string_view text) {
+    Words words(text);
+    if (words.next() != "(") return std::nullopt;
+    Description result;
+    std::optional<std::string_view> word = words.next();
+    if (!word || *word == "(" || *word == ")") return std::nullopt;
+    result.type.oid = unquoted(*word);
+    while ((word = words.next()) && *word != ")") {
+        if (*word == "SINGLE-VALUE") result.type.single_value = true;
+        if (has_no_value(*word)) continue;
+        std::vector<std::string> values;
+        if (!read_values(words, values)) return std::nullopt;
+        if (*word == "NAME") {
+            result.type.names = std::move(values);
+        } else if (*word == "SUP" && !values.empty()) {
+            result.superior = ascii::lower(values.front());
+        } else if (*word == "SYNTAX" && !values.empty()) {
+            const std::string& syntax = values.front();
+            result.type.syntax = syntax_of(syntax.substr(0, syntax.find('{')));
+            result.has_syntax = true;
+        }
+    }
+    if (!word) return std::nullopt;
+    return result;
+}
+
+// A schema that names a type as its own superior, however indirectly, ends the walk here.
+constexpr int deepest_inheritance = 32;
+
+}  // namespace
+
+AttributeDescription::AttributeDescription(std::string_view description) {
+    std::size_t end = description.find(';');
+    type = ascii::lower(description.substr(0, end));
+    while (end != std::string_view::npos) {
+        const std::size_t begin = end + 1;
+        end = description.find(';', begin);
+        std::string option = ascii::lower(
+            description.substr(begin, end == std::string_view::npos ? end : end - begin));
+        if (option != "binary") options.push_back(std::move(option));
+    }
+    std::sort(options.begin(), options.end());
+}
+
+AttributeTypes AttributeTypes::from_descriptions(std::span<const std::string> descriptions) {
+    AttributeTypes result;
+    std::unordered_map<std::string, Description> read;
+    std::unordered_map<std::string, std::string> oid_of;
+    for (const std::string& text : descriptions) {
+        std::optional<Description> description = read_description(text);
+        if (!description) continue;
+        std::string oid = ascii::lower(description->type.oid);
+        for (const std::string& name : description->type.names) oid_of[ascii::lower(name)] = oid;
+        read.insert_or_assign(std::move(oid), std::move(*description));
+    }
+    auto find_read = [&](const std::string& name) -> const Description* {
+        const auto named = oid_of.find(name);
+        const auto found = read.find(named == oid_of.end() ? name : named->second);
+        return found == read.end() ? nullptr : &found->second;
+    };
+    for (auto& [oid, description] : read) {
+        const Description* owner = &description;
+        for (int depth = 0; owner && !owner->has_syntax && depth < deepest_inheritance; ++depth)
+            owner = find_read(owner->superior);
+        AttributeType& type = result.types_.emplace_back(description.type);
+        if (owner) type.syntax = owner->type.syntax;
+        result.by_name_[oid] = &type;
+        for (const std::string& name : type.names) result.by_name_[ascii::lower(name)] = &type;
+    }
+    return result;
+}
+
+const AttributeType* AttributeTypes::find_type(const std::string& lower_case_name) const {
+    const auto found = by_name_.find(lower_case_name);
+    return found == by_name_.end() ? nullptr : found->second;
+}
+
+const AttributeType* AttributeTypes::find(std::string_view description) const {
+    return find_type(ascii::lower(description.substr(0, description.find(';'))));
+}
+
+bool AttributeTypes::same(std::string_view one, std::string_view other) const {
+    const AttributeDescription a(one);
+    const AttributeDescription b(other);
+    if (a.options != b.options) return false;
+    if (a.type == b.type) return true;
+    const AttributeType* type = find_type(a.type);
+    return type && type == find_type(b.type);
+}
+
+}  // namespace orvo::directory

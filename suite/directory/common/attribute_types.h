@@ -1,0 +1,62 @@
+#pragma once
+
+// The attribute types of a directory's schema: which names mean the same attribute, and what kind
+// of values it has.
+
+#include <deque>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace orvo::directory {
+
+// What an attribute's values are, as far as a caller can tell them apart.
+enum class Syntax { text, integer, boolean, time, bytes };
+
+struct AttributeType {
+    std::string oid;
+    std::vector<std::string> names;  // the first is the preferred one
+    Syntax syntax = Syntax::text;
+    bool single_value = false;
+};
+
+// An attribute description taken apart: "cn;lang-de" is the type "cn" with the option "lang-de".
+// "binary" is a form of transfer, not a different attribute, and is left out of the options.
+struct AttributeDescription {
+    explicit AttributeDescription(std::string_view description);
+    std::string type;                  // in lower case
+    std::vector<std::string> options;  // in lower case, sorted
+};
+
+// Immutable once built; any thread may read it.
+class AttributeTypes {
+public:
+    AttributeTypes() = default;
+    AttributeTypes(AttributeTypes&&) = default;
+    AttributeTypes& operator=(AttributeTypes&&) = default;
+
+    // From attribute type descriptions as a subschema entry lists them (RFC 4512, 4.1.2). A type
+    // without a syntax of its own has its superior's. A description that cannot be read is left
+    // out: its attribute is then one that the schema does not know.
+    static AttributeTypes from_descriptions(std::span<const std::string> descriptions);
+
+    bool empty() const { return types_.empty(); }
+
+    // By any of its names or its number, without regard to case, options set aside; nothing for an
+    // attribute that the schema does not know.
+    const AttributeType* find(std::string_view description) const;
+
+    // Whether two descriptions mean the same attribute with the same options. Types that the schema
+    // does not know are compared by name.
+    bool same(std::string_view one, std::string_view other) const;
+
+private:
+    const AttributeType* find_type(const std::string& lower_case_name) const;
+
+    std::deque<AttributeType> types_;  // does not move what the index points to
+    std::unordered_map<std::string, const AttributeType*> by_name_;
+};
+
+}  // namespace orvo::directory

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/automation/date.h"
+
+namespace orvo::directory {
+
+// A generalized time ("20240229123000Z", RFC 4517 3.3.13) as a date in UTC: minutes and seconds may
+// be missing, a fraction and a difference to UTC are reckoned in, a leap second counts as the last
+// ordinary one. Nothing for other texts and for years outside 100 to 9999.
+std::optional<Date> try_date(std::string_view generalized_time);
+
+// The other way: "YYYYMMDDhhmmssZ", to the second. Raises 6 (overflow) for a date out of range.
+std::string generalized_time(Date date);
+
+}  // namespace orvo::directory

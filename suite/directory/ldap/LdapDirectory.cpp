@@ -1,0 +1,21 @@
+#include "suite/directory/ldap/LdapDirectory.h"
+
+#include "suite/directory/ldap/LdapEntry.h"
+#include "suite/directory/ldap/LdapValidator.h"
+#include "suite/directory/ldap/failures.h"
+
+namespace orvo {
+
+template <>
+inline constexpr auto class_of<ldap::LdapSchema> =
+    describe_class<DirectorySchema>("OrvoDirectory.Ldap");
+
+namespace ldap {
+
+Ref<DirectorySchema> LdapDirectory::CreateSchema() { return make<LdapSchema>(); }
+Ref<DirectoryEntry> LdapDirectory::CreateEntry() { return make<LdapEntry>(); }
+Ref<DirectoryValidator> LdapDirectory::CreateValidator() { return make<LdapValidator>(); }
+Ref<DirectorySearch> LdapDirectory::CreateSearch() { raise_unsupported(); }
+
+}  // namespace ldap
+}  // namespace orvo

@@ -1,0 +1,215 @@
+#include "suite/directory/ldap/LdapEntry.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "suite/directory/common/ascii.h"
+#include "suite/directory/common/attribute_values.h"
+#include "suite/directory/common/distinguished_name.h"
+#include "suite/directory/common/password_hash.h"
+#include "suite/directory/ldap/failures.h"
+#include "suite/directory/ldap/write_marks.h"
+
+namespace orvo::ldap {
+namespace {
+
+namespace ascii = directory::ascii;
+namespace result_code = directory::result_code;
+using std::chrono::steady_clock;
+
+// Asked for alone, it stands for "no attributes".
+constexpr const char* no_attributes = "1.1";
+
+std::vector<std::string> names_in(const Variant& attributes) {
+    std::vector<std::string> names;
+    if (!attributes.is_array()) return names;
+    for (const Variant& name : attributes.to<Values>()) {
+        const Text text = name.to<Text>();
+        if (!text.empty()) names.push_back(to_utf8(text));
+    }
+    return names;
+}
+
+bool is_password(const std::string& name) {
+    const std::string type = directory::AttributeDescription(name).type;
+    return type == "userpassword" || type == "2.5.4.35";
+}
+
+// The single value of a password: none to remove it.
+Secret password_in(const Variant& value) {
+    if (value.is_array() && !value.try_bytes()) {
+        const Values values = value.to<Values>();
+        if (values.count() == 0) return {};
+        if (values.count() > 1) raise_runtime_error(runtime_error::type_mismatch);
+        return password_in(values[values.lower_bound()]);
+    }
+    if (std::optional<std::string> bytes = value.try_bytes()) return Secret::of_bytes(*bytes);
+    if (value.is_text()) return Secret(value.text_view());
+    return Secret(value.to<Text>());
+}
+
+// Notes a write when it is over, whatever came of it: one that timed out may have been done.
+class NotedWrite {
+public:
+    explicit NotedWrite(const std::string& entry) : entry_(entry) {}
+    ~NotedWrite() { note_write(entry_); }
+    NotedWrite(const NotedWrite&) = delete;
+
+private:
+    const std::string& entry_;
+};
+
+// Whoever cannot be bound has the wrong credentials, whatever a server calls it.
+void check_bind(const Result& bind) {
+    switch (bind.code) {
+        case result_code::no_such_object:
+        case result_code::invalid_name:
+        case result_code::inappropriate_authentication: {
+            Failure failure = directory::directory_failure(bind.code, provider_name, bind.message);
+            failure.number = directory::number_of_code(result_code::invalid_credentials);
+            throw failure;
+        }
+        default:
+            check(bind);
+    }
+}
+
+}  // namespace
+
+void LdapEntry::Bind(Text& server, Text& container, Text& common_name, Text& user, Text& password,
+                     Variant& attributes) {
+    session_.reset();
+    facts_.reset();
+    fetched_ = {};
+    server_ = ServerAddress::parse(server);
+    user_ = to_utf8(user);
+    password_ = Secret(password);
+    const Text name = directory::entry_name(common_name, directory::container_name(container));
+    name_ = to_utf8(name);
+    const auto parsed = directory::DistinguishedName::try_parse(name);
+    key_ = parsed ? parsed->key() : name_;
+    fetched_.asked = names_in(attributes);
+    if (password_.empty() && !user_.empty())
+        raise_code(result_code::invalid_credentials, "A password is required.");
+
+    Session session = connected();
+    fetched_.write_mark = write_mark(key_);
+    const auto wanted =
+        fetched_.asked.empty() ? std::vector<std::string>{no_attributes} : fetched_.asked;
+    ReadResult read = session.read(name_, wanted);
+    check(read);
+    fetched_.entry = std::move(read.entry);
+    fetched_.at = steady_clock::now();
+    session_ = std::move(session);
+}
+
+Session LdapEntry::connected() const {
+    Session session = Session::connect(*server_, limits_);
+    // Nobody needs no bind: a new connection is nobody's.
+    if (!user_.empty() || !password_.empty()) check_bind(session.bind(user_, password_));
+    return session;
+}
+
+// Runs an operation that may be repeated, once more where the server has closed the connection.
+template <class Operation>
+auto LdapEntry::on_session(Operation operation) {
+    auto result = operation(*session_);
+    if (result.code == result_code::server_down) {
+        session_ = connected();
+        result = operation(*session_);
+    }
+    return result;
+}
+
+const ServerFacts& LdapEntry::facts() {
+    if (!facts_) {
+        FactsResult result =
+            on_session([&](Session& session) { return facts_of(session, server_->key()); });
+        check(result);
+        facts_ = std::move(result.facts);
+    }
+    return *facts_;
+}
+
+const directory::AttributeType* LdapEntry::type_of(const std::string& name) {
+    const directory::AttributeTypes& types = facts().types;
+    if (const auto* known = types.find(name)) return known;
+    if (types.empty()) return nullptr;  // this user may not read the schema
+    FactsResult result =
+        on_session([&](Session& session) { return refreshed_facts_of(session, server_->key()); });
+    check(result);
+    facts_ = std::move(result.facts);
+    return facts_->types.find(name);
+}
+
+std::vector<std::string> LdapEntry::values_in(const EntryData& entry,
+                                              const std::string& name) const {
+    for (const Attribute& attribute : entry.attributes)
+        if (facts_->types.same(attribute.name, name)) return attribute.values;
+    return {};
+}
+
+std::optional<std::vector<std::string>> LdapEntry::take_fetched(const std::string& name) {
+    const auto asked =
+        std::find_if(fetched_.asked.begin(), fetched_.asked.end(),
+                     [&](const std::string& one) { return facts_->types.same(one, name); });
+    if (asked == fetched_.asked.end()) return std::nullopt;
+    fetched_.asked.erase(asked);
+    if (steady_clock::now() - fetched_.at > fetched_lasts ||
+        write_mark(key_) != fetched_.write_mark)
+        return std::nullopt;
+    return values_in(fetched_.entry, name);
+}
+
+Variant LdapEntry::GetValues(Text& name) {
+    require_bound();
+    if (name.empty()) raise_runtime_error(runtime_error::invalid_call);
+    const std::string attribute = to_utf8(name);
+    const directory::AttributeType* type = type_of(attribute);
+    if (const auto fetched = take_fetched(attribute))
+        return directory::decode_values(type, *fetched);
+    const ReadResult read =
+        on_session([&](Session& session) { return session.read(name_, {attribute}); });
+    check(read);
+    return directory::decode_values(type, values_in(read.entry, attribute));
+}
+
+void LdapEntry::SetValues(Text& name, Variant& value) {
+    require_bound();
+    const std::string attribute = to_utf8(name);
+    if (is_password(attribute)) return write_password(attribute, value);
+    replace(attribute, directory::encode_values(type_of(attribute), value));
+}
+
+void LdapEntry::ClearValues(Text& name) {
+    require_bound();
+    replace(to_utf8(name), {});
+}
+
+void LdapEntry::write_password(const std::string& name, const Variant& value) {
+    const Secret password = password_in(value);
+    if (password.empty()) return replace(name, {});
+    if (!facts().changes_passwords) return replace(name, {directory::hashed_password(password)});
+    const NotedWrite noted(key_);
+    check(on_session([&](Session& session) { return session.change_password(name_, password); }));
+    const auto user = directory::DistinguishedName::try_parse(from_utf8(user_));
+    if (user && user->key() == key_) password_ = password.clone();
+}
+
+void LdapEntry::replace(const std::string& name, std::vector<std::string> values) {
+    if (name.empty()) raise_runtime_error(runtime_error::invalid_call);
+    const Replacement replacement{name, std::move(values)};
+    const NotedWrite noted(key_);
+    check(on_session([&](Session& session) { return session.modify(name_, {&replacement, 1}); }));
+}
+
+void LdapEntry::require_bound() const {
+    if (!session_) raise_runtime_error(runtime_error::object_not_set);
+}
+
+void LdapEntry::CreateChild(Variant&, Text&, Object&) { raise_unsupported(); }
+void LdapEntry::DeleteChild(Text&, Text&) { raise_unsupported(); }
+bool LdapEntry::InitializeConnectionPool(Variant&, Variant&) { raise_unsupported(); }
+bool LdapEntry::InitializeCache(Variant&, Variant&) { raise_unsupported(); }
+
+}  // namespace orvo::ldap

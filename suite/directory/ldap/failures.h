@@ -1,0 +1,20 @@
+#pragma once
+
+// The failures of this provider; their source is "OrvoDirectory.Ldap".
+
+#include <string_view>
+
+#include "suite/directory/common/result_codes.h"
+
+namespace orvo::ldap {
+
+inline constexpr TextView provider_name = u"OrvoDirectory.Ldap";
+
+// Raises the failure of a result code; see directory_failure.
+[[noreturn]] void raise_code(int code, std::string_view message = {},
+                             std::string_view nearest_entry = {});
+
+// Raises 445 (object doesn't support this action).
+[[noreturn]] void raise_unsupported();
+
+}  // namespace orvo::ldap

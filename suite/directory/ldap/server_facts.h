@@ -1,0 +1,35 @@
+#pragma once
+
+// What a server offers and how its attributes are typed, read once per process and server.
+
+#include <memory>
+#include <string>
+
+#include "suite/directory/common/attribute_types.h"
+#include "suite/directory/ldap/session.h"
+
+namespace orvo::ldap {
+
+// Immutable once made; shared by threads.
+struct ServerFacts {
+    directory::AttributeTypes types;
+    // Whether the server hashes passwords itself (Password Modify, RFC 3062).
+    bool changes_passwords = false;
+};
+
+struct FactsResult : Result {
+    std::shared_ptr<const ServerFacts> facts;  // set where the result is a success
+};
+
+// The facts of the server that the session is connected to, from the process's store under `key`
+// (ServerAddress::key) or, the first time, from the server: its root entry and its schema, two
+// round trips. A schema that the session's user may not read is an empty one and is not stored, so
+// that other users do not inherit it. Any thread.
+FactsResult facts_of(Session& session, const std::string& key);
+
+// The same, read anew and stored in place of what was there: for an attribute that the stored
+// schema does not know. Within a minute of the last reading it is taken from the store all the
+// same.
+FactsResult refreshed_facts_of(Session& session, const std::string& key);
+
+}  // namespace orvo::ldap

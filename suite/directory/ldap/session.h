@@ -1,0 +1,135 @@
+#pragma once
+
+// The seam to the LDAP client library: one connection to a server, and what may be asked over it.
+//
+// Everything above speaks UTF-8 bytes, names and result codes through this header; no header of a
+// client library is visible. A session is used by one thread at a time. Nothing here waits without
+// a limit, with one exception: resolving a host's name takes as long as the system's resolver does.
+//
+// A refusal by the server is a value (Result), so that a caller can tell the codes apart; `check`
+// turns it into a failure. Failures of the connection are codes of the client: 81 the connection is
+// gone, 84 an answer that cannot be read, 85 no answer in time. After any of these three the
+// session is of no use any more and must be replaced.
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "platform/automation/secret.h"
+#include "suite/directory/ldap/server_address.h"
+
+namespace orvo::ldap {
+
+// How long a session waits.
+struct Limits {
+    // For one address of a host to accept the connection, and for the encryption to be agreed on.
+    std::chrono::milliseconds connect{5000};
+    // For the complete answer to one request, from when it is asked for.
+    std::chrono::milliseconds operation{30000};
+};
+
+// What came of one operation. Texts are the server's, or the client's for codes from 81.
+struct Result {
+    int code = 0;
+    std::string message;
+    std::string nearest_entry;
+
+    bool ok() const { return code == 0; }
+    // The connection is gone, or of no use.
+    bool connection_failed() const { return code == 81 || code == 84 || code == 85; }
+};
+
+// Raises the failure of a result that is not `success`.
+void check(const Result& result);
+
+// A control that came with an answer; `value` is BER, possibly empty.
+struct Control {
+    std::string oid;
+    std::string value;
+};
+
+struct BindResult : Result {
+    std::vector<Control> controls;
+};
+
+// One attribute of an entry as the server sent it; `name` may carry options ("cn;lang-de").
+struct Attribute {
+    std::string name;
+    std::vector<std::string> values;
+};
+
+// One entry; attributes in the order of the answer.
+struct EntryData {
+    std::string name;
+    std::vector<Attribute> attributes;
+};
+
+struct ReadResult : Result {
+    EntryData entry;
+};
+
+enum class Scope { base, one_level, subtree };
+
+struct SearchRequest {
+    std::string base;
+    Scope scope = Scope::base;
+    std::string filter = "(objectClass=*)";
+    // Empty: all user attributes. {"1.1"}: none.
+    std::vector<std::string> attributes;
+};
+
+// A request that was sent and whose answer has not been collected.
+struct PendingSearch {
+    int id = -1;
+    Result sent;  // not `ok`: it could not be sent, and collecting gives this result
+};
+
+// One change of an entry: the attribute's values are replaced by these; none removes the attribute,
+// also where the entry lacks it.
+struct Replacement {
+    std::string attribute;
+    std::vector<std::string> values;
+};
+
+class Session {
+public:
+    // Connects to the first host that answers, encrypted where the address asks for it. Raises the
+    // failure of the last host (81 or 91), with one reason for each host in its description.
+    static Session connect(const ServerAddress& server, const Limits& limits = {});
+
+    Session(Session&& other) noexcept;
+    Session& operator=(Session&& other) noexcept;
+    ~Session();  // takes leave of the server and closes; never waits
+
+    // Simple authentication. Both empty: as nobody. The caller has refused an empty password with a
+    // name (a server takes that for "nobody" and reports success).
+    Result bind(const std::string& name, const Secret& password);
+    // The same, asking the server what its password policy says of the account; its answer is among
+    // the controls.
+    BindResult bind_with_policy(const std::string& name, const Secret& password);
+
+    // One entry with the attributes asked for, as SearchRequest has them.
+    ReadResult read(const std::string& name, const std::vector<std::string>& attributes);
+
+    // Sending and collecting apart, so that answers to independent requests are on their way
+    // together. Every pending search is collected once, in any order.
+    PendingSearch send(const SearchRequest& request);
+    // Hands the entries over one by one, in the server's order, while the server still sends.
+    Result collect(const PendingSearch& search, const std::function<void(EntryData&&)>& take);
+
+    // All changes, or none of them.
+    Result modify(const std::string& name, std::span<const Replacement> replacements);
+
+    // The Password Modify operation (RFC 3062).
+    Result change_password(const std::string& name, const Secret& new_password);
+
+private:
+    struct Connection;
+    explicit Session(std::unique_ptr<Connection> connection);
+    std::unique_ptr<Connection> connection_;
+};
+
+}  // namespace orvo::ldap

@@ -1,0 +1,254 @@
+#include <ldap.h>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "suite/directory/ldap/failures.h"
+#include "suite/directory/ldap/openldap_connection.h"
+#include "suite/directory/ldap/session.h"
+
+namespace orvo::ldap {
+namespace {
+
+using detail::client_result;
+using detail::Message;
+using detail::wait_for;
+using detail::Wanted;
+using std::chrono::steady_clock;
+
+LDAPMessage* raw(const Message& message) { return static_cast<LDAPMessage*>(message.get()); }
+
+std::string text_of(const berval& value) { return {value.bv_val, value.bv_len}; }
+
+// The library takes its input as pointers to characters that it does not change.
+char* unchanged(const std::string& text) { return const_cast<char*>(text.c_str()); }
+
+// A list of texts as the library takes it.
+class TextList {
+public:
+    explicit TextList(const std::vector<std::string>& texts) {
+        for (const std::string& text : texts) pointers_.push_back(unchanged(text));
+        pointers_.push_back(nullptr);
+    }
+    // Nothing for an empty list.
+    char** get() { return pointers_.size() == 1 ? nullptr : pointers_.data(); }
+
+private:
+    std::vector<char*> pointers_;
+};
+
+// Takes the outcome out of the message that ends an operation.
+Result outcome_of(LDAP* handle, LDAPMessage* message, std::vector<Control>* controls = nullptr) {
+    int code = LDAP_OTHER;
+    char* nearest = nullptr;
+    char* text = nullptr;
+    LDAPControl** received = nullptr;
+    const int parsed = ldap_parse_result(handle, message, &code, &nearest, &text, nullptr,
+                                         controls ? &received : nullptr, 0);
+    if (parsed != LDAP_SUCCESS) return client_result(handle, parsed);
+    Result result{code, text ? text : "", nearest ? nearest : ""};
+    ldap_memfree(nearest);
+    ldap_memfree(text);
+    for (LDAPControl** control = received; control && *control; ++control)
+        controls->push_back({(*control)->ldctl_oid, text_of((*control)->ldctl_value)});
+    ldap_controls_free(received);
+    return result;
+}
+
+// One pass over the message, attribute after attribute, without looking any up again.
+std::optional<EntryData> decoded_entry(LDAP* handle, LDAPMessage* message) {
+    BerElement* decoder = nullptr;
+    berval name{};
+    if (ldap_get_dn_ber(handle, message, &decoder, &name) != LDAP_SUCCESS) return std::nullopt;
+    struct Free {
+        void operator()(BerElement* element) const { ber_free(element, 0); }
+    };
+    const std::unique_ptr<BerElement, Free> held(decoder);
+    EntryData entry;
+    entry.name = text_of(name);
+    for (;;) {
+        berval attribute{};
+        berval* values = nullptr;
+        if (ldap_get_attribute_ber(handle, message, decoder, &attribute, &values) != LDAP_SUCCESS)
+            return std::nullopt;
+        if (!attribute.bv_val) return entry;
+        Attribute& added = entry.attributes.emplace_back();
+        added.name = text_of(attribute);
+        for (const berval* value = values; value && value->bv_val; ++value)
+            added.values.push_back(text_of(*value));
+        ber_memfree(values);
+    }
+}
+
+int scope_of(Scope scope) {
+    switch (scope) {
+        case Scope::base:
+            return LDAP_SCOPE_BASE;
+        case Scope::one_level:
+            return LDAP_SCOPE_ONELEVEL;
+        case Scope::subtree:
+            return LDAP_SCOPE_SUBTREE;
+    }
+    return LDAP_SCOPE_BASE;
+}
+
+// The values of one replacement as the library takes them.
+struct Change {
+    explicit Change(const Replacement& replacement) {
+        for (const std::string& value : replacement.values)
+            values.push_back({value.size(), unchanged(value)});
+        for (berval& value : values) pointers.push_back(&value);
+        pointers.push_back(nullptr);
+        modification.mod_op = LDAP_MOD_REPLACE | LDAP_MOD_BVALUES;
+        modification.mod_type = unchanged(replacement.attribute);
+        modification.mod_bvalues = values.empty() ? nullptr : pointers.data();
+    }
+    Change(const Change&) = delete;
+
+    std::vector<berval> values;
+    std::vector<berval*> pointers;
+    LDAPMod modification{};
+};
+
+}  // namespace
+
+struct Session::Connection {
+    detail::Handle handle;
+    Limits limits;
+
+    LDAP* get() const { return handle.get(); }
+
+    // The outcome of a request that was sent with the library's `code`.
+    Result outcome(int code, int request, std::vector<Control>* controls = nullptr) const {
+        if (code != LDAP_SUCCESS) return client_result(get(), code);
+        Result why;
+        const Message answer =
+            wait_for(get(), request, Wanted::all_messages, limits.operation, why);
+        return answer ? outcome_of(get(), raw(answer), controls) : why;
+    }
+};
+
+void check(const Result& result) {
+    if (!result.ok()) raise_code(result.code, result.message, result.nearest_entry);
+}
+
+Session::Session(std::unique_ptr<Connection> connection) : connection_(std::move(connection)) {}
+Session::Session(Session&&) noexcept = default;
+Session& Session::operator=(Session&&) noexcept = default;
+Session::~Session() = default;
+
+Session Session::connect(const ServerAddress& server, const Limits& limits) {
+    std::string reasons;
+    Result why;
+    for (const ServerHost& host : server.hosts()) {
+        if (detail::Handle handle = detail::open_connection(host, limits, why))
+            return Session(std::make_unique<Connection>(std::move(handle), limits));
+        if (!reasons.empty()) reasons += ' ';
+        reasons += "'" + host.url() + "'";
+        if (!why.message.empty()) reasons += ": " + why.message;
+    }
+    raise_code(why.code, reasons);
+}
+
+Result Session::bind(const std::string& name, const Secret& password) {
+    berval credentials{password.reveal().size(), const_cast<char*>(password.reveal().data())};
+    int request = -1;
+    const int sent = ldap_sasl_bind(connection_->get(), name.c_str(), LDAP_SASL_SIMPLE,
+                                    &credentials, nullptr, nullptr, &request);
+    return connection_->outcome(sent, request);
+}
+
+BindResult Session::bind_with_policy(const std::string& name, const Secret& password) {
+    std::string oid = LDAP_CONTROL_PASSWORDPOLICYREQUEST;
+    LDAPControl ask{oid.data(), {0, nullptr}, 0};
+    std::array<LDAPControl*, 2> controls = {&ask, nullptr};
+    berval credentials{password.reveal().size(), const_cast<char*>(password.reveal().data())};
+    int request = -1;
+    const int sent = ldap_sasl_bind(connection_->get(), name.c_str(), LDAP_SASL_SIMPLE,
+                                    &credentials, controls.data(), nullptr, &request);
+    BindResult result;
+    static_cast<Result&>(result) = connection_->outcome(sent, request, &result.controls);
+    return result;
+}
+
+ReadResult Session::read(const std::string& name, const std::vector<std::string>& attributes) {
+    ReadResult result;
+    SearchRequest request;
+    request.base = name;
+    request.attributes = attributes;
+    bool found = false;
+    static_cast<Result&>(result) = collect(send(request), [&](EntryData&& entry) {
+        result.entry = std::move(entry);
+        found = true;
+    });
+    // An entry that may not be read is not there for its reader.
+    if (result.ok() && !found) result.code = directory::result_code::no_such_object;
+    return result;
+}
+
+PendingSearch Session::send(const SearchRequest& request) {
+    PendingSearch search;
+    TextList attributes(request.attributes);
+    const int sent = ldap_search_ext(
+        connection_->get(), request.base.c_str(), scope_of(request.scope), request.filter.c_str(),
+        attributes.get(), 0, nullptr, nullptr, nullptr, LDAP_NO_LIMIT, &search.id);
+    if (sent != LDAP_SUCCESS) search.sent = client_result(connection_->get(), sent);
+    return search;
+}
+
+Result Session::collect(const PendingSearch& search, const std::function<void(EntryData&&)>& take) {
+    if (!search.sent.ok()) return search.sent;
+    LDAP* handle = connection_->get();
+    const auto deadline = steady_clock::now() + connection_->limits.operation;
+    for (;;) {
+        const auto left =
+            std::chrono::ceil<std::chrono::milliseconds>(deadline - steady_clock::now());
+        Result why;
+        const Message message = wait_for(handle, search.id, Wanted::one_message,
+                                         std::max(left, std::chrono::milliseconds(0)), why);
+        if (!message) return why;
+        switch (ldap_msgtype(raw(message))) {
+            case LDAP_RES_SEARCH_ENTRY: {
+                std::optional<EntryData> entry = decoded_entry(handle, raw(message));
+                if (!entry) {
+                    ldap_abandon_ext(handle, search.id, nullptr, nullptr);
+                    return {directory::result_code::decoding_error, {}, {}};
+                }
+                take(std::move(*entry));
+                break;
+            }
+            case LDAP_RES_SEARCH_RESULT:
+                return outcome_of(handle, raw(message));
+            default:  // a reference to another server, which is not followed
+                break;
+        }
+    }
+}
+
+Result Session::modify(const std::string& name, std::span<const Replacement> replacements) {
+    std::vector<std::unique_ptr<Change>> changes;
+    std::vector<LDAPMod*> modifications;
+    for (const Replacement& replacement : replacements)
+        modifications.push_back(
+            &changes.emplace_back(std::make_unique<Change>(replacement))->modification);
+    modifications.push_back(nullptr);
+    int request = -1;
+    const int sent = ldap_modify_ext(connection_->get(), name.c_str(), modifications.data(),
+                                     nullptr, nullptr, &request);
+    return connection_->outcome(sent, request);
+}
+
+Result Session::change_password(const std::string& name, const Secret& new_password) {
+    berval user{name.size(), unchanged(name)};
+    berval wanted{new_password.reveal().size(), const_cast<char*>(new_password.reveal().data())};
+    int request = -1;
+    const int sent =
+        ldap_passwd(connection_->get(), &user, nullptr, &wanted, nullptr, nullptr, &request);
+    return connection_->outcome(sent, request);
+}
+
+}  // namespace orvo::ldap

@@ -1,0 +1,18 @@
+#include "platform/abi/module.h"
+#include "suite/configuration/suite_configuration.h"
+#include "suite/directory/ldap/LdapDirectory.h"
+#include "suite/log/suite_log.h"
+
+namespace orvo {
+
+const ModuleDescription& this_module() {
+    static constexpr ModuleClass classes[] = {
+        module_class<SuiteConfiguration>(),
+        module_class<SuiteLog>(),
+        module_class<ldap::LdapDirectory>(),
+    };
+    static constexpr ModuleDescription description{"OrvoSuite", classes};
+    return description;
+}
+
+}  // namespace orvo
