@@ -101,7 +101,7 @@ namespace detail {
 BodyScope::BodyScope() : callers_(std::exchange(pending, nullptr)) {}
 BodyScope::~BodyScope() { pending = callers_; }
 
-void handle_current_exception(const char16_t* method, const Variant& info) {
+void handle_current_exception(const Text& method, const Variant& info) {
     Failure failure = current_failure(component_name);
     const PendingScope scope(failure);
     HandleError(method, info);

@@ -57,31 +57,41 @@ private:
 };
 
 // Makes the exception being handled the pending error and hands it to HandleError.
-[[noreturn]] void handle_current_exception(const char16_t* method, const Variant& info);
+[[noreturn]] void handle_current_exception(const Text& method, const Variant& info);
 
 }  // namespace detail
 
+// The name of a method, put together only when it is needed: "OrvoMembership.User." and "Fax".
+struct MethodName {
+    const char16_t* prefix;
+    const char* name = "";
+    Text text() const { return Text(prefix) + from_utf8(name); }
+    constexpr MethodName(const char16_t* whole) : prefix(whole) {}
+    constexpr MethodName(const char16_t* prefix, const char* name) : prefix(prefix), name(name) {}
+};
+
 // The frame of a public method: runs `body` and hands whatever it raises to HandleError under the
-// name `method`. `info` makes the line of information; it is asked for only after a failure.
+// method's name. `info` is the line of information: a text, or a function that makes it and is
+// called only after a failure.
 template <class Body>
-auto trapped(const char16_t* method, Body&& body) {
+auto trapped(MethodName method, Body&& body) {
     const detail::BodyScope scope;
     try {
         return body();
     } catch (...) {
-        detail::handle_current_exception(method, Variant::missing());
+        detail::handle_current_exception(method.text(), Variant::missing());
     }
 }
 template <class Info, class Body>
-auto trapped(const char16_t* method, Info&& info, Body&& body) {
+auto trapped(MethodName method, Info&& info, Body&& body) {
     const detail::BodyScope scope;
     try {
         return body();
     } catch (...) {
         if constexpr (std::is_invocable_v<Info>)
-            detail::handle_current_exception(method, info());
+            detail::handle_current_exception(method.text(), info());
         else
-            detail::handle_current_exception(method, info);
+            detail::handle_current_exception(method.text(), info);
     }
 }
 

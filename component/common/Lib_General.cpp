@@ -60,6 +60,10 @@ std::int16_t Gen_GetIntrinsicState(const Text& name) {
     }
 }
 
+Object context_item(const Text& name) {
+    return call<&ObjectContext::Item>(object_context(), name).to<Object>();
+}
+
 Text Gen_EscapeQuotes(const Text& text) { return replaced(text, u"'", u"''"); }
 
 }  // namespace orvo

@@ -21,6 +21,10 @@ Ref<I> Gen_GetComponent(const Text& progID) {
 // runs in no object context; -2 the context lacks it, or asking failed. Never raises.
 std::int16_t Gen_GetIntrinsicState(const Text& name);
 
+// An item of the thread's object context, after Gen_GetIntrinsicState found it there. Raises 91
+// (object not set) where the thread runs in no context.
+Object context_item(const Text& name);
+
 // Doubles every apostrophe.
 Text Gen_EscapeQuotes(const Text& text);
 

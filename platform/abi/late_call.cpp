@@ -9,8 +9,12 @@ namespace {
 
 using abi::HRESULT;
 
-abi::DISPID id_of(const Object& object, TextView member) {
+void require(const Object& object) {
     if (!object) raise_runtime_error(runtime_error::object_not_set);
+}
+
+abi::DISPID id_of(const Object& object, TextView member) {
+    require(object);
     static constexpr abi::IID none{};
     const Text name(member);
     const char16_t* names = name.c_str();
@@ -55,6 +59,13 @@ std::vector<abi::VARIANT> reversed(std::initializer_list<Variant> values) {
     return raw;
 }
 
+void put_member(const Object& object, abi::DISPID id, const Variant& value,
+                std::initializer_list<Variant> indices) {
+    std::vector<abi::VARIANT> raw{*value.get()};
+    for (const abi::VARIANT& index : reversed(indices)) raw.push_back(index);
+    invoke(object, id, abi::DISPATCH_PROPERTYPUT, raw);
+}
+
 }  // namespace
 
 Variant call(const Object& object, TextView member, std::initializer_list<Variant> arguments) {
@@ -81,14 +92,19 @@ Variant get(const Object& object, TextView property, std::initializer_list<Varia
 
 void put(const Object& object, TextView property, const Variant& value,
          std::initializer_list<Variant> indices) {
-    std::vector<abi::VARIANT> raw{*value.get()};
-    for (const abi::VARIANT& index : reversed(indices)) raw.push_back(index);
-    invoke(object, id_of(object, property), abi::DISPATCH_PROPERTYPUT, raw);
+    put_member(object, id_of(object, property), value, indices);
 }
 
-Variant value_of(const Object& object) {
-    if (!object) raise_runtime_error(runtime_error::object_not_set);
-    return invoke(object, abi::DISPID_VALUE, abi::DISPATCH_PROPERTYGET, {});
+Variant value_of(const Object& object, std::initializer_list<Variant> indices) {
+    require(object);
+    std::vector<abi::VARIANT> raw = reversed(indices);
+    return invoke(object, abi::DISPID_VALUE, abi::DISPATCH_PROPERTYGET, raw);
+}
+
+void put_value(const Object& object, const Variant& value,
+               std::initializer_list<Variant> indices) {
+    require(object);
+    put_member(object, abi::DISPID_VALUE, value, indices);
 }
 
 }  // namespace orvo::late

@@ -22,7 +22,9 @@ Variant get(const Object& object, TextView property, std::initializer_list<Varia
 void put(const Object& object, TextView property, const Variant& value,
          std::initializer_list<Variant> indices = {});
 
-// The object's default value.
-Variant value_of(const Object& object);
+// The object's default value, or one item of it (`session("REMOTE_USER")`).
+Variant value_of(const Object& object, std::initializer_list<Variant> indices = {});
+void put_value(const Object& object, const Variant& value,
+               std::initializer_list<Variant> indices = {});
 
 }  // namespace orvo::late

@@ -10,7 +10,8 @@
 namespace orvo::detail {
 
 // Makes the calling module's library known to the system and names it in the keys of the module's
-// classes, which are registered already. A module without a library changes nothing. Raises Failure.
+// classes, which are registered already. A module without a library changes nothing. Raises
+// Failure.
 void register_type_library(std::span<const ModuleClass> classes);
 
 // Forgets the library; what its classes' keys say of it goes with them. Raises Failure.

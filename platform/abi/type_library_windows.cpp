@@ -95,8 +95,8 @@ void register_type_library(std::span<const ModuleClass> classes) {
     const LibraryAttributes attributes = attributes_of(library);
     for (const ModuleClass& offered : classes) {
         const Text key = u"CLSID\\" + braced(offered.clsid);
-        runtime::set_class_key(key + u"\\TypeLib", braced(attributes.id));
-        runtime::set_class_key(key + u"\\Version",
+        runtime::set_class_key(runtime::Classes::all, key + u"\\TypeLib", braced(attributes.id));
+        runtime::set_class_key(runtime::Classes::all, key + u"\\Version",
                                decimal(attributes.major) + u"." + decimal(attributes.minor));
     }
 }
@@ -106,9 +106,8 @@ void unregister_type_library() {
     const Object library = load_library(only_loads_it);
     if (!library) return;
     const LibraryAttributes attributes = attributes_of(library);
-    const abi::HRESULT code =
-        abi::UnRegisterTypeLib(attributes.id, attributes.major, attributes.minor,
-                               attributes.locale, attributes.system);
+    const abi::HRESULT code = abi::UnRegisterTypeLib(
+        attributes.id, attributes.major, attributes.minor, attributes.locale, attributes.system);
     if (code != not_registered) check(code);
 }
 

@@ -148,9 +148,9 @@ Object Variant::to<Object>() const;
 template <>
 Values Variant::to<Values>() const;
 
-// Whether a value equals a number as a script compares them: an empty value equals 0, a text that
-// reads as a number is compared as that number, a text that does not raises 13 (type mismatch),
-// null equals nothing. True is -1, a date its days. Objects and arrays raise 13.
+// Whether a value equals a number as a script compares them: an empty value and an empty text equal
+// 0, a text that reads as a number is compared as that number, any other text and null equal no
+// number. True is -1, a date its days. Objects and arrays raise 13 (type mismatch).
 bool equals_number(const Variant& value, std::int32_t number);
 
 // Element `index` of an array. Raises 13 when the value is no array, 9 when it has no such element.

@@ -80,7 +80,12 @@ bool Variant::operator==(const Variant& other) const {
 bool equals_number(const Variant& value, std::int32_t number) {
     if (value.is_null()) return false;
     if (value.is_object() || value.is_array()) raise_runtime_error(runtime_error::type_mismatch);
-    return value.to<double>() == number;
+    if (!value.is_text()) return value.to<double>() == number;
+    if (value.text_view().empty()) return number == 0;
+    abi::VARIANT read{};
+    return abi::succeeded(abi::VariantChangeTypeEx(&read, value.get(), abi::fixed_locale,
+                                                   abi::VARIANT_NOUSEROVERRIDE, abi::VT_R8)) &&
+           read.dblVal == number;
 }
 
 Variant element(const Variant& array, std::int32_t index) {

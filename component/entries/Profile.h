@@ -1,0 +1,124 @@
+#pragma once
+
+#include <optional>
+
+#include "component/provider/PMMCreator.h"
+#include "platform/abi/hosted.h"
+#include "platform/automation/secret.h"
+#include "platform/context/object_control.h"
+
+namespace orvo {
+
+// One profile entry: a named bundle of settings that users point to. Bind it (BindAs, or Init with
+// the best credentials at hand) before anything is read or written; on an unbound profile that
+// fails with 91 (object not set).
+class Profile final : public ObjectControl {
+public:
+    Profile() { IObjectControl_Activate(); }
+    ~Profile() { IObjectControl_Deactivate(); }
+
+    // The attribute's whole value, as the provider gives it.
+    Variant GetAttribValue(Text& iAttribName);
+    void SetAttribValue(Text& iAttribName, Variant& iAttribValue);
+    void ClearAttribValue(Text& iAttribName);
+    void BindAs(Text& iCN, Text& iUsername, Text& iPwd);
+    // The users of this profile; those whose local-administration profile it is, where it has none.
+    // At most 1000. A record set with the user naming attribute as its column.
+    Object GetUsers();
+    void ClearOrvoApps();
+    bool HasRole(std::int16_t& iRoleID);
+    // Adds the role at the end of the list, or removes it wherever it stands.
+    void AssignRole(std::int16_t& iRoleType, bool& iEnable);
+    void setServerInfo(const Text& i_sConfigurationPath);
+    // Binds with the credentials of the last BindAs or else of the web session. Without either it
+    // returns quietly and the profile stays unbound.
+    void Init(Text& iCN);
+
+    Text CN();
+    std::int16_t Locale();
+    void put_Locale(std::int16_t value);
+    Text LanguageID();
+    // An empty text removes the attribute.
+    void put_LanguageID(const Text& value);
+    // Properties whose value is the attribute's whole value; `row` is one of `whole_values`.
+    template <std::size_t row>
+    Variant get_whole();
+    template <std::size_t row>
+    void put_whole(const Variant& value);
+    Variant OrvoApps();
+    void put_OrvoApps(const Variant& iApps);
+
+    void IObjectControl_Activate() override;
+    void IObjectControl_Deactivate() override {}
+    bool IObjectControl_CanBePooled() override { return false; }
+
+    struct WholeValue {
+        const char* name;
+        const char16_t* attribute;
+    };
+    static constexpr WholeValue whole_values[] = {
+        {"OrvoCatalogIDs", u"OrvoCatalogIDs"},
+        {"OrvoDashboardIDs", u"OrvoDashboardIDs"},
+        {"AskbookVisibility", u"AskbookVisibility"},
+        {"Roles", u"OrvoRole"},
+    };
+
+private:
+    Variant values(const char16_t* attribute);
+    void set_values(const char16_t* attribute, Variant value);
+    Variant whole(const WholeValue& property);
+    void set_whole(const WholeValue& property, const Variant& value);
+    void write_apps();
+    Object search_users(const char16_t* attribute);
+
+    PMMCreator m_oPMMCreator;
+    Ref<DirectoryEntry> m_oPMMObject;
+    Text m_sUsername;
+    Secret m_sPwd;
+    Object m_oSession;
+    Variant m_vApps;
+};
+
+template <std::size_t row>
+Variant Profile::get_whole() {
+    return whole(whole_values[row]);
+}
+template <std::size_t row>
+void Profile::put_whole(const Variant& value) {
+    set_whole(whole_values[row], value);
+}
+
+template <>
+inline constexpr auto table_of<Profile> = describe<Profile>(
+    "IProfile", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e716",
+    method<&Profile::GetAttribValue>("GetAttribValue", "iAttribName"),
+    method<&Profile::SetAttribValue>("SetAttribValue", "iAttribName", "iAttribValue"),
+    method<&Profile::ClearAttribValue>("ClearAttribValue", "iAttribName"),
+    method<&Profile::BindAs>("BindAs", "iCN", "iUsername", "iPwd"),
+    method<&Profile::GetUsers>("GetUsers"),
+    method<&Profile::ClearOrvoApps>("ClearOrvoApps"),
+    method<&Profile::HasRole>("HasRole", "iRoleID"),
+    method<&Profile::AssignRole>("AssignRole", "iRoleType", "iEnable"),
+    method<&Profile::setServerInfo>("setServerInfo", "i_sConfigurationPath"),
+    method<&Profile::Init>("Init", "iCN"),
+    get<&Profile::CN>("CN"),
+    get<&Profile::Locale>("Locale"),
+    put<&Profile::put_Locale>("Locale", "iLocale"),
+    get<&Profile::LanguageID>("LanguageID"),
+    put<&Profile::put_LanguageID>("LanguageID", "iLanguageID"),
+    get<&Profile::get_whole<0>>("OrvoCatalogIDs"),
+    put<&Profile::put_whole<0>>("OrvoCatalogIDs", "iCatalogIDs"),
+    get<&Profile::get_whole<1>>("OrvoDashboardIDs"),
+    put<&Profile::put_whole<1>>("OrvoDashboardIDs", "iDashboardIDs"),
+    get<&Profile::get_whole<2>>("AskbookVisibility"),
+    put<&Profile::put_whole<2>>("AskbookVisibility", "iVisibility"),
+    get<&Profile::OrvoApps>("OrvoApps"),
+    put<&Profile::put_OrvoApps>("OrvoApps", "iApps"),
+    get<&Profile::get_whole<3>>("Roles"),
+    put<&Profile::put_whole<3>>("Roles", "iRoles"));
+
+template <>
+inline constexpr auto class_of<Profile> = describe_class<Profile, ObjectControl>(
+    "OrvoMembership.Profile", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e706");
+
+}  // namespace orvo
