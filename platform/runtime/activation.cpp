@@ -51,11 +51,13 @@ HRESULT find_module(const CLSID& clsid, Module*& module) {
     return missed(registry.explain(clsid), "The class " + braced(clsid), regdb_e_classnotreg);
 }
 
-HRESULT class_object_of_module(const CLSID& clsid, const IID& iid, void** out) {
+// `call` lasts longer than this function where the caller uses the class object at once.
+HRESULT class_object_of_module(const CLSID& clsid, const IID& iid, void** out, ModuleCall& call) {
     Module* module = nullptr;
     HRESULT outcome = find_module(clsid, module);
     if (failed(outcome)) return outcome;
     std::string reason;
+    call.enter(*module);
     outcome = module->get_class_object(clsid, iid, out, reason);
     if (reason.empty()) return outcome;
     // The module may have moved since its manifest was read.
@@ -65,10 +67,21 @@ HRESULT class_object_of_module(const CLSID& clsid, const IID& iid, void** out) {
     if (failed(found)) return found;
     if (module != tried) {
         reason.clear();
+        call.enter(*module);
         outcome = module->get_class_object(clsid, iid, out, reason);
     }
     if (!reason.empty()) set_thread_error(reason);
     return outcome;
+}
+
+HRESULT class_object(const CLSID& clsid, std::uint32_t context, const IID& iid, void** out,
+                     ModuleCall& call) {
+    if (!(context & CLSCTX_INPROC_SERVER)) return regdb_e_classnotreg;
+    return guarded([&] {
+        if (HeldFactory factory = process_classes().find(clsid))
+            return query_interface(factory.get(), iid, out);
+        return class_object_of_module(clsid, iid, out, call);
+    });
 }
 
 }  // namespace
@@ -93,20 +106,18 @@ HRESULT CoGetClassObject(const CLSID& clsid, std::uint32_t context, void*, const
                          void** out) {
     if (!out) return e_invalidarg;
     *out = nullptr;
-    if (!(context & CLSCTX_INPROC_SERVER)) return regdb_e_classnotreg;
-    return guarded([&] {
-        if (HeldFactory factory = process_classes().find(clsid))
-            return query_interface(factory.get(), iid, out);
-        return class_object_of_module(clsid, iid, out);
-    });
+    ModuleCall call;
+    return class_object(clsid, context, iid, out, call);
 }
 
 HRESULT CoCreateInstance(const CLSID& clsid, IUnknown* outer, std::uint32_t context, const IID& iid,
                          void** out) {
     if (!out) return e_invalidarg;
     *out = nullptr;
+    // Until the instance is counted by its module, the call is what keeps the module.
+    ModuleCall call;
     void* found = nullptr;
-    HRESULT outcome = CoGetClassObject(clsid, context, nullptr, iid_class_factory, &found);
+    HRESULT outcome = class_object(clsid, context, iid_class_factory, &found, call);
     if (failed(outcome)) return outcome;
     auto* factory = static_cast<IUnknown*>(found);
     outcome = call_slot<HRESULT, IUnknown*, const IID*, void**>(

@@ -3,7 +3,6 @@
 #include <dlfcn.h>
 
 #include <map>
-#include <utility>
 #include <vector>
 
 namespace orvo::runtime {
@@ -32,11 +31,6 @@ ModuleTable& module_table() {
 
 HRESULT Module::get_class_object(const CLSID& clsid, const IID& iid, void** out,
                                  std::string& reason) {
-    struct Call {
-        std::atomic<int>& calls;
-        explicit Call(std::atomic<int>& counter) : calls(counter) { calls.fetch_add(1); }
-        ~Call() { calls.fetch_sub(1); }
-    } call(calls_);
     GetClassObject entry = entry_.load();
     if (!entry) {
         HRESULT outcome = load(entry, reason);

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <mutex>
 #include <string>
+#include <utility>
 
 #include "platform/abi/system.h"
 
@@ -13,18 +14,19 @@ namespace orvo::runtime {
 
 // A module, loaded when a class of it is first asked for. Any thread.
 //
-// Whoever calls into the module is counted while the call lasts, so that the module is not taken
-// away under it; objects are counted by the module itself (DllCanUnloadNow). A thread must not be
-// inside the last release of an object of the module while another thread asks for unused modules
-// to be unloaded: the module can no longer tell.
+// Whoever calls into the module is counted while the call lasts (ModuleCall), so that the module is
+// not taken away under it; objects are counted by the module itself (DllCanUnloadNow). A thread
+// must not be inside the last release of an object of the module while another thread asks for
+// unused modules to be unloaded: the module can no longer tell.
 class Module {
 public:
     explicit Module(std::filesystem::path path) : path_(std::move(path)) {}
     Module(const Module&) = delete;
     Module& operator=(const Module&) = delete;
 
-    // Loads the module if it is not. `reason` tells why a module could not be loaded
-    // (CO_E_DLLNOTFOUND) or is no component (CO_E_ERRORINDLL); other results are the module's own.
+    // Loads the module if it is not; the caller is inside a ModuleCall. `reason` tells why a module
+    // could not be loaded (CO_E_DLLNOTFOUND) or is no component (CO_E_ERRORINDLL); other results
+    // are the module's own.
     abi::HRESULT get_class_object(const abi::CLSID& clsid, const abi::IID& iid, void** out,
                                   std::string& reason);
 
@@ -33,6 +35,7 @@ public:
     void unload_if_unused();
 
 private:
+    friend class ModuleCall;
     using GetClassObject = abi::HRESULT (*)(const abi::CLSID*, const abi::IID*, void**);
     using CanUnloadNow = abi::HRESULT (*)();
 
@@ -45,6 +48,27 @@ private:
     std::mutex loading_;
     void* handle_ = nullptr;
     CanUnloadNow can_unload_now_ = nullptr;
+};
+
+// A call into a module, from asking it for a class object until that is no longer used.
+class ModuleCall {
+public:
+    ModuleCall() = default;
+    ~ModuleCall() { leave(); }
+    ModuleCall(const ModuleCall&) = delete;
+    ModuleCall& operator=(const ModuleCall&) = delete;
+
+    void enter(Module& module) {
+        leave();
+        module.calls_.fetch_add(1);
+        module_ = &module;
+    }
+    void leave() {
+        if (Module* module = std::exchange(module_, nullptr)) module->calls_.fetch_sub(1);
+    }
+
+private:
+    Module* module_ = nullptr;
 };
 
 // The module of that file, always the same object; it lives as long as the process.

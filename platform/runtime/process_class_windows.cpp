@@ -1,9 +1,13 @@
 #include <cstdint>
 #include <map>
 #include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "platform/automation/failure.h"
 #include "platform/runtime/guid_form.h"
+#include "platform/runtime/progid.h"
 #include "platform/runtime/registration.h"
 #include "platform/runtime/registry_windows.h"
 
@@ -21,10 +25,10 @@ namespace {
 constexpr std::uint32_t multiple_use = 1;
 
 // The system keeps class objects for a process, but no ProgIDs: those stand, until the program
-// takes them away or the system restarts, among the user's classes.
+// takes them away or the system restarts, in the registry.
 struct Progids {
     std::mutex lock;
-    std::map<std::uint32_t, std::u16string> by_cookie;
+    std::map<std::uint32_t, std::vector<std::u16string>> by_cookie;
 };
 
 Progids& progids() {
@@ -32,37 +36,41 @@ Progids& progids() {
     return table;
 }
 
-void remember_progid(const std::u16string& progid, const std::u16string& clsid) {
-    for (const std::u16string& name : {progid, progid + u".1"}) {
-        std::optional<std::u16string> owner = class_key(Classes::user, name + u"\\CLSID");
-        if (owner && !equal_ignoring_case(*owner, clsid))
-            throw Failure(abi::e_fail, {},
-                          u"The user has a class " + name + u" already: " + *owner);
-    }
-    for (const std::u16string& name : {progid, progid + u".1"}) {
-        set_class_key(Classes::user, name, progid, Life::until_restart);
-        set_class_key(Classes::user, name + u"\\CLSID", clsid, Life::until_restart);
-    }
+void forget(const std::vector<std::u16string>& names) {
+    for (const std::u16string& name : names) remove_class_key(name);
 }
 
-void forget_progid(const std::u16string& progid) {
-    remove_class_key(Classes::user, progid);
-    remove_class_key(Classes::user, progid + u".1");
+// Answers the names that are new. One that is there for the same class already stays as it is.
+std::vector<std::u16string> remember(const std::u16string& progid, const std::u16string& clsid) {
+    std::u16string unversioned(version_independent(progid));
+    std::vector<std::u16string> names;
+    for (const std::u16string& name : {unversioned, unversioned + u".1"}) {
+        std::optional<std::u16string> owner = class_key(name + u"\\CLSID");
+        if (!owner)
+            names.push_back(name);
+        else if (!equal_ignoring_case(*owner, clsid))
+            throw Failure(abi::e_fail, {}, name + u" is registered for another class: " + *owner);
+    }
+    for (const std::u16string& name : names) {
+        set_class_key(name, unversioned, Life::until_restart);
+        set_class_key(name + u"\\CLSID", clsid, Life::until_restart);
+    }
+    return names;
 }
 
 }  // namespace
 
 ProcessClass::ProcessClass(const std::u16string& progid, const abi::CLSID& clsid,
                            abi::IUnknown* factory) {
-    remember_progid(progid, from_utf8(braced(clsid)));
+    std::vector<std::u16string> names = remember(progid, from_utf8(braced(clsid)));
     abi::HRESULT outcome =
         CoRegisterClassObject(clsid, factory, abi::CLSCTX_INPROC_SERVER, multiple_use, &cookie_);
     if (abi::failed(outcome)) {
-        forget_progid(progid);
+        forget(names);
         throw Failure(outcome, {}, u"The class " + progid + u" cannot be registered.");
     }
     std::lock_guard guard(progids().lock);
-    progids().by_cookie.emplace(cookie_, progid);
+    progids().by_cookie.emplace(cookie_, std::move(names));
 }
 
 ProcessClass::~ProcessClass() {
@@ -70,7 +78,7 @@ ProcessClass::~ProcessClass() {
     std::lock_guard guard(progids().lock);
     auto found = progids().by_cookie.find(cookie_);
     try {
-        forget_progid(found->second);
+        forget(found->second);
     } catch (const Failure&) {
         // A destructor has nobody to tell; the keys go at the system's next start.
     }

@@ -16,6 +16,7 @@ std::uint32_t ProcessClasses::add(std::u16string_view progid, const CLSID& clsid
     std::unique_lock guard(lock_);
     entries_.push_back({++last_cookie_, hash, std::u16string(version_independent(progid)), clsid,
                         std::move(held)});
+    count_ = entries_.size();
     return last_cookie_;
 }
 
@@ -27,11 +28,12 @@ void ProcessClasses::remove(std::uint32_t cookie) {
     if (found == entries_.end()) return;
     released_after_the_lock = std::move(found->factory);
     entries_.erase(found);
+    count_ = entries_.size();
 }
 
 bool ProcessClasses::find(std::u16string_view progid, CLSID& clsid) const {
+    if (count_ == 0) return false;
     std::shared_lock guard(lock_);
-    if (entries_.empty()) return false;
     std::size_t hash = ProgidHash()(progid);
     auto found = std::find_if(entries_.rbegin(), entries_.rend(), [&](const Entry& entry) {
         return entry.hash == hash && ProgidEqual()(entry.progid, progid);
@@ -42,6 +44,7 @@ bool ProcessClasses::find(std::u16string_view progid, CLSID& clsid) const {
 }
 
 HeldFactory ProcessClasses::find(const CLSID& clsid) const {
+    if (count_ == 0) return {};
     std::shared_lock guard(lock_);
     auto found = std::find_if(entries_.rbegin(), entries_.rend(),
                               [&](const Entry& entry) { return entry.clsid == clsid; });

@@ -2,6 +2,7 @@
 
 // Classes that the program itself has registered.
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <shared_mutex>
@@ -38,6 +39,7 @@ private:
 
     mutable std::shared_mutex lock_;
     std::vector<Entry> entries_;
+    std::atomic<std::size_t> count_{0};  // of entries_, for the usual case that there are none
     std::uint32_t last_cookie_ = 0;
 };
 

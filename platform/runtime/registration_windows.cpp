@@ -33,9 +33,7 @@ std::u16string own_module() {
     return name;
 }
 
-void set(const std::u16string& key, const std::u16string& value) {
-    set_class_key(Classes::all, key, value);
-}
+void set(const std::u16string& key, const std::u16string& value) { set_class_key(key, value); }
 
 void register_class(const std::u16string& module, const ClassEntry& entry) {
     std::u16string clsid = from_utf8(braced(entry.clsid));
@@ -43,7 +41,7 @@ void register_class(const std::u16string& module, const ClassEntry& entry) {
     std::u16string key = u"CLSID\\" + clsid;
     set(key, entry.progid);
     set(key + u"\\InprocServer32", module);
-    set_class_value(Classes::all, key + u"\\InprocServer32", u"ThreadingModel", u"Apartment");
+    set_class_value(key + u"\\InprocServer32", u"ThreadingModel", u"Apartment");
     set(key + u"\\ProgID", versioned);
     set(key + u"\\VersionIndependentProgID", entry.progid);
     set(key + u"\\Programmable", u"");
@@ -57,8 +55,8 @@ void register_class(const std::u16string& module, const ClassEntry& entry) {
 // A ProgID may have been given to another class since.
 void forget_progid(const std::optional<std::u16string>& progid, const std::u16string& clsid) {
     if (!progid || progid->empty()) return;
-    std::optional<std::u16string> owner = class_key(Classes::all, *progid + u"\\CLSID");
-    if (owner && equal_ignoring_case(*owner, clsid)) remove_class_key(Classes::all, *progid);
+    std::optional<std::u16string> owner = class_key(*progid + u"\\CLSID");
+    if (owner && equal_ignoring_case(*owner, clsid)) remove_class_key(*progid);
 }
 
 }  // namespace
@@ -72,13 +70,13 @@ void register_module(const std::u16string& module_name, std::span<const ClassEnt
 // What is known of a module are the classes whose server is the module's file.
 void unregister_module(const std::u16string&) {
     std::u16string module = own_module();
-    for (const std::u16string& clsid : subkeys(Classes::all, u"CLSID")) {
+    for (const std::u16string& clsid : subkeys(u"CLSID")) {
         std::u16string key = u"CLSID\\" + clsid;
-        std::optional<std::u16string> server = class_key(Classes::all, key + u"\\InprocServer32");
+        std::optional<std::u16string> server = class_key(key + u"\\InprocServer32");
         if (!server || !equal_ignoring_case(*server, module)) continue;
-        forget_progid(class_key(Classes::all, key + u"\\ProgID"), clsid);
-        forget_progid(class_key(Classes::all, key + u"\\VersionIndependentProgID"), clsid);
-        remove_class_key(Classes::all, key);
+        forget_progid(class_key(key + u"\\ProgID"), clsid);
+        forget_progid(class_key(key + u"\\VersionIndependentProgID"), clsid);
+        remove_class_key(key);
     }
 }
 

@@ -37,16 +37,10 @@ constexpr std::uint32_t type_text = 1;
 constexpr std::uint32_t option_volatile = 1;
 constexpr std::size_t longest_key_name = 256;
 
-HKEY__* predefined(std::uint32_t number) {
-    return reinterpret_cast<HKEY__*>(static_cast<std::intptr_t>(static_cast<std::int32_t>(number)));
-}
-
-HKEY__* root(Classes classes) {
-    return predefined(classes == Classes::all ? 0x80000000 : 0x80000001);
-}
-
-std::u16string full_key(Classes classes, const std::u16string& key) {
-    return classes == Classes::all ? key : u"Software\\Classes\\" + key;
+// HKEY_CLASSES_ROOT
+HKEY__* root() {
+    return reinterpret_cast<HKEY__*>(
+        static_cast<std::intptr_t>(static_cast<std::int32_t>(0x80000000u)));
 }
 
 void check(std::int32_t error, const std::u16string& key) {
@@ -71,18 +65,16 @@ private:
 };
 
 // False when there is no such key.
-bool open(Classes classes, const std::u16string& key, Key& opened) {
-    std::int32_t error =
-        RegOpenKeyExW(root(classes), full_key(classes, key).c_str(), 0, key_read, opened.put());
+bool open(const std::u16string& key, Key& opened) {
+    std::int32_t error = RegOpenKeyExW(root(), key.c_str(), 0, key_read, opened.put());
     if (error == file_not_found) return false;
     check(error, key);
     return true;
 }
 
-void set(Classes classes, const std::u16string& key, const char16_t* name,
-         const std::u16string& value, Life life) {
+void set(const std::u16string& key, const char16_t* name, const std::u16string& value, Life life) {
     Key made;
-    check(RegCreateKeyExW(root(classes), full_key(classes, key).c_str(), 0, nullptr,
+    check(RegCreateKeyExW(root(), key.c_str(), 0, nullptr,
                           life == Life::until_restart ? option_volatile : 0, key_write, nullptr,
                           made.put(), nullptr),
           key);
@@ -93,19 +85,18 @@ void set(Classes classes, const std::u16string& key, const char16_t* name,
 
 }  // namespace
 
-void set_class_key(Classes classes, const std::u16string& key, const std::u16string& value,
-                   Life life) {
-    set(classes, key, nullptr, value, life);
+void set_class_key(const std::u16string& key, const std::u16string& value, Life life) {
+    set(key, nullptr, value, life);
 }
 
-void set_class_value(Classes classes, const std::u16string& key, const std::u16string& name,
+void set_class_value(const std::u16string& key, const std::u16string& name,
                      const std::u16string& value) {
-    set(classes, key, name.c_str(), value, Life::lasting);
+    set(key, name.c_str(), value, Life::lasting);
 }
 
-std::optional<std::u16string> class_key(Classes classes, const std::u16string& key) {
+std::optional<std::u16string> class_key(const std::u16string& key) {
     Key opened;
-    if (!open(classes, key, opened)) return std::nullopt;
+    if (!open(key, opened)) return std::nullopt;
     std::u16string value(256, u'\0');
     for (;;) {
         auto size = static_cast<std::uint32_t>(value.size() * 2);
@@ -121,10 +112,10 @@ std::optional<std::u16string> class_key(Classes classes, const std::u16string& k
     }
 }
 
-std::vector<std::u16string> subkeys(Classes classes, const std::u16string& key) {
+std::vector<std::u16string> subkeys(const std::u16string& key) {
     std::vector<std::u16string> names;
     Key opened;
-    if (!open(classes, key, opened)) return names;
+    if (!open(key, opened)) return names;
     for (std::uint32_t i = 0;; ++i) {
         char16_t name[longest_key_name];
         std::uint32_t length = longest_key_name;
@@ -136,8 +127,8 @@ std::vector<std::u16string> subkeys(Classes classes, const std::u16string& key) 
     }
 }
 
-void remove_class_key(Classes classes, const std::u16string& key) {
-    std::int32_t error = RegDeleteTreeW(root(classes), full_key(classes, key).c_str());
+void remove_class_key(const std::u16string& key) {
+    std::int32_t error = RegDeleteTreeW(root(), key.c_str());
     if (error != file_not_found) check(error, key);
 }
 

@@ -18,7 +18,8 @@ namespace orvo::runtime {
 abi::SAFEARRAY* make_array(abi::VARTYPE type, std::uint16_t dimensions,
                            const abi::SAFEARRAYBOUND* stored_bounds, bool vector);
 
-// The same for elements of which only features and size are known; `prefix` are the hidden bytes.
+// An array of the same kind, size and hidden bytes as another, its elements zero; it owns its
+// memory.
 abi::SAFEARRAY* make_array_like(const abi::SAFEARRAY& other);
 
 // Gives the blocks back; the elements have been cleared.
