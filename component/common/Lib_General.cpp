@@ -3,6 +3,7 @@
 #include "component/common/Lib_ErrorHandling.h"
 #include "platform/abi/call.h"
 #include "platform/abi/create.h"
+#include "platform/abi/per_thread.h"
 #include "platform/context/contract.h"
 
 namespace orvo {
@@ -10,7 +11,8 @@ namespace {
 
 // The thread's application-server object; empty on a system that has none.
 const Ref<AppServer>& app_server() {
-    static thread_local Ref<AppServer> server;
+    static PerThread<Ref<AppServer>> servers;
+    Ref<AppServer>& server = servers.get();
     if (server) return server;
     try {
         server = Ref<AppServer>::from(create_object(app_server_progid));

@@ -2,12 +2,13 @@
 
 #include "component/common/Lib_General.h"
 #include "platform/abi/call.h"
+#include "platform/abi/per_thread.h"
 
 namespace orvo {
 
 ServerInfo* shared_server_info() {
-    static thread_local ServerInfo info;
-    return &info;
+    static PerThread<ServerInfo> info;
+    return &info.get();
 }
 
 void load_site_configuration() {

@@ -8,6 +8,7 @@
 #include "platform/abi/call.h"
 #include "platform/abi/late_call.h"
 #include "platform/automation/values.h"
+#include "platform/recordset/contract.h"
 
 namespace orvo {
 namespace {
@@ -105,7 +106,7 @@ Object Profile::search_users(const char16_t* attribute) {
 Object Profile::GetUsers() {
     return trapped(u"OrvoMembership.Profile.GetUsers", [&] {
         Object users = search_users(u"ProfileCN");
-        if (!users || late::get(users, u"EOF").to<bool>())
+        if (!users || call<&RecordSet::IsEof>(Ref<RecordSet>::from(users)))
             users = search_users(u"LocalAdminProfileCN");
         return users;
     });

@@ -6,11 +6,13 @@
 #include "component/config/Account.h"
 #include "component/config/ServerInfo.h"
 #include "component/entries/LdapAccess.h"
+#include "component/entries/User_table.h"
 #include "component/provider/PMMCreator.h"
 
 namespace orvo {
 
-using PublicClasses = std::tuple<ServerInfo, PMMCreator, Account, LdapAccess, Validator>;
+using PublicClasses = std::tuple<ServerInfo, PMMCreator, Account, LdapAccess, Profile, User,
+                                 Validator>;
 
 // Interfaces that public members take or give and others implement.
 using UsedInterfaces = std::tuple<Configuration, DirectorySchema, DirectoryEntry, DirectorySearch,

@@ -39,7 +39,7 @@ public:
     }
     ~outgoing() {
         if constexpr (!is_in_out<P>) {
-            if constexpr (std::is_same_v<T, Text>) abi::SysFreeString(raw_);
+            if constexpr (requires { C::drop(raw_); }) C::drop(raw_);
         } else if constexpr (std::is_same_v<T, Text>) {
             if (C::view(raw_) != *value_) *value_ = C::view(raw_);
             abi::SysFreeString(raw_);

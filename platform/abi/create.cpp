@@ -21,9 +21,11 @@ bool is_unknown_class(abi::HRESULT code) {
         }
     }();
     const bool has_reason = failure.number == code && !failure.description.empty();
+    // A class that itself lacks another one fails with the same number in the run-time range.
+    const bool is_classes = code == result_of_number(runtime_error::cannot_create_object);
     const bool is_systems = is_unknown_class(code) || code == abi::co_e_dllnotfound ||
                             code == abi::co_e_errorindll ||
-                            failure.number == runtime_error::cannot_create_object;
+                            (failure.number == runtime_error::cannot_create_object && !is_classes);
     if (!is_systems) throw failure;
     throw Failure(runtime_error::cannot_create_object, {},
                   has_reason && failure.description != u"Automation error"

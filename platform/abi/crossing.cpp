@@ -2,6 +2,21 @@
 
 namespace orvo {
 
+std::uint8_t crossing<std::uint8_t>::from_late(const Variant& value) {
+    Variant converted;
+    const abi::HRESULT code = abi::VariantChangeTypeEx(converted.put(), value.get(),
+                                                       abi::fixed_locale, 0, abi::VT_UI1);
+    if (abi::failed(code)) raise_runtime_error(number_of_result(code));
+    return converted.get()->bVal;
+}
+
+Variant crossing<std::uint8_t>::to_late(std::uint8_t value) {
+    abi::VARIANT raw{};
+    raw.vt = abi::VT_UI1;
+    raw.bVal = value;
+    return Variant::attach(raw);
+}
+
 Values crossing<Values>::copy(raw value) {
     if (value == nullptr) return {};
     abi::VARIANT borrowed{};

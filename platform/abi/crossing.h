@@ -10,6 +10,10 @@
 //   give       hands the content over in binary form, to be freed by the receiver
 //   idl        the type as IDL writes it
 //   from_late  converts what a late-bound caller passed, by the Automation rules
+//   to_late    what a late-bound caller receives, where a Variant cannot be made from the value
+//   drop       frees what `give` made for the length of one call, where that needs freeing
+
+#include <optional>
 
 #include "platform/abi/ref.h"
 #include "platform/abi/table.h"
@@ -46,6 +50,13 @@ struct crossing<std::int32_t> : detail::scalar_crossing<std::int32_t, std::int32
 template <>
 struct crossing<std::int64_t> : detail::scalar_crossing<std::int64_t, std::int64_t> {
     static std::string idl() { return "hyper"; }
+};
+// One unsigned byte.
+template <>
+struct crossing<std::uint8_t> : detail::scalar_crossing<std::uint8_t, std::uint8_t> {
+    static std::uint8_t from_late(const Variant& value);
+    static Variant to_late(std::uint8_t value);
+    static std::string idl() { return "unsigned char"; }
 };
 template <>
 struct crossing<double> : detail::scalar_crossing<double, double> {
@@ -96,7 +107,25 @@ struct crossing<Text> {
     static raw give(const Text& value) {
         return abi::SysAllocStringLen(value.data(), static_cast<std::uint32_t>(value.size()));
     }
+    static void drop(raw value) { abi::SysFreeString(value); }
     static Text from_late(const Variant& value) { return value.to<Text>(); }
+    static std::string idl() { return "BSTR"; }
+};
+
+// A text that may be left out: by slot a null pointer, which is not the empty text here.
+template <>
+struct crossing<std::optional<Text>> {
+    using raw = abi::BSTR;
+    static constexpr raw none = nullptr;
+    static std::optional<Text> copy(raw value) {
+        if (value == nullptr) return {};
+        return crossing<Text>::copy(value);
+    }
+    static raw give(const std::optional<Text>& value) {
+        return value ? crossing<Text>::give(*value) : nullptr;
+    }
+    static void drop(raw value) { abi::SysFreeString(value); }
+    static std::optional<Text> from_late(const Variant& value) { return value.to<Text>(); }
     static std::string idl() { return "BSTR"; }
 };
 
@@ -174,6 +203,8 @@ Variant to_late(R&& value) {
     using T = natural<R>;
     if constexpr (std::is_same_v<T, Variant>)
         return std::forward<R>(value);
+    else if constexpr (requires { crossing<T>::to_late(value); })
+        return crossing<T>::to_late(value);
     else if constexpr (requires { value.object(); })
         return Variant(value.object());
     else

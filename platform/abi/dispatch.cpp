@@ -49,7 +49,7 @@ public:
     // used. Answers a code that is no failure of the member itself, or raises.
     HRESULT run(const LateMember& member, std::size_t taken, Variant& result,
                 std::uint32_t* bad_argument) {
-        const std::size_t arity = member.may_be_missing.size();
+        const std::size_t arity = member.row->arity;
         std::vector<abi::VARIANT*> values(arity, nullptr);
         if (is_put_ && taken > 0) {  // the new value is the last parameter, whatever indices lack
             for (std::size_t i = 0; i + 1 < taken; ++i) values[i] = argument(i);
@@ -58,12 +58,12 @@ public:
             for (std::size_t i = 0; i < taken; ++i) values[i] = argument(i);
         }
         for (std::size_t i = 0; i < arity; ++i) {
-            if (values[i] != nullptr && is_missing(*values[i]) && member.may_be_missing[i])
+            if (values[i] != nullptr && is_missing(*values[i]) && member.row->parameters[i].may_be_missing)
                 values[i] = nullptr;
-            if (values[i] == nullptr && !member.may_be_missing[i])
+            if (values[i] == nullptr && !member.row->parameters[i].may_be_missing)
                 return abi::disp_e_paramnotoptional;
         }
-        LateArguments arguments{values};
+        LateArguments arguments{values, *member.row};
         try {
             result = member.invoke(face_.target, arguments);
             return abi::s_ok;
@@ -111,27 +111,28 @@ Plan plan_call(const InterfaceInfo& info, abi::DISPID id, std::uint16_t flags, s
     } else {
         for (Shape shape : {Shape::get, Shape::method})
             if (const LateMember* member = info.find(id, shape)) {
-                const std::size_t arity = member->may_be_missing.size();
+                const std::size_t arity = member->row->arity;
                 return {member, std::min(arity, count), count > arity};
             }
         return {};
     }
     if (const LateMember* holder = info.find(id, Shape::get))
-        return {holder, std::min(holder->may_be_missing.size(), count - 1), true};
+        return {holder, std::min(holder->row->arity, count - 1), true};
     return {};
 }
 
 }  // namespace
 
-void InterfaceInfo::add(LateMember member) {
+void InterfaceInfo::add(const RowData& row, Variant (*invoke)(void*, LateArguments&)) {
+    LateMember member{row.dispid, &row, invoke};
+    const Text key = lower(from_utf8(row.name));
     if (member.id == automatic_id) {
-        const Text key = lower(member.name);
         auto same = std::find_if(by_name.begin(), by_name.end(),
                                  [&](const auto& known) { return known.first == key; });
         member.id = same != by_name.end() ? same->second
                                           : first_own_id + static_cast<abi::DISPID>(members.size());
     }
-    by_name.emplace_back(lower(member.name), member.id);
+    by_name.emplace_back(key, member.id);
     members.push_back(std::move(member));
 }
 
@@ -152,7 +153,7 @@ abi::DISPID InterfaceInfo::id_of(TextView name) const {
 
 const LateMember* InterfaceInfo::find(abi::DISPID id, Shape shape) const {
     for (const LateMember& member : members)
-        if (member.id == id && member.shape == shape) return &member;
+        if (member.id == id && member.row->shape == shape) return &member;
     return nullptr;
 }
 
@@ -199,7 +200,7 @@ HRESULT invoke(Face* face, abi::DISPID id, const abi::IID* reserved, abi::LCID,
 
     const Plan plan = plan_call(*face->info, id, flags, passed->cArgs);
     if (plan.member == nullptr) return abi::disp_e_membernotfound;
-    if (plan.taken > plan.member->may_be_missing.size()) return abi::disp_e_badparamcount;
+    if (plan.taken > plan.member->row->arity) return abi::disp_e_badparamcount;
     try {
         Variant value;
         LateCall call(*face, *passed, is_put && !plan.goes_on);

@@ -12,15 +12,14 @@ namespace orvo::detail {
 // Where the conversion of arguments stands, so that a failure can name the argument.
 struct LateArguments {
     std::span<abi::VARIANT* const> values;  // in the order of the parameters; null where left out
-    int converting = -1;                    // the parameter being converted
+    const RowData& row;
+    int converting = -1;  // the parameter being converted
 };
 
 // One member, as late binding sees it.
 struct LateMember {
-    Text name;
     abi::DISPID id;
-    Shape shape;
-    std::vector<bool> may_be_missing;  // of each parameter
+    const RowData* row;
     // Calls the member; raises Failure.
     Variant (*invoke)(void* target, LateArguments& arguments);
 };
@@ -30,7 +29,7 @@ struct InterfaceInfo {
     std::vector<LateMember> members;                    // in slot order
     std::vector<std::pair<Text, abi::DISPID>> by_name;  // lower case, sorted
 
-    void add(LateMember member);
+    void add(const RowData& row, Variant (*invoke)(void*, LateArguments&));
     void finish();
     abi::DISPID id_of(TextView name) const;
     const LateMember* find(abi::DISPID id, Shape shape) const;
@@ -50,7 +49,10 @@ public:
         abi::VARIANT* passed = all.values[index];
         all.converting = static_cast<int>(index);
         if (passed == nullptr) {
-            if constexpr (std::is_same_v<T, Variant>) value_ = Variant::missing();
+            if constexpr (std::is_same_v<T, Variant>)
+                value_ = Variant::missing();
+            else if constexpr (std::is_convertible_v<int, T>)
+                value_ = static_cast<T>(all.row.parameters[index].otherwise);
             return;
         }
         if constexpr (is_in_out<P>) {
@@ -124,20 +126,10 @@ const InterfaceInfo& interface_info() {
         InterfaceInfo made;
         made.iid = &table_of<I>.iid;
         if (!table_of<I>.dispatch) return made;
-        std::apply(
-            [&](const auto&... row) {
-                [[maybe_unused]] auto add = [&]<class Item>(const Item& item) {
-                    if constexpr (is_row<Item>::value) {
-                        LateMember member{from_utf8(item.name), item.dispid, item.shape, {},
-                                          &late_thunk<Item::member>::invoke};
-                        for (const Parameter& parameter : item.parameters)
-                            member.may_be_missing.push_back(parameter.may_be_missing);
-                        made.add(std::move(member));
-                    }
-                };
-                (add(row), ...);
-            },
-            table_of<I>.rows);
+        table_of<I>.for_each([&]<auto M>(std::size_t index) {
+            if constexpr (!std::is_null_pointer_v<std::remove_cv_t<decltype(M)>>)
+                made.add(table_of<I>.rows[index], &late_thunk<M>::invoke);
+        });
         made.finish();
         return made;
     }();

@@ -15,8 +15,8 @@ void IdlWriter::begin(const char* name, const abi::IID& iid, bool dispatch) {
 
 void IdlWriter::end() { out_ << "    };\n"; }
 
-void IdlWriter::hole(std::size_t slot, const Reserved& reserved) {
-    for (int number = reserved.first; number <= reserved.last; ++number) {
+void IdlWriter::hole(std::size_t slot, const RowData& reserved) {
+    for (int number = reserved.first_reserved; number <= reserved.last_reserved; ++number) {
         out_ << "        /* " << slot++ << " */ ";
         if (dispatch_)
             out_ << "[id(0x" << std::hex << 0x60010000 + number << std::dec

@@ -23,14 +23,13 @@ public:
         begin(table.name, table.iid, table.dispatch);
         const detail::InterfaceInfo& info = detail::interface_info<I>();
         std::size_t late = 0;
-        auto slot = table.slots.begin();
-        auto write = [&]<class Item>(const Item& item) {
-            if constexpr (detail::is_row<Item>::value)
-                member(*slot++, table.dispatch ? info.members[late++].id : 0, item);
+        table.for_each([&]<auto M>(std::size_t index) {
+            if constexpr (std::is_null_pointer_v<std::remove_cv_t<decltype(M)>>)
+                hole(table.slots[index], table.rows[index]);
             else
-                hole(*slot++, item);
-        };
-        std::apply([&](const auto&... row) { (write(row), ...); }, table.rows);
+                member<M>(table.slots[index], table.dispatch ? info.members[late++].id : 0,
+                          table.rows[index]);
+        });
         end();
     }
 
@@ -39,10 +38,10 @@ public:
 private:
     void begin(const char* name, const abi::IID& iid, bool dispatch);
     void end();
-    void hole(std::size_t slot, const Reserved& reserved);
+    void hole(std::size_t slot, const RowData& reserved);
 
     template <auto M>
-    void member(std::size_t slot, abi::DISPID id, const Row<M>& row) {
+    void member(std::size_t slot, abi::DISPID id, const RowData& row) {
         using S = detail::signature_of<M>;
         std::vector<std::string> parameters;
         std::size_t index = 0;

@@ -27,18 +27,23 @@ enum class Shape : unsigned char {
     put_reference,
     // Returns its value itself instead of a result code (a few of the platform's own interfaces).
     bare,
+    // Slots that nobody calls.
+    reserved,
 };
 
 struct Parameter {
-    const char* name;
+    const char* name = "";
     bool may_be_missing = false;
+    int otherwise = 0;
+    constexpr Parameter() = default;
     constexpr Parameter(const char* name) : name(name) {}
-    constexpr Parameter(const char* name, bool optional) : name(name), may_be_missing(optional) {}
+    constexpr Parameter(const char* name, int otherwise)
+        : name(name), may_be_missing(true), otherwise(otherwise) {}
 };
 
-// A parameter that callers may leave out; the method then receives a missing variant, or the empty
-// value of any other type.
-constexpr Parameter optional(const char* name) { return {name, true}; }
+// A parameter that callers may leave out; the method then receives a missing variant, the number
+// `otherwise`, or the empty value of any other type.
+constexpr Parameter optional(const char* name, int otherwise = 0) { return {name, otherwise}; }
 
 namespace detail {
 
@@ -58,49 +63,72 @@ template <auto M>
 using signature_of = signature<std::remove_cv_t<decltype(M)>>;
 
 inline constexpr abi::DISPID automatic_id = -1000000;
+inline constexpr std::size_t most_parameters = 8;
 
 }  // namespace detail
 
-template <auto M>
-struct Row {
-    static constexpr auto member = M;
-    static constexpr std::size_t arity = detail::signature_of<M>::arity;
-
-    Shape shape;
-    const char* name;
-    std::array<Parameter, arity> parameters;
+// What a row says, apart from the member itself.
+struct RowData {
+    Shape shape = Shape::reserved;
+    const char* name = "";
+    std::array<Parameter, detail::most_parameters> parameters = {};
+    std::size_t arity = 0;
     abi::DISPID dispid = detail::automatic_id;
     bool is_hidden = false;
+    // Of reserved slots: their numbers among the interface's own operations, counted from 1.
+    int first_reserved = 0;
+    int last_reserved = 0;
+};
+
+// One row: the member pointer is part of its type. M is nullptr for reserved slots.
+template <auto M>
+struct Row {
+    RowData data;
 
     // The number by which late-bound callers know the member, where outsiders rely on it.
     constexpr Row id(abi::DISPID number) const {
         Row row = *this;
-        row.dispid = number;
+        row.data.dispid = number;
         return row;
     }
     // What a caller gets who names no member.
     constexpr Row as_default() const { return id(abi::DISPID_VALUE); }
     constexpr Row hidden() const {
         Row row = *this;
-        row.is_hidden = true;
+        row.data.is_hidden = true;
         return row;
     }
 };
 
-// Slots `first` to `last`, counted among the interface's own operations from 1, that nobody calls.
-struct Reserved {
-    int first;
-    int last;
+// Rows that are made together, to stand among others.
+template <auto... M>
+struct RowGroup {
+    std::array<RowData, sizeof...(M)> data;
 };
-constexpr Reserved reserved(int first, int last) { return {first, last}; }
-constexpr Reserved reserved(int only) { return {only, only}; }
+template <auto... M>
+constexpr RowGroup<M...> group(const Row<M>&... rows) {
+    return {{rows.data...}};
+}
+
+// Slots `first` to `last`, counted among the interface's own operations from 1, that nobody calls.
+constexpr Row<nullptr> reserved(int first, int last) {
+    Row<nullptr> row;
+    row.data.first_reserved = first;
+    row.data.last_reserved = last;
+    return row;
+}
+constexpr Row<nullptr> reserved(int only) { return reserved(only, only); }
 
 namespace detail {
 template <auto M, class... Names>
 constexpr Row<M> make_row(Shape shape, const char* name, Names... names) {
     static_assert(sizeof...(Names) == signature_of<M>::arity,
                   "name every parameter of the method, once");
-    return Row<M>{shape, name, {Parameter(names)...}};
+    static_assert(sizeof...(Names) <= most_parameters);
+    return Row<M>{RowData{.shape = shape,
+                          .name = name,
+                          .parameters = {Parameter(names)...},
+                          .arity = sizeof...(Names)}};
 }
 }  // namespace detail
 
@@ -126,17 +154,21 @@ constexpr auto bare(const char* name, Names... names) {
     return detail::make_row<M>(Shape::bare, name, names...);
 }
 
-template <class I, class... Rows>
+template <class I, auto... M>
 struct Table {
-    using interface_type = I;
-    static constexpr std::size_t size = sizeof...(Rows);
-
     const char* name;
     abi::IID iid;
     bool dispatch;  // whether IDispatch's four slots stand before the own ones
-    std::tuple<Rows...> rows;
-    std::array<std::size_t, sizeof...(Rows)> slots;  // of each row's first slot
+    std::array<RowData, sizeof...(M)> rows;
+    std::array<std::size_t, sizeof...(M)> slots;  // of each row's first slot
     std::size_t slot_count;
+
+    // Calls visit.operator()<member>(index) for each row, in order.
+    template <class Visit>
+    static constexpr void for_each(Visit&& visit) {
+        std::size_t index = 0;
+        ((visit.template operator()<M>(index), ++index), ...);
+    }
 };
 
 // The table of interface I; every interface specialises it.
@@ -145,38 +177,42 @@ inline constexpr auto table_of = nullptr;
 
 namespace detail {
 
-template <class T>
-struct is_row : std::false_type {};
+template <auto... M>
+struct members {};
+template <auto... A, auto... B>
+members<A..., B...> operator+(members<A...>, members<B...>);
 template <auto M>
-struct is_row<Row<M>> : std::true_type {};
+members<M> members_in(const Row<M>&);
+template <auto... M>
+members<M...> members_in(const RowGroup<M...>&);
 
-// A group of rows made elsewhere (a tuple) may stand among the rows.
-template <class T>
-constexpr auto as_rows(const T& item) {
-    if constexpr (is_row<T>::value || std::is_same_v<T, Reserved>)
-        return std::tuple<T>(item);
-    else
-        return item;
-}
+template <class I, auto... M, class... Items>
+consteval auto make_table(const char* name, abi::IID iid, bool dispatch, members<M...>,
+                          const Items&... items) {
+    Table<I, M...> table{name, iid, dispatch, {}, {}, 0};
+    std::size_t index = 0;
+    [[maybe_unused]] auto copy = [&](const auto& item) {
+        if constexpr (requires { item.data.shape; })
+            table.rows[index++] = item.data;
+        else
+            for (const RowData& row : item.data) table.rows[index++] = row;
+    };
+    (copy(items), ...);
 
-template <class I, class... Rows>
-consteval auto make_table(const char* name, abi::IID iid, bool dispatch,
-                          const std::tuple<Rows...>& rows) {
-    Table<I, Rows...> table{name, iid, dispatch, rows, {}, 0};
     const std::size_t first = dispatch ? 7 : 3;
     std::size_t next = first;
-    std::size_t index = 0;
-    auto place = [&](const auto& row) {
-        table.slots[index++] = next;
-        if constexpr (std::is_same_v<std::remove_cvref_t<decltype(row)>, Reserved>) {
-            if (row.last < row.first || first + static_cast<std::size_t>(row.first) - 1 != next)
-                throw "reserved slots stand at another place than their numbers say";
-            next = first + static_cast<std::size_t>(row.last);
-        } else {
+    for (std::size_t i = 0; i < table.rows.size(); ++i) {
+        const RowData& row = table.rows[i];
+        table.slots[i] = next;
+        if (row.shape != Shape::reserved) {
             ++next;
+            continue;
         }
-    };
-    std::apply([&](const auto&... row) { (place(row), ...); }, rows);
+        if (row.last_reserved < row.first_reserved ||
+            first + static_cast<std::size_t>(row.first_reserved) - 1 != next)
+            throw "reserved slots stand at another place than their numbers say";
+        next = first + static_cast<std::size_t>(row.last_reserved);
+    }
     table.slot_count = next;
     return table;
 }
@@ -185,13 +221,19 @@ consteval auto make_table(const char* name, abi::IID iid, bool dispatch,
 
 // An interface that can be called by slot and late bound (dual).
 template <class I, class... Items>
-consteval auto describe(const char* name, std::string_view iid, Items... items) {
-    return detail::make_table<I>(name, guid(iid), true, std::tuple_cat(detail::as_rows(items)...));
+consteval auto describe(const char* name, std::string_view iid, const Items&... items) {
+    return detail::make_table<I>(name, guid(iid), true,
+                                 decltype((detail::members<>{} + ... +
+                                           detail::members_in(items))){},
+                                 items...);
 }
 // An interface that can be called by slot only.
 template <class I, class... Items>
-consteval auto describe_unknown(const char* name, std::string_view iid, Items... items) {
-    return detail::make_table<I>(name, guid(iid), false, std::tuple_cat(detail::as_rows(items)...));
+consteval auto describe_unknown(const char* name, std::string_view iid, const Items&... items) {
+    return detail::make_table<I>(name, guid(iid), false,
+                                 decltype((detail::members<>{} + ... +
+                                           detail::members_in(items))){},
+                                 items...);
 }
 
 template <class I>
@@ -201,32 +243,25 @@ const abi::IID& iid_of() {
 
 namespace detail {
 
-template <auto M>
-struct member_tag {};
-
-template <auto M, class RowType>
-consteval bool is_member() {
-    if constexpr (is_row<RowType>::value)
-        return std::is_same_v<member_tag<M>, member_tag<RowType::member>>;
-    else
-        return false;
-}
+template <auto A, auto B>
+inline constexpr bool same_member = false;
+template <auto A>
+inline constexpr bool same_member<A, A> = true;
 
 template <auto M>
 struct place_of {
     using owner = typename signature_of<M>::owner;
 
-    template <class... Rows>
-    static consteval std::size_t find(const std::tuple<Rows...>*) {
+    template <auto... All>
+    static consteval std::size_t find(const Table<owner, All...>&) {
         std::size_t index = 0;
-        const bool found = ((is_member<M, Rows>() || (++index, false)) || ...);
+        const bool found = ((same_member<M, All> || (++index, false)) || ...);
         if (!found) throw "the interface's table has no row for this member";
         return index;
     }
-    static constexpr std::size_t index =
-        find(static_cast<const std::remove_cvref_t<decltype(table_of<owner>.rows)>*>(nullptr));
+    static constexpr std::size_t index = find(table_of<owner>);
     static constexpr std::size_t slot = table_of<owner>.slots[index];
-    static constexpr const auto& row() { return std::get<index>(table_of<owner>.rows); }
+    static constexpr const RowData& row() { return table_of<owner>.rows[index]; }
 };
 
 }  // namespace detail

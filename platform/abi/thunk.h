@@ -9,12 +9,6 @@
 
 namespace orvo::detail {
 
-// Whether parameter `index` of a member may be left out.
-template <auto M>
-constexpr bool may_be_missing(std::size_t index) {
-    return place_of<M>::row().parameters[index].may_be_missing;
-}
-
 [[noreturn]] void raise_null_pointer(const char* parameter);
 
 // One argument that came in by slot; what the method did to an in-out argument is in the caller's
@@ -78,12 +72,13 @@ private:
     bool is_reference_ = false;
 };
 
-template <auto M, class S = std::remove_cv_t<decltype(M)>>
+// The function in the slot of one row; `row` counts in the table of I.
+template <auto M, std::size_t row, class S = std::remove_cv_t<decltype(M)>>
 struct vtable_thunk;
 
-template <auto M, class I, class R, class... P>
-struct vtable_thunk<M, R (I::*)(P...)> {
-    static constexpr bool is_bare = place_of<M>::row().shape == Shape::bare;
+template <auto M, std::size_t row, class I, class R, class... P>
+struct vtable_thunk<M, row, R (I::*)(P...)> {
+    static constexpr bool is_bare = table_of<I>.rows[row].shape == Shape::bare;
     static constexpr bool has_result = !std::is_void_v<R> && !is_bare;
 
     static R run(I& target, raw_argument<P>... raw) {
@@ -97,7 +92,8 @@ struct vtable_thunk<M, R (I::*)(P...)> {
     template <std::size_t i, class Held>
     static void check_slot(Held& held) {
         if (!held.is_null_slot()) return;
-        if (!may_be_missing<M>(i)) raise_null_pointer(place_of<M>::row().parameters[i].name);
+        constexpr const Parameter& parameter = table_of<I>.rows[row].parameters[i];
+        if (!parameter.may_be_missing) raise_null_pointer(parameter.name);
         held.set_missing();
     }
 
@@ -142,8 +138,17 @@ struct vtable_thunk<M, R (I::*)(P...)> {
             return reinterpret_cast<abi::Slot>(&without_result);
     }
 };
-template <auto M, class I, class R, class... P>
-struct vtable_thunk<M, R (I::*)(P...) const> : vtable_thunk<M, R (I::*)(P...)> {};
+template <auto M, std::size_t row, class I, class R, class... P>
+struct vtable_thunk<M, row, R (I::*)(P...) const> : vtable_thunk<M, row, R (I::*)(P...)> {};
+
+template <class I, auto... M, std::size_t... row>
+void put_own_slots(abi::Slot* slots, const Table<I, M...>& table, std::index_sequence<row...>) {
+    [[maybe_unused]] auto put = [&]<auto member, std::size_t index>() {
+        if constexpr (!std::is_null_pointer_v<std::remove_cv_t<decltype(member)>>)
+            slots[table.slots[index]] = vtable_thunk<member, index>::slot();
+    };
+    (put.template operator()<M, row>(), ...);
+}
 
 abi::HRESULT reserved_slot();
 
@@ -154,17 +159,8 @@ const abi::Slot* vtable_of() {
         std::array<abi::Slot, table_of<I>.slot_count> all;
         all.fill(reinterpret_cast<abi::Slot>(&reserved_slot));
         put_standard_slots(all.data(), table_of<I>.dispatch);
-        std::size_t index = 0;
-        std::apply(
-            [&](const auto&... row) {
-                [[maybe_unused]] auto place = [&]<class Item>(const Item&) {
-                    if constexpr (is_row<Item>::value)
-                        all[table_of<I>.slots[index]] = vtable_thunk<Item::member>::slot();
-                    ++index;
-                };
-                (place(row), ...);
-            },
-            table_of<I>.rows);
+        put_own_slots(all.data(), table_of<I>,
+                      std::make_index_sequence<table_of<I>.rows.size()>());
         return all;
     }();
     return slots.data();

@@ -95,8 +95,8 @@ void register_type_library(std::span<const ModuleClass> classes) {
     const LibraryAttributes attributes = attributes_of(library);
     for (const ModuleClass& offered : classes) {
         const Text key = u"CLSID\\" + braced(offered.clsid);
-        runtime::set_class_key(runtime::Classes::all, key + u"\\TypeLib", braced(attributes.id));
-        runtime::set_class_key(runtime::Classes::all, key + u"\\Version",
+        runtime::set_class_key(key + u"\\TypeLib", braced(attributes.id));
+        runtime::set_class_key(key + u"\\Version",
                                decimal(attributes.major) + u"." + decimal(attributes.minor));
     }
 }

@@ -1,0 +1,167 @@
+#pragma once
+
+#include "component/config/Account.h"
+#include "component/entries/Profile.h"
+#include "component/entries/UserCatalogue.h"
+#include "platform/context/object_control.h"
+#include "platform/dictionary/contract.h"
+
+namespace orvo {
+
+namespace detail {
+
+template <PropertyType type>
+struct property_value;
+template <>
+struct property_value<PropertyType::text> : std::type_identity<Text> {};
+template <>
+struct property_value<PropertyType::boolean> : std::type_identity<bool> {};
+template <>
+struct property_value<PropertyType::int16> : std::type_identity<std::int16_t> {};
+template <>
+struct property_value<PropertyType::int32> : std::type_identity<std::int32_t> {};
+template <>
+struct property_value<PropertyType::currency> : std::type_identity<Currency> {};
+template <>
+struct property_value<PropertyType::date> : std::type_identity<Date> {};
+template <>
+struct property_value<PropertyType::whole> : std::type_identity<Variant> {};
+
+template <std::size_t row>
+using property_t = typename property_value<user_catalogue[row].type>::type;
+
+// What a property's setter takes: most take it in, a few in-out.
+template <std::size_t row>
+using property_argument =
+    std::conditional_t<user_catalogue[row].rule == PropertyRule::in_out, property_t<row>&,
+                       const property_t<row>&>;
+
+}  // namespace detail
+
+// One user entry. Bind it first: by its common name (BindAs), or by the web session at activation.
+// On an unbound user attributes and properties fail with 91 (object not set). A further bind
+// replaces the former one; a profile of the same name is kept.
+//
+// What was done before a failure stays done: a bind that the directory refuses leaves the new name
+// and credentials in place.
+class User final : public ObjectControl {
+public:
+    User() { IObjectControl_Activate(); }
+    ~User() { IObjectControl_Deactivate(); }
+
+    // Binding.
+    void BindAs(Text& iCommonName, Text& iUsername, Text& iPwd);
+    void setServerInfo(const Text& i_sConfigurationPath);
+
+    // Attributes, by the directory's names, as the provider gives and takes them. A read or write
+    // that the privilege lists refuse returns quietly, a read with empty text. Clearing is never
+    // refused, and leaves what a restricted user object has read before visible until the next bind.
+    Variant GetAttribValue(Text& iAttribName);
+    void SetAttribValue(Text& iAttribName, Variant& iAttribValue);
+    void ClearAttribValue(Text& iAttribName);
+
+    // The catalogue's properties; `row` is one of user_catalogue.
+    template <std::size_t row>
+    detail::property_t<row> get_property();
+    template <std::size_t row>
+    void put_property(detail::property_argument<row> iValue);
+
+    // Computed properties.
+    Text CN();
+    Text GUID();
+    Ref<Profile> get_Profile();
+    Text NTUser();
+    Text NTPassword();
+    template <std::size_t row>
+    bool get_user_type();
+    template <std::size_t row>
+    void put_user_type(bool iValue);
+    bool InvoiceUser();
+    void put_InvoiceUser(bool iValue);
+
+    // Roles and applications.
+    template <std::size_t row>
+    bool get_role();
+    template <std::size_t row>
+    void put_role(bool iValue);
+    // The profile's roles answer for a user who has none of its own.
+    bool HasRole(std::int16_t& iRoleID);
+    // Never looks at the profile. A list that loses its only role is left with the single element 0.
+    void AssignRole(std::int16_t& iRoleType, bool& iEnable);
+    Variant OrvoApps();
+    void put_OrvoApps(Variant& iApps);
+    void ClearOrvoApps();
+    // Both always answer true.
+    bool IsAppAccessAllowed(const Text& iAppName);
+    bool validate();
+    // Raises emErrAppNoAccess when the application is not among the user's; an unbound user passes.
+    void CheckAppUserAccess(const Text& iAppName, std::int16_t iAppID);
+    // One address serves every application: i_lAppID is ignored. Deliberate.
+    Variant SetDefaultURL(std::int32_t i_lAppID, const Text& i_sURL);
+    Text GetDefaultURL(std::int32_t i_lAppID);
+
+    // Raises emErrPwdNotCorrect when the old password is refused; does nothing on an unbound user.
+    void ChangePassword(Text& iOldPwd, Text& iNewPwd);
+
+    void IObjectControl_Activate() override;
+    void IObjectControl_Deactivate() override;
+    bool IObjectControl_CanBePooled() override { return false; }
+
+private:
+    void CheckPrivs();
+    void bind_profile(Text& user, Text& password);
+    void save_apps();
+    bool holds_role(std::int16_t role);
+
+    Variant read_property(const UserProperty& property);
+    void write_property(const UserProperty& property, const Variant& value);
+    Text text_of(const char16_t* attribute);
+    bool is_of_type(const UserTypeProperty& property);
+    void make_type(const UserTypeProperty& property);
+    bool has_role_of(const RoleProperty& property);
+    void assign_role_of(const RoleProperty& property, bool enable);
+
+    Ref<DirectoryEntry> directory_object_;
+    Object session_;
+    Ref<Profile> profile_;
+    Ref<Account> account_;
+    std::optional<PMMCreator> factory_;
+    bool profile_changed_ = false;
+    Text cn_;
+    Text username_;
+    Secret password_;
+    Ref<Dictionary> readable_attributes_;
+    Ref<Dictionary> writable_attributes_;
+    Variant applications_;
+};
+
+template <std::size_t row>
+detail::property_t<row> User::get_property() {
+    Variant value = read_property(user_catalogue[row]);
+    if constexpr (std::is_same_v<detail::property_t<row>, Variant>)
+        return value;
+    else
+        return value.to<detail::property_t<row>>();
+}
+template <std::size_t row>
+void User::put_property(detail::property_argument<row> iValue) {
+    write_property(user_catalogue[row], Variant(iValue));
+}
+template <std::size_t row>
+bool User::get_user_type() {
+    return is_of_type(user_types[row]);
+}
+template <std::size_t row>
+void User::put_user_type(bool) {
+    make_type(user_types[row]);
+}
+template <std::size_t row>
+bool User::get_role() {
+    return has_role_of(user_roles[row]);
+}
+template <std::size_t row>
+void User::put_role(bool iValue) {
+    assign_role_of(user_roles[row], iValue);
+}
+
+}  // namespace orvo
