@@ -30,6 +30,7 @@ inline constexpr int decoding_error = 84;
 inline constexpr int timeout = 85;
 inline constexpr int parameter_error = 89;
 inline constexpr int connect_error = 91;
+inline constexpr int not_supported = 92;
 }  // namespace result_code
 
 // The error number of a result code: that of the table's row, 0x80072095 for a code without one.

@@ -1,0 +1,98 @@
+#include "suite/directory/common/distinguished_name.h"
+
+#include <gtest/gtest.h>
+
+namespace orvo::directory {
+namespace {
+
+DistinguishedName name(TextView text) {
+    auto parsed = DistinguishedName::try_parse(text);
+    if (!parsed) throw std::runtime_error("not a name: " + to_utf8(text));
+    return *parsed;
+}
+
+struct Accepted {
+    const char16_t* text;
+    std::size_t depth;
+    const char* key;
+};
+
+class AcceptedName : public testing::TestWithParam<Accepted> {};
+
+TEST_P(AcceptedName, IsKeptInItsComparableForm) {
+    const DistinguishedName parsed = name(GetParam().text);
+    EXPECT_EQ(parsed.depth(), GetParam().depth);
+    EXPECT_EQ(parsed.key(), GetParam().key);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, AcceptedName,
+    testing::Values(
+        Accepted{u"", 0, ""}, Accepted{u"  ", 0, ""}, Accepted{u"o=Shop", 1, "o=shop"},
+        Accepted{u"cn=jsmith,ou=Users,o=Shop", 3, "cn=jsmith,ou=users,o=shop"},
+        Accepted{u"CN = J  Smith , OU = Users , O = Shop ", 3, "cn=j smith,ou=users,o=shop"},
+        Accepted{u"commonName=a,organizationalUnitName=b,2.5.4.10=c", 3, "cn=a,ou=b,o=c"},
+        Accepted{u"DC=Shop,0.9.2342.19200300.100.1.25=example", 2, "dc=shop,dc=example"},
+        Accepted{u"sn=b+cn=a,o=Shop", 2, "cn=a+sn=b,o=shop"},
+        Accepted{u"cn=Smith\\, John,o=Shop", 2, "cn=smith\\, john,o=shop"},
+        Accepted{u"cn=Smith\\2C John,o=Shop", 2, "cn=smith\\, john,o=shop"},
+        Accepted{u"cn=a\\+b\\\\c,o=Shop", 2, "cn=a\\+b\\\\c,o=shop"},
+        Accepted{u"cn=#0403414243,o=Shop", 2, "cn=#0403414243,o=shop"},
+        Accepted{u"cn=\\#0403414243,o=Shop", 2, "cn=\\#0403414243,o=shop"},
+        Accepted{u"cn=,o=Shop", 2, "cn=,o=shop"}, Accepted{u"cn=a=b,o=Shop", 2, "cn=a=b,o=shop"},
+        Accepted{u"cn=Z\u00C9L\u00C9,o=Shop", 2, "cn=z\u00E9l\u00E9,o=shop"},
+        Accepted{u"cn=z\\C3\\A9l\\C3\\A9,o=Shop", 2, "cn=z\u00E9l\u00E9,o=shop"}));
+
+class RefusedName : public testing::TestWithParam<const char16_t*> {};
+
+TEST_P(RefusedName, IsNoName) { EXPECT_FALSE(DistinguishedName::try_parse(GetParam())); }
+
+INSTANTIATE_TEST_SUITE_P(All, RefusedName,
+                         testing::Values(u"jsmith", u"cn", u"cn=a,", u",cn=a", u"cn=a,,o=Shop",
+                                         u"cn=a+", u"+cn=a", u"=a,o=Shop", u"1cn=a", u"c n=a",
+                                         u"cn=\"a\",o=Shop", u"cn=a;o=Shop", u"cn=a<b", u"cn=a>b",
+                                         u"cn=a\\", u"cn=a\\x", u"cn=a\\4", u"cn=a\\4g",
+                                         u"cn=#04,o=#0", u"cn=#,o=Shop", u"cn=#04xy", u"2.5.4.=a",
+                                         u"uid.x=a"));
+
+TEST(DistinguishedName, ANulIsNotAllowedUnescaped) {
+    EXPECT_FALSE(DistinguishedName::try_parse(Text(u"cn=a\0b,o=Shop", 13)));
+}
+
+TEST(DistinguishedName, EqualNamesAreEqualHoweverWritten) {
+    EXPECT_EQ(name(u"cn=jsmith,ou=Users,o=Shop"), name(u"CN=JSmith, ou=users, O=SHOP"));
+    EXPECT_EQ(name(u"cn=a+sn=b"), name(u"SN=B+CN=A"));
+    EXPECT_FALSE(name(u"cn=a,o=Shop") == name(u"cn=a\\,o=Shop"));
+}
+
+TEST(DistinguishedName, AnEntryIsBelowItsContainerAtAnyDepth) {
+    const DistinguishedName users = name(u"ou=Users,o=Shop");
+    EXPECT_TRUE(name(u"cn=jsmith,OU=USERS,o=shop").is_below(users));
+    EXPECT_TRUE(name(u"cn=jsmith,ou=Staff,ou=Users,o=Shop").is_below(users));
+    EXPECT_TRUE(name(u"o=Shop").is_below(name(u"")));
+}
+
+TEST(DistinguishedName, NothingElseIsBelowAContainer) {
+    const DistinguishedName users = name(u"ou=Users,o=Shop");
+    EXPECT_FALSE(users.is_below(users));
+    EXPECT_FALSE(name(u"o=Shop").is_below(users));
+    EXPECT_FALSE(name(u"cn=a,ou=Profiles,o=Shop").is_below(users));
+    EXPECT_FALSE(name(u"cn=a,ou=Users,o=Shop,c=NL").is_below(users));
+    EXPECT_FALSE(name(u"cn=a\\,ou=Users,o=Shop").is_below(users));
+    EXPECT_FALSE(name(u"cn=a,ou=xUsers,o=Shop").is_below(users));
+}
+
+TEST(ContainerName, IsTurnedRoundWhenWrittenFromTheTopDown) {
+    EXPECT_EQ(container_name(u"o=Shop/ou=Users/ou=Staff"), u"ou=Staff,ou=Users,o=Shop");
+    EXPECT_EQ(container_name(u"ou=Users,o=Shop"), u"ou=Users,o=Shop");
+    EXPECT_EQ(container_name(u""), u"");
+}
+
+TEST(EntryName, IsTheRelativeNameBelowTheContainer) {
+    EXPECT_EQ(entry_name(u"cn=jsmith", u"ou=Users,o=Shop"), u"cn=jsmith,ou=Users,o=Shop");
+    EXPECT_EQ(entry_name(u"", u"ou=Users,o=Shop"), u"ou=Users,o=Shop");
+    EXPECT_EQ(entry_name(u"cn=jsmith", u""), u"cn=jsmith");
+}
+
+}  // namespace
+}  // namespace orvo::directory
