@@ -9,7 +9,7 @@ const ModuleDescription& this_module() {
     static constexpr ModuleClass classes[] = {
         module_class<SuiteConfiguration>(),
         module_class<SuiteLog>(),
-        module_class<ldap::LdapDirectory>(),
+        module_class<directory::ldap::LdapDirectory>(),
     };
     static constexpr ModuleDescription description{"OrvoSuite", classes};
     return description;

@@ -60,13 +60,12 @@ private:
 //     the line is no "[section]", no "key = value" and no comment
 //     the name of the section is not closed by "]"
 //     the section has no name
-//     the name of the section is longer than 49 bytes
 //     there is text behind "]"
 //     the key has no name
 //     the key stands outside any [section]
 //     "<key>" is given twice in [<section>], first on line <line>
 //
-// Any thread; one text is read at a time.
+// Any thread.
 IniValues parse_ini(std::string_view content, TextView name);
 
 }  // namespace orvo

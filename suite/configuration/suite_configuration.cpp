@@ -1,10 +1,10 @@
 #include "suite/configuration/suite_configuration.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <ranges>
 #include <system_error>
 
+#include "platform/automation/environment.h"
 #include "suite/configuration/ini_files.h"
 
 namespace orvo {
@@ -14,7 +14,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* site_variable = "ORVO_SITE_CONFIG";
-constexpr const char* usual_site_file = "/etc/orvo/site.ini";
 
 struct SiteFile {
     fs::path path;
@@ -27,11 +26,17 @@ fs::path in_current_folder(const fs::path& path) {
     return error ? path : result;
 }
 
+// Windows names the folder for the settings of all users in a variable.
+fs::path usual_site_file() {
+    const Text folder = environment_variable("ProgramData");
+    return (folder.empty() ? fs::path("/etc") : path_of(folder)) / "orvo" / "site.ini";
+}
+
 SiteFile site_file(const fs::path& given) {
     if (!given.empty()) return {given};
-    const char* named = std::getenv(site_variable);
-    if (named && *named) return {in_current_folder(path_of(from_utf8(named)))};
-    return {usual_site_file, true};
+    const Text named = environment_variable(site_variable);
+    if (!named.empty()) return {in_current_folder(path_of(named))};
+    return {usual_site_file(), true};
 }
 
 bool is_absent(const fs::path& file) {

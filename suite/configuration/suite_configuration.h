@@ -15,7 +15,8 @@ class IniValues;
 
 // The site's file is the one last given to LoadSiteConfigurationFile; before that, the one that the
 // environment variable ORVO_SITE_CONFIG names (it must exist then); without the variable
-// /etc/orvo/site.ini, which may be absent: nothing is loaded then, and nothing is wrong.
+// /etc/orvo/site.ini (on Windows orvo\site.ini in %ProgramData%), which may be absent: nothing is
+// loaded then, and nothing is wrong.
 //
 // Files are laid one over the other in the order they were loaded, the last one on top; a file that
 // is loaded again takes its place on top anew, and what it no longer says is gone. A file that
@@ -54,7 +55,7 @@ private:
 };
 
 template <>
-inline constexpr auto class_of<SuiteConfiguration> = describe_class<Configuration>(
-    "Quendra.Configuration", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e721");
+inline constexpr auto class_of<SuiteConfiguration> =
+    describe_class<Configuration>("Quendra.Configuration", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e721");
 
 }  // namespace orvo

@@ -27,8 +27,8 @@ struct LogTarget {
 //     ORVO_LOG_STDERR   1: the standard error too (alone: only the standard error)
 //
 // Without either the file is orvo/orvo.log in $XDG_STATE_HOME (which counts when it is an absolute
-// path), otherwise in ~/.local/state; without a home folder it is the standard error. An empty
-// variable counts as none.
+// path), otherwise in ~/.local/state, on Windows in %LOCALAPPDATA%; without a home folder it is the
+// standard error. An empty variable counts as none.
 LogTarget log_target_of_environment();
 
 // Whether notes are written: ORVO_LOG_LEVEL is not "error". ("note" asks for everything, as any

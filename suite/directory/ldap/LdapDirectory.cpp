@@ -7,15 +7,15 @@
 namespace orvo {
 
 template <>
-inline constexpr auto class_of<ldap::LdapSchema> =
+inline constexpr auto class_of<directory::ldap::LdapSchema> =
     describe_class<DirectorySchema>("OrvoDirectory.Ldap");
 
-namespace ldap {
+namespace directory::ldap {
 
 Ref<DirectorySchema> LdapDirectory::CreateSchema() { return make<LdapSchema>(); }
 Ref<DirectoryEntry> LdapDirectory::CreateEntry() { return make<LdapEntry>(); }
 Ref<DirectoryValidator> LdapDirectory::CreateValidator() { return make<LdapValidator>(); }
 Ref<DirectorySearch> LdapDirectory::CreateSearch() { raise_unsupported(); }
 
-}  // namespace ldap
+}  // namespace directory::ldap
 }  // namespace orvo

@@ -4,7 +4,7 @@
 #include "platform/abi/hosted.h"
 
 namespace orvo {
-namespace ldap {
+namespace directory::ldap {
 
 // The schema as an object. Its interface has no operations; the types of attributes are looked up
 // where values are read and written.
@@ -19,10 +19,10 @@ public:
     Ref<DirectorySearch> CreateSearch() override;
 };
 
-}  // namespace ldap
+}  // namespace directory::ldap
 
 template <>
-inline constexpr auto class_of<ldap::LdapDirectory> =
+inline constexpr auto class_of<directory::ldap::LdapDirectory> =
     describe_class<DirectoryModule>("OrvoDirectory.Ldap", "297a750b-2738-41d3-ba05-8d71da091aa1");
 
 }  // namespace orvo

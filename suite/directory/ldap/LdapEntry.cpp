@@ -10,11 +10,9 @@
 #include "suite/directory/ldap/failures.h"
 #include "suite/directory/ldap/write_marks.h"
 
-namespace orvo::ldap {
+namespace orvo::directory::ldap {
 namespace {
 
-namespace ascii = directory::ascii;
-namespace result_code = directory::result_code;
 using std::chrono::steady_clock;
 
 // Asked for alone, it stands for "no attributes".
@@ -31,7 +29,7 @@ std::vector<std::string> names_in(const Variant& attributes) {
 }
 
 bool is_password(const std::string& name) {
-    const std::string type = directory::AttributeDescription(name).type;
+    const std::string type = AttributeDescription(name).type;
     return type == "userpassword" || type == "2.5.4.35";
 }
 
@@ -65,8 +63,8 @@ void check_bind(const Result& bind) {
         case result_code::no_such_object:
         case result_code::invalid_name:
         case result_code::inappropriate_authentication: {
-            Failure failure = directory::directory_failure(bind.code, provider_name, bind.message);
-            failure.number = directory::number_of_code(result_code::invalid_credentials);
+            Failure failure = directory_failure(bind.code, provider_name, bind.message);
+            failure.number = number_of_code(result_code::invalid_credentials);
             throw failure;
         }
         default:
@@ -84,9 +82,9 @@ void LdapEntry::Bind(Text& server, Text& container, Text& common_name, Text& use
     server_ = ServerAddress::parse(server);
     user_ = to_utf8(user);
     password_ = Secret(password);
-    const Text name = directory::entry_name(common_name, directory::container_name(container));
+    const Text name = entry_name(common_name, container_name(container));
     name_ = to_utf8(name);
-    const auto parsed = directory::DistinguishedName::try_parse(name);
+    const auto parsed = DistinguishedName::try_parse(name);
     key_ = parsed ? parsed->key() : name_;
     fetched_.asked = names_in(attributes);
     if (password_.empty() && !user_.empty())
@@ -131,8 +129,8 @@ const ServerFacts& LdapEntry::facts() {
     return *facts_;
 }
 
-const directory::AttributeType* LdapEntry::type_of(const std::string& name) {
-    const directory::AttributeTypes& types = facts().types;
+const AttributeType* LdapEntry::type_of(const std::string& name) {
+    const AttributeTypes& types = facts().types;
     if (const auto* known = types.find(name)) return known;
     if (types.empty()) return nullptr;  // this user may not read the schema
     FactsResult result =
@@ -165,20 +163,19 @@ Variant LdapEntry::GetValues(Text& name) {
     require_bound();
     if (name.empty()) raise_runtime_error(runtime_error::invalid_call);
     const std::string attribute = to_utf8(name);
-    const directory::AttributeType* type = type_of(attribute);
-    if (const auto fetched = take_fetched(attribute))
-        return directory::decode_values(type, *fetched);
+    const AttributeType* type = type_of(attribute);
+    if (const auto fetched = take_fetched(attribute)) return decode_values(type, *fetched);
     const ReadResult read =
         on_session([&](Session& session) { return session.read(name_, {attribute}); });
     check(read);
-    return directory::decode_values(type, values_in(read.entry, attribute));
+    return decode_values(type, values_in(read.entry, attribute));
 }
 
 void LdapEntry::SetValues(Text& name, Variant& value) {
     require_bound();
     const std::string attribute = to_utf8(name);
     if (is_password(attribute)) return write_password(attribute, value);
-    replace(attribute, directory::encode_values(type_of(attribute), value));
+    replace(attribute, encode_values(type_of(attribute), value));
 }
 
 void LdapEntry::ClearValues(Text& name) {
@@ -189,10 +186,10 @@ void LdapEntry::ClearValues(Text& name) {
 void LdapEntry::write_password(const std::string& name, const Variant& value) {
     const Secret password = password_in(value);
     if (password.empty()) return replace(name, {});
-    if (!facts().changes_passwords) return replace(name, {directory::hashed_password(password)});
+    if (!facts().changes_passwords) return replace(name, {hashed_password(password)});
     const NotedWrite noted(key_);
     check(on_session([&](Session& session) { return session.change_password(name_, password); }));
-    const auto user = directory::DistinguishedName::try_parse(from_utf8(user_));
+    const auto user = DistinguishedName::try_parse(from_utf8(user_));
     if (user && user->key() == key_) password_ = password.clone();
 }
 
@@ -212,4 +209,4 @@ void LdapEntry::DeleteChild(Text&, Text&) { raise_unsupported(); }
 bool LdapEntry::InitializeConnectionPool(Variant&, Variant&) { raise_unsupported(); }
 bool LdapEntry::InitializeCache(Variant&, Variant&) { raise_unsupported(); }
 
-}  // namespace orvo::ldap
+}  // namespace orvo::directory::ldap

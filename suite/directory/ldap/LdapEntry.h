@@ -9,7 +9,7 @@
 #include "suite/directory/ldap/session.h"
 
 namespace orvo {
-namespace ldap {
+namespace directory::ldap {
 
 // One entry, over a connection of its own that lasts until the next Bind or the object's end. When
 // the server has closed it in the meantime, it is made anew once, with the same credentials, before
@@ -59,7 +59,7 @@ private:
     template <class Operation>
     auto on_session(Operation operation);
     const ServerFacts& facts();
-    const directory::AttributeType* type_of(const std::string& name);
+    const AttributeType* type_of(const std::string& name);
     std::optional<std::vector<std::string>> take_fetched(const std::string& name);
     std::vector<std::string> values_in(const EntryData& entry, const std::string& name) const;
     void write_password(const std::string& name, const Variant& value);
@@ -77,10 +77,10 @@ private:
     std::shared_ptr<const ServerFacts> facts_;
 };
 
-}  // namespace ldap
+}  // namespace directory::ldap
 
 template <>
-inline constexpr auto class_of<ldap::LdapEntry> =
+inline constexpr auto class_of<directory::ldap::LdapEntry> =
     describe_class<DirectoryEntry>("OrvoDirectory.Ldap");
 
 }  // namespace orvo

@@ -4,7 +4,7 @@
 #include "suite/directory/ldap/failures.h"
 #include "suite/directory/ldap/password_policy.h"
 
-namespace orvo::ldap {
+namespace orvo::directory::ldap {
 namespace {
 
 Secret secret_of(const Variant& value) {
@@ -19,7 +19,7 @@ Secret secret_of(const Variant& value) {
 
 void LdapValidator::Open(Text& server, Text& user_container) {
     server_ = server;
-    container_ = directory::container_name(user_container);
+    container_ = container_name(user_container);
     is_open_ = true;
 }
 
@@ -27,9 +27,9 @@ std::int32_t LdapValidator::Validate(Variant& path, Variant& password) {
     if (!is_open_) raise_runtime_error(runtime_error::object_not_set);
     const Text path_text = path.to<Text>();
     const Secret secret = secret_of(password);
-    const auto name = directory::DistinguishedName::try_parse(path_text);
-    const auto container = directory::DistinguishedName::try_parse(container_);
-    if (!container) raise_code(directory::result_code::invalid_name, to_utf8(container_));
+    const auto name = DistinguishedName::try_parse(path_text);
+    const auto container = DistinguishedName::try_parse(container_);
+    if (!container) raise_code(result_code::invalid_name, to_utf8(container_));
     if (secret.empty() || !name || !name->is_below(*container)) return password_check::wrong;
 
     Session session = Session::connect(ServerAddress::parse(server_), limits_);
@@ -39,4 +39,4 @@ std::int32_t LdapValidator::Validate(Variant& path, Variant& password) {
     return *number;
 }
 
-}  // namespace orvo::ldap
+}  // namespace orvo::directory::ldap

@@ -5,7 +5,7 @@
 #include "suite/directory/ldap/session.h"
 
 namespace orvo {
-namespace ldap {
+namespace directory::ldap {
 
 // The check of credentials: a connection of its own, one bind on it, and nothing else. Nothing is
 // kept between two checks. Used by one thread.
@@ -30,10 +30,10 @@ private:
     bool is_open_ = false;
 };
 
-}  // namespace ldap
+}  // namespace directory::ldap
 
 template <>
-inline constexpr auto class_of<ldap::LdapValidator> =
+inline constexpr auto class_of<directory::ldap::LdapValidator> =
     describe_class<DirectoryValidator>("OrvoDirectory.Ldap");
 
 }  // namespace orvo

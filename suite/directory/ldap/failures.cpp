@@ -1,9 +1,9 @@
 #include "suite/directory/ldap/failures.h"
 
-namespace orvo::ldap {
+namespace orvo::directory::ldap {
 
 void raise_code(int code, std::string_view message, std::string_view nearest_entry) {
-    throw directory::directory_failure(code, provider_name, message, nearest_entry);
+    throw directory_failure(code, provider_name, message, nearest_entry);
 }
 
 void raise_unsupported() {
@@ -11,4 +11,4 @@ void raise_unsupported() {
     throw Failure(action_not_supported, Text(provider_name), u"Object doesn't support this action");
 }
 
-}  // namespace orvo::ldap
+}  // namespace orvo::directory::ldap

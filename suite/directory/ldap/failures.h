@@ -6,7 +6,7 @@
 
 #include "suite/directory/common/result_codes.h"
 
-namespace orvo::ldap {
+namespace orvo::directory::ldap {
 
 inline constexpr TextView provider_name = u"OrvoDirectory.Ldap";
 
@@ -17,4 +17,4 @@ inline constexpr TextView provider_name = u"OrvoDirectory.Ldap";
 // Raises 445 (object doesn't support this action).
 [[noreturn]] void raise_unsupported();
 
-}  // namespace orvo::ldap
+}  // namespace orvo::directory::ldap

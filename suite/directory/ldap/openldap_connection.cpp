@@ -17,12 +17,11 @@
 #include "suite/directory/common/result_codes.h"
 #include "suite/directory/ldap/openldap_transport.h"
 
-namespace orvo::ldap::detail {
+namespace orvo::directory::ldap::detail {
 namespace {
 
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
-namespace result_code = directory::result_code;
 
 // A longer message is taken for garbage; without a limit a wrong length would be allocated first.
 constexpr ber_len_t longest_message = 64u << 20;
@@ -154,14 +153,14 @@ bool request_tls(LDAP* handle, const Limits& limits, Result& why) {
     return code == LDAP_SUCCESS;
 }
 
-// The library limits this by the network time-out that the handle has.
-bool encrypt(LDAP* handle, int descriptor, Result& why) {
+bool encrypt(LDAP* handle, const Limits& limits, Result& why) {
+    const auto deadline = steady_clock::now() + limits.connect;
+    wait_until(handle, deadline);
     const int installed = ldap_install_tls(handle);
-    if (installed == LDAP_SUCCESS) {
-        keep_from_blocking(descriptor);
-        return true;
-    }
+    never_wait(handle);
+    if (installed == LDAP_SUCCESS) return true;
     why = client_result(handle, installed);
+    if (steady_clock::now() >= deadline) why = {result_code::timeout, "no encryption", {}};
     return false;
 }
 
@@ -220,7 +219,7 @@ Handle open_connection(const ServerHost& host, const Limits& limits, Result& why
         why = client_result(nullptr, initialised);
         return nullptr;
     }
-    const int descriptor = socket.detach();
+    socket.detach();
     if (set_options(made, host, limits) != LDAP_OPT_SUCCESS ||
         !add_transport(made, longest_message)) {
         why = {result_code::local_error,
@@ -230,8 +229,8 @@ Handle open_connection(const ServerHost& host, const Limits& limits, Result& why
         return nullptr;
     }
     if (host.security == Security::start_tls && !request_tls(made, limits, why)) return nullptr;
-    if (host.security != Security::none && !encrypt(made, descriptor, why)) return nullptr;
+    if (host.security != Security::none && !encrypt(made, limits, why)) return nullptr;
     return handle;
 }
 
-}  // namespace orvo::ldap::detail
+}  // namespace orvo::directory::ldap::detail

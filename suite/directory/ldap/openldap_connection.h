@@ -9,7 +9,7 @@
 
 struct ldap;
 
-namespace orvo::ldap::detail {
+namespace orvo::directory::ldap::detail {
 
 struct CloseHandle {
     void operator()(::ldap* handle) const;
@@ -32,4 +32,4 @@ enum class Wanted { one_message, all_messages };
 Message wait_for(::ldap* handle, int request, Wanted wanted, std::chrono::milliseconds limit,
                  Result& why);
 
-}  // namespace orvo::ldap::detail
+}  // namespace orvo::directory::ldap::detail

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <ldap.h>
+#include <poll.h>
 #include <sys/socket.h>
 
 #include <algorithm>
@@ -9,13 +10,20 @@
 #include <cerrno>
 #include <cstring>
 #include <new>
+#include <optional>
 
-namespace orvo::ldap::detail {
+namespace orvo::directory::ldap::detail {
 namespace {
+
+using std::chrono::steady_clock;
+
+// An option of this layer alone, beyond the library's own: sets the state's `deadline`.
+constexpr int deadline_option = 0x4F56;
 
 // The library keeps a pointer to one of these for each connection.
 struct ReadAhead {
     ber_socket_t descriptor = -1;
+    std::optional<steady_clock::time_point> deadline;
     std::size_t begin = 0;
     std::size_t end = 0;
     std::array<char, 16384> buffer;
@@ -37,6 +45,10 @@ int remove(Sockbuf_IO_Desc* layer) {
 }
 
 int control(Sockbuf_IO_Desc* layer, int option, void* argument) {
+    if (option == deadline_option) {
+        state(layer).deadline = *static_cast<std::optional<steady_clock::time_point>*>(argument);
+        return 1;
+    }
     if (option == LBER_SB_OPT_DATA_READY && state(layer).begin < state(layer).end) return 1;
     return LBER_SBIOD_CTRL_NEXT(layer, option, argument);
 }
@@ -49,11 +61,25 @@ std::size_t take(ReadAhead& ahead, char* target, std::size_t wanted) {
     return taken;
 }
 
+// Whether it is worth trying again what has just failed. Leaves ETIMEDOUT after the deadline.
+bool try_again(const ReadAhead& ahead, short event) {
+    if (errno == EINTR) return true;
+    if ((errno != EAGAIN && errno != EWOULDBLOCK) || !ahead.deadline) return false;
+    const auto left =
+        std::chrono::ceil<std::chrono::milliseconds>(*ahead.deadline - steady_clock::now());
+    if (left.count() <= 0) {
+        errno = ETIMEDOUT;
+        return false;
+    }
+    pollfd waiting{ahead.descriptor, event, 0};
+    return ::poll(&waiting, 1, static_cast<int>(left.count())) >= 0 || errno == EINTR;
+}
+
 ssize_t receive(ReadAhead& ahead) {
     ssize_t received = -1;
     do {
         received = ::recv(ahead.descriptor, ahead.buffer.data(), ahead.buffer.size(), 0);
-    } while (received < 0 && errno == EINTR);
+    } while (received < 0 && try_again(ahead, POLLIN));
     ahead.begin = 0;
     ahead.end = received > 0 ? static_cast<std::size_t>(received) : 0;
     return received;
@@ -72,26 +98,47 @@ ber_slen_t read(Sockbuf_IO_Desc* layer, void* target, ber_len_t wanted) {
 }
 
 ber_slen_t write(Sockbuf_IO_Desc* layer, void* bytes, ber_len_t count) {
-    return ::send(state(layer).descriptor, bytes, count, MSG_NOSIGNAL);
+    const ReadAhead& ahead = state(layer);
+    ssize_t sent = -1;
+    do {
+        sent = ::send(ahead.descriptor, bytes, count, MSG_NOSIGNAL);
+    } while (sent < 0 && try_again(ahead, POLLOUT));
+    return sent;
 }
 
 int close(Sockbuf_IO_Desc*) { return 0; }
 
 Sockbuf_IO transport = {set_up, remove, control, read, write, close};
 
+Sockbuf* connection_of(::ldap* handle) {
+    Sockbuf* connection = nullptr;
+    ldap_get_option(handle, LDAP_OPT_SOCKBUF, &connection);
+    return connection;
+}
+
+void set_deadline(::ldap* handle, std::optional<steady_clock::time_point> deadline) {
+    ber_sockbuf_ctrl(connection_of(handle), deadline_option, &deadline);
+}
+
 }  // namespace
 
 bool add_transport(::ldap* handle, unsigned long longest_message) {
-    Sockbuf* connection = nullptr;
-    if (ldap_get_option(handle, LDAP_OPT_SOCKBUF, &connection) != LDAP_OPT_SUCCESS || !connection)
-        return false;
+    Sockbuf* connection = connection_of(handle);
     ber_len_t longest = longest_message;
-    return ber_sockbuf_ctrl(connection, LBER_SB_OPT_SET_MAX_INCOMING, &longest) == 1 &&
+    return connection &&
+           ber_sockbuf_ctrl(connection, LBER_SB_OPT_SET_MAX_INCOMING, &longest) == 1 &&
            ber_sockbuf_add_io(connection, &transport, LBER_SBIOD_LEVEL_PROVIDER, nullptr) == 0;
 }
 
-void keep_from_blocking(int descriptor) {
+void wait_until(::ldap* handle, steady_clock::time_point deadline) {
+    set_deadline(handle, deadline);
+}
+
+void never_wait(::ldap* handle) {
+    set_deadline(handle, std::nullopt);
+    ber_socket_t descriptor = -1;
+    ber_sockbuf_ctrl(connection_of(handle), LBER_SB_OPT_GET_FD, &descriptor);
     ::fcntl(descriptor, F_SETFL, ::fcntl(descriptor, F_GETFL) | O_NONBLOCK);
 }
 
-}  // namespace orvo::ldap::detail
+}  // namespace orvo::directory::ldap::detail

@@ -3,9 +3,11 @@
 // The lowest layer of an OpenLDAP connection, in place of the library's own. Private to the
 // library's sources.
 
+#include <chrono>
+
 struct ldap;
 
-namespace orvo::ldap::detail {
+namespace orvo::directory::ldap::detail {
 
 // Puts the layer in. It reads ahead (the library asks for each message in several small pieces, of
 // which each would be a system call), and writing to a connection that the server has closed is an
@@ -13,7 +15,13 @@ namespace orvo::ldap::detail {
 // an incoming message is refused. False when the library refuses it.
 bool add_transport(::ldap* handle, unsigned long longest_message);
 
-// Encryption leaves the socket blocking; this takes that back.
-void keep_from_blocking(int descriptor);
+// Until `deadline`, reading and writing wait for the server, and fail once it has passed. While
+// encryption is agreed on the library would otherwise ask again and again without a pause or an
+// end.
+void wait_until(::ldap* handle, std::chrono::steady_clock::time_point deadline);
 
-}  // namespace orvo::ldap::detail
+// From here on, reading and writing never wait. Encryption leaves the socket itself blocking; this
+// takes that back as well.
+void never_wait(::ldap* handle);
+
+}  // namespace orvo::directory::ldap::detail

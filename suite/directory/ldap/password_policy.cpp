@@ -4,10 +4,8 @@
 
 #include "suite/directory/common/result_codes.h"
 
-namespace orvo::ldap {
+namespace orvo::directory::ldap {
 namespace {
-
-namespace result_code = directory::result_code;
 
 constexpr std::string_view policy_control = "1.3.6.1.4.1.42.2.27.8.5.1";
 // An older control that says that the password was right and must be changed.
@@ -138,4 +136,4 @@ std::optional<int> judged(const BindResult& bind) {
     }
 }
 
-}  // namespace orvo::ldap
+}  // namespace orvo::directory::ldap

@@ -7,7 +7,7 @@
 
 #include "suite/directory/ldap/session.h"
 
-namespace orvo::ldap {
+namespace orvo::directory::ldap {
 
 // The numbers that a password check gives.
 namespace password_check {
@@ -34,4 +34,4 @@ struct PasswordPolicy {
 // (the server is unavailable, asks for encryption, …), which is a failure.
 std::optional<int> judged(const BindResult& bind);
 
-}  // namespace orvo::ldap
+}  // namespace orvo::directory::ldap

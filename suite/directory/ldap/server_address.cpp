@@ -6,15 +6,13 @@
 #include "suite/directory/common/ascii.h"
 #include "suite/directory/ldap/failures.h"
 
-namespace orvo::ldap {
+namespace orvo::directory::ldap {
 namespace {
-
-namespace ascii = directory::ascii;
 
 constexpr std::string_view blanks = " \t\r\n";
 
 [[noreturn]] void refuse(std::string_view server, std::string_view why) {
-    raise_code(directory::result_code::parameter_error,
+    raise_code(result_code::parameter_error,
                "The server '" + std::string(server) + "' " + std::string(why));
 }
 
@@ -138,8 +136,7 @@ ServerAddress ServerAddress::parse(TextView text) {
         address.hosts_.push_back(read_server(std::string_view(bytes).substr(begin, end - begin)));
         begin = bytes.find_first_not_of(blanks, end);
     }
-    if (address.hosts_.empty())
-        raise_code(directory::result_code::parameter_error, "No server is given.");
+    if (address.hosts_.empty()) raise_code(result_code::parameter_error, "No server is given.");
     return address;
 }
 
@@ -154,4 +151,4 @@ std::string ServerAddress::key() const {
     return result;
 }
 
-}  // namespace orvo::ldap
+}  // namespace orvo::directory::ldap

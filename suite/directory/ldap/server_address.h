@@ -8,7 +8,7 @@
 
 #include "platform/automation/text.h"
 
-namespace orvo::ldap {
+namespace orvo::directory::ldap {
 
 enum class Security {
     none,       // as the connection comes
@@ -54,4 +54,4 @@ private:
     std::vector<ServerHost> hosts_;
 };
 
-}  // namespace orvo::ldap
+}  // namespace orvo::directory::ldap

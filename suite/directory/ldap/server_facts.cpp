@@ -7,7 +7,7 @@
 
 #include "suite/directory/common/ascii.h"
 
-namespace orvo::ldap {
+namespace orvo::directory::ldap {
 namespace {
 
 using std::chrono::steady_clock;
@@ -45,7 +45,7 @@ Store& store() {
 const std::vector<std::string>& values_of(const EntryData& entry, std::string_view name) {
     static const std::vector<std::string> none;
     for (const Attribute& attribute : entry.attributes)
-        if (directory::ascii::equal_ignoring_case(attribute.name, name)) return attribute.values;
+        if (ascii::equal_ignoring_case(attribute.name, name)) return attribute.values;
     return none;
 }
 
@@ -66,8 +66,7 @@ FactsResult read_facts(Session& session, const std::string& key) {
     request.filter = "(objectClass=subschema)";
     request.attributes = {"attributeTypes"};
     const Result read = session.collect(session.send(request), [&](EntryData&& entry) {
-        facts->types =
-            directory::AttributeTypes::from_descriptions(values_of(entry, "attributeTypes"));
+        facts->types = AttributeTypes::from_descriptions(values_of(entry, "attributeTypes"));
     });
     static_cast<Result&>(result) = read;
     if (read.connection_failed()) return result;
@@ -96,4 +95,4 @@ FactsResult refreshed_facts_of(Session& session, const std::string& key) {
     return result;
 }
 
-}  // namespace orvo::ldap
+}  // namespace orvo::directory::ldap

@@ -8,11 +8,11 @@
 #include "suite/directory/common/attribute_types.h"
 #include "suite/directory/ldap/session.h"
 
-namespace orvo::ldap {
+namespace orvo::directory::ldap {
 
 // Immutable once made; shared by threads.
 struct ServerFacts {
-    directory::AttributeTypes types;
+    AttributeTypes types;
     // Whether the server hashes passwords itself (Password Modify, RFC 3062).
     bool changes_passwords = false;
 };
@@ -32,4 +32,4 @@ FactsResult facts_of(Session& session, const std::string& key);
 // same.
 FactsResult refreshed_facts_of(Session& session, const std::string& key);
 
-}  // namespace orvo::ldap
+}  // namespace orvo::directory::ldap

@@ -5,6 +5,7 @@
 // Everything above speaks UTF-8 bytes, names and result codes through this header; no header of a
 // client library is visible. A session is used by one thread at a time. Nothing here waits without
 // a limit, with one exception: resolving a host's name takes as long as the system's resolver does.
+// Passwords are overwritten on this side of the seam; the client library's own buffers are its own.
 //
 // A refusal by the server is a value (Result), so that a caller can tell the codes apart; `check`
 // turns it into a failure. Failures of the connection are codes of the client: 81 the connection is
@@ -21,7 +22,7 @@
 #include "platform/automation/secret.h"
 #include "suite/directory/ldap/server_address.h"
 
-namespace orvo::ldap {
+namespace orvo::directory::ldap {
 
 // How long a session waits.
 struct Limits {
@@ -132,4 +133,4 @@ private:
     std::unique_ptr<Connection> connection_;
 };
 
-}  // namespace orvo::ldap
+}  // namespace orvo::directory::ldap

@@ -11,7 +11,7 @@
 #include "suite/directory/ldap/openldap_connection.h"
 #include "suite/directory/ldap/session.h"
 
-namespace orvo::ldap {
+namespace orvo::directory::ldap {
 namespace {
 
 using detail::client_result;
@@ -186,7 +186,7 @@ ReadResult Session::read(const std::string& name, const std::vector<std::string>
         found = true;
     });
     // An entry that may not be read is not there for its reader.
-    if (result.ok() && !found) result.code = directory::result_code::no_such_object;
+    if (result.ok() && !found) result.code = result_code::no_such_object;
     return result;
 }
 
@@ -207,16 +207,19 @@ Result Session::collect(const PendingSearch& search, const std::function<void(En
     for (;;) {
         const auto left =
             std::chrono::ceil<std::chrono::milliseconds>(deadline - steady_clock::now());
+        if (left.count() <= 0) {
+            ldap_abandon_ext(handle, search.id, nullptr, nullptr);
+            return {result_code::timeout, {}, {}};
+        }
         Result why;
-        const Message message = wait_for(handle, search.id, Wanted::one_message,
-                                         std::max(left, std::chrono::milliseconds(0)), why);
+        const Message message = wait_for(handle, search.id, Wanted::one_message, left, why);
         if (!message) return why;
         switch (ldap_msgtype(raw(message))) {
             case LDAP_RES_SEARCH_ENTRY: {
                 std::optional<EntryData> entry = decoded_entry(handle, raw(message));
                 if (!entry) {
                     ldap_abandon_ext(handle, search.id, nullptr, nullptr);
-                    return {directory::result_code::decoding_error, {}, {}};
+                    return {result_code::decoding_error, {}, {}};
                 }
                 take(std::move(*entry));
                 break;
@@ -251,4 +254,4 @@ Result Session::change_password(const std::string& name, const Secret& new_passw
     return connection_->outcome(sent, request);
 }
 
-}  // namespace orvo::ldap
+}  // namespace orvo::directory::ldap

@@ -4,7 +4,7 @@
 #include <atomic>
 #include <functional>
 
-namespace orvo::ldap {
+namespace orvo::directory::ldap {
 namespace {
 
 std::array<std::atomic<std::uint64_t>, 1024> marks;
@@ -19,4 +19,4 @@ std::uint64_t write_mark(std::string_view entry) { return mark_of(entry).load();
 
 void note_write(std::string_view entry) { mark_of(entry).fetch_add(1); }
 
-}  // namespace orvo::ldap
+}  // namespace orvo::directory::ldap

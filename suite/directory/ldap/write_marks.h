@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string_view>
 
-namespace orvo::ldap {
+namespace orvo::directory::ldap {
 
 // Which entries this process has written to, so that what was read before is not taken for fresh.
 // An entry's mark changes with every write to it (and, seldom, with a write to another entry, which
@@ -12,4 +12,4 @@ namespace orvo::ldap {
 std::uint64_t write_mark(std::string_view entry);
 void note_write(std::string_view entry);
 
-}  // namespace orvo::ldap
+}  // namespace orvo::directory::ldap

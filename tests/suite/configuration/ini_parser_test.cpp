@@ -78,8 +78,6 @@ const Refused refused_files[] = {
      u"site.ini:3: the name of the section is not closed by \"]\""},
     {"SectionWithoutName", "[]\n", u"site.ini:1: the section has no name"},
     {"SectionOfBlanks", "[  ]\n", u"site.ini:1: the section has no name"},
-    {"SectionNameTooLong", "\n[" + std::string(50, 's') + "]\n",
-     u"site.ini:2: the name of the section is longer than 49 bytes"},
     {"TextBehindSection", "[s] a=1\n", u"site.ini:1: there is text behind \"]\""},
     {"KeyBeforeAnySection", "; comment\na=1\n[s]\n",
      u"site.ini:2: the key stands outside any [section]"},
@@ -131,9 +129,9 @@ TEST(Ini, TheNameOfASectionIsTakenWithoutTheBlanksAroundIt) {
     EXPECT_EQ(value_in("[ s ] ; comment\nkey=1\n", u"s", u"key"), "1");
 }
 
-TEST(Ini, TheLongestNameOfASectionIsKeptWhole) {
-    const std::string name(49, 's');
-    EXPECT_EQ(value_in("[" + name + "]\nkey=1\n", Text(49, u's'), u"key"), "1");
+TEST(Ini, ALongNameOfASectionIsKeptWhole) {
+    const std::string name(500, 's');
+    EXPECT_EQ(value_in("[" + name + "]\nkey=1\n", Text(500, u's'), u"key"), "1");
 }
 
 TEST(Ini, ASectionMayBeOpenedAgain) {

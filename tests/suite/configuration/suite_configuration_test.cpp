@@ -99,6 +99,12 @@ TEST_F(SuiteConfigurationTest, WithoutTheVariableTheFolderIsTheSystemsPlace) {
     }
 }
 
+TEST_F(SuiteConfigurationTest, TheUsualSiteFileIsWhereWindowsKeepsSettingsOfAllUsers) {
+    const Environment unset("ORVO_SITE_CONFIG", std::nullopt);
+    const Environment settings("ProgramData", "/all/users");
+    EXPECT_EQ(SuiteConfiguration().GetFolder(), u"/all/users/orvo");
+}
+
 TEST_F(SuiteConfigurationTest, WithoutTheVariableAnAbsentSiteFileIsNoFailure) {
     if (fs::exists("/etc/orvo/site.ini")) GTEST_SKIP() << "this machine has a site's file";
     const Environment unset("ORVO_SITE_CONFIG", std::nullopt);

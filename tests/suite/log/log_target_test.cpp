@@ -15,6 +15,7 @@ private:
     Environment standard_error_{"ORVO_LOG_STDERR", std::nullopt};
     Environment level_{"ORVO_LOG_LEVEL", std::nullopt};
     Environment state_{"XDG_STATE_HOME", std::nullopt};
+    Environment local_{"LOCALAPPDATA", std::nullopt};
     Environment home_{"HOME", "/home/somebody"};
 };
 
@@ -31,6 +32,16 @@ TEST_F(LogTargetTest, FollowsTheStateFolderOfTheEnvironmentWhenItIsAbsolute) {
     EXPECT_EQ(log_target_of_environment().file, "/var/state/orvo/orvo.log");
     const Environment relative("XDG_STATE_HOME", "state");
     EXPECT_EQ(log_target_of_environment().file, "/home/somebody/.local/state/orvo/orvo.log");
+}
+
+TEST_F(LogTargetTest, IsWhereWindowsKeepsWhatBelongsToOneUserOfOneMachine) {
+    const Environment local("LOCALAPPDATA", "/users/somebody/local");
+    EXPECT_EQ(log_target_of_environment().file, "/users/somebody/local/orvo/orvo.log");
+}
+
+TEST_F(LogTargetTest, KeepsAFileNameBeyondAscii) {
+    const Environment file("ORVO_LOG_FILE", "/var/log/\xD0\x96.log");
+    EXPECT_EQ(log_target_of_environment().file, u"/var/log/\u0416.log");
 }
 
 TEST_F(LogTargetTest, IsTheFileOfTheEnvironmentAlone) {
