@@ -47,9 +47,18 @@ function(orvo_library name)
   target_link_libraries(${name} PUBLIC orvo_options)
 endfunction()
 
-# orvo_test(NAME source...): one GoogleTest program; every case is a test of its own in CTest.
+# orvo_test(NAME [THREADS] source...): one GoogleTest program; every case is a test of its own in
+# CTest. THREADS: it tests what threads share, so it also runs under the thread sanitizer (label
+# `threads`, target `thread_tests`).
+add_custom_target(thread_tests)
 function(orvo_test name)
-  add_executable(${name} ${ARGN})
+  cmake_parse_arguments(PARSE_ARGV 1 test THREADS "" "")
+  add_executable(${name} ${test_UNPARSED_ARGUMENTS})
   target_link_libraries(${name} PRIVATE orvo_options GTest::gmock_main)
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120)
+  set(labels)
+  if(test_THREADS)
+    set(labels LABELS threads)
+    add_dependencies(thread_tests ${name})
+  endif()
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120 ${labels})
 endfunction()

@@ -1,0 +1,29 @@
+#include "component/server/idl.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+
+#include "component/server/properties_page.h"
+
+namespace orvo {
+namespace {
+
+std::string committed(const char* path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+TEST(ComponentIdl, TheCommittedTextIsTheOneThatTheTablesGive) {
+    EXPECT_EQ(committed(ORVO_COMMITTED_IDL), component_idl())
+        << "refresh it:\n    " << ORVO_REFRESH << " > " << ORVO_COMMITTED_IDL;
+}
+
+TEST(UserPropertiesPage, TheCommittedTextIsTheOneThatTheCatalogueGives) {
+    EXPECT_EQ(committed(ORVO_COMMITTED_PAGE), user_properties_page())
+        << "refresh it:\n    " << ORVO_REFRESH << " --properties > " << ORVO_COMMITTED_PAGE;
+}
+
+}  // namespace
+}  // namespace orvo
