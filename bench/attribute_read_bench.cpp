@@ -3,8 +3,8 @@
 
 #include <benchmark/benchmark.h>
 
-#include "component/entries/LdapAccess.h"
 #include "component/config/SharedServerInfo.h"
+#include "component/entries/LdapAccess.h"
 #include "platform/abi/call.h"
 #include "platform/abi/late_call.h"
 #include "platform/abi/module.h"
@@ -51,11 +51,11 @@ public:
 template <>
 inline constexpr auto class_of<MemoryEntry> = describe_class<DirectoryEntry>("Bench.Entry");
 template <>
-inline constexpr auto class_of<MemoryDirectory> = describe_class<DirectoryModule>(
-    "Bench.Directory", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e7b1");
+inline constexpr auto class_of<MemoryDirectory> =
+    describe_class<DirectoryModule>("Bench.Directory", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e7b1");
 template <>
-inline constexpr auto class_of<MemoryConfiguration> = describe_class<Configuration>(
-    "Quendra.Configuration", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e7b2");
+inline constexpr auto class_of<MemoryConfiguration> =
+    describe_class<Configuration>("Quendra.Configuration", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e7b2");
 
 namespace {
 
@@ -86,8 +86,7 @@ void by_slot(benchmark::State& state) {
     const auto entry = make<LdapAccess>();
     bind(entry, [](auto& bound, auto&... texts) { call<&LdapAccess::BindAs>(bound, texts...); });
     Text name = u"mail";
-    for (auto _ : state)
-        benchmark::DoNotOptimize(call<&LdapAccess::GetAttribValue>(entry, name));
+    for (auto _ : state) benchmark::DoNotOptimize(call<&LdapAccess::GetAttribValue>(entry, name));
 }
 BENCHMARK(by_slot)->Name("GetAttribValue, by slot");
 
@@ -103,8 +102,7 @@ BENCHMARK(late_bound)->Name("GetAttribValue, late bound");
 void provider_alone(benchmark::State& state) {
     const auto entry = make<MemoryEntry>();
     Text name = u"mail";
-    for (auto _ : state)
-        benchmark::DoNotOptimize(call<&DirectoryEntry::GetValues>(entry, name));
+    for (auto _ : state) benchmark::DoNotOptimize(call<&DirectoryEntry::GetValues>(entry, name));
 }
 BENCHMARK(provider_alone)->Name("the provider's GetValues alone, by slot");
 

@@ -18,6 +18,7 @@ private:
     std::int32_t CheckUserPassword(Text sUserId, Text sPassword);
 };
 
+// clang-format off
 template <>
 inline constexpr auto table_of<Validator> = describe<Validator>(
     "IValidator", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e715",
@@ -25,6 +26,7 @@ inline constexpr auto table_of<Validator> = describe<Validator>(
     method<&Validator::ValidatePassword>("ValidatePassword", "iUserId", "iPassword"),
     method<&Validator::setServerInfo>("setServerInfo", "i_sConfigurationPath"),
     reserved(4));
+// clang-format on
 
 template <>
 inline constexpr auto class_of<Validator> =

@@ -51,8 +51,7 @@ void write(const Ref<Log>& log, Text source, Text message, std::int32_t level) {
 
 void WriteErrorLog(std::int32_t level, const Text& method, const Variant& info) {
     if (pending != nullptr) {
-        const Text message =
-            FormatErrorText(pending->description, pending->number, method, info);
+        const Text message = FormatErrorText(pending->description, pending->number, method, info);
         write(Gen_GetComponent<Log>(log_progid), pending->source, message, level);
         return;
     }
@@ -68,8 +67,8 @@ void WriteErrorLog(std::int32_t level, const Text& method, const Variant& info) 
 
 Text FormatErrorText(const Text& description, std::int32_t number, const Text& method,
                      const Variant& info) {
-    Text text = u"\r\nERROR 0x" + hexadecimal(number) + u"\r\n METHOD: " + method +
-                u"\r\n DESC: " + description + u".\r\n";
+    Text text = u"\r\nERROR 0x" + hexadecimal(number) + u"\r\n METHOD: " + method + u"\r\n DESC: " +
+                description + u".\r\n";
     if (!info.is_missing()) text += u" INFO: " + info.to<Text>() + u".\r\n";
     return text;
 }

@@ -17,11 +17,13 @@ protected:
     ~Log() = default;
 };
 
+// clang-format off
 template <>
 inline constexpr auto table_of<Log> = describe<Log>(
     "IQuendraLog", "0621d2f8-6009-4f66-a855-2f8d3a15d601",
     reserved(1, 4),
     method<&Log::LogMessage>("LogMessage", "source", "message", "level"),
     method<&Log::LogMessageAlternate>("LogMessageAlternate", "source", "message", "level"));
+// clang-format on
 
 }  // namespace orvo

@@ -31,7 +31,8 @@ Variant Account::first_value(const char16_t* attribute) {
 }
 
 Variant Account::NTUser() {
-    return trapped(u"OrvoMembership.Account.get_NTUser", [&] { return first_value(u"OrvoNTUser"); });
+    return trapped(u"OrvoMembership.Account.get_NTUser",
+                   [&] { return first_value(u"OrvoNTUser"); });
 }
 
 Variant Account::NTPassword() {

@@ -21,12 +21,14 @@ private:
     Ref<DirectoryEntry> entry_;
 };
 
+// clang-format off
 template <>
 inline constexpr auto table_of<Account> = describe<Account>(
     "IAccount", "022d2b72-1c79-4081-ae34-7690be8cb84d",
     method<&Account::Init>("Init", "iUserType"),
     get<&Account::NTUser>("NTUser"),
     get<&Account::NTPassword>("NTPassword"));
+// clang-format on
 
 template <>
 inline constexpr auto class_of<Account> =

@@ -30,6 +30,7 @@ protected:
     ~Configuration() = default;
 };
 
+// clang-format off
 template <>
 inline constexpr auto table_of<Configuration> = describe<Configuration>(
     "IQuendraConfiguration", "a717e666-a0d2-453a-9357-9dcf856be20b",
@@ -43,5 +44,6 @@ inline constexpr auto table_of<Configuration> = describe<Configuration>(
     method<&Configuration::GetValue2>("GetValue2", "section", "key", "value"),
     reserved(10, 21),
     method<&Configuration::Initialize>("Initialize", "output"));
+// clang-format on
 
 }  // namespace orvo

@@ -67,8 +67,8 @@ Variant ServerInfo::GetConfigFileName() { return checked(configuration_file_name
 Text ServerInfo::ConfigurationPath() { return configuration_path_; }
 
 void ServerInfo::fill(const Setting& setting, const Ref<Configuration>& configuration) {
-    const bool is_filled = setting.text != nullptr ? !(this->*setting.text).empty()
-                                                   : (this->*setting.list).is_array();
+    const bool is_filled =
+        setting.text != nullptr ? !(this->*setting.text).empty() : (this->*setting.list).is_array();
     if (is_filled) return;
     Text section = u"MEMBERSHIP";
     Text key = setting.key;

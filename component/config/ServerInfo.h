@@ -86,6 +86,7 @@ private:
     bool is_loaded_ = false;
 };
 
+// clang-format off
 template <>
 inline constexpr auto table_of<ServerInfo> = describe<ServerInfo>(
     "IServerInfo", "19041d22-35a4-4296-862c-dd49911e25a9",
@@ -111,6 +112,7 @@ inline constexpr auto table_of<ServerInfo> = describe<ServerInfo>(
     method<&ServerInfo::SetConfiguration>("SetConfiguration", "i_sConfigPath"),
     method<&ServerInfo::GetConfigFileName>("GetConfigFileName"),
     get<&ServerInfo::ConfigurationPath>("ConfigurationPath").as_default().hidden());
+// clang-format on
 
 template <>
 inline constexpr auto class_of<ServerInfo> =

@@ -25,9 +25,8 @@ Variant LdapAccess::GetAttribValue(Text& iAttribName) {
 }
 
 void LdapAccess::SetAttribValue(Text& iAttribName, Variant& iAttribValue) {
-    trapped(u"OrvoMembership.LDAPAccess.SetAttribValue", [&] {
-        call<&DirectoryEntry::SetValues>(m_oPMMObject, iAttribName, iAttribValue);
-    });
+    trapped(u"OrvoMembership.LDAPAccess.SetAttribValue",
+            [&] { call<&DirectoryEntry::SetValues>(m_oPMMObject, iAttribName, iAttribValue); });
 }
 
 void LdapAccess::ClearAttribValue(Text& iAttribName) {

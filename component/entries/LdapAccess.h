@@ -19,7 +19,8 @@ public:
     LdapAccess() { IObjectControl_Activate(); }
     ~LdapAccess() { IObjectControl_Deactivate(); }
 
-    // The attribute's first value. Raises 13 when the provider answers no array, 9 when it is empty.
+    // The attribute's first value. Raises 13 when the provider answers no array, 9 when it is
+    // empty.
     Variant GetAttribValue(Text& iAttribName);
     void SetAttribValue(Text& iAttribName, Variant& iAttribValue);
     void ClearAttribValue(Text& iAttribName);
@@ -29,7 +30,8 @@ public:
     // when the name is unknown.
     Variant GetAttributeName(Variant& iAttributeName);
 
-    // Loads the site's configuration into the thread's shared settings. A failure surfaces as it is.
+    // Loads the site's configuration into the thread's shared settings. A failure surfaces as it
+    // is.
     void IObjectControl_Activate() override;
     void IObjectControl_Deactivate() override {}
     bool IObjectControl_CanBePooled() override { return false; }
@@ -41,6 +43,7 @@ private:
     Ref<Configuration> m_oConfig;
 };
 
+// clang-format off
 template <>
 inline constexpr auto table_of<LdapAccess> = describe<LdapAccess>(
     "ILdapAccess", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e714",
@@ -51,6 +54,7 @@ inline constexpr auto table_of<LdapAccess> = describe<LdapAccess>(
                                 "i_sContainer"),
     method<&LdapAccess::BindToConfig>("BindToConfig"),
     method<&LdapAccess::GetAttributeName>("GetAttributeName", "iAttributeName"));
+// clang-format on
 
 template <>
 inline constexpr auto class_of<LdapAccess> = describe_class<LdapAccess, ObjectControl>(

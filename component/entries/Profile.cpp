@@ -24,8 +24,10 @@ void Profile::IObjectControl_Activate() {
         // The entries name the user's class, as they always did.
         constexpr const char16_t* source = u"OrvoMembership.User.IObjectControl_Activate";
         switch (Gen_GetIntrinsicState(u"Session")) {
-            case -1: return LogError(source, u"No objectcontext");
-            case -2: return LogError(source, u"No session in objectcontext");
+            case -1:
+                return LogError(source, u"No objectcontext");
+            case -2:
+                return LogError(source, u"No session in objectcontext");
         }
         m_oSession = context_item(u"Session");
         load_site_configuration();
@@ -33,15 +35,13 @@ void Profile::IObjectControl_Activate() {
 }
 
 Variant Profile::GetAttribValue(Text& iAttribName) {
-    return trapped(u"OrvoMembership.Profile.GetAttribValue", [&] {
-        return call<&DirectoryEntry::GetValues>(m_oPMMObject, iAttribName);
-    });
+    return trapped(u"OrvoMembership.Profile.GetAttribValue",
+                   [&] { return call<&DirectoryEntry::GetValues>(m_oPMMObject, iAttribName); });
 }
 
 void Profile::SetAttribValue(Text& iAttribName, Variant& iAttribValue) {
-    trapped(u"OrvoMembership.Profile.SetAttribValue", [&] {
-        call<&DirectoryEntry::SetValues>(m_oPMMObject, iAttribName, iAttribValue);
-    });
+    trapped(u"OrvoMembership.Profile.SetAttribValue",
+            [&] { call<&DirectoryEntry::SetValues>(m_oPMMObject, iAttribName, iAttribValue); });
 }
 
 void Profile::ClearAttribValue(Text& iAttribName) {

@@ -88,6 +88,7 @@ void Profile::put_whole(const Variant& value) {
     set_whole(whole_values[row], value);
 }
 
+// clang-format off
 template <>
 inline constexpr auto table_of<Profile> = describe<Profile>(
     "IProfile", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e716",
@@ -116,6 +117,7 @@ inline constexpr auto table_of<Profile> = describe<Profile>(
     put<&Profile::put_OrvoApps>("OrvoApps", "iApps"),
     get<&Profile::get_whole<3>>("Roles"),
     put<&Profile::put_whole<3>>("Roles", "iRoles"));
+// clang-format on
 
 template <>
 inline constexpr auto class_of<Profile> = describe_class<Profile, ObjectControl>(

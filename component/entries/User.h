@@ -32,9 +32,8 @@ using property_t = typename property_value<user_catalogue[row].type>::type;
 
 // What a property's setter takes: most take it in, a few in-out.
 template <std::size_t row>
-using property_argument =
-    std::conditional_t<user_catalogue[row].rule == PropertyRule::in_out, property_t<row>&,
-                       const property_t<row>&>;
+using property_argument = std::conditional_t<user_catalogue[row].rule == PropertyRule::in_out,
+                                             property_t<row>&, const property_t<row>&>;
 
 }  // namespace detail
 
@@ -55,7 +54,8 @@ public:
 
     // Attributes, by the directory's names, as the provider gives and takes them. A read or write
     // that the privilege lists refuse returns quietly, a read with empty text. Clearing is never
-    // refused, and leaves what a restricted user object has read before visible until the next bind.
+    // refused, and leaves what a restricted user object has read before visible until the next
+    // bind.
     Variant GetAttribValue(Text& iAttribName);
     void SetAttribValue(Text& iAttribName, Variant& iAttribValue);
     void ClearAttribValue(Text& iAttribName);
@@ -86,7 +86,8 @@ public:
     void put_role(bool iValue);
     // The profile's roles answer for a user who has none of its own.
     bool HasRole(std::int16_t& iRoleID);
-    // Never looks at the profile. A list that loses its only role is left with the single element 0.
+    // Never looks at the profile. A list that loses its only role is left with the single element
+    // 0.
     void AssignRole(std::int16_t& iRoleType, bool& iEnable);
     Variant OrvoApps();
     void put_OrvoApps(Variant& iApps);

@@ -9,13 +9,13 @@
 namespace orvo {
 
 enum class PropertyType {
-    text,      // set empty: the attribute is cleared
-    boolean,   // stored as 1 or 0; any number but 0 reads as true
-    int16,     // zero is written, never cleared
-    int32,     // so is this one's
+    text,     // set empty: the attribute is cleared
+    boolean,  // stored as 1 or 0; any number but 0 reads as true
+    int16,    // zero is written, never cleared
+    int32,    // so is this one's
     currency,
     date,
-    whole,     // the attribute's whole value, an array
+    whole,  // the attribute's whole value, an array
 };
 
 // When a property of the user's profile stands in for the user's own value.
@@ -27,11 +27,11 @@ enum class Fallback {
 
 enum class PropertyRule {
     none,
-    id_list,             // a first element of -1 reads as 0
-    no_value_is_text,    // an array without elements reads as empty text
-    empty_is_zero,       // an empty first element reads as 0
+    id_list,               // a first element of -1 reads as 0
+    no_value_is_text,      // an array without elements reads as empty text
+    empty_is_zero,         // an empty first element reads as 0
     marks_profile_change,  // setting it notes that the user's profile has changed
-    in_out,              // the setter takes its argument in-out
+    in_out,                // the setter takes its argument in-out
 };
 
 struct UserProperty {
@@ -148,10 +148,20 @@ struct RoleProperty {
     std::int16_t role;
 };
 inline constexpr RoleProperty user_roles[] = {
-    {"CreditCardUser", 1}, {"BuyerRole", 2},   {"RequisitionerRole", 3},
-    {"ApproverRole", 4},   {"FinancialRole", 5}, {"ExternalRole", 6},
-    {"SalesRole", 7},      {"CanPublish", 21}, {"CanViewAll", 22},
-    {"CanEditAll", 23},    {"ReceiverRole", 24}, {"SalesRepresentativeRole", 25},
+    // clang-format off
+    {"CreditCardUser", 1},
+    {"BuyerRole", 2},
+    {"RequisitionerRole", 3},
+    {"ApproverRole", 4},
+    {"FinancialRole", 5},
+    {"ExternalRole", 6},
+    {"SalesRole", 7},
+    {"CanPublish", 21},
+    {"CanViewAll", 22},
+    {"CanEditAll", 23},
+    {"ReceiverRole", 24},
+    {"SalesRepresentativeRole", 25},
+    // clang-format on
 };
 
 }  // namespace orvo

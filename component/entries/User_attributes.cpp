@@ -19,9 +19,7 @@ Ref<Dictionary> dictionary_of(const Values& names) {
     return dictionary;
 }
 
-bool restricts(const Ref<Dictionary>& list) {
-    return list && call<&Dictionary::Count>(list) != 0;
-}
+bool restricts(const Ref<Dictionary>& list) { return list && call<&Dictionary::Count>(list) != 0; }
 
 bool is_unread(const Variant& item) { return item.is_text() && item.text_view().empty(); }
 
@@ -45,7 +43,8 @@ Variant User::GetAttribValue(Text& iAttribName) {
             Variant key = lower(iAttribName);
             if (call<&Dictionary::Exists>(readable_attributes_, key)) {
                 if (is_unread(call<&Dictionary::Item>(readable_attributes_, key))) {
-                    Variant value = call<&DirectoryEntry::GetValues>(directory_object_, iAttribName);
+                    Variant value =
+                        call<&DirectoryEntry::GetValues>(directory_object_, iAttribName);
                     call<&Dictionary::SetItem>(readable_attributes_, key, value);
                 }
                 return call<&Dictionary::Item>(readable_attributes_, key);

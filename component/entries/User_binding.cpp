@@ -13,8 +13,10 @@ void User::IObjectControl_Activate() {
     trapped(source, [&] {
         factory_.emplace();
         switch (Gen_GetIntrinsicState(u"Session")) {
-            case -1: return LogError(source, u"No objectcontext");
-            case -2: return LogError(source, u"No Session object in ObjectContext");
+            case -1:
+                return LogError(source, u"No objectcontext");
+            case -2:
+                return LogError(source, u"No Session object in ObjectContext");
         }
         load_site_configuration();
         profile_changed_ = false;

@@ -13,9 +13,12 @@ bool is_empty(const Variant& value) {
 
 bool falls_back(const UserProperty& property, const Variant& values) {
     switch (property.fallback) {
-        case Fallback::never: return false;
-        case Fallback::when_zero: return equals_number(element(values, 0), 0);
-        case Fallback::when_empty: return is_empty(element(values, 0));
+        case Fallback::never:
+            return false;
+        case Fallback::when_zero:
+            return equals_number(element(values, 0), 0);
+        case Fallback::when_empty:
+            return is_empty(element(values, 0));
     }
     return false;
 }
@@ -29,8 +32,7 @@ Variant id_list(Variant values) {
 }
 
 Variant first_of(const UserProperty& property, const Variant& values) {
-    if (property.rule == PropertyRule::no_value_is_text &&
-        values.to<Values>().upper_bound() < 0)
+    if (property.rule == PropertyRule::no_value_is_text && values.to<Values>().upper_bound() < 0)
         return u"";
     Variant first = element(values, 0);
     if (property.rule == PropertyRule::empty_is_zero && first.to<Text>().empty())
@@ -41,13 +43,20 @@ Variant first_of(const UserProperty& property, const Variant& values) {
 // A value as the property's type, for the conversion to fail inside the property's own frame.
 Variant as_type(PropertyType type, const Variant& value) {
     switch (type) {
-        case PropertyType::text: return value.to<Text>();
-        case PropertyType::boolean: return value.to<bool>();
-        case PropertyType::int16: return value.to<std::int16_t>();
-        case PropertyType::int32: return value.to<std::int32_t>();
-        case PropertyType::currency: return value.to<Currency>();
-        case PropertyType::date: return value.to<Date>();
-        case PropertyType::whole: break;
+        case PropertyType::text:
+            return value.to<Text>();
+        case PropertyType::boolean:
+            return value.to<bool>();
+        case PropertyType::int16:
+            return value.to<std::int16_t>();
+        case PropertyType::int32:
+            return value.to<std::int32_t>();
+        case PropertyType::currency:
+            return value.to<Currency>();
+        case PropertyType::date:
+            return value.to<Date>();
+        case PropertyType::whole:
+            break;
     }
     return value;
 }
@@ -108,9 +117,8 @@ Text User::NTPassword() {
 }
 
 bool User::is_of_type(const UserTypeProperty& property) {
-    return trapped({class_prefix, property.name}, [&] {
-        return get_property<property_row("OrvoUserType")>() == property.type;
-    });
+    return trapped({class_prefix, property.name},
+                   [&] { return get_property<property_row("OrvoUserType")>() == property.type; });
 }
 
 void User::make_type(const UserTypeProperty& property) {

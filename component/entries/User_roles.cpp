@@ -1,8 +1,8 @@
+#include "component/auth/Validator.h"
 #include "component/common/Index16.h"
 #include "component/common/Lib_ErrorHandling.h"
 #include "component/common/Lib_General.h"
 #include "component/common/OrvoMemErrors.h"
-#include "component/auth/Validator.h"
 #include "component/entries/User.h"
 #include "platform/automation/values.h"
 
@@ -59,9 +59,7 @@ bool User::HasRole(std::int16_t& iRoleID) {
     });
 }
 
-bool User::holds_role(std::int16_t role) {
-    return holds(get_property<Roles>().to<Values>(), role);
-}
+bool User::holds_role(std::int16_t role) { return holds(get_property<Roles>().to<Values>(), role); }
 
 void User::AssignRole(std::int16_t& iRoleType, bool& iEnable) {
     trapped({class_prefix, "AssignRole"}, [&] {

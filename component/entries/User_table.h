@@ -50,6 +50,7 @@ constexpr auto role_rows(std::index_sequence<place...>) {
 
 }  // namespace detail
 
+// clang-format off
 template <>
 inline constexpr auto table_of<User> = describe<User>(
     "IUser", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e717",
@@ -85,6 +86,7 @@ inline constexpr auto table_of<User> = describe<User>(
     method<&User::GetDefaultURL>("GetDefaultURL", "i_lAppID"),
 
     method<&User::ChangePassword>("ChangePassword", "iOldPwd", "iNewPwd"));
+// clang-format on
 
 template <>
 inline constexpr auto class_of<User> = describe_class<User, ObjectControl>(

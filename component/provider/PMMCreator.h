@@ -25,6 +25,7 @@ private:
     Ref<DirectoryModule> module_;
 };
 
+// clang-format off
 template <>
 inline constexpr auto table_of<PMMCreator> = describe<PMMCreator>(
     "IPMMCreator", "b6c8f471-05d1-4dc5-8502-73bbfc1c5006",
@@ -32,6 +33,7 @@ inline constexpr auto table_of<PMMCreator> = describe<PMMCreator>(
     method<&PMMCreator::GetPMMObject>("GetPMMObject"),
     method<&PMMCreator::GetPMMSearch>("GetPMMSearch"),
     method<&PMMCreator::GetPMMValidator>("GetPMMValidator"));
+// clang-format on
 
 template <>
 inline constexpr auto class_of<PMMCreator> =

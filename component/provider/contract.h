@@ -91,6 +91,7 @@ protected:
     ~DirectoryModule() = default;
 };
 
+// clang-format off
 template <>
 inline constexpr auto table_of<DirectorySchema> =
     describe<DirectorySchema>("IDirectorySchema", "5f118a9f-b82b-486d-a990-e84624c818c1");
@@ -135,5 +136,6 @@ inline constexpr auto table_of<DirectoryModule> = describe<DirectoryModule>(
     method<&DirectoryModule::CreateEntry>("CreateEntry"),
     method<&DirectoryModule::CreateValidator>("CreateValidator"),
     method<&DirectoryModule::CreateSearch>("CreateSearch"));
+// clang-format on
 
 }  // namespace orvo

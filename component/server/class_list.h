@@ -11,11 +11,11 @@
 
 namespace orvo {
 
-using PublicClasses = std::tuple<ServerInfo, PMMCreator, Account, LdapAccess, Profile, User,
-                                 Validator>;
+using PublicClasses =
+    std::tuple<ServerInfo, PMMCreator, Account, LdapAccess, Profile, User, Validator>;
 
 // Interfaces that public members take or give and others implement.
-using UsedInterfaces = std::tuple<Configuration, DirectorySchema, DirectoryEntry, DirectorySearch,
-                                  DirectoryValidator>;
+using UsedInterfaces =
+    std::tuple<Configuration, DirectorySchema, DirectoryEntry, DirectorySearch, DirectoryValidator>;
 
 }  // namespace orvo

@@ -10,9 +10,10 @@ namespace {
 constexpr const char* library_id = "6B0D9A7E-3C52-4F0B-9D2E-8A41C1F5E700";
 
 std::string head() {
-    return std::string("// Written from the interface tables by orvo-idl; not edited by hand.\n"
-                       "import \"oaidl.idl\";\n\n"
-                       "[ uuid(") +
+    return std::string(
+               "// Written from the interface tables by orvo-idl; not edited by hand.\n"
+               "import \"oaidl.idl\";\n\n"
+               "[ uuid(") +
            library_id +
            "), version(1.0), helpstring(\"OrvoMembership 1.0 Type Library\") ]\n"
            "library OrvoMembership\n{\n    importlib(\"stdole2.tlb\");\n\n";

@@ -7,13 +7,20 @@ namespace {
 
 std::string type_name(PropertyType type) {
     switch (type) {
-        case PropertyType::text: return "text";
-        case PropertyType::boolean: return "boolean";
-        case PropertyType::int16: return "16-bit integer";
-        case PropertyType::int32: return "32-bit integer";
-        case PropertyType::currency: return "currency";
-        case PropertyType::date: return "date";
-        case PropertyType::whole: return "array";
+        case PropertyType::text:
+            return "text";
+        case PropertyType::boolean:
+            return "boolean";
+        case PropertyType::int16:
+            return "16-bit integer";
+        case PropertyType::int32:
+            return "32-bit integer";
+        case PropertyType::currency:
+            return "currency";
+        case PropertyType::date:
+            return "date";
+        case PropertyType::whole:
+            return "array";
     }
     return {};
 }
@@ -26,12 +33,21 @@ std::string remark(const UserProperty& property) {
     if (property.fallback == Fallback::when_empty)
         add("Unset: the profile's value, for a user who has a profile; 0 is a value.");
     switch (property.rule) {
-        case PropertyRule::id_list: add("A first element of -1 reads as 0."); break;
-        case PropertyRule::no_value_is_text: add("No value reads as empty text."); break;
-        case PropertyRule::empty_is_zero: add("No value reads as 0."); break;
-        case PropertyRule::marks_profile_change: add("Names the user's profile."); break;
+        case PropertyRule::id_list:
+            add("A first element of -1 reads as 0.");
+            break;
+        case PropertyRule::no_value_is_text:
+            add("No value reads as empty text.");
+            break;
+        case PropertyRule::empty_is_zero:
+            add("No value reads as 0.");
+            break;
+        case PropertyRule::marks_profile_change:
+            add("Names the user's profile.");
+            break;
         case PropertyRule::in_out:
-        case PropertyRule::none: break;
+        case PropertyRule::none:
+            break;
     }
     return text;
 }

@@ -3,7 +3,8 @@
 //
 //   orvo-tour SITE.INI
 //
-// The directory is the sample shop of examples/directory; ORVO_SITE_CONFIG names the same site file.
+// The directory is the sample shop of examples/directory; ORVO_SITE_CONFIG names the same site
+// file.
 
 #include <iomanip>
 #include <iostream>
@@ -97,6 +98,70 @@ void read_an_account() {
     expect(!user.to<Text>().empty(), "it should have a name");
 }
 
+void use_a_user(const Object& info) {
+    std::cout << "\nA user, bound with the service account, and its typed properties\n";
+    const Variant service = late::call(info, u"GetMemScriptUser");
+    const Variant code = late::call(info, u"GetMemScriptCode");
+    const Object user = create_object(u"OrvoMembership.User");
+    late::call(user, u"BindAs", {u"jsmith", service, code});
+    show("FirstName, LastName",
+         late::get(user, u"FirstName").to<Text>() + u" " + late::get(user, u"LastName").to<Text>());
+    show("SpendLimit (currency)", late::get(user, u"SpendLimit"));
+    show("CreditCardExpiryDate (date)", late::get(user, u"CreditCardExpiryDate"));
+    show("OutOfOfficeOn (boolean)", late::get(user, u"OutOfOfficeOn"));
+    show("NTUser (of the account for its type)", late::get(user, u"NTUser"));
+
+    const Variant limit = late::get(user, u"SpendLimit");
+    late::put(user, u"SpendLimit", Currency{20000000});
+    show("SpendLimit, written", late::get(user, u"SpendLimit"));
+    expect(late::get(user, u"SpendLimit") == Variant(Currency{20000000}), "it should be 2000");
+    late::put(user, u"SpendLimit", limit);
+
+    show("has role 2 (buyer)", late::call(user, u"HasRole", {std::int16_t(2)}));
+    expect(!late::get(user, u"FinancialRole").to<bool>(), "no such role yet");
+    late::put(user, u"FinancialRole", true);
+    show("FinancialRole, assigned", late::get(user, u"FinancialRole"));
+    expect(late::get(user, u"FinancialRole").to<bool>(), "the role should be there");
+    late::put(user, u"FinancialRole", false);
+
+    const Object other = create_object(u"OrvoMembership.User");
+    late::call(other, u"BindAs", {u"glee", service, code});
+    const Object profile = late::get(other, u"Profile").to<Object>();
+    show("glee has no roles; her profile is", late::get(profile, u"CN"));
+    const Variant approves = late::call(other, u"HasRole", {std::int16_t(4)});
+    show("has role 4 (approver), by her profile", approves);
+    expect(approves == Variant(true), "the profile's roles should count");
+
+    try {
+        late::call(user, u"CheckAppUserAccess", {u"Warehouse", std::int16_t(99)});
+        expect(false, "the application should have been refused");
+    } catch (const Failure& failure) {
+        show("application 99 refused with", u"0x" + hexadecimal(failure.number));
+        expect(failure.number == error_number(0x8004032B), "it should be 0x8004032B");
+    }
+}
+
+void change_a_password(const Object& info) {
+    std::cout << "\nA password, changed with the old one\n";
+    const Variant service = late::call(info, u"GetMemScriptUser");
+    const Variant code = late::call(info, u"GetMemScriptCode");
+    const Object user = create_object(u"OrvoMembership.User");
+    late::call(user, u"BindAs", {u"glee", service, code});
+    late::call(user, u"ChangePassword", {u"shop-sample", u"better-sample"});
+    const Object validator = create_object(u"OrvoMembership.Validator");
+    const Variant now = late::call(validator, u"ValidatePassword", {u"glee", u"better-sample"});
+    show("glee with the new password", now);
+    expect(now == Variant(0), "it should be 0");
+    try {
+        late::call(user, u"ChangePassword", {u"shop-sample", u"another"});
+        expect(false, "the old password should have been refused");
+    } catch (const Failure& failure) {
+        show("the old one is refused with", u"0x" + hexadecimal(failure.number));
+        expect(failure.number == error_number(0x80040325), "it should be 0x80040325");
+    }
+    late::call(user, u"ChangePassword", {u"better-sample", u"shop-sample"});
+}
+
 void fail_once(const Object& info) {
     std::cout << "\nA call that fails, as its caller sees it\n";
     const Object entry = create_object(u"OrvoMembership.LdapAccess");
@@ -124,6 +189,8 @@ int main(int argc, char** argv) {
         use_an_entry(info);
         read_the_configuration_entry();
         read_an_account();
+        use_a_user(info);
+        change_a_password(info);
         fail_once(info);
     } catch (const Failure& failure) {
         std::cout << "\nStopped by a failure from " << to_utf8(failure.source) << ": "

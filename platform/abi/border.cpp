@@ -23,8 +23,7 @@ Text text_of(abi::IUnknown* info, std::size_t slot) {
                         std::int32_t help_context) {
     // A code that came with a text stays itself, but for the run-time errors' own range.
     const bool run_time = (static_cast<std::uint32_t>(code) & 0xFFFF0000u) == 0x800A0000u;
-    const std::int32_t number =
-        description.empty() || run_time ? number_of_result(code) : code;
+    const std::int32_t number = description.empty() || run_time ? number_of_result(code) : code;
     if (description.empty()) description = runtime_error_text(number);
     if (description.empty()) description = u"Automation error";
     throw Failure(number, std::move(source), std::move(description), std::move(help_file),
@@ -44,7 +43,8 @@ Failure current_failure(const char* source) noexcept {
     } catch (const Failure& failure) {
         return named(failure);
     } catch (const std::bad_alloc&) {
-        return named({runtime_error::out_of_memory, {},
+        return named({runtime_error::out_of_memory,
+                      {},
                       Text(runtime_error_text(runtime_error::out_of_memory))});
     } catch (const std::exception& other) {
         return named({abi::e_unexpected, {}, from_utf8(other.what())});
@@ -106,8 +106,7 @@ void raise_call_failure(abi::HRESULT code, abi::IUnknown* object, const abi::IID
     const bool supported =
         abi::succeeded(abi::query_interface(object, abi::iid_support_error_info,
                                             reinterpret_cast<void**>(support.put()))) &&
-        call_slot<HRESULT, const abi::IID*>(support.get(),
-                                            abi::slot_interface_supports_error_info,
+        call_slot<HRESULT, const abi::IID*>(support.get(), abi::slot_interface_supports_error_info,
                                             &iid) == abi::s_ok;
     if (!supported) raise(code, {}, {}, {}, 0);
     raise_result(code);

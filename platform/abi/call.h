@@ -78,8 +78,9 @@ struct caller<M, R (I::*)(P...)> {
                                       target.get(), slot_of<M>, argument.pass()...));
                 } else {
                     typename crossing<natural<R>>::raw result = crossing<natural<R>>::none;
-                    check(target, abi::call_slot<abi::HRESULT, raw_argument<P>..., decltype(result)*>(
-                                      target.get(), slot_of<M>, argument.pass()..., &result));
+                    check(target,
+                          abi::call_slot<abi::HRESULT, raw_argument<P>..., decltype(result)*>(
+                              target.get(), slot_of<M>, argument.pass()..., &result));
                     return crossing<natural<R>>::take(result);
                 }
             },

@@ -4,8 +4,8 @@ namespace orvo {
 
 std::uint8_t crossing<std::uint8_t>::from_late(const Variant& value) {
     Variant converted;
-    const abi::HRESULT code = abi::VariantChangeTypeEx(converted.put(), value.get(),
-                                                       abi::fixed_locale, 0, abi::VT_UI1);
+    const abi::HRESULT code =
+        abi::VariantChangeTypeEx(converted.put(), value.get(), abi::fixed_locale, 0, abi::VT_UI1);
     if (abi::failed(code)) raise_runtime_error(number_of_result(code));
     return converted.get()->bVal;
 }

@@ -16,9 +16,7 @@ constexpr abi::DISPID first_own_id = 1;
 bool is_null_guid(const abi::IID* id) { return id == nullptr || *id == abi::IID{}; }
 
 // A result that may have a default member, as an object; empty for anything else.
-Object as_object(const Variant& value) {
-    return value.is_object() ? value.to<Object>() : Object();
-}
+Object as_object(const Variant& value) { return value.is_object() ? value.to<Object>() : Object(); }
 
 // Calls the default member of `object` with the arguments that its holder had no parameter for.
 // The arguments stand in Invoke's own order, so the last ones come first.
@@ -33,10 +31,13 @@ HRESULT invoke_default(const Object& object, std::uint16_t flags, abi::DISPPARAM
 
 HRESULT conversion_code(const Failure& failure) {
     switch (failure.number) {
-        case runtime_error::overflow: return abi::disp_e_overflow;
+        case runtime_error::overflow:
+            return abi::disp_e_overflow;
         case runtime_error::type_mismatch:
-        case runtime_error::invalid_use_of_null: return abi::disp_e_typemismatch;
-        default: return result_of_number(failure.number);
+        case runtime_error::invalid_use_of_null:
+            return abi::disp_e_typemismatch;
+        default:
+            return result_of_number(failure.number);
     }
 }
 
@@ -58,7 +59,8 @@ public:
             for (std::size_t i = 0; i < taken; ++i) values[i] = argument(i);
         }
         for (std::size_t i = 0; i < arity; ++i) {
-            if (values[i] != nullptr && is_missing(*values[i]) && member.row->parameters[i].may_be_missing)
+            if (values[i] != nullptr && is_missing(*values[i]) &&
+                member.row->parameters[i].may_be_missing)
                 values[i] = nullptr;
             if (values[i] == nullptr && !member.row->parameters[i].may_be_missing)
                 return abi::disp_e_paramnotoptional;
@@ -76,9 +78,7 @@ public:
     }
 
 private:
-    abi::VARIANT* argument(std::size_t index) {
-        return &passed_.rgvarg[passed_.cArgs - 1 - index];
-    }
+    abi::VARIANT* argument(std::size_t index) { return &passed_.rgvarg[passed_.cArgs - 1 - index]; }
     std::uint32_t place_of(const abi::VARIANT* value) const {
         return static_cast<std::uint32_t>(value - passed_.rgvarg);
     }
@@ -102,10 +102,8 @@ struct Plan {
 Plan plan_call(const InterfaceInfo& info, abi::DISPID id, std::uint16_t flags, std::size_t count) {
     const bool is_put = flags & (abi::DISPATCH_PROPERTYPUT | abi::DISPATCH_PROPERTYPUTREF);
     if (is_put) {
-        const Shape asked =
-            flags & abi::DISPATCH_PROPERTYPUT ? Shape::put : Shape::put_reference;
-        const Shape other =
-            asked == Shape::put ? Shape::put_reference : Shape::put;
+        const Shape asked = flags & abi::DISPATCH_PROPERTYPUT ? Shape::put : Shape::put_reference;
+        const Shape other = asked == Shape::put ? Shape::put_reference : Shape::put;
         for (Shape shape : {asked, other})
             if (const LateMember* member = info.find(id, shape)) return {member, count, false};
     } else {
@@ -142,11 +140,10 @@ void InterfaceInfo::finish() {
 }
 
 abi::DISPID InterfaceInfo::id_of(TextView name) const {
-    auto found = std::lower_bound(
-        by_name.begin(), by_name.end(), name,
-        [](const auto& known, TextView asked) {
-            return compare_ignoring_case(known.first, asked) < 0;
-        });
+    auto found = std::lower_bound(by_name.begin(), by_name.end(), name,
+                                  [](const auto& known, TextView asked) {
+                                      return compare_ignoring_case(known.first, asked) < 0;
+                                  });
     return found != by_name.end() && equal_ignoring_case(found->first, name) ? found->second
                                                                              : abi::DISPID_UNKNOWN;
 }
@@ -184,9 +181,9 @@ HRESULT get_ids_of_names(Face* face, const abi::IID* reserved, const char16_t** 
     return code;
 }
 
-HRESULT invoke(Face* face, abi::DISPID id, const abi::IID* reserved, abi::LCID,
-               std::uint16_t flags, abi::DISPPARAMS* passed, abi::VARIANT* result,
-               abi::EXCEPINFO* failure, std::uint32_t* bad_argument) noexcept {
+HRESULT invoke(Face* face, abi::DISPID id, const abi::IID* reserved, abi::LCID, std::uint16_t flags,
+               abi::DISPPARAMS* passed, abi::VARIANT* result, abi::EXCEPINFO* failure,
+               std::uint32_t* bad_argument) noexcept {
     if (result != nullptr) *result = {};
     if (!is_null_guid(reserved)) return abi::disp_e_unknowninterface;
     if (!face->core->is_called_at_home()) return abi::rpc_e_wrong_thread;

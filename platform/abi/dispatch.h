@@ -4,8 +4,8 @@
 
 #include <vector>
 
-#include "platform/abi/face.h"
 #include "platform/abi/crossing.h"
+#include "platform/abi/face.h"
 
 namespace orvo::detail {
 
@@ -104,7 +104,7 @@ struct late_thunk;
 template <auto M, class I, class R, class... P>
 struct late_thunk<M, R (I::*)(P...)> {
     static Variant invoke(void* target, LateArguments& arguments) {
-        return [&]<std::size_t... i>(std::index_sequence<i...>) -> Variant {
+        return [&]<std::size_t... i>(std::index_sequence<i...>)->Variant {
             std::tuple<late_argument<P, i>...> held{((void)i, arguments)...};
             arguments.converting = -1;
             I& self = *static_cast<I*>(target);
@@ -114,7 +114,8 @@ struct late_thunk<M, R (I::*)(P...)> {
             } else {
                 return to_late((self.*M)(pass<P>(std::get<i>(held).value())...));
             }
-        }(std::index_sequence_for<P...>{});
+        }
+        (std::index_sequence_for<P...>{});
     }
 };
 template <auto M, class I, class R, class... P>

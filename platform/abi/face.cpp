@@ -92,7 +92,8 @@ void store_through_reference(abi::VARIANT& reference, const Variant& value) {
         return;
     abi::VARIANT old{};
     old.vt = type;
-    // Every by-value member of the union starts at the same place, as the referred-to variable does.
+    // Every by-value member of the union starts at the same place, as the referred-to variable
+    // does.
     auto exchange = [&]<class T>(T*) {
         T now;
         std::memcpy(&now, &converted.bVal, sizeof now);
@@ -101,20 +102,28 @@ void store_through_reference(abi::VARIANT& reference, const Variant& value) {
     };
     switch (type) {
         case abi::VT_I1:
-        case abi::VT_UI1: exchange(static_cast<std::uint8_t*>(nullptr)); break;
+        case abi::VT_UI1:
+            exchange(static_cast<std::uint8_t*>(nullptr));
+            break;
         case abi::VT_I2:
         case abi::VT_UI2:
-        case abi::VT_BOOL: exchange(static_cast<std::int16_t*>(nullptr)); break;
+        case abi::VT_BOOL:
+            exchange(static_cast<std::int16_t*>(nullptr));
+            break;
         case abi::VT_I4:
         case abi::VT_UI4:
         case abi::VT_INT:
         case abi::VT_UINT:
         case abi::VT_R4:
-        case abi::VT_ERROR: exchange(static_cast<std::int32_t*>(nullptr)); break;
+        case abi::VT_ERROR:
+            exchange(static_cast<std::int32_t*>(nullptr));
+            break;
         case abi::VT_DECIMAL:
             *static_cast<abi::DECIMAL*>(reference.byref) = abi::decimal_of(converted);
             return;
-        default: exchange(static_cast<std::int64_t*>(nullptr)); break;
+        default:
+            exchange(static_cast<std::int64_t*>(nullptr));
+            break;
     }
     abi::VariantClear(&old);
 }

@@ -31,7 +31,9 @@ public:
     ObjectCore(const ObjectCore&) = delete;
     ObjectCore& operator=(const ObjectCore&) = delete;
 
-    std::uint32_t add_reference() { return references_.fetch_add(1, std::memory_order_relaxed) + 1; }
+    std::uint32_t add_reference() {
+        return references_.fetch_add(1, std::memory_order_relaxed) + 1;
+    }
     std::uint32_t release_reference();
 
     // Whether the caller's thread may use the object: the one that made it, or any for an object

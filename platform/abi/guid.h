@@ -21,10 +21,13 @@ consteval abi::GUID guid(std::string_view text) {
         for (std::size_t i = from; i < from + digits; ++i) value = value * 16 + digit(text[i]);
         return value;
     };
-    if (text.size() != 36 || text[8] != '-' || text[13] != '-' || text[18] != '-' || text[23] != '-')
+    if (text.size() != 36 || text[8] != '-' || text[13] != '-' || text[18] != '-' ||
+        text[23] != '-')
         throw "an identifier reads xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx";
-    abi::GUID result{number(0, 8), static_cast<std::uint16_t>(number(9, 4)),
-                     static_cast<std::uint16_t>(number(14, 4)), {}};
+    abi::GUID result{number(0, 8),
+                     static_cast<std::uint16_t>(number(9, 4)),
+                     static_cast<std::uint16_t>(number(14, 4)),
+                     {}};
     for (std::size_t i = 0; i < 8; ++i)
         result.Data4[i] = static_cast<std::uint8_t>(number(i < 2 ? 19 + 2 * i : 20 + 2 * i, 2));
     return result;

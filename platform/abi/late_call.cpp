@@ -19,10 +19,9 @@ abi::DISPID id_of(const Object& object, TextView member) {
     const Text name(member);
     const char16_t* names = name.c_str();
     abi::DISPID id = abi::DISPID_UNKNOWN;
-    const HRESULT code =
-        abi::call_slot<HRESULT, const abi::IID*, const char16_t**, std::uint32_t, abi::LCID,
-                       abi::DISPID*>(object.get(), abi::slot_get_ids_of_names, &none, &names, 1,
-                                     abi::fixed_locale, &id);
+    const HRESULT code = abi::call_slot<HRESULT, const abi::IID*, const char16_t**, std::uint32_t,
+                                        abi::LCID, abi::DISPID*>(
+        object.get(), abi::slot_get_ids_of_names, &none, &names, 1, abi::fixed_locale, &id);
     if (abi::failed(code)) raise_runtime_error(runtime_error::member_not_found);
     return id;
 }
@@ -101,8 +100,7 @@ Variant value_of(const Object& object, std::initializer_list<Variant> indices) {
     return invoke(object, abi::DISPID_VALUE, abi::DISPATCH_PROPERTYGET, raw);
 }
 
-void put_value(const Object& object, const Variant& value,
-               std::initializer_list<Variant> indices) {
+void put_value(const Object& object, const Variant& value, std::initializer_list<Variant> indices) {
     require(object);
     put_member(object, abi::DISPID_VALUE, value, indices);
 }

@@ -44,8 +44,8 @@ HRESULT lock_server(FactoryFace*, std::int32_t lock) noexcept {
 }
 
 const abi::Slot factory_slots[] = {
-    reinterpret_cast<abi::Slot>(&query),           reinterpret_cast<abi::Slot>(&constant_count),
-    reinterpret_cast<abi::Slot>(&constant_count),  reinterpret_cast<abi::Slot>(&create_instance),
+    reinterpret_cast<abi::Slot>(&query),          reinterpret_cast<abi::Slot>(&constant_count),
+    reinterpret_cast<abi::Slot>(&constant_count), reinterpret_cast<abi::Slot>(&create_instance),
     reinterpret_cast<abi::Slot>(&lock_server),
 };
 

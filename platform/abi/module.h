@@ -59,7 +59,8 @@ private:
 class LocalClass {
 public:
     LocalClass(const Text& progid, const abi::CLSID& clsid, std::function<Object()> create)
-        : factory_(to_utf8(progid), std::move(create)), registration_(progid, clsid, factory_.get()) {}
+        : factory_(to_utf8(progid), std::move(create)),
+          registration_(progid, clsid, factory_.get()) {}
 
 private:
     detail::ClassFactory factory_;

@@ -21,9 +21,9 @@ public:
     // not have it.
     static Ref from(const Object& object) {
         Ref reference;
-        if (object && abi::failed(abi::query_interface(
-                          object.get(), iid_of<I>(),
-                          reinterpret_cast<void**>(reference.object_.put()))))
+        if (object &&
+            abi::failed(abi::query_interface(object.get(), iid_of<I>(),
+                                             reinterpret_cast<void**>(reference.object_.put()))))
             raise_runtime_error(runtime_error::type_mismatch);
         return reference;
     }

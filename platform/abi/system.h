@@ -361,8 +361,8 @@ HRESULT CoCreateGuid(GUID* out);
 HRESULT CLSIDFromProgID(const char16_t* progid, CLSID* out);
 HRESULT CoGetClassObject(const CLSID& clsid, std::uint32_t context, void* server_info,
                          const IID& iid, void** out);
-HRESULT CoCreateInstance(const CLSID& clsid, IUnknown* outer, std::uint32_t context,
-                         const IID& iid, void** out);
+HRESULT CoCreateInstance(const CLSID& clsid, IUnknown* outer, std::uint32_t context, const IID& iid,
+                         void** out);
 void CoFreeUnusedLibraries();
 
 }  // extern "C"

@@ -222,18 +222,16 @@ consteval auto make_table(const char* name, abi::IID iid, bool dispatch, members
 // An interface that can be called by slot and late bound (dual).
 template <class I, class... Items>
 consteval auto describe(const char* name, std::string_view iid, const Items&... items) {
-    return detail::make_table<I>(name, guid(iid), true,
-                                 decltype((detail::members<>{} + ... +
-                                           detail::members_in(items))){},
-                                 items...);
+    return detail::make_table<I>(
+        name, guid(iid), true, decltype((detail::members<>{} + ... + detail::members_in(items))){},
+        items...);
 }
 // An interface that can be called by slot only.
 template <class I, class... Items>
 consteval auto describe_unknown(const char* name, std::string_view iid, const Items&... items) {
-    return detail::make_table<I>(name, guid(iid), false,
-                                 decltype((detail::members<>{} + ... +
-                                           detail::members_in(items))){},
-                                 items...);
+    return detail::make_table<I>(
+        name, guid(iid), false, decltype((detail::members<>{} + ... + detail::members_in(items))){},
+        items...);
 }
 
 template <class I>

@@ -21,8 +21,8 @@ class incoming {
 public:
     explicit incoming(typename C::raw value) requires(!is_in_out<P> && !std::is_same_v<T, Variant>)
         : value_(C::copy(value)) {}
-    explicit incoming(const abi::VARIANT& value)
-        requires(!is_in_out<P> && std::is_same_v<T, Variant>)
+    explicit incoming(const abi::VARIANT& value) requires(!is_in_out<P> &&
+                                                          std::is_same_v<T, Variant>)
         : value_(C::copy(value)) {}
     explicit incoming(typename C::raw* slot) requires(is_in_out<P>) : slot_(slot) {
         if (slot == nullptr) return;
@@ -83,10 +83,11 @@ struct vtable_thunk<M, row, R (I::*)(P...)> {
 
     static R run(I& target, raw_argument<P>... raw) {
         std::tuple<incoming<P>...> held{raw...};
-        return [&]<std::size_t... i>(std::index_sequence<i...>) -> R {
+        return [&]<std::size_t... i>(std::index_sequence<i...>)->R {
             (check_slot<i>(std::get<i>(held)), ...);
             return (target.*M)(pass<P>(std::get<i>(held).value())...);
-        }(std::index_sequence_for<P...>{});
+        }
+        (std::index_sequence_for<P...>{});
     }
 
     template <std::size_t i, class Held>
@@ -159,8 +160,7 @@ const abi::Slot* vtable_of() {
         std::array<abi::Slot, table_of<I>.slot_count> all;
         all.fill(reinterpret_cast<abi::Slot>(&reserved_slot));
         put_standard_slots(all.data(), table_of<I>.dispatch);
-        put_own_slots(all.data(), table_of<I>,
-                      std::make_index_sequence<table_of<I>.rows.size()>());
+        put_own_slots(all.data(), table_of<I>, std::make_index_sequence<table_of<I>.rows.size()>());
         return all;
     }();
     return slots.data();

@@ -28,6 +28,7 @@ protected:
     ~ObjectContext() = default;
 };
 
+// clang-format off
 template <>
 inline constexpr auto table_of<ObjectContext> = describe<ObjectContext>(
     "ObjectContext", "74c08646-cedb-11cf-8b49-00aa00b8a790",
@@ -42,6 +43,7 @@ inline constexpr auto table_of<ObjectContext> = describe<ObjectContext>(
     get<&ObjectContext::Count>("Count").id(0x60020020),
     get<&ObjectContext::Item>("Item", "name").as_default(),
     reserved(11, 13));
+// clang-format on
 
 // The way to the context of the calling thread.
 class AppServer {
@@ -55,11 +57,13 @@ protected:
     ~AppServer() = default;
 };
 
+// clang-format off
 template <>
 inline constexpr auto table_of<AppServer> = describe<AppServer>(
     "IMTxAS", "74c08641-cedb-11cf-8b49-00aa00b8a790",
     method<&AppServer::GetObjectContext>("GetObjectContext").id(0x60020000),
     method<&AppServer::SafeRef>("SafeRef", "object").id(0x60020001));
+// clang-format on
 
 // How a host establishes the context of its thread; on the application-server object beside the
 // interface above. An empty reference ends it. Answers the context that was established before.
@@ -71,10 +75,12 @@ protected:
     ~ContextHost() = default;
 };
 
+// clang-format off
 template <>
 inline constexpr auto table_of<ContextHost> = describe_unknown<ContextHost>(
     "IContextHost", "5d4b3c53-6f0e-4a61-9d0c-1f6f4f6a2c11",
     method<&ContextHost::Establish>("Establish", "context"));
+// clang-format on
 
 inline constexpr const char16_t* app_server_progid = u"MTxAS.AppServer.1";
 

@@ -34,8 +34,9 @@ protected:
     }
 
     // Raw Invoke; arguments are given last one first.
-    abi::HRESULT invoke(abi::DISPID member, std::uint16_t flags, std::vector<abi::VARIANT> arguments,
-                        std::uint32_t* bad = nullptr, abi::EXCEPINFO* failure = nullptr) {
+    abi::HRESULT invoke(abi::DISPID member, std::uint16_t flags,
+                        std::vector<abi::VARIANT> arguments, std::uint32_t* bad = nullptr,
+                        abi::EXCEPINFO* failure = nullptr) {
         static constexpr abi::IID none{};
         abi::DISPID put = abi::DISPID_PROPERTYPUT;
         abi::DISPPARAMS params{arguments.data(), nullptr,

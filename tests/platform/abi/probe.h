@@ -50,28 +50,17 @@ private:
 
 template <>
 inline constexpr auto table_of<Probe> = describe<Probe>(
-    "IProbe", "0b5d7c9e-53a1-4a35-8d4b-5c1f6f1d2a01",
-    method<&Probe::Add>("Add", "a", "b"),
-    method<&Probe::Greet>("Greet", "name"),
-    reserved(3, 4),
-    method<&Probe::Swap>("Swap", "a", "b"),
-    method<&Probe::Echo>("Echo", "value"),
-    method<&Probe::Not>("Not", "value"),
-    method<&Probe::Half>("Half", "value"),
-    method<&Probe::Twice>("Twice", "value"),
-    method<&Probe::NextDay>("NextDay", "day"),
-    method<&Probe::Reverse>("Reverse", "values"),
+    "IProbe", "0b5d7c9e-53a1-4a35-8d4b-5c1f6f1d2a01", method<&Probe::Add>("Add", "a", "b"),
+    method<&Probe::Greet>("Greet", "name"), reserved(3, 4), method<&Probe::Swap>("Swap", "a", "b"),
+    method<&Probe::Echo>("Echo", "value"), method<&Probe::Not>("Not", "value"),
+    method<&Probe::Half>("Half", "value"), method<&Probe::Twice>("Twice", "value"),
+    method<&Probe::NextDay>("NextDay", "day"), method<&Probe::Reverse>("Reverse", "values"),
     method<&Probe::Join>("Join", "first", optional("second"), optional("third")),
-    method<&Probe::Fail>("Fail", "number"),
-    method<&Probe::FailBare>("FailBare"),
-    method<&Probe::Crash>("Crash"),
-    get<&Probe::Name>("Name"),
-    put<&Probe::SetName>("Name", "value"),
-    get<&Probe::Item>("Item", "key").as_default(),
-    put<&Probe::SetItem>("Item", "key", "value").as_default(),
-    method<&Probe::Friend>("Friend"),
-    method<&Probe::Nothing>("Nothing"),
-    get<&Probe::Counted>("Counted").hidden());
+    method<&Probe::Fail>("Fail", "number"), method<&Probe::FailBare>("FailBare"),
+    method<&Probe::Crash>("Crash"), get<&Probe::Name>("Name"),
+    put<&Probe::SetName>("Name", "value"), get<&Probe::Item>("Item", "key").as_default(),
+    put<&Probe::SetItem>("Item", "key", "value").as_default(), method<&Probe::Friend>("Friend"),
+    method<&Probe::Nothing>("Nothing"), get<&Probe::Counted>("Counted").hidden());
 
 // A second interface of the same object, called by slot only, with members that return their value
 // themselves.
@@ -87,10 +76,8 @@ protected:
 
 template <>
 inline constexpr auto table_of<Switch> = describe_unknown<Switch>(
-    "ISwitch", "0b5d7c9e-53a1-4a35-8d4b-5c1f6f1d2a02",
-    method<&Switch::Turn>("Turn", "on"),
-    bare<&Switch::IsOn>("IsOn"),
-    bare<&Switch::Reset>("Reset"));
+    "ISwitch", "0b5d7c9e-53a1-4a35-8d4b-5c1f6f1d2a02", method<&Switch::Turn>("Turn", "on"),
+    bare<&Switch::IsOn>("IsOn"), bare<&Switch::Reset>("Reset"));
 
 class SwitchedProbe : public Probe, public Switch {
 public:

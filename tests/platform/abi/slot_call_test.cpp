@@ -151,9 +151,7 @@ TEST(SlotCall, AReservedSlotAnswersThatItIsNotImplemented) {
 TEST(SlotCall, FromAnotherThreadIsAnsweredWrongThread) {
     const auto probe = make<SwitchedProbe>();
     std::int32_t number = 0;
-    std::thread([&] {
-        number = failure_of([&] { call<&Probe::Counted>(probe); }).number;
-    }).join();
+    std::thread([&] { number = failure_of([&] { call<&Probe::Counted>(probe); }).number; }).join();
     EXPECT_EQ(number, abi::rpc_e_wrong_thread);
     EXPECT_EQ(call<&Probe::Counted>(probe), 0) << "the call was not carried out";
 }
