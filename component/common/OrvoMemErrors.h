@@ -7,16 +7,16 @@ namespace orvo {
 
 // The component's public error numbers, each once: name and offset from the base of object errors.
 // clang-format off
-#define ORVO_MEM_ERRORS(row)           \
-    row(emErrNotBoundToUser, 0x320)    \
+#define ORVO_MEM_ERRORS(row)              \
+    row(emErrNotBoundToUser, 0x320)       \
     row(emErrServerInfoNotCreated, 0x321) \
-    row(emErrUserAlreadyExists, 0x322) \
-    row(emErrNotBoundToMembers, 0x323) \
-    row(emErrUserDoesNotExist, 0x324)  \
-    row(emErrPwdNotCorrect, 0x325)     \
-    row(emErrNotBoundToProfile, 0x326) \
-    row(emErrNotBoundToProfiles, 0x327) \
-    row(emErrProfileNotSet, 0x328)     \
+    row(emErrUserAlreadyExists, 0x322)    \
+    row(emErrNotBoundToMembers, 0x323)    \
+    row(emErrUserDoesNotExist, 0x324)     \
+    row(emErrPwdNotCorrect, 0x325)        \
+    row(emErrNotBoundToProfile, 0x326)    \
+    row(emErrNotBoundToProfiles, 0x327)   \
+    row(emErrProfileNotSet, 0x328)        \
     row(emErrAppNoAccess, 0x32B)
 // clang-format on
 

@@ -12,7 +12,7 @@ enum class PropertyType {
     text,     // set empty: the attribute is cleared
     boolean,  // stored as 1 or 0; any number but 0 reads as true
     int16,    // zero is written, never cleared
-    int32,    // so is this one's
+    int32,    // likewise
     currency,
     date,
     whole,  // the attribute's whole value, an array
