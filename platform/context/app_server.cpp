@@ -1,11 +1,13 @@
 #include "platform/context/app_server.h"
 
+#include "platform/abi/per_thread.h"
+
 namespace orvo {
 namespace {
 
 Ref<ObjectContext>& current_context() {
-    static thread_local Ref<ObjectContext> context;
-    return context;
+    static PerThread<Ref<ObjectContext>> context;
+    return context.get();
 }
 
 }  // namespace

@@ -48,6 +48,7 @@ private:
     std::int32_t counted_ = 0;
 };
 
+// clang-format off
 template <>
 inline constexpr auto table_of<Probe> = describe<Probe>(
     "IProbe", "0b5d7c9e-53a1-4a35-8d4b-5c1f6f1d2a01", method<&Probe::Add>("Add", "a", "b"),
@@ -61,6 +62,7 @@ inline constexpr auto table_of<Probe> = describe<Probe>(
     put<&Probe::SetName>("Name", "value"), get<&Probe::Item>("Item", "key").as_default(),
     put<&Probe::SetItem>("Item", "key", "value").as_default(), method<&Probe::Friend>("Friend"),
     method<&Probe::Nothing>("Nothing"), get<&Probe::Counted>("Counted").hidden());
+// clang-format on
 
 // A second interface of the same object, called by slot only, with members that return their value
 // themselves.
@@ -74,10 +76,12 @@ protected:
     ~Switch() = default;
 };
 
+// clang-format off
 template <>
 inline constexpr auto table_of<Switch> = describe_unknown<Switch>(
     "ISwitch", "0b5d7c9e-53a1-4a35-8d4b-5c1f6f1d2a02", method<&Switch::Turn>("Turn", "on"),
     bare<&Switch::IsOn>("IsOn"), bare<&Switch::Reset>("Reset"));
+// clang-format on
 
 class SwitchedProbe : public Probe, public Switch {
 public:

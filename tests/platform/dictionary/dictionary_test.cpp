@@ -266,9 +266,13 @@ TEST_F(DictionaryTest, RandomUseAgreesWithAPlainListOfPairs) {
                 remove(key_of(key));
                 model.erase(known);
                 break;
-            case 2: ASSERT_EQ(exists(key_of(key)), is_known); break;
+            case 2:
+                ASSERT_EQ(exists(key_of(key)), is_known);
+                break;
             case 3:
-                if (is_known) ASSERT_EQ(get(key_of(key)), Variant(known->second));
+                if (is_known) {
+                    ASSERT_EQ(get(key_of(key)), Variant(known->second));
+                }
                 break;
             default: {
                 const auto to = static_cast<std::int32_t>(random() % 40);

@@ -116,8 +116,9 @@ TEST_F(LateRecordSet, BringsItsErrorsAcrossWhole) {
         [&] { value(u"none"); });
     late::call(rs, u"AddNew");
     expect_failure(3421, u"ADODB.Field",
-                   u"Application uses a value of the wrong type for the current operation.",
-                   [&] { invoke_default(rs, abi::DISPATCH_PROPERTYPUT, {u"n", u"abc"}); });
+                   u"Application uses a value of the wrong type for the current operation.", [&] {
+                       invoke_default(rs, abi::DISPATCH_PROPERTYPUT, {u"n", u"abc"});
+                   });
     expect_failure(field_failed, u"ADODB.Recordset",
                    u"Multiple-step operation generated errors. Check each status value.",
                    [&] { late::call(rs, u"Update"); });

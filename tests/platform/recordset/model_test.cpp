@@ -81,10 +81,18 @@ protected:
         const Person person{below(10), std::string(1, static_cast<char>('a' + below(26)))};
         const auto size = static_cast<std::ptrdiff_t>(model.rows.size());
         switch (below(8)) {
-            case 0: EXPECT_EQ(allowed([&] { next(); }), model.move(1)); break;
-            case 1: EXPECT_EQ(allowed([&] { previous(); }), model.move(-1)); break;
-            case 2: EXPECT_EQ(allowed([&] { first(); }), model.jump(0)); break;
-            case 3: EXPECT_EQ(allowed([&] { last(); }), model.jump(size - 1)); break;
+            case 0:
+                EXPECT_EQ(allowed([&] { next(); }), model.move(1));
+                break;
+            case 1:
+                EXPECT_EQ(allowed([&] { previous(); }), model.move(-1));
+                break;
+            case 2:
+                EXPECT_EQ(allowed([&] { first(); }), model.jump(0));
+                break;
+            case 3:
+                EXPECT_EQ(allowed([&] { last(); }), model.jump(size - 1));
+                break;
             case 4: {
                 const int by = below(7) - 3;
                 EXPECT_EQ(allowed([&] { move(by); }), model.move(by));

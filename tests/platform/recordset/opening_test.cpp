@@ -122,7 +122,8 @@ TEST_F(OpeningTest, TakesTheLockTypeFromThePropertyOrTheArgument) {
     call<&RecordSet::Close>(rs);
     append(u"name", adInteger);
     open(adLockPessimistic);
-    EXPECT_EQ(call<&RecordSet::LockType>(rs), adLockOptimistic) << "the nearest a client cursor has";
+    EXPECT_EQ(call<&RecordSet::LockType>(rs), adLockOptimistic)
+        << "the nearest a client cursor has";
     EXPECT_EQ(number_raised([&] { call<&RecordSet::SetLockType>(make<RecordSetObject>(), 9); }),
               3001);
 }
