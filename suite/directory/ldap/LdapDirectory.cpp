@@ -1,8 +1,8 @@
 #include "suite/directory/ldap/LdapDirectory.h"
 
 #include "suite/directory/ldap/LdapEntry.h"
+#include "suite/directory/ldap/LdapSearch.h"
 #include "suite/directory/ldap/LdapValidator.h"
-#include "suite/directory/ldap/failures.h"
 
 namespace orvo {
 
@@ -15,7 +15,7 @@ namespace directory::ldap {
 Ref<DirectorySchema> LdapDirectory::CreateSchema() { return make<LdapSchema>(); }
 Ref<DirectoryEntry> LdapDirectory::CreateEntry() { return make<LdapEntry>(); }
 Ref<DirectoryValidator> LdapDirectory::CreateValidator() { return make<LdapValidator>(); }
-Ref<DirectorySearch> LdapDirectory::CreateSearch() { raise_unsupported(); }
+Ref<DirectorySearch> LdapDirectory::CreateSearch() { return make<LdapSearch>(); }
 
 }  // namespace directory::ldap
 }  // namespace orvo

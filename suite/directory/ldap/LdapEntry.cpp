@@ -57,21 +57,6 @@ private:
     const std::string& entry_;
 };
 
-// Whoever cannot be bound has the wrong credentials, whatever a server calls it.
-void check_bind(const Result& bind) {
-    switch (bind.code) {
-        case result_code::no_such_object:
-        case result_code::invalid_name:
-        case result_code::inappropriate_authentication: {
-            Failure failure = directory_failure(bind.code, provider_name, bind.message);
-            failure.number = number_of_code(result_code::invalid_credentials);
-            throw failure;
-        }
-        default:
-            check(bind);
-    }
-}
-
 }  // namespace
 
 void LdapEntry::Bind(Text& server, Text& container, Text& common_name, Text& user, Text& password,
@@ -79,18 +64,14 @@ void LdapEntry::Bind(Text& server, Text& container, Text& common_name, Text& use
     session_.reset();
     facts_.reset();
     fetched_ = {};
-    server_ = ServerAddress::parse(server);
-    user_ = to_utf8(user);
-    password_ = Secret(password);
+    login_.emplace(server, user, password, limits_);
     const Text name = entry_name(common_name, container_name(container));
     name_ = to_utf8(name);
     const auto parsed = DistinguishedName::try_parse(name);
     key_ = parsed ? parsed->key() : name_;
     fetched_.asked = names_in(attributes);
-    if (password_.empty() && !user_.empty())
-        raise_code(result_code::invalid_credentials, "A password is required.");
 
-    Session session = connected();
+    Session session = login_->connect();
     fetched_.write_mark = write_mark(key_);
     const auto wanted =
         fetched_.asked.empty() ? std::vector<std::string>{no_attributes} : fetched_.asked;
@@ -101,19 +82,12 @@ void LdapEntry::Bind(Text& server, Text& container, Text& common_name, Text& use
     session_ = std::move(session);
 }
 
-Session LdapEntry::connected() const {
-    Session session = Session::connect(*server_, limits_);
-    // Nobody needs no bind: a new connection is nobody's.
-    if (!user_.empty() || !password_.empty()) check_bind(session.bind(user_, password_));
-    return session;
-}
-
 // Runs an operation that may be repeated, once more where the server has closed the connection.
 template <class Operation>
 auto LdapEntry::on_session(Operation operation) {
     auto result = operation(*session_);
     if (result.code == result_code::server_down) {
-        session_ = connected();
+        session_ = login_->connect();
         result = operation(*session_);
     }
     return result;
@@ -122,7 +96,7 @@ auto LdapEntry::on_session(Operation operation) {
 const ServerFacts& LdapEntry::facts() {
     if (!facts_) {
         FactsResult result =
-            on_session([&](Session& session) { return facts_of(session, server_->key()); });
+            on_session([&](Session& session) { return facts_of(session, login_->server_key()); });
         check(result);
         facts_ = std::move(result.facts);
     }
@@ -133,8 +107,8 @@ const AttributeType* LdapEntry::type_of(const std::string& name) {
     const AttributeTypes& types = facts().types;
     if (const auto* known = types.find(name)) return known;
     if (types.empty()) return nullptr;  // this user may not read the schema
-    FactsResult result =
-        on_session([&](Session& session) { return refreshed_facts_of(session, server_->key()); });
+    FactsResult result = on_session(
+        [&](Session& session) { return refreshed_facts_of(session, login_->server_key()); });
     check(result);
     facts_ = std::move(result.facts);
     return facts_->types.find(name);
@@ -189,8 +163,8 @@ void LdapEntry::write_password(const std::string& name, const Variant& value) {
     if (!facts().changes_passwords) return replace(name, {hashed_password(password)});
     const NotedWrite noted(key_);
     check(on_session([&](Session& session) { return session.change_password(name_, password); }));
-    const auto user = DistinguishedName::try_parse(from_utf8(user_));
-    if (user && user->key() == key_) password_ = password.clone();
+    const auto user = DistinguishedName::try_parse(from_utf8(login_->user()));
+    if (user && user->key() == key_) login_->set_password(password.clone());
 }
 
 void LdapEntry::replace(const std::string& name, std::vector<std::string> values) {

@@ -6,7 +6,7 @@
 #include "component/provider/contract.h"
 #include "platform/abi/hosted.h"
 #include "suite/directory/ldap/server_facts.h"
-#include "suite/directory/ldap/session.h"
+#include "suite/directory/ldap/server_login.h"
 
 namespace orvo {
 namespace directory::ldap {
@@ -55,7 +55,6 @@ private:
         std::chrono::steady_clock::time_point at;
     };
 
-    Session connected() const;
     template <class Operation>
     auto on_session(Operation operation);
     const ServerFacts& facts();
@@ -67,9 +66,7 @@ private:
     void require_bound() const;
 
     Limits limits_;
-    std::optional<ServerAddress> server_;
-    std::string user_;
-    Secret password_;
+    std::optional<ServerLogin> login_;
     std::optional<Session> session_;
     std::string name_;
     std::string key_;

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "suite/directory/common/result_codes.h"
+#include "suite/directory/ldap/ber.h"
 
 namespace orvo::directory::ldap {
 namespace {
@@ -10,38 +11,6 @@ namespace {
 constexpr std::string_view policy_control = "1.3.6.1.4.1.42.2.27.8.5.1";
 // An older control that says that the password was right and must be changed.
 constexpr std::string_view expired_control = "2.16.840.1.113730.3.4.4";
-
-// One element of a BER encoding; the text it was cut from is left with the rest.
-struct Element {
-    unsigned char tag;
-    std::string_view content;
-};
-std::optional<Element> take_element(std::string_view& ber) {
-    if (ber.size() < 2) return std::nullopt;
-    const unsigned char tag = static_cast<unsigned char>(ber[0]);
-    std::size_t length = static_cast<unsigned char>(ber[1]);
-    ber.remove_prefix(2);
-    if (length >= 0x80) {
-        std::size_t digits = length - 0x80;
-        if (digits < 1 || digits > 2 || ber.size() < digits) return std::nullopt;
-        for (length = 0; digits > 0; --digits) {
-            length = length * 256 + static_cast<unsigned char>(ber[0]);
-            ber.remove_prefix(1);
-        }
-    }
-    if (ber.size() < length) return std::nullopt;
-    const Element element{tag, ber.substr(0, length)};
-    ber.remove_prefix(length);
-    return element;
-}
-
-// A number that is not negative and fits.
-std::optional<int> number_in(std::string_view content) {
-    if (content.empty() || content.size() > 4 || (content[0] & 0x80)) return std::nullopt;
-    int number = 0;
-    for (char byte : content) number = number * 256 + static_cast<unsigned char>(byte);
-    return number;
-}
 
 // Codes that a directory of another make puts into the message of a refused bind, after "data ".
 struct DataCode {
@@ -80,25 +49,25 @@ std::optional<int> judged_by_policy(const BindResult& bind) {
 
 }  // namespace
 
-std::optional<PasswordPolicy> PasswordPolicy::try_decode(std::string_view ber) {
+std::optional<PasswordPolicy> PasswordPolicy::try_decode(std::string_view value) {
     PasswordPolicy policy;
-    if (ber.empty()) return policy;
-    const std::optional<Element> sequence = take_element(ber);
-    if (!sequence || sequence->tag != 0x30) return std::nullopt;
+    if (value.empty()) return policy;
+    const std::optional<ber::Element> sequence = ber::take_element(value);
+    if (!sequence || sequence->tag != ber::sequence) return std::nullopt;
     std::string_view rest = sequence->content;
     while (!rest.empty()) {
-        const std::optional<Element> element = take_element(rest);
+        const std::optional<ber::Element> element = ber::take_element(rest);
         if (!element) return std::nullopt;
         if (element->tag == 0xA0) {
             std::string_view warnings = element->content;
-            const std::optional<Element> warning = take_element(warnings);
+            const std::optional<ber::Element> warning = ber::take_element(warnings);
             if (!warning) return std::nullopt;
-            const std::optional<int> number = number_in(warning->content);
+            const std::optional<int> number = ber::number_in(warning->content);
             if (!number) return std::nullopt;
             if (warning->tag == 0x80) policy.seconds_before_expiry = number;
             if (warning->tag == 0x81) policy.logins_left = number;
         } else if (element->tag == 0x81) {
-            policy.error = number_in(element->content);
+            policy.error = ber::number_in(element->content);
             if (!policy.error) return std::nullopt;
         }
     }

@@ -80,6 +80,14 @@ struct SearchRequest {
     std::string filter = "(objectClass=*)";
     // Empty: all user attributes. {"1.1"}: none.
     std::vector<std::string> attributes;
+    // Not 0: no more than so many entries in one answer (RFC 2696; collect_pages asks for one page
+    // after the other). A server that has no pages answers as if it had not been asked for them.
+    int page_size = 0;
+    std::string page = {};  // the page wanted, as the answer before named it; empty: the first
+};
+
+struct SearchResult : Result {
+    std::string next_page;  // the name of the page that follows; empty: none does
 };
 
 // A request that was sent and whose answer has not been collected.
@@ -119,7 +127,7 @@ public:
     // together. Every pending search is collected once, in any order.
     PendingSearch send(const SearchRequest& request);
     // Hands the entries over one by one, in the server's order, while the server still sends.
-    Result collect(const PendingSearch& search, const std::function<void(EntryData&&)>& take);
+    SearchResult collect(const PendingSearch& search, const std::function<void(EntryData&&)>& take);
 
     // All changes, or none of them.
     Result modify(const std::string& name, std::span<const Replacement> replacements);

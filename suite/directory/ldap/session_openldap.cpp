@@ -9,6 +9,7 @@
 
 #include "suite/directory/ldap/failures.h"
 #include "suite/directory/ldap/openldap_connection.h"
+#include "suite/directory/ldap/paged_results.h"
 #include "suite/directory/ldap/session.h"
 
 namespace orvo::directory::ldap {
@@ -84,6 +85,27 @@ std::optional<EntryData> decoded_entry(LDAP* handle, LDAPMessage* message) {
     }
 }
 
+// The request for a page, as the library takes it; not critical, so that a server that has no pages
+// answers all the same.
+class PageControl {
+public:
+    explicit PageControl(const SearchRequest& request)
+        : is_wanted_(request.page_size != 0),
+          oid_(paged_results_oid),
+          value_(paged_results_value(request.page_size, request.page)),
+          control_{oid_.data(), {value_.size(), value_.data()}, 0} {}
+    PageControl(const PageControl&) = delete;
+    // Nothing where no page is wanted.
+    LDAPControl** get() { return is_wanted_ ? list_.data() : nullptr; }
+
+private:
+    bool is_wanted_;
+    std::string oid_;
+    std::string value_;
+    LDAPControl control_;
+    std::array<LDAPControl*, 2> list_ = {&control_, nullptr};
+};
+
 int scope_of(Scope scope) {
     switch (scope) {
         case Scope::base:
@@ -130,6 +152,9 @@ struct Session::Connection {
             wait_for(get(), request, Wanted::all_messages, limits.operation, why);
         return answer ? outcome_of(get(), raw(answer), controls) : why;
     }
+
+    Result collect(int request, const std::function<void(EntryData&&)>& take,
+                   std::vector<Control>& controls) const;
 };
 
 void check(const Result& result) {
@@ -193,39 +218,48 @@ ReadResult Session::read(const std::string& name, const std::vector<std::string>
 PendingSearch Session::send(const SearchRequest& request) {
     PendingSearch search;
     TextList attributes(request.attributes);
+    PageControl page(request);
     const int sent = ldap_search_ext(
         connection_->get(), request.base.c_str(), scope_of(request.scope), request.filter.c_str(),
-        attributes.get(), 0, nullptr, nullptr, nullptr, LDAP_NO_LIMIT, &search.id);
+        attributes.get(), 0, page.get(), nullptr, nullptr, LDAP_NO_LIMIT, &search.id);
     if (sent != LDAP_SUCCESS) search.sent = client_result(connection_->get(), sent);
     return search;
 }
 
-Result Session::collect(const PendingSearch& search, const std::function<void(EntryData&&)>& take) {
-    if (!search.sent.ok()) return search.sent;
-    LDAP* handle = connection_->get();
-    const auto deadline = steady_clock::now() + connection_->limits.operation;
+SearchResult Session::collect(const PendingSearch& search,
+                              const std::function<void(EntryData&&)>& take) {
+    if (!search.sent.ok()) return {search.sent, {}};
+    std::vector<Control> controls;
+    Result result = connection_->collect(search.id, take, controls);
+    return paged(std::move(result), controls);
+}
+
+Result Session::Connection::collect(int request, const std::function<void(EntryData&&)>& take,
+                                    std::vector<Control>& controls) const {
+    LDAP* handle = get();
+    const auto deadline = steady_clock::now() + limits.operation;
     for (;;) {
         const auto left =
             std::chrono::ceil<std::chrono::milliseconds>(deadline - steady_clock::now());
         if (left.count() <= 0) {
-            ldap_abandon_ext(handle, search.id, nullptr, nullptr);
+            ldap_abandon_ext(handle, request, nullptr, nullptr);
             return {result_code::timeout, {}, {}};
         }
         Result why;
-        const Message message = wait_for(handle, search.id, Wanted::one_message, left, why);
+        const Message message = wait_for(handle, request, Wanted::one_message, left, why);
         if (!message) return why;
         switch (ldap_msgtype(raw(message))) {
             case LDAP_RES_SEARCH_ENTRY: {
                 std::optional<EntryData> entry = decoded_entry(handle, raw(message));
                 if (!entry) {
-                    ldap_abandon_ext(handle, search.id, nullptr, nullptr);
+                    ldap_abandon_ext(handle, request, nullptr, nullptr);
                     return {result_code::decoding_error, {}, {}};
                 }
                 take(std::move(*entry));
                 break;
             }
             case LDAP_RES_SEARCH_RESULT:
-                return outcome_of(handle, raw(message));
+                return outcome_of(handle, raw(message), &controls);
             default:  // a reference to another server, which is not followed
                 break;
         }

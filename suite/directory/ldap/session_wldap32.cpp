@@ -1,12 +1,5 @@
-// The session over the client library that Windows ships. It verifies a server's certificate
-// against the system's store; a certificate file of its own cannot be named to it.
-#define NOMINMAX
-#define WIN32_LEAN_AND_MEAN
-#include <windows.h>
-// Each stands on the one before it.
-#include <winldap.h>
-
-#include <winber.h>
+// The session over the client library that Windows ships.
+#include "suite/directory/ldap/wldap32_connection.h"
 
 #include <algorithm>
 #include <array>
@@ -15,11 +8,24 @@
 
 #include "suite/directory/common/result_codes.h"
 #include "suite/directory/ldap/failures.h"
+#include "suite/directory/ldap/paged_results.h"
 #include "suite/directory/ldap/password_modify.h"
 #include "suite/directory/ldap/session.h"
 
 namespace orvo::directory::ldap {
 namespace {
+
+using detail::borrowed;
+using detail::client_result;
+using detail::Handle;
+using detail::Message;
+using detail::narrow;
+using detail::outcome_of;
+using detail::OwnedText;
+using detail::wait_for;
+using detail::Wide;
+using detail::WideList;
+using detail::WideSecret;
 
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
@@ -28,106 +34,6 @@ constexpr const char* password_policy_control = "1.3.6.1.4.1.42.2.27.8.5.1";
 
 // LDAP_OPT_SERVER_CONTROLS, which not every version of the library and its header has.
 constexpr int option_server_controls = 0x12;
-
-// A text as the library takes it. The library does not change what it gets.
-class Wide {
-public:
-    explicit Wide(std::string_view utf8) : text_(from_utf8(utf8)) {}
-    wchar_t* get() { return reinterpret_cast<wchar_t*>(text_.data()); }
-
-private:
-    Text text_;
-};
-
-// The same for a password; overwritten when it goes.
-class WideSecret {
-public:
-    explicit WideSecret(const Secret& secret) : text_(from_utf8(secret.reveal())) {}
-    ~WideSecret() { overwrite(text_.data(), text_.size() * sizeof text_[0]); }
-    WideSecret(const WideSecret&) = delete;
-    wchar_t* get() { return reinterpret_cast<wchar_t*>(text_.data()); }
-
-private:
-    Text text_;
-};
-
-class WideList {
-public:
-    explicit WideList(const std::vector<std::string>& texts) {
-        for (const std::string& text : texts) texts_.emplace_back(text);
-        for (Wide& text : texts_) pointers_.push_back(text.get());
-        pointers_.push_back(nullptr);
-    }
-    // Nothing for an empty list.
-    wchar_t** get() { return texts_.empty() ? nullptr : pointers_.data(); }
-
-private:
-    std::vector<Wide> texts_;
-    std::vector<wchar_t*> pointers_;
-};
-
-std::string narrow(const wchar_t* text) {
-    return text ? to_utf8(reinterpret_cast<const char16_t*>(text)) : std::string();
-}
-
-berval borrowed(std::string_view bytes) {
-    return {static_cast<ULONG>(bytes.size()), const_cast<char*>(bytes.data())};
-}
-
-struct FreeText {
-    void operator()(wchar_t* text) const { ldap_memfreeW(text); }
-};
-using OwnedText = std::unique_ptr<wchar_t, FreeText>;
-
-struct FreeMessage {
-    void operator()(LDAPMessage* message) const { ldap_msgfree(message); }
-};
-using Message = std::unique_ptr<LDAPMessage, FreeMessage>;
-
-// A message and what it is; the type within the message is not set by every version of the library.
-struct Received {
-    Message message;
-    ULONG type = 0;
-};
-
-struct Unbind {
-    void operator()(LDAP* handle) const { ldap_unbind(handle); }
-};
-using Handle = std::unique_ptr<LDAP, Unbind>;
-
-l_timeval timeval_of(milliseconds limit) {
-    return {static_cast<LONG>(limit.count() / 1000),
-            static_cast<LONG>(limit.count() % 1000 * 1000)};
-}
-
-// What the library says of its last failure on this handle.
-Result client_result(LDAP* handle) {
-    ULONG code = LDAP_SUCCESS;
-    if (ldap_get_option(handle, LDAP_OPT_ERROR_NUMBER, &code) != LDAP_SUCCESS ||
-        code == LDAP_SUCCESS)
-        code = LDAP_SERVER_DOWN;
-    return {static_cast<int>(code), {}, {}};
-}
-
-// Takes the outcome out of the message that ends an operation.
-Result outcome_of(LDAP* handle, LDAPMessage* message, std::vector<Control>* controls = nullptr) {
-    ULONG code = LDAP_OTHER;
-    wchar_t* nearest_text = nullptr;
-    wchar_t* message_text = nullptr;
-    LDAPControlW** received = nullptr;
-    const ULONG parsed = ldap_parse_resultW(handle, message, &code, &nearest_text, &message_text,
-                                            nullptr, controls ? &received : nullptr, FALSE);
-    const OwnedText nearest(nearest_text);
-    const OwnedText text(message_text);
-    if (parsed != LDAP_SUCCESS) return {static_cast<int>(parsed), {}, {}};
-    for (LDAPControlW** control = received; control && *control; ++control) {
-        const berval& value = (*control)->ldctl_value;
-        controls->push_back({narrow((*control)->ldctl_oid),
-                             value.bv_val ? std::string(value.bv_val, value.bv_len) : ""});
-    }
-    if (received) ldap_controls_freeW(received);
-    return {static_cast<int>(code), narrow(text.get()), narrow(nearest.get())};
-}
 
 Attribute decoded_attribute(LDAP* handle, LDAPMessage* entry, wchar_t* name) {
     struct FreeValues {
@@ -154,6 +60,27 @@ EntryData decoded_entry(LDAP* handle, LDAPMessage* message) {
         data.attributes.push_back(decoded_attribute(handle, entry, name.get()));
     return data;
 }
+
+// The request for a page, as the library takes it; not critical, so that a server that has no pages
+// answers all the same.
+class PageControl {
+public:
+    explicit PageControl(const SearchRequest& request)
+        : is_wanted_(request.page_size != 0),
+          oid_(paged_results_oid),
+          value_(paged_results_value(request.page_size, request.page)),
+          control_{oid_.get(), borrowed(value_), FALSE} {}
+    PageControl(const PageControl&) = delete;
+    // Nothing where no page is wanted.
+    LDAPControlW** get() { return is_wanted_ ? list_.data() : nullptr; }
+
+private:
+    bool is_wanted_;
+    Wide oid_;
+    std::string value_;
+    LDAPControlW control_;
+    std::array<LDAPControlW*, 2> list_ = {&control_, nullptr};
+};
 
 ULONG scope_of(Scope scope) {
     switch (scope) {
@@ -185,37 +112,6 @@ struct Change {
     LDAPModW modification{};
 };
 
-// Empty: `why` tells.
-Handle open_connection(const ServerHost& host, const Limits& limits, Result& why) {
-    if (!host.ca_file.empty()) {
-        why = {
-            result_code::not_supported, "A certificate file cannot be named on this system.", {}};
-        return nullptr;
-    }
-    Wide name(host.name);
-    Handle handle(host.security == Security::tls ? ldap_sslinitW(name.get(), host.port, TRUE)
-                                                 : ldap_initW(name.get(), host.port));
-    if (!handle) {
-        why = {result_code::local_error, {}, {}};
-        return nullptr;
-    }
-    ULONG version = LDAP_VERSION3;
-    ULONG unlimited = 0;
-    ldap_set_option(handle.get(), LDAP_OPT_PROTOCOL_VERSION, &version);
-    ldap_set_option(handle.get(), LDAP_OPT_REFERRALS, LDAP_OPT_OFF);
-    ldap_set_option(handle.get(), LDAP_OPT_SIZELIMIT, &unlimited);
-    ldap_set_option(handle.get(), LDAP_OPT_TIMELIMIT, &unlimited);
-    // A lost connection is the caller's to replace; a library without this option never does it.
-    ldap_set_option(handle.get(), LDAP_OPT_AUTO_RECONNECT, LDAP_OPT_OFF);
-    l_timeval limit = timeval_of(limits.connect);
-    ULONG code = ldap_connect(handle.get(), &limit);
-    if (code == LDAP_SUCCESS && host.security == Security::start_tls)
-        code = ldap_start_tls_sW(handle.get(), nullptr, nullptr, nullptr, nullptr);
-    if (code == LDAP_SUCCESS) return handle;
-    why = {static_cast<int>(code), {}, {}};
-    return nullptr;
-}
-
 }  // namespace
 
 struct Session::Connection {
@@ -224,34 +120,19 @@ struct Session::Connection {
 
     LDAP* get() const { return handle.get(); }
 
-    // The next message of a request, or all of them. Empty: `why` tells, and the request is
-    // abandoned.
-    Received wait_for(ULONG request, ULONG wanted, milliseconds limit, Result& why) const {
-        l_timeval timeout = timeval_of(limit);
-        LDAPMessage* received = nullptr;
-        const ULONG type = ldap_result(get(), request, wanted, &timeout, &received);
-        Message message(received);
-        if (type == 0) {
-            ldap_abandon(get(), request);
-            why = {result_code::timeout, {}, {}};
-            return {};
-        }
-        if (type == static_cast<ULONG>(-1) || !message) {
-            why = client_result(get());
-            return {};
-        }
-        return {std::move(message), type};
-    }
-
     Result outcome(ULONG request, std::vector<Control>* controls = nullptr) const {
         Result why;
-        const Message answer = wait_for(request, LDAP_MSG_ALL, limits.operation, why).message;
+        const Message answer =
+            wait_for(get(), request, LDAP_MSG_ALL, limits.operation, why).message;
         return answer ? outcome_of(get(), answer.get(), controls) : why;
     }
     // The outcome of a request that was sent with the library's `code`.
     Result outcome_of_sent(ULONG code, ULONG request) const {
-        return code == LDAP_SUCCESS ? outcome(request) : Result{static_cast<int>(code), {}, {}};
+        return code == LDAP_SUCCESS ? outcome(request) : client_result(code);
     }
+
+    Result collect(int request, const std::function<void(EntryData&&)>& take,
+                   std::vector<Control>& controls) const;
 };
 
 void check(const Result& result) {
@@ -267,7 +148,7 @@ Session Session::connect(const ServerAddress& server, const Limits& limits) {
     std::string reasons;
     Result why;
     for (const ServerHost& host : server.hosts()) {
-        if (Handle handle = open_connection(host, limits, why))
+        if (Handle handle = detail::open_connection(host, limits, why))
             return Session(std::unique_ptr<Connection>(new Connection{std::move(handle), limits}));
         if (!reasons.empty()) reasons += ' ';
         reasons += "'" + host.url() + "'";
@@ -323,32 +204,41 @@ PendingSearch Session::send(const SearchRequest& request) {
     Wide base(request.base);
     Wide filter(request.filter);
     WideList attributes(request.attributes);
+    PageControl page(request);
     ULONG id = 0;
     const ULONG sent =
         ldap_search_extW(connection_->get(), base.get(), scope_of(request.scope), filter.get(),
-                         attributes.get(), FALSE, nullptr, nullptr, 0, 0, &id);
+                         attributes.get(), FALSE, page.get(), nullptr, 0, 0, &id);
     PendingSearch search;
     search.id = static_cast<int>(id);
-    if (sent != LDAP_SUCCESS) search.sent = {static_cast<int>(sent), {}, {}};
+    if (sent != LDAP_SUCCESS) search.sent = client_result(sent);
     return search;
 }
 
-Result Session::collect(const PendingSearch& search, const std::function<void(EntryData&&)>& take) {
-    if (!search.sent.ok()) return search.sent;
-    LDAP* handle = connection_->get();
-    const auto deadline = steady_clock::now() + connection_->limits.operation;
+SearchResult Session::collect(const PendingSearch& search,
+                              const std::function<void(EntryData&&)>& take) {
+    if (!search.sent.ok()) return {search.sent, {}};
+    std::vector<Control> controls;
+    Result result = connection_->collect(search.id, take, controls);
+    return paged(std::move(result), controls);
+}
+
+Result Session::Connection::collect(int request, const std::function<void(EntryData&&)>& take,
+                                    std::vector<Control>& controls) const {
+    LDAP* handle = get();
+    const auto deadline = steady_clock::now() + limits.operation;
     for (;;) {
         const auto left = std::chrono::ceil<milliseconds>(deadline - steady_clock::now());
         Result why;
-        const auto [message, type] = connection_->wait_for(
-            static_cast<ULONG>(search.id), LDAP_MSG_ONE, std::max(left, milliseconds(0)), why);
+        const auto [message, type] = wait_for(handle, static_cast<ULONG>(request), LDAP_MSG_ONE,
+                                              std::max(left, milliseconds(0)), why);
         if (!message) return why;
         switch (type) {
             case LDAP_RES_SEARCH_ENTRY:
                 take(decoded_entry(handle, message.get()));
                 break;
             case LDAP_RES_SEARCH_RESULT:
-                return outcome_of(handle, message.get());
+                return outcome_of(handle, message.get(), &controls);
             default:
                 break;  // a reference to another server, which is not followed
         }
