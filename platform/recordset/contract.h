@@ -102,6 +102,7 @@ protected:
     ~RecordSet() = default;
 };
 
+// clang-format off
 template <>
 inline constexpr auto table_of<RecordSet> = describe<RecordSet>(
     "_Recordset", "00000556-0000-0010-8000-00aa006d2ea4",
@@ -181,6 +182,7 @@ inline constexpr auto table_of<RecordSet> = describe<RecordSet>(
     method<&RecordSet::CompareBookmarks>("CompareBookmarks", "Bookmark1", "Bookmark2").id(1065),
     method<&RecordSet::Clone>("Clone", optional("LockType", adLockUnspecified)).id(1034),
     reserved(74, 78));  // Resync, Seek, Index, Save
+// clang-format on
 
 inline constexpr const char16_t* record_set_progid = u"ADODB.Recordset";
 
