@@ -113,8 +113,10 @@ Object Profile::GetUsers() {
 }
 
 void Profile::setServerInfo(const Text& i_sConfigurationPath) {
-    Text path = i_sConfigurationPath;
-    shared_server_info()->SetConfiguration(path);
+    trapped({class_prefix, "setServerInfo"}, [&] {
+        Text path = i_sConfigurationPath;
+        shared_server_info()->SetConfiguration(path);
+    });
 }
 
 Variant Profile::values(const char16_t* attribute) {

@@ -83,8 +83,10 @@ void User::bind_profile(Text& user, Text& password) {
 }
 
 void User::setServerInfo(const Text& i_sConfigurationPath) {
-    Text path = i_sConfigurationPath;
-    shared_server_info()->SetConfiguration(path);
+    trapped(u"OrvoMembership.User.setServerInfo", [&] {
+        Text path = i_sConfigurationPath;
+        shared_server_info()->SetConfiguration(path);
+    });
 }
 
 }  // namespace orvo

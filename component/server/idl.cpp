@@ -2,6 +2,7 @@
 
 #include "component/common/OrvoMemErrors.h"
 #include "component/server/class_list.h"
+#include "component/server/idl_spelling.h"
 #include "platform/abi/idl.h"
 
 namespace orvo {
@@ -37,20 +38,24 @@ template <class C>
 using default_interface = typename detail::description_of<C>::first;
 
 template <class C>
+std::string class_name() {
+    const std::string progid = class_of<C>.progid;
+    return progid.substr(progid.find('.') + 1);
+}
+
+template <class C>
 std::string coclass() {
     const std::string progid = class_of<C>.progid;
     return "    [ uuid(" + idl_guid(class_of<C>.clsid) + "), helpstring(\"" + progid +
-           "\") ]\n    coclass " + progid.substr(progid.find('.') + 1) +
-           "\n    {\n        [default] interface " + table_of<default_interface<C>>.name +
-           ";\n    };\n";
+           "\") ]\n    coclass " + class_name<C>() + "\n    {\n        [default] interface " +
+           table_of<default_interface<C>>.name + ";\n    };\n";
 }
 
 }  // namespace
 
 std::string component_idl() {
     IdlWriter writer;
-    writer.raw(head());
-    writer.raw(errors());
+    std::vector<std::string> names;
     auto each = []<class... T>(std::type_identity<std::tuple<T...>>, auto write) {
         (write(std::type_identity<T>{}), ...);
     };
@@ -58,17 +63,22 @@ std::string component_idl() {
     constexpr std::type_identity<PublicClasses> classes;
     each(used, [&]<class I>(std::type_identity<I>) { writer.raw(forward<I>()); });
     writer.raw("\n");
-    each(used, [&]<class I>(std::type_identity<I>) {
+    auto interface_of = [&]<class I>(std::type_identity<I>) {
+        names.push_back(table_of<I>.name);
+        for (const RowData& row : table_of<I>.rows)
+            if (row.shape != Shape::reserved) names.push_back(row.name);
         writer.write_interface<I>();
         writer.raw("\n");
-    });
+    };
+    each(used, interface_of);
     each(classes, [&]<class C>(std::type_identity<C>) {
-        writer.write_interface<default_interface<C>>();
-        writer.raw("\n");
+        names.push_back(class_name<C>());
+        interface_of(std::type_identity<default_interface<C>>{});
     });
     each(classes, [&]<class C>(std::type_identity<C>) { writer.raw(coclass<C>()); });
     writer.raw("};\n");
-    return writer.text();
+    const std::string body = writer.text();
+    return head() + idl_spelling(names, body) + errors() + body;
 }
 
 }  // namespace orvo

@@ -126,7 +126,8 @@ public:
     // Sending and collecting apart, so that answers to independent requests are on their way
     // together. Every pending search is collected once, in any order.
     PendingSearch send(const SearchRequest& request);
-    // Hands the entries over one by one, in the server's order, while the server still sends.
+    // Hands the entries over one by one, in the server's order, while the server still sends. What
+    // is not moved out of an entry may serve the next as memory.
     SearchResult collect(const PendingSearch& search, const std::function<void(EntryData&&)>& take);
 
     // All changes, or none of them.

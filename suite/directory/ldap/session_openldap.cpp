@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <memory>
-#include <optional>
 #include <utility>
 #include <vector>
 
@@ -60,27 +59,39 @@ Result outcome_of(LDAP* handle, LDAPMessage* message, std::vector<Control>* cont
     return result;
 }
 
-// One pass over the message, attribute after attribute, without looking any up again.
-std::optional<EntryData> decoded_entry(LDAP* handle, LDAPMessage* message) {
+// As many texts as there are values, in the memory that is there already.
+void assign(std::vector<std::string>& texts, const berval* values) {
+    std::size_t count = 0;
+    for (; values && values->bv_val; ++values, ++count) {
+        if (count == texts.size()) texts.emplace_back();
+        texts[count].assign(values->bv_val, values->bv_len);
+    }
+    texts.resize(count);
+}
+
+// One pass over the message, attribute after attribute, without looking any up again. What `entry`
+// held before is overwritten; its memory is used again. False: the message cannot be read.
+bool decode_entry(LDAP* handle, LDAPMessage* message, EntryData& entry) {
     BerElement* decoder = nullptr;
     berval name{};
-    if (ldap_get_dn_ber(handle, message, &decoder, &name) != LDAP_SUCCESS) return std::nullopt;
+    if (ldap_get_dn_ber(handle, message, &decoder, &name) != LDAP_SUCCESS) return false;
     struct Free {
         void operator()(BerElement* element) const { ber_free(element, 0); }
     };
     const std::unique_ptr<BerElement, Free> held(decoder);
-    EntryData entry;
-    entry.name = text_of(name);
-    for (;;) {
+    entry.name.assign(name.bv_val, name.bv_len);
+    for (std::size_t count = 0;; ++count) {
         berval attribute{};
         berval* values = nullptr;
         if (ldap_get_attribute_ber(handle, message, decoder, &attribute, &values) != LDAP_SUCCESS)
-            return std::nullopt;
-        if (!attribute.bv_val) return entry;
-        Attribute& added = entry.attributes.emplace_back();
-        added.name = text_of(attribute);
-        for (const berval* value = values; value && value->bv_val; ++value)
-            added.values.push_back(text_of(*value));
+            return false;
+        if (!attribute.bv_val) {
+            entry.attributes.resize(count);
+            return true;
+        }
+        if (count == entry.attributes.size()) entry.attributes.emplace_back();
+        entry.attributes[count].name.assign(attribute.bv_val, attribute.bv_len);
+        assign(entry.attributes[count].values, values);
         ber_memfree(values);
     }
 }
@@ -238,6 +249,7 @@ Result Session::Connection::collect(int request, const std::function<void(EntryD
                                     std::vector<Control>& controls) const {
     LDAP* handle = get();
     const auto deadline = steady_clock::now() + limits.operation;
+    EntryData entry;
     for (;;) {
         const auto left =
             std::chrono::ceil<std::chrono::milliseconds>(deadline - steady_clock::now());
@@ -249,15 +261,13 @@ Result Session::Connection::collect(int request, const std::function<void(EntryD
         const Message message = wait_for(handle, request, Wanted::one_message, left, why);
         if (!message) return why;
         switch (ldap_msgtype(raw(message))) {
-            case LDAP_RES_SEARCH_ENTRY: {
-                std::optional<EntryData> entry = decoded_entry(handle, raw(message));
-                if (!entry) {
+            case LDAP_RES_SEARCH_ENTRY:
+                if (!decode_entry(handle, raw(message), entry)) {
                     ldap_abandon_ext(handle, request, nullptr, nullptr);
                     return {result_code::decoding_error, {}, {}};
                 }
-                take(std::move(*entry));
+                take(std::move(entry));
                 break;
-            }
             case LDAP_RES_SEARCH_RESULT:
                 return outcome_of(handle, raw(message), &controls);
             default:  // a reference to another server, which is not followed

@@ -7,11 +7,12 @@ namespace {
 
 TEST(PasswordModify, CarriesTheUserAndTheNewPassword) {
     const Secret request = password_modify_request("cn=a", Secret(u"pass"));
-    EXPECT_EQ(request.reveal(), "\x30\x0C"
-                                "\x80\x04"
-                                "cn=a"
-                                "\x82\x04"
-                                "pass");
+    EXPECT_EQ(request.reveal(),
+              "\x30\x0C"
+              "\x80\x04"
+              "cn=a"
+              "\x82\x04"
+              "pass");
 }
 
 TEST(PasswordModify, CarriesAPasswordBeyondAsciiInUtf8) {
@@ -37,8 +38,8 @@ TEST(PasswordModify, WritesLengthsInAsManyBytesAsTheyNeed) {
         SCOPED_TRACE(length);
         const std::string name(length, 'n');
         const Secret request = password_modify_request(name, Secret(u"x"));
-        EXPECT_EQ(request.reveal(), std::string(whole_header) + std::string(name_header) + name +
-                                        "\x82\x01x");
+        EXPECT_EQ(request.reveal(),
+                  std::string(whole_header) + std::string(name_header) + name + "\x82\x01x");
     }
 }
 

@@ -1,0 +1,64 @@
+#pragma once
+
+// The order of a search's rows.
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/automation/variant.h"
+#include "suite/directory/ldap/session.h"
+
+namespace orvo::directory::ldap {
+
+// What entries are ordered by: the first value in an entry's own relative name, without regard to
+// case, as filters compare it with ">=" (matching_key). `name` is a distinguished name as servers
+// write them.
+std::string order_key(std::string_view name);
+
+// Of the entries added, keeps the rows of those that come first: ordered by order_key, and by the
+// whole name among equals. No more are ever held than are wanted.
+class FirstRows {
+public:
+    using Row = std::vector<Variant>;
+    using Decode = std::function<Row(const EntryData&)>;
+    static constexpr std::size_t all = static_cast<std::size_t>(-1);
+
+    // `decode` makes the row of an entry as soon as it is kept, so while the server still sends,
+    // though an entry that comes later may push it out again.
+    FirstRows(std::size_t wanted, Decode decode) : wanted_(wanted), decode_(std::move(decode)) {}
+
+    void add(EntryData&& entry);
+    void clear() { kept_.clear(); }
+    std::size_t size() const { return kept_.size(); }
+
+    // Hands the rows over in their order; none are left.
+    template <class Take>
+    void take_each(Take take) {
+        for (Kept* kept : in_order()) take(std::move(kept->row));
+        kept_.clear();
+    }
+
+private:
+    struct Kept {
+        std::string key;
+        std::string name;
+        Row row;
+
+        bool operator<(const Kept& other) const {
+            const int order = key.compare(other.key);
+            return order != 0 ? order < 0 : name < other.name;
+        }
+    };
+
+    std::vector<Kept*> in_order();
+
+    std::size_t wanted_;
+    Decode decode_;
+    std::vector<Kept> kept_;  // once full, a heap with the last in order on top
+};
+
+}  // namespace orvo::directory::ldap

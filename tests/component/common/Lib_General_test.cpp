@@ -1,0 +1,196 @@
+#include "component/common/Lib_General.h"
+
+#include "platform/context/app_server.h"
+#include "tests/component/component_test.h"
+
+namespace orvo {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr const char* method = "Lib_General.Gen_GetComponent";
+constexpr const char* cannot_create = "ActiveX component can't create object";
+
+class GetComponent : public ComponentTest {};
+
+TEST_FRESH(GetComponent, OutsideAContextCreatesByPlainCreation) {
+    EXPECT_TRUE(Gen_GetComponent(u"Quendra.Configuration"));
+    EXPECT_THAT(journal_.take(), ElementsAre("new Quendra.Configuration()"));
+}
+
+TEST_FRESH(GetComponent, CreatesANewObjectAtEachCall) {
+    const Object first = Gen_GetComponent(u"Quendra.Configuration");
+    const Object second = Gen_GetComponent(u"Quendra.Configuration");
+    EXPECT_FALSE(first == second);
+}
+
+TEST_FRESH(GetComponent, InsideAContextCreatesThroughTheContext) {
+    const RecordingContext context(journal_);
+    EXPECT_TRUE(Gen_GetComponent(u"Quendra.Configuration"));
+    EXPECT_THAT(journal_.take(), ElementsAre("CreateInstance(Quendra.Configuration)",
+                                             "new Quendra.Configuration()"));
+}
+
+TEST_FRESH(GetComponent, FollowsTheContextAsItComesAndGoes) {
+    { const RecordingContext context(journal_); }
+    EXPECT_TRUE(Gen_GetComponent(u"Quendra.Configuration"));
+    EXPECT_THAT(journal_.take(), ElementsAre("new Quendra.Configuration()"));
+    const RecordingContext again(journal_);
+    EXPECT_TRUE(Gen_GetComponent(u"Quendra.Configuration"));
+    EXPECT_THAT(journal_.take(), ElementsAre("CreateInstance(Quendra.Configuration)",
+                                             "new Quendra.Configuration()"));
+}
+
+TEST_FRESH(GetComponent, OutsideAContextAnUnknownClassRaises429AndSaysCreateObject) {
+    expect_failure(raised_by([] { Gen_GetComponent(u"Nobody.Knows"); }), 429, u"OrvoMembership",
+                   "\r\n"
+                   "ERROR 0x1AD\r\n"
+                   " METHOD: Lib_General.Gen_GetComponent\r\n"
+                   " DESC: ActiveX component can't create object.\r\n"
+                   " INFO: CreateObject(Nobody.Knows) failed.\r\n");
+}
+
+TEST_FRESH(GetComponent, InsideAContextAnUnknownClassSaysCreateInstanceAndTheNote) {
+    const RecordingContext context(journal_);
+    expect_failure(raised_by([] { Gen_GetComponent(u"Nobody.Knows"); }), 429, u"Test.Context",
+                   "\r\n"
+                   "ERROR 0x1AD\r\n"
+                   " METHOD: Lib_General.Gen_GetComponent\r\n"
+                   " DESC: ActiveX component can't create object.\r\n"
+                   " INFO: CreateInstance(Nobody.Knows) failed.\r\n"
+                   "Note: Objects having 'Instancing=PublicNotCreatable' may only be instantiated "
+                   "with 'New', not with Gen_GetComponent().\r\n");
+}
+
+TEST_FRESH(GetComponent, AFailureIsLoggedOnce) {
+    raised_by([] { Gen_GetComponent(u"Nobody.Knows"); });
+    const std::string info = "CreateObject(Nobody.Knows) failed";
+    EXPECT_THAT(log_.take(),
+                ElementsAre(LogEntry{
+                    "LogMessage", "OrvoMembership",
+                    block("1AD", method, block("1AD", method, cannot_create, info), info), 0}));
+}
+
+TEST_FRESH(GetComponent, InsideAContextTheLogTooComesFromTheContext) {
+    const RecordingContext context(journal_);
+    raised_by([] { Gen_GetComponent(u"Nobody.Knows"); });
+    EXPECT_EQ(log_.take().size(), 1u);
+    EXPECT_THAT(journal_.take(),
+                ElementsAre("CreateInstance(Nobody.Knows)", "CreateInstance(Quendra.Log)"));
+}
+
+TEST_FRESH(GetComponent, AMissingLogGivesTheSameFailureAndNoEndlessChain) {
+    log_.remove();
+    expect_failure(raised_by([] { Gen_GetComponent(u"Nobody.Knows"); }), 429, u"OrvoMembership",
+                   block("1AD", method, cannot_create, "CreateObject(Nobody.Knows) failed"));
+    expect_failure(raised_by([] { Gen_GetComponent(u"Quendra.Log"); }), 429, u"OrvoMembership",
+                   block("1AD", method, cannot_create, "CreateObject(Quendra.Log) failed"));
+}
+
+TEST_FRESH(GetComponent, WhatAClassRaisesWhileItIsMadeKeepsItsNumberAndSource) {
+    journal_.refuse("new Quendra.Configuration",
+                    {error_number(0x80040999), u"Its.Own", u"not today"});
+    expect_failure(
+        raised_by([] { Gen_GetComponent(u"Quendra.Configuration"); }), error_number(0x80040999),
+        u"Its.Own",
+        block("80040999", method, "not today", "CreateObject(Quendra.Configuration) failed"));
+}
+
+TEST_FRESH(GetComponent, AComponentThatLacksTheInterfaceIsATypeMismatch) {
+    const Failure failure =
+        raised_by([] { Gen_GetComponent<DirectoryModule>(u"Quendra.Configuration"); });
+    EXPECT_EQ(failure.number, 13);
+    EXPECT_EQ(to_utf8(failure.description), "Type mismatch");
+}
+
+class IntrinsicState : public ComponentTest {};
+
+TEST_FRESH(IntrinsicState, IsMinusOneWithoutAnApplicationServer) {
+    EXPECT_EQ(Gen_GetIntrinsicState(u"Session"), -1);
+}
+
+TEST_FRESH(IntrinsicState, IsMinusOneOutsideAContext) {
+    const LocalClass app_server = local_class<AppServerObject>();
+    EXPECT_EQ(Gen_GetIntrinsicState(u"Session"), -1);
+}
+
+TEST_FRESH(IntrinsicState, IsZeroForAnItemThatTheContextHas) {
+    RecordingContext context(journal_);
+    context.items[u"Session"] = configuration_.make_one().object();
+    EXPECT_EQ(Gen_GetIntrinsicState(u"Session"), 0);
+    EXPECT_THAT(journal_.take(), ElementsAre("Item(Session)"));
+}
+
+TEST_FRESH(IntrinsicState, IsMinusTwoForAnItemThatTheContextLacks) {
+    RecordingContext context(journal_);
+    context.items[u"Session"] = Object();
+    EXPECT_EQ(Gen_GetIntrinsicState(u"Session"), -2) << "nothing";
+    EXPECT_EQ(Gen_GetIntrinsicState(u"Application"), -2) << "empty";
+}
+
+TEST_FRESH(IntrinsicState, IsMinusTwoWhenAskingFailsAndNeitherRaisesNorLogs) {
+    const RecordingContext context(journal_);
+    journal_.refuse("Item", {error_number(0x80070057), {}, u"no such item"});
+    EXPECT_EQ(Gen_GetIntrinsicState(u"Session"), -2);
+    EXPECT_THAT(log_.take(), IsEmpty());
+}
+
+// An application server that counts its objects and, when told to, says by a failure that the
+// caller runs in no context.
+class StubbornServer final : public AppServer {
+public:
+    StubbornServer() { ++objects; }
+    Ref<ObjectContext> GetObjectContext() override {
+        ++questions;
+        if (refuses) throw Failure(error_number(0x8004E004), {}, u"There is no object context");
+        return nullptr;
+    }
+    Variant SafeRef(const Variant& object) override { return object; }
+
+    static inline int objects = 0;
+    static inline int questions = 0;
+    static inline bool refuses = false;
+};
+
+}  // namespace
+
+template <>
+inline constexpr auto class_of<StubbornServer> =
+    describe_class<AppServer>("MTxAS.AppServer.1", "7e57ab1e-0000-4000-8000-0000000000f2");
+
+namespace {
+
+TEST_FRESH(IntrinsicState, IsMinusOneWhenAskingForTheContextFails) {
+    const LocalClass app_server = local_class<StubbornServer>();
+    StubbornServer::refuses = true;
+    EXPECT_EQ(Gen_GetIntrinsicState(u"Session"), -1);
+    StubbornServer::refuses = false;
+    EXPECT_THAT(log_.take(), IsEmpty());
+}
+
+TEST_FRESH(IntrinsicState, OneApplicationServerServesTheThreadAsLongAsItLives) {
+    const LocalClass app_server = local_class<StubbornServer>();
+    StubbornServer::objects = StubbornServer::questions = 0;
+    Gen_GetIntrinsicState(u"Session");
+    Gen_GetIntrinsicState(u"Application");
+    Gen_GetComponent(u"Quendra.Configuration");
+    EXPECT_EQ(StubbornServer::objects, 1);
+    EXPECT_EQ(StubbornServer::questions, 3);
+    in_fresh_thread([] { Gen_GetIntrinsicState(u"Session"); });
+    EXPECT_EQ(StubbornServer::objects, 2) << "another thread has one of its own";
+}
+
+TEST(EscapeQuotes, DoublesEveryApostrophe) {
+    EXPECT_EQ(Gen_EscapeQuotes(u"O'Brien"), u"O''Brien");
+    EXPECT_EQ(Gen_EscapeQuotes(u"''"), u"''''");
+    EXPECT_EQ(Gen_EscapeQuotes(u"'a'b'"), u"''a''b''");
+}
+
+TEST(EscapeQuotes, LeavesATextWithoutApostrophesAsItIs) {
+    EXPECT_EQ(Gen_EscapeQuotes(u"jsmith \"x\" \u2019"), u"jsmith \"x\" \u2019");
+    EXPECT_EQ(Gen_EscapeQuotes(u""), u"");
+}
+
+}  // namespace
+}  // namespace orvo

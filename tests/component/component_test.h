@@ -1,0 +1,66 @@
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include "platform/automation/values.h"
+#include "tests/support/recording/doors.h"
+#include "tests/support/recording/fresh_thread.h"
+#include "tests/support/recording/raised.h"
+#include "tests/support/recording/recording_configuration.h"
+#include "tests/support/recording/recording_context.h"
+#include "tests/support/recording/recording_directory.h"
+#include "tests/support/recording/recording_log.h"
+
+namespace orvo {
+
+// The block into which HandleError puts a description, without a line of information.
+inline std::string block(const std::string& number, const std::string& method,
+                         const std::string& description) {
+    return "\r\nERROR 0x" + number + "\r\n METHOD: " + method + "\r\n DESC: " + description +
+           ".\r\n";
+}
+// The same with a line of information.
+inline std::string block(const std::string& number, const std::string& method,
+                         const std::string& description, const std::string& info) {
+    return block(number, method, description) + " INFO: " + info + ".\r\n";
+}
+
+// The component among recording neighbours: a log, a configuration with the settings of a shop
+// whose values all differ, and a directory.
+class ComponentTest : public testing::Test {
+protected:
+    using Section = RecordingConfiguration::Section;
+
+    ComponentTest() { membership() = shop(); }
+
+    static Section shop() {
+        return {
+            {u"LDAPServer", u"dir01:389"},
+            {u"UserContainer", u"ou=Users"},
+            {u"ProfileContainer", u"ou=Profiles"},
+            {u"AccountContainer", u"ou=Accounts"},
+            {u"UserClass", u"top,person"},
+            {u"ProfileClass", u"shopProfile"},
+            {u"AccountClass", u"shopAccount"},
+            {u"ProfileNamingAttribute", u"pn"},
+            {u"UserNamingAttribute", u"un"},
+            {u"AccountNamingAttribute", u"an"},
+            {u"UserMandatoryAttributes", u"sn,mail"},
+            {u"MemScriptUser", u"cn=script"},
+            {u"MemScriptCode", u"script-code"},
+            {u"CookieName", u"ShopLogin"},
+            {u"LDAPRoot", u"o=Shop"},
+            {u"ConfigFileName", u"directory.ini"},
+            {u"PlugableModuleImplementation", u"Test.Directory"},
+        };
+    }
+
+    Section& membership() { return configuration_.sections[u"MEMBERSHIP"]; }
+
+    Journal journal_;
+    RecordingLog log_;
+    RecordingConfiguration configuration_{journal_};
+    RecordingDirectory directory_{journal_};
+};
+
+}  // namespace orvo

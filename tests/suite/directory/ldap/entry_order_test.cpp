@@ -1,0 +1,96 @@
+#include "suite/directory/ldap/entry_order.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <random>
+
+namespace orvo::directory::ldap {
+namespace {
+
+using testing::ElementsAre;
+
+EntryData entry(const std::string& name) { return {name, {{"name", {name}}}}; }
+
+// Rows of one column, the last attribute's first value.
+FirstRows first_rows(std::size_t wanted = FirstRows::all) {
+    return {wanted, [](const EntryData& entry) {
+                return FirstRows::Row{from_utf8(entry.attributes.back().values.front())};
+            }};
+}
+
+std::vector<std::string> in_order(FirstRows& rows) {
+    std::vector<std::string> names;
+    rows.take_each([&](FirstRows::Row&& row) { names.push_back(to_utf8(row[0].text_view())); });
+    return names;
+}
+
+TEST(EntryOrder, IsThatOfTheNamingAttributeWithoutRegardToCase) {
+    EXPECT_EQ(order_key("cn=Smith,ou=Users,o=Shop"), order_key("cn=SMITH,ou=Other,o=Shop"));
+    EXPECT_EQ(order_key("cn=J\xC3\xB6rg,o=Shop"), order_key("cn=J\xC3\x96RG,o=Shop"));
+    EXPECT_EQ(order_key("cn=\xD0\x96,o=Shop"), order_key("cn=\xD0\xB6,o=Shop"));
+    EXPECT_LT(order_key("cn=Zo\xC3\xAB"), order_key("cn=\xC3\x84rne"));
+    EXPECT_LT(order_key("cn=smith,o=Shop"), order_key("cn=Smith John,o=Shop"));
+    EXPECT_LT(order_key("cn=Smith John,o=Shop"), order_key("cn=smithers,o=Shop"));
+}
+
+TEST(EntryOrder, CountsWhatEscapesStandFor) {
+    EXPECT_EQ(order_key("cn=Smith\\, John,o=Shop"), order_key("cn=Smith\\2C John,o=Shop"));
+    EXPECT_EQ(order_key("cn=J\\C3\\B6rg,o=Shop"), order_key("cn=J\xC3\xB6rg,o=Shop"));
+    EXPECT_NE(order_key("cn=Smith\\, John,o=Shop"), order_key("cn=Smith,o=Shop"));
+    EXPECT_EQ(order_key("cn=a\\+b,o=Shop"), order_key("cn=a\\2bb,o=Shop"));
+}
+
+TEST(EntryOrder, OfANameOfSeveralValuesIsThatOfTheFirst) {
+    EXPECT_EQ(order_key("cn=a+sn=b,o=Shop"), order_key("cn=a,o=Shop"));
+}
+
+TEST(EntryOrder, HoldsForAnyName) {
+    EXPECT_EQ(order_key(""), "");
+    for (const char* name : {"=", "cn", "cn=", "cn=\\", "cn=a\\", "cn=a\\2", "cn=\\FF,o=Shop"})
+        EXPECT_EQ(order_key(name), order_key(name)) << name;
+    EXPECT_EQ(order_key("cn=\\FF,o=Shop"), "\xFF");
+}
+
+TEST(FirstRows, AreHandedOverInOrder) {
+    FirstRows rows = first_rows();
+    for (const char* name : {"cn=b", "cn=C", "cn=a"}) rows.add(entry(name));
+    EXPECT_EQ(rows.size(), 3u);
+    EXPECT_THAT(in_order(rows), ElementsAre("cn=a", "cn=b", "cn=C"));
+    EXPECT_EQ(rows.size(), 0u);
+}
+
+TEST(FirstRows, OfEqualNamesAreOrderedByTheWholeName) {
+    FirstRows rows = first_rows(2);
+    for (const char* name : {"cn=a,ou=z", "cn=a,ou=x", "cn=a,ou=y"}) rows.add(entry(name));
+    EXPECT_THAT(in_order(rows), ElementsAre("cn=a,ou=x", "cn=a,ou=y"));
+}
+
+TEST(FirstRows, AreThoseInWhateverOrderTheyCame) {
+    std::mt19937 random(20);
+    std::vector<std::string> names;
+    for (int number = 100; number < 400; ++number) names.push_back("cn=" + std::to_string(number));
+    for (const std::size_t wanted : {1u, 2u, 7u, 299u, 300u, 301u}) {
+        std::shuffle(names.begin(), names.end(), random);
+        FirstRows rows = first_rows(wanted);
+        for (const std::string& name : names) {
+            rows.add(entry(name));
+            ASSERT_LE(rows.size(), wanted);
+        }
+        std::vector<std::string> expected = names;
+        std::sort(expected.begin(), expected.end());
+        expected.resize(std::min(wanted, expected.size()));
+        EXPECT_EQ(in_order(rows), expected) << wanted;
+    }
+}
+
+TEST(FirstRows, CanBeginAgain) {
+    FirstRows rows = first_rows(1);
+    rows.add(entry("cn=a"));
+    rows.clear();
+    rows.add(entry("cn=b"));
+    EXPECT_THAT(in_order(rows), ElementsAre("cn=b"));
+}
+
+}  // namespace
+}  // namespace orvo::directory::ldap

@@ -1,0 +1,156 @@
+#include "tests/support/recording/recording_directory.h"
+
+#include <utility>
+
+namespace orvo {
+namespace {
+
+constexpr abi::CLSID directory_clsid = guid("7e57ab1e-0000-4000-8000-000000000003");
+
+}  // namespace
+
+class EntryRecorder final : public DirectoryEntry {
+public:
+    explicit EntryRecorder(RecordingDirectory& owner) : owner_(owner) { ++owner_.entries; }
+    ~EntryRecorder() { --owner_.entries; }
+
+    void Bind(Text& server, Text& container, Text& common_name, Text& user, Text& password,
+              Variant& attributes) override {
+        journal().call("Bind", {server, container, common_name, user, password, attributes});
+        name_ = common_name.empty() ? container : common_name + u"," + container;
+    }
+    Variant GetValues(Text& name) override {
+        journal().call("GetValues", {name});
+        return owner_.values_of(name_, name);
+    }
+    void SetValues(Text& name, Variant& value) override {
+        journal().call("SetValues", {name, value});
+    }
+    void ClearValues(Text& name) override { journal().call("ClearValues", {name}); }
+    void CreateChild(Variant& classes, Text& naming_attribute, Object& attributes) override {
+        journal().call("CreateChild", {classes, naming_attribute, attributes});
+    }
+    void DeleteChild(Text& class_name, Text& entry_name) override {
+        journal().call("DeleteChild", {class_name, entry_name});
+    }
+    bool InitializeConnectionPool(Variant& names, Variant& values) override {
+        journal().call("InitializeConnectionPool", {names, values});
+        return owner_.is_ready;
+    }
+    bool InitializeCache(Variant& names, Variant& values) override {
+        journal().call("InitializeCache", {names, values});
+        return owner_.is_ready;
+    }
+
+private:
+    Journal& journal() { return owner_.journal(); }
+
+    RecordingDirectory& owner_;
+    Text name_;
+};
+
+class SearchRecorder final : public DirectorySearch {
+public:
+    explicit SearchRecorder(RecordingDirectory& owner) : owner_(owner) {}
+
+    void Connect(Text& server, Text& container, Text& user, Text& password) override {
+        owner_.journal().call("Connect", {server, container, user, password});
+    }
+    Object Execute(Text& filter, Variant& attributes, std::int32_t maximum) override {
+        owner_.journal().call("Execute", {filter, attributes, maximum});
+        return owner_.found;
+    }
+
+private:
+    RecordingDirectory& owner_;
+};
+
+class ValidatorRecorder final : public DirectoryValidator {
+public:
+    explicit ValidatorRecorder(RecordingDirectory& owner) : owner_(owner) {}
+
+    void Open(Text& server, Text& user_container) override {
+        owner_.journal().call("Open", {server, user_container});
+    }
+    std::int32_t Validate(Variant& path, Variant& password) override {
+        owner_.journal().call("Validate", {path, password});
+        return owner_.verdict;
+    }
+
+private:
+    RecordingDirectory& owner_;
+};
+
+class SchemaRecorder final : public DirectorySchema {};
+
+class ModuleRecorder final : public DirectoryModule {
+public:
+    explicit ModuleRecorder(RecordingDirectory& owner) : owner_(owner) { ++owner_.modules; }
+    ~ModuleRecorder() { --owner_.modules; }
+
+    Ref<DirectorySchema> CreateSchema() override;
+    Ref<DirectoryEntry> CreateEntry() override;
+    Ref<DirectoryValidator> CreateValidator() override;
+    Ref<DirectorySearch> CreateSearch() override;
+
+private:
+    RecordingDirectory& owner_;
+};
+
+template <>
+inline constexpr auto class_of<EntryRecorder> =
+    describe_class<DirectoryEntry>("Test.Directory.Entry");
+template <>
+inline constexpr auto class_of<SearchRecorder> =
+    describe_class<DirectorySearch>("Test.Directory.Search");
+template <>
+inline constexpr auto class_of<ValidatorRecorder> =
+    describe_class<DirectoryValidator>("Test.Directory.Validator");
+template <>
+inline constexpr auto class_of<SchemaRecorder> =
+    describe_class<DirectorySchema>("Test.Directory.Schema");
+template <>
+inline constexpr auto class_of<ModuleRecorder> = describe_class<DirectoryModule>("Test.Directory");
+
+Ref<DirectorySchema> ModuleRecorder::CreateSchema() {
+    owner_.journal().call("CreateSchema");
+    return make<SchemaRecorder>();
+}
+Ref<DirectoryEntry> ModuleRecorder::CreateEntry() {
+    owner_.journal().call("CreateEntry");
+    return make<EntryRecorder>(owner_);
+}
+Ref<DirectoryValidator> ModuleRecorder::CreateValidator() {
+    owner_.journal().call("CreateValidator");
+    return make<ValidatorRecorder>(owner_);
+}
+Ref<DirectorySearch> ModuleRecorder::CreateSearch() {
+    owner_.journal().call("CreateSearch");
+    return make<SearchRecorder>(owner_);
+}
+
+RecordingDirectory::RecordingDirectory(Journal& journal, const Text& progid) : journal_(journal) {
+    class_.emplace(progid, directory_clsid, [this, name = "new " + to_utf8(progid)] {
+        journal_.call(name);
+        return make<ModuleRecorder>(*this).object();
+    });
+}
+
+void RecordingDirectory::answer(const Text& attribute, const Variant& values) {
+    answer_of({}, attribute, values);
+}
+
+void RecordingDirectory::answer_of(const Text& entry, const Text& attribute,
+                                   const Variant& values) {
+    answers_.insert_or_assign({lower(entry), lower(attribute)}, values);
+}
+
+Variant RecordingDirectory::values_of(const Text& entry, const Text& attribute) const {
+    for (const Text& place : {lower(entry), Text()}) {
+        const auto answer = answers_.find({place, lower(attribute)});
+        if (answer != answers_.end()) return answer->second;
+    }
+    return Values{Variant()};
+}
+
+}  // namespace orvo

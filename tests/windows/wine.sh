@@ -1,0 +1,32 @@
+# How the Windows checks start and end programs under Wine. Sourced by `run`.
+
+# prepare_wine PREFIX: everything that follows runs in this Wine prefix, which is made where it does
+# not exist.
+prepare_wine() {
+    export WINEPREFIX=$1 WINEDEBUG=-all LC_ALL=C.UTF-8
+    export WINEDLLOVERRIDES='mscoree,mshtml=;winedbg.exe=d'
+    [[ -f $WINEPREFIX/system.reg ]] || timeout 300 wine wineboot -i >/dev/null 2>&1 </dev/null
+}
+
+# Ends what still runs in the prefix, and nothing else.
+end_wine() { wineserver -k >/dev/null 2>&1 || true; }
+
+# A path of this system as programs under Wine take it.
+wine_path() { echo "Z:${1//\//\\}"; }
+
+# in_wine PROGRAM [argument...]: ends with the program's code, 124 when it takes too long.
+in_wine() { timeout 120 wine "$@" </dev/null; }
+
+# What a text program printed, with this system's line ends.
+in_wine_text() { in_wine "$@" 2>&1 | tr -d '\r'; }
+
+# The class registry, one line for each value: "key|name|data".
+registry() {
+    local file=$1.reg
+    in_wine reg export 'HKEY_CLASSES_ROOT' "$(wine_path "$file")" /y >/dev/null 2>&1
+    iconv -f UTF-16 -t UTF-8 "$file" | tr -d '\r' | awk '
+        /^\[/ { key = substr($0, 20, length($0) - 20); print key "||"; next }
+        /^@=/ { print key "|@|" substr($0, 3); next }
+        /^"/ { at = index($0, "="); print key "|" substr($0, 1, at - 1) "|" substr($0, at + 1) }' \
+        >"$1"
+}
