@@ -107,13 +107,15 @@ Plan plan_call(const InterfaceInfo& info, abi::DISPID id, std::uint16_t flags, s
         for (Shape shape : {asked, other})
             if (const LateMember* member = info.find(id, shape)) return {member, count, false};
     } else {
-        for (Shape shape : {Shape::get, Shape::method})
-            if (const LateMember* member = info.find(id, shape)) {
-                const std::size_t arity = member->row->arity;
-                return {member, std::min(arity, count), count > arity};
-            }
-        return {};
+        if (const LateMember* property = info.find(id, Shape::get)) {
+            const std::size_t arity = property->row->arity;
+            return {property, std::min(arity, count), count > arity};
+        }
+        // A method is not carried out with arguments that it has no parameters for.
+        return {info.find(id, Shape::method), count, false};
     }
+    // Without an index there is nothing to hand on: the property is read-only.
+    if (count < 2) return {};
     if (const LateMember* holder = info.find(id, Shape::get))
         return {holder, std::min(holder->row->arity, count - 1), true};
     return {};

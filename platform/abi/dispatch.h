@@ -26,6 +26,7 @@ struct LateMember {
 
 struct InterfaceInfo {
     const abi::IID* iid;
+    bool is_dual = false;
     std::vector<LateMember> members;                    // in slot order
     std::vector<std::pair<Text, abi::DISPID>> by_name;  // lower case, sorted
 
@@ -126,7 +127,8 @@ const InterfaceInfo& interface_info() {
     static const InterfaceInfo info = [] {
         InterfaceInfo made;
         made.iid = &table_of<I>.iid;
-        if (!table_of<I>.dispatch) return made;
+        made.is_dual = table_of<I>.dispatch;
+        if (!made.is_dual) return made;
         table_of<I>.for_each([&]<auto M>(std::size_t index) {
             if constexpr (!std::is_null_pointer_v<std::remove_cv_t<decltype(M)>>)
                 made.add(table_of<I>.rows[index], &late_thunk<M>::invoke);

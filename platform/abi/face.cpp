@@ -14,9 +14,8 @@ HRESULT query(Face* face, const abi::IID* iid, void** out) noexcept {
     if (iid == nullptr) return abi::e_pointer;
     for (Face& candidate : face->core->faces()) {
         const bool is_first = &candidate == face->core->faces().data();
-        const bool is_dual = !candidate.info->members.empty();
         if (*iid == *candidate.info->iid || (is_first && *iid == abi::iid_unknown) ||
-            (is_dual && *iid == abi::iid_dispatch)) {
+            (candidate.info->is_dual && *iid == abi::iid_dispatch)) {
             face->core->add_reference();
             *out = &candidate;
             return abi::s_ok;

@@ -14,7 +14,7 @@ abi::HRESULT supports_error_info(Face* face, const abi::IID* iid) noexcept {
 }  // namespace
 
 const InterfaceInfo& support_error_info() {
-    static const InterfaceInfo info{&abi::iid_support_error_info, {}, {}};
+    static const InterfaceInfo info{&abi::iid_support_error_info, false, {}, {}};
     return info;
 }
 

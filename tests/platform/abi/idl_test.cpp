@@ -33,8 +33,8 @@ TEST(IdlWriter, WritesMembersInSlotOrderWithTheirNumbers) {
         /* 23 */ [id(14), propput] HRESULT Name([in] BSTR value);
         /* 24 */ [id(0), propget] HRESULT Item([in] BSTR key, [out, retval] BSTR* result);
         /* 25 */ [id(0), propput] HRESULT Item([in] BSTR key, [in] BSTR value);
-        /* 26 */ [id(18)] HRESULT Friend([out, retval] IProbe** result);
-        /* 27 */ [id(19)] HRESULT Nothing([out, retval] IDispatch** result);
+        /* 26 */ [id(18), propget] HRESULT Friend([out, retval] IProbe** result);
+        /* 27 */ [id(19), propget] HRESULT Nothing([out, retval] IDispatch** result);
         /* 28 */ [id(20), propget, hidden] HRESULT Counted([out, retval] long* result);
     };
 )");

@@ -152,10 +152,21 @@ TEST_F(LateCall, PutsWithAnIndexAndThroughTheDefaultMember) {
     abi::VariantClear(&key);
 }
 
-TEST_F(LateCall, HandsArgumentsThatAMemberHasNoParameterForToItsResult) {
-    EXPECT_EQ(late::call(probe, u"Friend", {u"k"}), Variant(u"<k:probe>"));
+TEST_F(LateCall, DoesNotCarryOutAMethodWithTooManyArguments) {
+    Variant arguments[] = {u"Ann", 1};
+    EXPECT_EQ(number_of([&] { late::call_by_reference(probe, u"Greet", arguments); }), 450);
+    EXPECT_EQ(arguments[0], Variant(u"Ann"));
+}
+
+TEST_F(LateCall, DoesNotReadAPropertyThatIsToBeWrittenButIsReadOnly) {
+    EXPECT_EQ(number_of([&] { late::put(probe, u"Counted", 5); }), 438);
+    EXPECT_EQ(late::get(probe, u"Counted"), Variant(0)) << "it was not read before";
+}
+
+TEST_F(LateCall, HandsArgumentsThatAPropertyHasNoParameterForToItsResult) {
+    EXPECT_EQ(late::get(probe, u"Friend", {u"k"}), Variant(u"<k:probe>"));
     late::put(probe, u"Name", u"mine");
-    EXPECT_EQ(number_of([&] { late::call(probe, u"Nothing", {u"k"}); }), 450);
+    EXPECT_EQ(number_of([&] { late::get(probe, u"Nothing", {u"k"}); }), 450);
     EXPECT_EQ(number_of([&] { late::call(probe, u"Name", {u"k"}); }), 450);
 }
 
@@ -209,7 +220,7 @@ TEST_F(LateCall, FromAnotherThreadIsAnsweredWrongThread) {
 TEST_F(LateCall, PassesArraysAndObjects) {
     EXPECT_EQ(late::call(probe, u"Reverse", {Values{1, 2}}), Variant(Values{2, 1}));
     EXPECT_EQ(late::call(probe, u"Echo", {probe}), Variant(probe));
-    EXPECT_TRUE(late::call(probe, u"Friend").is_object());
+    EXPECT_TRUE(late::get(probe, u"Friend").is_object());
 }
 
 }  // namespace

@@ -60,8 +60,8 @@ inline constexpr auto table_of<Probe> = describe<Probe>(
     method<&Probe::Fail>("Fail", "number"), method<&Probe::FailBare>("FailBare"),
     method<&Probe::Crash>("Crash"), get<&Probe::Name>("Name"),
     put<&Probe::SetName>("Name", "value"), get<&Probe::Item>("Item", "key").as_default(),
-    put<&Probe::SetItem>("Item", "key", "value").as_default(), method<&Probe::Friend>("Friend"),
-    method<&Probe::Nothing>("Nothing"), get<&Probe::Counted>("Counted").hidden());
+    put<&Probe::SetItem>("Item", "key", "value").as_default(), get<&Probe::Friend>("Friend"),
+    get<&Probe::Nothing>("Nothing"), get<&Probe::Counted>("Counted").hidden());
 // clang-format on
 
 // A second interface of the same object, called by slot only, with members that return their value
