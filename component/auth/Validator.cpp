@@ -16,7 +16,9 @@ std::int32_t Validator::CheckUserPassword(Text sUserId, Text sPassword) {
 
 Variant Validator::ValidatePassword(Variant& iUserId, Variant& iPassword) {
     return trapped(u"OrvoMembership.Validator.ValidatePassword", [&] {
-        return Variant(CheckUserPassword(iUserId.to<Text>(), iPassword.to<Text>()));
+        Text user = iUserId.to<Text>();
+        Text password = iPassword.to<Text>();
+        return Variant(CheckUserPassword(std::move(user), std::move(password)));
     });
 }
 

@@ -43,7 +43,9 @@ Object Gen_GetComponent(const Text& progID) {
         [&]() -> Object {
             const Ref<ObjectContext> context = object_context();
             if (!context) return create_object(progID);
-            return call<&ObjectContext::CreateInstance>(context, progID).to<Object>();
+            Object made = call<&ObjectContext::CreateInstance>(context, progID).to<Object>();
+            if (!made) raise_runtime_error(runtime_error::cannot_create_object);
+            return made;
         });
 }
 

@@ -14,7 +14,8 @@
 namespace orvo {
 namespace detail {
 
-// One argument on its way out; what an in-out argument brought back is in place afterwards.
+// One argument on its way out; what an in-out argument brought back is in place afterwards. An
+// in-out variant is lent where it stands, so that one variable may be passed for two arguments.
 template <class P>
 class outgoing {
     using T = natural<P>;
@@ -34,7 +35,7 @@ public:
     explicit outgoing(T& value) requires(is_in_out<P>) : value_(&value) {
         if constexpr (std::is_same_v<T, Text>)
             raw_ = C::give(value);
-        else
+        else if constexpr (!std::is_same_v<T, Variant>)
             raw_ = C::give(std::move(value));
     }
     ~outgoing() {
@@ -43,6 +44,12 @@ public:
         } else if constexpr (std::is_same_v<T, Text>) {
             if (C::view(raw_) != *value_) *value_ = C::view(raw_);
             abi::SysFreeString(raw_);
+        } else if constexpr (std::is_same_v<T, Variant>) {
+            // A callee has no business leaving a by-reference value: what that refers to is taken.
+            abi::VARIANT& left = *value_->lend();
+            if (!(left.vt & abi::VT_BYREF)) return;
+            const abi::VARIANT reference = std::exchange(left, {});
+            abi::VariantCopyInd(&left, &reference);
         } else {
             *value_ = C::take(raw_);
         }
@@ -51,14 +58,16 @@ public:
     outgoing& operator=(const outgoing&) = delete;
 
     raw_argument<P> pass() {
-        if constexpr (is_in_out<P>)
+        if constexpr (is_in_out<P> && std::is_same_v<T, Variant>)
+            return value_->lend();
+        else if constexpr (is_in_out<P>)
             return &raw_;
         else
             return raw_;
     }
 
 private:
-    typename C::raw raw_;
+    typename C::raw raw_ = C::none;
     T* value_ = nullptr;
 };
 

@@ -29,14 +29,14 @@ Values crossing<Values>::copy(raw value) {
 }
 
 Values crossing<Values>::take(raw& value) {
-    abi::SAFEARRAY* taken = std::exchange(value, nullptr);
-    if (taken == nullptr) return {};
+    if (value == nullptr) return {};
     abi::VARTYPE element = abi::VT_VARIANT;
-    abi::SafeArrayGetVartype(taken, &element);
-    if (element == abi::VT_VARIANT && abi::SafeArrayGetDim(taken) == 1)
-        return Values::attach(taken);
-    Values converted = copy(taken);
-    abi::SafeArrayDestroy(taken);
+    abi::SafeArrayGetVartype(value, &element);
+    if (element == abi::VT_VARIANT && abi::SafeArrayGetDim(value) == 1)
+        return Values::attach(std::exchange(value, nullptr));
+    // An array that cannot be converted stays its owner's.
+    Values converted = copy(value);
+    abi::SafeArrayDestroy(std::exchange(value, nullptr));
     return converted;
 }
 

@@ -59,9 +59,11 @@ public:
             for (std::size_t i = 0; i < taken; ++i) values[i] = argument(i);
         }
         for (std::size_t i = 0; i < arity; ++i) {
-            if (values[i] != nullptr && is_missing(*values[i]) &&
-                member.row->parameters[i].may_be_missing)
-                values[i] = nullptr;
+            if (values[i] != nullptr && refers_to_nothing(*values[i])) {
+                if (bad_argument != nullptr) *bad_argument = place_of(values[i]);
+                return abi::e_invalidarg;
+            }
+            if (values[i] != nullptr && is_missing(*values[i])) values[i] = nullptr;
             if (values[i] == nullptr && !member.row->parameters[i].may_be_missing)
                 return abi::disp_e_paramnotoptional;
         }
@@ -81,6 +83,13 @@ private:
     abi::VARIANT* argument(std::size_t index) { return &passed_.rgvarg[passed_.cArgs - 1 - index]; }
     std::uint32_t place_of(const abi::VARIANT* value) const {
         return static_cast<std::uint32_t>(value - passed_.rgvarg);
+    }
+    static bool refers_to_nothing(const abi::VARIANT& value) {
+        auto is_null = [](const abi::VARIANT& reference) {
+            return reference.vt & abi::VT_BYREF && reference.byref == nullptr;
+        };
+        return is_null(value) ||
+               (value.vt == (abi::VT_BYREF | abi::VT_VARIANT) && is_null(*value.pvarVal));
     }
     static bool is_missing(const abi::VARIANT& value) {
         return value.vt == abi::VT_ERROR && value.scode == abi::disp_e_paramnotfound;
@@ -191,6 +200,9 @@ HRESULT invoke(Face* face, abi::DISPID id, const abi::IID* reserved, abi::LCID, 
     if (!face->core->is_called_at_home()) return abi::rpc_e_wrong_thread;
     abi::DISPPARAMS none{};
     if (passed == nullptr) passed = &none;
+    if ((passed->cArgs != 0 && passed->rgvarg == nullptr) ||
+        (passed->cNamedArgs != 0 && passed->rgdispidNamedArgs == nullptr))
+        return abi::e_invalidarg;
     const bool is_put = flags & (abi::DISPATCH_PROPERTYPUT | abi::DISPATCH_PROPERTYPUTREF);
     const bool names_the_value = is_put && passed->cNamedArgs == 1 &&
                                  passed->rgdispidNamedArgs[0] == abi::DISPID_PROPERTYPUT;

@@ -60,8 +60,8 @@ public:
             if constexpr (std::is_same_v<T, Variant>) {
                 constexpr auto by_reference = abi::VT_BYREF | abi::VT_VARIANT;
                 if (passed->vt == by_reference && !(passed->pvarVal->vt & abi::VT_BYREF)) {
-                    borrowed_ = passed->pvarVal;
-                    value_ = Variant::attach(*borrowed_);
+                    // Where it stands: the caller may pass the same variable once more.
+                    seen_ = in_place(*passed->pvarVal);
                     return;
                 }
             }
@@ -79,9 +79,6 @@ public:
     }
     ~late_argument() {
         if constexpr (is_in_out<P>) {
-            if constexpr (std::is_same_v<T, Variant>) {
-                if (borrowed_ != nullptr) value_.detach(*borrowed_);
-            }
             if (reference_ != nullptr && !(value_ == before_))
                 store_through_reference(*reference_, to_late(std::move(value_)));
         }
@@ -89,14 +86,14 @@ public:
     late_argument(const late_argument&) = delete;
     late_argument& operator=(const late_argument&) = delete;
 
-    T& value() { return value_; }
+    T& value() { return *seen_; }
 
 private:
     struct nothing {};
     T value_{};
+    T* seen_ = &value_;
     std::conditional_t<is_in_out<P>, T, nothing> before_{};
     abi::VARIANT* reference_ = nullptr;
-    abi::VARIANT* borrowed_ = nullptr;
 };
 
 template <auto M, class S = std::remove_cv_t<decltype(M)>>

@@ -68,7 +68,12 @@ void put_standard_slots(abi::Slot* slots, bool dispatch) {
     slots[abi::slot_invoke] = reinterpret_cast<abi::Slot>(&invoke);
 }
 
-abi::HRESULT reserved_slot() { return abi::e_notimpl; }
+abi::HRESULT reserved_slot() { return refused(abi::e_notimpl); }
+
+abi::HRESULT refused(abi::HRESULT code) noexcept {
+    abi::SetErrorInfo(0, nullptr);
+    return code;
+}
 
 void raise_null_pointer(const char* parameter) {
     throw Failure(abi::e_pointer, {},
@@ -127,8 +132,12 @@ void store_through_reference(abi::VARIANT& reference, const Variant& value) {
     abi::VariantClear(&old);
 }
 
-const Variant& follow_reference(const abi::VARIANT& passed, Variant& storage) {
+Variant* in_place(abi::VARIANT& variable) {
     static_assert(sizeof(Variant) == sizeof(abi::VARIANT));
+    return reinterpret_cast<Variant*>(&variable);
+}
+
+const Variant& follow_reference(const abi::VARIANT& passed, Variant& storage) {
     const abi::VARIANT* value = &passed;
     if (value->vt == (abi::VT_BYREF | abi::VT_VARIANT)) value = value->pvarVal;
     if (!(value->vt & abi::VT_BYREF)) return reinterpret_cast<const Variant&>(*value);

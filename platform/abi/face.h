@@ -54,8 +54,11 @@ private:
 // IUnknown's slots and, where `dispatch`, IDispatch's.
 void put_standard_slots(abi::Slot* slots, bool dispatch);
 
+// A caller's variant, which is no by-reference value, used where it stands.
+Variant* in_place(abi::VARIANT& variable);
+
 // Writes a value into the variable that a by-reference variant refers to, converted to its type;
-// leaves it alone when the value is what it already holds or cannot be converted.
+// leaves it alone when the value cannot be converted.
 void store_through_reference(abi::VARIANT& reference, const Variant& value);
 
 // How many objects of this module are alive, counted for DllCanUnloadNow.

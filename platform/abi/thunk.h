@@ -11,8 +11,13 @@ namespace orvo::detail {
 
 [[noreturn]] void raise_null_pointer(const char* parameter);
 
+// Answers a code that comes without an error object; one that an earlier call left is taken away,
+// so that nobody takes it for this call's.
+abi::HRESULT refused(abi::HRESULT code) noexcept;
+
 // One argument that came in by slot; what the method did to an in-out argument is in the caller's
-// slot afterwards, also when the method failed.
+// slot afterwards, also when the method failed. A caller may pass one variable for two arguments:
+// a variant is therefore used where it stands, and a text is written back only when it changed.
 template <class P>
 class incoming {
     using T = natural<P>;
@@ -28,9 +33,12 @@ public:
         if (slot == nullptr) return;
         if constexpr (std::is_same_v<T, Text>) {
             value_ = C::copy(*slot);
+            before_ = *slot;
         } else if constexpr (std::is_same_v<T, Variant>) {
-            is_reference_ = (slot->vt & abi::VT_BYREF) != 0;
-            value_ = is_reference_ ? C::copy(*slot) : C::take(*slot);
+            if (slot->vt & abi::VT_BYREF)
+                before_ = value_ = C::copy(*slot);
+            else
+                seen_ = in_place(*slot);
         } else {
             value_ = C::take(*slot);
         }
@@ -39,14 +47,13 @@ public:
         if constexpr (is_in_out<P>) {
             if (slot_ == nullptr) return;
             if constexpr (std::is_same_v<T, Text>) {
-                if (C::view(*slot_) == value_) return;
-                abi::SysFreeString(*slot_);
+                // A slot with another text in it was written as the slot of another argument.
+                if (*slot_ != before_ || C::view(*slot_) == value_) return;
                 *slot_ = C::give(value_);
+                abi::SysFreeString(before_);
             } else if constexpr (std::is_same_v<T, Variant>) {
-                if (is_reference_)
+                if (seen_ == &value_ && !(value_ == before_))
                     store_through_reference(*slot_, value_);
-                else
-                    value_.detach(*slot_);
             } else {
                 *slot_ = C::give(std::move(value_));
             }
@@ -64,12 +71,18 @@ public:
     void set_missing() {
         if constexpr (std::is_same_v<T, Variant>) value_ = Variant::missing();
     }
-    T& value() { return value_; }
+    T& value() { return *seen_; }
 
 private:
+    struct nothing {};
+    using Before = std::conditional_t<
+        !is_in_out<P>, nothing,
+        std::conditional_t<std::is_same_v<T, Text>, abi::BSTR,
+                           std::conditional_t<std::is_same_v<T, Variant>, Variant, nothing>>>;
     T value_{};
+    T* seen_ = &value_;
+    [[no_unique_address]] Before before_{};
     typename C::raw* slot_ = nullptr;
-    bool is_reference_ = false;
 };
 
 // The function in the slot of one row; `row` counts in the table of I.
@@ -99,7 +112,7 @@ struct vtable_thunk<M, row, R (I::*)(P...)> {
     }
 
     static abi::HRESULT without_result(Face* face, raw_argument<P>... raw) noexcept {
-        if (!face->core->is_called_at_home()) return abi::rpc_e_wrong_thread;
+        if (!face->core->is_called_at_home()) return refused(abi::rpc_e_wrong_thread);
         try {
             run(*static_cast<I*>(face->target), raw...);
             return abi::s_ok;
@@ -110,9 +123,9 @@ struct vtable_thunk<M, row, R (I::*)(P...)> {
 
     template <class Raw>
     static abi::HRESULT with_result(Face* face, raw_argument<P>... raw, Raw* result) noexcept {
-        if (result == nullptr) return abi::e_pointer;
+        if (result == nullptr) return refused(abi::e_pointer);
         *result = crossing<natural<R>>::none;
-        if (!face->core->is_called_at_home()) return abi::rpc_e_wrong_thread;
+        if (!face->core->is_called_at_home()) return refused(abi::rpc_e_wrong_thread);
         try {
             *result = crossing<natural<R>>::give(run(*static_cast<I*>(face->target), raw...));
             return abi::s_ok;

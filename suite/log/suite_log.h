@@ -14,7 +14,7 @@ class LogWriter;
 // form of log_entry.h. Both operations write to the same place; an entry of LogMessageAlternate is
 // marked "[alternate]". Both answer an empty value, and raise (log_writer.h) when an entry cannot
 // be written: whether that matters is the caller's decision. The objects of a process share one
-// writer, so making one for a single entry is cheap. Any thread.
+// writer, so making one for a single entry is cheap. One object belongs to one thread.
 class SuiteLog final : public Log {
 public:
     SuiteLog();
