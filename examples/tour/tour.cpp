@@ -193,8 +193,7 @@ int main(int argc, char** argv) {
         change_a_password(info);
         fail_once(info);
     } catch (const Failure& failure) {
-        std::cout << "\nStopped by a failure from " << to_utf8(failure.source) << ": "
-                  << failure.what() << '\n';
+        std::cout << "\nStopped by a failure: " << failure.what() << '\n';
         return 1;
     }
     return things_gone_wrong == 0 ? 0 : 1;

@@ -30,6 +30,14 @@ std::string naming_value(std::string_view name) {
     return value;
 }
 
+// In the order of the texts themselves, as far as it goes.
+std::uint64_t first_octets(std::string_view text) {
+    std::uint64_t number = 0;
+    for (std::size_t at = 0; at < sizeof number; ++at)
+        number = number << 8 | (at < text.size() ? static_cast<unsigned char>(text[at]) : 0);
+    return number;
+}
+
 }  // namespace
 
 std::string order_key(std::string_view name) {
@@ -39,9 +47,16 @@ std::string order_key(std::string_view name) {
     return matching_key(MatchingRule::case_ignore, value).value_or(std::move(value));
 }
 
+bool FirstRows::Kept::operator<(const Kept& other) const {
+    const int order = key.compare(other.key);
+    return order != 0 ? order < 0 : name < other.name;
+}
+
 void FirstRows::add(EntryData&& entry) {
-    Kept added{order_key(entry.name), std::move(entry.name), {}};
     const bool is_full = kept_.size() == wanted_;
+    std::string key = order_key(entry.name);
+    if (is_full && key > kept_.front().key) return;
+    Kept added{std::move(key), entry.name, {}};
     if (is_full && !(added < kept_.front())) return;
     added.row = decode_(entry);
     if (is_full) {
@@ -54,13 +69,16 @@ void FirstRows::add(EntryData&& entry) {
     if (kept_.size() == wanted_) std::make_heap(kept_.begin(), kept_.end());
 }
 
-std::vector<FirstRows::Kept*> FirstRows::in_order() {
-    std::vector<Kept*> ordered;
-    ordered.reserve(kept_.size());
-    for (Kept& kept : kept_) ordered.push_back(&kept);
-    std::sort(ordered.begin(), ordered.end(),
-              [](const Kept* one, const Kept* other) { return *one < *other; });
-    return ordered;
+// Most names differ in their first letters, which are compared as one number.
+std::vector<FirstRows::Place> FirstRows::in_order() {
+    std::vector<Place> places;
+    places.reserve(kept_.size());
+    for (Kept& kept : kept_) places.push_back({first_octets(kept.key), &kept});
+    std::sort(places.begin(), places.end(), [](const Place& one, const Place& other) {
+        if (one.first_octets != other.first_octets) return one.first_octets < other.first_octets;
+        return *one.kept < *other.kept;
+    });
+    return places;
 }
 
 }  // namespace orvo::directory::ldap

@@ -3,6 +3,7 @@
 // The order of a search's rows.
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -38,7 +39,7 @@ public:
     // Hands the rows over in their order; none are left.
     template <class Take>
     void take_each(Take take) {
-        for (Kept* kept : in_order()) take(std::move(kept->row));
+        for (const Place& place : in_order()) take(std::move(place.kept->row));
         kept_.clear();
     }
 
@@ -48,13 +49,14 @@ private:
         std::string name;
         Row row;
 
-        bool operator<(const Kept& other) const {
-            const int order = key.compare(other.key);
-            return order != 0 ? order < 0 : name < other.name;
-        }
+        bool operator<(const Kept& other) const;
+    };
+    struct Place {
+        std::uint64_t first_octets;  // of the key
+        Kept* kept;
     };
 
-    std::vector<Kept*> in_order();
+    std::vector<Place> in_order();
 
     std::size_t wanted_;
     Decode decode_;

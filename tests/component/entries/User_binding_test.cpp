@@ -54,8 +54,9 @@ TEST_FRESH(UserBinding, TheCallersVariablesStayAsTheyAre) {
 TEST_FRESH(UserBinding, TheNameIsJoinedWithNothingBetweenAndUnescaped) {
     through_every_door([this](Behind<User>& user) {
         bind(user, u" a,b=c ", u"", u"");
-        EXPECT_EQ(journal_.take()[2], "Bind(dir01:389, ou=Users,o=Shop, un= a,b=c , , , "
-                                      "[cn, OrvoUserType, BusinessPartnerID])");
+        EXPECT_EQ(journal_.take()[2],
+                  "Bind(dir01:389, ou=Users,o=Shop, un= a,b=c , , , "
+                  "[cn, OrvoUserType, BusinessPartnerID])");
     });
 }
 
@@ -92,12 +93,11 @@ TEST_FRESH(UserBinding, InAContextTheProfileIsCreatedThroughIt) {
     EXPECT_THAT(
         journal_.take(),
         ElementsAre("CreateInstance(Test.Directory)", "new Test.Directory()", "CreateEntry()",
-                    bind_jsmith, "GetValues(ProfileCN)",
-                    "CreateInstance(OrvoMembership.Profile)", "Item(Session)",
-                    "GetValues(ProfileCN)", "CreateInstance(Test.Directory)",
-                    "new Test.Directory()", "CreateEntry()", bind_sales,
-                    "GetValues(OrvoUserType)", "CreateInstance(Test.Directory)",
-                    "new Test.Directory()", "CreateEntry()", bind_account));
+                    bind_jsmith, "GetValues(ProfileCN)", "CreateInstance(OrvoMembership.Profile)",
+                    "Item(Session)", "GetValues(ProfileCN)", "CreateInstance(Test.Directory)",
+                    "new Test.Directory()", "CreateEntry()", bind_sales, "GetValues(OrvoUserType)",
+                    "CreateInstance(Test.Directory)", "new Test.Directory()", "CreateEntry()",
+                    bind_account));
 }
 
 TEST_FRESH(UserBinding, ARebindToTheSameProfileKeepsTheProfileObject) {
@@ -109,8 +109,8 @@ TEST_FRESH(UserBinding, ARebindToTheSameProfileKeepsTheProfileObject) {
         bind(user);
         EXPECT_THAT(journal_.take(),
                     ElementsAre("CreateEntry()", bind_jsmith, "GetValues(ProfileCN)",
-                                "GetValues(cn)", "GetValues(OrvoUserType)",
-                                "new Test.Directory()", "CreateEntry()", bind_account));
+                                "GetValues(cn)", "GetValues(OrvoUserType)", "new Test.Directory()",
+                                "CreateEntry()", bind_account));
         EXPECT_EQ(user.call<&User::get_Profile>().get(), held.get());
     });
 }
@@ -183,13 +183,11 @@ TEST_FRESH(UserBinding, WithoutServerNameOrUserContainerBindAsRaisesServerInfoNo
         in_fresh_thread([&] {
             membership() = shop();
             membership().erase(setting);
-            Text seen = u"not asked";
             through_every_door([&](Behind<User>& user) {
                 expect_failure(raised_by([&] { bind(user); }), error_number(0x80040321),
                                u"OrvoMembership.User.BindAs",
                                block("80040321", bind_as, no_server_info));
-                EXPECT_THAT(journal_.take(),
-                            ElementsAre("new Test.Directory()", "CreateEntry()"))
+                EXPECT_THAT(journal_.take(), ElementsAre("new Test.Directory()", "CreateEntry()"))
                     << "the directory object is there by then";
                 EXPECT_THAT(log_.take_sources(), ElementsAre(bind_as));
                 Text name = u"mail";
@@ -208,10 +206,9 @@ TEST_FRESH(UserBinding, AnEmptyNameRaisesUserDoesNotExistAfterTheEntryWasReplace
                        u"OrvoMembership.User.BindAs", block("80040324", bind_as, no_name));
         EXPECT_THAT(journal_.take(), ElementsAre("CreateEntry()"));
         EXPECT_THAT(log_.take(),
-                    ElementsAre(LogEntry{"LogMessage", bind_as,
-                                         block("80040324", bind_as,
-                                               block("80040324", bind_as, no_name)),
-                                         0}));
+                    ElementsAre(LogEntry{
+                        "LogMessage", bind_as,
+                        block("80040324", bind_as, block("80040324", bind_as, no_name)), 0}));
     });
 }
 
@@ -354,7 +351,7 @@ TEST_FRESH(UserBinding, AFileThatCannotBeLoadedIsReportedUnderSetServerInfo) {
     for (const Door door : every_door) {
         SCOPED_TRACE(testing::PrintToString(door));
         Behind<User> user(door);
-        journal_.refuse("LoadSiteConfigurationFile", {53, u"Its.Own", u"not there"});
+        journal_.refuse("LoadConfigurationFile", {53, u"Its.Own", u"not there"});
         const Failure failure =
             raised_by([&] { user.call<&User::setServerInfo>(Text(u"missing.ini")); });
         EXPECT_EQ(failure.number, 53);
@@ -461,8 +458,7 @@ TEST_FRESH(UserActivation, ARefusedBindSurfacesFromCreationUnderBothNames) {
     journal_.refuse("Bind", no_rights());
     const auto expected = block("80072098", activate, block("80072098", bind_as, "(50) no rights"));
     expect_failure(raised_by([] { User(); }), error_number(0x80072098), u"Its.Own", expected);
-    expect_failure(raised_by([] { make<User>(); }), error_number(0x80072098), u"Its.Own",
-                   expected);
+    expect_failure(raised_by([] { make<User>(); }), error_number(0x80072098), u"Its.Own", expected);
     EXPECT_EQ(directory_.entries, 0);
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "component/auth/Validator.h"
 #include "component/config/SharedServerInfo.h"
 #include "component/entries/User_table.h"
@@ -12,9 +14,7 @@ inline constexpr const char* not_set = "Object variable or With block variable n
 inline constexpr const char* type_mismatch = "Type mismatch";
 
 // What the provider refuses with, where a test only asks how a refusal travels.
-inline Failure no_rights() {
-    return {error_number(0x80072098), u"Its.Own", u"(50) no rights"};
-}
+inline Failure no_rights() { return {error_number(0x80072098), u"Its.Own", u"(50) no rights"}; }
 
 // Users among recording neighbours. The component's own classes that a user makes by ProgID, and
 // the dictionary of its privilege lists, are classes of this process.
@@ -32,10 +32,13 @@ protected:
         log_.take();
     }
 
-    template <class User_>
-    static void bind(User_& user, Text name = u"jsmith", Text account = u"cn=web,o=Shop",
+    static void bind(Behind<User>& user, Text name = u"jsmith", Text account = u"cn=web,o=Shop",
                      Text password = u"web-code") {
-        user.template call<&User::BindAs>(name, account, password);
+        user.call<&User::BindAs>(name, account, password);
+    }
+    static void bind(User& user, Text name = u"jsmith") {
+        Text account = u"cn=web,o=Shop", password = u"web-code";
+        user.BindAs(name, account, password);
     }
 
     // Each door to an unbound user, with the settings loaded and nothing noted yet.
@@ -65,14 +68,15 @@ protected:
         directory_.answer_of(u"pn=" + name + u",ou=Profiles,o=Shop", u"cn", Values{name});
     }
     // What a profile of that name answers.
-    void answer_profile(const Text& attribute, const Variant& values,
-                        const Text& name = u"sales") {
+    void answer_profile(const Text& attribute, const Variant& values, const Text& name = u"sales") {
         directory_.answer_of(u"pn=" + name + u",ou=Profiles,o=Shop", attribute, values);
     }
 
     LocalClass profile_class_ = local_class<Profile>();
     LocalClass validator_class_ = local_class<Validator>();
-    LocalClass dictionary_class_ = local_class<DictionaryObject>();
+    std::optional<LocalClass> dictionary_class_{std::in_place, u"Scripting.Dictionary",
+                                                class_of<DictionaryObject>.clsid,
+                                                [] { return make<DictionaryObject>().object(); }};
 };
 
 }  // namespace orvo
