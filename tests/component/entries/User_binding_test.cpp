@@ -94,10 +94,10 @@ TEST_FRESH(UserBinding, InAContextTheProfileIsCreatedThroughIt) {
         journal_.take(),
         ElementsAre("CreateInstance(Test.Directory)", "new Test.Directory()", "CreateEntry()",
                     bind_jsmith, "GetValues(ProfileCN)", "CreateInstance(OrvoMembership.Profile)",
-                    "Item(Session)", "GetValues(ProfileCN)", "CreateInstance(Test.Directory)",
-                    "new Test.Directory()", "CreateEntry()", bind_sales, "GetValues(OrvoUserType)",
+                    "Item(Session)", "CreateInstance(Quendra.Log)", "GetValues(ProfileCN)",
                     "CreateInstance(Test.Directory)", "new Test.Directory()", "CreateEntry()",
-                    bind_account));
+                    bind_sales, "GetValues(OrvoUserType)", "CreateInstance(Test.Directory)",
+                    "new Test.Directory()", "CreateEntry()", bind_account));
 }
 
 TEST_FRESH(UserBinding, ARebindToTheSameProfileKeepsTheProfileObject) {
@@ -169,7 +169,8 @@ TEST_FRESH(UserBinding, AnEmptyTextAsProfileNameIsNoProfile) {
     });
 }
 
-// What stays done when a bind fails.
+// What stays done when a bind fails. The containers are composed with the root, so without a root
+// there is no user container.
 
 TEST_FRESH(UserBinding, WithoutAnySettingsBindAsFailsInTheProviderFactory) {
     Behind<User> user(Door::slots);
@@ -179,7 +180,7 @@ TEST_FRESH(UserBinding, WithoutAnySettingsBindAsFailsInTheProviderFactory) {
 }
 
 TEST_FRESH(UserBinding, WithoutServerNameOrUserContainerBindAsRaisesServerInfoNotCreated) {
-    for (const char16_t* setting : {u"LDAPServer", u"UserContainer", u"LDAPRoot"}) {
+    for (const char16_t* setting : {u"LDAPServer", u"LDAPRoot"}) {
         in_fresh_thread([&] {
             membership() = shop();
             membership().erase(setting);
@@ -284,12 +285,15 @@ TEST_FRESH(UserBinding, AnAccountThatCannotBeBoundFailsTheBindAndIsHeldUnbound) 
     });
 }
 
-TEST_FRESH(UserBinding, AUserTypeThatIsNoNumberFailsTheBindUnderBothNames) {
+TEST_FRESH(UserBinding, AUserTypeThatIsNoNumberFailsTheBindWithANewAccountNotYetBound) {
     directory_.answer_of(jsmith, u"OrvoUserType", Values{u"admin"});
     through_every_door([](Behind<User>& user) {
         expect_failure(
             raised_by([&] { bind(user); }), 13, u"OrvoMembership",
             block("D", bind_as, block("D", "OrvoMembership.User.OrvoUserType", type_mismatch)));
+        expect_failure(raised_by([&] { user.call<&User::NTUser>(); }), 91, u"OrvoMembership",
+                       block("5B", "OrvoMembership.User.NTUser",
+                             block("5B", "OrvoMembership.Account.get_NTUser", not_set)));
     });
 }
 
@@ -424,6 +428,23 @@ TEST_FRESH(UserActivation, ASessionWithoutALoginLoadsTheSettingsAndLeavesTheUser
     EXPECT_TRUE(shared_server_info()->IsLoaded());
     EXPECT_EQ(configuration_.alive, 0) << "the component is released";
     EXPECT_EQ(raised_by([&] { user.CN(); }).number, 91);
+}
+
+TEST_FRESH(UserActivation, TheSessionIsAskedForTheUserFirstAndForTheRestOnlyWhereThereIsOne) {
+    load_settings();
+    RecordingContext context(journal_);
+    // Reading a key that a dictionary lacks adds it, so the keys tell what was read.
+    const auto keys = [](const Object& session) {
+        return shown(call<&Dictionary::Keys>(Ref<Dictionary>::from(session)));
+    };
+    const Object without = session({});
+    context.items[u"Session"] = without;
+    { const User user; }
+    EXPECT_EQ(keys(without), "[REMOTE_USER]");
+    const Object with = session({{u"REMOTE_USER", u"jsmith"}});
+    context.items[u"Session"] = with;
+    { const User user; }
+    EXPECT_EQ(keys(with), "[REMOTE_USER, REMOTE_PASSWORD, REMOTE_ACCOUNT]");
 }
 
 TEST_FRESH(UserActivation, ASessionWithALoginBindsTheUserWithTheLoginsAccount) {
