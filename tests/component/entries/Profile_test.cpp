@@ -440,14 +440,14 @@ TEST_FRESH(ProfileTest, ApplicationsAreReadWholeAndWrittenOrClearedWhenEmpty) {
     EXPECT_EQ(call<&Profile::OrvoApps>(profile), Variant(numbers({-1, 4})));
     EXPECT_EQ(late::get(profile.object(), u"OrvoApps"), Variant(numbers({-1, 4})));
     journal_.clear();
-    call<&Profile::put_OrvoApps>(profile, Variant(numbers({4})));
-    late::put(profile.object(), u"OrvoApps", numbers({5}));
     call<&Profile::put_OrvoApps>(profile, Variant());
     late::put(profile.object(), u"OrvoApps", Variant());
+    call<&Profile::put_OrvoApps>(profile, Variant(numbers({4})));
+    late::put(profile.object(), u"OrvoApps", numbers({5}));
     call<&Profile::ClearOrvoApps>(profile);
     late::call(profile.object(), u"ClearOrvoApps");
-    EXPECT_THAT(journal_.take(), ElementsAre("SetValues(OrvoApps, [4])", "SetValues(OrvoApps, [5])",
-                                             "ClearValues(OrvoApps)", "ClearValues(OrvoApps)",
+    EXPECT_THAT(journal_.take(), ElementsAre("ClearValues(OrvoApps)", "ClearValues(OrvoApps)",
+                                             "SetValues(OrvoApps, [4])", "SetValues(OrvoApps, [5])",
                                              "ClearValues(OrvoApps)", "ClearValues(OrvoApps)"));
 }
 

@@ -515,6 +515,7 @@ TEST_FRESH(UserActivation, DeactivationDropsEntryAndProfileAndKeepsTheAccount) {
     call<&ObjectControl::IObjectControl_Deactivate>(control);
     EXPECT_THAT(journal_.take(), IsEmpty());
     EXPECT_EQ(directory_.entries, 1) << "the account's";
+    EXPECT_EQ(directory_.modules, 0) << "the factory goes as well";
     EXPECT_FALSE(call<&User::get_Profile>(user));
     EXPECT_EQ(raised_by([&] { call<&User::CN>(user); }).number, 91);
     EXPECT_EQ(call<&User::NTUser>(user), u"guest");

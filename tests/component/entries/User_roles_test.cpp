@@ -371,6 +371,18 @@ TEST_FRESH(UserApps, ClearingApplicationsClearsTheAttribute) {
     bound_through_every_door([this](Behind<User>& user) {
         user.call<&User::ClearOrvoApps>();
         EXPECT_THAT(journal_.take(), ElementsAre("ClearValues(OrvoApps)"));
+    });
+    User user;
+    bind(user);
+    Variant apps = roles_of({4});
+    user.put_OrvoApps(apps);
+    journal_.clear();
+    user.ClearOrvoApps();
+    EXPECT_THAT(journal_.take(), ElementsAre("ClearValues(OrvoApps)")) << "whatever was set before";
+}
+
+TEST_FRESH(UserApps, ARefusedClearShowsTheChainOfMethods) {
+    bound_through_every_door([this](Behind<User>& user) {
         journal_.refuse_nth("ClearValues", 1, no_rights());
         expect_failure(
             raised_by([&] { user.call<&User::ClearOrvoApps>(); }), error_number(0x80072098),
