@@ -10,7 +10,8 @@ namespace {
 template <class Range>
 std::string joined(const Range& values) {
     std::string text;
-    for (const Variant& value : values) text += (text.empty() ? "" : ", ") + shown(value);
+    const char* separator = "";
+    for (const Variant& value : values) text += std::exchange(separator, ", ") + shown(value);
     return text;
 }
 
