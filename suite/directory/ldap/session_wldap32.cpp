@@ -185,21 +185,6 @@ BindResult Session::bind_with_policy(const std::string& name, const Secret& pass
     return result;
 }
 
-ReadResult Session::read(const std::string& name, const std::vector<std::string>& attributes) {
-    ReadResult result;
-    SearchRequest request;
-    request.base = name;
-    request.attributes = attributes;
-    bool found = false;
-    static_cast<Result&>(result) = collect(send(request), [&](EntryData&& entry) {
-        result.entry = std::move(entry);
-        found = true;
-    });
-    // An entry that may not be read is not there for its reader.
-    if (result.ok() && !found) result.code = result_code::no_such_object;
-    return result;
-}
-
 PendingSearch Session::send(const SearchRequest& request) {
     Wide base(request.base);
     Wide filter(request.filter);
