@@ -1,20 +1,27 @@
 // Prints what is written from the component's tables.
 //
-//   orvo-idl               the IDL (component/server/OrvoMembership.idl)
-//   orvo-idl --properties  the page of the user's properties (docs/user-properties.md)
+//   orvo-idl                  the IDL (component/server/OrvoMembership.idl)
+//   orvo-idl --properties     the page of the user's properties (docs/user-properties.md)
+//   orvo-idl --property-list  their names for scripts (tests/conformance/user_catalogue.js.part)
 
 #include <iostream>
 #include <string_view>
 
 #include "component/server/idl.h"
 #include "component/server/properties_page.h"
+#include "component/server/properties_script.h"
 
 int main(int argc, char** argv) {
-    const bool properties = argc == 2 && std::string_view(argv[1]) == "--properties";
-    if (argc > 1 && !properties) {
-        std::cerr << "usage: orvo-idl [--properties]\n";
+    const std::string_view what = argc > 1 ? argv[1] : "";
+    if (argc == 1)
+        std::cout << orvo::component_idl();
+    else if (argc == 2 && what == "--properties")
+        std::cout << orvo::user_properties_page();
+    else if (argc == 2 && what == "--property-list")
+        std::cout << orvo::user_property_list_script();
+    else {
+        std::cerr << "usage: orvo-idl [--properties | --property-list]\n";
         return 2;
     }
-    std::cout << (properties ? orvo::user_properties_page() : orvo::component_idl());
     return std::cout.flush().good() ? 0 : 1;
 }

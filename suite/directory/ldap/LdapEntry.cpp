@@ -17,6 +17,7 @@ using std::chrono::steady_clock;
 
 // Asked for alone, it stands for "no attributes".
 constexpr const char* no_attributes = "1.1";
+constexpr const char* all_user_attributes = "*";
 
 std::vector<std::string> names_in(const Variant& attributes) {
     std::vector<std::string> names;
@@ -73,8 +74,8 @@ void LdapEntry::Bind(Text& server, Text& container, Text& common_name, Text& use
 
     Session session = login_->connect();
     fetched_.write_mark = write_mark(key_);
-    const auto wanted =
-        fetched_.asked.empty() ? std::vector<std::string>{no_attributes} : fetched_.asked;
+    std::vector<std::string> wanted = fetched_.asked;
+    wanted.push_back(wanted.empty() ? no_attributes : all_user_attributes);
     ReadResult read = session.read(name_, wanted);
     check(read);
     fetched_.entry = std::move(read.entry);
@@ -121,16 +122,18 @@ std::vector<std::string> LdapEntry::values_in(const EntryData& entry,
     return {};
 }
 
-std::optional<std::vector<std::string>> LdapEntry::take_fetched(const std::string& name) {
-    const auto asked =
-        std::find_if(fetched_.asked.begin(), fetched_.asked.end(),
-                     [&](const std::string& one) { return facts_->types.same(one, name); });
-    if (asked == fetched_.asked.end()) return std::nullopt;
-    fetched_.asked.erase(asked);
+// Nothing for what was not fetched. An attribute that the entry seems to lack may be one that the
+// server sends only when asked by name.
+std::optional<std::vector<std::string>> LdapEntry::fetched_values(const std::string& name) const {
     if (steady_clock::now() - fetched_.at > fetched_lasts ||
         write_mark(key_) != fetched_.write_mark)
         return std::nullopt;
-    return values_in(fetched_.entry, name);
+    std::vector<std::string> values = values_in(fetched_.entry, name);
+    if (values.empty() &&
+        std::none_of(fetched_.asked.begin(), fetched_.asked.end(),
+                     [&](const std::string& one) { return facts_->types.same(one, name); }))
+        return std::nullopt;
+    return values;
 }
 
 Variant LdapEntry::GetValues(Text& name) {
@@ -138,7 +141,7 @@ Variant LdapEntry::GetValues(Text& name) {
     if (name.empty()) raise_runtime_error(runtime_error::invalid_call);
     const std::string attribute = to_utf8(name);
     const AttributeType* type = type_of(attribute);
-    if (const auto fetched = take_fetched(attribute)) return decode_values(type, *fetched);
+    if (const auto fetched = fetched_values(attribute)) return decode_values(type, *fetched);
     const ReadResult read =
         on_session([&](Session& session) { return session.read(name_, {attribute}); });
     check(read);

@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "component/server/properties_page.h"
+#include "component/server/properties_script.h"
 
 namespace orvo {
 namespace {
@@ -23,6 +24,11 @@ TEST(ComponentIdl, TheCommittedTextIsTheOneThatTheTablesGive) {
 TEST(UserPropertiesPage, TheCommittedTextIsTheOneThatTheCatalogueGives) {
     EXPECT_EQ(committed(ORVO_COMMITTED_PAGE), user_properties_page())
         << "refresh it:\n    " << ORVO_REFRESH << " --properties > " << ORVO_COMMITTED_PAGE;
+}
+
+TEST(UserPropertyList, TheCommittedTextIsTheOneThatTheCatalogueGives) {
+    EXPECT_EQ(committed(ORVO_COMMITTED_LIST), user_property_list_script())
+        << "refresh it:\n    " << ORVO_REFRESH << " --property-list > " << ORVO_COMMITTED_LIST;
 }
 
 }  // namespace

@@ -215,14 +215,30 @@ TEST_F(LdapEntryTest, TellsMissingRights) {
     EXPECT_EQ(failure.description, u"(50) The rights are not sufficient.");
 }
 
-TEST_F(LdapEntryTest, AnswersTheFirstReadingFromWhatBindFetched) {
-    bound(Values{u"SN", u"ManagerCN", u"givenName"});
+TEST_F(LdapEntryTest, AnswersReadingsSoonAfterTheBindFromWhatBindFetched) {
+    bound(Values{u"SN", u"ManagerCN"});
     ASSERT_EQ(probe_.replace(user(), "sn", {"Changed"}), 0);
     ASSERT_EQ(probe_.replace(user(), "ManagerCN", {"admin"}), 0);
-    EXPECT_EQ(values(entry_, u"surname"), Variant(Values{u"Jansen"}));
-    EXPECT_EQ(values(entry_, u"ManagerCN"), Variant(Values{Variant()}));
-    EXPECT_EQ(values(entry_, u"sn"), Variant(Values{u"Changed"}));
+    ASSERT_EQ(probe_.replace(user(), "givenName", {"Changed"}), 0);
+    for (int reading = 0; reading < 2; ++reading) {
+        EXPECT_EQ(values(entry_, u"surname"), Variant(Values{u"Jansen"}));
+        EXPECT_EQ(values(entry_, u"ManagerCN"), Variant(Values{Variant()}));
+        EXPECT_NE(values(entry_, u"givenName"), Variant(Values{u"Changed"})) << "it came along";
+    }
+}
+
+TEST_F(LdapEntryTest, AsksForAnAttributeThatDidNotComeWithTheBind) {
+    bound(Values{u"sn"});
+    ASSERT_EQ(probe_.replace(user(), "ManagerCN", {"admin"}), 0);
     EXPECT_EQ(values(entry_, u"ManagerCN"), Variant(Values{u"admin"}));
+    EXPECT_NE(values(entry_, u"entryUUID"), Variant(Values{Variant()})) << "an operational one";
+}
+
+TEST_F(LdapEntryTest, IsFreshAtEveryReadingAfterABindThatFetchedNothing) {
+    bound();
+    values(entry_, u"sn");
+    ASSERT_EQ(probe_.replace(user(), "sn", {"Changed"}), 0);
+    EXPECT_EQ(values(entry_, u"sn"), Variant(Values{u"Changed"}));
 }
 
 TEST_F(LdapEntryTest, DoesNotAnswerFromWhatBindFetchedLongAgo) {
