@@ -70,6 +70,7 @@ Object LdapSearch::Execute(Text& filter, Variant& attributes, std::int32_t maxim
     RowDecoder decoder(request.attributes, facts_->types);
     FirstRows rows(maximum > 0 ? static_cast<std::size_t>(maximum) : FirstRows::all,
                    [&](const EntryData& entry) { return decoder.row(entry); });
+    request.wanted = [&](const std::string& name) { return rows.wants(name); };
     check(on_session([&](Session& session) {
         rows.clear();
         return collect_pages(session, request, page_size,

@@ -52,6 +52,12 @@ bool FirstRows::Kept::operator<(const Kept& other) const {
     return order != 0 ? order < 0 : name < other.name;
 }
 
+bool FirstRows::wants(const std::string& name) const {
+    if (kept_.size() != wanted_) return true;
+    const Kept asked{order_key(name), name, {}};
+    return asked < kept_.front();
+}
+
 void FirstRows::add(EntryData&& entry) {
     const bool is_full = kept_.size() == wanted_;
     std::string key = order_key(entry.name);

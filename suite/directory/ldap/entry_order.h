@@ -32,6 +32,8 @@ public:
     // though an entry that comes later may push it out again.
     FirstRows(std::size_t wanted, Decode decode) : wanted_(wanted), decode_(std::move(decode)) {}
 
+    // Whether an entry of this name would be kept.
+    bool wants(const std::string& name) const;
     void add(EntryData&& entry);
     void clear() { kept_.clear(); }
     std::size_t size() const { return kept_.size(); }

@@ -84,6 +84,9 @@ struct SearchRequest {
     // after the other). A server that has no pages answers as if it had not been asked for them.
     int page_size = 0;
     std::string page = {};  // the page wanted, as the answer before named it; empty: the first
+    // Set: asked with each entry's name before the rest of it is decoded. An entry that is not
+    // wanted is passed over, or handed over all the same where passing over would save nothing.
+    std::function<bool(const std::string& name)> wanted = {};
 };
 
 struct SearchResult : Result {
@@ -94,6 +97,7 @@ struct SearchResult : Result {
 struct PendingSearch {
     int id = -1;
     Result sent;  // not `ok`: it could not be sent, and collecting gives this result
+    std::function<bool(const std::string& name)> wanted = {};  // the request's
 };
 
 // One change of an entry: the attribute's values are replaced by these; none removes the attribute,

@@ -70,24 +70,28 @@ void assign(std::vector<std::string>& texts, const berval* values) {
 }
 
 // One pass over the message, attribute after attribute, without looking any up again. What `entry`
-// held before is overwritten; its memory is used again. False: the message cannot be read.
-bool decode_entry(LDAP* handle, LDAPMessage* message, EntryData& entry) {
+// held before is overwritten; its memory is used again.
+enum class Decoded { whole, passed_over, unreadable };
+Decoded decode_entry(LDAP* handle, LDAPMessage* message, const PendingSearch& search,
+                     EntryData& entry) {
     BerElement* decoder = nullptr;
     berval name{};
-    if (ldap_get_dn_ber(handle, message, &decoder, &name) != LDAP_SUCCESS) return false;
+    if (ldap_get_dn_ber(handle, message, &decoder, &name) != LDAP_SUCCESS)
+        return Decoded::unreadable;
     struct Free {
         void operator()(BerElement* element) const { ber_free(element, 0); }
     };
     const std::unique_ptr<BerElement, Free> held(decoder);
     entry.name.assign(name.bv_val, name.bv_len);
+    if (search.wanted && !search.wanted(entry.name)) return Decoded::passed_over;
     for (std::size_t count = 0;; ++count) {
         berval attribute{};
         berval* values = nullptr;
         if (ldap_get_attribute_ber(handle, message, decoder, &attribute, &values) != LDAP_SUCCESS)
-            return false;
+            return Decoded::unreadable;
         if (!attribute.bv_val) {
             entry.attributes.resize(count);
-            return true;
+            return Decoded::whole;
         }
         if (count == entry.attributes.size()) entry.attributes.emplace_back();
         entry.attributes[count].name.assign(attribute.bv_val, attribute.bv_len);
@@ -164,7 +168,7 @@ struct Session::Connection {
         return answer ? outcome_of(get(), raw(answer), controls) : why;
     }
 
-    Result collect(int request, const std::function<void(EntryData&&)>& take,
+    Result collect(const PendingSearch& search, const std::function<void(EntryData&&)>& take,
                    std::vector<Control>& controls) const;
 };
 
@@ -219,6 +223,7 @@ PendingSearch Session::send(const SearchRequest& request) {
         connection_->get(), request.base.c_str(), scope_of(request.scope), request.filter.c_str(),
         attributes.get(), 0, page.get(), nullptr, nullptr, LDAP_NO_LIMIT, &search.id);
     if (sent != LDAP_SUCCESS) search.sent = client_result(connection_->get(), sent);
+    search.wanted = request.wanted;
     return search;
 }
 
@@ -226,12 +231,14 @@ SearchResult Session::collect(const PendingSearch& search,
                               const std::function<void(EntryData&&)>& take) {
     if (!search.sent.ok()) return {search.sent, {}};
     std::vector<Control> controls;
-    Result result = connection_->collect(search.id, take, controls);
+    Result result = connection_->collect(search, take, controls);
     return paged(std::move(result), controls);
 }
 
-Result Session::Connection::collect(int request, const std::function<void(EntryData&&)>& take,
+Result Session::Connection::collect(const PendingSearch& search,
+                                    const std::function<void(EntryData&&)>& take,
                                     std::vector<Control>& controls) const {
+    const int request = search.id;
     LDAP* handle = get();
     const auto deadline = steady_clock::now() + limits.operation;
     EntryData entry;
@@ -247,11 +254,16 @@ Result Session::Connection::collect(int request, const std::function<void(EntryD
         if (!message) return why;
         switch (ldap_msgtype(raw(message))) {
             case LDAP_RES_SEARCH_ENTRY:
-                if (!decode_entry(handle, raw(message), entry)) {
-                    ldap_abandon_ext(handle, request, nullptr, nullptr);
-                    return {result_code::decoding_error, {}, {}};
+                switch (decode_entry(handle, raw(message), search, entry)) {
+                    case Decoded::whole:
+                        take(std::move(entry));
+                        break;
+                    case Decoded::passed_over:
+                        break;
+                    case Decoded::unreadable:
+                        ldap_abandon_ext(handle, request, nullptr, nullptr);
+                        return {result_code::decoding_error, {}, {}};
                 }
-                take(std::move(entry));
                 break;
             case LDAP_RES_SEARCH_RESULT:
                 return outcome_of(handle, raw(message), &controls);

@@ -84,6 +84,17 @@ TEST(FirstRows, AreThoseInWhateverOrderTheyCame) {
     }
 }
 
+TEST(FirstRows, TellByTheNameAloneWhatTheyWouldKeep) {
+    FirstRows rows = first_rows(2);
+    EXPECT_TRUE(rows.wants("cn=z"));
+    for (const char* name : {"cn=d", "cn=b"}) rows.add(entry(name));
+    EXPECT_TRUE(rows.wants("cn=c"));
+    EXPECT_FALSE(rows.wants("cn=e"));
+    EXPECT_FALSE(rows.wants("cn=d")) << "it is there already";
+    rows.add(entry("cn=c"));
+    EXPECT_FALSE(rows.wants("cn=d"));
+}
+
 TEST(FirstRows, CanBeginAgain) {
     FirstRows rows = first_rows(1);
     rows.add(entry("cn=a"));
