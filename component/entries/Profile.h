@@ -23,7 +23,9 @@ public:
     void ClearAttribValue(Text& iAttribName);
     void BindAs(Text& iCN, Text& iUsername, Text& iPwd);
     // The users of this profile; those whose local-administration profile it is, where it has none.
-    // At most 1000. A record set with the user naming attribute as its column.
+    // At most 1000. A record set with the user naming attribute as its column. An apostrophe in the
+    // profile's name is doubled in the filter and nothing else is escaped; a directory that takes
+    // the filter as it stands finds nobody for such a profile. Deliberate.
     Object GetUsers();
     void ClearOrvoApps();
     bool HasRole(std::int16_t& iRoleID);

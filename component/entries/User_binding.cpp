@@ -77,9 +77,12 @@ void User::bind_profile(Text& user, Text& password) {
         return;
     }
     if (profile_ && call<&Profile::CN>(profile_) == name) return;
-    profile_ = Gen_GetComponent<Profile>(u"OrvoMembership.Profile");
+    // A profile that cannot be bound is not held: the next bind tries anew.
+    profile_ = nullptr;
+    auto made = Gen_GetComponent<Profile>(u"OrvoMembership.Profile");
     Text again = get_property<ProfileCN>();
-    call<&Profile::BindAs>(profile_, again, user, password);
+    call<&Profile::BindAs>(made, again, user, password);
+    profile_ = std::move(made);
 }
 
 void User::setServerInfo(const Text& i_sConfigurationPath) {

@@ -76,10 +76,12 @@ void LdapEntry::Bind(Text& server, Text& container, Text& common_name, Text& use
     fetched_.write_mark = write_mark(key_);
     std::vector<std::string> wanted = fetched_.asked;
     wanted.push_back(wanted.empty() ? no_attributes : all_user_attributes);
+    fetched_.at = steady_clock::now();
     ReadResult read = session.read(name_, wanted);
     check(read);
     fetched_.entry = std::move(read.entry);
-    fetched_.at = steady_clock::now();
+    std::erase_if(fetched_.entry.attributes,
+                  [](const Attribute& attribute) { return is_password(attribute.name); });
     session_ = std::move(session);
 }
 
@@ -122,17 +124,20 @@ std::vector<std::string> LdapEntry::values_in(const EntryData& entry,
     return {};
 }
 
-// Nothing for what was not fetched. An attribute that the entry seems to lack may be one that the
-// server sends only when asked by name.
-std::optional<std::vector<std::string>> LdapEntry::fetched_values(const std::string& name) const {
+// Nothing for what was not fetched, or was read before. An attribute that the entry seems to lack
+// may be one that the server sends only when asked by name.
+std::optional<std::vector<std::string>> LdapEntry::take_fetched(const std::string& name) {
     if (steady_clock::now() - fetched_.at > fetched_lasts ||
-        write_mark(key_) != fetched_.write_mark)
+        write_mark(key_) != fetched_.write_mark) {
+        fetched_ = {};
         return std::nullopt;
+    }
+    auto is_it = [&](const std::string& other) { return facts_->types.same(other, name); };
+    const bool was_asked = std::erase_if(fetched_.asked, is_it) != 0;
     std::vector<std::string> values = values_in(fetched_.entry, name);
-    if (values.empty() &&
-        std::none_of(fetched_.asked.begin(), fetched_.asked.end(),
-                     [&](const std::string& one) { return facts_->types.same(one, name); }))
-        return std::nullopt;
+    std::erase_if(fetched_.entry.attributes,
+                  [&](const Attribute& attribute) { return is_it(attribute.name); });
+    if (values.empty() && !was_asked) return std::nullopt;
     return values;
 }
 
@@ -141,7 +146,7 @@ Variant LdapEntry::GetValues(Text& name) {
     if (name.empty()) raise_runtime_error(runtime_error::invalid_call);
     const std::string attribute = to_utf8(name);
     const AttributeType* type = type_of(attribute);
-    if (const auto fetched = fetched_values(attribute)) return decode_values(type, *fetched);
+    if (const auto fetched = take_fetched(attribute)) return decode_values(type, *fetched);
     const ReadResult read =
         on_session([&](Session& session) { return session.read(name_, {attribute}); });
     check(read);
@@ -163,9 +168,14 @@ void LdapEntry::ClearValues(Text& name) {
 void LdapEntry::write_password(const std::string& name, const Variant& value) {
     const Secret password = password_in(value);
     if (password.empty()) return replace(name, {});
-    if (!facts().changes_passwords) return replace(name, {hashed_password(password)});
-    const NotedWrite noted(key_);
-    check(on_session([&](Session& session) { return session.change_password(name_, password); }));
+    if (!facts().changes_passwords) {
+        replace(name, {hashed_password(password)});
+    } else {
+        const NotedWrite noted(key_);
+        check(
+            on_session([&](Session& session) { return session.change_password(name_, password); }));
+    }
+    // A connection that is made anew has to use it.
     const auto user = DistinguishedName::try_parse(from_utf8(login_->user()));
     if (user && user->key() == key_) login_->set_password(password.clone());
 }

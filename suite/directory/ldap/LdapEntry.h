@@ -16,12 +16,13 @@ namespace directory::ldap {
 // an operation fails. Used by one thread.
 //
 // Values are read fresh: every GetValues asks the server. The one exception is a bind that was told
-// what to fetch: the whole entry comes with it, and answers readings within `fetched_lasts` of the
-// bind, unless this process has written to the entry since. So whoever binds and then looks at
-// several attributes pays for one.
+// what to fetch: the whole entry comes with it (but for its password), and answers the first
+// reading of each attribute, within `fetched_lasts` of the bind and unless this process has written
+// to the entry since. So whoever binds and at once looks at several attributes pays for one round
+// trip.
 class LdapEntry final : public DirectoryEntry {
 public:
-    static constexpr std::chrono::seconds fetched_lasts{2};
+    static constexpr std::chrono::milliseconds fetched_lasts{250};
 
     explicit LdapEntry(const Limits& limits = {}) : limits_(limits) {}
 
@@ -48,7 +49,7 @@ public:
     bool InitializeCache(Variant& names, Variant& values) override;
 
 private:
-    // What Bind fetched: the entry, and the names that it was told.
+    // What Bind fetched and has not been read: of the entry, and of the names that it was told.
     struct Fetched {
         std::vector<std::string> asked;
         EntryData entry;
@@ -60,7 +61,7 @@ private:
     auto on_session(Operation operation);
     const ServerFacts& facts();
     const AttributeType* type_of(const std::string& name);
-    std::optional<std::vector<std::string>> fetched_values(const std::string& name) const;
+    std::optional<std::vector<std::string>> take_fetched(const std::string& name);
     std::vector<std::string> values_in(const EntryData& entry, const std::string& name) const;
     void write_password(const std::string& name, const Variant& value);
     void replace(const std::string& name, std::vector<std::string> values);

@@ -259,6 +259,17 @@ TEST_FRESH(UserBinding, AProfileThatCannotBeBoundEndsTheBindWithTheEntryBoundAnd
         Text mail = u"mail";
         EXPECT_EQ(user.call<&User::GetAttribValue>(mail), Variant(Values{u"js@shop"}));
         EXPECT_EQ(user.call<&User::NTUser>(), u"guest");
+        EXPECT_FALSE(user.call<&User::get_Profile>());
+    });
+}
+
+TEST_FRESH(UserBinding, AfterAProfileThatCouldNotBeBoundTheNextBindTriesAnew) {
+    give_profile();
+    through_every_door([this](Behind<User>& user) {
+        journal_.refuse_nth("Bind", 2, no_rights());
+        raised_by([&] { bind(user); });
+        bind(user);
+        EXPECT_EQ(call<&Profile::CN>(user.call<&User::get_Profile>()), u"sales");
     });
 }
 

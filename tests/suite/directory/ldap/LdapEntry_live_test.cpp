@@ -215,16 +215,17 @@ TEST_F(LdapEntryTest, TellsMissingRights) {
     EXPECT_EQ(failure.description, u"(50) The rights are not sufficient.");
 }
 
-TEST_F(LdapEntryTest, AnswersReadingsSoonAfterTheBindFromWhatBindFetched) {
+TEST_F(LdapEntryTest, AnswersTheFirstReadingFromWhatBindFetched) {
     bound(Values{u"SN", u"ManagerCN"});
     ASSERT_EQ(probe_.replace(user(), "sn", {"Changed"}), 0);
     ASSERT_EQ(probe_.replace(user(), "ManagerCN", {"admin"}), 0);
     ASSERT_EQ(probe_.replace(user(), "givenName", {"Changed"}), 0);
-    for (int reading = 0; reading < 2; ++reading) {
-        EXPECT_EQ(values(entry_, u"surname"), Variant(Values{u"Jansen"}));
-        EXPECT_EQ(values(entry_, u"ManagerCN"), Variant(Values{Variant()}));
-        EXPECT_NE(values(entry_, u"givenName"), Variant(Values{u"Changed"})) << "it came along";
-    }
+    EXPECT_EQ(values(entry_, u"surname"), Variant(Values{u"Jansen"}));
+    EXPECT_EQ(values(entry_, u"ManagerCN"), Variant(Values{Variant()}));
+    EXPECT_NE(values(entry_, u"givenName"), Variant(Values{u"Changed"})) << "it came along";
+    EXPECT_EQ(values(entry_, u"sn"), Variant(Values{u"Changed"}));
+    EXPECT_EQ(values(entry_, u"ManagerCN"), Variant(Values{u"admin"}));
+    EXPECT_EQ(values(entry_, u"givenName"), Variant(Values{u"Changed"}));
 }
 
 TEST_F(LdapEntryTest, AsksForAnAttributeThatDidNotComeWithTheBind) {
