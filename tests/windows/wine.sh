@@ -4,7 +4,8 @@
 # not exist.
 prepare_wine() {
     export WINEPREFIX=$1 WINEDEBUG=-all LC_ALL=C.UTF-8
-    export WINEDLLOVERRIDES='mscoree,mshtml=;winedbg.exe=d'
+    # winemenubuilder.exe would put menus and file types into the user's own folders.
+    export WINEDLLOVERRIDES='mscoree,mshtml=;winedbg.exe=d;winemenubuilder.exe=d'
     [[ -f $WINEPREFIX/system.reg ]] || timeout 300 wine wineboot -i >/dev/null 2>&1 </dev/null
 }
 
