@@ -2,34 +2,68 @@
 
 #include "platform/abi/hosted.h"
 #include "platform/automation/variant.h"
+#include "platform/context/object_control.h"
 
 namespace orvo {
 
-// Checks a user's password against the directory.
-class Validator {
+// Checks a user's password against the directory and, in a web page, turns a right one into a
+// logged-in session. It takes the page's objects from the object context at activation.
+class Validator final : public ObjectControl {
 public:
+    Validator() { IObjectControl_Activate(); }
+    ~Validator() { IObjectControl_Deactivate(); }
+
+    // The login. Answers the password check's number, which is negative for a refusal; that is no
+    // failure, and leaves cookie and session alone. Otherwise binds the user, hands the credentials
+    // to the authorization filter, sets the login cookie (where its value changed) and the session
+    // variables QUENDRAID, REMOTE_USER, REMOTE_ACCOUNT and REMOTE_PASSWORD, and registers the login
+    // with the filter. What was done before a failure stays done.
+    //
+    // A user without applications gets cookie and session, but no registration; administrators are
+    // always given application 10. iVarOriginalUrl is not used.
+    //
+    // Raises membership_failed outside a web page, without a cookie name in the settings, and where
+    // there is no GUID to be had.
+    Variant ValidateCredentials(Variant& iVarUserID, Variant& iVarPassword,
+                                Variant& iVarOriginalUrl);
     // The provider's own answer for the user's full path and the password, as a 32-bit integer:
     // negative for a failed check, which is no failure of this operation.
     Variant ValidatePassword(Variant& iUserId, Variant& iPassword);
     // Loads a site configuration file into the thread's shared settings.
     void setServerInfo(const Text& i_sConfigurationPath);
+    // Opens the entry with the service account; the old password is checked by the user's own
+    // ChangePassword, which raises emErrPwdNotCorrect.
+    void ChangePassword(Text& username, Text& oldpassword, Text& newpassword);
+
+    void IObjectControl_Activate() override;
+    void IObjectControl_Deactivate() override;
+    bool IObjectControl_CanBePooled() override { return false; }
 
 private:
     std::int32_t CheckUserPassword(Text sUserId, Text sPassword);
+    Text UpdateAuthorizationFilter(Text& sUserId, Text& sPassword, Text& sGuid);
+    void set_cookie(const Text& name, const Text& guid);
+    void register_login(const Text& user, const Variant& applications);
+
+    Object m_oResponse;
+    Object m_oSession;
+    Object m_oRequest;
+    Object m_oApplication;
 };
 
 // clang-format off
 template <>
 inline constexpr auto table_of<Validator> = describe<Validator>(
     "IValidator", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e715",
-    reserved(1),
+    method<&Validator::ValidateCredentials>("ValidateCredentials", "iVarUserID", "iVarPassword",
+                                            "iVarOriginalUrl"),
     method<&Validator::ValidatePassword>("ValidatePassword", "iUserId", "iPassword"),
     method<&Validator::setServerInfo>("setServerInfo", "i_sConfigurationPath"),
-    reserved(4));
+    method<&Validator::ChangePassword>("ChangePassword", "username", "oldpassword", "newpassword"));
 // clang-format on
 
 template <>
-inline constexpr auto class_of<Validator> =
-    describe_class<Validator>("OrvoMembership.Validator", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e705");
+inline constexpr auto class_of<Validator> = describe_class<Validator, ObjectControl>(
+    "OrvoMembership.Validator", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e705");
 
 }  // namespace orvo

@@ -107,5 +107,21 @@ void handle_current_exception(const Text& method, const Variant& info) {
     throw failure;  // a number of 0 is nothing to HandleError, and still a failure
 }
 
+void handle_rephrased(const Text& method, const std::function<bool(Failure&)>& rephrase) {
+    Failure failure = current_failure(component_name);
+    Failure cause = failure;
+    if (rephrase(failure)) {
+        try {
+            const PendingScope scope(cause);
+            LogError(method);
+        } catch (...) {
+            // Logging never replaces the failure that is being reported.
+        }
+    }
+    const PendingScope scope(failure);
+    HandleError(method);
+    throw failure;
+}
+
 }  // namespace detail
 }  // namespace orvo

@@ -3,6 +3,7 @@
 // The one way in which failures are reported: logged through the suite's log component and raised
 // again, with a description that tells number, method and cause.
 
+#include <functional>
 #include <type_traits>
 
 #include "platform/automation/failure.h"
@@ -58,6 +59,10 @@ private:
 
 // Makes the exception being handled the pending error and hands it to HandleError.
 [[noreturn]] void handle_current_exception(const Text& method, const Variant& info);
+// The same, after `rephrase` had the chance to tell it in other words. A failure that is told in
+// other words is logged as it came, too: its cause would be lost otherwise.
+[[noreturn]] void handle_rephrased(const Text& method,
+                                   const std::function<bool(Failure&)>& rephrase);
 
 }  // namespace detail
 
@@ -83,7 +88,8 @@ auto trapped(MethodName method, Body&& body) {
     }
 }
 template <class Info, class Body>
-auto trapped(MethodName method, Info&& info, Body&& body) {
+requires(!std::is_invocable_v<Info, Failure&>) auto trapped(MethodName method, Info&& info,
+                                                            Body&& body) {
     const detail::BodyScope scope;
     try {
         return body();
@@ -92,6 +98,19 @@ auto trapped(MethodName method, Info&& info, Body&& body) {
             detail::handle_current_exception(method.text(), info());
         else
             detail::handle_current_exception(method.text(), info);
+    }
+}
+
+// The frame of a method that tells some of its failures in its own words: `rephrase` may change the
+// failure that is pending, and answers whether it did, before HandleError gets it.
+template <class Rephrase, class Body>
+requires std::is_invocable_r_v<bool, Rephrase, Failure&>
+auto trapped(MethodName method, Rephrase&& rephrase, Body&& body) {
+    const detail::BodyScope scope;
+    try {
+        return body();
+    } catch (...) {
+        detail::handle_rephrased(method.text(), rephrase);
     }
 }
 

@@ -26,6 +26,12 @@ enum OrvoMemErrors : std::int32_t {
 #undef ORVO_ROW
 };
 
+// Numbers outside the enumeration: what a login or a creation could not do, and the two failures of
+// a directory provider that the containers tell apart.
+inline constexpr auto membership_failed = static_cast<std::int32_t>(0x8004044Cu);
+inline constexpr auto entry_already_exists = static_cast<std::int32_t>(0x8004044Fu);
+inline constexpr auto no_such_entry = static_cast<std::int32_t>(0x80072030u);
+
 struct MemError {
     const char* name;
     OrvoMemErrors value;

@@ -50,6 +50,9 @@ public:
 
     // Binding.
     void BindAs(Text& iCommonName, Text& iUsername, Text& iPwd);
+    // The user whose OrvoGUID this is: finds the common name, then binds by it. Raises 3021 (no
+    // current record) for a GUID that nobody has.
+    void BindToGuid(Text& iGUID, Text& iUsername, Text& iPassword);
     void setServerInfo(const Text& i_sConfigurationPath);
 
     // Attributes, by the directory's names, as the provider gives and takes them. A read or write

@@ -141,6 +141,12 @@ struct UserTypeProperty {
 inline constexpr UserTypeProperty user_types[] = {
     {"RegisteredUser", 1}, {"GuestUser", 2}, {"IsLocalAdmin", 3}, {"IsAdmin", 4}, {"NewMember", 0},
 };
+// The row of a type's property.
+consteval std::size_t user_type_row(std::string_view name) {
+    for (std::size_t row = 0; row < std::size(user_types); ++row)
+        if (user_types[row].name == name) return row;
+    throw "no such user type";
+}
 
 // Boolean properties that ask for one role, and grant or withdraw it.
 struct RoleProperty {

@@ -2,7 +2,7 @@
 #include "component/common/Lib_General.h"
 #include "component/common/OrvoMemErrors.h"
 #include "component/config/SharedServerInfo.h"
-#include "component/entries/User.h"
+#include "component/containers/Members.h"
 #include "platform/abi/late_call.h"
 #include "platform/automation/values.h"
 
@@ -83,6 +83,20 @@ void User::bind_profile(Text& user, Text& password) {
     Text again = get_property<ProfileCN>();
     call<&Profile::BindAs>(made, again, user, password);
     profile_ = std::move(made);
+}
+
+void User::BindToGuid(Text& iGUID, Text& iUsername, Text& iPassword) {
+    trapped(u"OrvoMembership.User.BindToGuid", [&] {
+        const auto members = Gen_GetComponent<Members>(u"OrvoMembership.Members");
+        call<&Members::BindAs>(members, iUsername, iPassword);
+        const Text configuration = shared_server_info()->ConfigurationPath();
+        call<&Members::setServerInfo>(members, configuration);
+        // The lookup binds the entry once to read its name, and this object is bound by it once
+        // more, so that it ends in the state that BindAs gives.
+        const auto found = call<&Members::GetUserFromGUID>(members, iGUID);
+        Text name = call<&User::CN>(found);
+        BindAs(name, iUsername, iPassword);
+    });
 }
 
 void User::setServerInfo(const Text& i_sConfigurationPath) {

@@ -55,7 +55,7 @@ template <>
 inline constexpr auto table_of<User> = describe<User>(
     "IUser", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e717",
     method<&User::BindAs>("BindAs", "iCommonName", "iUsername", "iPwd"),
-    reserved(2),
+    method<&User::BindToGuid>("BindToGuid", "iGUID", "iUsername", "iPassword"),
     method<&User::setServerInfo>("setServerInfo", "i_sConfigurationPath"),
 
     method<&User::GetAttribValue>("GetAttribValue", "iAttribName"),

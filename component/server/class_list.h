@@ -3,16 +3,18 @@
 // The component's public classes: what its module creates and its type library describes.
 
 #include "component/auth/Validator.h"
-#include "component/config/Account.h"
+#include "component/config/Initialize.h"
+#include "component/config/PMMAccessor.h"
 #include "component/config/ServerInfo.h"
+#include "component/containers/Members.h"
+#include "component/containers/Profiles.h"
 #include "component/entries/LdapAccess.h"
-#include "component/entries/User_table.h"
 #include "component/provider/PMMCreator.h"
 
 namespace orvo {
 
-using PublicClasses =
-    std::tuple<ServerInfo, PMMCreator, Account, LdapAccess, Profile, User, Validator>;
+using PublicClasses = std::tuple<ServerInfo, PMMCreator, Account, PMMAccessor, Initialize,
+                                 LdapAccess, Profile, User, Members, Profiles, Validator>;
 
 // Interfaces that public members take or give and others implement.
 using UsedInterfaces =

@@ -28,6 +28,15 @@ public:
         return reference;
     }
 
+    // The same, empty for an object that does not have it.
+    static Ref try_from(const Object& object) {
+        Ref reference;
+        if (object)
+            abi::query_interface(object.get(), iid_of<I>(),
+                                 reinterpret_cast<void**>(reference.object_.put()));
+        return reference;
+    }
+
     explicit operator bool() const { return static_cast<bool>(object_); }
     bool operator==(const Ref& other) const { return object_ == other.object_; }
 

@@ -134,12 +134,6 @@ TEST_FRESH(Slots, ANullTextIsTheEmptyText) {
     EXPECT_EQ(user, nullptr);
 }
 
-TEST_FRESH(Slots, ReservedSlotsAnswerThatTheyAreNotImplemented) {
-    const auto validator = created<Validator>();
-    EXPECT_EQ(call_slot<HRESULT>(validator.get(), 7), abi::e_notimpl);
-    EXPECT_EQ(call_slot<HRESULT>(validator.get(), 10), abi::e_notimpl);
-}
-
 TEST_FRESH(Slots, AnotherThreadsCallIsAnsweredWrongThread) {
     const Object entry = create_object(u"OrvoMembership.LdapAccess");
     in_fresh_thread([&] {

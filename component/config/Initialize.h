@@ -1,0 +1,35 @@
+#pragma once
+
+#include "component/provider/PMMCreator.h"
+
+namespace orvo {
+
+// What a hosting server sets before it serves: the pool of connections and the cache of the
+// directory provider. Making one loads the site's configuration into the thread's shared settings.
+//
+// Names and values are arrays of equal length whose meaning belongs to the provider; they are
+// passed on untouched, and so are the provider's answers and failures.
+class Initialize {
+public:
+    Initialize();
+
+    bool InitializeConnectionPool(Variant& i_aPoolParameterNames, Variant& i_aPoolParameterValues);
+    bool InitializeCache(Variant& i_aCacheParameterNames, Variant& i_aCacheParameterValues);
+};
+
+// clang-format off
+template <>
+inline constexpr auto table_of<Initialize> = describe<Initialize>(
+    "IInitialize", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e71a",
+    method<&Initialize::InitializeConnectionPool>("InitializeConnectionPool",
+                                                  "i_aPoolParameterNames",
+                                                  "i_aPoolParameterValues"),
+    method<&Initialize::InitializeCache>("InitializeCache", "i_aCacheParameterNames",
+                                         "i_aCacheParameterValues"));
+// clang-format on
+
+template <>
+inline constexpr auto class_of<Initialize> =
+    describe_class<Initialize>("OrvoMembership.Initialize", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e70a");
+
+}  // namespace orvo

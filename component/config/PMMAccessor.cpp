@@ -1,0 +1,52 @@
+#include "component/config/PMMAccessor.h"
+
+#include "component/common/Lib_ErrorHandling.h"
+#include "component/config/SharedServerInfo.h"
+#include "platform/abi/call.h"
+#include "platform/abi/create.h"
+
+namespace orvo {
+namespace {
+
+constexpr std::int32_t administrators_application = 10;
+constexpr std::int32_t most_users = 1000;
+
+Text application_filter(std::int32_t application) {
+    if (application != administrators_application)
+        return u"(orvoapps=" + decimal(application) + u")";
+    // The second type has always been written with a 3 too many: no user is of type 33.
+    return u"(|(orvousertype = 4)(orvousertype = 33))";
+}
+
+}  // namespace
+
+void PMMAccessor::InitConfigFile(const Text& sSiteConfigFileName) {
+    trapped(u"OrvoMembership.PMMAccessor.Init", [&] {
+        factory_.emplace();
+        auto configuration = Ref<Configuration>::from(create_object(u"Quendra.Configuration"));
+        call<&Configuration::LoadSiteConfigurationFile>(configuration, sSiteConfigFileName);
+        ServerInfo& info = *shared_server_info();
+        info.LoadConfigFile(configuration);
+        bind_user_ = info.GetMemScriptUser().to<Text>();
+        bind_password_ = Secret(info.GetMemScriptCode().to<Text>());
+    });
+}
+
+Object PMMAccessor::GetLDAPUsers(std::int32_t productID) {
+    return trapped(u"OrvoMembership.PMMAccessor.GetLDAPUsers", [&] {
+        if (!factory_) raise_runtime_error(runtime_error::object_not_set);
+        ServerInfo& info = *shared_server_info();
+        Text filter = u"(& (objectClass=" + element(info.GetUserClass(), 0).to<Text>() + u")" +
+                      application_filter(productID) + u")";
+        const auto search = factory_->GetPMMSearch();
+        Text server = info.GetServerName().to<Text>();
+        Text container = info.GetUserContainer().to<Text>();
+        Text user = bind_user_;
+        Text password = from_utf8(bind_password_.reveal());
+        call<&DirectorySearch::Connect>(search, server, container, user, password);
+        Variant columns = Values{u"CN"};
+        return call<&DirectorySearch::Execute>(search, filter, columns, most_users);
+    });
+}
+
+}  // namespace orvo

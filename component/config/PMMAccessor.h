@@ -1,0 +1,38 @@
+#pragma once
+
+#include <optional>
+
+#include "component/provider/PMMCreator.h"
+#include "platform/automation/secret.h"
+
+namespace orvo {
+
+// The membership layer for callers outside a web page: loads a named site configuration file and
+// lists the users of one application.
+class PMMAccessor {
+public:
+    // Loads the file into the thread's shared settings and takes the service account from them.
+    void InitConfigFile(const Text& sSiteConfigFileName);
+    // Users with this application, at most 1000, as a record set with the column "CN". Application
+    // 10 is the administrators', who are found by their type. Raises 91 before InitConfigFile.
+    Object GetLDAPUsers(std::int32_t productID);
+
+private:
+    std::optional<PMMCreator> factory_;
+    Text bind_user_;
+    Secret bind_password_;
+};
+
+// clang-format off
+template <>
+inline constexpr auto table_of<PMMAccessor> = describe<PMMAccessor>(
+    "IPMMAccessor", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e71b",
+    method<&PMMAccessor::InitConfigFile>("InitConfigFile", "sSiteConfigFileName"),
+    method<&PMMAccessor::GetLDAPUsers>("GetLDAPUsers", "productID"));
+// clang-format on
+
+template <>
+inline constexpr auto class_of<PMMAccessor> = describe_class<PMMAccessor>(
+    "OrvoMembership.PMMAccessor", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e70b");
+
+}  // namespace orvo

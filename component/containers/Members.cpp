@@ -1,0 +1,226 @@
+#include "component/containers/Members.h"
+
+#include <algorithm>
+
+#include "component/common/GUIDGenerator.h"
+#include "component/common/Index16.h"
+#include "component/common/Lib_ErrorHandling.h"
+#include "component/common/Lib_General.h"
+#include "component/common/OrvoMemErrors.h"
+#include "component/config/SharedServerInfo.h"
+#include "component/containers/record_fields.h"
+#include "platform/abi/create.h"
+#include "platform/abi/late_call.h"
+
+namespace orvo {
+namespace {
+
+// Reported by the deletion, too. Deliberate.
+constexpr const char16_t* create_user = u"OrvoMembership.Members.CreateUser";
+
+[[noreturn]] void raise_not_bound() {
+    throw Failure(emErrNotBoundToMembers, create_user,
+                  u"Not bound to the Members Organizational Unit");
+}
+
+Ref<Dictionary> attributes_of_new_user(ServerInfo& info, const Text& name, const Text& password) {
+    auto attributes = Ref<Dictionary>::from(create_object(dictionary_progid));
+    const auto add = [&](Variant key, Variant value) {
+        call<&Dictionary::Add>(attributes, key, value);
+    };
+    add(u"cn", name);
+    add(u"OrvoGUID", NewGUIDText());
+    add(u"userPassword", password);
+    const Text naming_attribute = info.GetUserNamingAttribute().to<Text>();
+    if (naming_attribute != u"cn") add(naming_attribute, name);
+    for (const Variant& mandatory : info.GetUserMandatoryAttributes().to<Values>())
+        add(mandatory, Text());
+    const Values classes = info.GetUserClass().to<Values>();
+    Values copy(classes.lower_bound(), classes.count());
+    any_index16(classes.lower_bound(), classes.upper_bound(), [&](std::int32_t i) {
+        copy[i] = classes[i];
+        return false;
+    });
+    add(u"objectClass", std::move(copy));
+    return attributes;
+}
+
+// The values of one attribute: an array as a copy that begins at 0, anything else as its only one.
+Values value_list(const Variant& value) {
+    if (!value.is_array()) return {value};
+    const Values given = value.to<Values>();
+    Values list(0, given.upper_bound() + 1);
+    for (std::int32_t i = std::max(given.lower_bound(), 0); i <= given.upper_bound(); ++i)
+        list[i] = given[i];
+    return list;
+}
+
+}  // namespace
+
+void Members::IObjectControl_Activate() {
+    trapped(u"OrvoMembership.Members.IObjectControl_Activate", [&] {
+        mPMMCreator.emplace();
+        switch (Gen_GetIntrinsicState(u"Session")) {
+            case -1:
+                return;
+            case -2:
+                // The entry names the user's class, as it always did.
+                return LogError(u"OrvoMembership.User.IObjectControl_Activate",
+                                u"No session in objectcontext");
+        }
+        load_site_configuration();
+        const Object session = context_item(u"Session");
+        mApplication = context_item(u"Application");
+        mUsername = late::value_of(session, {u"REMOTE_ACCOUNT"}).to<Text>();
+        mPassword = Secret(late::value_of(session, {u"REMOTE_PASSWORD"}).to<Text>());
+    });
+}
+
+void Members::setServerInfo(const Text& i_sConfigurationPath) {
+    if (i_sConfigurationPath.empty()) return;
+    Text path = i_sConfigurationPath;
+    shared_server_info()->SetConfiguration(path);
+}
+
+void Members::BindAs(Text& iUsername, Text& iPassword) {
+    constexpr const char16_t* source = u"OrvoMembership.Members.BindAs";
+    const auto unbind = [&](Failure&) {
+        mContainer = nullptr;
+        return false;
+    };
+    trapped(source, unbind, [&] {
+        mUsername = iUsername;
+        mPassword = Secret(iPassword);
+        mContainer = nullptr;
+        // Asking for the settings makes them, so this cannot happen; it is tested all the same.
+        ServerInfo* info = shared_server_info();
+        if (info == nullptr)
+            throw Failure(emErrServerInfoNotCreated, source,
+                          u"Could not retrieve LDAP server information");
+        if (trimmed(iUsername).empty()) {
+            // No error is pending: this returns quietly, unbound. Deliberate.
+            HandleError(source, u"Cannot bind user with empty name.");
+            return;
+        }
+        mContainer = mPMMCreator->GetPMMObject();
+        Text server = info->GetServerName().to<Text>();
+        Text container = info->GetUserContainer().to<Text>();
+        Text name;
+        Variant attributes = Values();
+        call<&DirectoryEntry::Bind>(mContainer, server, container, name, iUsername, iPassword,
+                                    attributes);
+    });
+}
+
+void Members::bind_as_stored() {
+    Text user = mUsername;
+    Text password = from_utf8(mPassword.reveal());
+    BindAs(user, password);
+}
+
+void Members::bind_as_stored(const Ref<User>& user, Text name) {
+    Text account = mUsername;
+    Text password = from_utf8(mPassword.reveal());
+    call<&User::BindAs>(user, name, account, password);
+}
+
+Ref<User> Members::CreateUser(Text& iCommonName, Text& iPassword) {
+    const auto rephrase = [&](Failure& failure) {
+        if (!contains_ignoring_case(failure.description,
+                                    u"(68) The specified entry already exists."))
+            return false;
+        failure = Failure(
+            entry_already_exists, create_user,
+            u"Unable to add user:'" + iCommonName + u"'. The error is: " + failure.description);
+        return true;
+    };
+    return trapped(create_user, rephrase, [&] {
+        if (!mContainer) bind_as_stored();
+        ServerInfo* info = shared_server_info();
+        if (!mContainer || info == nullptr) raise_not_bound();
+        Object attributes = attributes_of_new_user(*info, iCommonName, iPassword).object();
+        Variant classes = Values{info->GetUserClass()};
+        Text naming_attribute = info->GetUserNamingAttribute().to<Text>();
+        call<&DirectoryEntry::CreateChild>(mContainer, classes, naming_attribute, attributes);
+        auto user = Gen_GetComponent<User>(u"OrvoMembership.User");
+        bind_as_stored(user, iCommonName);
+        return user;
+    });
+}
+
+Ref<User> Members::CreateUserOnFormsLogin(Text& iCommonName, Text& iPassword) {
+    ServerInfo* info = shared_server_info();
+    if (info == nullptr) raise_not_bound();
+    Text user = info->GetMemScriptUser().to<Text>();
+    Text password = info->GetMemScriptCode().to<Text>();
+    BindAs(user, password);
+    return CreateUser(iCommonName, iPassword);
+}
+
+Ref<User> Members::CreateUserWithAttributes(const Text& i_sUsername, const Text& i_sPassword,
+                                            Variant& i_aAttrNames, Variant& i_aAttrValues) {
+    constexpr const char16_t* source = u"OrvoMembership.Members.CreateUserWithAttributes";
+    return trapped(source, [&] {
+        Text name = i_sUsername;
+        Text password = i_sPassword;
+        auto user = CreateUserOnFormsLogin(name, password);
+        if (!user)
+            throw Failure(membership_failed, source,
+                          u"Creation of the user: " + i_sUsername + u" failed");
+        const Values names = i_aAttrNames.to<Values>();
+        for (std::int32_t i = 0; i <= names.upper_bound(); ++i) {
+            Variant values = value_list(element(i_aAttrValues, i));
+            Text attribute = names[i].to<Text>();
+            call<&User::SetAttribValue>(user, attribute, values);
+        }
+        return user;
+    });
+}
+
+void Members::DeleteUser(Text& iCommonName) {
+    constexpr const char16_t* source = u"OrvoMembership.Members.DeleteUser";
+    const auto rephrase = [&](Failure& failure) {
+        if (failure.number != no_such_entry) return false;
+        failure =
+            Failure(no_such_entry, source,
+                    u"User with common name '" + iCommonName + u"' doesn't exist in the directory");
+        return true;
+    };
+    trapped(source, rephrase, [&] {
+        bind_as_stored();
+        if (!mContainer) raise_not_bound();
+        ServerInfo& info = *shared_server_info();
+        Text class_name = element(info.GetUserClass(), 0).to<Text>();
+        Text entry_name = info.GetUserNamingAttribute().to<Text>() + u"=" + iCommonName + u"," +
+                          info.GetUserContainer().to<Text>();
+        call<&DirectoryEntry::DeleteChild>(mContainer, class_name, entry_name);
+    });
+}
+
+Ref<User> Members::GetUserFromGUID(Text& iGUID) {
+    return trapped(u"OrvoMembership.Members.GetUserFromGUID", [&] {
+        auto user = Gen_GetComponent<User>(u"OrvoMembership.User");
+        const Variant criteria = Values{u"OrvoGUID=" + iGUID};
+        const auto found = Ref<RecordSet>::from(GetOrvoUsers(criteria, Text(), Variant::missing()));
+        bind_as_stored(user, field_value(found, u"cn").to<Text>());
+        return user;
+    });
+}
+
+Variant Members::GetAttribValue(Text& iAttribName) {
+    return trapped(u"OrvoMembership.Members.GetAttribValue",
+                   [&] { return call<&DirectoryEntry::GetValues>(mContainer, iAttribName); });
+}
+
+void Members::SetAttribValue(Text& iAttribName, Variant& iAttribValue) {
+    constexpr const char16_t* source = u"OrvoMembership.Members.SetAttribValue";
+    const auto rephrase = [&](Failure& failure) {
+        failure.source = source;
+        failure.description = u"Error setting the value for attribute: " + iAttribName;
+        return true;
+    };
+    trapped(source, rephrase,
+            [&] { call<&DirectoryEntry::SetValues>(mContainer, iAttribName, iAttribValue); });
+}
+
+}  // namespace orvo

@@ -1,0 +1,116 @@
+#pragma once
+
+#include "component/entries/User_table.h"
+#include "platform/recordset/contract.h"
+
+namespace orvo {
+
+// The container that holds every user. Bind it once with a directory account (BindAs; in a web page
+// the session's account serves without being asked for); then users are created, found, searched
+// and deleted with that account's rights. Users come back bound with the same account.
+//
+// What was done before a failure stays done: a user who was created stays when setting an attribute
+// of the new entry is refused.
+class Members final : public ObjectControl {
+public:
+    Members() { IObjectControl_Activate(); }
+    ~Members() { IObjectControl_Deactivate(); }
+
+    // The credentials are kept whatever comes of it. A name that is empty or blank returns quietly
+    // and leaves the container unbound; what needs it fails then. Deliberate.
+    void BindAs(Text& iUsername, Text& iPassword);
+    // Loads a site configuration file into the thread's shared settings; an empty path leaves them.
+    void setServerInfo(const Text& i_sConfigurationPath);
+
+    // For a registration page, where nobody is logged in: binds as the membership script account,
+    // and stays bound so.
+    Ref<User> CreateUserOnFormsLogin(Text& iCommonName, Text& iPassword);
+    // Raises emErrNotBoundToMembers where there is no binding to be had, entry_already_exists for a
+    // common name that is taken.
+    Ref<User> CreateUser(Text& iCommonName, Text& iPassword);
+    // Binds anew first, always. Raises no_such_entry for a user who is not there.
+    void DeleteUser(Text& iCommonName);
+    // Raises 3021 (no current record) for a GUID that nobody has. Of several, the first in the
+    // search's order.
+    Ref<User> GetUserFromGUID(Text& iGUID);
+
+    // Searches. Criteria are an array of filter items without their parentheses ("mail=a*"), or an
+    // object reference (normally an empty one) for none; left out, the search raises 13. "NOT" in
+    // an item becomes "!". Rows come in the provider's order, whatever the sort fields say.
+    //
+    // A page of as many rows as asked for leaves a bookmark: the last row's cn and "!", to go on
+    // with the criterion "cn>=" and the bookmark. A shorter page leaves the former one.
+    Object GetOrvoUsers(const Variant& iCriteria, const Text& iSortFields,
+                        const Variant& iPageSize);
+    Text GetLastPageValue();
+    // Users who have the role themselves, or through their profile where they have none at all, as
+    // a record set of their own with BusinessPartnerID, mail, cn, givenName and sn. Deliberately
+    // without doing away with users who are found both ways.
+    Object GetOrvoMembersHavingRole(std::int16_t& iRole, Text& iSortFields);
+    Object GetOrvoMembersHavingRoleEx(std::int16_t& iRole, Variant& iCriteria, Text& iSortFields);
+
+    // Attributes of the container's own entry; 91 on an unbound container.
+    Variant GetAttribValue(Text& iAttribName);
+    void SetAttribValue(Text& iAttribName, Variant& iAttribValue);
+
+    // CreateUserOnFormsLogin, then one attribute after the other: names and values from index 0,
+    // whatever the lower bound; a value is a single one or an array of them.
+    Ref<User> CreateUserWithAttributes(const Text& i_sUsername, const Text& i_sPassword,
+                                       Variant& i_aAttrNames, Variant& i_aAttrValues);
+    // GetOrvoUsers with columns of one's own, and without a bookmark.
+    Object GetOrvoUsersEx(const Variant& iCriteria, const Variant& i_vAttributeNames,
+                          const Text& iSortFields, const Variant& iPageSize);
+
+    void IObjectControl_Activate() override;
+    void IObjectControl_Deactivate() override {}
+    bool IObjectControl_CanBePooled() override { return false; }
+
+private:
+    Object QueryMembers(Text& filter, const Variant& page_size, const Variant& attributes);
+    Object QueryMembersEx(Text& filter);
+    static void AddUserToResultSet(const Ref<RecordSet>& source, const Ref<RecordSet>& target);
+    static void CloseRecordSEt(const Ref<RecordSet>& records);
+    Ref<DirectorySearch> connected_search(const Variant& container);
+    Text profiles_having(std::int16_t role);
+    void bind_as_stored();
+    void bind_as_stored(const Ref<User>& user, Text name);
+
+    Ref<DirectoryEntry> mContainer;
+    Text mUsername;
+    Secret mPassword;
+    std::optional<PMMCreator> mPMMCreator;
+    Object mApplication;
+    Text mLastPageValue;
+};
+
+// clang-format off
+template <>
+inline constexpr auto table_of<Members> = describe<Members>(
+    "IMembers", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e718",
+    method<&Members::BindAs>("BindAs", "iUsername", "iPassword"),
+    method<&Members::setServerInfo>("setServerInfo", "i_sConfigurationPath"),
+    method<&Members::CreateUserOnFormsLogin>("CreateUserOnFormsLogin", "iCommonName", "iPassword"),
+    method<&Members::CreateUser>("CreateUser", "iCommonName", "iPassword"),
+    method<&Members::DeleteUser>("DeleteUser", "iCommonName"),
+    method<&Members::GetUserFromGUID>("GetUserFromGUID", "iGUID"),
+    method<&Members::GetOrvoUsers>("GetOrvoUsers", optional("iCriteria"), optional("iSortFields"),
+                                   optional("iPageSize")),
+    method<&Members::GetLastPageValue>("GetLastPageValue"),
+    method<&Members::GetOrvoMembersHavingRole>("GetOrvoMembersHavingRole", "iRole",
+                                               optional("iSortFields")),
+    method<&Members::GetOrvoMembersHavingRoleEx>("GetOrvoMembersHavingRoleEx", "iRole",
+                                                 optional("iCriteria"), optional("iSortFields")),
+    method<&Members::GetAttribValue>("GetAttribValue", "iAttribName"),
+    method<&Members::SetAttribValue>("SetAttribValue", "iAttribName", "iAttribValue"),
+    method<&Members::CreateUserWithAttributes>("CreateUserWithAttributes", "i_sUsername",
+                                               "i_sPassword", "i_aAttrNames", "i_aAttrValues"),
+    method<&Members::GetOrvoUsersEx>("GetOrvoUsersEx", optional("iCriteria"),
+                                     optional("i_vAttributeNames"), optional("iSortFields"),
+                                     optional("iPageSize")));
+// clang-format on
+
+template <>
+inline constexpr auto class_of<Members> = describe_class<Members, ObjectControl>(
+    "OrvoMembership.Members", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e708");
+
+}  // namespace orvo

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "component/entries/Profile.h"
+
+namespace orvo {
+
+// The container that holds every profile. In a web page it binds itself with the session's account;
+// elsewhere BindAs comes first, but for CreateProfile and AsRecordset.
+class Profiles final : public ObjectControl {
+public:
+    Profiles() { IObjectControl_Activate(); }
+    ~Profiles() { IObjectControl_Deactivate(); }
+
+    // All profiles, at most 1000: a record set with the column "cn", in the provider's order. Needs
+    // credentials, but no binding.
+    Object AsRecordset();
+    // Whether the profile was deleted: one that still has users is not. Raises
+    // emErrNotBoundToProfiles on an unbound object.
+    bool DeleteProfile(Text& iCommonName);
+    // An unbound object binds as the membership script account, and stays bound so. Raises
+    // entry_already_exists for a name that is taken.
+    Ref<Profile> CreateProfile(Text& iCommonName);
+    // The credentials are kept whatever comes of it. An empty name is the directory's to judge.
+    void BindAs(Text& iUsername, Text& iPwd);
+
+    void IObjectControl_Activate() override;
+    void IObjectControl_Deactivate() override {}
+    bool IObjectControl_CanBePooled() override { return false; }
+
+private:
+    Ref<Profile> bound_profile(Text& name);
+
+    Ref<DirectoryEntry> mContainer;
+    Text mUsername;
+    Secret mPassword;
+    std::optional<PMMCreator> mPMMCreator;
+};
+
+// clang-format off
+template <>
+inline constexpr auto table_of<Profiles> = describe<Profiles>(
+    "IProfiles", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e719",
+    method<&Profiles::AsRecordset>("AsRecordset"),
+    method<&Profiles::DeleteProfile>("DeleteProfile", "iCommonName"),
+    method<&Profiles::CreateProfile>("CreateProfile", "iCommonName"),
+    method<&Profiles::BindAs>("BindAs", "iUsername", "iPwd"));
+// clang-format on
+
+template <>
+inline constexpr auto class_of<Profiles> = describe_class<Profiles, ObjectControl>(
+    "OrvoMembership.Profiles", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e709");
+
+}  // namespace orvo
