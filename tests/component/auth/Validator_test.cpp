@@ -21,6 +21,7 @@ protected:
             SCOPED_TRACE(testing::PrintToString(door));
             Behind<Validator> validator(door);
             journal_.clear();
+            log_.take();
             body(validator);
         }
     }

@@ -7,7 +7,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 static_assert(slot_of<&User::BindAs> == 7);
-static_assert(slot_of<&User::setServerInfo> == 9, "slot 8 is kept for the bind by GUID");
+static_assert(slot_of<&User::setServerInfo> == 9);
 static_assert(slot_of<&User::GetAttribValue> == 10);
 static_assert(slot_of<&User::SetAttribValue> == 11);
 static_assert(slot_of<&User::ClearAttribValue> == 12);

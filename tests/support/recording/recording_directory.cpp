@@ -2,10 +2,23 @@
 
 #include <utility>
 
+#include "platform/abi/call.h"
+#include "platform/dictionary/contract.h"
+
 namespace orvo {
 namespace {
 
 constexpr abi::CLSID directory_clsid = guid("7e57ab1e-0000-4000-8000-000000000003");
+
+// "name=value" for each, in their order.
+Values contents_of(const Object& dictionary) {
+    const auto attributes = Ref<Dictionary>::from(dictionary);
+    Values contents(0, 0);
+    for (Variant& key : call<&Dictionary::Keys>(attributes).to<Values>())
+        contents.push_back(key.to<Text>() + u"=" +
+                           from_utf8(shown(call<&Dictionary::Item>(attributes, key))));
+    return contents;
+}
 
 }  // namespace
 
@@ -28,7 +41,7 @@ public:
     }
     void ClearValues(Text& name) override { journal().call("ClearValues", {name}); }
     void CreateChild(Variant& classes, Text& naming_attribute, Object& attributes) override {
-        journal().call("CreateChild", {classes, naming_attribute, attributes});
+        journal().call("CreateChild", {classes, naming_attribute, contents_of(attributes)});
     }
     void DeleteChild(Text& class_name, Text& entry_name) override {
         journal().call("DeleteChild", {class_name, entry_name});
@@ -58,7 +71,10 @@ public:
     }
     Object Execute(Text& filter, Variant& attributes, std::int32_t maximum) override {
         owner_.journal().call("Execute", {filter, attributes, maximum});
-        return owner_.found;
+        if (owner_.finds.empty()) return owner_.found;
+        Object found = std::move(owner_.finds.front());
+        owner_.finds.pop_front();
+        return found;
     }
 
 private:

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <optional>
 
 #include "component/provider/contract.h"
@@ -10,7 +11,8 @@ namespace orvo {
 
 // A directory provider under a ProgID of its own, which notes what is called and answers what it
 // was told to. Its calls stand in the journal under the names of the contract's operations, the
-// making of its module as "new Test.Directory"; each can be refused there. It outlives the objects
+// making of its module as "new Test.Directory", the attributes of a new entry as "name=value"; each
+// can be refused there. It outlives the objects
 // it makes.
 class RecordingDirectory {
 public:
@@ -24,6 +26,7 @@ public:
     Variant values_of(const Text& entry, const Text& attribute) const;
 
     Object found;              // what every search finds
+    std::deque<Object> finds;  // what the next searches find, before it comes to that
     std::int32_t verdict = 0;  // what every check of credentials answers
     bool is_ready = true;      // what the initialisation of pool and cache answers
 

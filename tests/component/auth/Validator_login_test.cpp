@@ -1,0 +1,419 @@
+#include "tests/component/entries/user_test.h"
+#include "tests/support/recording/recording_page.h"
+
+namespace orvo {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+static_assert(slot_of<&Validator::ValidateCredentials> == 7);
+static_assert(slot_of<&Validator::ValidatePassword> == 8);
+static_assert(slot_of<&Validator::setServerInfo> == 9);
+static_assert(slot_of<&Validator::ChangePassword> == 10);
+
+constexpr const char* login = "OrvoMembership.Validator.ValidateCredentialsEx";
+constexpr const char* update = "OrvoMembership.Validator.UpdateAuthorizationFilter";
+constexpr const char* change = "OrvoMembership.Validator.ChangePassword";
+constexpr const char* activate = "OrvoMembership.Validator.IObjectControl_Activate";
+
+constexpr const char* bind_jsmith =
+    "Bind(dir01:389, ou=Users,o=Shop, un=jsmith, un=jsmith,ou=Users,o=Shop, s3cret, "
+    "[cn, OrvoUserType, BusinessPartnerID])";
+
+// Logins in a web page, among recording neighbours.
+class LoginTest : public UserTest {
+protected:
+    // Each door to a validator that was activated in a page, in which jsmith may use application 3.
+    template <class Body>
+    void in_a_page(Body body) {
+        for (const Door door : every_door) {
+            SCOPED_TRACE(testing::PrintToString(door));
+            in_fresh_thread([&] {
+                load_settings();
+                RecordingContext context(journal_);
+                RecordingPage page(journal_);
+                context.items = {{u"Request", page.request},
+                                 {u"Response", page.response},
+                                 {u"Session", page.session},
+                                 {u"Application", page.application}};
+                page.application_values[filter_connector_progid] = filter_.connector();
+                {
+                    Behind<Validator> validator(door);
+                    forget();
+                    body(validator, page);
+                }
+                filter_.known.clear();
+            });
+        }
+    }
+
+    static std::int32_t log_in(Behind<Validator>& validator, Variant user = u"jsmith",
+                               Variant password = u"s3cret") {
+        Variant url = u"/shop";
+        return validator.call<&Validator::ValidateCredentials>(user, password, url)
+            .to<std::int32_t>();
+    }
+    // What was done to page and filter, without the questions to the directory.
+    std::vector<std::string> deeds() {
+        auto calls = journal_.take();
+        std::erase_if(calls, [](const std::string& call) {
+            for (const char* other :
+                 {"Item(", "CreateInstance(", "new ", "GetValues", "CreateEntry", "CreateValidator",
+                  "Open(", "Initialize", "ReadConfigValue", "Bind("})
+                if (call.starts_with(other)) return true;
+            return call == "Session(REMOTE_USER)";
+        });
+        return calls;
+    }
+    std::vector<std::string> deeds_beginning(const char* with) {
+        auto calls = deeds();
+        std::erase_if(calls, [&](const std::string& call) { return !call.starts_with(with); });
+        return calls;
+    }
+
+    void give_applications(std::initializer_list<Variant> numbers) {
+        directory_.answer_of(jsmith, u"OrvoApps", Values(numbers));
+    }
+    void give_type(int type) {
+        directory_.answer_of(jsmith, u"OrvoUserType", Values{std::int32_t{type}});
+    }
+
+    LoginTest() {
+        directory_.answer_of(jsmith, u"cn", Values{u"jsmith"});
+        give_applications({std::int32_t{3}});
+        give_type(1);
+        directory_.answer(u"OrvoNTUser", Values{u"SHOP\\web"});
+        directory_.answer(u"OrvoNTPassword", Values{u"nt-code"});
+    }
+
+    RecordingFilter filter_{journal_};
+    LocalClass user_class_ = local_class<User>();
+};
+
+// The login.
+
+TEST_FRESH(LoginTest, AReturningBrowserWithAKnownGuidGetsNoCookieAndAllSessionVariables) {
+    in_a_page([this](Behind<Validator>& validator, RecordingPage& page) {
+        page.cookies[u"ShopLogin"] = u"A1";
+        filter_.known = {u"A1"};
+        EXPECT_EQ(log_in(validator), 0);
+        EXPECT_THAT(
+            deeds(),
+            ElementsAre("Validate(un=jsmith,ou=Users,o=Shop, s3cret)", "Request.Cookies(ShopLogin)",
+                        "Application(TavikAuthFilter.Connector)", "FindUserByGUID(A1)",
+                        "AccountPath =(un=jsmith,ou=Users,o=Shop)", "Password =(s3cret)",
+                        "NTUser =(SHOP\\web)", "NTPassword =(nt-code)", "UserName =(jsmith)",
+                        "Save()", "Session(QUENDRAID) =(A1)", "Session(REMOTE_USER) =(jsmith)",
+                        "Session(REMOTE_ACCOUNT) =(un=jsmith,ou=Users,o=Shop)",
+                        "Session(REMOTE_PASSWORD) =(s3cret)", "LoadSiteConfig(False)",
+                        "GetValue2(GLOBAL, MultiLogin, 0)",
+                        "GetValue2(GLOBAL, MultiLoginTimeout, 0)", "Session(QUENDRAID)",
+                        "RegisterLogin(jsmith, [3], A1, 1, 10)"));
+        EXPECT_EQ(filter_.alive, 0) << "the record is released";
+    });
+}
+
+TEST_FRESH(LoginTest, TheUserBindsToTheOwnEntryWithTheOwnCredentialsTwice) {
+    in_a_page([this](Behind<Validator>& validator, RecordingPage& page) {
+        page.cookies[u"ShopLogin"] = u"A1";
+        log_in(validator);
+        auto calls = journal_.take();
+        EXPECT_EQ(std::count(calls.begin(), calls.end(), bind_jsmith), 2);
+    });
+}
+
+TEST_FRESH(LoginTest, AGuidThatTheFilterForgotIsRegisteredAnewAndTheCookieStays) {
+    in_a_page([this](Behind<Validator>& validator, RecordingPage& page) {
+        page.cookies[u"ShopLogin"] = u"A1";
+        log_in(validator);
+        const auto calls = deeds();
+        EXPECT_THAT(calls, Contains("FindUserByGUID(A1)"));
+        EXPECT_THAT(calls, Contains("CreateUserWithGUID(A1)"));
+        EXPECT_THAT(calls, Not(Contains(StartsWith("Response"))));
+    });
+}
+
+TEST_FRESH(LoginTest, ABrowserWithoutACookieGetsANewGuidForTheWholeSite) {
+    in_a_page([this](Behind<Validator>& validator, RecordingPage& page) {
+        log_in(validator);
+        const Text guid = page.session_values[u"QUENDRAID"].to<Text>();
+        EXPECT_THAT(to_utf8(guid), testing::MatchesRegex("[0-9A-F]{32}"));
+        const auto calls = deeds();
+        EXPECT_THAT(calls, Not(Contains(StartsWith("FindUser"))));
+        EXPECT_THAT(calls, Contains("CreateUserWithGUID(" + to_utf8(guid) + ")"));
+        const auto cookie = std::find_if(calls.begin(), calls.end(), [](const std::string& call) {
+            return call.starts_with("Response");
+        });
+        ASSERT_LT(cookie + 2, calls.end());
+        EXPECT_EQ(cookie[0], "Response.Cookies(ShopLogin) =(" + to_utf8(guid) + ")");
+        EXPECT_EQ(cookie[1], "Response.Cookies.Path(ShopLogin) =(/)");
+        EXPECT_EQ(cookie[2], "Session(QUENDRAID) =(" + to_utf8(guid) + ")");
+        Text second = guid;
+        log_in(validator);
+        EXPECT_NE(page.session_values[u"QUENDRAID"].to<Text>(), second)
+            << "a fresh one for each login";
+    });
+}
+
+TEST_FRESH(LoginTest, AWrongPasswordAnswersTheProvidersNumberAndTouchesNothing) {
+    in_a_page([this](Behind<Validator>& validator, RecordingPage& page) {
+        for (const std::int32_t verdict : {-1, -2, -5}) {
+            directory_.verdict = verdict;
+            EXPECT_EQ(log_in(validator), verdict);
+            EXPECT_THAT(deeds(), ElementsAre("Validate(un=jsmith,ou=Users,o=Shop, s3cret)"));
+        }
+        EXPECT_TRUE(page.session_values.empty());
+        directory_.verdict = 0;
+    });
+}
+
+TEST_FRESH(LoginTest, APositiveNumberIsARightPasswordAndPassesUnchanged) {
+    directory_.verdict = 7;
+    in_a_page([](Behind<Validator>& validator, RecordingPage& page) {
+        EXPECT_EQ(log_in(validator), 7);
+        EXPECT_FALSE(page.session_values.empty());
+    });
+}
+
+TEST_FRESH(LoginTest, AnAdministratorLogsInToApplicationTenAsWell) {
+    for (const int type : {3, 4}) {
+        give_type(type);
+        give_applications({std::int32_t{3}, std::int32_t{5}});
+        in_a_page([this](Behind<Validator>& validator, RecordingPage& page) {
+            page.cookies[u"ShopLogin"] = u"A1";
+            log_in(validator);
+            EXPECT_THAT(deeds_beginning("RegisterLogin"),
+                        ElementsAre("RegisterLogin(jsmith, [3, 5, 10], A1, 1, 10)"));
+        });
+    }
+}
+
+TEST_FRESH(LoginTest, AnAdministratorWithoutApplicationsLogsInToTenAlone) {
+    give_type(4);
+    for (const Variant& none : {Variant(), Variant(std::int32_t{0}), Variant(u"0")}) {
+        give_applications({none});
+        in_a_page([this](Behind<Validator>& validator, RecordingPage& page) {
+            page.cookies[u"ShopLogin"] = u"A1";
+            log_in(validator);
+            EXPECT_THAT(deeds_beginning("RegisterLogin"),
+                        ElementsAre("RegisterLogin(jsmith, [10], A1, 1, 10)"));
+        });
+    }
+}
+
+TEST_FRESH(LoginTest, AUserWithoutApplicationsGetsASessionAndNoRegistration) {
+    give_applications({Variant()});
+    in_a_page([this](Behind<Validator>& validator, RecordingPage& page) {
+        EXPECT_EQ(log_in(validator), 0);
+        const auto calls = deeds();
+        EXPECT_THAT(calls, Contains(StartsWith("Response.Cookies(ShopLogin)")));
+        EXPECT_EQ(page.session_values.size(), 4u);
+        EXPECT_THAT(calls, Not(Contains(StartsWith("RegisterLogin"))));
+        EXPECT_THAT(calls, Not(Contains(StartsWith("LoadSiteConfig"))));
+    });
+}
+
+TEST_FRESH(LoginTest, TheSiteDecidesOnSeveralLoginsAndTheirTimeout) {
+    configuration_.sections[u"GLOBAL"] = {{u"MultiLogin", u"0"}, {u"MultiLoginTimeout", u"99999"}};
+    in_a_page([this](Behind<Validator>& validator, RecordingPage& page) {
+        page.cookies[u"ShopLogin"] = u"A1";
+        log_in(validator);
+        EXPECT_THAT(deeds_beginning("RegisterLogin"),
+                    ElementsAre("RegisterLogin(jsmith, [3], A1, 0, 99999)"));
+    });
+}
+
+TEST_FRESH(LoginTest, SessionVariablesTakeUserAndPasswordAsTheyWerePassed) {
+    in_a_page([](Behind<Validator>& validator, RecordingPage& page) {
+        log_in(validator, std::int32_t{4711}, std::int32_t{12});
+        EXPECT_EQ(page.session_values[u"REMOTE_USER"], Variant(std::int32_t{4711}));
+        EXPECT_EQ(page.session_values[u"REMOTE_PASSWORD"], Variant(std::int32_t{12}));
+        EXPECT_EQ(page.session_values[u"REMOTE_ACCOUNT"], Variant(u"un=4711,ou=Users,o=Shop"));
+    });
+}
+
+TEST_FRESH(LoginTest, ABlankCookieNameFailsAfterTheUserWasBound) {
+    membership()[u"CookieName"] = u"  ";
+    in_a_page([this](Behind<Validator>& validator, RecordingPage& page) {
+        expect_failure(raised_by([&] { log_in(validator); }), error_number(0x8004044C),
+                       from_utf8(login),
+                       block("8004044C", login,
+                             "Cookie name is empty, cannot continue. Check configuration file"));
+        EXPECT_THAT(journal_.take(), Contains(bind_jsmith));
+        EXPECT_TRUE(page.session_values.empty());
+    });
+}
+
+TEST_FRESH(LoginTest, WithoutAFilterABrowserWithACookieKeepsItsGuid) {
+    in_a_page([this](Behind<Validator>& validator, RecordingPage& page) {
+        for (const Variant& other :
+             {Variant(), Variant(u"text"), Variant(make<DictionaryObject>().object())}) {
+            page.application_values[filter_connector_progid] = other;
+            page.cookies[u"ShopLogin"] = u"A1";
+            log_.take();
+            EXPECT_EQ(log_in(validator), 0);
+            EXPECT_EQ(page.session_values[u"QUENDRAID"], Variant(u"A1"));
+            for (const LogEntry& entry : log_.take())
+                EXPECT_EQ(entry.level, 1) << "no failure is logged: " << entry.message;
+        }
+    });
+}
+
+TEST_FRESH(LoginTest, WithoutAFilterABrowserWithoutACookieIsRefused) {
+    in_a_page([this](Behind<Validator>& validator, RecordingPage& page) {
+        page.application_values.clear();
+        expect_failure(
+            raised_by([&] { log_in(validator); }), error_number(0x8004044C), from_utf8(login),
+            block("8004044C", login,
+                  "No new GUID can be set. Check installation of the authorization filter"));
+        EXPECT_TRUE(page.session_values.empty());
+        EXPECT_THAT(deeds(), Not(Contains(StartsWith("Response"))));
+    });
+}
+
+TEST_FRESH(LoginTest, AFilterThatMakesNoRecordLeavesTheGuidWithoutOne) {
+    filter_.refuses_new = true;
+    in_a_page([this](Behind<Validator>& validator, RecordingPage& page) {
+        page.cookies[u"ShopLogin"] = u"A1";
+        EXPECT_EQ(log_in(validator), 0);
+        const auto calls = deeds();
+        EXPECT_THAT(calls, Not(Contains("Save()")));
+        EXPECT_EQ(page.session_values[u"QUENDRAID"], Variant(u"A1"));
+        EXPECT_THAT(calls, Contains("RegisterLogin(jsmith, [3], A1, 1, 10)"));
+    });
+}
+
+TEST_FRESH(LoginTest, EachFailingStepLeavesWhatWasDoneBefore) {
+    const Failure broken{error_number(0x80004005), u"Its.Own", u"broken"};
+    struct Step {
+        const char* refused;
+        int nth;
+        std::size_t session_values;
+    };
+    for (const Step& step :
+         {Step{"Validate", 1, 0}, Step{"Bind", 1, 0}, Step{"Request.Cookies", 1, 0},
+          Step{"FindUserByGUID", 1, 0}, Step{"Save", 1, 0}, Step{"Session(REMOTE_ACCOUNT) =", 1, 2},
+          Step{"LoadSiteConfig", 1, 4}, Step{"GetValue2", 2, 4},
+          Step{"new TavikAuthFilter.Connector", 1, 4}, Step{"RegisterLogin", 1, 4}}) {
+        SCOPED_TRACE(step.refused);
+        in_a_page([&](Behind<Validator>& validator, RecordingPage& page) {
+            page.cookies[u"ShopLogin"] = u"A1";
+            journal_.refuse_nth(step.refused, step.nth, broken);
+            const Failure failure = raised_by([&] { log_in(validator); });
+            EXPECT_EQ(failure.number, broken.number);
+            EXPECT_NE(failure.description.find(u" METHOD: " + from_utf8(login)), Text::npos);
+            EXPECT_EQ(page.session_values.size(), step.session_values);
+        });
+    }
+}
+
+TEST_FRESH(LoginTest, FailuresOfTheFilterAreReportedUnderTheUpdateToo) {
+    in_a_page([this](Behind<Validator>& validator, RecordingPage& page) {
+        page.cookies[u"ShopLogin"] = u"A1";
+        journal_.refuse_nth("Save", 1, {error_number(0x80004005), u"Its.Own", u"broken"});
+        expect_failure(raised_by([&] { log_in(validator); }), error_number(0x80004005), u"Its.Own",
+                       block("80004005", login, block("80004005", update, "broken")));
+    });
+}
+
+TEST_FRESH(LoginTest, ThePasswordStandsInNoFailureAndNoEntry) {
+    in_a_page([this](Behind<Validator>& validator, RecordingPage&) {
+        for (const char* operation : {"Validate", "Bind", "Save", "RegisterLogin"}) {
+            journal_.refuse_nth(operation, 1, {error_number(0x80004005), u"Its.Own", u"broken"});
+            const Failure failure = raised_by([&] { log_in(validator); });
+            EXPECT_EQ(failure.description.find(u"s3cret"), Text::npos);
+            for (const LogEntry& entry : log_.take())
+                EXPECT_EQ(entry.message.find("s3cret"), std::string::npos);
+        }
+    });
+}
+
+// Outside a page.
+
+TEST_FRESH(LoginTest, OutsideAPageThePasswordIsCheckedAndTheLoginFails) {
+    load_settings();
+    for (const Door door : every_door) {
+        Behind<Validator> validator(door);
+        EXPECT_EQ(log_.take().back(),
+                  (LogEntry{"LogMessage", activate,
+                            block("0", activate, "Not an actual error", "No object context"), 1}));
+        directory_.verdict = -1;
+        EXPECT_EQ(log_in(validator), -1);
+        directory_.verdict = 0;
+        forget();
+        expect_failure(
+            raised_by([&] { log_in(validator); }), error_number(0x8004044C), from_utf8(login),
+            block("8004044C", login, "No response object, session variables cannot be set"));
+        EXPECT_THAT(journal_.take(), Contains(bind_jsmith)) << "the user was bound";
+    }
+}
+
+TEST_FRESH(LoginTest, AContextWithoutAnApplicationIsNoted) {
+    const RecordingContext context(journal_);
+    const Validator validator;
+    EXPECT_THAT(log_.take(), ElementsAre(LogEntry{"LogMessage", activate,
+                                                  block("0", activate, "Not an actual error",
+                                                        "No items found in object context"),
+                                                  1}));
+    EXPECT_FALSE(shared_server_info()->IsLoaded());
+}
+
+TEST_FRESH(LoginTest, ActivationTakesThePagesObjectsAndLoadsTheSettings) {
+    RecordingContext context(journal_);
+    RecordingPage page(journal_);
+    context.items = {{u"Request", page.request},
+                     {u"Response", page.response},
+                     {u"Session", page.session},
+                     {u"Application", page.application}};
+    const Validator validator;
+    auto calls = journal_.take();
+    std::erase_if(calls, [](const std::string& call) { return call.starts_with("ReadConfig"); });
+    EXPECT_THAT(calls,
+                ElementsAre("Item(Application)", "Item(Response)", "Item(Session)", "Item(Request)",
+                            "Item(Application)", "CreateInstance(Quendra.Configuration)",
+                            "new Quendra.Configuration()", "Initialize()"));
+    EXPECT_TRUE(shared_server_info()->IsLoaded());
+    EXPECT_EQ(configuration_.alive, 0);
+}
+
+// Changing a password.
+
+TEST_FRESH(LoginTest, ChangePasswordOpensTheEntryWithTheServiceAccount) {
+    in_a_page([this](Behind<Validator>& validator, RecordingPage&) {
+        Text user = u"jsmith", old_password = u"old", new_password = u"new";
+        validator.call<&Validator::ChangePassword>(user, old_password, new_password);
+        auto calls = journal_.take();
+        std::erase_if(calls, [](const std::string& call) {
+            for (const char* kept : {"Bind(", "Validate(", "SetValues("})
+                if (call.starts_with(kept)) return false;
+            return true;
+        });
+        EXPECT_THAT(calls,
+                    ElementsAre("Bind(dir01:389, ou=Users,o=Shop, un=jsmith, cn=script,o=Shop, "
+                                "script-code, [cn, OrvoUserType, BusinessPartnerID])",
+                                "Bind(dir01:389, ou=Accounts,o=Shop, an=1, cn=script,o=Shop, "
+                                "script-code, [])",
+                                "Validate(un=jsmith,ou=Users,o=Shop, old)",
+                                "SetValues(userPassword, [new])"));
+    });
+}
+
+TEST_FRESH(LoginTest, AWrongOldPasswordIsReportedUnderBothNames) {
+    directory_.verdict = -1;
+    in_a_page([](Behind<Validator>& validator, RecordingPage&) {
+        Text user = u"jsmith", old_password = u"old", new_password = u"new";
+        const Failure failure = raised_by(
+            [&] { validator.call<&Validator::ChangePassword>(user, old_password, new_password); });
+        expect_failure(failure, error_number(0x80040325), u"OrvoMembership.User.ChangePassword",
+                       block("80040325", change,
+                             block("80040325", "OrvoMembership.User.ChangePassword",
+                                   "The current password is not correct")));
+    });
+}
+
+}  // namespace
+}  // namespace orvo

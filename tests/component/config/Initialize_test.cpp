@@ -1,0 +1,78 @@
+#include "component/config/Initialize.h"
+
+#include "component/config/SharedServerInfo.h"
+#include "tests/component/component_test.h"
+
+namespace orvo {
+namespace {
+
+using testing::ElementsAre;
+
+static_assert(slot_of<&Initialize::InitializeConnectionPool> == 7);
+static_assert(slot_of<&Initialize::InitializeCache> == 8);
+
+class InitializeTest : public ComponentTest {
+protected:
+    template <class Body>
+    void through_every_door(Body body) {
+        for (const Door door : every_door) {
+            SCOPED_TRACE(testing::PrintToString(door));
+            Behind<Initialize> initialize(door);
+            journal_.clear();
+            body(initialize);
+        }
+    }
+};
+
+TEST_FRESH(InitializeTest, ItsCreationLoadsTheSitesConfiguration) {
+    const Initialize initialize;
+    const auto calls = journal_.take();
+    ASSERT_GE(calls.size(), 3u);
+    EXPECT_EQ(calls[0], "new Quendra.Configuration()");
+    EXPECT_EQ(calls[1], "Initialize()");
+    EXPECT_EQ(calls[2], "ReadConfigValue(MEMBERSHIP, LDAPServer)");
+    EXPECT_TRUE(shared_server_info()->IsLoaded());
+    EXPECT_EQ(configuration_.alive, 0);
+}
+
+TEST_FRESH(InitializeTest, ItsCreationFailsAsTheConfigurationDid) {
+    journal_.refuse("Initialize", {53, u"Its.Own", u"site.ini: not there"});
+    expect_failure(raised_by([] { Initialize(); }), 53, u"Its.Own", "site.ini: not there");
+    expect_failure(raised_by([] { make<Initialize>(); }), 53, u"Its.Own", "site.ini: not there");
+}
+
+TEST_FRESH(InitializeTest, NamesAndValuesAreHandedToTheProviderAndItsAnswerBack) {
+    through_every_door([this](Behind<Initialize>& initialize) {
+        for (const bool answer : {true, false}) {
+            directory_.is_ready = answer;
+            Variant names = Values{u"Size", std::int32_t{3}}, values = u"anything";
+            EXPECT_EQ(initialize.call<&Initialize::InitializeConnectionPool>(names, values),
+                      answer);
+            EXPECT_THAT(journal_.take(),
+                        ElementsAre("new Test.Directory()", "CreateEntry()",
+                                    "InitializeConnectionPool([Size, 3], anything)"));
+            EXPECT_EQ(initialize.call<&Initialize::InitializeCache>(names, values), answer);
+            EXPECT_THAT(journal_.take(), ElementsAre("new Test.Directory()", "CreateEntry()",
+                                                     "InitializeCache([Size, 3], anything)"));
+        }
+    });
+}
+
+TEST_FRESH(InitializeTest, TheProvidersFailuresArriveAsTheyAre) {
+    journal_.refuse("InitializeConnectionPool", {5, u"Its.Own", u"no such parameter: Size"});
+    journal_.refuse("InitializeCache", {5, u"Its.Own", u"no such parameter: Size"});
+    through_every_door([this](Behind<Initialize>& initialize) {
+        Variant names = Values{u"Size"}, values = Values{std::int32_t{3}};
+        expect_failure(raised_by([&] {
+                           initialize.call<&Initialize::InitializeConnectionPool>(names, values);
+                       }),
+                       5, u"Its.Own", "no such parameter: Size");
+        expect_failure(
+            raised_by([&] { initialize.call<&Initialize::InitializeCache>(names, values); }), 5,
+            u"Its.Own", "no such parameter: Size");
+        EXPECT_TRUE(log_.take().empty());
+    });
+}
+
+}  // namespace
+}  // namespace orvo

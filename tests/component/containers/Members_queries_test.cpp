@@ -1,0 +1,406 @@
+#include "component/containers/record_fields.h"
+#include "tests/component/containers/containers_test.h"
+
+namespace orvo {
+namespace {
+
+constexpr const char* get_users = "OrvoMembership.Members.GetOrvoUsers";
+constexpr const char* query_members = "OrvoMembership.Members.QueryMembers";
+constexpr const char* having_role = "OrvoMembership.Members.GetOrvoMembersHavingRole";
+constexpr const char* having_role_ex = "OrvoMembership.Members.GetOrvoMembersHavingRoleEx";
+
+constexpr const char* connect_users =
+    "Connect(dir01:389, ou=Users,o=Shop, cn=web,o=Shop, web-code)";
+constexpr const char* connect_profiles =
+    "Connect(dir01:389, ou=Profiles,o=Shop, cn=web,o=Shop, web-code)";
+
+std::string execute(const std::string& filter, const std::string& columns = usual_columns,
+                    int maximum = 1000) {
+    return "Execute(" + filter + ", " + columns + ", " + std::to_string(maximum) + ")";
+}
+
+class MembersSearch : public ContainersTest {
+protected:
+    // Record sets belong to the thread that asks.
+    template <class Body>
+    void bound_members_through_every_door(Body body) {
+        directory_.found = users({u"jsmith"});
+        ContainersTest::bound_members_through_every_door(body);
+    }
+
+    static Object search(Behind<Members>& members, const Variant& criteria,
+                         const Variant& page_size = Variant::missing()) {
+        return members.call<&Members::GetOrvoUsers>(criteria, Text(), page_size);
+    }
+    // The filter of a search with these criteria.
+    std::string filter_of(Behind<Members>& members, const Variant& criteria) {
+        forget();
+        search(members, criteria);
+        const auto calls = journal_.take();
+        return calls.back().substr(0, calls.back().find(", [CN"));
+    }
+};
+
+TEST_FRESH(MembersSearch, AsksTheUsersContainerWithTheStoredAccount) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        EXPECT_EQ(search(members, Values{u"OrvoGUID=x"}), directory_.found);
+        EXPECT_THAT(journal_.take(),
+                    ElementsAre("CreateSearch()", connect_users,
+                                execute("(& (objectClass=top)(OrvoUserType=*)(OrvoGUID=x))")));
+    });
+}
+
+TEST_FRESH(MembersSearch, AnObjectReferenceMeansNoCriteria) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        search(members, Object());
+        EXPECT_EQ(journal_.take().back(), execute("(& (objectClass=top)(OrvoUserType=*))"));
+        search(members, make<DictionaryObject>().object());
+        EXPECT_EQ(journal_.take().back(), execute("(& (objectClass=top)(OrvoUserType=*))"));
+    });
+}
+
+TEST_FRESH(MembersSearch, CriteriaThatAreNoArrayAreRefused) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        for (const Variant& criteria : {Variant::missing(), Variant(), Variant::null(),
+                                        Variant(u"mail=a*"), Variant(std::int32_t{1})}) {
+            expect_failure(raised_by([&] { search(members, criteria); }), 13, u"OrvoMembership",
+                           block("D", get_users, type_mismatch));
+        }
+        EXPECT_THAT(journal_.take(), IsEmpty());
+    });
+}
+
+TEST_FRESH(MembersSearch, NotInCapitalsBecomesTheSignWhereverItStands) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        Variant criteria = Values{u"NOT mail=*", u"not sn=a", u"cn=NOTARY", u"NOTNOT x=1"};
+        EXPECT_EQ(filter_of(members, criteria),
+                  "Execute((& (objectClass=top)(OrvoUserType=*)(! mail=*)(not sn=a)(cn=!ARY)"
+                  "(!! x=1))");
+        EXPECT_EQ(criteria,
+                  Variant(Values{u"NOT mail=*", u"not sn=a", u"cn=NOTARY", u"NOTNOT x=1"}))
+            << "the caller's array stays as it is";
+    });
+}
+
+TEST_FRESH(MembersSearch, NothingElseInACriterionIsTouched) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        EXPECT_EQ(filter_of(members, Values{u"cn=O'Brien (*)\\", u"", std::int32_t{5}}),
+                  "Execute((& (objectClass=top)(OrvoUserType=*)(cn=O'Brien (*)\\)()(5))");
+    });
+}
+
+TEST_FRESH(MembersSearch, CriteriaMayBeginAtAnyIndex) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        Values criteria(-1, 2);
+        criteria[-1] = u"a=1";
+        criteria[0] = u"b=2";
+        EXPECT_EQ(filter_of(members, std::move(criteria)),
+                  "Execute((& (objectClass=top)(OrvoUserType=*)(a=1)(b=2))");
+    });
+}
+
+TEST_FRESH(MembersSearch, AnArrayBeyond16BitsOverflows) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        Values criteria(0, 40000);
+        for (Variant& item : criteria) item = u"a=1";
+        expect_failure(raised_by([&] { search(members, criteria); }), 6, u"OrvoMembership",
+                       block("6", get_users, "Overflow"));
+        EXPECT_EQ(raised_by([&] { search(members, Values(40000, 1)); }).number, 6);
+        EXPECT_THAT(journal_.take(), IsEmpty());
+    });
+}
+
+TEST_FRESH(MembersSearch, AnArrayAsACriterionIsRefused) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        EXPECT_EQ(raised_by([&] { search(members, Values{Values{u"a=1"}}); }).number, 13);
+    });
+}
+
+TEST_FRESH(MembersSearch, AFullPageLeavesABookmarkAndAShorterOneLeavesTheFormer) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        EXPECT_EQ(members.call<&Members::GetLastPageValue>(), u"");
+        directory_.found = users({u"anna", u"bert"});
+        const auto page = Ref<RecordSet>::from(search(members, no_criteria(), std::int16_t{2}));
+        EXPECT_EQ(members.call<&Members::GetLastPageValue>(), u"bert!");
+        EXPECT_EQ(field_value(page, u"cn"), Variant(u"anna")) << "at the first record again";
+
+        directory_.found = users({u"zoe"});
+        search(members, no_criteria(), std::int16_t{2});
+        EXPECT_EQ(members.call<&Members::GetLastPageValue>(), u"bert!");
+        directory_.found = users({});
+        search(members, no_criteria(), std::int16_t{2});
+        EXPECT_EQ(members.call<&Members::GetLastPageValue>(), u"bert!");
+    });
+}
+
+TEST_FRESH(MembersSearch, ThePageSizeIsConvertedTo16Bits) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        search(members, no_criteria(), u"25");
+        EXPECT_EQ(journal_.take().back(),
+                  execute("(& (objectClass=top)(OrvoUserType=*))", usual_columns, 25));
+        search(members, no_criteria(), 2.5);
+        EXPECT_EQ(journal_.take().back(),
+                  execute("(& (objectClass=top)(OrvoUserType=*))", usual_columns, 2));
+        expect_failure(
+            raised_by([&] { search(members, no_criteria(), std::int32_t{40000}); }), 6,
+            from_utf8(query_members),
+            block("6", get_users,
+                  block("6", query_members,
+                        "The following query failed: (& (objectClass=top)(OrvoUserType=*))")));
+        EXPECT_EQ(raised_by([&] { search(members, no_criteria(), u"many"); }).number, 13);
+    });
+}
+
+TEST_FRESH(MembersSearch, AProviderThatFindsNothingAtAllIsAnsweredWithNothing) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        directory_.found = nullptr;
+        EXPECT_FALSE(search(members, no_criteria()));
+    });
+}
+
+TEST_FRESH(MembersSearch, AFailureTellsTheFilterAndTheProvidersWordsAreInTheLog) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        journal_.refuse("Execute", no_rights());
+        expect_failure(raised_by([&] { search(members, Values{u"x"}); }), error_number(0x80072098),
+                       from_utf8(query_members),
+                       block("80072098", get_users,
+                             block("80072098", query_members,
+                                   "The following query failed: "
+                                   "(& (objectClass=top)(OrvoUserType=*)(x))")));
+        const auto entries = log_.take();
+        ASSERT_EQ(entries.size(), 3u);
+        EXPECT_EQ(entries[0].message, block("80072098", query_members, "(50) no rights"));
+    });
+}
+
+TEST_FRESH(MembersSearch, TheExtendedSearchTakesItsOwnColumnsAndSetsNoBookmark) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        directory_.found = users({u"anna"});
+        const auto search_ex = [&](const Variant& criteria, const Variant& names,
+                                   const Variant& size) {
+            return members.call<&Members::GetOrvoUsersEx>(criteria, names, Text(u"sn"), size);
+        };
+        EXPECT_EQ(search_ex(Values{u"NOT sn=a"}, Values{u"sn", u"cn"}, std::int16_t{1}),
+                  directory_.found);
+        EXPECT_EQ(journal_.take().back(),
+                  execute("(& (objectClass=top)(OrvoUserType=*)(! sn=a))", "[sn, cn]", 1));
+        EXPECT_EQ(members.call<&Members::GetLastPageValue>(), u"");
+        search_ex(no_criteria(), Variant::missing(), Variant::missing());
+        EXPECT_EQ(journal_.take().back(), execute("(& (objectClass=top)(OrvoUserType=*))"));
+        expect_failure(
+            raised_by([&] { search_ex(Variant::missing(), Variant::missing(), Variant()); }), 13,
+            u"OrvoMembership", block("D", get_users, type_mismatch));
+    });
+}
+
+// Users by role.
+
+class MembersHavingRole : public ContainersTest {
+protected:
+    static constexpr const char* role_columns =
+        "[cn, BusinessPartnerID, mail, givenName, sn, orvorole]";
+
+    static Object profiles(std::initializer_list<const char16_t*> names) {
+        std::vector<std::vector<Variant>> rows;
+        for (const char16_t* name : names) rows.push_back({Text(name)});
+        return records({u"cn"}, rows);
+    }
+    // Users as the search through profiles finds them: (cn, roles of their own).
+    static Object users_with_roles(std::initializer_list<std::pair<const char16_t*, Variant>> all) {
+        std::vector<std::vector<Variant>> rows;
+        for (const auto& [name, roles] : all)
+            rows.push_back({Text(name), std::int32_t{7}, Variant(), Variant(), Variant(), roles});
+        return records({u"cn", u"BusinessPartnerID", u"mail", u"givenName", u"sn", u"orvorole"},
+                       rows);
+    }
+    static Ref<RecordSet> having(Behind<Members>& members, std::int16_t role, Text sort = {}) {
+        return Ref<RecordSet>::from(members.call<&Members::GetOrvoMembersHavingRole>(role, sort));
+    }
+    static std::vector<std::string> names_in(const Ref<RecordSet>& found) {
+        std::vector<std::string> names;
+        for (; !call<&RecordSet::IsEof>(found); call<&RecordSet::MoveNext>(found))
+            names.push_back(shown(field_value(found, u"cn")));
+        return names;
+    }
+};
+
+TEST_FRESH(MembersHavingRole, WithoutAProfileOnlyTheRolesOwnHoldersAreAskedFor) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        directory_.finds = {profiles({}), users({u"anna", u"bert"})};
+        EXPECT_THAT(names_in(having(members, 7)), ElementsAre("anna", "bert"));
+        EXPECT_THAT(journal_.take(),
+                    ElementsAre("CreateSearch()", connect_profiles,
+                                execute("(&(objectClass=shopProfile)(OrvoRole=7))", "[cn]"),
+                                "CreateSearch()", connect_users,
+                                execute("(& (objectClass=top)(OrvoRole=7)(!OrvoUserType = 0))")));
+    });
+}
+
+TEST_FRESH(MembersHavingRole, OneProfileStandsInTheFilterByItself) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        directory_.finds = {profiles({u"sales"}), users_with_roles({}), users({})};
+        having(members, -3);
+        EXPECT_THAT(journal_.take(),
+                    ElementsAre("CreateSearch()", connect_profiles,
+                                execute("(&(objectClass=shopProfile)(OrvoRole=-3))", "[cn]"),
+                                "CreateSearch()", connect_users,
+                                execute("(&(objectClass=top)(!OrvoUserType = 0)(ProfileCN=sales))",
+                                        role_columns),
+                                "CreateSearch()", connect_users,
+                                execute("(& (objectClass=top)(OrvoRole=-3)(!OrvoUserType = 0))")));
+    });
+}
+
+TEST_FRESH(MembersHavingRole, SeveralProfilesStandInAnOrWithBlanksBetween) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        directory_.finds = {profiles({u"sales", u"O'Hara's", u"a (b)"}), users_with_roles({}),
+                            users({})};
+        having(members, 7);
+        EXPECT_EQ(journal_.take()[5],
+                  execute("(&(objectClass=top)(!OrvoUserType = 0)(|(ProfileCN=sales) "
+                          "(ProfileCN=O'Hara's) (ProfileCN=a (b))))",
+                          role_columns));
+    });
+}
+
+TEST_FRESH(MembersHavingRole, AProfilesRoleCountsForUsersWithoutRolesOfTheirOwnAlone) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        directory_.finds = {
+            profiles({u"sales"}),
+            users_with_roles({{u"empty", Variant()},
+                              {u"null", Variant::null()},
+                              {u"blank", u""},
+                              {u"nolist", Values()},
+                              {u"emptylist", Values{Variant()}},
+                              {u"zero", std::int32_t{0}},
+                              {u"own", std::int32_t{3}},
+                              {u"several", Values{std::int32_t{3}, std::int32_t{7}}}}),
+            users({u"several"})};
+        EXPECT_THAT(names_in(having(members, 7)),
+                    ElementsAre("empty", "null", "blank", "nolist", "emptylist", "several"));
+    });
+}
+
+TEST_FRESH(MembersHavingRole, AUserFoundBothWaysIsListedTwice) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        directory_.finds = {profiles({u"sales"}), users_with_roles({{u"anna", Variant()}}),
+                            users({u"anna"})};
+        EXPECT_THAT(names_in(having(members, 7)), ElementsAre("anna", "anna"));
+    });
+}
+
+TEST_FRESH(MembersHavingRole, TheResultHasFiveColumnsOfItsOwn) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        directory_.finds = {profiles({}), users({u"anna"})};
+        const auto found = having(members, 7);
+        const auto fields = call<&RecordSet::Fields>(found);
+        std::vector<std::string> columns;
+        for (std::int32_t i = 0; i < call<&Fields::Count>(fields); ++i) {
+            const auto field = call<&Fields::Item>(fields, Variant(i));
+            columns.push_back(to_utf8(call<&Field::Name>(field)) + " " +
+                              std::to_string(call<&Field::Type>(field)) + " " +
+                              std::to_string(call<&Field::DefinedSize>(field)));
+        }
+        EXPECT_THAT(columns, ElementsAre("BusinessPartnerID 3 4", "mail 202 255", "cn 202 255",
+                                         "givenName 202 255", "sn 202 255"));
+        EXPECT_EQ(field_value(found, u"BusinessPartnerID"), Variant(std::int32_t{7}));
+        EXPECT_EQ(field_value(found, u"mail"), Variant(u"anna@x"));
+        EXPECT_EQ(field_value(found, u"givenName"), Variant(u"Given"));
+        EXPECT_EQ(field_value(found, u"sn"), Variant(u"Sur"));
+        EXPECT_EQ(call<&RecordSet::RecordCount>(found), 1);
+    });
+}
+
+TEST_FRESH(MembersHavingRole, APartnerThatIsNoNumberBecomesZeroAndIsNoted) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        directory_.finds = {profiles({}),
+                            records({u"CN", u"BusinessPartnerID", u"mail", u"givenName", u"sn"},
+                                    {{u"anna", u"none", u"", u"", u""},
+                                     {u"bert", u"4711", u"", u"", u""},
+                                     {Values{u"carl", u"karl"}, 5e9, u"", u"", u""}})};
+        log_.take();
+        const Failure failure = raised_by([&] { having(members, 7); });
+        EXPECT_EQ(failure.number, 3421) << "a name of two values is no text";
+        std::vector<std::string> notes;
+        for (const LogEntry& entry : log_.take())
+            if (entry.level == 1) notes.push_back(entry.message);
+        const char* add = "OrvoMembership.Members.AddUserToResultSet";
+        EXPECT_THAT(notes, ElementsAre(block("0", add, "Not an actual error",
+                                             "Invalid BusinessPartnerID for user anna -- value "
+                                             "set to 0 in resultset"),
+                                       block("0", add, "Not an actual error",
+                                             "Invalid BusinessPartnerID for user carl -- value "
+                                             "set to 0 in resultset")));
+        directory_.finds = {profiles({}),
+                            records({u"CN", u"BusinessPartnerID", u"mail", u"givenName", u"sn"},
+                                    {{u"anna", u"none", u"", u"", u""}})};
+        EXPECT_EQ(field_value(having(members, 7), u"BusinessPartnerID"), Variant(std::int32_t{0}));
+    });
+}
+
+TEST_FRESH(MembersHavingRole, CriteriaStandBehindTheUserPartUnchanged) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        directory_.finds = {profiles({u"sales"}), users_with_roles({}), users({})};
+        Variant criteria = Values{u"NOT sn=a", u"mail=*"};
+        Text sort;
+        std::int16_t role = 7;
+        members.call<&Members::GetOrvoMembersHavingRoleEx>(role, criteria, sort);
+        const auto calls = journal_.take();
+        EXPECT_EQ(calls[5], execute("(&(objectClass=top)(!OrvoUserType = 0)(NOT sn=a)(mail=*)"
+                                    "(ProfileCN=sales))",
+                                    role_columns));
+        EXPECT_EQ(calls[8], execute("(& (objectClass=top)(OrvoRole=7)(!OrvoUserType = 0)"
+                                    "(NOT sn=a)(mail=*))"));
+    });
+}
+
+TEST_FRESH(MembersHavingRole, MissingCriteriaAreRefusedHereToo) {
+    bound_members_through_every_door([](Behind<Members>& members) {
+        Variant criteria = Variant::missing();
+        Text sort;
+        std::int16_t role = 7;
+        expect_failure(raised_by([&] {
+                           members.call<&Members::GetOrvoMembersHavingRoleEx>(role, criteria, sort);
+                       }),
+                       13, u"OrvoMembership", block("D", having_role_ex, type_mismatch));
+    });
+}
+
+TEST_FRESH(MembersHavingRole, SortFieldsSortTheMergedRows) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        directory_.finds = {profiles({}), users({u"bert", u"anna", u"carl"})};
+        EXPECT_THAT(names_in(having(members, 7, u"cn DESC")), ElementsAre("carl", "bert", "anna"));
+        directory_.finds = {profiles({}), users({})};
+        EXPECT_THAT(names_in(having(members, 7, u"nonsense")), IsEmpty())
+            << "nothing is sorted where there is nothing";
+    });
+}
+
+TEST_FRESH(MembersHavingRole, FailuresPassThroughBothFrames) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        journal_.refuse_nth("Execute", 1, no_rights());
+        expect_failure(
+            raised_by([&] { having(members, 7); }), error_number(0x80072098), u"Its.Own",
+            block("80072098", having_role, block("80072098", having_role_ex, "(50) no rights")));
+        directory_.finds = {profiles({u"sales"})};
+        journal_.refuse_nth("Execute", 2, no_rights());
+        expect_failure(raised_by([&] { having(members, 7); }), error_number(0x80072098), u"Its.Own",
+                       block("80072098", having_role,
+                             block("80072098", having_role_ex,
+                                   block("80072098", "OrvoMembership.Members.QueryMembersEx",
+                                         "(50) no rights"))));
+    });
+}
+
+TEST_FRESH(MembersHavingRole, AProvidersRecordSetsAreClosed) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        const Object found[] = {profiles({u"sales"}), users_with_roles({}), users({})};
+        directory_.finds = {found[0], found[1], found[2]};
+        having(members, 7);
+        for (const Object& records : found)
+            EXPECT_EQ(call<&RecordSet::State>(Ref<RecordSet>::from(records)), adStateClosed);
+    });
+}
+
+}  // namespace
+}  // namespace orvo

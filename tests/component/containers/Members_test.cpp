@@ -1,0 +1,483 @@
+#include "component/containers/Members.h"
+
+#include "tests/component/containers/containers_test.h"
+
+namespace orvo {
+namespace {
+
+using testing::MatchesRegex;
+
+static_assert(slot_of<&Members::BindAs> == 7);
+static_assert(slot_of<&Members::setServerInfo> == 8);
+static_assert(slot_of<&Members::CreateUserOnFormsLogin> == 9);
+static_assert(slot_of<&Members::CreateUser> == 10);
+static_assert(slot_of<&Members::DeleteUser> == 11);
+static_assert(slot_of<&Members::GetUserFromGUID> == 12);
+static_assert(slot_of<&Members::GetOrvoUsers> == 13);
+static_assert(slot_of<&Members::GetLastPageValue> == 14);
+static_assert(slot_of<&Members::GetOrvoMembersHavingRole> == 15);
+static_assert(slot_of<&Members::GetOrvoMembersHavingRoleEx> == 16);
+static_assert(slot_of<&Members::GetAttribValue> == 17);
+static_assert(slot_of<&Members::SetAttribValue> == 18);
+static_assert(slot_of<&Members::CreateUserWithAttributes> == 19);
+static_assert(slot_of<&Members::GetOrvoUsersEx> == 20);
+
+constexpr const char* bind_as = "OrvoMembership.Members.BindAs";
+constexpr const char* create_user = "OrvoMembership.Members.CreateUser";
+constexpr const char* delete_user = "OrvoMembership.Members.DeleteUser";
+constexpr const char* from_guid = "OrvoMembership.Members.GetUserFromGUID";
+constexpr const char* with_attributes = "OrvoMembership.Members.CreateUserWithAttributes";
+constexpr const char* not_bound = "Not bound to the Members Organizational Unit";
+
+constexpr const char* bind_container =
+    "Bind(dir01:389, ou=Users,o=Shop, , cn=web,o=Shop, web-code, [])";
+constexpr const char* bind_container_as_script =
+    "Bind(dir01:389, ou=Users,o=Shop, , cn=script,o=Shop, script-code, [])";
+constexpr const char* bind_new_user =
+    "Bind(dir01:389, ou=Users,o=Shop, un=jsmith, cn=web,o=Shop, web-code, "
+    "[cn, OrvoUserType, BusinessPartnerID])";
+constexpr const char* new_user =
+    "CreateChild\\(\\[\\[top, person\\]\\], un, \\[cn=jsmith, OrvoGUID=[0-9A-F]{32}, "
+    "userPassword=s3cret, un=jsmith, sn=, mail=, objectClass=\\[top, person\\]\\]\\)";
+
+Failure exists(const char16_t* text = u"(68) The specified entry already exists.") {
+    return {error_number(0x80004005), u"Its.Own", text};
+}
+
+class MembersTest : public ContainersTest {};
+
+// Binding.
+
+TEST_FRESH(MembersTest, BindAsBindsTheContainerItselfAndPreloadsNothing) {
+    members_through_every_door([this](Behind<Members>& members) {
+        bind(members);
+        EXPECT_THAT(journal_.take(),
+                    ElementsAre("new Test.Directory()", "CreateEntry()", bind_container));
+    });
+}
+
+TEST_FRESH(MembersTest, ABlankNameIsRefusedQuietlyAndItsCredentialsAreKept) {
+    members_through_every_door([this](Behind<Members>& members) {
+        for (const char16_t* blank : {u"", u"   "}) {
+            bind(members);
+            forget();
+            bind(members, blank, u"kept");
+            EXPECT_THAT(journal_.take(), IsEmpty());
+            EXPECT_THAT(log_.take(), IsEmpty()) << "nothing is logged either";
+            EXPECT_EQ(directory_.entries, 0) << "the former binding is gone";
+            expect_failure(raised_by([&] { create(members); }), emErrNotBoundToMembers,
+                           from_utf8(create_user), block("80040323", create_user, not_bound));
+            members.call<&Members::GetOrvoUsers>(no_criteria(), Text(), Variant::missing());
+            EXPECT_THAT(journal_.take(), testing::Contains("Connect(dir01:389, ou=Users,o=Shop, " +
+                                                           to_utf8(Text(blank)) + ", kept)"));
+        }
+    });
+}
+
+TEST_FRESH(MembersTest, ARefusedBindLeavesTheContainerUnboundAndKeepsTheCredentials) {
+    members_through_every_door([this](Behind<Members>& members) {
+        bind(members);
+        journal_.refuse("Bind", no_rights());
+        forget();
+        expect_failure(raised_by([&] { bind(members, u"cn=other", u"other-code"); }),
+                       error_number(0x80072098), u"Its.Own",
+                       block("80072098", bind_as, "(50) no rights"));
+        EXPECT_EQ(directory_.entries, 0);
+        journal_.allow("Bind");
+        forget();
+        create(members);
+        EXPECT_EQ(journal_.take()[1],
+                  "Bind(dir01:389, ou=Users,o=Shop, , cn=other, other-code, [])");
+    });
+}
+
+TEST_FRESH(MembersTest, SetServerInfoLoadsAFileAndAnEmptyPathLeavesTheSettings) {
+    for (const Door door : every_door) {
+        in_fresh_thread([&] {
+            Behind<Members> members(door);
+            const Text none, path = u"C:\\Site\\site.ini";
+            members.call<&Members::setServerInfo>(none);
+            EXPECT_THAT(journal_.take(), IsEmpty());
+            EXPECT_FALSE(shared_server_info()->IsLoaded());
+            members.call<&Members::setServerInfo>(path);
+            EXPECT_EQ(journal_.take()[1], "LoadConfigurationFile(C:\\Site\\site.ini)");
+            EXPECT_TRUE(shared_server_info()->IsLoaded());
+        });
+    }
+}
+
+TEST_FRESH(MembersTest, AFileThatCannotBeLoadedIsRaisedAsItIs) {
+    journal_.refuse("LoadConfigurationFile", {53, u"Its.Own", u"site.ini: not there"});
+    Behind<Members> members(Door::names);
+    const Text path = u"site.ini";
+    expect_failure(raised_by([&] { members.call<&Members::setServerInfo>(path); }), 53, u"Its.Own",
+                   "site.ini: not there");
+}
+
+// Creating.
+
+TEST_FRESH(MembersTest, CreateUserAddsTheEntryAndBindsTheNewUserWithTheStoredAccount) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        const auto user = create(members);
+        ASSERT_TRUE(user);
+        const auto calls = journal_.take();
+        ASSERT_GE(calls.size(), 4u);
+        EXPECT_THAT(calls[0], MatchesRegex(new_user));
+        EXPECT_EQ(calls[1], "new Test.Directory()");
+        EXPECT_EQ(calls[2], "CreateEntry()");
+        EXPECT_EQ(calls[3], bind_new_user);
+    });
+}
+
+TEST_FRESH(MembersTest, AnUnboundContainerIsFirstBoundWithTheStoredCredentials) {
+    members_through_every_door([this](Behind<Members>& members) {
+        journal_.refuse_nth("Bind", 1, no_rights());
+        raised_by([&] { bind(members); });
+        forget();
+        create(members);
+        const auto calls = journal_.take();
+        EXPECT_EQ(calls[0], "CreateEntry()");
+        EXPECT_EQ(calls[1], bind_container);
+        EXPECT_THAT(calls[2], MatchesRegex(new_user));
+    });
+}
+
+TEST_FRESH(MembersTest, WithoutAnyCredentialsNobodyIsCreated) {
+    members_through_every_door([this](Behind<Members>& members) {
+        expect_failure(raised_by([&] { create(members); }), emErrNotBoundToMembers,
+                       from_utf8(create_user), block("80040323", create_user, not_bound));
+        EXPECT_THAT(journal_.take(), IsEmpty());
+    });
+}
+
+TEST_FRESH(MembersTest, TheNamingAttributeCnStandsInTheEntryOnce) {
+    membership()[u"UserNamingAttribute"] = u"cn";
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        create(members);
+        EXPECT_THAT(journal_.take()[0],
+                    MatchesRegex(".*\\[cn=jsmith, OrvoGUID=[0-9A-F]{32}, userPassword=s3cret, "
+                                 "sn=, mail=, objectClass=\\[top, person\\]\\]\\)"));
+    });
+}
+
+TEST_FRESH(MembersTest, ANamingAttributeInCapitalsIsNotTakenForCn) {
+    membership()[u"UserNamingAttribute"] = u"CN";
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        create(members);
+        EXPECT_THAT(journal_.take()[0], MatchesRegex(".*userPassword=s3cret, CN=jsmith, sn=.*"));
+    });
+}
+
+TEST_FRESH(MembersTest, AMandatoryAttributeThatIsThereAlreadyMakesEveryCreationFail) {
+    for (const char16_t* name : {u"cn", u"OrvoGUID", u"userPassword", u"un"}) {
+        in_fresh_thread([&] {
+            SCOPED_TRACE(to_utf8(name));
+            membership()[u"UserMandatoryAttributes"] = Text(u"sn,") + name;
+            bound_members_through_every_door([this](Behind<Members>& members) {
+                const Failure failure = raised_by([&] { create(members); });
+                EXPECT_EQ(failure.number, 457);
+                EXPECT_THAT(journal_.take(), IsEmpty()) << "the directory is not asked";
+            });
+        });
+    }
+}
+
+TEST_FRESH(MembersTest, ANameThatIsTakenIsToldWithTheProvidersWordsWhateverTheirCase) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        for (const char16_t* text : {u"(68) The specified entry already exists.",
+                                     u"Oh: (68) THE SPECIFIED entry already exists. Really."}) {
+            journal_.refuse("CreateChild", exists(text));
+            expect_failure(
+                raised_by([&] { create(members); }), error_number(0x8004044F),
+                from_utf8(create_user),
+                block("8004044F", create_user,
+                      "Unable to add user:'jsmith'. The error is: " + to_utf8(Text(text))));
+        }
+    });
+}
+
+TEST_FRESH(MembersTest, TheProvidersOwnFailureIsLoggedBeforeItIsToldInOtherWords) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        journal_.refuse("CreateChild", exists());
+        raised_by([&] { create(members); });
+        const auto entries = log_.take();
+        ASSERT_EQ(entries.size(), 2u);
+        EXPECT_EQ(entries[0].source, "Its.Own");
+        EXPECT_EQ(entries[0].message,
+                  block("80004005", create_user, "(68) The specified entry already exists."));
+        EXPECT_EQ(entries[1].source, create_user);
+    });
+}
+
+TEST_FRESH(MembersTest, AnyOtherFailureOfACreationKeepsItsNumberSourceAndText) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        journal_.refuse("CreateChild", no_rights());
+        expect_failure(raised_by([&] { create(members); }), error_number(0x80072098), u"Its.Own",
+                       block("80072098", create_user, "(50) no rights"));
+    });
+}
+
+TEST_FRESH(MembersTest, AUserWhoCannotBeBoundStaysCreated) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        journal_.refuse("Bind", no_rights());
+        EXPECT_EQ(raised_by([&] { create(members); }).number, error_number(0x80072098));
+        EXPECT_EQ(journal_.take().back(), bind_new_user) << "and nothing is undone";
+        journal_.allow("Bind");
+    });
+}
+
+TEST_FRESH(MembersTest, OnAFormsLoginTheScriptAccountReplacesTheBinding) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        Text name = u"jsmith", password = u"s3cret";
+        ASSERT_TRUE(members.call<&Members::CreateUserOnFormsLogin>(name, password));
+        const auto calls = journal_.take();
+        EXPECT_EQ(calls[0], "CreateEntry()");
+        EXPECT_EQ(calls[1], bind_container_as_script);
+        EXPECT_THAT(calls[2], MatchesRegex(new_user));
+        forget();
+        members.call<&Members::GetOrvoUsers>(no_criteria(), Text(), Variant::missing());
+        EXPECT_THAT(journal_.take(), testing::Contains("Connect(dir01:389, ou=Users,o=Shop, "
+                                                       "cn=script,o=Shop, script-code)"));
+    });
+}
+
+TEST_FRESH(MembersTest, AFormsLoginThatCannotBindFailsAsTheBindDid) {
+    members_through_every_door([this](Behind<Members>& members) {
+        journal_.refuse("Bind", no_rights());
+        Text name = u"jsmith", password = u"s3cret";
+        expect_failure(
+            raised_by([&] { members.call<&Members::CreateUserOnFormsLogin>(name, password); }),
+            error_number(0x80072098), u"Its.Own", block("80072098", bind_as, "(50) no rights"));
+        journal_.allow("Bind");
+    });
+}
+
+TEST_FRESH(MembersTest, AttributesOfANewUserAreWrittenOneAfterTheOtherAsLists) {
+    members_through_every_door([this](Behind<Members>& members) {
+        Values based_at_2(2, 2);
+        based_at_2[2] = u"c";
+        based_at_2[3] = u"d";
+        Variant names = Values{u"sn", u"OrvoRole", u"Fax"};
+        Variant values = Values{u"Smith", Values{2, 3}, std::move(based_at_2)};
+        const Text name = u"jsmith", password = u"s3cret";
+        ASSERT_TRUE(
+            members.call<&Members::CreateUserWithAttributes>(name, password, names, values));
+        auto calls = journal_.take();
+        std::erase_if(calls, [](const auto& call) { return !call.starts_with("SetValues"); });
+        EXPECT_THAT(calls, ElementsAre("SetValues(sn, [Smith])", "SetValues(OrvoRole, [2, 3])",
+                                       "SetValues(Fax, [Empty, Empty, c, d])"));
+    });
+}
+
+TEST_FRESH(MembersTest, NamesFromOneOnAreReadFromZeroAllTheSame) {
+    members_through_every_door([this](Behind<Members>& members) {
+        Values from_one(1, 1);
+        from_one[1] = u"sn";
+        Variant names = std::move(from_one), values = Values{u"a", u"b"};
+        const Text name = u"jsmith", password = u"s3cret";
+        expect_failure(raised_by([&] {
+                           members.call<&Members::CreateUserWithAttributes>(name, password, names,
+                                                                            values);
+                       }),
+                       9, u"OrvoMembership", block("9", with_attributes, "Subscript out of range"));
+        EXPECT_THAT(journal_.take(), testing::Contains(MatchesRegex("CreateChild.*")))
+            << "the user has been created";
+    });
+}
+
+TEST_FRESH(MembersTest, WhatIsNoListOfNamesOrValuesIsRefusedAfterTheCreation) {
+    members_through_every_door([](Behind<Members>& members) {
+        const auto attempt = [&](Variant names, Variant values) {
+            const Text name = u"jsmith", password = u"s3cret";
+            return raised_by([&] {
+                       members.call<&Members::CreateUserWithAttributes>(name, password, names,
+                                                                        values);
+                   })
+                .number;
+        };
+        EXPECT_EQ(attempt(u"sn", Values{u"a"}), 13);
+        EXPECT_EQ(attempt(Values{u"sn"}, u"a"), 13);
+        EXPECT_EQ(attempt(Values{u"sn", u"mail"}, Values{u"a"}), 9);
+        EXPECT_EQ(attempt(Values{Values{u"sn"}}, Values{u"a"}), 13);
+    });
+}
+
+TEST_FRESH(MembersTest, ARefusedAttributeLeavesTheUserAndIsReportedUnderBothNames) {
+    members_through_every_door([this](Behind<Members>& members) {
+        journal_.refuse_nth("SetValues", 2, no_rights());
+        Variant names = Values{u"sn", u"mail", u"Fax"}, values = Values{u"a", u"b", u"c"};
+        const Text name = u"jsmith", password = u"s3cret";
+        const Failure failure = raised_by([&] {
+            members.call<&Members::CreateUserWithAttributes>(name, password, names, values);
+        });
+        EXPECT_EQ(failure.number, error_number(0x80072098));
+        EXPECT_NE(failure.description.find(from_utf8(with_attributes)), Text::npos);
+        const auto calls = journal_.take();
+        EXPECT_EQ(calls.back(), "SetValues(mail, [b])") << "nothing is undone or tried further";
+    });
+}
+
+// Deleting.
+
+TEST_FRESH(MembersTest, DeleteUserAlwaysBindsAnewAndNamesTheEntryAsItStands) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        Text name = u"Smith, John";
+        members.call<&Members::DeleteUser>(name);
+        EXPECT_THAT(journal_.take(),
+                    ElementsAre("CreateEntry()", bind_container,
+                                "DeleteChild(top, un=Smith, John,ou=Users,o=Shop)"));
+    });
+}
+
+TEST_FRESH(MembersTest, AUserWhoIsNotThereIsToldByName) {
+    journal_.refuse("DeleteChild", {error_number(0x80072030), u"Its.Own", u"(32) no such entry"});
+    bound_members_through_every_door([](Behind<Members>& members) {
+        Text name = u"nobody";
+        expect_failure(raised_by([&] { members.call<&Members::DeleteUser>(name); }),
+                       error_number(0x80072030), from_utf8(delete_user),
+                       block("80072030", delete_user,
+                             "User with common name 'nobody' doesn't exist in the directory"));
+    });
+}
+
+TEST_FRESH(MembersTest, ADeletionWithoutABindingIsReportedUnderTheCreation) {
+    members_through_every_door([](Behind<Members>& members) {
+        Text name = u"jsmith";
+        expect_failure(raised_by([&] { members.call<&Members::DeleteUser>(name); }),
+                       emErrNotBoundToMembers, from_utf8(create_user),
+                       block("80040323", delete_user, not_bound));
+    });
+}
+
+TEST_FRESH(MembersTest, ARefusedDeletionKeepsItsFailure) {
+    journal_.refuse("DeleteChild", no_rights());
+    bound_members_through_every_door([](Behind<Members>& members) {
+        Text name = u"jsmith";
+        expect_failure(raised_by([&] { members.call<&Members::DeleteUser>(name); }),
+                       error_number(0x80072098), u"Its.Own",
+                       block("80072098", delete_user, "(50) no rights"));
+    });
+}
+
+// Finding by GUID.
+
+TEST_FRESH(MembersTest, GetUserFromGUIDBindsTheFirstUserThatTheSearchFinds) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        directory_.found = users({u"jsmith", u"other"});
+        Text guid = u"0123";
+        ASSERT_TRUE(members.call<&Members::GetUserFromGUID>(guid));
+        const auto calls = journal_.take();
+        ASSERT_GE(calls.size(), 6u);
+        EXPECT_EQ(calls[0], "CreateSearch()");
+        EXPECT_EQ(calls[1], "Connect(dir01:389, ou=Users,o=Shop, cn=web,o=Shop, web-code)");
+        EXPECT_EQ(calls[2],
+                  std::string("Execute((& (objectClass=top)(OrvoUserType=*)(OrvoGUID=0123)), ") +
+                      usual_columns + ", 1000)");
+        EXPECT_EQ(calls[5], bind_new_user);
+    });
+}
+
+TEST_FRESH(MembersTest, AnUnknownGUIDFailsOnTheMissingRecord) {
+    directory_.found = users({});
+    bound_members_through_every_door([](Behind<Members>& members) {
+        Text guid = u"0123";
+        const Failure failure = raised_by([&] { members.call<&Members::GetUserFromGUID>(guid); });
+        EXPECT_EQ(failure.number, 3021);
+        EXPECT_EQ(to_utf8(failure.description), block("BCD", from_guid, no_current_record));
+    });
+}
+
+// The container's own attributes.
+
+TEST_FRESH(MembersTest, AttributesOfTheContainerPassUnchanged) {
+    directory_.answer(u"description", Values{u"All users", u"of the shop"});
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        Text name = u"description";
+        EXPECT_EQ(members.call<&Members::GetAttribValue>(name),
+                  Variant(Values{u"All users", u"of the shop"}));
+        Variant value = u"x";
+        members.call<&Members::SetAttribValue>(name, value);
+        EXPECT_THAT(journal_.take(),
+                    ElementsAre("GetValues(description)", "SetValues(description, x)"));
+    });
+}
+
+TEST_FRESH(MembersTest, AttributesOfAnUnboundContainerFailAndBindNothing) {
+    members_through_every_door([this](Behind<Members>& members) {
+        Text name = u"mail";
+        Variant value = u"x";
+        expect_failure(raised_by([&] { members.call<&Members::GetAttribValue>(name); }), 91,
+                       u"OrvoMembership",
+                       block("5B", "OrvoMembership.Members.GetAttribValue", not_set));
+        expect_failure(raised_by([&] { members.call<&Members::SetAttribValue>(name, value); }), 91,
+                       u"OrvoMembership.Members.SetAttribValue",
+                       block("5B", "OrvoMembership.Members.SetAttribValue",
+                             "Error setting the value for attribute: mail"));
+        EXPECT_THAT(journal_.take(), IsEmpty());
+    });
+}
+
+// Activation.
+
+class MembersActivation : public ContainersTest {
+protected:
+    static Object session_of(const Text& account, const Text& password) {
+        const auto session = make<DictionaryObject>();
+        Variant key = u"REMOTE_ACCOUNT", value = account;
+        call<&Dictionary::Add>(session, key, value);
+        key = u"REMOTE_PASSWORD";
+        value = password;
+        call<&Dictionary::Add>(session, key, value);
+        return session.object();
+    }
+};
+
+TEST_FRESH(MembersActivation, OutsideAContextNothingIsReadOrWritten) {
+    const Members members;
+    EXPECT_THAT(journal_.take(), IsEmpty());
+    EXPECT_THAT(log_.take(), IsEmpty());
+}
+
+TEST_FRESH(MembersActivation, AContextWithoutASessionIsNotedUnderTheUsersName) {
+    const RecordingContext context(journal_);
+    const Members members;
+    EXPECT_THAT(log_.take(),
+                ElementsAre(LogEntry{"LogMessage", "OrvoMembership.User.IObjectControl_Activate",
+                                     block("0", "OrvoMembership.User.IObjectControl_Activate",
+                                           "Not an actual error", "No session in objectcontext"),
+                                     1}));
+    EXPECT_FALSE(shared_server_info()->IsLoaded());
+}
+
+TEST_FRESH(MembersActivation, TheSessionsAccountServesWithTheFirstMethodThatNeedsIt) {
+    load_settings();
+    RecordingContext context(journal_);
+    context.items[u"Session"] = session_of(u"cn=web,o=Shop", u"web-code");
+    context.items[u"Application"] = make<DictionaryObject>().object();
+    for (const Door door : every_door) {
+        SCOPED_TRACE(testing::PrintToString(door));
+        journal_.clear();
+        Behind<Members> members(door);
+        EXPECT_THAT(journal_.take(),
+                    ElementsAre("Item(Session)", "CreateInstance(Quendra.Configuration)",
+                                "new Quendra.Configuration()", "Initialize()", "Item(Session)",
+                                "Item(Application)"))
+            << "nothing is bound yet";
+        create(members);
+        const auto calls = journal_.take();
+        EXPECT_THAT(calls, testing::Contains(bind_container));
+        EXPECT_THAT(calls, testing::Contains(bind_new_user));
+    }
+}
+
+TEST_FRESH(MembersActivation, AFailureSurfacesFromTheCreationOfTheObject) {
+    RecordingContext context(journal_);
+    context.items[u"Session"] = session_of(u"cn=web,o=Shop", u"web-code");
+    journal_.refuse("Initialize", {53, u"Its.Own", u"site.ini: not there"});
+    expect_failure(
+        raised_by([] { Members(); }), 53, u"Its.Own",
+        block("35", "OrvoMembership.Members.IObjectControl_Activate", "site.ini: not there"));
+}
+
+}  // namespace
+}  // namespace orvo
