@@ -6,14 +6,12 @@
 // The directory is the sample shop of examples/directory; ORVO_SITE_CONFIG names the same site
 // file.
 
+#include "examples/tour/tour.h"
+
 #include <iomanip>
 #include <iostream>
 
-#include "platform/abi/create.h"
-#include "platform/abi/late_call.h"
-#include "platform/automation/failure.h"
-
-namespace {
+namespace tour {
 
 using namespace orvo;
 
@@ -29,6 +27,12 @@ void expect(bool right, const std::string& what) {
     ++things_gone_wrong;
     std::cout << "  ^ this is wrong: " << what << '\n';
 }
+
+}  // namespace tour
+
+namespace {
+
+using namespace tour;
 
 void check_passwords(const Text& site) {
     std::cout << "\nPassword checks\n";
@@ -191,6 +195,8 @@ int main(int argc, char** argv) {
         read_an_account();
         use_a_user(info);
         change_a_password(info);
+        tour::work_with_members(info);
+        tour::work_with_profiles(info);
         fail_once(info);
     } catch (const Failure& failure) {
         std::cout << "\nStopped by a failure: " << failure.what() << '\n';
