@@ -71,8 +71,8 @@ void work_with_members(const Object& info) {
     expect(late::get(same, u"CN") == Variant(u"tina.tour"), "it should be tina.tour");
 
     show("named Smith", joined(found(members, {u"sn=Smith"}), u"cn"));
-    show("named T*, not in a profile",
-         joined(found(members, {u"sn=T*", u"NOT ProfileCN=*", u"givenName=*"}), u"cn"));
+    show("those of them without a first name",
+         joined(found(members, {u"sn=Smith", u"NOT givenName=*"}), u"cn"));
 
     const auto having = [&](std::int16_t role) {
         return joined(late::call(members, u"GetOrvoMembersHavingRole", {role, u"cn"}).to<Object>(),
