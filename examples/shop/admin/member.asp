@@ -38,7 +38,7 @@ function save(user) {
     for (var i = 0; i < limits.length; i++) {
         label = limits[i][1];
         var limit = posted(limits[i][0]).replace(/[\s\u2009]/g, "");
-        if (limit != "") {
+        if (limit != "" && limit != String(user[limits[i][0]])) {
             if (!/^\d+(\.\d{1,4})?$/.test(limit)) throw new Error("this is no amount");
             user[limits[i][0]] = Number(limit);
         }
@@ -94,8 +94,9 @@ if (!isNew) {
         message = message || explained(error);
     }
 }
-function value(name) {
-    return isPost() ? posted(name) : user ? user[name] : "";
+// What a field shows: what was sent, or else the property.
+function value(field, property) {
+    return isPost() ? posted(field) : user ? user[property || field] : "";
 }
 var profiles = Server.CreateObject("OrvoMembership.Profiles").AsRecordset();
 %>
@@ -115,11 +116,12 @@ var profiles = Server.CreateObject("OrvoMembership.Profiles").AsRecordset();
 <label><%= limits[i][1] %> <input name="<%= limits[i][0] %>" inputmode="decimal" value="<%= html(value(limits[i][0])) %>"></label>
 <% } %>
 <label>Kind of account <select name="type">
-<% var type = isPost() ? posted("type") : user ? user.OrvoUserType : 1;
+<% var type = isNew && !isPost() ? 1 : value("type", "OrvoUserType");
    for (var i = 0; i < userTypes.length; i++) { %><%= option(i, userTypes[i], type) %><% } %>
 </select></label>
-<label>Profile <select name="profile"><%= option("", "none", "") %>
-<% for (; !profiles.EOF; profiles.MoveNext()) { var profile = profiles.Fields.Item("cn").Value; %><%= option(profile, profile, isPost() ? posted("profile") : user ? user.ProfileCN : "") %><% } %>
+<label>Profile <select name="profile">
+<% var chosen = value("profile", "ProfileCN"); %><%= option("", "none", chosen) %>
+<% for (; !profiles.EOF; profiles.MoveNext()) { var profile = profiles.Fields.Item("cn").Value; %><%= option(profile, profile, chosen) %><% } %>
 </select></label>
 <label>Applications of one's own <input name="apps" placeholder="those of the profile"
     value="<%= html(isPost() ? posted("apps") : ownApps.join(", ")) %>"></label>
