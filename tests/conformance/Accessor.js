@@ -19,7 +19,7 @@ equal("the pool", initialize.InitializeConnectionPool(arrayOf("MaximumSize"), ar
 equal("the cache",
       initialize.InitializeCache(arrayOf("Entries", "TimeToLive"), arrayOf(100, 5)), true);
 equal("the users through pool and cache", accessor.GetLDAPUsers(1).RecordCount, users.RecordCount);
-raisesLike("a parameter that nobody knows", -2146828283, /NoSuchThing/,
+raisesLike("a parameter that nobody knows", 0x8007203F - 0x100000000, /NoSuchThing/,
            function () { initialize.InitializeConnectionPool(arrayOf("NoSuchThing"), arrayOf(1)); });
 
 end();
