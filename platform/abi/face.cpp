@@ -1,6 +1,8 @@
 #include "platform/abi/face.h"
 
 #include "platform/abi/dispatch.h"
+#include "platform/abi/hosted.h"
+#include "platform/abi/member_kinds.h"
 #include "platform/abi/thunk.h"
 
 namespace orvo::detail {
@@ -15,7 +17,8 @@ HRESULT query(Face* face, const abi::IID* iid, void** out) noexcept {
     for (Face& candidate : face->core->faces()) {
         const bool is_first = &candidate == face->core->faces().data();
         if (*iid == *candidate.info->iid || (is_first && *iid == abi::iid_unknown) ||
-            (candidate.info->is_dual && *iid == abi::iid_dispatch)) {
+            (candidate.info->is_dual && *iid == abi::iid_dispatch) ||
+            (*iid == iid_member_kinds && candidate.info == &support_error_info())) {
             face->core->add_reference();
             *out = &candidate;
             return abi::s_ok;

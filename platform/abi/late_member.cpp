@@ -1,0 +1,114 @@
+#include "platform/abi/late_member.h"
+
+#include <vector>
+
+#include "platform/abi/border.h"
+#include "platform/abi/member_kinds.h"
+
+namespace orvo::late {
+namespace {
+
+using abi::HRESULT;
+
+void require(const Object& object) {
+    if (!object) raise_runtime_error(runtime_error::object_not_set);
+}
+
+// `arguments` in Invoke's own order: the last one first.
+Variant invoke(const Object& object, abi::DISPID id, std::uint16_t flags,
+               std::span<abi::VARIANT> arguments) {
+    require(object);
+    static constexpr abi::IID none{};
+    abi::DISPID value_name = abi::DISPID_PROPERTYPUT;
+    abi::DISPPARAMS params{arguments.data(), nullptr, static_cast<std::uint32_t>(arguments.size()),
+                           0};
+    const bool is_put = flags & abi::DISPATCH_PROPERTYPUT;
+    if (is_put) {
+        params.rgdispidNamedArgs = &value_name;
+        params.cNamedArgs = 1;
+    }
+    abi::VARIANT result{};
+    abi::EXCEPINFO failure{};
+    std::uint32_t bad_argument = 0;
+    const HRESULT code =
+        abi::call_slot<HRESULT, abi::DISPID, const abi::IID*, abi::LCID, std::uint16_t,
+                       abi::DISPPARAMS*, abi::VARIANT*, abi::EXCEPINFO*, std::uint32_t*>(
+            object.get(), abi::slot_invoke, id, &none, abi::fixed_locale, flags, &params,
+            is_put ? nullptr : &result, &failure, &bad_argument);
+    if (abi::failed(code)) detail::raise_late_failure(code, failure);
+    return Variant::attach(result);
+}
+
+// Behind `raw`, the last one first. Borrows the values: they outlive the call and are only read.
+void append_reversed(std::vector<abi::VARIANT>& raw, std::span<const Variant> values) {
+    for (auto value = values.rbegin(); value != values.rend(); ++value)
+        raw.push_back(*value->get());
+}
+
+}  // namespace
+
+std::optional<MemberId> try_member(const Object& object, TextView name) {
+    require(object);
+    static constexpr abi::IID none{};
+    const Text terminated(name);
+    const char16_t* names = terminated.c_str();
+    abi::DISPID id = abi::DISPID_UNKNOWN;
+    const HRESULT code = abi::call_slot<HRESULT, const abi::IID*, const char16_t**, std::uint32_t,
+                                        abi::LCID, abi::DISPID*>(
+        object.get(), abi::slot_get_ids_of_names, &none, &names, 1, abi::fixed_locale, &id);
+    if (abi::failed(code)) return std::nullopt;
+    return id;
+}
+
+std::optional<MemberKind> try_kind_of(const Object& object, MemberId member) {
+    require(object);
+    Object kinds;
+    if (abi::failed(abi::query_interface(object.get(), detail::iid_member_kinds,
+                                         reinterpret_cast<void**>(kinds.put()))))
+        return std::nullopt;
+    std::uint32_t flags = 0;
+    std::uint32_t parameters = 0;
+    std::uint32_t required = 0;
+    abi::call_slot<HRESULT, abi::IUnknown*, abi::DISPID, std::uint32_t*, std::uint32_t*,
+                   std::uint32_t*>(kinds.get(), detail::slot_describe_member, object.get(), member,
+                                   &flags, &parameters, &required);
+    return MemberKind{
+        .is_method = (flags & abi::DISPATCH_METHOD) != 0,
+        .is_readable = (flags & abi::DISPATCH_PROPERTYGET) != 0,
+        .is_writable = (flags & (abi::DISPATCH_PROPERTYPUT | abi::DISPATCH_PROPERTYPUTREF)) != 0,
+        .parameters = static_cast<int>(parameters),
+        .required = static_cast<int>(required)};
+}
+
+Variant call_member(const Object& object, MemberId member, std::span<const Variant> arguments) {
+    std::vector<abi::VARIANT> raw;
+    raw.reserve(arguments.size());
+    append_reversed(raw, arguments);
+    return invoke(object, member, abi::DISPATCH_METHOD | abi::DISPATCH_PROPERTYGET, raw);
+}
+
+Variant call_member_by_reference(const Object& object, MemberId member,
+                                 std::span<Variant> arguments) {
+    std::vector<abi::VARIANT> raw(arguments.size());
+    for (std::size_t i = 0; i < raw.size(); ++i) {
+        abi::VARIANT& argument = raw[raw.size() - 1 - i];
+        argument.vt = abi::VT_BYREF | abi::VT_VARIANT;
+        argument.pvarVal = arguments[i].lend();
+    }
+    return invoke(object, member, abi::DISPATCH_METHOD | abi::DISPATCH_PROPERTYGET, raw);
+}
+
+Variant get_member(const Object& object, MemberId member, std::span<const Variant> indices) {
+    std::vector<abi::VARIANT> raw;
+    append_reversed(raw, indices);
+    return invoke(object, member, abi::DISPATCH_PROPERTYGET, raw);
+}
+
+void put_member(const Object& object, MemberId member, const Variant& value,
+                std::span<const Variant> indices) {
+    std::vector<abi::VARIANT> raw{*value.get()};
+    append_reversed(raw, indices);
+    invoke(object, member, abi::DISPATCH_PROPERTYPUT, raw);
+}
+
+}  // namespace orvo::late
