@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "host/engine/lexer.h"
+
+namespace orvo::script {
+
+// The names that rewriting adds; scripts may not use any that begin so.
+inline constexpr std::string_view reserved_prefix = "__orvo_";
+// function (): true, or a failure once the script has to end.
+inline constexpr const char* tick_name = "__orvo_tick";
+// function (callee, member name or null, arguments): an object whose property `value` is what the
+// call reads and what an assignment to the call writes.
+inline constexpr const char* slot_name = "__orvo_slot";
+
+// What a script is turned into before it is compiled; every line stays the line that it was.
+//
+//  - each loop and each function asks now and then whether the script may go on:
+//      while (x)              while (++__orvo_n&255||__orvo_tick(),x)      in a function
+//                             while (__orvo_tick(),x)                      outside
+//      function f() {         function f() {__orvo_tick();var __orvo_n=0;
+//  - an assignment to a call becomes one to a slot:
+//      o.Item("k") = v        __orvo_slot(o,"Item",["k"]).value = v
+//      Session("n")++         __orvo_slot(Session,null,["n"]).value++
+//
+// Raises SyntaxProblem for an assignment that cannot be turned, for a text or comment without end
+// and for brackets that do not match; all other mistakes are left to the compiler.
+std::string rewritten(std::string_view source);
+
+}  // namespace orvo::script

@@ -1,0 +1,250 @@
+#include "host/engine/runtime.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+#include "host/engine/encoding.h"
+#include "host/engine/passage.h"
+#include "host/engine/program.h"
+
+namespace orvo::script {
+namespace {
+
+using std::chrono::steady_clock;
+
+constexpr unsigned ticks_of_a_look = 64;
+constexpr std::int32_t no_number = 0;
+
+// What Duktape hands to `protect`'s steps is all outside of its reach; this happens only when the
+// engine itself is at fault.
+[[noreturn]] void report_fault(void*, const char* message) {
+    std::fprintf(stderr, "script engine: %s\n", message != nullptr ? message : "unknown fault");
+    std::abort();
+}
+
+duk_ret_t set_up(duk_context* context, void* code) {
+    add_members(context);
+    add_library(context, *static_cast<const std::string*>(code));
+    return 0;
+}
+
+struct Global : Passage {
+    Global(const std::string& name, const Variant& value) : name(name), value(value) {}
+    const std::string& name;
+    const Variant& value;
+
+    static duk_ret_t put(duk_context* context, void* data) {
+        auto& self = *static_cast<Global*>(data);
+        self.push(context, self.value);
+        duk_put_global_lstring(context, self.name.data(), self.name.size());
+        return 0;
+    }
+};
+
+struct GlobalFunction {
+    const std::string& name;
+    std::size_t index;
+
+    static duk_ret_t put(duk_context* context, void* data) {
+        auto& self = *static_cast<GlobalFunction*>(data);
+        push_host_function(context, self.index);
+        duk_put_global_lstring(context, self.name.data(), self.name.size());
+        return 0;
+    }
+};
+
+duk_ret_t execute(duk_context* context, void* data) {
+    const auto& program = *static_cast<const Program::Content*>(data);
+    void* code = duk_push_fixed_buffer(context, program.code.size());
+    std::memcpy(code, program.code.data(), program.code.size());
+    duk_load_function(context);
+    duk_call(context, 0);
+    return 0;
+}
+
+// From the value thrown, on top of the stack, to what describes it: line, file, name, message,
+// number, description, source.
+constexpr duk_idx_t description_parts = 7;
+duk_ret_t describe(duk_context* context, void*) {
+    const duk_idx_t thrown = duk_get_top_index(context);
+    if (!duk_is_error(context, thrown)) {
+        duk_safe_to_string(context, thrown);
+        for (int i = 0; i < 3; ++i) duk_push_undefined(context);
+        duk_dup(context, thrown);
+        for (int i = 0; i < 3; ++i) duk_push_undefined(context);
+        return description_parts;
+    }
+    for (const char* name :
+         {"lineNumber", "fileName", "name", "message", "number", "description", "source"})
+        duk_get_prop_string(context, thrown, name);
+    return description_parts;
+}
+
+Text text_at(duk_context* context, duk_idx_t index) {
+    duk_size_t size = 0;
+    const char* bytes = duk_get_lstring(context, index, &size);
+    return bytes != nullptr ? from_engine({bytes, size}) : Text();
+}
+
+std::string shown_megabytes(std::size_t bytes) { return std::to_string(bytes >> 20) + " MiB"; }
+
+}  // namespace
+
+Runtime::Runtime(EngineOptions options) : options_(std::move(options)), memory_(*this) {
+    std::string code = library_code();
+    context_ = duk_create_heap(Memory::allocate, Memory::reallocate, Memory::release,
+                               static_cast<Memory*>(&memory_), report_fault);
+    if (context_ == nullptr) throw std::bad_alloc();
+    if (duk_safe_call(context_, set_up, &code, 0, 1) != DUK_EXEC_SUCCESS) {
+        duk_destroy_heap(context_);
+        throw std::bad_alloc();  // nothing else can be amiss with the same globals every time
+    }
+    duk_pop(context_);
+    memory_.set_limit(options_.memory_limit);
+}
+
+Runtime::~Runtime() { duk_destroy_heap(context_); }
+
+Runtime& Runtime::of(duk_context* context) {
+    duk_memory_functions functions;
+    duk_get_memory_functions(context, &functions);
+    return static_cast<OwnMemory*>(static_cast<Memory*>(functions.udata))->runtime;
+}
+
+Handle* Runtime::add(Handle handle) {
+    Handle& added = handles_.emplace_back(std::move(handle));
+    added.self = std::prev(handles_.end());
+    return &added;
+}
+
+void Runtime::remove(Handle* handle) noexcept { handles_.erase(handle->self); }
+
+void Runtime::set_time_limit(std::chrono::milliseconds limit) {
+    limit_ = limit;
+    deadline_ = steady_clock::now() + limit;
+    is_expired_ = false;
+}
+
+void Runtime::clear_time_limit() {
+    deadline_.reset();
+    is_expired_ = false;
+}
+
+void Runtime::check(duk_context* context) {
+    if (is_stopped_) {
+        raise_error(context, stash::error, "The script was stopped");
+    }
+    if (!is_expired_) {
+        if (!deadline_ || steady_clock::now() < *deadline_) return;
+        is_expired_ = true;
+        note_place(context);
+    }
+    raise_error(context, stash::error, "The script ran longer than it may");
+}
+
+void Runtime::tick(duk_context* context) {
+    if (is_stopped_ || is_expired_ || ++ticks_ % ticks_of_a_look == 0) check(context);
+}
+
+void Runtime::note_place(duk_context* context) {
+    for (duk_int_t level = -1;; --level) {
+        duk_inspect_callstack_entry(context, level);
+        if (duk_is_undefined(context, -1)) return duk_pop(context);
+        duk_get_prop_literal(context, -1, "function");
+        if (duk_is_ecmascript_function(context, -1)) {
+            duk_get_prop_literal(context, -1, "fileName");
+            const auto program = programs_.find(std::string_view(duk_safe_to_string(context, -1)));
+            duk_get_prop_literal(context, -3, "lineNumber");
+            noted_.line = duk_get_int_default(context, -1, 0);
+            if (program == programs_.end())
+                noted_.program.reset();
+            else
+                noted_.program = program->second;
+            return duk_pop_n(context, 4);
+        }
+        duk_pop_2(context);
+    }
+}
+
+Place Runtime::noted_place() const {
+    return noted_.program == nullptr ? Place{} : noted_.program->place_of(noted_.line);
+}
+
+template <class Work>
+void Runtime::protect(duk_ret_t (*step)(duk_context*, void*), Work& work) {
+    memory_.take_refusal();
+    if (duk_safe_call(context_, step, &work, 0, 1) != DUK_EXEC_SUCCESS) raise_uncaught();
+    duk_pop(context_);
+}
+
+void Runtime::set_global(const std::string& name, const Variant& value) {
+    Global work(name, value);
+    protect(&Global::put, work);
+}
+
+void Runtime::set_function(const std::string& name, HostFunction function) {
+    functions_.push_back(std::move(function));
+    GlobalFunction work{name, functions_.size() - 1};
+    protect(&GlobalFunction::put, work);
+}
+
+Ending Runtime::run(const std::shared_ptr<const Program::Content>& program) {
+    if (is_stopped_) return Ending::stopped;
+    programs_[program->file] = program;
+    noted_ = {};
+    memory_.take_refusal();
+    const bool raised =
+        duk_safe_call(context_, execute, const_cast<Program::Content*>(program.get()), 0, 1) !=
+        DUK_EXEC_SUCCESS;
+    if (raised && !is_stopped_ && !is_expired_) raise_uncaught();
+    duk_pop(context_);
+    if (is_stopped_) return Ending::stopped;
+    if (is_expired_)
+        throw ScriptError(
+            Trouble::time_limit, noted_place(),
+            "The script ran longer than it may (" + std::to_string(limit_.count()) + " ms)");
+    return Ending::finished;
+}
+
+void Runtime::raise_uncaught() {
+    const bool refused = memory_.take_refusal();
+    const bool described =
+        duk_safe_call(context_, describe, nullptr, 1, description_parts) == DUK_EXEC_SUCCESS;
+    const duk_idx_t first = duk_get_top(context_) - description_parts;
+    const int line = duk_get_int_default(context_, first, 0);
+    const Text file = text_at(context_, first + 1);
+    const Text name = text_at(context_, first + 2);
+    Text message = text_at(context_, first + 3);
+    const std::int32_t number = duk_get_int_default(context_, first + 4, no_number);
+    const Text description = text_at(context_, first + 5);
+    const Text source = text_at(context_, first + 6);
+    const bool knows_place = !file.empty();
+    duk_pop_n(context_, description_parts);
+
+    const bool lacks_memory =
+        refused && (!described || name == u"DoubleError" || message == u"alloc failed");
+    Place place = noted_place();
+    if (knows_place) {
+        const auto program = programs_.find(to_utf8(file));
+        place = program == programs_.end() ? Place{to_utf8(file), line}
+                                           : program->second->place_of(line);
+    }
+    if (lacks_memory)
+        throw ScriptError(Trouble::memory_limit, place,
+                          "The script needed more memory than it may (" +
+                              shown_megabytes(options_.memory_limit) + ")");
+    if (!described) message = u"a failure that cannot be described";
+    if (number != no_number && !description.empty())
+        message = description;
+    else if (!name.empty())
+        message = message.empty() ? name : name + u": " + message;
+    ScriptError error(Trouble::uncaught, place, to_utf8(message));
+    error.number = number;
+    error.description = description;
+    error.source = source;
+    throw error;
+}
+
+}  // namespace orvo::script

@@ -1,0 +1,141 @@
+// Failures: what scripts catch, and what their caller learns.
+
+#include "platform/automation/failure.h"
+#include "tests/host/engine/script_test.h"
+
+namespace orvo::script {
+namespace {
+
+using ScriptErrors = ScriptTest;
+
+TEST_F(ScriptErrors, OfAutomationAreCaughtWithAllTheirParts) {
+    run("try { shelf.Fail(-2147024816); } catch (e) { "
+        "give(e.number, e.description, e.message, e.source, e instanceof Error, e.name); }");
+    ASSERT_EQ(given.size(), 6u);
+    EXPECT_EQ(given[0], Variant(error_number(0x80070050)));
+    EXPECT_EQ(given[1], Variant(u"It failed: \u0416"));
+    EXPECT_EQ(given[2], Variant(u"It failed: \u0416"));
+    EXPECT_EQ(given[3], Variant(u"Shelf.Fail"));
+    EXPECT_EQ(given[4], Variant(true));
+    EXPECT_EQ(given[5], Variant(u"Error"));
+}
+
+TEST_F(ScriptErrors, RunTimeNumbersAreResultCodesInAScript) {
+    EXPECT_EQ(text("(function () { try { shelf.Fail(91); } catch (e) { "
+                   "return (e.number + 0x100000000).toString(16); } })()"),
+              "800a005b");
+}
+
+TEST_F(ScriptErrors, OfTheLanguageHaveADescriptionAndTheNumberZero) {
+    EXPECT_EQ(text("(function () { try { null.x; } catch (e) { "
+                   "return e.name + '|' + e.number + '|' + (e.description === e.message); } })()"),
+              "TypeError|0|true");
+    EXPECT_EQ(text("(function () { var e = new Error('a'); e.description = 'b'; e.number = 5; "
+                   "return e.description + e.number + e.message; })()"),
+              "b5a");
+}
+
+TEST_F(ScriptErrors, ThatNobodyCatchesTellPlaceAndParts) {
+    const ScriptError failed = error("var a = 1;\nfunction f() {\n  shelf.Fail(1234);\n}\nf();");
+    EXPECT_EQ(failed.trouble, Trouble::uncaught);
+    EXPECT_EQ(failed.place.file, "test.js");
+    EXPECT_EQ(failed.place.line, 3);
+    EXPECT_EQ(failed.message, "It failed: \xD0\x96");
+    EXPECT_EQ(failed.number, error_number(0x800A04D2));
+    EXPECT_EQ(failed.source, u"Shelf.Fail");
+    EXPECT_EQ(failed.description, u"It failed: \u0416");
+    EXPECT_STREQ(failed.what(), "test.js, line 3: It failed: \xD0\x96");
+}
+
+TEST_F(ScriptErrors, OfTheLanguageTellTheirKind) {
+    const ScriptError failed = error("\n\nnosuch()");
+    EXPECT_STREQ(failed.what(), "test.js, line 3: ReferenceError: identifier 'nosuch' undefined");
+    EXPECT_EQ(failed.number, 0);
+}
+
+TEST_F(ScriptErrors, MayBeAnyValue) {
+    EXPECT_STREQ(error("\nfunction f() {\n throw 'sorry'; }\nf()").what(),
+                 "test.js, line 3: sorry");
+    EXPECT_STREQ(error("throw 5").what(), "test.js, line 1: 5");
+    EXPECT_STREQ(error("throw undefined").what(), "test.js, line 1: undefined");
+    EXPECT_STREQ(error("throw shelf").what(), "test.js, line 1: [object]");
+    EXPECT_STREQ(error("throw {toString: function () { throw 1; }}").what(), "test.js, line 1: 1");
+    EXPECT_STREQ(error("throw {number: 7, description: 'd'}").what(),
+                 "test.js, line 1: [object Object]");
+}
+
+TEST_F(ScriptErrors, ThatThrowWhenAskedAreDescribedAllTheSame) {
+    EXPECT_EQ(error("var e = new Error('x'); Object.defineProperty(e, 'message', "
+                    "{get: function () { throw e; }}); throw e;")
+                  .message,
+              "a failure that cannot be described");
+}
+
+TEST_F(ScriptErrors, LeaveTheEngineReadyForMore) {
+    error("throw 1");
+    error("shelf.Fail(7)");
+    EXPECT_EQ(text("shelf.Add(1, 1)"), "2");
+}
+
+TEST_F(ScriptErrors, OfHostFunctionsAreFailuresToo) {
+    engine.set_function("refuse", [](std::span<const Variant>) -> Variant {
+        throw std::runtime_error("out of cheese");
+    });
+    EXPECT_EQ(text("(function () { try { refuse(); } catch (e) { return e.description; } })()"),
+              "out of cheese");
+}
+
+TEST_F(ScriptErrors, OfSyntaxTellTheirLine) {
+    struct Case {
+        const char* source;
+        const char* what;
+    };
+    for (const Case& wrong : {
+             Case{"var a = 1;\nvar = 2;", "test.js, line 2: invalid variable declaration"},
+             Case{"\nreturn 1;", "test.js, line 2: invalid return"},
+             Case{"a;\nf(1", "test.js, line 2: the '(' of this line is never closed"},
+             Case{"a;\nb)", "test.js, line 2: this ')' closes nothing"},
+             Case{"\n'abc", "test.js, line 2: the text that begins here has no end"},
+             Case{"\n/* abc\n", "test.js, line 2: the comment that begins here has no end"},
+             Case{"a\n= /abc",
+                  "test.js, line 2: the regular expression that begins here has no "
+                  "end"},
+             Case{"a = `b`",
+                  "test.js, line 1: texts between ` and ` are not part of this language"},
+             Case{"__orvo_tick = 1",
+                  "test.js, line 1: names that begin with '__orvo_' belong to "
+                  "the script engine"},
+             Case{"new Date(1) = 2",
+                  "test.js, line 1: an assignment to this call cannot be carried "
+                  "out; keep the object in a variable and write "
+                  "object.Member(index) = value"},
+         }) {
+        const ScriptError failed = error(wrong.source);
+        EXPECT_EQ(failed.trouble, Trouble::syntax) << wrong.source;
+        EXPECT_STREQ(failed.what(), wrong.what);
+    }
+}
+
+TEST_F(ScriptErrors, AreReportedWhereAGeneratedLineComesFrom) {
+    const LineMap lines{{}, {"shop.page", 12}, {"header.inc", 3}};
+    EXPECT_STREQ(error("1;\n2;\nthrow 'a'", lines).what(), "header.inc, line 3: a");
+    EXPECT_STREQ(error("1;\nnosuch;\n3", lines).what(),
+                 "shop.page, line 12: ReferenceError: identifier 'nosuch' undefined");
+    EXPECT_STREQ(error("nosuch", lines).what(),
+                 "test.js, line 1: ReferenceError: identifier 'nosuch' undefined");
+    EXPECT_STREQ(error("1;\n2;\n3;\nnosuch", lines).what(),
+                 "test.js, line 4: ReferenceError: identifier 'nosuch' undefined");
+    EXPECT_STREQ(error("1;\nvar = 2;", lines).what(),
+                 "shop.page, line 12: invalid variable declaration");
+    EXPECT_STREQ(error("1;\n'", lines).what(),
+                 "shop.page, line 12: the text that begins here has no end");
+}
+
+TEST_F(ScriptErrors, InAFunctionOfAnEarlierProgramNameThatProgram) {
+    engine.run(Program::compile("\nfunction f() { nosuch; }", "first.js"));
+    EXPECT_STREQ(error("f()").what(),
+                 "first.js, line 2: ReferenceError: identifier 'nosuch' undefined");
+}
+
+}  // namespace
+}  // namespace orvo::script

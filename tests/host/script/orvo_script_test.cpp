@@ -1,0 +1,124 @@
+// The program orvo-script, as a person who runs it meets it.
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+
+#include "tests/support/child_process.h"
+#include "tests/support/temp_folder.h"
+
+namespace orvo {
+namespace {
+
+class OrvoScript : public testing::Test {
+protected:
+    std::string file(const std::string& name, std::string_view source) {
+        const std::filesystem::path path = folder.path() / name;
+        std::ofstream(path, std::ios::binary) << source;
+        return path.string();
+    }
+    // What the program prints; its exit code is in `code` then.
+    std::string run(std::vector<std::string> arguments) {
+        const std::filesystem::path log = folder.path() / "log";
+        std::filesystem::remove(log);
+        arguments.insert(arguments.begin(), ORVO_SCRIPT);
+        code = ChildProcess(arguments, log).wait();
+        std::ifstream printed(log, std::ios::binary);
+        return {std::istreambuf_iterator<char>(printed), {}};
+    }
+    std::string run_text(std::string_view source, std::vector<std::string> arguments = {}) {
+        arguments.insert(arguments.begin(), file("test.js", source));
+        return run(std::move(arguments));
+    }
+    std::string path(const std::string& name) { return (folder.path() / name).string(); }
+
+    TempFolder folder;
+    int code = -1;
+};
+
+TEST_F(OrvoScript, PrintsALinePerEcho) {
+    EXPECT_EQ(run_text("WScript.Echo('a', 1.5, true, null, -7); WScript.Echo();"
+                       "WScript.Echo('\xD0\x96\xF0\x9F\x98\x80');"),
+              "a 1.5 true null -7\n\n\xD0\x96\xF0\x9F\x98\x80\n");
+    EXPECT_EQ(code, 0);
+}
+
+TEST_F(OrvoScript, WritesToBothStreams) {
+    EXPECT_EQ(run_text("WScript.StdOut.Write('a'); WScript.StdOut.WriteLine('b');"
+                       "WScript.StdOut.WriteLine(); WScript.StdOut.WriteBlankLines(2);"
+                       "WScript.StdOut.Write('c');"),
+              "ab\n\n\n\nc");
+    EXPECT_EQ(run_text("WScript.StdErr.WriteLine('wrong');"), "wrong\n");
+}
+
+TEST_F(OrvoScript, HandsItsArgumentsOn) {
+    EXPECT_EQ(run_text("var a = WScript.Arguments; WScript.Echo(a.length, a.Count(), a(0), "
+                       "a.Item(1)); for (var e = new Enumerator(a); !e.atEnd(); e.moveNext()) "
+                       "WScript.Echo(e.item());",
+                       {"--first", "\xD0\x96"}),
+              "2 2 --first \xD0\x96\n--first\n\xD0\x96\n");
+    EXPECT_EQ(run_text("WScript.Arguments(0)"),
+              path("test.js") + ", line 1: Subscript out of range (0x800A0009)\n");
+}
+
+TEST_F(OrvoScript, KnowsItsOwnNames) {
+    EXPECT_EQ(run_text("WScript.Echo(WScript.ScriptName, WScript.ScriptFullName, WScript.Name);"),
+              "test.js " + path("test.js") + " orvo-script\n");
+}
+
+TEST_F(OrvoScript, QuitEndsItAtOnce) {
+    EXPECT_EQ(run_text("WScript.Echo(1); try { WScript.Quit(7); } finally { WScript.Echo(2); }"
+                       "WScript.Echo(3);"),
+              "1\n");
+    EXPECT_EQ(code, 7);
+    run_text("WScript.Quit()");
+    EXPECT_EQ(code, 0);
+}
+
+TEST_F(OrvoScript, AnUncaughtErrorTellsItsPlaceAndFails) {
+    EXPECT_EQ(run_text("WScript.Echo('before');\n\nWScript.Nowhere();"),
+              "before\n" + path("test.js") +
+                  ", line 3: Object doesn't support this property or method (0x800A01B6)\n");
+    EXPECT_EQ(code, 1);
+    EXPECT_EQ(run_text("\nthrow 'sorry';"), path("test.js") + ", line 2: sorry\n");
+    EXPECT_EQ(code, 1);
+    EXPECT_EQ(run_text("new ActiveXObject('Nobody.HasIt')"),
+              path("test.js") + ", line 1: Automation server can't create object (0x800A01AD)\n");
+    EXPECT_EQ(code, 1);
+}
+
+TEST_F(OrvoScript, RunsNothingOfAFileThatIsNoScript) {
+    EXPECT_EQ(run_text("WScript.Echo(1);\nvar = 2;"),
+              path("test.js") + ", line 2: invalid variable declaration\n");
+    EXPECT_EQ(code, 2);
+    EXPECT_EQ(run({path("none.js")}), path("none.js") + ": the file cannot be read\n");
+    EXPECT_EQ(code, 2);
+    EXPECT_EQ(run({folder.path().string()}),
+              folder.path().string() + ": the file cannot be read\n");
+    EXPECT_EQ(code, 2);
+}
+
+TEST_F(OrvoScript, IncludedFilesRunFirstAmongTheSameGlobals) {
+    const std::string first = file("first.js", "\xEF\xBB\xBFvar a = 1;\nfunction f() { nosuch; }");
+    const std::string second = file("second.js", "a += 1;");
+    EXPECT_EQ(
+        run({"--include", first, "--include", second, file("main.js", "WScript.Echo(a); f()")}),
+        "2\n" + first + ", line 2: ReferenceError: identifier 'nosuch' undefined\n");
+    EXPECT_EQ(code, 1);
+}
+
+TEST_F(OrvoScript, SaysHowItIsUsed) {
+    const std::string usage = run({"--help"});
+    EXPECT_EQ(usage.substr(0, usage.find('\n')),
+              "usage: orvo-script [--include FILE]... FILE [ARGUMENT]...");
+    EXPECT_EQ(code, 0);
+    for (const std::vector<std::string>& wrong :
+         {std::vector<std::string>{}, {"--include"}, {"--include", "a"}, {"--other", "a"}}) {
+        EXPECT_EQ(run(wrong), usage);
+        EXPECT_EQ(code, 2);
+    }
+}
+
+}  // namespace
+}  // namespace orvo
