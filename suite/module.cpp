@@ -1,4 +1,5 @@
 #include "platform/abi/module.h"
+#include "suite/authfilter/filter_connector.h"
 #include "suite/configuration/suite_configuration.h"
 #include "suite/directory/ldap/LdapDirectory.h"
 #include "suite/log/suite_log.h"
@@ -10,6 +11,7 @@ const ModuleDescription& this_module() {
         module_class<SuiteConfiguration>(),
         module_class<SuiteLog>(),
         module_class<directory::ldap::LdapDirectory>(),
+        module_class<authfilter::FilterConnectorObject>(),
     };
     static constexpr ModuleDescription description{"OrvoSuite", classes};
     return description;

@@ -1,0 +1,41 @@
+#pragma once
+
+// Cookies: those of a request, and those that an answer sets.
+
+#include <optional>
+#include <string>
+
+#include "host/web/fields.h"
+#include "host/web/http_message.h"
+#include "platform/automation/date.h"
+
+namespace orvo::web {
+
+// The cookies of a request; of a name that comes twice the first one counts, as browsers send the
+// most specific one first. Raises Refusal.
+Fields cookies_of(const HttpRequest& request);
+
+// A cookie that an answer sets. Unless a page says otherwise it lasts as long as the browser runs,
+// no script in the browser can read it, other sites' forms do not send it, and it never travels
+// without TLS once it came with TLS.
+struct OutgoingCookie {
+    Text name;
+    Text value = {};
+    std::vector<std::pair<Text, Text>> keys = {};  // in place of a value: "a=1&b=2"
+    Text path = u"/";
+    Text domain = {};
+    std::optional<Date> expires = {};  // local to Greenwich
+    bool is_secure = false;
+    bool is_http_only = true;
+    Text same_site = u"Lax";  // "Lax", "Strict" or "None"
+};
+
+// The value of the header Set-Cookie. Name, value and keys are encoded as in a form.
+std::string header_text(const OutgoingCookie& cookie);
+
+// "Sat, 21 Nov 2026 02:32:11 GMT"
+std::string http_date(Date date);
+// Now, in Greenwich.
+Date current_date();
+
+}  // namespace orvo::web

@@ -1,0 +1,44 @@
+#pragma once
+
+// Named values that came with a request: query, form, cookies.
+
+#include <string_view>
+#include <vector>
+
+#include "platform/automation/text.h"
+
+namespace orvo::web {
+
+struct HttpRequest;
+
+// Names in the order of their first value, without regard to case; a name may have several values.
+class Fields {
+public:
+    struct Field {
+        Text name;
+        std::vector<Text> values;
+    };
+
+    void add(Text name, Text value);
+    // Null where there is none of that name.
+    const Field* find(TextView name) const;
+    const std::vector<Field>& all() const { return fields_; }
+
+private:
+    std::vector<Field> fields_;
+};
+
+// Beyond this many values a request is refused (400).
+inline constexpr std::size_t most_fields = 500;
+
+// "a=1&b=2", of a query or a form. Raises Refusal.
+Fields parse_urlencoded(std::string_view text);
+
+// The text fields of a form sent as multipart/form-data; files are passed over. Raises Refusal
+// (400) where the text is not what the content type says.
+Fields parse_multipart(std::string_view body, std::string_view content_type);
+
+// The form of a request, in either encoding; none where it has another content type.
+Fields form_of(const HttpRequest& request);
+
+}  // namespace orvo::web

@@ -1,0 +1,52 @@
+// orvo-web: serves a folder of server pages.
+
+#include <iostream>
+
+#include "host/web/memory_sessions.h"
+#include "host/web/options.h"
+#include "host/web/stop_signals.h"
+#include "host/web/web_app.h"
+#include "platform/automation/failure.h"
+
+namespace {
+
+using namespace orvo::web;
+
+void serve(const Options& options) {
+    hold_stop_signals();
+    Site site = read_site(options.site);
+    MemorySessions sessions({.timeout = site.session_timeout, .absolute = site.session_lifetime});
+    DirectoryHealth health;
+    WebLog log(options.access_log);
+    ServerOptions server_options = options.server;
+    server_options.largest_body = site.largest_request;
+    WebApp app(std::move(site), sessions, health, log, {.shows_details = options.shows_details});
+    HttpServer server(server_options,
+                      [&](const HttpRequest& request) { return app.handle(request); });
+    const StopSignals signals([&] { server.stop(); });
+    std::cout << "Listening on " << server.url() << std::endl;
+    server.run();
+}
+
+}  // namespace
+
+int main(int count, char** words) {
+    try {
+        const Options options = read_options({words + 1, words + count});
+        if (options.wants_help) {
+            std::cout << usage;
+            return 0;
+        }
+        serve(options);
+        return 0;
+    } catch (const std::invalid_argument& mistake) {
+        std::cerr << "orvo-web: " << mistake.what() << "\n\n" << usage;
+        return 2;
+    } catch (const orvo::Failure& failure) {
+        std::cerr << "orvo-web: " << orvo::to_utf8(failure.description) << '\n';
+        return 1;
+    } catch (const std::exception& failure) {
+        std::cerr << "orvo-web: " << failure.what() << '\n';
+        return 1;
+    }
+}

@@ -1,0 +1,136 @@
+#include "host/web/memory_sessions.h"
+
+#include "host/web/http_message.h"
+#include "host/web/random_token.h"
+
+namespace orvo::web {
+
+struct MemorySessions::Session {
+    std::string id;
+    SessionData data;
+    SessionClock::time_point made;
+    SessionClock::time_point last_used;
+    bool is_leased = true;
+    bool is_dropped = false;
+    Order* order = nullptr;
+    Order::iterator place;
+};
+
+class MemorySessions::Lease : public SessionLease {
+public:
+    Lease(MemorySessions& store, std::shared_ptr<Session> session)
+        : store_(store), session_(std::move(session)) {}
+    ~Lease() override {
+        {
+            const std::lock_guard guard(store_.lock_);
+            if (is_abandoned_) store_.drop(session_);
+        }
+        store_.give_back(session_);
+    }
+
+    const std::string& id() const override { return session_->id; }
+    SessionData& data() override { return session_->data; }
+    void renew_id() override {
+        std::string id = random_token();
+        const std::lock_guard guard(store_.lock_);
+        if (session_->is_dropped) return;
+        store_.sessions_.erase(session_->id);
+        session_->id = std::move(id);
+        store_.sessions_.emplace(session_->id, session_);
+    }
+    void abandon() override { is_abandoned_ = true; }
+
+private:
+    MemorySessions& store_;
+    const std::shared_ptr<Session> session_;
+    bool is_abandoned_ = false;
+};
+
+MemorySessions::MemorySessions(SessionLimits limits, std::function<SessionClock::time_point()> now)
+    : limits_(limits), now_(std::move(now)) {}
+
+MemorySessions::~MemorySessions() = default;
+
+std::unique_ptr<SessionLease> MemorySessions::open(const std::string& id,
+                                                   std::chrono::milliseconds patience) {
+    std::unique_lock guard(lock_);
+    const auto found = sessions_.find(id);
+    if (found == sessions_.end()) return nullptr;
+    const std::shared_ptr<Session> session = found->second;
+    if (!given_back_.wait_for(guard, patience, [&] { return !session->is_leased; }))
+        throw Refusal(503, "Another request of this session takes too long.");
+    // Whoever had it may have ended it or given it another identifier.
+    if (session->is_dropped || session->id != id) return nullptr;
+    if (has_ended(*session)) {
+        drop(session);
+        return nullptr;
+    }
+    session->is_leased = true;
+    return std::make_unique<Lease>(*this, session);
+}
+
+std::unique_ptr<SessionLease> MemorySessions::create() {
+    auto session = std::make_shared<Session>();
+    session->id = random_token();
+    session->data.timeout = limits_.timeout;
+    session->data.form_token = random_token();
+    const std::lock_guard guard(lock_);
+    make_room();
+    session->made = session->last_used = now_();
+    session->data.public_id = decimal(static_cast<long long>(++made_));
+    session->order = &unused_;
+    session->place = unused_.insert(unused_.end(), session);
+    sessions_.emplace(session->id, session);
+    return std::make_unique<Lease>(*this, session);
+}
+
+std::size_t MemorySessions::count() const {
+    const std::lock_guard guard(lock_);
+    return sessions_.size();
+}
+
+bool MemorySessions::has_ended(const Session& session) const {
+    const auto now = now_();
+    return now - session.last_used >= session.data.timeout ||
+           now - session.made >= limits_.absolute;
+}
+
+void MemorySessions::give_back(const std::shared_ptr<Session>& session) {
+    {
+        const std::lock_guard guard(lock_);
+        session->is_leased = false;
+        if (!session->is_dropped) {
+            session->last_used = now_();
+            Order& order = session->data.values.count() == 0 ? unused_ : used_;
+            order.splice(order.end(), *session->order, session->place);
+            session->order = &order;
+        }
+    }
+    given_back_.notify_all();
+}
+
+void MemorySessions::drop(const std::shared_ptr<Session>& session) {
+    if (std::exchange(session->is_dropped, true)) return;
+    sessions_.erase(session->id);
+    session->order->erase(session->place);
+}
+
+void MemorySessions::make_room() {
+    // A few of those that were used longest ago, so that what has ended goes away in time.
+    for (Order* order : {&unused_, &used_})
+        for (int i = 0; i < 4 && !order->empty(); ++i) {
+            const auto oldest = order->front();
+            if (oldest->is_leased || !has_ended(*oldest)) break;
+            drop(oldest);
+        }
+    if (sessions_.size() < limits_.most) return;
+    for (const Order* order : {&unused_, &used_})
+        for (const auto& session : *order)
+            if (!session->is_leased) {
+                drop(std::shared_ptr(session));
+                return;
+            }
+    throw Refusal(503, "There are too many sessions.");
+}
+
+}  // namespace orvo::web

@@ -1,0 +1,39 @@
+#pragma once
+
+// What pages keep in the session and in the application: values by name.
+
+#include <vector>
+
+#include "platform/automation/variant.h"
+
+namespace orvo::web {
+
+// Names without regard to case, in the order in which they were first put. The name keeps the
+// spelling it was first put with.
+class NamedValues {
+public:
+    // Empty where there is none of that name.
+    Variant get(TextView name) const;
+    void put(TextView name, Variant value);
+    void remove(TextView name);
+    void remove_all() { entries_.clear(); }
+    std::size_t count() const { return entries_.size(); }
+    const Text& name_at(std::size_t index) const { return entries_[index].first; }
+    std::vector<Text> names() const;
+    // Characters and elements held, roughly in bytes.
+    std::size_t size() const;
+
+private:
+    std::vector<std::pair<Text, Variant>> entries_;
+};
+
+// Raises 5 for a value that only the thread that made it may use, with a text that says what may be
+// kept: text, numbers, dates, booleans, bytes, arrays of these, and objects made for sharing.
+// `holder`: "Session" or "Application".
+void require_keepable(const Variant& value, TextView holder, TextView name);
+
+// What is kept of a value that is put, not set: the value itself, or the default value of an object
+// that cannot be kept, as a field of a form is its text. Raises as above.
+Variant keepable(const Variant& value, TextView holder, TextView name);
+
+}  // namespace orvo::web

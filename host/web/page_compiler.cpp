@@ -1,0 +1,270 @@
+#include "host/web/page_compiler.h"
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <string_view>
+
+#include "host/web/encoding.h"
+#include "host/web/http_message.h"
+#include "host/web/page_directive.h"
+
+namespace orvo::web {
+namespace {
+
+namespace fs = std::filesystem;
+using script::Place;
+
+constexpr auto npos = std::string_view::npos;
+constexpr std::string_view blanks = " \t\r\n";
+
+std::string read_whole(const fs::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+int lines_in(std::string_view text) { return static_cast<int>(std::ranges::count(text, '\n')); }
+
+// How often a script takes something else than a line feed for the end of a line.
+std::size_t other_line_ends(std::string_view code) {
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < code.size(); ++i)
+        if ((code[i] == '\r' && code.substr(i) != "\r") ||
+            code.substr(i).starts_with("\xE2\x80\xA8") ||
+            code.substr(i).starts_with("\xE2\x80\xA9"))
+            ++count;
+    return count;
+}
+
+std::string quoted(std::string_view text) {
+    static constexpr char digits[] = "0123456789abcdef";
+    std::string result = "\"";
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        if (byte == '"' || byte == '\\') {
+            result += '\\';
+            result += text[i];
+        } else if (byte == '\n') {
+            result += "\\n";
+        } else if (byte < 0x20 || byte == 0x7F) {
+            result += "\\x";
+            result += digits[byte >> 4];
+            result += digits[byte & 15];
+        } else if (text.substr(i).starts_with("\xE2\x80\xA8") ||
+                   text.substr(i).starts_with("\xE2\x80\xA9")) {  // ends a line in a script
+            result += text[i + 2] == '\xA8' ? "\\u2028" : "\\u2029";
+            i += 2;
+        } else {
+            result += text[i];
+        }
+    }
+    return result + '"';
+}
+
+class PageReader {
+public:
+    explicit PageReader(const fs::path& root) : root_(root) {}
+
+    void read(const std::string& path, const Place& asked) {
+        if (std::ranges::find(open_, path) != open_.end())
+            throw PageError(asked, "\"" + path + "\" includes itself");
+        if (open_.size() > static_cast<std::size_t>(deepest_include))
+            throw PageError(asked, "includes stand more than " + std::to_string(deepest_include) +
+                                       " deep in each other");
+        const auto file = try_site_file(root_, path);
+        if (!file) throw PageError(asked, "there is no file \"" + path + "\"");
+        const PageFile state = page_file(*file);
+        const std::string content = read_whole(*file);
+        total_ += content.size();
+        if (total_ > largest_page)
+            throw PageError(asked, "the page is larger than " + std::to_string(largest_page) +
+                                       " bytes, with what it includes");
+        if (!is_utf8(content)) throw PageError({path, 0}, "the file is not UTF-8");
+        source_.files.push_back(state);
+        open_.push_back(path);
+        read_content(path, content);
+        open_.pop_back();
+    }
+
+    PageSource take() { return std::move(source_); }
+
+private:
+    void read_content(const std::string& path, std::string_view content) {
+        if (content.starts_with("\xEF\xBB\xBF")) content.remove_prefix(3);
+        Place here{path, 1};
+        auto pass = [&](std::size_t count) {
+            here.line += lines_in(content.substr(0, count));
+            content.remove_prefix(count);
+        };
+        bool is_at_start = true;
+        while (!content.empty()) {
+            const auto piece = content.find("<%");
+            const auto text = content.substr(0, piece);
+            if (const auto found = find_include(content, text.size(), here)) {
+                refuse_server_script(text.substr(0, found->begin), here);
+                write_text(text.substr(0, found->begin), here);
+                pass(found->begin);
+                read(path_of_include(found->include, path, here), here);
+                pass(found->size);
+                is_at_start = false;
+                continue;
+            }
+            refuse_server_script(text, here);
+            if (!is_at_start || piece == npos || !is_directive(content, piece))
+                write_text(text, here);
+            is_at_start = is_at_start && is_blank(text);
+            if (piece == npos) return;
+            pass(piece);
+            const auto end = content.find("%>", 2);
+            if (end == npos) throw PageError(here, "\"<%\" is not closed by \"%>\"");
+            const bool was_directive = is_directive(content, 0);
+            write_piece(content.substr(2, end - 2), here, is_at_start);
+            is_at_start = false;
+            pass(end + 2);
+            // The line of a directive is none of the page's text.
+            if (was_directive)
+                pass(content.starts_with("\r\n") ? 2 : content.starts_with('\n') ? 1 : 0);
+        }
+    }
+
+    struct FoundInclude {
+        Include include;
+        std::size_t begin;
+        std::size_t size;
+    };
+    // The first include that begins in the first `size` bytes; any other comment is text.
+    static std::optional<FoundInclude> find_include(std::string_view content, std::size_t size,
+                                                    const Place& here) {
+        for (auto begin = content.find("<!--"); begin < size;
+             begin = content.find("<!--", begin + 4)) {
+            const auto end = content.find("-->", begin);
+            const auto comment = content.substr(begin, end == npos ? npos : end + 3 - begin);
+            const Place at{here.file, here.line + lines_in(content.substr(0, begin))};
+            const auto include = try_include(comment, at);
+            if (!include) continue;
+            if (end == npos) throw PageError(at, "the include is not closed by \"-->\"");
+            return FoundInclude{*include, begin, comment.size()};
+        }
+        return {};
+    }
+
+    static bool is_blank(std::string_view text) { return text.find_first_not_of(blanks) == npos; }
+    static bool is_directive(std::string_view content, std::size_t piece) {
+        return content.substr(piece).starts_with("<%@");
+    }
+
+    void write_piece(std::string_view code, const Place& begin, bool is_at_start) {
+        if (code.starts_with('@')) {
+            if (!is_at_start || open_.size() > 1)
+                throw PageError(begin, "a directive stands at the beginning of the page only");
+            check_directive(code.substr(1), begin);
+        } else if (code.starts_with('=')) {
+            code.remove_prefix(1);
+            if (is_blank(code)) throw PageError(begin, "\"<%=\" has nothing to write");
+            write_code("Response.Write(", code, ");", begin);
+        } else {
+            write_code("", code, "", begin);
+        }
+    }
+
+    // The end stands on a line of its own, behind whatever comment the code may end with.
+    void write_code(std::string_view before, std::string_view code, std::string_view after,
+                    Place place) {
+        source_.program += before;
+        while (true) {
+            const auto end = code.find('\n');
+            const auto line = code.substr(0, end);
+            source_.program += line;
+            source_.lines.insert(source_.lines.end(), other_line_ends(line), place);
+            end_line(place);
+            if (end == npos) break;
+            code.remove_prefix(end + 1);
+            ++place.line;
+        }
+        if (after.empty()) return;
+        source_.program += after;
+        end_line(place);
+    }
+
+    // One statement, however long the text is: it may stand behind an "if" without braces.
+    void write_text(std::string_view text, const Place& place) {
+        if (text.empty()) return;
+        source_.program += "Response.Write(" + quoted(text) + ");";
+        end_line(place);
+    }
+
+    void end_line(const Place& place) {
+        source_.program += '\n';
+        source_.lines.push_back(place);
+    }
+
+    std::string path_of_include(const Include& include, const std::string& path,
+                                const Place& place) const {
+        fs::path asked;
+        if (include.is_virtual)
+            asked = fs::path("/") / include.path;
+        else if (include.path.starts_with('/'))
+            throw PageError(place,
+                            "the file of an include is relative to the page's folder; "
+                            "virtual=\"" +
+                                include.path + "\" counts from the site's");
+        else
+            asked = fs::path(path).parent_path() / include.path;
+        const std::string normal = asked.lexically_normal().generic_string();
+        if (normal.find("/../") != npos)
+            throw PageError(place, "\"" + include.path + "\" is outside the site");
+        return normal;
+    }
+
+    static void refuse_server_script(std::string_view text, Place place) {
+        const auto found = find_server_script(text);
+        if (found == npos) return;
+        place.line += lines_in(text.substr(0, found));
+        throw PageError(place, "<script runat=\"server\"> is not known here; write \"<% … %>\"");
+    }
+
+    const fs::path& root_;
+    PageSource source_;
+    std::vector<std::string> open_;
+    std::size_t total_ = 0;
+};
+
+}  // namespace
+
+PageError::PageError(Place place, const std::string& message)
+    : std::runtime_error(place.file +
+                         (place.line > 0 ? ", line " + std::to_string(place.line) : "") + ": " +
+                         message),
+      place(std::move(place)),
+      message(message) {}
+
+PageFile page_file(const fs::path& file) {
+    std::error_code error;
+    const auto time = fs::last_write_time(file, error);
+    const auto size = fs::file_size(file, error);
+    return {file, time, error ? 0 : size};
+}
+
+PageSource compile_page(const fs::path& root, const std::string& path) {
+    PageReader reader(root);
+    reader.read(path, {path, 0});
+    return reader.take();
+}
+
+std::optional<fs::path> try_site_file(const fs::path& root, const std::string& path) {
+    if (!path.starts_with('/') || path.find('\0') != npos || path.find('\\') != npos) return {};
+    const fs::path below = fs::path(path).relative_path();
+    for (const fs::path& part : below)
+        if (part.native().starts_with('.')) return {};
+    std::error_code error;
+    const fs::path file = fs::canonical(root / below, error);
+    if (error || !fs::is_regular_file(file, error)) return {};
+    const auto [end, in_file] = std::ranges::mismatch(root, file);
+    if (end != root.end()) return {};
+    // A link inside the site may lead to a hidden file of the site.
+    for (auto part = in_file; part != file.end(); ++part)
+        if (part->native().starts_with('.')) return {};
+    return file;
+}
+
+}  // namespace orvo::web

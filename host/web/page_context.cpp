@@ -1,0 +1,94 @@
+#include "host/web/page_context.h"
+
+#include "platform/automation/failure.h"
+
+namespace orvo::web {
+namespace {
+
+OutgoingCookie session_cookie(bool is_secure) {
+    OutgoingCookie cookie{.name = Text(session_cookie_name(is_secure))};
+    cookie.is_secure = is_secure;
+    return cookie;
+}
+
+}  // namespace
+
+TextView session_cookie_name(bool is_secure) {
+    return is_secure ? u"__Host-orvosession" : u"orvosession";
+}
+
+std::string_view path_part(std::string_view target) { return target.substr(0, target.find('?')); }
+
+std::string_view query_part(std::string_view target) {
+    const auto mark = target.find('?');
+    return mark == std::string_view::npos ? std::string_view() : target.substr(mark + 1);
+}
+
+PageContext::PageContext(HttpRequest request, std::string path, std::filesystem::path root,
+                         ApplicationState& application, SessionStore& sessions,
+                         std::chrono::milliseconds patience)
+    : request(std::move(request)),
+      path(std::move(path)),
+      query_text(query_part(this->request.target)),
+      root(std::move(root)),
+      query(parse_urlencoded(query_text)),
+      form(form_of(this->request)),
+      cookies(cookies_of(this->request)),
+      application(application, patience),
+      sessions_(sessions),
+      patience_(patience) {}
+
+void PageContext::open_session() {
+    const auto* cookie = cookies.find(session_cookie_name(request.is_secure));
+    if (!cookie || session_) return;
+    session_ = sessions_.open(to_utf8(cookie->values.front()), patience_);
+    login_before_ = login_of_session();
+}
+
+SessionLease& PageContext::need_session() {
+    if (!session_) {
+        session_ = sessions_.create();
+        is_new_ = true;
+    }
+    return *session_;
+}
+
+void PageContext::finish() {
+    application.unlock();
+    if (!session_) return;
+    OutgoingCookie cookie = session_cookie(request.is_secure);
+    if (is_abandoned_) {
+        session_->abandon();
+        cookie.expires = Date{25569};  // 1970-01-01: browsers drop it
+    } else {
+        const std::string login = login_of_session();
+        if (!is_new_ && !login.empty() && login != login_before_) {
+            session_->renew_id();
+            is_new_ = true;
+        }
+        cookie.value = from_utf8(session_->id());
+    }
+    if (is_new_ || is_abandoned_)
+        answer.cookies.push_back(std::make_shared<OutgoingCookie>(std::move(cookie)));
+    session_.reset();
+}
+
+void PageContext::write(std::string_view bytes) {
+    if (answer.body.size() + bytes.size() > largest_answer)
+        throw Failure(runtime_error::out_of_memory, {}, u"The page writes more than 64 megabytes");
+    answer.body += bytes;
+}
+
+// What tells one login from another: the login GUID and the account.
+std::string PageContext::login_of_session() const {
+    if (!session_) return {};
+    auto text = [&](TextView name) {
+        const Variant value = session_->data().values.get(name);
+        return value.is_text() ? to_utf8(value.text_view()) : std::string();
+    };
+    const std::string guid = text(u"QUENDRAID");
+    const std::string account = text(u"REMOTE_ACCOUNT");
+    return guid.empty() && account.empty() ? std::string() : guid + '\n' + account;
+}
+
+}  // namespace orvo::web

@@ -1,0 +1,102 @@
+#pragma once
+
+// One request while its page runs: what the intrinsic objects work on.
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "host/web/application_state.h"
+#include "host/web/cookies.h"
+#include "host/web/fields.h"
+#include "host/web/http_message.h"
+#include "host/web/session_store.h"
+
+namespace orvo::web {
+
+// What a page does to the engine that runs it.
+class PageControl {
+public:
+    virtual ~PageControl() = default;
+    // Nothing more of the page is carried out.
+    virtual void stop() = 0;
+    // From the page's beginning.
+    virtual void set_time_limit(std::chrono::seconds limit) = 0;
+    // Runs another page of the site in the same run; raises Failure where there is none.
+    virtual void execute(const Text& path) = 0;
+};
+
+// The answer that a page builds.
+struct PageAnswer {
+    int status = 200;
+    Text status_text = {};  // of a status that has no usual one
+    Text content_type = u"text/html";
+    Text charset = u"utf-8";
+    Text cache_control = u"no-store";
+    std::optional<std::int32_t> expires_minutes = {};
+    std::optional<Date> expires = {};
+    Headers headers = {};
+    std::vector<std::shared_ptr<OutgoingCookie>> cookies = {};
+    std::string body = {};
+    std::string log_note = {};
+};
+
+inline constexpr std::size_t largest_answer = 64 * 1024 * 1024;
+inline constexpr std::size_t largest_session = 1024 * 1024;
+
+// Belongs to the thread that carries the request out. The intrinsic objects share it, so that one
+// that outlives its page still has something to refer to.
+class PageContext {
+public:
+    PageContext(HttpRequest request, std::string path, std::filesystem::path root,
+                ApplicationState& application, SessionStore& sessions,
+                std::chrono::milliseconds patience);
+
+    const HttpRequest request;
+    const std::string path;  // of the page, decoded
+    const std::string_view query_text;
+    const std::filesystem::path root;
+    const Fields query;
+    const Fields form;
+    const Fields cookies;
+    PageAnswer answer;
+    ApplicationState::Holder application;
+    PageControl* control = nullptr;
+    std::chrono::seconds time_limit{0};
+
+    // The session that the browser's cookie names, if any.
+    void open_session();
+    // Null while the browser has none.
+    SessionLease* session() const { return session_.get(); }
+    // Makes one where the browser has none.
+    SessionLease& need_session();
+    // Ends what the request held: renews the session's identifier where another user has logged in,
+    // writes its cookie, gives session and application back.
+    void finish();
+
+    void write(std::string_view bytes);
+
+private:
+    std::string login_of_session() const;
+
+    SessionStore& sessions_;
+    const std::chrono::milliseconds patience_;
+    std::unique_ptr<SessionLease> session_;
+    std::string login_before_;
+    bool is_new_ = false;
+    bool is_abandoned_ = false;
+
+    friend class SessionObject;
+};
+
+// The name of the session's cookie. Under TLS browsers take one of this name from this very host
+// only.
+TextView session_cookie_name(bool is_secure);
+
+// "path?query" cut at the first "?".
+std::string_view path_part(std::string_view target);
+std::string_view query_part(std::string_view target);
+
+}  // namespace orvo::web

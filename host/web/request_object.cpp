@@ -1,0 +1,222 @@
+#include "host/web/request_object.h"
+
+#include <algorithm>
+
+#include "host/web/server_variables.h"
+#include "platform/abi/enumerator.h"
+#include "platform/automation/failure.h"
+
+namespace orvo::web {
+
+// A name, or a number from 1. Raises 9 for a number that there is none of.
+template <class List>
+std::optional<std::size_t> try_number(const Variant& key, const List& list) {
+    if (key.is_text() || key.is_object()) return {};
+    const auto number = key.to<std::int32_t>();
+    if (number < 1 || static_cast<std::size_t>(number) > list.size())
+        raise_runtime_error(runtime_error::subscript_out_of_range);
+    return static_cast<std::size_t>(number - 1);
+}
+
+template <class List, class Name>
+Object names_of(const List& list, Name name) {
+    std::vector<Variant> names;
+    for (const auto& entry : list) names.emplace_back(name(entry));
+    return make_enumerator(std::move(names));
+}
+
+class StringListObject final : public StringList {
+public:
+    explicit StringListObject(std::vector<Text> values) : values_(std::move(values)) {}
+
+    Variant Item(const Variant& index) override {
+        if (!index.is_missing()) {
+            const Variant number = index.to<std::int32_t>();
+            return values_[*try_number(number, values_)];
+        }
+        Text all;
+        for (const Text& value : values_) {
+            if (&value != &values_.front()) all += u", ";
+            all += value;
+        }
+        return all;
+    }
+    std::int32_t Count() override { return static_cast<std::int32_t>(values_.size()); }
+    Object NewEnum() override {
+        return names_of(values_, [](const Text& value) { return value; });
+    }
+
+private:
+    const std::vector<Text> values_;
+};
+
+class ReadCookieObject final : public ReadCookie {
+public:
+    explicit ReadCookieObject(Text text) : text_(std::move(text)) {
+        if (text_.find(u'=') != Text::npos) keys_ = parse_urlencoded(to_utf8(text_));
+    }
+
+    Variant Item(const Variant& key) override {
+        if (key.is_missing()) return text_;
+        const auto* found = keys_.find(key.to<Text>());
+        return found ? Variant(found->values.front()) : Variant(u"");
+    }
+    bool HasKeys() override { return !keys_.all().empty(); }
+    Object NewEnum() override {
+        return names_of(keys_.all(), [](const Fields::Field& key) { return key.name; });
+    }
+    std::int32_t Count() override { return static_cast<std::int32_t>(keys_.all().size()); }
+    Variant Key(const Variant& index) override {
+        if (const auto number = try_number(index, keys_.all())) return keys_.all()[*number].name;
+        return index;
+    }
+
+private:
+    const Text text_;
+    Fields keys_;
+};
+
+// Fields of the page's request; keeps the request alive.
+class DictionaryObject final : public RequestDictionary {
+public:
+    using MakeItem = Object (*)(const Fields::Field* field);
+
+    DictionaryObject(std::shared_ptr<PageContext> page, const Fields& fields, Text raw,
+                     MakeItem make_item)
+        : page_(std::move(page)), fields_(fields), raw_(std::move(raw)), make_item_(make_item) {}
+
+    Variant Item(const Variant& name) override {
+        if (name.is_missing()) return raw_;
+        if (const auto number = try_number(name, fields_.all()))
+            return make_item_(&fields_.all()[*number]);
+        return make_item_(fields_.find(name.to<Text>()));
+    }
+    Object NewEnum() override {
+        return names_of(fields_.all(), [](const Fields::Field& field) { return field.name; });
+    }
+    std::int32_t Count() override { return static_cast<std::int32_t>(fields_.all().size()); }
+    Variant Key(const Variant& index) override {
+        if (const auto number = try_number(index, fields_.all()))
+            return fields_.all()[*number].name;
+        return index;
+    }
+
+private:
+    const std::shared_ptr<PageContext> page_;
+    const Fields& fields_;
+    const Text raw_;
+    const MakeItem make_item_;
+};
+
+class VariablesObject final : public RequestDictionary {
+public:
+    explicit VariablesObject(const PageContext& page) : variables_(server_variables(page)) {}
+
+    Variant Item(const Variant& name) override {
+        if (name.is_missing()) return u"";
+        if (const auto number = try_number(name, variables_)) return variables_[*number].second;
+        return value(name.to<Text>());
+    }
+    Object NewEnum() override {
+        return names_of(variables_, [](const auto& variable) { return variable.first; });
+    }
+    std::int32_t Count() override { return static_cast<std::int32_t>(variables_.size()); }
+    Variant Key(const Variant& index) override {
+        if (const auto number = try_number(index, variables_)) return variables_[*number].first;
+        return index;
+    }
+
+private:
+    Text value(const Text& name) const {
+        for (const auto& [key, value] : variables_)
+            if (equal_ignoring_case(key, name)) return value;
+        return {};
+    }
+
+    const ServerVariables variables_;
+};
+
+}  // namespace orvo::web
+
+namespace orvo {
+template <>
+inline constexpr auto class_of<web::StringListObject> =
+    describe_class<web::StringList>("Request.Values");
+template <>
+inline constexpr auto class_of<web::ReadCookieObject> =
+    describe_class<web::ReadCookie>("Request.Cookie");
+template <>
+inline constexpr auto class_of<web::DictionaryObject> =
+    describe_class<web::RequestDictionary>("Request.Fields");
+template <>
+inline constexpr auto class_of<web::VariablesObject> =
+    describe_class<web::RequestDictionary>("Request.ServerVariables");
+}  // namespace orvo
+
+namespace orvo::web {
+namespace {
+
+Object values_object(const Fields::Field* field) {
+    return make<StringListObject>(field ? field->values : std::vector<Text>()).object();
+}
+
+Object cookie_object(const Fields::Field* field) {
+    return make<ReadCookieObject>(field ? field->values.front() : Text()).object();
+}
+
+}  // namespace
+
+RequestObject::RequestObject(std::shared_ptr<PageContext> page) : page_(std::move(page)) {}
+
+Variant RequestObject::Item(const Text& name) {
+    if (const auto* field = page_->query.find(name)) return values_object(field);
+    if (const auto* field = page_->form.find(name)) return values_object(field);
+    if (const auto* field = page_->cookies.find(name)) return cookie_object(field);
+    for (const auto& [key, value] : server_variables(*page_))
+        if (equal_ignoring_case(key, name)) return value;
+    return values_object(nullptr);
+}
+
+Object RequestObject::QueryString() {
+    if (!query_)
+        query_ =
+            make<DictionaryObject>(page_, page_->query, from_utf8(page_->query_text), values_object)
+                .object();
+    return query_;
+}
+
+Object RequestObject::Form() {
+    if (!form_) {
+        const bool is_urlencoded =
+            page_->request.header("Content-Type").starts_with("application/x-www-form-urlencoded");
+        form_ = make<DictionaryObject>(page_, page_->form,
+                                       is_urlencoded ? from_utf8(page_->request.body) : Text(),
+                                       values_object)
+                    .object();
+    }
+    return form_;
+}
+
+Object RequestObject::ServerVariables() {
+    if (!variables_) variables_ = make<VariablesObject>(*page_).object();
+    return variables_;
+}
+
+Object RequestObject::Cookies() {
+    if (!cookies_) {
+        Text all;
+        for (const auto& cookie : page_->cookies.all()) {
+            if (!all.empty()) all += u"; ";
+            all += cookie.name + u"=" + cookie.values.front();
+        }
+        cookies_ =
+            make<DictionaryObject>(page_, page_->cookies, std::move(all), cookie_object).object();
+    }
+    return cookies_;
+}
+
+std::int32_t RequestObject::TotalBytes() {
+    return static_cast<std::int32_t>(page_->request.body.size());
+}
+
+}  // namespace orvo::web

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "host/web/intrinsics.h"
+#include "host/web/page_context.h"
+#include "platform/abi/hosted.h"
+
+namespace orvo::web {
+
+inline constexpr std::int32_t longest_script = 3600;  // seconds
+
+class ServerObject final : public Server {
+public:
+    explicit ServerObject(std::shared_ptr<PageContext> page) : page_(std::move(page)) {}
+
+    std::int32_t ScriptTimeout() override;
+    void put_ScriptTimeout(std::int32_t seconds) override;
+    Object CreateObject(const Text& progid) override;
+    Text HTMLEncode(const Variant& text) override;
+    Text MapPath(const Text& path) override;
+    Text URLEncode(const Variant& text) override;
+    Text URLPathEncode(const Variant& text) override;
+    void Execute(const Text& path) override;
+    void Transfer(const Text& path) override;
+    Text LocalURL(const Variant& url, const Text& otherwise) override;
+
+private:
+    PageControl& control();
+
+    const std::shared_ptr<PageContext> page_;
+};
+
+}  // namespace orvo::web
+
+namespace orvo {
+template <>
+inline constexpr auto class_of<web::ServerObject> = describe_class<web::Server>("Server");
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+// Web sessions: what pages keep for one browser between its requests.
+
+#include <chrono>
+#include <memory>
+#include <string>
+
+#include "host/web/named_values.h"
+
+namespace orvo::web {
+
+struct SessionData {
+    NamedValues values = {};
+    std::chrono::minutes timeout{20};  // without a request
+    // What a form of this session carries, so that other sites cannot send it.
+    std::string form_token = {};
+    // Text that tells sessions apart without opening them, for logs and pages.
+    Text public_id = {};
+};
+
+// One session, for the length of one request: nobody else has it meanwhile. What was changed is
+// stored when the lease goes.
+class SessionLease {
+public:
+    virtual ~SessionLease() = default;
+    // What the browser's cookie says: 256 random bits.
+    virtual const std::string& id() const = 0;
+    virtual SessionData& data() = 0;
+    // Gives the session a new identifier; the old one opens nothing from now on.
+    virtual void renew_id() = 0;
+    // The session ends with the lease.
+    virtual void abandon() = 0;
+};
+
+// Any thread. A store that several machines share implements the same.
+class SessionStore {
+public:
+    virtual ~SessionStore() = default;
+    // Waits while another request has the session, at most `patience`, and then raises Refusal
+    // (503). Null for an identifier that the store did not give out, or whose session has ended;
+    // such an identifier is never adopted.
+    virtual std::unique_ptr<SessionLease> open(const std::string& id,
+                                               std::chrono::milliseconds patience) = 0;
+    virtual std::unique_ptr<SessionLease> create() = 0;
+};
+
+}  // namespace orvo::web

@@ -1,0 +1,57 @@
+#pragma once
+
+// What a site's operator settles: SITE/site.ini, section [SITE]. Every key may be left out.
+//
+//     LoginPage = /login.asp
+//     ; path = number of the application; everything below the path is guarded
+//     Guard = /account/ = 1, /admin/ = 10
+//     ; the login's cookie; as a rule the site configuration's CookieName says it
+//     LoginCookie = QUENDRAID
+//     ; minutes without a request, and minutes altogether, after which a session ends
+//     SessionTimeout = 20
+//     SessionLifetime = 720
+//     ; seconds
+//     PageTimeout = 30
+//     ; bytes of a form
+//     LargestRequest = 1048576
+//     ; looked for in this order where an address names a folder
+//     DefaultPages = default.asp, index.html
+//     ContentSecurityPolicy = frame-ancestors 'none'; base-uri 'self'; form-action 'self'
+
+#include <chrono>
+#include <filesystem>
+#include <vector>
+
+#include "platform/automation/text.h"
+
+namespace orvo::web {
+
+struct GuardedPath {
+    std::string path;  // begins and ends with "/"
+    std::int32_t application;
+    bool operator==(const GuardedPath&) const = default;
+};
+
+struct Site {
+    std::filesystem::path root;  // canonical
+    std::string login_page = "/login.asp";
+    std::vector<GuardedPath> guards = {};
+    Text login_cookie = {};
+    std::chrono::minutes session_timeout{20};
+    std::chrono::minutes session_lifetime{720};
+    std::chrono::seconds page_timeout{30};
+    std::size_t largest_request = 1024 * 1024;
+    std::vector<std::string> default_pages{"default.asp", "index.html"};
+    std::string content_security_policy =
+        "frame-ancestors 'none'; base-uri 'self'; form-action 'self'; object-src 'none'";
+};
+
+// The site in a folder. Raises Failure: 53 or 76 where there is none, 0x80040201 where site.ini
+// says what cannot be, with the key's name.
+Site read_site(const std::filesystem::path& folder);
+
+// The application that guards a path; null for a path that anybody may see. Of several guards the
+// longest path counts. Paths are compared without regard to case, so that no spelling slips by.
+const GuardedPath* guard_of(const Site& site, std::string_view path);
+
+}  // namespace orvo::web

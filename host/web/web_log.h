@@ -1,0 +1,36 @@
+#pragma once
+
+// What the server writes down of its work.
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <mutex>
+
+#include "host/web/http_message.h"
+
+namespace orvo::web {
+
+// Two kinds of lines, in UTF-8 and each written at once: one for each request, and one for each
+// failure of a page. Of a request only method, path, status, size and duration are kept: no query,
+// no header, no cookie and nothing of a form. Any thread.
+class WebLog {
+public:
+    // access: where the requests go; empty: nowhere. Failures go to the standard error stream.
+    // Raises std::runtime_error where the file cannot be opened.
+    explicit WebLog(const std::filesystem::path& access);
+
+    void request(const HttpRequest& request, const HttpResponse& response,
+                 std::chrono::steady_clock::duration duration, std::string_view note);
+    // Answers the reference under which the line can be found.
+    std::string failure(std::string_view path, std::string_view text);
+
+private:
+    std::mutex lock_;
+    std::ofstream access_;
+};
+
+// On one line, with what is no printable ASCII character written as \xNN.
+std::string on_one_line(std::string_view text);
+
+}  // namespace orvo::web

@@ -1,0 +1,63 @@
+#pragma once
+
+// Where the authorization filter keeps its records and logins. All connectors of a process share
+// one store; a store that several machines share implements the same operations.
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "platform/automation/secret.h"
+#include "platform/automation/text.h"
+
+namespace orvo::authfilter {
+
+// The credentials under one GUID.
+struct Record {
+    Text user_name = {};
+    Text account_path = {};
+    Secret password = {};
+    Text nt_user = {};
+    Secret nt_password = {};
+
+    Record clone() const {
+        return {user_name, account_path, password.clone(), nt_user, nt_password.clone()};
+    }
+};
+
+struct Login {
+    Text guid;
+    Text user;
+    std::vector<std::int32_t> applications;
+    // Ends the user's other logins. Users are the same without regard to case.
+    bool is_only_one = false;
+    // How long it lives after the last question for it; above zero.
+    std::chrono::minutes timeout;
+};
+
+// Each operation is atomic and may be called from any thread. GUIDs are compared exactly. A store
+// that is full or cannot be reached raises.
+class Store {
+public:
+    virtual ~Store() = default;
+
+    virtual std::optional<Record> find(const Text& guid) = 0;
+    // Holds an empty record from now on; false where there is a record already. Of two that create
+    // the same one, one gets it.
+    virtual bool try_create(const Text& guid) = 0;
+    // In place of what there was, if anything.
+    virtual void save(const Text& guid, const Record& record) = 0;
+
+    // In place of the login that the GUID had, whosever that was. A login that is ended for being
+    // one of several takes its GUID's record with it.
+    virtual void begin(const Login& login) = 0;
+    // Whether the GUID has a live login with this application; one that is alive lives on from now,
+    // whatever the answer.
+    virtual bool ask(const Text& guid, std::int32_t application) = 0;
+
+    // The GUID's login and record.
+    virtual void forget(const Text& guid) = 0;
+};
+
+}  // namespace orvo::authfilter

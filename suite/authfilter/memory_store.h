@@ -1,0 +1,69 @@
+#pragma once
+
+#include <functional>
+#include <mutex>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "suite/authfilter/filter_store.h"
+
+namespace orvo::authfilter {
+
+using Clock = std::chrono::steady_clock;
+
+struct Limits {
+    // Records, and as many logins. Where the store is full of live ones, a new one is refused.
+    std::size_t most = 100'000;
+    // How long a record without a live login is kept after it was last stored or found.
+    std::chrono::minutes record_lifetime{60};
+};
+
+// A store in the memory of one process. What has ended is gone for every
+// question at once, and its memory is given back at the latest with the first change a minute
+// later.
+class MemoryStore : public Store {
+public:
+    explicit MemoryStore(Limits limits = {}, std::function<Clock::time_point()> now = Clock::now);
+
+    std::optional<Record> find(const Text& guid) override;
+    bool try_create(const Text& guid) override;
+    void save(const Text& guid, const Record& record) override;
+    void begin(const Login& login) override;
+    bool ask(const Text& guid, std::int32_t application) override;
+    void forget(const Text& guid) override;
+
+    // How many are held, ended ones that were not swept yet included.
+    std::size_t record_count() const;
+    std::size_t login_count() const;
+
+private:
+    struct HeldRecord {
+        Record record;
+        Clock::time_point ends;
+    };
+    struct HeldLogin {
+        Login login;
+        Clock::time_point ends;
+    };
+    using Records = std::unordered_map<Text, HeldRecord>;
+    using Logins = std::unordered_map<Text, HeldLogin>;
+
+    // All of these: with the lock held.
+    Records::iterator live_record(const Text& guid);
+    bool has_live_login(const Text& guid) const;
+    void hold(const Text& guid, Record record);
+    void end_login(const Text& guid);
+    void end_others_of(const Login& login);
+    void sweep();
+    void sweep_if_due();
+
+    const Limits limits_;
+    const std::function<Clock::time_point()> now_;
+    mutable std::mutex lock_;
+    Records records_;
+    Logins logins_;
+    std::unordered_map<Text, std::unordered_set<Text>> guids_of_user_;  // user in lower case
+    Clock::time_point next_sweep_;
+};
+
+}  // namespace orvo::authfilter

@@ -1,0 +1,245 @@
+// The server on the wire: a real port on the loopback address, and a client that says whatever it
+// likes.
+
+#include "host/web/http_server.h"
+
+#include <gtest/gtest.h>
+#include <httplib.h>
+
+#include <thread>
+
+#include "tests/host/web/running_server.h"
+#include "tests/host/web/wire.h"
+#include "tests/support/child_process.h"
+#include "tests/support/temp_folder.h"
+
+namespace orvo::web {
+namespace {
+
+using namespace std::chrono_literals;
+
+// Answers what it was asked: method, target, and the body.
+HttpResponse echo(const HttpRequest& request) {
+    HttpResponse response;
+    response.content_type = "text/plain";
+    response.headers = {{"Set-Cookie", "a=1"}, {"Set-Cookie", "b=2"}};
+    response.body = request.method + ' ' + request.target + ' ' +
+                    std::string(request.header("X-Odd")) + '[' + request.body + ']';
+    return response;
+}
+
+ServerOptions quick() {
+    ServerOptions options;
+    options.workers = 2;
+    options.request_time = 300ms;
+    options.idle_time = 2000ms;
+    options.largest_body = 1000;
+    return options;
+}
+
+// "HTTP/1.1 200 OK" and so on; empty where the server said nothing.
+std::string status_line(const std::string& answer) { return answer.substr(0, answer.find('\r')); }
+
+std::string body(const std::string& answer) {
+    const auto end = answer.find("\r\n\r\n");
+    return end == std::string::npos ? "" : answer.substr(end + 4);
+}
+
+class HttpServerTest : public testing::Test {
+protected:
+    std::string said(const std::string& request) { return Wire(server_.port()).ask(request); }
+
+    RunningServer server_{quick(), echo};
+};
+
+TEST_F(HttpServerTest, AnswersRequestsAsTheyWereSent) {
+    const std::string answer = said(
+        "POST /a%20b?x=%41 HTTP/1.1\r\nHost: h\r\nX-Odd: 100%25 %0d%0a\r\nContent-Length: 3\r\n"
+        "Connection: close\r\n\r\nabc");
+    EXPECT_EQ(status_line(answer), "HTTP/1.1 200 OK");
+    EXPECT_EQ(body(answer), "POST /a%20b?x=%41 100%25 %0d%0a[abc]");
+    EXPECT_NE(answer.find("\r\nSet-Cookie: a=1\r\n"), std::string::npos) << answer;
+    EXPECT_NE(answer.find("\r\nSet-Cookie: b=2\r\n"), std::string::npos) << answer;
+    EXPECT_NE(answer.find("\r\nConnection: close\r\n"), std::string::npos) << answer;
+}
+
+TEST_F(HttpServerTest, ServesManyRequestsOnOneConnection) {
+    httplib::Client client("127.0.0.1", server_.port());
+    client.set_keep_alive(true);
+    for (int i = 0; i < 20; ++i) {
+        const auto result = client.Post("/" + std::to_string(i), "body", "text/plain");
+        ASSERT_TRUE(result) << httplib::to_string(result.error());
+        EXPECT_EQ(result->body, "POST /" + std::to_string(i) + " [body]");
+    }
+}
+
+TEST_F(HttpServerTest, ServesRequestsThatCameAtOnceOneAfterTheOther) {
+    const std::string two = said(
+        "GET /1 HTTP/1.1\r\nHost: h\r\n\r\n"
+        "GET /2 HTTP/1.1\r\nHost: h\r\nConnection: close\r\n\r\n");
+    EXPECT_NE(two.find("GET /1 []"), std::string::npos) << two;
+    EXPECT_NE(two.find("GET /2 []"), std::string::npos) << two;
+}
+
+TEST_F(HttpServerTest, ReadsAFormOnlyOnceItIsWantedWhereTheClientAsks) {
+    Wire wire(server_.port());
+    wire.send(
+        "POST /?a=/b?c=1 HTTP/1.1\r\nHost: h\r\nExpect: 100-continue\r\nContent-Length: 3\r\n"
+        "Connection: close\r\n\r\n");
+    wire.send("abc");
+    const std::string answer = wire.read_all();
+    EXPECT_EQ(status_line(answer), "HTTP/1.1 100 Continue");
+    EXPECT_NE(answer.find("\r\n\r\nHTTP/1.1 200 OK\r\n"), std::string::npos) << answer;
+    EXPECT_NE(answer.find("POST /?a=/b?c=1 [abc]"), std::string::npos) << answer;
+}
+
+TEST_F(HttpServerTest, AnswersAHeadRequestWithoutABody) {
+    const std::string answer = said("HEAD /x HTTP/1.1\r\nHost: h\r\nConnection: close\r\n\r\n");
+    EXPECT_EQ(status_line(answer), "HTTP/1.1 200 OK");
+    EXPECT_EQ(body(answer), "");
+}
+
+TEST_F(HttpServerTest, RefusesWhatIsNoRequest) {
+    struct Refused {
+        std::string request;
+        std::string_view status;
+    };
+    for (const auto& [request, status] : std::initializer_list<Refused>{
+             {"\r\n\r\nGET\r\n\r\n", "HTTP/1.1 400 Bad Request"},
+             {"nonsense\r\n\r\n", "HTTP/1.1 400 Bad Request"},
+             {"GET / HTTP/1.1\r\n\r\n", "HTTP/1.1 400 Bad Request"},
+             {"GET / HTTP/1.1\r\nHost: h\r\nbroken\r\n\r\n", "HTTP/1.1 400 Bad Request"},
+             {"GET / HTTP/1.1\r\nHost: a\r\nHost: b\r\n\r\n", "HTTP/1.1 400 Bad Request"},
+             {"POST / HTTP/1.1\r\nHost: h\r\nContent-Length: x\r\n\r\n",
+              "HTTP/1.1 400 Bad Request"},
+             {"POST / HTTP/1.1\r\nHost: h\r\n\r\n", "HTTP/1.1 411 Length Required"},
+             {"POST / HTTP/1.1\r\nHost: h\r\nTransfer-Encoding: "
+              "chunked\r\n\r\n3\r\nabc\r\n0\r\n\r\n",
+              "HTTP/1.1 411 Length Required"},
+             {"POST / HTTP/1.1\r\nHost: h\r\nContent-Length: 1001\r\n\r\n" + std::string(1001, 'x'),
+              "HTTP/1.1 413 Payload Too Large"},
+             {"GET /" + std::string(10'000, 'x') + " HTTP/1.1\r\nHost: h\r\n\r\n",
+              "HTTP/1.1 414 URI Too Long"},
+             {"GET / HTTP/1.1\r\nHost: h\r\n" +
+                  [] {
+                      std::string headers;
+                      for (int i = 0; i < 100; ++i) headers += "A: b\r\n";
+                      return headers;
+                  }() +
+                  "\r\n",
+              "HTTP/1.1 431 Request Header Fields Too Large"},
+         }) {
+        const std::string answer = said(request);
+        EXPECT_EQ(status_line(answer), status) << request.substr(0, 60);
+        EXPECT_EQ(answer.find("[", 1), std::string::npos) << "the handler saw it: " << answer;
+    }
+    EXPECT_EQ(status_line(said("GET / HTTP/1.1\r\nHost: h\r\nConnection: close\r\n\r\n")),
+              "HTTP/1.1 200 OK")
+        << "and serves on";
+}
+
+TEST_F(HttpServerTest, TakesNoHeadWithoutEnd) {
+    std::string headers = "GET / HTTP/1.1\r\nHost: h\r\n";
+    for (int i = 0; i < 4000; ++i) headers += "A" + std::to_string(i) + ": 0123456789\r\n";
+    EXPECT_EQ(status_line(said(headers)), "HTTP/1.1 431 Request Header Fields Too Large");
+}
+
+TEST_F(HttpServerTest, DoesNotReadASecondRequestIntoTheBodyOfARefusedOne) {
+    const std::string answer = said(
+        "POST /first HTTP/1.1\r\nHost: h\r\nContent-Length: 4\r\nContent-Length: 5\r\n\r\n"
+        "GET /smuggled HTTP/1.1\r\nHost: h\r\n\r\n");
+    EXPECT_EQ(answer.find("smuggled"), std::string::npos) << answer;
+}
+
+TEST_F(HttpServerTest, ASlowClientLosesItsConnectionAndOthersAreServed) {
+    const auto begin = std::chrono::steady_clock::now();
+    Wire slow(server_.port()), silent(server_.port()), half(server_.port());
+    slow.send("GET / HTTP/1.1\r\nHo");
+    half.send("POST / HTTP/1.1\r\nHost: h\r\nContent-Length: 10\r\n\r\nhalf");
+    EXPECT_EQ(status_line(said("GET / HTTP/1.1\r\nHost: h\r\nConnection: close\r\n\r\n")),
+              "HTTP/1.1 200 OK");
+    EXPECT_EQ(slow.read_all(), "");
+    EXPECT_EQ(status_line(half.read_all()), "HTTP/1.1 408 Request Timeout");
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 10s);
+}
+
+TEST_F(HttpServerTest, IdleConnectionsGiveWayToThoseThatAsk) {
+    std::vector<std::unique_ptr<Wire>> idle;
+    for (int i = 0; i < 6; ++i) idle.push_back(std::make_unique<Wire>(server_.port()));
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(status_line(said("GET / HTTP/1.1\r\nHost: h\r\nConnection: close\r\n\r\n")),
+              "HTTP/1.1 200 OK");
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 6s);
+}
+
+TEST(HttpServer, FinishesWhatItServesBeforeItStops) {
+    std::atomic<bool> is_inside = false;
+    auto server = std::make_unique<RunningServer>(quick(), [&](const HttpRequest& request) {
+        is_inside = true;
+        std::this_thread::sleep_for(200ms);
+        return echo(request);
+    });
+    Wire wire(server->port());
+    wire.send("GET /last HTTP/1.1\r\nHost: h\r\n\r\n");
+    while (!is_inside) std::this_thread::sleep_for(1ms);
+    const int port = server->port();
+    server.reset();
+    EXPECT_EQ(body(wire.read_all()), "GET /last []");
+    EXPECT_THROW(Wire{port}, std::runtime_error);
+}
+
+TEST(HttpServer, StopsBeforeItHasServedAnything) {
+    for (int i = 0; i < 20; ++i) RunningServer server(quick(), echo);
+}
+
+TEST(HttpServer, SaysWhereItCannotListen) {
+    const RunningServer first(quick(), echo);
+    ServerOptions options = quick();
+    options.address = "192.0.2.1";
+    EXPECT_THROW(HttpServer(options, echo), std::runtime_error);
+    options = quick();
+    options.certificate = "/none/cert.pem";
+    options.key = "/none/key.pem";
+    try {
+        HttpServer server(options, echo);
+        FAIL();
+    } catch (const std::runtime_error& failure) {
+        EXPECT_EQ(std::string(failure.what()).substr(0, 48),
+                  "/none/cert.pem: no certificate can be read: erro");
+    }
+}
+
+TEST(HttpServer, ServesHttpsWithACertificate) {
+    TempFolder folder;
+    const std::string certificate = folder.path() / "cert.pem", key = folder.path() / "key.pem";
+    output_of({"/usr/bin/openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt",
+               "ec_paramgen_curve:P-256", "-noenc", "-days", "2", "-subj", "/CN=localhost",
+               "-addext", "subjectAltName=IP:127.0.0.1", "-keyout", key, "-out", certificate});
+    ServerOptions options = quick();
+    options.certificate = certificate;
+    options.key = key;
+    std::atomic<bool> was_secure = false;
+    const RunningServer server(options, [&](const HttpRequest& request) {
+        was_secure = request.is_secure;
+        HttpResponse response = echo(request);
+        response.body += std::string(300'000, 'x');
+        return response;
+    });
+    EXPECT_EQ(server.url().substr(0, 18), "https://127.0.0.1:");
+    httplib::SSLClient client("127.0.0.1", server.port());
+    client.set_ca_cert_path(certificate.c_str());
+    client.enable_server_certificate_verification(true);
+    client.set_keep_alive(true);
+    for (int i = 0; i < 3; ++i) {
+        const auto result = client.Post("/tls", std::string(900, 'y'), "text/plain");
+        ASSERT_TRUE(result) << httplib::to_string(result.error());
+        EXPECT_EQ(result->body.size(), 10 + 2 + 900 + 300'000u);
+    }
+    EXPECT_TRUE(was_secure);
+    EXPECT_EQ(Wire(server.port()).ask("GET / HTTP/1.1\r\nHost: h\r\n\r\n").find("HTTP/1.1 200"),
+              std::string::npos)
+        << "without TLS there is no answer";
+}
+
+}  // namespace
+}  // namespace orvo::web

@@ -1,0 +1,207 @@
+#include "host/web/memory_sessions.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <set>
+#include <thread>
+
+#include "host/web/http_message.h"
+
+namespace orvo::web {
+namespace {
+
+using namespace std::chrono_literals;
+
+class MemorySessionsTest : public testing::Test {
+protected:
+    std::unique_ptr<SessionLease> open(const std::string& id,
+                                       std::chrono::milliseconds patience = 0ms) {
+        return sessions_.open(id, patience);
+    }
+    std::string create(const Text& value = {}) {
+        const auto lease = sessions_.create();
+        if (!value.empty()) lease->data().values.put(u"v", value);
+        return lease->id();
+    }
+    Text value_of(const std::string& id) {
+        const auto lease = open(id);
+        return lease ? lease->data().values.get(u"v").to<Text>() : u"no session";
+    }
+
+    SessionClock::time_point now_{};
+    MemorySessions sessions_{{.timeout = 20min, .absolute = 60min, .most = 3},
+                             [this] { return now_; }};
+};
+
+TEST_F(MemorySessionsTest, ASessionKeepsItsValuesBetweenRequests) {
+    const std::string id = create(u"one");
+    EXPECT_EQ(value_of(id), u"one");
+    EXPECT_EQ(value_of(id), u"one");
+}
+
+TEST_F(MemorySessionsTest, IdentifiersCannotBeGuessedAndNoneComesTwice) {
+    MemorySessions many;
+    std::set<std::string> ids;
+    for (int i = 0; i < 1000; ++i) {
+        const auto lease = many.create();
+        EXPECT_EQ(lease->id().size(), 43u);
+        EXPECT_EQ(lease->id().find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuv"
+                                                "wxyz0123456789-_"),
+                  std::string::npos);
+        ids.insert(lease->id());
+        ids.insert(lease->data().form_token);
+    }
+    EXPECT_EQ(ids.size(), 2000u);
+}
+
+TEST_F(MemorySessionsTest, AnIdentifierThatWasNotGivenOutIsNeverAdopted) {
+    EXPECT_EQ(open("forged"), nullptr);
+    EXPECT_EQ(open(""), nullptr);
+    EXPECT_EQ(sessions_.count(), 0u);
+}
+
+TEST_F(MemorySessionsTest, ASessionEndsAfterItsTimeoutWithoutARequest) {
+    const std::string id = create(u"one");
+    now_ += 20min - 1s;
+    EXPECT_EQ(value_of(id), u"one");
+    now_ += 20min - 1s;
+    EXPECT_EQ(value_of(id), u"one");
+    now_ += 20min;
+    EXPECT_EQ(value_of(id), u"no session");
+    EXPECT_EQ(sessions_.count(), 0u);
+}
+
+TEST_F(MemorySessionsTest, ASessionMayHaveATimeoutOfItsOwn) {
+    const std::string id = create(u"one");
+    open(id)->data().timeout = 2min;
+    now_ += 2min;
+    EXPECT_EQ(value_of(id), u"no session");
+}
+
+TEST_F(MemorySessionsTest, ASessionEndsAfterItsLifetimeHoweverBusyItIs) {
+    const std::string id = create(u"one");
+    for (int i = 0; i < 5; ++i) {
+        now_ += 10min;
+        EXPECT_EQ(value_of(id), u"one");
+    }
+    now_ += 10min;
+    EXPECT_EQ(value_of(id), u"no session");
+}
+
+TEST_F(MemorySessionsTest, ARenewedSessionHasItsValuesUnderTheNewIdentifierAlone) {
+    const std::string old_id = create(u"one");
+    std::string new_id;
+    {
+        const auto lease = open(old_id);
+        lease->renew_id();
+        new_id = lease->id();
+    }
+    EXPECT_NE(new_id, old_id);
+    EXPECT_EQ(value_of(old_id), u"no session");
+    EXPECT_EQ(value_of(new_id), u"one");
+}
+
+TEST_F(MemorySessionsTest, AnAbandonedSessionIsGoneAfterTheRequest) {
+    const std::string id = create(u"one");
+    {
+        const auto lease = open(id);
+        lease->abandon();
+        EXPECT_EQ(lease->data().values.get(u"v"), Variant(u"one"));
+    }
+    EXPECT_EQ(value_of(id), u"no session");
+}
+
+TEST_F(MemorySessionsTest, ASecondRequestOfASessionWaitsAndIsRefusedInTheEnd) {
+    const std::string id = create();
+    const auto lease = open(id);
+    try {
+        open(id, 20ms);
+        FAIL() << "two requests have the session";
+    } catch (const Refusal& refusal) {
+        EXPECT_EQ(refusal.status, 503);
+        EXPECT_STREQ(refusal.what(), "Another request of this session takes too long.");
+    }
+}
+
+TEST_F(MemorySessionsTest, ARequestThatWaitedDoesNotGetASessionThatWasRenewedMeanwhile) {
+    const std::string id = create();
+    auto lease = open(id);
+    std::atomic<bool> got = true;
+    std::thread waiting([&] { got = open(id, 5s) != nullptr; });
+    std::this_thread::sleep_for(20ms);
+    lease->renew_id();
+    lease.reset();
+    waiting.join();
+    EXPECT_FALSE(got);
+}
+
+TEST_F(MemorySessionsTest, WhereThereAreTooManyTheOldestUnusedOneGoesFirst) {
+    const std::string used = create(u"used");
+    now_ += 1min;
+    const std::string unused = create();
+    now_ += 1min;
+    const std::string newest = create();
+    create(u"another");
+    EXPECT_EQ(sessions_.count(), 3u);
+    EXPECT_EQ(value_of(unused), u"no session");
+    EXPECT_EQ(value_of(used), u"used");
+    create(u"more");
+    EXPECT_EQ(value_of(newest), u"no session");
+    EXPECT_EQ(value_of(used), u"used");
+}
+
+TEST_F(MemorySessionsTest, ASessionInUseIsNotTakenAway) {
+    std::vector<std::unique_ptr<SessionLease>> leases;
+    for (int i = 0; i < 3; ++i) leases.push_back(sessions_.create());
+    EXPECT_THROW(sessions_.create(), Refusal);
+    leases.pop_back();
+    EXPECT_NE(sessions_.create(), nullptr);
+}
+
+TEST(SessionsUnderThreads, OneRequestAtATimeHasASession) {
+    MemorySessions sessions;
+    const std::string id = sessions.create()->id();
+    constexpr int threads = 8, rounds = 200;
+    std::vector<std::thread> all;
+    std::atomic<int> inside = 0, mixed = 0;
+    for (int i = 0; i < threads; ++i)
+        all.emplace_back([&] {
+            for (int round = 0; round < rounds; ++round) {
+                const auto lease = sessions.open(id, 30s);
+                if (++inside != 1) ++mixed;
+                NamedValues& values = lease->data().values;
+                const Variant before = values.get(u"n");
+                values.put(u"n", (before.is_empty() ? 0 : before.to<std::int32_t>()) + 1);
+                --inside;
+            }
+        });
+    for (std::thread& thread : all) thread.join();
+    EXPECT_EQ(mixed, 0);
+    EXPECT_EQ(sessions.open(id, 0ms)->data().values.get(u"n"), Variant(threads * rounds));
+}
+
+TEST(SessionsUnderThreads, ManyBrowsersDoNotMeet) {
+    MemorySessions sessions({.most = 500});
+    std::vector<std::thread> all;
+    std::atomic<int> mixed = 0;
+    for (int i = 0; i < 8; ++i)
+        all.emplace_back([&, i] {
+            std::string id;
+            for (int round = 0; round < 300; ++round) {
+                auto lease = sessions.open(id, 30s);
+                if (!lease) lease = sessions.create();
+                const Variant owner = lease->data().values.get(u"owner");
+                if (!owner.is_empty() && owner != Variant(i)) ++mixed;
+                lease->data().values.put(u"owner", i);
+                if (round % 7 == 0) lease->renew_id();
+                if (round % 31 == 0) lease->abandon();
+                id = lease->id();
+            }
+        });
+    for (std::thread& thread : all) thread.join();
+    EXPECT_EQ(mixed, 0);
+}
+
+}  // namespace
+}  // namespace orvo::web

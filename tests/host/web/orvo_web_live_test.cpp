@@ -1,0 +1,286 @@
+// The program as it is started: with the component, the suite and a private directory server.
+
+#include <gtest/gtest.h>
+#include <httplib.h>
+
+#include <atomic>
+#include <csignal>
+#include <fstream>
+#include <iterator>
+#include <mutex>
+#include <optional>
+#include <regex>
+#include <thread>
+
+#include "tests/host/web/browser.h"
+#include "tests/support/child_process.h"
+#include "tests/support/slapd.h"
+#include "tests/support/temp_folder.h"
+
+namespace orvo::web {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view login_page = R"(<%
+var result = '';
+if (Request.Form('user').Count) {
+    var validator = Server.CreateObject('OrvoMembership.Validator');
+    try {
+        result = validator.ValidateCredentials(Request.Form('user'), String(Request.Form('password')), '');
+    } catch (e) {
+        result = 'failed';
+    }
+    if (result === 0) Response.Redirect(Server.LocalURL(Request.QueryString('url'), '/account/'));
+}
+%>login <%= result %>)";
+constexpr std::string_view account_page = R"(<%
+var user = Server.CreateObject('OrvoMembership.User');
+%><%= Session('REMOTE_USER') %>|<%= user.CN %>)";
+constexpr std::string_view logout_page = R"(<%
+Application('TavikAuthFilter.Connector').Logout(Session('QUENDRAID'));
+Session.Abandon();
+%>bye)";
+
+std::string text_of(const fs::path& file) {
+    std::ifstream stream(file);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+class OrvoWebTest : public testing::Test {
+protected:
+    static void SetUpTestSuite() { slapd = std::make_unique<PrivateSlapd>(); }
+    static void TearDownTestSuite() { slapd.reset(); }
+
+    OrvoWebTest() {
+        setenv("ORVO_COMPONENTS", (folder_.path() / "components").c_str(), 1);
+        setenv("ORVO_SITE_CONFIG", site_configuration().c_str(), 1);
+        setenv("ORVO_LOG_FILE", (folder_.path() / "orvo.log").c_str(), 1);
+        fs::create_directory(folder_.path() / "components");
+        const std::string bin = ORVO_BIN;
+        output_of({bin + "/orvo-register", bin + "/OrvoMembership.so", bin + "/OrvoSuite.so",
+                   bin + "/OrvoPlatform.so"});
+        write("site.ini", "[SITE]\nGuard = /account/ = 1, /admin/ = 10\n");
+        write("login.asp", login_page);
+        write("logout.asp", logout_page);
+        write("account/default.asp", account_page);
+        write("admin/default.asp", "admin");
+        write("default.asp", "home");
+    }
+
+    fs::path site_configuration() {
+        const fs::path file = folder_.path() / "site.ini";
+        std::string text = text_of(slapd->site_ini());
+        text = std::regex_replace(text, std::regex("MultiLogin=1"),
+                                  "MultiLogin=" + std::to_string(multi_login_));
+        std::ofstream(file) << text;
+        fs::create_directories(folder_.path() / "Config");
+        fs::copy_file(slapd->site_ini().parent_path() / "Config/Directory.ini",
+                      folder_.path() / "Config/Directory.ini",
+                      fs::copy_options::overwrite_existing);
+        return file;
+    }
+    void write(const std::string& path, std::string_view content) {
+        fs::create_directories((site() / path).parent_path());
+        std::ofstream(site() / path) << content;
+    }
+    fs::path site() const { return folder_.path() / "site"; }
+    fs::path log() const { return folder_.path() / "out"; }
+
+    // Starts the program and answers its port, as its first line says it.
+    int start(std::vector<std::string> options = {}) {
+        site_configuration();
+        fs::remove(log());
+        std::vector<std::string> arguments{std::string(ORVO_BIN) + "/orvo-web", site()};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        process_.emplace(arguments, log());
+        std::smatch address;
+        for (int i = 0; i < 2000; ++i) {
+            const std::string said = text_of(log());
+            if (std::regex_search(said, address,
+                                  std::regex("^Listening on http://127\\.0\\.0\\.1:"
+                                             "(\\d+)\n")))
+                return std::stoi(address[1]);
+            if (!process_->running()) break;
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        throw std::runtime_error("it does not listen: " + text_of(log()));
+    }
+    static httplib::Result log_in(Browser& browser, const std::string& user,
+                                  const std::string& password,
+                                  const std::string& address = "/login.asp") {
+        return browser.post(address, {{"user", user}, {"password", password}});
+    }
+
+    static inline std::unique_ptr<PrivateSlapd> slapd;
+    TempFolder folder_;
+    int multi_login_ = 1;
+    std::optional<ChildProcess> process_;
+};
+
+TEST_F(OrvoWebTest, ALoginLeadsBackToThePageThatWasAskedFor) {
+    Browser browser(start());
+    const auto asked = browser.get("/account/?x=1");
+    ASSERT_TRUE(asked);
+    EXPECT_EQ(asked->status, 302);
+    const std::string login = asked->get_header_value("Location");
+    EXPECT_EQ(login, "/login.asp?url=/account/?x=1") << "as this client decodes it";
+
+    const auto wrong = log_in(browser, "jsmith", "wrong", login);
+    EXPECT_EQ(wrong->body, "login -1");
+    EXPECT_EQ(browser.cookies.count("QUENDRAID"), 0u);
+
+    const auto right = log_in(browser, "jsmith", "shop-sample", login);
+    ASSERT_EQ(right->status, 303) << right->body;
+    EXPECT_EQ(right->get_header_value("Location"), "/account/?x=1");
+    std::string cookies;
+    for (std::size_t i = 0; i < right->get_header_value_count("Set-Cookie"); ++i)
+        cookies += right->get_header_value("Set-Cookie", i) + '\n';
+    EXPECT_TRUE(std::regex_search(
+        cookies, std::regex("(^|\n)QUENDRAID=[^;]+; Path=/; HttpOnly; SameSite=Lax\n")))
+        << cookies;
+
+    const auto page = browser.get("/account/?x=1");
+    EXPECT_EQ(page->status, 200) << page->body;
+    EXPECT_EQ(page->body, "jsmith|jsmith");
+    EXPECT_EQ(browser.get("/admin/")->status, 302) << "that is application 10";
+    EXPECT_EQ(browser.get("/logout.asp")->body, "bye");
+    EXPECT_EQ(browser.get("/account/")->status, 302);
+}
+
+TEST_F(OrvoWebTest, AnAdministratorHasApplicationTen) {
+    Browser browser(start());
+    EXPECT_EQ(log_in(browser, "admin", "shop-sample")->status, 303);
+    EXPECT_EQ(browser.get("/admin/")->body, "admin");
+}
+
+TEST_F(OrvoWebTest, ACookieOrASessionAloneOpensNothing) {
+    const int port = start();
+    Browser owner(port);
+    ASSERT_EQ(log_in(owner, "jsmith", "shop-sample")->status, 303);
+    Browser thief(port);
+    thief.cookies["QUENDRAID"] = owner.cookies["QUENDRAID"];
+    EXPECT_EQ(thief.get("/account/")->status, 302);
+    thief.cookies = {{"orvosession", owner.cookies["orvosession"]}};
+    EXPECT_EQ(thief.get("/account/")->status, 302);
+    EXPECT_EQ(owner.get("/account/")->status, 200);
+}
+
+TEST_F(OrvoWebTest, ASessionThatWasPlantedBeforeTheLoginIsOfNoUse) {
+    const int port = start();
+    write("cart.asp", "<% Session('cart') = 1 %>");
+    Browser attacker(port);
+    attacker.get("/cart.asp");
+    Browser victim(port);
+    victim.cookies = attacker.cookies;
+    ASSERT_EQ(log_in(victim, "jsmith", "shop-sample")->status, 303);
+    EXPECT_NE(victim.cookies["orvosession"], attacker.cookies["orvosession"]);
+    attacker.cookies["QUENDRAID"] = victim.cookies["QUENDRAID"];
+    EXPECT_EQ(attacker.get("/account/")->status, 302);
+}
+
+TEST_F(OrvoWebTest, ASecondLoginLeavesTheFirstAliveOrEndsIt) {
+    for (const int multi_login : {1, 0}) {
+        multi_login_ = multi_login;
+        const int port = start();
+        Browser first(port), second(port);
+        ASSERT_EQ(log_in(first, "jsmith", "shop-sample")->status, 303);
+        ASSERT_EQ(log_in(second, "JSmith", "shop-sample")->status, 303);
+        EXPECT_EQ(second.get("/account/")->status, 200);
+        EXPECT_EQ(first.get("/account/")->status, multi_login == 1 ? 200 : 302);
+        process_->send(SIGTERM);
+        EXPECT_EQ(process_->wait(), 0);
+    }
+}
+
+// As long and with as many browsers as the environment says; a few seconds with few otherwise.
+int load(const char* variable, int otherwise) {
+    const char* text = std::getenv(variable);
+    return text ? std::stoi(text) : otherwise;
+}
+
+TEST_F(OrvoWebTest, ManyBrowsersLogInAndOutAndNobodyGetsAnothersPage) {
+    const int port = start();
+    const std::vector<std::string> users{"jsmith", "glee", "admin", "local", "guest", "zeros"};
+    const auto end =
+        std::chrono::steady_clock::now() + std::chrono::seconds(load("ORVO_LOAD_SECONDS", 3));
+    std::atomic<int> wrong = 0, logins = 0;
+    std::mutex lock;
+    std::string first_wrong;
+    auto expect = [&](const httplib::Result& result, int status, const std::string& body) {
+        if (result && result->status == status && (status != 200 || result->body == body)) return;
+        ++wrong;
+        const std::lock_guard guard(lock);
+        if (first_wrong.empty())
+            first_wrong = "expected " + std::to_string(status) + ' ' + body + ", got " +
+                          (result ? std::to_string(result->status) + ' ' + result->body
+                                  : httplib::to_string(result.error()));
+    };
+    std::vector<std::thread> browsers;
+    for (int i = 0; i < load("ORVO_LOAD_BROWSERS", 8); ++i)
+        browsers.emplace_back([&, user = users[static_cast<std::size_t>(i) % users.size()]] {
+            Browser browser(port);
+            do {
+                expect(log_in(browser, user, "shop-sample"), 303, "");
+                for (int page = 0; page < 2; ++page)
+                    expect(browser.get("/account/"), 200, user + "|" + user);
+                expect(browser.get("/logout.asp"), 200, "bye");
+                expect(browser.get("/account/"), 302, "");
+                ++logins;
+            } while (std::chrono::steady_clock::now() < end);
+        });
+    for (std::thread& browser : browsers) browser.join();
+    EXPECT_EQ(wrong, 0) << first_wrong;
+    RecordProperty("logins", logins);
+    process_->send(SIGTERM);
+    EXPECT_EQ(process_->wait(), 0) << text_of(log());
+}
+
+TEST_F(OrvoWebTest, WithoutItsDirectoryItSaysSoAndSetsNothing) {
+    Browser browser(start());
+    EXPECT_EQ(browser.get("/health/ready")->body, "ready\n");
+    slapd->stop();
+    std::this_thread::sleep_for(std::chrono::milliseconds(2100));
+    const auto login = log_in(browser, "jsmith", "shop-sample");
+    EXPECT_EQ(browser.get("/health/live")->status, 200);
+    EXPECT_EQ(browser.get("/health/ready")->status, 503);
+    slapd->start();
+    EXPECT_EQ(login->body, "login failed");
+    EXPECT_TRUE(browser.cookies.empty());
+    EXPECT_EQ(log_in(browser, "jsmith", "shop-sample")->status, 303);
+}
+
+TEST_F(OrvoWebTest, EndsWhenItIsAskedToAndLogsNoSecrets) {
+    const fs::path access = folder_.path() / "access.log";
+    Browser browser(start({"--access-log", access}));
+    ASSERT_EQ(log_in(browser, "jsmith", "shop-sample")->status, 303);
+    browser.get("/default.asp?password=shop-sample");
+    process_->send(SIGINT);
+    EXPECT_EQ(process_->wait(), 0);
+    const std::string all = text_of(access) + text_of(log()) + text_of(folder_.path() / "orvo.log");
+    EXPECT_EQ(all.find("shop-sample"), std::string::npos) << all;
+    EXPECT_EQ(all.find(browser.cookies["QUENDRAID"]), std::string::npos);
+    EXPECT_EQ(all.find(browser.cookies["orvosession"]), std::string::npos);
+    EXPECT_NE(text_of(access).find(" 127.0.0.1 POST /login.asp 303 0 "), std::string::npos)
+        << text_of(access);
+}
+
+TEST_F(OrvoWebTest, SaysWhatIsWrongAndDoesNotStart) {
+    const auto said = [&](std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), std::string(ORVO_BIN) + "/orvo-web");
+        const fs::path file = folder_.path() / "said";
+        ChildProcess process(arguments, file);
+        const int code = process.wait();
+        std::string text = text_of(file);
+        fs::remove(file);
+        return std::to_string(code) + ' ' + text.substr(0, text.find('\n'));
+    };
+    EXPECT_EQ(said({}), "2 orvo-web: which site?");
+    EXPECT_EQ(said({"/none"}), "1 orvo-web: /none: there is no such folder");
+    write("site.ini", "[SITE]\nGuard = /a = 1\n");
+    EXPECT_EQ(said({site()}),
+              "1 orvo-web: site.ini: Guard: \"/a\" does not begin and end with \"/\"");
+}
+
+}  // namespace
+}  // namespace orvo::web

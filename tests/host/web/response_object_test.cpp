@@ -1,0 +1,170 @@
+#include "host/web/response_object.h"
+
+#include <gtest/gtest.h>
+
+#include "host/web/web_app.h"
+#include "platform/abi/enumerator.h"
+#include "platform/abi/late_call.h"
+#include "platform/automation/failure.h"
+#include "platform/automation/values.h"
+#include "tests/host/web/test_site.h"
+
+namespace orvo::web {
+namespace {
+
+static_assert(slot_of<&Response::Cookies> == 15);
+static_assert(slot_of<&Response::Redirect> == 25);
+static_assert(slot_of<&Response::Write> == 26);
+static_assert(slot_of<&Response::put_CacheControl> == 33);
+static_assert(slot_of<&WriteCookie::put_Path> == 10);
+
+class ResponseObjectTest : public testing::Test {
+protected:
+    void write(const Variant& value) { late::call(response_, u"Write", {value}); }
+    Text refusal(const std::function<void()>& action) {
+        try {
+            action();
+            return u"nothing was refused";
+        } catch (const Failure& failure) {
+            EXPECT_EQ(failure.number, 5);
+            EXPECT_EQ(failure.source.substr(0, 8), u"Response");
+            return failure.description;
+        }
+    }
+    PageAnswer& answer() { return page_->answer; }
+    std::string cookie(std::size_t index) { return header_text(*answer().cookies.at(index)); }
+
+    TestSite site_;
+    std::shared_ptr<PageContext> page_ = site_.request({.method = "POST", .target = "/p.asp"});
+    Object response_ = make<ResponseObject>(page_).object();
+};
+
+TEST_F(ResponseObjectTest, WritesValuesAsText) {
+    for (const Variant& value :
+         {Variant(u"é "), Variant(1), Variant(2.5), Variant(), Variant::null(), Variant(true)})
+        write(value);
+    EXPECT_EQ(answer().body, "é 12.5True");
+    EXPECT_THROW(write(Values{1}), Failure);
+    late::call(response_, u"BinaryWrite", {Variant::bytes(std::string_view("\0\xFF", 2))});
+    EXPECT_EQ(answer().body, std::string("é 12.5True\0\xFF", 13));
+    late::call(response_, u"Clear");
+    EXPECT_EQ(answer().body, "");
+}
+
+TEST_F(ResponseObjectTest, AnAnswerHasAnEnd) {
+    const Variant half = Variant::bytes(std::string(32 * 1024 * 1024, 'x'));
+    late::call(response_, u"BinaryWrite", {half});
+    late::call(response_, u"BinaryWrite", {half});
+    EXPECT_THROW(write(u"x"), Failure);
+}
+
+TEST_F(ResponseObjectTest, SetsACookieTheWayComponentsDo) {
+    late::put(response_, u"Cookies", u"{1F-2}", {u"QUENDRAID"});
+    late::put(late::get(response_, u"Cookies", {u"quendraid"}).to<Object>(), u"Path", u"/");
+    EXPECT_EQ(answer().cookies.size(), 1u);
+    EXPECT_EQ(cookie(0), "QUENDRAID=%7B1F-2%7D; Path=/; HttpOnly; SameSite=Lax");
+}
+
+TEST_F(ResponseObjectTest, ACookieHasItsAttributesAndKeys) {
+    const Object made = late::get(response_, u"Cookies", {u"a"}).to<Object>();
+    late::put(made, u"Expires", Date{25569});
+    late::put(made, u"Domain", u"example.org");
+    late::put(made, u"Path", u"/x");
+    late::put(made, u"Secure", true);
+    late::put(made, u"HttpOnly", false);
+    late::put(made, u"SameSite", u"strict");
+    late::put_value(made, u"1", {u"k"});
+    late::put_value(made, u"2", {u"l"});
+    late::put_value(made, u"3", {u"K"});
+    EXPECT_EQ(cookie(0),
+              "a=k=3&l=2; Path=/x; Domain=example.org; Expires=Thu, 01 Jan 1970 00:00:00 GMT; "
+              "Secure; SameSite=Strict");
+    EXPECT_EQ(late::get(made, u"HasKeys"), Variant(true));
+    late::put(made, u"Value", u"plain");
+    EXPECT_EQ(cookie(0).substr(0, 8), "a=plain;");
+    EXPECT_EQ(late::items_of(late::get(response_, u"Cookies").to<Object>()),
+              std::vector<Variant>{u"a"});
+    EXPECT_EQ(refusal([&] { late::put(made, u"SameSite", u"Sometimes"); }),
+              u"SameSite is \"Lax\", \"Strict\" or \"None\", not \"Sometimes\"");
+    EXPECT_EQ(refusal([&] { late::put(response_, u"Cookies", u"x", {u""}); }),
+              u"A cookie needs a name");
+    EXPECT_EQ(refusal([&] { late::put(response_, u"Cookies", u"x", {u"OrvoSession"}); }),
+              u"The session's cookie is the server's own business");
+}
+
+TEST_F(ResponseObjectTest, ACookieOfATlsPageIsSecure) {
+    page_ = site_.request({.target = "/p.asp", .is_secure = true});
+    const Object response = make<ResponseObject>(page_).object();
+    late::put(response, u"Cookies", u"v", {u"c"});
+    EXPECT_EQ(cookie(0), "c=v; Path=/; Secure; HttpOnly; SameSite=Lax");
+}
+
+TEST_F(ResponseObjectTest, HasAStatus) {
+    EXPECT_EQ(late::get(response_, u"Status"), Variant(u"200 OK"));
+    late::put(response_, u"Status", u"404 Not here");
+    EXPECT_EQ(answer().status, 404);
+    EXPECT_EQ(late::get(response_, u"Status"), Variant(u"404 Not here"));
+    for (const char16_t* status : {u"", u"OK", u"99", u"600 x", u"4040", u"199", u"2 0"})
+        EXPECT_EQ(refusal([&] { late::put(response_, u"Status", status); }),
+                  u"A status is like \"404 Not Found\", from 200 to 599; this is \"" +
+                      Text(status) + u"\"");
+}
+
+TEST_F(ResponseObjectTest, HeadersCannotBreakOutOfTheirLine) {
+    late::call(response_, u"AddHeader", {u"X-Test", u"välue"});
+    EXPECT_EQ(answer().headers, (Headers{{"X-Test", "välue"}}));
+    EXPECT_EQ(refusal([&] {
+                  late::call(response_, u"AddHeader", {u"X", u"a\r\nSet-Cookie: b"});
+              }),
+              u"The header has a control character, such as the end of a line");
+    EXPECT_EQ(refusal([&] {
+                  late::call(response_, u"AddHeader", {u"X:Y", u"a"});
+              }),
+              u"\"X:Y\" is no name of a header");
+    EXPECT_EQ(refusal([&] {
+                  late::call(response_, u"AddHeader", {u"content-LENGTH", u"1"});
+              }),
+              u"The header content-LENGTH is the server's own business");
+    EXPECT_EQ(refusal([&] { late::put(response_, u"ContentType", u"text/html\nX: y"); }),
+              u"ContentType has a control character, such as the end of a line");
+    EXPECT_EQ(refusal([&] { late::put(response_, u"CharSet", u"iso-8859-1"); }),
+              u"Pages are sent as UTF-8; CharSet cannot be \"iso-8859-1\"");
+    EXPECT_EQ(refusal([&] { late::call(response_, u"Redirect", {u"/a\r\nX: y"}); }),
+              u"The address has a control character, such as the end of a line");
+    EXPECT_EQ(refusal([&] { late::call(response_, u"Redirect", {u""}); }),
+              u"Redirect needs an address");
+}
+
+TEST_F(ResponseObjectTest, RedirectsAfterAFormSoThatTheBrowserAsksAnew) {
+    write(u"written before");
+    late::call(response_, u"Redirect", {u"/new page?q=é"});
+    EXPECT_EQ(answer().status, 303);
+    EXPECT_EQ(answer().body, "");
+    EXPECT_EQ(answer().headers, (Headers{{"Location", "/new%20page?q=%C3%A9"}}));
+    page_ = site_.request({.target = "/p.asp"});
+    late::call(make<ResponseObject>(page_).object(), u"Redirect", {u"/x"});
+    EXPECT_EQ(answer().status, 302);
+}
+
+TEST_F(ResponseObjectTest, GoesOutAsTheAnswer) {
+    late::put(response_, u"ContentType", u"application/json");
+    late::put(response_, u"Cookies", u"v", {u"c"});
+    write(u"{}");
+    const HttpResponse plain = response_of(answer());
+    EXPECT_EQ(plain.status, 200);
+    EXPECT_EQ(plain.content_type, "application/json; charset=utf-8");
+    EXPECT_EQ(plain.headers, (Headers{{"Cache-Control", "no-store"},
+                                      {"Set-Cookie", "c=v; Path=/; HttpOnly; SameSite=Lax"}}));
+    EXPECT_EQ(plain.body, "{}");
+    late::put(response_, u"Expires", 10);
+    late::put(response_, u"ContentType", u"image/png");
+    const HttpResponse kept = response_of(answer());
+    EXPECT_EQ(kept.content_type, "image/png");
+    EXPECT_EQ(kept.headers.at(1),
+              (std::pair<std::string, std::string>("Cache-Control", "private, max-age=600")));
+    late::put(response_, u"CacheControl", u"public");
+    EXPECT_EQ(response_of(answer()).headers.at(1).second, "public");
+}
+
+}  // namespace
+}  // namespace orvo::web

@@ -1,0 +1,242 @@
+#include "host/web/web_app.h"
+
+#include <gtest/gtest.h>
+
+#include "component/auth/FilterContract.h"
+#include "platform/abi/call.h"
+#include "platform/automation/values.h"
+#include "suite/authfilter/filter_connector.h"
+#include "tests/host/web/test_site.h"
+
+namespace orvo::web {
+namespace {
+
+TEST(DecodedPath, IsOfThisSiteOrRefused) {
+    EXPECT_EQ(decoded_path("/"), "/");
+    EXPECT_EQ(decoded_path("/a%20b/c.asp?x=%zz"), "/a b/c.asp");
+    EXPECT_EQ(decoded_path("/%C3%A9/"), "/é/");
+    for (const char* target :
+         {"",          "*",    "a",    "http://h/", "/../x",   "/a/../b",    "/%2e%2e/x",
+          "/a/%2E./b", "/./a", "//a",  "/a//b",     "/a\\b",   "/%5c..%5cx", "/a%00b",
+          "/%0a",      "/%",   "/%zz", "/%C3",      "/%c0%af", "/a/..",      "/."}) {
+        try {
+            decoded_path(target);
+            ADD_FAILURE() << target << " was accepted";
+        } catch (const Refusal& refusal) {
+            EXPECT_EQ(refusal.status, 400) << target;
+        }
+    }
+}
+
+class WebAppTest : public testing::Test {
+protected:
+    WebAppTest() {
+        const auto& filter = class_of<authfilter::FilterConnectorObject>;
+        connector_.emplace(from_utf8(filter.progid), filter.clsid,
+                           [] { return make<authfilter::FilterConnectorObject>().object(); });
+        pages_.write("/default.asp", "home");
+        pages_.write("/sub/index.html", "<p>sub</p>");
+        pages_.write("/style.css", "p{}");
+        pages_.write("/secret.inc", "secret");
+        pages_.write("/.hidden.txt", "secret");
+        pages_.write("/site.ini",
+                     "[SITE]\nGuard = /account/ = 1, /login/ = 1\n"
+                     "LoginPage = /login/login.asp\nLoginCookie = LoginID\n"
+                     "PageTimeout = 1\n");
+        pages_.write("/account/default.asp", "account");
+        pages_.write("/account/logo.svg", "<svg/>");
+        pages_.write("/login/login.asp",
+                     "<% Session('QUENDRAID') = 'G1'; Session('REMOTE_ACCOUNT') = 'cn=a';"
+                     "   Response.Cookies('LoginID') = 'G1' %>in");
+        pages_.write("/fail.asp",
+                     "<% Session('kept') = 1; Response.Cookies('lost') = 1;\n"
+                     "unknown(); %>");
+        pages_.write("/kept.asp", "<%= Session('kept') %>");
+        pages_.write("/form.asp", "<%= Request.Form('a') %>");
+    }
+
+    WebApp& app() {
+        if (!app_)
+            app_.emplace(read_site(pages_.root), pages_.sessions, health_, log_,
+                         WebApp::Options{shows_details_, std::chrono::milliseconds(50)});
+        return *app_;
+    }
+    HttpResponse get(const std::string& target, Headers headers = {}) {
+        return app().handle({.target = target, .headers = std::move(headers)});
+    }
+    std::string header(const HttpResponse& response, std::string_view name) {
+        std::string all;
+        for (const auto& [key, value] : response.headers)
+            if (key == name) all += (all.empty() ? "" : "\n") + value;
+        return all;
+    }
+    // "name=value" of all cookies that an answer sets.
+    std::string cookies(const HttpResponse& response) {
+        std::string all;
+        for (const auto& [key, value] : response.headers)
+            if (key == "Set-Cookie") all += value.substr(0, value.find(';')) + "; ";
+        return all;
+    }
+
+    TestSite pages_;
+    std::optional<LocalClass> connector_;
+    std::string trouble_;
+    DirectoryHealth health_{[this] {
+        if (!trouble_.empty()) throw std::runtime_error(trouble_);
+    }};
+    WebLog log_{{}};
+    bool shows_details_ = false;
+    std::optional<WebApp> app_;
+};
+
+TEST_F(WebAppTest, ServesPagesAndFiles) {
+    EXPECT_EQ(get("/").body, "home");
+    EXPECT_EQ(get("/default.asp?x=1").body, "home");
+    EXPECT_EQ(get("/sub/").body, "<p>sub</p>");
+    const HttpResponse style = get("/style.css");
+    EXPECT_EQ(style.content_type, "text/css; charset=utf-8");
+    EXPECT_EQ(style.body, "p{}");
+    const HttpResponse moved = get("/sub?a=1");
+    EXPECT_EQ(moved.status, 301);
+    EXPECT_EQ(header(moved, "Location"), "/sub/?a=1");
+}
+
+TEST_F(WebAppTest, KeepsToItselfWhatIsNotForBrowsers) {
+    for (const char* target : {"/secret.inc", "/site.ini", "/.hidden.txt", "/none.asp", "/none/",
+                               "/default.asp/x", "/default.asp/", "/DEFAULT.asp"})
+        EXPECT_EQ(get(target).status, 404) << target;
+    EXPECT_EQ(get("/../default.asp").status, 400);
+    const HttpResponse odd = app().handle({.method = "DELETE", .target = "/"});
+    EXPECT_EQ(odd.status, 405);
+    EXPECT_EQ(header(odd, "Allow"), "GET, HEAD, POST");
+    EXPECT_EQ(app().handle({.method = "POST", .target = "/style.css"}).status, 405);
+}
+
+TEST_F(WebAppTest, EveryAnswerCarriesTheSecurityHeaders) {
+    for (const char* target : {"/", "/style.css", "/none", "/account/", "/health/live"}) {
+        const HttpResponse response = get(target);
+        EXPECT_EQ(header(response, "X-Content-Type-Options"), "nosniff") << target;
+        EXPECT_EQ(header(response, "X-Frame-Options"), "DENY") << target;
+        EXPECT_EQ(header(response, "Referrer-Policy"), "same-origin") << target;
+        EXPECT_EQ(header(response, "Content-Security-Policy"),
+                  "frame-ancestors 'none'; base-uri 'self'; form-action 'self'; object-src 'none'")
+            << target;
+    }
+    pages_.write("/own.asp", "<% Response.AddHeader('X-Frame-Options', 'SAMEORIGIN') %>");
+    EXPECT_EQ(header(get("/own.asp"), "X-Frame-Options"), "SAMEORIGIN");
+}
+
+TEST_F(WebAppTest, AGuardedPathLeadsToTheLogin) {
+    for (const char* target : {"/account/", "/account/default.asp", "/account/logo.svg",
+                               "/account/none.asp", "/account/%64efault.asp"}) {
+        const HttpResponse response = get(target);
+        EXPECT_EQ(response.status, 302) << target;
+        EXPECT_EQ(header(response, "Location").substr(0, 34), "/login/login.asp?url=%2Faccount%2F")
+            << target;
+        EXPECT_EQ(response.body, "");
+    }
+    EXPECT_EQ(header(get("/account/?a=1&b=c"), "Location"),
+              "/login/login.asp?url=%2Faccount%2F%3Fa%3D1%26b%3Dc");
+    EXPECT_EQ(app().handle({.method = "POST", .target = "/account/", .headers = {}}).status, 303);
+}
+
+TEST_F(WebAppTest, ALoginOpensTheGuardedPathAndGivesTheSessionANewIdentifier) {
+    const HttpResponse login = get("/login/login.asp");
+    EXPECT_EQ(login.body, "in") << "the login page itself is open to everybody";
+    const std::string browser = cookies(login);
+    EXPECT_EQ(get("/account/", {{"Cookie", browser}}).status, 302) << "the filter does not know it";
+    const auto connector =
+        Ref<FilterConnector>::from(app().application().get(filter_connector_progid).to<Object>());
+    const auto user = call<&FilterConnector::CreateUserWithGUID>(connector, u"G1");
+    call<&FilterUser::put_AccountPath>(user, u"cn=a");
+    call<&FilterUser::Save>(user);
+    call<&FilterConnector::RegisterLogin>(connector, u"a", Values{1}, u"G1", std::int16_t{1}, 10);
+    EXPECT_EQ(get("/account/", {{"Cookie", browser}}).body, "account");
+    EXPECT_EQ(get("/account/logo.svg", {{"Cookie", browser}}).body, "<svg/>");
+    call<&FilterConnector::Logout>(connector, u"G1");
+    EXPECT_EQ(get("/account/", {{"Cookie", browser}}).status, 302);
+}
+
+TEST_F(WebAppTest, AFailedPageSaysSoWithoutItsReasonsAndKeepsTheSession) {
+    testing::internal::CaptureStderr();
+    const HttpResponse response = get("/fail.asp");
+    const std::string log = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(response.status, 500);
+    EXPECT_NE(response.body.find("<p>The page could not be shown.</p>"), std::string::npos);
+    EXPECT_EQ(response.body.find("unknown"), std::string::npos);
+    EXPECT_NE(log.find(" /fail.asp: /fail.asp, line 2: ReferenceError: identifier 'unknown' "
+                       "undefined\n"),
+              std::string::npos)
+        << log;
+    const std::string browser = cookies(response);
+    EXPECT_EQ(browser.substr(0, 12), "orvosession=");
+    EXPECT_EQ(browser.find("lost"), std::string::npos);
+    EXPECT_EQ(get("/kept.asp", {{"Cookie", browser}}).body, "1");
+}
+
+TEST_F(WebAppTest, ShowsReasonsWhereThatIsAskedForAndEncodesThem) {
+    shows_details_ = true;
+    pages_.write("/tag.asp", "\n<% throw new Error('<b>') %>");
+    testing::internal::CaptureStderr();
+    const std::string body = get("/tag.asp").body;
+    testing::internal::GetCapturedStderr();
+    EXPECT_NE(body.find("/tag.asp, line 2: "), std::string::npos) << body;
+    EXPECT_NE(body.find("&lt;b&gt;"), std::string::npos) << body;
+    EXPECT_EQ(body.find("<b>"), std::string::npos) << body;
+}
+
+TEST_F(WebAppTest, APageThatTakesTooLongIsStopped) {
+    pages_.write("/loop.asp", "<% for (;;); %>");
+    testing::internal::CaptureStderr();
+    const HttpResponse response = get("/loop.asp");
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(response.status, 500);
+    EXPECT_NE(response.body.find("<p>The page took too long and was stopped.</p>"),
+              std::string::npos);
+    EXPECT_EQ(get("/").body, "home");
+}
+
+TEST_F(WebAppTest, AFormThatCannotBeReadIsRefused) {
+    const HttpResponse response =
+        app().handle({.method = "POST",
+                      .target = "/form.asp",
+                      .headers = {{"Content-Type", "multipart/form-data; boundary=X"}},
+                      .body = "nothing"});
+    EXPECT_EQ(response.status, 400);
+    EXPECT_NE(response.body.find("The form cannot be read: its boundary is not in it."),
+              std::string::npos);
+}
+
+TEST_F(WebAppTest, TellsItsHealth) {
+    EXPECT_EQ(get("/health/live").body, "alive\n");
+    EXPECT_EQ(get("/health/ready").body, "ready\n");
+    EXPECT_EQ(get("/health/other").status, 404);
+}
+
+TEST_F(WebAppTest, IsAliveButNotReadyWithoutItsDirectory) {
+    trouble_ = "no server at 10.0.0.1";
+    EXPECT_EQ(get("/health/live").status, 200);
+    const HttpResponse ready = get("/health/ready");
+    EXPECT_EQ(ready.status, 503);
+    EXPECT_EQ(ready.body, "directory unreachable\n");
+}
+
+TEST_F(WebAppTest, OneSessionIsServedOneRequestAtATime) {
+    const auto lease = pages_.sessions.create();
+    const HttpResponse response = get("/kept.asp", {{"Cookie", "orvosession=" + lease->id()}});
+    EXPECT_EQ(response.status, 503);
+    EXPECT_NE(response.body.find("Another request of this session takes too long."),
+              std::string::npos);
+    EXPECT_EQ(get("/style.css", {{"Cookie", "orvosession=" + lease->id()}}).status, 200)
+        << "files need no session";
+}
+
+TEST_F(WebAppTest, DoesNotStartWithGuardsAndWithoutAFilter) {
+    pages_.write("/site.ini", "[SITE]\nGuard = /account/ = 1\nLoginCookie = LoginID\n");
+    const Site site = read_site(pages_.root);
+    connector_.reset();
+    EXPECT_THROW(WebApp(site, pages_.sessions, health_, log_, {}), Failure);
+}
+
+}  // namespace
+}  // namespace orvo::web
