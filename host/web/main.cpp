@@ -2,6 +2,7 @@
 
 #include <iostream>
 
+#include "host/web/directory_setup.h"
 #include "host/web/memory_sessions.h"
 #include "host/web/options.h"
 #include "host/web/stop_signals.h"
@@ -15,6 +16,7 @@ using namespace orvo::web;
 void serve(const Options& options) {
     hold_stop_signals();
     Site site = read_site(options.site);
+    set_up_directory(site);
     MemorySessions sessions({.timeout = site.session_timeout, .absolute = site.session_lifetime});
     DirectoryHealth health;
     WebLog log(options.access_log);

@@ -66,6 +66,19 @@ GuardedPath guarded_path(const Text& text) {
     return {to_utf8(path), Variant(number).to<std::int32_t>()};
 }
 
+// What the values may be is the provider's.
+std::vector<ProviderSetting> provider_settings(const Reader& reader, TextView key) {
+    std::vector<ProviderSetting> settings;
+    for (const Text& text : reader.list(key)) {
+        const auto equals = text.find(u'=');
+        if (equals == Text::npos || equals == 0)
+            refuse(key, u"\"" + text + u"\" is not \"Name = value\"");
+        settings.push_back({trimmed(TextView(text).substr(0, equals)),
+                            trimmed(TextView(text).substr(equals + 1))});
+    }
+    return settings;
+}
+
 void read_settings(const Reader& reader, Site& site) {
     if (const Text* page = reader.find(u"LoginPage")) {
         if (!is_local_url(*page) || page->find(u'?') != Text::npos)
@@ -83,6 +96,8 @@ void read_settings(const Reader& reader, Site& site) {
         std::chrono::seconds(reader.number(u"PageTimeout", site.page_timeout.count(), 1, 3600));
     site.largest_request = static_cast<std::size_t>(reader.number(
         u"LargestRequest", static_cast<std::int64_t>(site.largest_request), 1024, 1 << 30));
+    site.directory_pool = provider_settings(reader, u"DirectoryPool");
+    site.directory_cache = provider_settings(reader, u"DirectoryCache");
     if (reader.find(u"DefaultPages")) {
         site.default_pages.clear();
         for (const Text& page : reader.list(u"DefaultPages"))

@@ -16,6 +16,9 @@
 //     LargestRequest = 1048576
 //     ; looked for in this order where an address names a folder
 //     DefaultPages = default.asp, index.html
+//     ; handed to the directory provider (docs/provider.md) before the first page
+//     DirectoryPool = MaximumSize = 32, IdleLimit = 60
+//     DirectoryCache = Entries = 1000, TimeToLive = 5
 //     ContentSecurityPolicy = frame-ancestors 'none'; base-uri 'self'; form-action 'self'
 
 #include <chrono>
@@ -32,6 +35,13 @@ struct GuardedPath {
     bool operator==(const GuardedPath&) const = default;
 };
 
+// A setting of the directory provider's.
+struct ProviderSetting {
+    Text name;
+    Text value;
+    bool operator==(const ProviderSetting&) const = default;
+};
+
 struct Site {
     std::filesystem::path root;  // canonical
     std::string login_page = "/login.asp";
@@ -41,6 +51,8 @@ struct Site {
     std::chrono::minutes session_lifetime{720};
     std::chrono::seconds page_timeout{30};
     std::size_t largest_request = 1024 * 1024;
+    std::vector<ProviderSetting> directory_pool = {};
+    std::vector<ProviderSetting> directory_cache = {};
     std::vector<std::string> default_pages{"default.asp", "index.html"};
     std::string content_security_policy =
         "frame-ancestors 'none'; base-uri 'self'; form-action 'self'; object-src 'none'";

@@ -280,6 +280,18 @@ TEST_F(OrvoWebTest, SaysWhatIsWrongAndDoesNotStart) {
     write("site.ini", "[SITE]\nGuard = /a = 1\n");
     EXPECT_EQ(said({site()}),
               "1 orvo-web: site.ini: Guard: \"/a\" does not begin and end with \"/\"");
+    write("site.ini", "[SITE]\nDirectoryPool = NoSuchThing = 1\n");
+    EXPECT_NE(said({site()}).find("NoSuchThing"), std::string::npos)
+        << "what the provider refuses is told by name";
+}
+
+TEST_F(OrvoWebTest, HandsSettingsOfPoolAndCacheToTheProvider) {
+    write("site.ini",
+          "[SITE]\nGuard = /account/ = 1\nDirectoryPool = MaximumSize = 3\n"
+          "DirectoryCache = Entries = 10, TimeToLive = 60\n");
+    Browser browser(start());
+    ASSERT_EQ(log_in(browser, "jsmith", "shop-sample")->status, 303);
+    EXPECT_EQ(browser.get("/account/")->body, "jsmith|jsmith");
 }
 
 }  // namespace

@@ -43,6 +43,7 @@ TEST_F(SiteTest, IsSettledByItsFile) {
     const Site site = read(
         "LoginPage = /in/login.asp\nGuard = /account/ = 1, /admin/=10\nLoginCookie = ID\n"
         "SessionTimeout = 5\nSessionLifetime = 60\nPageTimeout = 3\nLargestRequest = 2048\n"
+        "DirectoryPool = MaximumSize = 32, IdleLimit=60\nDirectoryCache = Entries = 9\n"
         "DefaultPages = start.asp\nContentSecurityPolicy = default-src 'self'\n");
     EXPECT_EQ(site.login_page, "/in/login.asp");
     EXPECT_EQ(site.guards, (std::vector<GuardedPath>{{"/account/", 1}, {"/admin/", 10}}));
@@ -51,6 +52,9 @@ TEST_F(SiteTest, IsSettledByItsFile) {
     EXPECT_EQ(site.session_lifetime, std::chrono::minutes(60));
     EXPECT_EQ(site.page_timeout, std::chrono::seconds(3));
     EXPECT_EQ(site.largest_request, 2048u);
+    EXPECT_EQ(site.directory_pool,
+              (std::vector<ProviderSetting>{{u"MaximumSize", u"32"}, {u"IdleLimit", u"60"}}));
+    EXPECT_EQ(site.directory_cache, (std::vector<ProviderSetting>{{u"Entries", u"9"}}));
     EXPECT_EQ(site.default_pages, std::vector<std::string>{"start.asp"});
     EXPECT_EQ(site.content_security_policy, "default-src 'self'");
 }
@@ -68,6 +72,9 @@ TEST_F(SiteTest, RefusesWhatCannotBeAndSaysWhere) {
               u"site.ini: Guard: \"account/\" does not begin and end with \"/\""},
              {"Guard = /a/ = one", u"site.ini: Guard: \"one\" is no number of an application"},
              {"Guard = /a/ =", u"site.ini: Guard: \"\" is no number of an application"},
+             {"DirectoryPool = 5", u"site.ini: DirectoryPool: \"5\" is not \"Name = value\""},
+             {"DirectoryCache = Entries = 5, = 6",
+              u"site.ini: DirectoryCache: \"= 6\" is not \"Name = value\""},
              {"LoginPage = http://x/",
               u"site.ini: LoginPage: \"http://x/\" is no path of the site"},
              {"SessionTimeout = 0",
