@@ -110,6 +110,12 @@ std::optional<Description> read_description(std::string_view text) {
             result.type.names = std::move(values);
         } else if (*word == "SUP" && !values.empty()) {
             result.superior = ascii::lower(values.front());
+        } else if (*word == "EQUALITY" && !values.empty()) {
+            result.type.equality = values.front();
+        } else if (*word == "ORDERING" && !values.empty()) {
+            result.type.ordering = values.front();
+        } else if (*word == "SUBSTR" && !values.empty()) {
+            result.type.substrings = values.front();
         } else if (*word == "SYNTAX" && !values.empty()) {
             const std::string& syntax = values.front();
             result.type.syntax = syntax_of(syntax.substr(0, syntax.find('{')));
@@ -122,6 +128,15 @@ std::optional<Description> read_description(std::string_view text) {
 
 // A schema that names a type as its own superior, however indirectly, ends the walk here.
 constexpr int deepest_inheritance = 32;
+
+// Fills in what the type has not said itself.
+void inherit(AttributeType& type, bool& has_syntax, const Description& superior) {
+    if (!has_syntax && superior.has_syntax) type.syntax = superior.type.syntax;
+    has_syntax = has_syntax || superior.has_syntax;
+    if (type.equality.empty()) type.equality = superior.type.equality;
+    if (type.ordering.empty()) type.ordering = superior.type.ordering;
+    if (type.substrings.empty()) type.substrings = superior.type.substrings;
+}
 
 }  // namespace
 
@@ -155,11 +170,13 @@ AttributeTypes AttributeTypes::from_descriptions(std::span<const std::string> de
         return found == read.end() ? nullptr : &found->second;
     };
     for (auto& [oid, description] : read) {
-        const Description* owner = &description;
-        for (int depth = 0; owner && !owner->has_syntax && depth < deepest_inheritance; ++depth)
-            owner = find_read(owner->superior);
         AttributeType& type = result.types_.emplace_back(description.type);
-        if (owner) type.syntax = owner->type.syntax;
+        const Description* owner = &description;
+        bool has_syntax = description.has_syntax;
+        for (int depth = 0; owner && depth < deepest_inheritance; ++depth) {
+            inherit(type, has_syntax, *owner);
+            owner = owner->superior.empty() ? nullptr : find_read(owner->superior);
+        }
         result.by_name_[oid] = &type;
         for (const std::string& name : type.names) result.by_name_[ascii::lower(name)] = &type;
     }

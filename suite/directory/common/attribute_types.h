@@ -20,6 +20,11 @@ struct AttributeType {
     std::vector<std::string> names;  // the first is the preferred one
     Syntax syntax = Syntax::text;
     bool single_value = false;
+    // The matching rules, by name or number as the schema has them; empty: none, and such items of
+    // a filter are undefined.
+    std::string equality = {};
+    std::string ordering = {};
+    std::string substrings = {};
 };
 
 // An attribute description taken apart: "cn;lang-de" is the type "cn" with the option "lang-de".
@@ -38,8 +43,8 @@ public:
     AttributeTypes& operator=(AttributeTypes&&) = default;
 
     // From attribute type descriptions as a subschema entry lists them (RFC 4512, 4.1.2). A type
-    // without a syntax of its own has its superior's. A description that cannot be read is left
-    // out: its attribute is then one that the schema does not know.
+    // without a syntax or a matching rule of its own has its superior's. A description that cannot
+    // be read is left out: its attribute is then one that the schema does not know.
     static AttributeTypes from_descriptions(std::span<const std::string> descriptions);
 
     bool empty() const { return types_.empty(); }

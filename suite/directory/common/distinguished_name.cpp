@@ -199,8 +199,50 @@ Text container_name(TextView container) {
     return result;
 }
 
+Text escaped_value(TextView value) {
+    Text result;
+    for (std::size_t at = 0; at < value.size(); ++at) {
+        const char16_t c = value[at];
+        const bool is_first = at == 0;
+        const bool is_last = at + 1 == value.size();
+        if (c == u'\0') {
+            result += u"\\00";
+            continue;
+        }
+        if (TextView(u"\"+,;<>\\").find(c) != TextView::npos || (c == u'#' && is_first) ||
+            (c == u' ' && (is_first || is_last)))
+            result += u'\\';
+        result += c;
+    }
+    return result;
+}
+
+Text escaped_name(TextView relative_name) {
+    const std::size_t sign = relative_name.find(u'=');
+    if (sign == TextView::npos || DistinguishedName::try_parse(relative_name))
+        return Text(relative_name);
+    return Text(relative_name.substr(0, sign + 1)) + escaped_value(relative_name.substr(sign + 1));
+}
+
+// Nowhere does a spelling of the container have more commas than its key.
+std::optional<Text> name_below(TextView written, const DistinguishedName& container) {
+    const std::string key = container.key();
+    auto commas = std::count(key.begin(), key.end(), ',') + 1;
+    for (std::size_t comma = written.rfind(u','); comma != TextView::npos && commas > 0;
+         comma = comma == 0 ? TextView::npos : written.rfind(u',', comma - 1), --commas) {
+        const TextView relative = written.substr(0, comma);
+        const Text rest = container_name(written.substr(comma + 1));
+        if (DistinguishedName::try_parse(rest) != container) continue;
+        if (trimmed(relative).empty()) return std::nullopt;
+        return entry_name(relative, rest);
+    }
+    const auto whole = DistinguishedName::try_parse(written);
+    if (!whole || !whole->is_below(container)) return std::nullopt;
+    return Text(written);
+}
+
 Text entry_name(TextView relative_name, TextView container) {
-    Text result(relative_name);
+    Text result = escaped_name(relative_name);
     if (!relative_name.empty() && !container.empty()) result += u',';
     return result += container;
 }

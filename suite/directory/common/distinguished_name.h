@@ -38,7 +38,22 @@ private:
 // from the top down with "/" ("o=Shop/ou=Users"), which are turned round. Nothing is escaped.
 Text container_name(TextView container);
 
-// The entry `relative_name` below `container`; either may be empty.
+// A value as distinguished names hold it (RFC 4514, 2.4): what would mean something else there is
+// escaped.
+Text escaped_value(TextView value);
+
+// A relative name as its callers put it together, "cn=" and a plain name: as it stands where it can
+// be read as a distinguished name ("cn=Smith\\, John", "cn=a,ou=Staff"); otherwise what is behind
+// the first "=" is a value as it is ("cn=Smith, John"), and is escaped. Without "=", as it stands.
+Text escaped_name(TextView relative_name);
+
+// The entry `relative_name`, which escaped_name is applied to, below `container`; either may be
+// empty.
 Text entry_name(TextView relative_name, TextView container);
+
+// The full name of an entry below `container`, of what callers put together: a relative name, ","
+// and the container, which may be spelled in any way and also from the top down with "/". Nothing
+// where the text does not end in the container, or names the container itself.
+std::optional<Text> name_below(TextView written, const DistinguishedName& container);
 
 }  // namespace orvo::directory

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "suite/directory/common/listing_order.h"
+
 namespace orvo::directory {
 namespace {
 
@@ -66,6 +68,7 @@ private:
     Kind kind_;
     bool undefined_ = false;  // for every entry
     bool of_name_ = false;
+    std::optional<ListingBound> listing_bound_;  // for the order of lists
     MatchingRule rule_ = MatchingRule::case_ignore;
     std::string attribute_;
     std::string key_;
@@ -85,6 +88,10 @@ FilterMatcher::Node::Node(const Filter& filter, const MatchingLookup& lookup)
 void FilterMatcher::Node::prepare_item(const Filter& filter, const MatchingLookup& lookup) {
     const std::optional<AttributeMatching> matching = lookup(attribute_);
     const bool ordering = kind_ == Kind::at_least || kind_ == Kind::at_most;
+    if (matching && matching->listed && ordering) {
+        listing_bound_.emplace(filter.value);
+        return;
+    }
     undefined_ = !matching || (ordering && !(matching->ordered && has_order(matching->rule))) ||
                  (kind_ == Kind::substrings && !(matching->substrings && is_text(matching->rule)));
     if (undefined_ || kind_ == Kind::presence) return;
@@ -123,7 +130,10 @@ Truth FilterMatcher::Node::evaluate(const MatchedEntry& entry, const MatchingLoo
     if (undefined_) return Truth::undefined;
     if (attribute_.empty()) return matches_some_attribute(entry, lookup) ? Truth::yes : Truth::no;
     std::vector<std::string_view> values;
-    entry.append_values(attribute_, values);
+    if (listing_bound_)
+        entry.append_listed_values(attribute_, values);
+    else
+        entry.append_values(attribute_, values);
     if (of_name_) entry.append_name_values(attribute_, values);
     return matches_any(values) ? Truth::yes : Truth::no;
 }
@@ -165,6 +175,11 @@ bool FilterMatcher::Node::matches_some_attribute(const MatchedEntry& entry,
 
 bool FilterMatcher::Node::matches(std::string_view value) const {
     if (kind_ == Kind::presence) return true;
+    if (listing_bound_) {
+        const std::string key = listing_key(value);
+        return kind_ == Kind::at_least ? listing_bound_->is_reached_by(key)
+                                       : listing_bound_->covers(key);
+    }
     const std::optional<std::string> key = matching_key(rule_, value);
     if (!key) return false;
     switch (kind_) {

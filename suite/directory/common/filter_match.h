@@ -22,6 +22,7 @@ struct AttributeMatching {
     MatchingRule rule = MatchingRule::case_ignore;
     bool ordered = true;     // ">=" and "<=" are possible, as far as the rule has an order
     bool substrings = true;  // and pieces of values, as far as the rule is one for text
+    bool listed = false;     // ">=" and "<=" go by the order of lists (listing_order.h) instead
 };
 
 // The lookup of an attribute by its description as the filter spells it; nothing for one that the
@@ -37,6 +38,11 @@ public:
     virtual ~MatchedEntry() = default;
     virtual void append_values(std::string_view attribute,
                                std::vector<std::string_view>& values) const = 0;
+    // The values that place the entry in a list by this attribute, for the order of lists.
+    virtual void append_listed_values(std::string_view attribute,
+                                      std::vector<std::string_view>& values) const {
+        append_values(attribute, values);
+    }
     // The names of all its attributes, for items that have a rule and no attribute.
     virtual void append_attributes(std::vector<std::string_view>& names) const = 0;
     // The values of the attribute in the entry's own distinguished name and in those above it, and

@@ -3,11 +3,12 @@
 #include <algorithm>
 #include <utility>
 
-#include "suite/directory/common/ascii.h"
 #include "suite/directory/common/attribute_values.h"
 #include "suite/directory/common/distinguished_name.h"
 #include "suite/directory/common/password_hash.h"
+#include "suite/directory/ldap/attribute_lookup.h"
 #include "suite/directory/ldap/failures.h"
+#include "suite/directory/ldap/password_value.h"
 #include "suite/directory/ldap/write_marks.h"
 
 namespace orvo::directory::ldap {
@@ -29,77 +30,75 @@ std::vector<std::string> names_in(const Variant& attributes) {
     return names;
 }
 
-bool is_password(const std::string& name) {
-    const std::string type = AttributeDescription(name).type;
-    return type == "userpassword" || type == "2.5.4.35";
-}
-
-// The single value of a password: none to remove it.
-Secret password_in(const Variant& value) {
-    if (value.is_array() && !value.try_bytes()) {
-        const Values values = value.to<Values>();
-        if (values.count() == 0) return {};
-        if (values.count() > 1) raise_runtime_error(runtime_error::type_mismatch);
-        return password_in(values[values.lower_bound()]);
-    }
-    if (std::optional<std::string> bytes = value.try_bytes()) return Secret::of_bytes(*bytes);
-    if (value.is_text()) return Secret(value.text_view());
-    return Secret(value.to<Text>());
-}
-
-// Notes a write when it is over, whatever came of it: one that timed out may have been done.
-class NotedWrite {
-public:
-    explicit NotedWrite(const std::string& entry) : entry_(entry) {}
-    ~NotedWrite() { note_write(entry_); }
-    NotedWrite(const NotedWrite&) = delete;
-
-private:
-    const std::string& entry_;
-};
-
 }  // namespace
 
 void LdapEntry::Bind(Text& server, Text& container, Text& common_name, Text& user, Text& password,
                      Variant& attributes) {
-    session_.reset();
+    login_.reset();
     facts_.reset();
     fetched_ = {};
-    login_.emplace(server, user, password, limits_);
+    ServerLogin login(server, user, password, limits_);
     const Text name = entry_name(common_name, container_name(container));
     name_ = to_utf8(name);
     const auto parsed = DistinguishedName::try_parse(name);
     key_ = parsed ? parsed->key() : name_;
-    fetched_.asked = names_in(attributes);
 
-    Session session = login_->connect();
-    fetched_.write_mark = write_mark(key_);
-    std::vector<std::string> wanted = fetched_.asked;
-    wanted.push_back(wanted.empty() ? no_attributes : all_user_attributes);
-    fetched_.at = steady_clock::now();
-    ReadResult read = session.read(name_, wanted);
-    check(read);
-    fetched_.entry = std::move(read.entry);
-    std::erase_if(fetched_.entry.attributes,
-                  [](const Attribute& attribute) { return is_password(attribute.name); });
-    session_ = std::move(session);
+    const std::vector<std::string> asked = names_in(attributes);
+    if (is_cached(login, asked)) {
+        login.authenticate();
+    } else {
+        fetched_ = read(login, asked, asked.empty() ? no_attributes : all_user_attributes);
+        std::erase_if(fetched_.asked, is_password);
+        std::erase_if(fetched_.entry.attributes,
+                      [](const Attribute& attribute) { return is_password(attribute.name); });
+    }
+    login_ = std::move(login);
 }
 
-// Runs an operation that may be repeated, once more where the server has closed the connection.
-template <class Operation>
-auto LdapEntry::on_session(Operation operation) {
-    auto result = operation(*session_);
-    if (result.code == result_code::server_down) {
-        session_ = login_->connect();
-        result = operation(*session_);
-    }
-    return result;
+CacheKey LdapEntry::cache_key(const ServerLogin& login) const {
+    return {login.server_key(), login.user(), name_, key_};
+}
+
+std::shared_ptr<const KnownEntry> LdapEntry::try_cached(const ServerLogin& login) const {
+    EntryCache& cache = EntryCache::of_process();
+    return cache.is_on() ? cache.find(cache_key(login)) : nullptr;
+}
+
+// Whether the cache knows what Bind would fetch. An entry that it knows is there.
+bool LdapEntry::is_cached(const ServerLogin& login, const std::vector<std::string>& asked) const {
+    const auto known = try_cached(login);
+    return known && (known->is_whole || asked.empty());
+}
+
+// What is asked for by name and, where it is not null, `more`.
+LdapEntry::Fetched LdapEntry::read(ServerLogin& login, const std::vector<std::string>& asked,
+                                   const char* more) const {
+    std::vector<std::string> wanted = asked;
+    if (more) wanted.push_back(more);
+    Fetched fetched;
+    fetched.asked = asked;
+    ReadResult result = login.run([&](Session& session) {
+        fetched.write_mark = write_mark(key_);
+        fetched.at = steady_clock::now();
+        return session.read(name_, wanted);
+    });
+    check(result);
+    fetched.entry = std::move(result.entry);
+    if (EntryCache& cache = EntryCache::of_process(); cache.is_on())
+        cache.add(cache_key(login), {fetched.entry.attributes, asked, more == all_user_attributes},
+                  fetched.at, fetched.write_mark);
+    return fetched;
+}
+
+Result LdapEntry::change(const std::function<Result(Session&)>& operation) {
+    return login_->run(operation);
 }
 
 const ServerFacts& LdapEntry::facts() {
+    if (!facts_) facts_ = stored_facts(login_->server_key());
     if (!facts_) {
         FactsResult result =
-            on_session([&](Session& session) { return facts_of(session, login_->server_key()); });
+            login_->run([&](Session& session) { return facts_of(session, login_->server_key()); });
         check(result);
         facts_ = std::move(result.facts);
     }
@@ -110,18 +109,11 @@ const AttributeType* LdapEntry::type_of(const std::string& name) {
     const AttributeTypes& types = facts().types;
     if (const auto* known = types.find(name)) return known;
     if (types.empty()) return nullptr;  // this user may not read the schema
-    FactsResult result = on_session(
+    FactsResult result = login_->run(
         [&](Session& session) { return refreshed_facts_of(session, login_->server_key()); });
     check(result);
     facts_ = std::move(result.facts);
     return facts_->types.find(name);
-}
-
-std::vector<std::string> LdapEntry::values_in(const EntryData& entry,
-                                              const std::string& name) const {
-    for (const Attribute& attribute : entry.attributes)
-        if (facts_->types.same(attribute.name, name)) return attribute.values;
-    return {};
 }
 
 // Nothing for what was not fetched, or was read before. An attribute that the entry seems to lack
@@ -132,12 +124,17 @@ std::optional<std::vector<std::string>> LdapEntry::take_fetched(const std::strin
         fetched_ = {};
         return std::nullopt;
     }
-    auto is_it = [&](const std::string& other) { return facts_->types.same(other, name); };
-    const bool was_asked = std::erase_if(fetched_.asked, is_it) != 0;
-    std::vector<std::string> values = values_in(fetched_.entry, name);
-    std::erase_if(fetched_.entry.attributes,
-                  [&](const Attribute& attribute) { return is_it(attribute.name); });
-    if (values.empty() && !was_asked) return std::nullopt;
+    const bool was_asked = std::erase_if(fetched_.asked, [&](const std::string& asked) {
+                               return facts_->types.same(asked, name);
+                           }) != 0;
+    auto& attributes = fetched_.entry.attributes;
+    const auto found = find_attribute(attributes, name, facts_->types);
+    if (found == attributes.end() && !was_asked) return std::nullopt;
+    std::vector<std::string> values;
+    if (found != attributes.end()) {
+        values = std::move(found->values);
+        attributes.erase(found);
+    }
     return values;
 }
 
@@ -147,10 +144,14 @@ Variant LdapEntry::GetValues(Text& name) {
     const std::string attribute = to_utf8(name);
     const AttributeType* type = type_of(attribute);
     if (const auto fetched = take_fetched(attribute)) return decode_values(type, *fetched);
-    const ReadResult read =
-        on_session([&](Session& session) { return session.read(name_, {attribute}); });
-    check(read);
-    return decode_values(type, values_in(read.entry, attribute));
+    if (const auto known = try_cached(*login_))
+        if (const auto cached = known->try_values(attribute, facts_->types))
+            return decode_values(type, *cached);
+    const Fetched fetched = read(*login_, {attribute}, nullptr);
+    const auto& attributes = fetched.entry.attributes;
+    const auto found = find_attribute(attributes, attribute, facts_->types);
+    return decode_values(type,
+                         found == attributes.end() ? std::vector<std::string>() : found->values);
 }
 
 void LdapEntry::SetValues(Text& name, Variant& value) {
@@ -172,28 +173,31 @@ void LdapEntry::write_password(const std::string& name, const Variant& value) {
         replace(name, {hashed_password(password)});
     } else {
         const NotedWrite noted(key_);
-        check(
-            on_session([&](Session& session) { return session.change_password(name_, password); }));
+        check(login_->run(
+            [&](Session& session) { return session.change_password(name_, password); }));
     }
-    // A connection that is made anew has to use it.
-    const auto user = DistinguishedName::try_parse(from_utf8(login_->user()));
-    if (user && user->key() == key_) login_->set_password(password.clone());
+    login_->password_changed(key_, password);
 }
 
 void LdapEntry::replace(const std::string& name, std::vector<std::string> values) {
     if (name.empty()) raise_runtime_error(runtime_error::invalid_call);
     const Replacement replacement{name, std::move(values)};
     const NotedWrite noted(key_);
-    check(on_session([&](Session& session) { return session.modify(name_, {&replacement, 1}); }));
+    check(login_->run([&](Session& session) { return session.modify(name_, {&replacement, 1}); }));
 }
 
 void LdapEntry::require_bound() const {
-    if (!session_) raise_runtime_error(runtime_error::object_not_set);
+    if (!login_) raise_runtime_error(runtime_error::object_not_set);
 }
 
-void LdapEntry::CreateChild(Variant&, Text&, Object&) { raise_unsupported(); }
-void LdapEntry::DeleteChild(Text&, Text&) { raise_unsupported(); }
-bool LdapEntry::InitializeConnectionPool(Variant&, Variant&) { raise_unsupported(); }
-bool LdapEntry::InitializeCache(Variant&, Variant&) { raise_unsupported(); }
+bool LdapEntry::InitializeConnectionPool(Variant& names, Variant& values) {
+    ConnectionPool::of_process().configure(names, values);
+    return true;
+}
+
+bool LdapEntry::InitializeCache(Variant& names, Variant& values) {
+    EntryCache::of_process().configure(names, values);
+    return true;
+}
 
 }  // namespace orvo::directory::ldap

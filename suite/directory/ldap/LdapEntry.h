@@ -1,32 +1,38 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <optional>
 
 #include "component/provider/contract.h"
 #include "platform/abi/hosted.h"
+#include "suite/directory/ldap/entry_cache.h"
 #include "suite/directory/ldap/server_facts.h"
 #include "suite/directory/ldap/server_login.h"
 
 namespace orvo {
 namespace directory::ldap {
 
-// One entry, over a connection of its own that lasts until the next Bind or the object's end. When
-// the server has closed it in the meantime, it is made anew once, with the same credentials, before
-// an operation fails. Used by one thread.
+struct NewEntry;
+
+// One entry. Each operation takes a connection of its user's from the pool (ConnectionPool); where
+// the server has closed it in the meantime, the operation is done once more on a new one before it
+// fails. Used by one thread.
 //
-// Values are read fresh: every GetValues asks the server. The one exception is a bind that was told
-// what to fetch: the whole entry comes with it (but for its password), and answers the first
-// reading of each attribute, within `fetched_lasts` of the bind and unless this process has written
-// to the entry since. So whoever binds and at once looks at several attributes pays for one round
-// trip.
+// Values are read fresh: every GetValues asks the server, or the cache of the process once that is
+// switched on (InitializeCache). Beside that there is one exception, a bind that was told what to
+// fetch: the whole entry comes with it (but for its password), and answers the first reading of
+// each attribute, within `fetched_lasts` of the bind and unless this process has written to the
+// entry since. So whoever binds and at once looks at several attributes pays for one round trip.
 class LdapEntry final : public DirectoryEntry {
 public:
     static constexpr std::chrono::milliseconds fetched_lasts{250};
 
-    explicit LdapEntry(const Limits& limits = {}) : limits_(limits) {}
+    // `limits`: instead of those that the connection pool has for all.
+    explicit LdapEntry(const std::optional<Limits>& limits = {}) : limits_(limits) {}
 
-    // Connects, authenticates and reads the entry: two round trips after the connection. The entry
+    // Authenticates and reads the entry: two round trips, on a new connection or one that is there;
+    // one where the server accepted just these credentials a moment ago (RecheckAfter). The entry
     // is `common_name` below `container` (either may be empty; the container may also be written
     // from the top down with "/"). Both credentials empty: as nobody. Raises 0x8007052E for wrong
     // credentials, also for a name with an empty password, which the server is not asked about;
@@ -43,13 +49,34 @@ public:
     void SetValues(Text& name, Variant& value) override;
     void ClearValues(Text& name) override;
 
+    // See NewEntry for what may be given. An attribute given as an empty text is created with a
+    // single blank where the server would otherwise refuse the entry for lack of it.
+    //
+    // A password is set once the entry is there (Password Modify), so that the server's policy sees
+    // it: two requests one after the other, for sent together the second could find an entry that
+    // somebody else created. Where it is refused, or cannot be set for another reason, the entry is
+    // removed again and the reason is raised; it says so where the entry cannot be removed. A
+    // server without that operation gets the entry with a hash.
+    //
+    // Raises 0x8004044F, "(68) The specified entry already exists.", for an entry that is there.
     void CreateChild(Variant& classes, Text& naming_attribute, Object& attributes) override;
+
+    // `entry_name` is a relative name, "," and this entry's container, put together without
+    // escaping (name_below); "cn=Smith, John,ou=Users,o=Shop" is understood. The class is not
+    // looked at. Raises result code 34 for anything but an entry below the one that is bound,
+    // 0x80072030 for an entry that is not there.
     void DeleteChild(Text& class_name, Text& entry_name) override;
+
+    // Change how this process keeps connections and entries; see PoolSettings and
+    // CacheSettings for names and values.
+    // Need no Bind. What is named is set, all of it or, after a failure, nothing (result code 89);
+    // the rest stays as it is.
     bool InitializeConnectionPool(Variant& names, Variant& values) override;
     bool InitializeCache(Variant& names, Variant& values) override;
 
 private:
-    // What Bind fetched and has not been read: of the entry, and of the names that it was told.
+    // What was fetched: of the entry, and which names were asked for. Of what Bind fetched, that
+    // which has not been read yet.
     struct Fetched {
         std::vector<std::string> asked;
         EntryData entry;
@@ -57,19 +84,23 @@ private:
         std::chrono::steady_clock::time_point at;
     };
 
-    template <class Operation>
-    auto on_session(Operation operation);
+    Result change(const std::function<Result(Session&)>& operation);
+    CacheKey cache_key(const ServerLogin& login) const;
+    std::shared_ptr<const KnownEntry> try_cached(const ServerLogin& login) const;
+    bool is_cached(const ServerLogin& login, const std::vector<std::string>& asked) const;
+    Fetched read(ServerLogin& login, const std::vector<std::string>& asked, const char* more) const;
     const ServerFacts& facts();
     const AttributeType* type_of(const std::string& name);
     std::optional<std::vector<std::string>> take_fetched(const std::string& name);
-    std::vector<std::string> values_in(const EntryData& entry, const std::string& name) const;
     void write_password(const std::string& name, const Variant& value);
     void replace(const std::string& name, std::vector<std::string> values);
+    Result add(const std::string& name, const NewEntry& entry);
+    void set_first_password(const std::string& name, const Secret& password);
+    Text take_back(const std::string& name);
     void require_bound() const;
 
-    Limits limits_;
-    std::optional<ServerLogin> login_;
-    std::optional<Session> session_;
+    std::optional<Limits> limits_;
+    std::optional<ServerLogin> login_;  // set while bound
     std::string name_;
     std::string key_;
     Fetched fetched_;

@@ -10,6 +10,7 @@
 #include "suite/directory/ldap/failures.h"
 #include "suite/directory/ldap/paged_results.h"
 #include "suite/directory/ldap/row_decoder.h"
+#include "suite/directory/ldap/search_condition.h"
 
 namespace orvo::directory::ldap {
 namespace {
@@ -21,34 +22,21 @@ constexpr int page_size = 10'000;
 
 void LdapSearch::Connect(Text& server, Text& container, Text& user, Text& password) {
     login_.reset();
-    session_.reset();
     facts_.reset();
     ServerLogin login(server, user, password, limits_);
     base_ = to_utf8(container_name(container));
-    session_ = login.connect();
+    login.authenticate();
     login_ = std::move(login);
-}
-
-// Runs an operation, once more where the server has closed the connection.
-template <class Operation>
-auto LdapSearch::on_session(Operation operation) {
-    if (!session_) session_ = login_->connect();
-    auto result = operation(*session_);
-    if (result.code == result_code::server_down) {
-        session_ = login_->connect();
-        result = operation(*session_);
-    }
-    if (result.connection_failed()) session_.reset();
-    return result;
 }
 
 void LdapSearch::learn_types_of(const std::vector<std::string>& attributes) {
     const auto learn = [&](auto read) {
         FactsResult result =
-            on_session([&](Session& session) { return read(session, login_->server_key()); });
+            login_->run([&](Session& session) { return read(session, login_->server_key()); });
         check(result);
         facts_ = std::move(result.facts);
     };
+    if (!facts_) facts_ = stored_facts(login_->server_key());
     if (!facts_) learn(facts_of);
     const AttributeTypes& types = facts_->types;
     if (types.empty()) return;  // this user may not read the schema
@@ -63,18 +51,27 @@ Object LdapSearch::Execute(Text& filter, Variant& attributes, std::int32_t maxim
     SearchRequest request;
     request.base = base_;
     request.scope = Scope::subtree;
-    request.filter = Filter::parse(filter, provider_name).text();
+    const Filter wanted = Filter::parse(filter, provider_name);
     for (const Text& column : columns) request.attributes.push_back(to_utf8(column));
     learn_types_of(request.attributes);
 
     RowDecoder decoder(request.attributes, facts_->types);
+    SearchCondition condition(wanted, facts_->types);
+    request.filter = condition.sent().text();
+    for (const std::string& name : condition.attributes())
+        if (std::none_of(request.attributes.begin(), request.attributes.end(),
+                         [&](const std::string& one) { return facts_->types.same(one, name); }))
+            request.attributes.push_back(name);
     FirstRows rows(maximum > 0 ? static_cast<std::size_t>(maximum) : FirstRows::all,
                    [&](const EntryData& entry) { return decoder.row(entry); });
-    request.wanted = [&](const std::string& name) { return rows.wants(name); };
-    check(on_session([&](Session& session) {
+    request.wanted = [&](const std::string& name) {
+        return condition.may_be_true_of(name) && rows.wants(name);
+    };
+    check(login_->run([&](Session& session) {
         rows.clear();
-        return collect_pages(session, request, page_size,
-                             [&](EntryData&& entry) { rows.add(std::move(entry)); });
+        return collect_pages(session, request, page_size, [&](EntryData&& entry) {
+            if (condition.is_true_of(entry)) rows.add(std::move(entry));
+        });
     }));
 
     RecordSetBuilder builder(columns);

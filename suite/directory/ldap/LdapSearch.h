@@ -10,21 +10,23 @@
 namespace orvo {
 namespace directory::ldap {
 
-// A search below one container, over a connection of its own that lasts until the next Connect or
-// the object's end. When the server has closed it in the meantime, it is made anew once, with the
-// same credentials, before a search fails. Used by one thread.
+// A search below one container. Each takes a connection of its user's from the pool
+// (ConnectionPool); where the server has closed it in the meantime, the search is done once more on
+// a new one before it fails. Used by one thread.
 class LdapSearch final : public DirectorySearch {
 public:
-    explicit LdapSearch(const Limits& limits = {}) : limits_(limits) {}
+    // `limits`: instead of those that the connection pool has for all.
+    explicit LdapSearch(const std::optional<Limits>& limits = {}) : limits_(limits) {}
 
-    // Connects and authenticates; the container itself (written from the bottom up, or from the top
-    // down with "/") is not looked at before the first search. Both credentials empty: as nobody.
-    // Raises 0x8007052E for wrong credentials, also for a name with an empty password, which the
-    // server is not asked about; after any failure the object is unconnected.
+    // Authenticates, as a Bind of an entry does; the container itself (written from the bottom up,
+    // or from the top down with "/") is not looked at before the first search. Both credentials
+    // empty: as nobody. Raises 0x8007052E for wrong credentials, also for a name with an empty
+    // password, which the server is not asked about; after any failure the object is unconnected.
     void Connect(Text& server, Text& container, Text& user, Text& password) override;
 
     // The container's own entry and all below it that match, as a read-only record set, on its
-    // first row. The filter is read as Filter::parse says. Columns are named and ordered as
+    // first row. The filter is read as Filter::parse says; SearchCondition tells what
+    // of it is decided here. Columns are named and ordered as
     // `attributes`, an array of names or a single name; see RowDecoder for what is in them. An
     // attribute that the directory does not know, or this user may not see, is a column of Empty.
     //
@@ -40,13 +42,10 @@ public:
     Object Execute(Text& filter, Variant& attributes, std::int32_t maximum) override;
 
 private:
-    template <class Operation>
-    auto on_session(Operation operation);
     void learn_types_of(const std::vector<std::string>& attributes);
 
-    Limits limits_;
+    std::optional<Limits> limits_;
     std::optional<ServerLogin> login_;  // set while connected
-    std::optional<Session> session_;    // none after it was lost
     std::string base_;
     std::shared_ptr<const ServerFacts> facts_;
 };

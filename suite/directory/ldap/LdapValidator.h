@@ -1,17 +1,21 @@
 #pragma once
 
+#include <optional>
+
 #include "component/provider/contract.h"
 #include "platform/abi/hosted.h"
-#include "suite/directory/ldap/session.h"
+#include "suite/directory/ldap/identity.h"
 
 namespace orvo {
 namespace directory::ldap {
 
-// The check of credentials: a connection of its own, one bind on it, and nothing else. Nothing is
-// kept between two checks. Used by one thread.
+// The check of credentials: one bind, on a connection on which nothing but such checks is ever done
+// (ConnectionPool::password_checks); once more on a new one where the server has closed it in the
+// meantime. Nothing is remembered of a check. Used by one thread.
 class LdapValidator final : public DirectoryValidator {
 public:
-    explicit LdapValidator(const Limits& limits = {}) : limits_(limits) {}
+    // `limits`: instead of those that the connection pool has for all.
+    explicit LdapValidator(const std::optional<Limits>& limits = {}) : limits_(limits) {}
 
     // Keeps both; nothing is read or connected before the first check.
     void Open(Text& server, Text& user_container) override;
@@ -24,7 +28,10 @@ public:
     std::int32_t Validate(Variant& path, Variant& password) override;
 
 private:
-    Limits limits_;
+    BindResult checked(const Credentials& checks, const std::string& name,
+                       const Secret& password) const;
+
+    std::optional<Limits> limits_;
     Text server_;
     Text container_;
     bool is_open_ = false;

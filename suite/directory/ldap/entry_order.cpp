@@ -4,14 +4,13 @@
 #include <utility>
 
 #include "suite/directory/common/ascii.h"
-#include "suite/directory/common/matching_rule.h"
+#include "suite/directory/common/listing_order.h"
 
 namespace orvo::directory::ldap {
 namespace {
 
-// The value behind the first "=", without its escapes (RFC 4514).
-std::string naming_value(std::string_view name) {
-    name.remove_prefix(std::min(name.find('='), name.size() - 1) + 1);
+// The value at the front, without its escapes (RFC 4514).
+std::string unescaped_value(std::string_view name) {
     const std::size_t plain = name.find_first_of("\\,+");
     std::string value(name.substr(0, plain));
     for (std::size_t at = value.size(); at < name.size() && name[at] != ',' && name[at] != '+';) {
@@ -40,12 +39,13 @@ std::uint64_t first_octets(std::string_view text) {
 
 }  // namespace
 
-std::string order_key(std::string_view name) {
-    if (name.empty()) return {};
-    std::string value = naming_value(name);
-    // A value that is no text comes in the order of its octets.
-    return matching_key(MatchingRule::case_ignore, value).value_or(std::move(value));
+NamingPart naming_part(std::string_view name) {
+    const std::size_t sign = name.find('=');
+    if (sign == std::string_view::npos) return {name, {}};
+    return {name.substr(0, sign), unescaped_value(name.substr(sign + 1))};
 }
+
+std::string order_key(std::string_view name) { return listing_key(naming_part(name).value); }
 
 bool FirstRows::Kept::operator<(const Kept& other) const {
     const int order = key.compare(other.key);

@@ -15,9 +15,15 @@
 
 namespace orvo::directory::ldap {
 
-// What entries are ordered by: the first value in an entry's own relative name, without regard to
-// case, as filters compare it with ">=" (matching_key). `name` is a distinguished name as servers
-// write them.
+// The attribute at the front of an entry's own relative name, which is a part of `name`, and its
+// value without the escapes. `name` is a distinguished name as servers write them.
+struct NamingPart {
+    std::string_view attribute;
+    std::string value;
+};
+NamingPart naming_part(std::string_view name);
+
+// What entries are ordered by: the value of the naming part, in the order of lists (listing_key).
 std::string order_key(std::string_view name);
 
 // Of the entries added, keeps the rows of those that come first: ordered by order_key, and by the

@@ -6,6 +6,14 @@ void raise_code(int code, std::string_view message, std::string_view nearest_ent
     throw directory_failure(code, provider_name, message, nearest_entry);
 }
 
+std::string quoted(std::string_view name) {
+    constexpr std::size_t longest = 200;
+    if (name.size() <= longest) return "'" + std::string(name) + "'";
+    std::size_t end = longest;
+    while ((name[end] & 0xC0) == 0x80) --end;  // no half of a character
+    return "'" + std::string(name.substr(0, end)) + "...'";
+}
+
 void raise_unsupported() {
     constexpr std::int32_t action_not_supported = 445;
     throw Failure(action_not_supported, Text(provider_name), u"Object doesn't support this action");

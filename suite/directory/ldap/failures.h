@@ -2,6 +2,7 @@
 
 // The failures of this provider; their source is "OrvoDirectory.Ldap".
 
+#include <string>
 #include <string_view>
 
 #include "suite/directory/common/result_codes.h"
@@ -13,6 +14,9 @@ inline constexpr TextView provider_name = u"OrvoDirectory.Ldap";
 // Raises the failure of a result code; see directory_failure.
 [[noreturn]] void raise_code(int code, std::string_view message = {},
                              std::string_view nearest_entry = {});
+
+// A name as a description quotes it: between apostrophes, of a long one the beginning.
+std::string quoted(std::string_view name);
 
 // Raises 445 (object doesn't support this action).
 [[noreturn]] void raise_unsupported();

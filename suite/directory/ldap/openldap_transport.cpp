@@ -141,4 +141,15 @@ void never_wait(::ldap* handle) {
     ::fcntl(descriptor, F_SETFL, ::fcntl(descriptor, F_GETFL) | O_NONBLOCK);
 }
 
+bool is_quiet(::ldap* handle) {
+    Sockbuf* connection = connection_of(handle);
+    ber_socket_t descriptor = -1;
+    if (ber_sockbuf_ctrl(connection, LBER_SB_OPT_GET_FD, &descriptor) != 1 ||
+        ber_sockbuf_ctrl(connection, LBER_SB_OPT_DATA_READY, nullptr) != 0)
+        return false;
+    char next = 0;
+    return ::recv(descriptor, &next, 1, MSG_PEEK | MSG_DONTWAIT) < 0 &&
+           (errno == EAGAIN || errno == EWOULDBLOCK);
+}
+
 }  // namespace orvo::directory::ldap::detail

@@ -24,4 +24,7 @@ void wait_until(::ldap* handle, std::chrono::steady_clock::time_point deadline);
 // takes that back as well.
 void never_wait(::ldap* handle);
 
+// Whether nothing has come from the server: no message, no end of the connection.
+bool is_quiet(::ldap* handle);
+
 }  // namespace orvo::directory::ldap::detail

@@ -4,6 +4,7 @@
 
 #include "platform/automation/values.h"
 #include "suite/directory/common/attribute_values.h"
+#include "suite/directory/ldap/entry_order.h"
 #include "suite/directory/ldap/failures.h"
 
 namespace orvo::directory::ldap {
@@ -48,13 +49,16 @@ std::vector<Variant> RowDecoder::row(const EntryData& entry) {
     for (const Attribute& attribute : entry.attributes)
         for (const std::size_t column : spelling_of(attribute.name).columns)
             row[column] = decoded(columns_[column].type, attribute.values);
+    const NamingPart naming = naming_part(entry.name);
+    for (const std::size_t column : spelling_of(naming.attribute).columns)
+        row[column] = decoded(columns_[column].type, {naming.value});
     return row;
 }
 
-const RowDecoder::Spelling& RowDecoder::spelling_of(const std::string& name) {
+const RowDecoder::Spelling& RowDecoder::spelling_of(std::string_view name) {
     for (const Spelling& spelling : spellings_)
         if (spelling.name == name) return spelling;
-    Spelling& added = spellings_.emplace_back(name);
+    Spelling& added = spellings_.emplace_back(std::string(name));
     for (std::size_t column = 0; column < columns_.size(); ++column)
         if (types_.same(columns_[column].name, name)) added.columns.push_back(column);
     return added;

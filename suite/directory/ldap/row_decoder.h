@@ -18,8 +18,10 @@ namespace orvo::directory::ldap {
 std::vector<Text> column_names(const Variant& attributes);
 
 // Makes a row of an entry: for each column no value is Empty, one is itself, several are an array;
-// typed by the schema. A column's name may be any of its attribute's names or its number, in any
-// case, with options. What it has learned of one entry's spelling serves for the next.
+// typed by the schema. The attribute that names the entry is one value, that in the name, so that
+// every row has its place in the order (entry_order.h). A column's name may be any of its
+// attribute's names or its number, in any case, with options. What it has learned of one entry's
+// spelling serves for the next.
 class RowDecoder {
 public:
     // `types` must live as long.
@@ -39,7 +41,7 @@ private:
         std::vector<std::size_t> columns;
     };
 
-    const Spelling& spelling_of(const std::string& name);
+    const Spelling& spelling_of(std::string_view name);
 
     const AttributeTypes& types_;
     std::vector<Column> columns_;

@@ -80,6 +80,10 @@ FactsResult read_facts(Session& session, const std::string& key) {
 
 }  // namespace
 
+std::shared_ptr<const ServerFacts> stored_facts(const std::string& key) {
+    return store().find(key).facts;
+}
+
 FactsResult facts_of(Session& session, const std::string& key) {
     FactsResult result;
     result.facts = store().find(key).facts;

@@ -21,6 +21,9 @@ struct FactsResult : Result {
     std::shared_ptr<const ServerFacts> facts;  // set where the result is a success
 };
 
+// The facts of a server from the process's store; none where it has not been asked.
+std::shared_ptr<const ServerFacts> stored_facts(const std::string& key);
+
 // The facts of the server that the session is connected to, from the process's store under `key`
 // (ServerAddress::key) or, the first time, from the server: its root entry and its schema, two
 // round trips. A schema that the session's user may not read is an empty one and is not stored, so

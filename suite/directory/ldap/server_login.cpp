@@ -1,42 +1,38 @@
 #include "suite/directory/ldap/server_login.h"
 
+#include <utility>
+
 #include "suite/directory/ldap/failures.h"
 
 namespace orvo::directory::ldap {
-namespace {
 
-// Whoever cannot be bound has the wrong credentials, whatever a server calls it.
-void check_bind(const Result& bind) {
-    switch (bind.code) {
-        case result_code::no_such_object:
-        case result_code::invalid_name:
-        case result_code::inappropriate_authentication: {
-            Failure failure = directory_failure(bind.code, provider_name, bind.message);
-            failure.number = number_of_code(result_code::invalid_credentials);
-            throw failure;
-        }
-        default:
-            check(bind);
-    }
-}
-
-}  // namespace
-
-ServerLogin::ServerLogin(TextView server, TextView user, TextView password, const Limits& limits)
-    : server_(ServerAddress::parse(server)),
-      server_key_(server_.key()),
-      user_(to_utf8(user)),
-      password_(password),
-      limits_(limits) {
-    if (password_.empty() && !user_.empty())
+ServerLogin::ServerLogin(TextView server, TextView user, TextView password,
+                         const std::optional<Limits>& limits)
+    : limits_(limits), presented_(password) {
+    const ServerAddress address = ServerAddress::parse(server);
+    if (presented_->empty() && !user.empty())
         raise_code(result_code::invalid_credentials, "A password is required.");
+    credentials_ = ConnectionPool::of_process().enter(address, to_utf8(user), *presented_);
 }
 
-Session ServerLogin::connect() const {
-    Session session = Session::connect(server_, limits_);
-    // Nobody needs no bind: a new connection is nobody's.
-    if (!user_.empty() || !password_.empty()) check_bind(session.bind(user_, password_));
-    return session;
+Lease ServerLogin::take() {
+    if (own_) return *std::exchange(own_, std::nullopt);
+    ConnectionPool& pool = ConnectionPool::of_process();
+    if (!presented_) return pool.lease(credentials_, limits_);
+    Lease lease = pool.lease_presented(credentials_, *presented_, limits_);
+    presented_.reset();
+    return lease;
+}
+
+void ServerLogin::keep(Lease&& lease) {
+    if (lease.is_shared())
+        std::move(lease).give_back();
+    else
+        own_ = std::move(lease);
+}
+
+void ServerLogin::password_changed(const std::string& entry, const Secret& password) {
+    ConnectionPool::of_process().password_changed(entry, password, credentials_);
 }
 
 }  // namespace orvo::directory::ldap

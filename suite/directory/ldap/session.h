@@ -68,6 +68,10 @@ struct EntryData {
     std::vector<Attribute> attributes;
 };
 
+struct WhoAmIResult : Result {
+    std::string identity;
+};
+
 struct ReadResult : Result {
     EntryData entry;
 };
@@ -117,6 +121,13 @@ public:
     Session& operator=(Session&& other) noexcept;
     ~Session();  // takes leave of the server and closes; never waits
 
+    // Whether the connection looks alive: the server has neither closed it nor sent anything that
+    // nobody asked for. Asks the operating system alone; where that cannot tell, it looks alive.
+    // Not while an answer is pending.
+    bool seems_open() const;
+    // From now on. What there is to wait for in connecting is over.
+    void set_limits(const Limits& limits);
+
     // Simple authentication. Both empty: as nobody. The caller has refused an empty password with a
     // name (a server takes that for "nobody" and reports success).
     Result bind(const std::string& name, const Secret& password);
@@ -134,11 +145,18 @@ public:
     // is not moved out of an entry may serve the next as memory.
     SearchResult collect(const PendingSearch& search, const std::function<void(EntryData&&)>& take);
 
+    // A new entry; every attribute has a value.
+    Result add(const std::string& name, std::span<const Attribute> attributes);
+    Result remove(const std::string& name);
+
     // All changes, or none of them.
     Result modify(const std::string& name, std::span<const Replacement> replacements);
 
     // The Password Modify operation (RFC 3062).
     Result change_password(const std::string& name, const Secret& new_password);
+
+    // Whom the server takes this session for (RFC 4532): "dn:" and a name, empty for nobody.
+    WhoAmIResult who_am_i();
 
 private:
     struct Connection;

@@ -8,6 +8,7 @@
 
 #include "suite/directory/ldap/failures.h"
 #include "suite/directory/ldap/openldap_connection.h"
+#include "suite/directory/ldap/openldap_transport.h"
 #include "suite/directory/ldap/paged_results.h"
 #include "suite/directory/ldap/session.h"
 
@@ -133,15 +134,14 @@ int scope_of(Scope scope) {
     return LDAP_SCOPE_BASE;
 }
 
-// The values of one replacement as the library takes them.
+// What is done with an attribute's values, as the library takes it.
 struct Change {
-    explicit Change(const Replacement& replacement) {
-        for (const std::string& value : replacement.values)
-            values.push_back({value.size(), unchanged(value)});
+    Change(int operation, const std::string& attribute, const std::vector<std::string>& texts) {
+        for (const std::string& text : texts) values.push_back({text.size(), unchanged(text)});
         for (berval& value : values) pointers.push_back(&value);
         pointers.push_back(nullptr);
-        modification.mod_op = LDAP_MOD_REPLACE | LDAP_MOD_BVALUES;
-        modification.mod_type = unchanged(replacement.attribute);
+        modification.mod_op = operation | LDAP_MOD_BVALUES;
+        modification.mod_type = unchanged(attribute);
         modification.mod_bvalues = values.empty() ? nullptr : pointers.data();
     }
     Change(const Change&) = delete;
@@ -149,6 +149,25 @@ struct Change {
     std::vector<berval> values;
     std::vector<berval*> pointers;
     LDAPMod modification{};
+};
+
+// A list of changes as the library takes it.
+class ChangeList {
+public:
+    void append(int operation, const std::string& attribute,
+                const std::vector<std::string>& values) {
+        changes_.push_back(std::make_unique<Change>(operation, attribute, values));
+    }
+    LDAPMod** get() {
+        pointers_.clear();
+        for (const auto& change : changes_) pointers_.push_back(&change->modification);
+        pointers_.push_back(nullptr);
+        return pointers_.data();
+    }
+
+private:
+    std::vector<std::unique_ptr<Change>> changes_;
+    std::vector<LDAPMod*> pointers_;
 };
 
 }  // namespace
@@ -193,6 +212,9 @@ Session Session::connect(const ServerAddress& server, const Limits& limits) {
     }
     raise_code(why.code, reasons);
 }
+
+bool Session::seems_open() const { return detail::is_quiet(connection_->get()); }
+void Session::set_limits(const Limits& limits) { connection_->limits = limits; }
 
 Result Session::bind(const std::string& name, const Secret& password) {
     berval credentials{password.reveal().size(), const_cast<char*>(password.reveal().data())};
@@ -273,16 +295,29 @@ Result Session::Connection::collect(const PendingSearch& search,
     }
 }
 
-Result Session::modify(const std::string& name, std::span<const Replacement> replacements) {
-    std::vector<std::unique_ptr<Change>> changes;
-    std::vector<LDAPMod*> modifications;
-    for (const Replacement& replacement : replacements)
-        modifications.push_back(
-            &changes.emplace_back(std::make_unique<Change>(replacement))->modification);
-    modifications.push_back(nullptr);
+Result Session::add(const std::string& name, std::span<const Attribute> attributes) {
+    ChangeList changes;
+    for (const Attribute& attribute : attributes)
+        changes.append(LDAP_MOD_ADD, attribute.name, attribute.values);
     int request = -1;
-    const int sent = ldap_modify_ext(connection_->get(), name.c_str(), modifications.data(),
-                                     nullptr, nullptr, &request);
+    const int sent =
+        ldap_add_ext(connection_->get(), name.c_str(), changes.get(), nullptr, nullptr, &request);
+    return connection_->outcome(sent, request);
+}
+
+Result Session::remove(const std::string& name) {
+    int request = -1;
+    const int sent = ldap_delete_ext(connection_->get(), name.c_str(), nullptr, nullptr, &request);
+    return connection_->outcome(sent, request);
+}
+
+Result Session::modify(const std::string& name, std::span<const Replacement> replacements) {
+    ChangeList changes;
+    for (const Replacement& replacement : replacements)
+        changes.append(LDAP_MOD_REPLACE, replacement.attribute, replacement.values);
+    int request = -1;
+    const int sent = ldap_modify_ext(connection_->get(), name.c_str(), changes.get(), nullptr,
+                                     nullptr, &request);
     return connection_->outcome(sent, request);
 }
 
@@ -293,6 +328,22 @@ Result Session::change_password(const std::string& name, const Secret& new_passw
     const int sent =
         ldap_passwd(connection_->get(), &user, nullptr, &wanted, nullptr, nullptr, &request);
     return connection_->outcome(sent, request);
+}
+
+WhoAmIResult Session::who_am_i() {
+    WhoAmIResult result;
+    int request = -1;
+    const int sent = ldap_whoami(connection_->get(), nullptr, nullptr, &request);
+    if (sent != LDAP_SUCCESS) return {client_result(connection_->get(), sent), {}};
+    const Message answer = wait_for(connection_->get(), request, Wanted::all_messages,
+                                    connection_->limits.operation, result);
+    if (!answer) return result;
+    static_cast<Result&>(result) = outcome_of(connection_->get(), raw(answer));
+    berval* identity = nullptr;
+    ldap_parse_whoami(connection_->get(), raw(answer), &identity);
+    if (identity) result.identity = text_of(*identity);
+    ber_bvfree(identity);
+    return result;
 }
 
 }  // namespace orvo::directory::ldap

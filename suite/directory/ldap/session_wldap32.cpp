@@ -30,6 +30,7 @@ using detail::WideSecret;
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
+constexpr const char* who_am_i_oid = "1.3.6.1.4.1.4203.1.11.3";
 constexpr const char* password_policy_control = "1.3.6.1.4.1.42.2.27.8.5.1";
 
 // LDAP_OPT_SERVER_CONTROLS, which not every version of the library and its header has.
@@ -94,13 +95,14 @@ ULONG scope_of(Scope scope) {
     return LDAP_SCOPE_BASE;
 }
 
-// The values of one replacement as the library takes them.
+// What is done with an attribute's values, as the library takes it.
 struct Change {
-    explicit Change(const Replacement& replacement) : name(replacement.attribute) {
-        for (const std::string& value : replacement.values) values.push_back(borrowed(value));
+    Change(ULONG operation, const std::string& attribute, const std::vector<std::string>& texts)
+        : name(attribute) {
+        for (const std::string& text : texts) values.push_back(borrowed(text));
         for (berval& value : values) pointers.push_back(&value);
         pointers.push_back(nullptr);
-        modification.mod_op = LDAP_MOD_REPLACE | LDAP_MOD_BVALUES;
+        modification.mod_op = operation | LDAP_MOD_BVALUES;
         modification.mod_type = name.get();
         modification.mod_vals.modv_bvals = pointers.data();
     }
@@ -110,6 +112,25 @@ struct Change {
     std::vector<berval> values;
     std::vector<berval*> pointers;
     LDAPModW modification{};
+};
+
+// A list of changes as the library takes it.
+class ChangeList {
+public:
+    void append(ULONG operation, const std::string& attribute,
+                const std::vector<std::string>& values) {
+        changes_.push_back(std::make_unique<Change>(operation, attribute, values));
+    }
+    LDAPModW** get() {
+        pointers_.clear();
+        for (const auto& change : changes_) pointers_.push_back(&change->modification);
+        pointers_.push_back(nullptr);
+        return pointers_.data();
+    }
+
+private:
+    std::vector<std::unique_ptr<Change>> changes_;
+    std::vector<LDAPModW*> pointers_;
 };
 
 }  // namespace
@@ -156,6 +177,10 @@ Session Session::connect(const ServerAddress& server, const Limits& limits) {
     }
     raise_code(why.code, reasons);
 }
+
+// The library shows nothing of its connection; a lost one shows at its next use.
+bool Session::seems_open() const { return true; }
+void Session::set_limits(const Limits& limits) { connection_->limits = limits; }
 
 Result Session::bind(const std::string& name, const Secret& password) {
     Wide user(name);
@@ -230,17 +255,33 @@ Result Session::Connection::collect(int request, const std::function<void(EntryD
     }
 }
 
-Result Session::modify(const std::string& name, std::span<const Replacement> replacements) {
-    std::vector<std::unique_ptr<Change>> changes;
-    std::vector<LDAPModW*> modifications;
-    for (const Replacement& replacement : replacements)
-        modifications.push_back(
-            &changes.emplace_back(std::make_unique<Change>(replacement))->modification);
-    modifications.push_back(nullptr);
+Result Session::add(const std::string& name, std::span<const Attribute> attributes) {
+    ChangeList changes;
+    for (const Attribute& attribute : attributes)
+        changes.append(LDAP_MOD_ADD, attribute.name, attribute.values);
     Wide entry(name);
     ULONG request = 0;
-    const ULONG sent = ldap_modify_extW(connection_->get(), entry.get(), modifications.data(),
-                                        nullptr, nullptr, &request);
+    const ULONG sent =
+        ldap_add_extW(connection_->get(), entry.get(), changes.get(), nullptr, nullptr, &request);
+    return connection_->outcome_of_sent(sent, request);
+}
+
+Result Session::remove(const std::string& name) {
+    Wide entry(name);
+    ULONG request = 0;
+    const ULONG sent =
+        ldap_delete_extW(connection_->get(), entry.get(), nullptr, nullptr, &request);
+    return connection_->outcome_of_sent(sent, request);
+}
+
+Result Session::modify(const std::string& name, std::span<const Replacement> replacements) {
+    ChangeList changes;
+    for (const Replacement& replacement : replacements)
+        changes.append(LDAP_MOD_REPLACE, replacement.attribute, replacement.values);
+    Wide entry(name);
+    ULONG request = 0;
+    const ULONG sent = ldap_modify_extW(connection_->get(), entry.get(), changes.get(), nullptr,
+                                        nullptr, &request);
     return connection_->outcome_of_sent(sent, request);
 }
 
@@ -252,6 +293,27 @@ Result Session::change_password(const std::string& name, const Secret& new_passw
     const ULONG sent =
         ldap_extended_operationW(connection_->get(), oid.get(), &data, nullptr, nullptr, &request);
     return connection_->outcome_of_sent(sent, request);
+}
+
+WhoAmIResult Session::who_am_i() {
+    Wide oid(who_am_i_oid);
+    ULONG request = 0;
+    const ULONG sent = ldap_extended_operationW(connection_->get(), oid.get(), nullptr, nullptr,
+                                                nullptr, &request);
+    if (sent != LDAP_SUCCESS) return {client_result(sent), {}};
+    WhoAmIResult result;
+    const Message answer =
+        wait_for(connection_->get(), request, LDAP_MSG_ALL, connection_->limits.operation, result)
+            .message;
+    if (!answer) return result;
+    static_cast<Result&>(result) = outcome_of(connection_->get(), answer.get());
+    berval* identity = nullptr;
+    ldap_parse_extended_resultW(connection_->get(), answer.get(), nullptr, &identity, FALSE);
+    if (identity) {
+        result.identity.assign(identity->bv_val, identity->bv_len);
+        ber_bvfree(identity);
+    }
+    return result;
 }
 
 }  // namespace orvo::directory::ldap

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
+#include <utility>
 
 namespace orvo::directory::ldap {
 
@@ -11,5 +13,16 @@ namespace orvo::directory::ldap {
 // thread.
 std::uint64_t write_mark(std::string_view entry);
 void note_write(std::string_view entry);
+
+// Notes a write when it is over, whatever came of it: one that timed out may have been done.
+class NotedWrite {
+public:
+    explicit NotedWrite(std::string entry) : entry_(std::move(entry)) {}
+    ~NotedWrite() { note_write(entry_); }
+    NotedWrite(const NotedWrite&) = delete;
+
+private:
+    std::string entry_;
+};
 
 }  // namespace orvo::directory::ldap

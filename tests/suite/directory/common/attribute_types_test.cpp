@@ -51,6 +51,21 @@ TEST(AttributeTypes, WithoutASyntaxHaveTheirSuperiors) {
     EXPECT_EQ(types.find("orphan")->syntax, Syntax::text);
 }
 
+TEST(AttributeTypes, HaveTheMatchingRulesOfTheirOwnOrTheirSuperiors) {
+    const AttributeTypes types = types_of({
+        "( 2.5.4.41 NAME 'name' EQUALITY caseIgnoreMatch SUBSTR caseIgnoreSubstringsMatch "
+        "SYNTAX 1.3.6.1.4.1.1466.115.121.1.15{32768} )",
+        "( 2.5.4.3 NAME ( 'cn' 'commonName' ) SUP name )",
+        "( 1.1.1 NAME 'exact' SUP cn EQUALITY caseExactMatch ORDERING 2.5.13.6 )",
+    });
+    EXPECT_EQ(types.find("cn")->equality, "caseIgnoreMatch");
+    EXPECT_EQ(types.find("cn")->ordering, "");
+    EXPECT_EQ(types.find("cn")->substrings, "caseIgnoreSubstringsMatch");
+    EXPECT_EQ(types.find("exact")->equality, "caseExactMatch");
+    EXPECT_EQ(types.find("exact")->ordering, "2.5.13.6");
+    EXPECT_EQ(types.find("exact")->substrings, "caseIgnoreSubstringsMatch");
+}
+
 TEST(AttributeTypes, ThatAreTheirOwnSuperiorsEndInText) {
     const AttributeTypes types =
         types_of({"( 1.1.1 NAME 'one' SUP two )", "( 1.1.2 NAME 'two' SUP one )"});

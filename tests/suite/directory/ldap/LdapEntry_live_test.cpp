@@ -351,14 +351,5 @@ TEST_F(LdapEntryTest, IsUsedBySeveralThreadsEachWithItsOwn) {
     EXPECT_EQ(right, 40);
 }
 
-TEST_F(LdapEntryTest, SaysWhatItDoesNotSupport) {
-    Variant argument;
-    Text name;
-    Object attributes;
-    const Failure failure = failure_of([&] { entry_.CreateChild(argument, name, attributes); });
-    EXPECT_EQ(failure.number, 445);
-    EXPECT_EQ(failure.description, u"Object doesn't support this action");
-}
-
 }  // namespace
 }  // namespace orvo::directory::ldap

@@ -65,6 +65,10 @@ void RewritingProxy::pass_on(int client, int server) {
         if (readable(waiting[0])) {
             const std::string asked = received(client);
             if (asked.empty()) return;
+            if (cuts_ > 0) {
+                --cuts_;
+                return;
+            }
             ::send(server, asked.data(), asked.size(), MSG_NOSIGNAL);
         }
         if (readable(waiting[1])) {

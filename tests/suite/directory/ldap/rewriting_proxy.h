@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <string>
 #include <thread>
 
@@ -17,6 +18,9 @@ public:
 
     std::string server() const { return "127.0.0.1:" + std::to_string(port_); }
 
+    // The next so many requests reach nobody: each ends its connection instead.
+    void cut_requests(int count) { cuts_ = count; }
+
 private:
     void serve();
     void pass_on(int client, int server);
@@ -24,6 +28,7 @@ private:
     int server_port_;
     std::string from_;
     std::string to_;
+    std::atomic<int> cuts_ = 0;
     int port_ = 0;
     int listener_;
     int stop_[2];

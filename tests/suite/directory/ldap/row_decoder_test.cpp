@@ -27,8 +27,18 @@ std::vector<Variant> row(const std::vector<std::string>& columns, const EntryDat
 
 TEST(RowDecoder, GivesNoValueOneValueOrTheArrayOfSeveral) {
     EXPECT_THAT(row({"role", "cn", "active"},
-                    {"cn=a", {{"cn", {"a", "b"}}, {"role", {"3"}}, {"photo", {"x"}}}}),
+                    {"sn=a", {{"cn", {"a", "b"}}, {"role", {"3"}}, {"photo", {"x"}}}}),
                 ElementsAre(Variant(std::int32_t(3)), Variant(Values{u"a", u"b"}), Variant()));
+}
+
+TEST(RowDecoder, GivesTheAttributeThatNamesTheEntryAsItIsInTheName) {
+    const EntryData entry{"commonName=B\\2C c,o=Shop", {{"CN", {"a", "b, c"}}, {"sn", {"d"}}}};
+    EXPECT_THAT(row({"sn", "cn", "2.5.4.3", "cn;lang-de"}, entry),
+                ElementsAre(Variant(u"d"), Variant(u"B, c"), Variant(u"B, c"), Variant()));
+    EXPECT_THAT(row({"cn"}, {"cn=a", {}}), ElementsAre(Variant(u"a"))) << "it came with the name";
+    EXPECT_THAT(row({"role"}, {"role=7", {{"role", {"07", "8"}}}}),
+                ElementsAre(Variant(std::int32_t(7))));
+    EXPECT_THAT(row({"cn"}, {"", {{"cn", {"a", "b"}}}}), ElementsAre(Variant(Values{u"a", u"b"})));
 }
 
 TEST(RowDecoder, TypesValuesByTheSchema) {
@@ -56,7 +66,7 @@ TEST(RowDecoder, ServesEntriesWithOtherAttributes) {
     EXPECT_THAT(decoder.row({"cn=a", {{"cn", {"a"}}}}), ElementsAre(Variant(u"a"), Variant()));
     EXPECT_THAT(decoder.row({"cn=b", {{"role", {"2"}}, {"cn", {"b"}}}}),
                 ElementsAre(Variant(u"b"), Variant(std::int32_t(2))));
-    EXPECT_THAT(decoder.row({"cn=c", {}}), ElementsAre(Variant(), Variant()));
+    EXPECT_THAT(decoder.row({"sn=c", {}}), ElementsAre(Variant(), Variant()));
 }
 
 TEST(ColumnNames, AreAnArrayOrOneText) {

@@ -74,6 +74,42 @@ TEST(Session, TellsTheNearestEntryOfAMissingOne) {
               u"(32) There is no such entry. The nearest entry is 'ou=Users,o=Shop'.");
 }
 
+TEST(Session, KnowsWhomTheServerTakesItFor) {
+    Session session = Session::connect(address(shop().server()));
+    EXPECT_EQ(session.who_am_i().identity, "");
+    check(session.bind(shop().service_dn(), secret(shop().service_password())));
+    const WhoAmIResult result = session.who_am_i();
+    EXPECT_TRUE(result.ok());
+    EXPECT_EQ(result.identity, "dn:cn=orvo-service,ou=Services,o=Shop");
+}
+
+TEST(Session, SeemsOpenUntilTheServerClosesIt) {
+    PrivateSlapd server({.tls = true});
+    std::vector<Session> sessions;
+    sessions.push_back(Session::connect(address(server.server())));
+    sessions.push_back(
+        Session::connect(address(server.tls_url() + "/?cafile=" + server.ca_file().string())));
+    for (Session& session : sessions) {
+        check(session.bind(server.service_dn(), secret(server.service_password())));
+        EXPECT_TRUE(session.seems_open());
+        session.read("", {"1.1"});
+        EXPECT_TRUE(session.seems_open());
+    }
+    server.stop();
+    for (const Session& session : sessions) EXPECT_FALSE(session.seems_open());
+}
+
+TEST(Session, WaitsAsLongAsItsNewLimitsSay) {
+    PrivateSlapd server;
+    Session session = Session::connect(address(server.server()));
+    session.set_limits(impatient);
+    server.pause();
+    const auto begin = steady_clock::now();
+    EXPECT_EQ(session.read("", {"1.1"}).code, 85);
+    EXPECT_LT(steady_clock::now() - begin, far_too_long);
+    server.resume();
+}
+
 TEST(Session, RefusesAWrongPasswordAsAValue) {
     Session session = Session::connect(address(shop().server()));
     EXPECT_EQ(session.bind(shop().service_dn(), secret("wrong")).code, 49);
@@ -142,6 +178,24 @@ TEST(Session, ReplacesAndRemovesValuesAtOnce) {
     const Replacement refused[] = {{"sn", {"Jansen"}}, {"OrvoUserType", {"no number"}}};
     EXPECT_EQ(session.modify(user, refused).code, 21);
     EXPECT_THAT(probe.values(user, "sn"), ElementsAre("Janssen"));
+}
+
+TEST(Session, AddsAndRemovesAnEntry) {
+    PrivateSlapd server;
+    Session session = Session::connect(address(server.server()));
+    check(session.bind(server.root_dn(), secret(server.root_password())));
+    const std::string name = "cn=Smith\\, Ann,ou=Users,o=Shop";
+    const Attribute attributes[] = {{"objectClass", {"orvoPerson", "top"}},
+                                    {"cn", {"Smith, Ann", "Ann"}},
+                                    {"OrvoRole", {"2", "3"}}};
+    ASSERT_TRUE(session.add(name, attributes).ok());
+    LdapProbe probe(server.url(), server.root_dn(), server.root_password());
+    EXPECT_THAT(probe.values(name, "cn"), ElementsAre("Smith, Ann", "Ann"));
+    EXPECT_THAT(probe.values(name, "OrvoRole"), ElementsAre("2", "3"));
+    EXPECT_EQ(session.add(name, attributes).code, 68);
+    EXPECT_EQ(session.remove("ou=Users,o=Shop").code, 66);
+    EXPECT_TRUE(session.remove(name).ok());
+    EXPECT_EQ(session.remove(name).code, 32);
 }
 
 TEST(Session, ChangesAPassword) {

@@ -1,0 +1,262 @@
+#include "suite/directory/ldap/connection_pool.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "suite/directory/ldap/failures.h"
+#include "suite/directory/ldap/write_marks.h"
+
+namespace orvo::directory::ldap {
+namespace {
+
+using std::chrono::steady_clock;
+
+[[noreturn]] void raise_busy(const Identity& identity, const PoolSettings& settings) {
+    const bool checks = identity.kind() == Identity::Kind::password_checks;
+    raise_code(result_code::busy, "All " + std::to_string(settings.maximum_size) +
+                                      " connections of " +
+                                      (checks ? "the password checks" : "this user") + " to '" +
+                                      identity.server_key() + "' were in use for " +
+                                      std::to_string(settings.wait.count()) +
+                                      " ms (MaximumSize and WaitLimit of the connection pool).");
+}
+
+void forget_unused(std::vector<std::weak_ptr<Identity>>& set) {
+    std::erase_if(set, [](const auto& identity) { return identity.expired(); });
+}
+
+}  // namespace
+
+ConnectionPool& ConnectionPool::of_process() {
+    static ConnectionPool made;
+    return made;
+}
+
+PoolSettings ConnectionPool::settings() const {
+    const std::lock_guard lock(mutex_);
+    return settings_;
+}
+
+void ConnectionPool::configure(const Variant& names, const Variant& values) {
+    Closing closing;
+    const std::lock_guard lock(mutex_);
+    settings_ = changed(settings_, names, values);
+    close_old(closing);
+    for (auto& [key, set] : identities_)
+        for (const auto& weak : set)
+            if (const auto identity = weak.lock()) identity->changed_.notify_all();
+}
+
+Credentials ConnectionPool::enter(const ServerAddress& server, const std::string& user,
+                                  const Secret& password) {
+    const PasswordDigest digest(password);
+    const std::string server_key = server.key();
+    // The length keeps two keys apart whatever is in their parts.
+    const std::string key = std::to_string(server_key.size()) + ' ' + server_key + user;
+    const std::lock_guard lock(mutex_);
+    Credentials credentials;
+    credentials.identity = find_or_make(Identity::Kind::user, key, server, user, digest);
+    credentials.password = credentials.identity->password_.lock();
+    if (!credentials.password) {
+        credentials.password = std::make_shared<Secret>(password.clone());
+        credentials.identity->password_ = credentials.password;
+    }
+    return credentials;
+}
+
+Credentials ConnectionPool::password_checks(const ServerAddress& server) {
+    const std::lock_guard lock(mutex_);
+    const std::string key = "checks " + server.key();
+    return {find_or_make(Identity::Kind::password_checks, key, server, {}, {}), nullptr};
+}
+
+std::shared_ptr<Identity> ConnectionPool::find_or_make(Identity::Kind kind, const std::string& key,
+                                                       const ServerAddress& server,
+                                                       const std::string& user,
+                                                       const PasswordDigest& digest) {
+    if (identities_.size() >= clean_at_) {
+        for (auto row = identities_.begin(); row != identities_.end();) {
+            forget_unused(row->second);
+            row = row->second.empty() ? identities_.erase(row) : std::next(row);
+        }
+        clean_at_ = std::max<std::size_t>(64, 2 * identities_.size());
+    }
+    auto& set = identities_[key];
+    forget_unused(set);
+    for (const auto& weak : set)
+        if (auto identity = weak.lock(); identity && identity->digest_ == digest) return identity;
+    auto made = std::make_shared<Identity>(kind, server, user, digest);
+    set.push_back(made);
+    return made;
+}
+
+Lease ConnectionPool::lease(const Credentials& credentials, const std::optional<Limits>& limits) {
+    Lease lease = place_for(credentials, limits);
+    if (!lease.connection_) lease.reopen();
+    return lease;
+}
+
+Lease ConnectionPool::lease_presented(const Credentials& credentials, const Secret& presented,
+                                      const std::optional<Limits>& limits) {
+    const PasswordDigest digest(presented);
+    Lease lease = place_for(credentials, limits);
+    if (lease.connection_ && !is_trusted(*credentials.identity, digest)) {
+        const Result bind = lease.authenticate(presented, digest);
+        if (bind.code != result_code::server_down) check_bind(bind);
+    }
+    if (!lease.connection_) {
+        lease.open();
+        check_bind(lease.authenticate(presented, digest));
+    }
+    return lease;
+}
+
+// A place for one more connection, with an idle connection where there is one that is alive.
+Lease ConnectionPool::place_for(const Credentials& credentials,
+                                const std::optional<Limits>& limits) {
+    Identity& identity = *credentials.identity;
+    Closing closing;
+    std::unique_lock lock(mutex_);
+    close_old(closing);
+    Lease lease(*this, credentials, limits.value_or(settings_.limits));
+    lease.generation_ = identity.generation_;
+    const auto has_place = [&] {
+        return settings_.maximum_size == 0 || !identity.idle_.empty() ||
+               identity.open_ < settings_.maximum_size;
+    };
+    if (!identity.changed_.wait_for(lock, settings_.wait, has_place))
+        raise_busy(identity, settings_);
+    if (settings_.maximum_size == 0) return lease;
+    lease.is_shared_ = true;
+    lease.generation_ = identity.generation_;
+    lease.connection_ = take_idle(identity);
+    ++identity.open_;
+    const auto too_old = steady_clock::now() - settings_.age;
+    lock.unlock();
+
+    while (lease.connection_ &&
+           (lease.connection_->opened <= too_old || !lease.session().seems_open())) {
+        lease.connection_.reset();
+        lock.lock();
+        lease.connection_ = take_idle(identity);
+        identity.changed_.notify_one();
+        lock.unlock();
+    }
+    if (lease.connection_) lease.session().set_limits(lease.limits_);
+    return lease;
+}
+
+void ConnectionPool::password_changed(const std::string& entry, const Secret& password,
+                                      const Credentials& by) {
+    Closing closing;
+    const std::lock_guard lock(mutex_);
+    for (auto& [key, set] : identities_) {
+        for (const auto& weak : set) {
+            const auto identity = weak.lock();
+            if (!identity || identity->user_key() != entry ||
+                identity->kind() != Identity::Kind::user)
+                continue;
+            identity->accepted_.reset();
+            ++identity->generation_;
+            if (identity != by.identity) {
+                close_all(*identity, closing);
+                continue;
+            }
+            identity->digest_ = PasswordDigest(password);
+            *by.password = password.clone();
+        }
+    }
+}
+
+bool ConnectionPool::is_trusted(const Identity& identity, const PasswordDigest& digest) const {
+    const std::lock_guard lock(mutex_);
+    return identity.accepted_ && identity.digest_ == digest &&
+           steady_clock::now() - identity.accepted_->at < settings_.recheck &&
+           write_mark(identity.user_key()) == identity.accepted_->write_mark;
+}
+
+void ConnectionPool::was_accepted(const Lease& lease, const PasswordDigest& digest,
+                                  const Acceptance& acceptance) {
+    Identity& identity = *lease.credentials_.identity;
+    const std::lock_guard lock(mutex_);
+    if (identity.generation_ == lease.generation_ && identity.digest_ == digest)
+        identity.accepted_ = acceptance;
+}
+
+void ConnectionPool::was_refused(const Lease& lease, const PasswordDigest& digest) {
+    Identity& identity = *lease.credentials_.identity;
+    Closing closing;
+    const std::lock_guard lock(mutex_);
+    if (!(identity.digest_ == digest)) return;
+    identity.accepted_.reset();
+    ++identity.generation_;
+    close_all(identity, closing);
+}
+
+Secret ConnectionPool::password_of(const Credentials& credentials, PasswordDigest& digest) const {
+    const std::lock_guard lock(mutex_);
+    if (!credentials.password) return {};
+    digest = credentials.identity->digest_;
+    return credentials.password->clone();
+}
+
+void ConnectionPool::take_back(Lease& lease) {
+    Identity& identity = *lease.credentials_.identity;
+    Closing closing;
+    const std::lock_guard lock(mutex_);
+    const auto now = steady_clock::now();
+    if (lease.generation_ != identity.generation_ || identity.open_ > settings_.maximum_size ||
+        now - lease.connection_->opened >= settings_.age) {
+        closing.push_back(std::move(*lease.connection_));
+        --identity.open_;
+    } else {
+        idle_.push_back({lease.credentials_.identity, std::move(*lease.connection_), now});
+        identity.idle_.push_back(std::prev(idle_.end()));
+    }
+    lease.connection_.reset();
+    identity.changed_.notify_one();
+    close_old(closing);
+}
+
+void ConnectionPool::leave(const Lease& lease) {
+    Identity& identity = *lease.credentials_.identity;
+    const std::lock_guard lock(mutex_);
+    --identity.open_;
+    identity.changed_.notify_one();
+}
+
+// The one that worked last: those that nobody needs grow old.
+std::optional<Connection> ConnectionPool::take_idle(Identity& identity) {
+    if (identity.idle_.empty()) return std::nullopt;
+    const auto latest = identity.idle_.back();
+    identity.idle_.pop_back();
+    --identity.open_;
+    std::optional<Connection> connection(std::move(latest->connection));
+    idle_.erase(latest);
+    return connection;
+}
+
+void ConnectionPool::close_oldest(Closing& closing) {
+    const std::shared_ptr<Identity> identity = idle_.front().identity;
+    identity->idle_.erase(identity->idle_.begin());
+    --identity->open_;
+    identity->changed_.notify_one();
+    closing.push_back(std::move(idle_.front().connection));
+    idle_.pop_front();
+}
+
+void ConnectionPool::close_old(Closing& closing) {
+    const auto now = steady_clock::now();
+    while (!idle_.empty() &&
+           (settings_.maximum_size == 0 || idle_.size() > settings_.maximum_idle ||
+            now - idle_.front().since >= settings_.idle))
+        close_oldest(closing);
+}
+
+void ConnectionPool::close_all(Identity& identity, Closing& closing) {
+    while (std::optional<Connection> connection = take_idle(identity))
+        closing.push_back(std::move(*connection));
+    identity.changed_.notify_all();
+}
+
+}  // namespace orvo::directory::ldap

@@ -1,0 +1,87 @@
+#pragma once
+
+// Whose connections they are.
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <list>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "suite/directory/ldap/password_digest.h"
+#include "suite/directory/ldap/session.h"
+
+namespace orvo::directory::ldap {
+
+class ConnectionPool;
+
+// A connection, and since when it is one.
+struct Connection {
+    Session session;
+    std::chrono::steady_clock::time_point opened;
+};
+struct IdleConnection;
+using IdleList = std::list<IdleConnection>;
+
+// That the server accepted the user's password: when it was asked, and what this process had
+// written to the user's entry by then (write_mark).
+struct Acceptance {
+    std::chrono::steady_clock::time_point at;
+    std::uint64_t write_mark = 0;
+};
+
+// A user of a server with one password, or the password checks of a server: what has a set of
+// connections in the pool. Lives as long as somebody works with it or it has idle connections.
+class Identity {
+public:
+    enum class Kind { user, password_checks };
+
+    Identity(Kind kind, ServerAddress server, std::string user, const PasswordDigest& digest);
+    Identity(const Identity&) = delete;
+
+    Kind kind() const { return kind_; }
+    const ServerAddress& server() const { return server_; }
+    const std::string& server_key() const { return server_key_; }
+    const std::string& user() const { return user_; }
+    // The user's entry (DistinguishedName::key()).
+    const std::string& user_key() const { return user_key_; }
+
+private:
+    friend class ConnectionPool;
+
+    const Kind kind_;
+    const ServerAddress server_;
+    const std::string server_key_;
+    const std::string user_;
+    const std::string user_key_;
+
+    // The rest is the pool's, under its lock.
+    PasswordDigest digest_;
+    // The password, of those who work with it: it is forgotten when the last of them goes.
+    std::weak_ptr<Secret> password_;
+    std::optional<Acceptance> accepted_;
+    // Counts the times that connections lost their worth; one leased before is not taken back.
+    std::uint64_t generation_ = 0;
+    std::size_t open_ = 0;                  // idle and leased
+    std::vector<IdleList::iterator> idle_;  // the latest last
+    std::condition_variable changed_;
+};
+
+// What it takes to work as somebody.
+struct Credentials {
+    std::shared_ptr<Identity> identity;
+    // Shared by all who have the same; the pool's, under its lock. None for password checks.
+    std::shared_ptr<Secret> password;
+};
+
+// A connection that waits for work.
+struct IdleConnection {
+    std::shared_ptr<Identity> identity;
+    Connection connection;
+    std::chrono::steady_clock::time_point since;
+};
+
+}  // namespace orvo::directory::ldap

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "suite/directory/ldap/identity.h"
+
+namespace orvo::directory::ldap {
+
+class ConnectionPool;
+
+// Raises the failure of a bind that was not accepted. Whoever cannot be bound has the wrong
+// credentials (0x8007052E), whatever a server calls it.
+void check_bind(const Result& bind);
+
+// A connection that is one caller's, until it is given back or the lease ends. One that ends
+// without being given back closes its connection: what becomes of it after a failure or in the
+// middle of an operation is nobody's concern. Used by one thread at a time.
+class Lease {
+public:
+    Lease(Lease&& other) noexcept;
+    Lease& operator=(Lease&& other) noexcept;
+    ~Lease();
+
+    Session& session() { return connection_->session; }
+    // Whether the connection is the pool's; it is its holder's own where there is no pool.
+    bool is_shared() const { return is_shared_; }
+
+    // A new connection in place of this one, authenticated as before. Raises what connecting and
+    // authenticating do.
+    void reopen();
+
+    // The connection is good, and idle.
+    void give_back() &&;
+
+private:
+    friend class ConnectionPool;
+    Lease(ConnectionPool& pool, const Credentials& credentials, const Limits& limits);
+
+    void open();
+    Result authenticate(const Secret& password, const PasswordDigest& digest);
+    void end() noexcept;
+
+    ConnectionPool* pool_;
+    Credentials credentials_;
+    Limits limits_;
+    std::optional<Connection> connection_;
+    std::uint64_t generation_ = 0;
+    bool is_shared_ = false;
+};
+
+}  // namespace orvo::directory::ldap

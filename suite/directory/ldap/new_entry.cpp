@@ -1,0 +1,108 @@
+#include "suite/directory/ldap/new_entry.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "platform/abi/call.h"
+#include "platform/automation/failure.h"
+#include "platform/automation/values.h"
+#include "platform/dictionary/contract.h"
+#include "suite/directory/common/attribute_values.h"
+#include "suite/directory/common/distinguished_name.h"
+#include "suite/directory/ldap/failures.h"
+#include "suite/directory/ldap/password_value.h"
+
+namespace orvo::directory::ldap {
+namespace {
+
+constexpr const char* object_class = "objectClass";
+
+bool is_empty_text(const Variant& value) { return value.is_text() && value.text_view().empty(); }
+
+void append_classes(std::vector<std::string>& classes, const Variant& value) {
+    if (value.is_array()) {
+        for (const Variant& element : value.to<Values>()) append_classes(classes, element);
+    } else if (!value.is_empty()) {
+        if (Text name = value.to<Text>(); !name.empty()) classes.push_back(to_utf8(name));
+    }
+}
+
+}  // namespace
+
+std::vector<GivenAttribute> given_attributes(const Object& dictionary) {
+    if (!dictionary) raise_runtime_error(runtime_error::object_not_set);
+    const auto entries = Ref<Dictionary>::from(dictionary);
+    const Values names = call<&Dictionary::Keys>(entries).to<Values>();
+    const Values values = call<&Dictionary::Items>(entries).to<Values>();
+    std::vector<GivenAttribute> given;
+    for (std::int32_t index = 0; index < names.count(); ++index) {
+        const Variant& name = names[names.lower_bound() + index];
+        if (!name.is_text()) raise_runtime_error(runtime_error::type_mismatch);
+        given.push_back({to_utf8(name.text_view()), values[values.lower_bound() + index]});
+    }
+    return given;
+}
+
+NewEntry::NewEntry(const std::vector<GivenAttribute>& given, const Variant& classes,
+                   const std::string& naming_attribute, const AttributeTypes& types) {
+    for (const auto& [name, value] : given) {
+        const AttributeType* type = types.find(name);
+        if (is_password(name)) {
+            password = password_in(value);
+        } else if (!is_empty_text(value)) {
+            append(name, encode_values(type, value), types);
+        } else if (!type || type->syntax == Syntax::text) {
+            left_empty.push_back(name);
+        } else if (type->syntax == Syntax::integer) {
+            append(name, {"0"}, types);
+        }
+    }
+    if (!find(object_class, types)) {
+        std::vector<std::string> names;
+        append_classes(names, classes);
+        append(object_class, std::move(names), types);
+    }
+    name_by(naming_attribute, types);
+}
+
+Attribute* NewEntry::find(const std::string& name, const AttributeTypes& types) {
+    const auto found =
+        std::find_if(attributes.begin(), attributes.end(),
+                     [&](const Attribute& attribute) { return types.same(attribute.name, name); });
+    return found == attributes.end() ? nullptr : &*found;
+}
+
+void NewEntry::append(const std::string& name, std::vector<std::string> values,
+                      const AttributeTypes& types) {
+    if (values.empty()) return;
+    Attribute* attribute = find(name, types);
+    if (!attribute) {
+        attributes.push_back({name, std::move(values)});
+        return;
+    }
+    std::vector<std::string>& held = attribute->values;
+    for (std::string& value : values)
+        if (std::find(held.begin(), held.end(), value) == held.end())
+            held.push_back(std::move(value));
+}
+
+void NewEntry::name_by(const std::string& naming_attribute, const AttributeTypes& types) {
+    const Attribute* naming = find(naming_attribute, types);
+    if (!naming || naming->values.size() != 1)
+        raise_code(result_code::invalid_name,
+                   "The naming attribute '" + naming_attribute + "' must have one value.");
+    const Text value = from_utf8(naming->values.front());
+    const Text attribute = from_utf8(naming_attribute) + u"=";
+    relative_name = attribute + escaped_value(value);
+    const auto name = DistinguishedName::try_parse(relative_name);
+    if (!name || name->depth() != 1)
+        raise_code(result_code::invalid_name,
+                   "'" + naming_attribute + "' cannot be the naming attribute.");
+    const auto put_together = DistinguishedName::try_parse(attribute + value);
+    if (put_together && put_together != name)
+        raise_code(result_code::invalid_name, "The name " + quoted(naming->values.front()) +
+                                                  " could be taken for that of another entry.");
+}
+
+}  // namespace orvo::directory::ldap

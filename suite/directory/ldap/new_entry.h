@@ -1,0 +1,52 @@
+#pragma once
+
+// An entry that is to be created, as a caller of the provider describes it.
+
+#include <string>
+#include <vector>
+
+#include "platform/automation/object.h"
+#include "platform/automation/secret.h"
+#include "platform/automation/variant.h"
+#include "suite/directory/common/attribute_types.h"
+#include "suite/directory/ldap/session.h"
+
+namespace orvo::directory::ldap {
+
+// An attribute and its value or array of values, untyped as yet.
+struct GivenAttribute {
+    std::string name;
+    Variant value;
+};
+
+// The entries of a dictionary, in its order. Raises 91 for no object, 13 for a key that is no text
+// and for an object that is no dictionary.
+std::vector<GivenAttribute> given_attributes(const Object& dictionary);
+
+struct NewEntry {
+    Text relative_name;  // the naming attribute and its value, escaped
+    std::vector<Attribute> attributes;
+    // Text attributes that came as an empty text, which no directory stores.
+    std::vector<std::string> left_empty;
+    Secret password;  // empty: none
+
+    // Values are typed by the schema (encode_values). One attribute under several names or
+    // spellings is one attribute, and a value that it is given twice is one value. What comes as an
+    // empty text is 0 for an integer and left out for any other type. The object classes are those
+    // among the attributes, or where there are none, `classes`: a text or an array, each element of
+    // which may be an array again.
+    //
+    // Raises result code 34 where the naming attribute has no value or several, where these make
+    // no relative name, and for a name that its callers could not use afterwards: put together
+    // without escaping, as they do (escaped_name), it would be another entry's, "a,ou=b" say.
+    NewEntry(const std::vector<GivenAttribute>& given, const Variant& classes,
+             const std::string& naming_attribute, const AttributeTypes& types);
+
+private:
+    Attribute* find(const std::string& name, const AttributeTypes& types);
+    void append(const std::string& name, std::vector<std::string> values,
+                const AttributeTypes& types);
+    void name_by(const std::string& naming_attribute, const AttributeTypes& types);
+};
+
+}  // namespace orvo::directory::ldap

@@ -1,0 +1,28 @@
+#include "suite/directory/ldap/password_value.h"
+
+#include <optional>
+
+#include "platform/automation/failure.h"
+#include "platform/automation/values.h"
+#include "suite/directory/common/attribute_types.h"
+
+namespace orvo::directory::ldap {
+
+bool is_password(const std::string& attribute) {
+    const std::string type = AttributeDescription(attribute).type;
+    return type == "userpassword" || type == "2.5.4.35";
+}
+
+Secret password_in(const Variant& value) {
+    if (value.is_array() && !value.try_bytes()) {
+        const Values values = value.to<Values>();
+        if (values.count() == 0) return {};
+        if (values.count() > 1) raise_runtime_error(runtime_error::type_mismatch);
+        return password_in(values[values.lower_bound()]);
+    }
+    if (std::optional<std::string> bytes = value.try_bytes()) return Secret::of_bytes(*bytes);
+    if (value.is_text()) return Secret(value.text_view());
+    return Secret(value.to<Text>());
+}
+
+}  // namespace orvo::directory::ldap

@@ -1,0 +1,99 @@
+#include "suite/directory/ldap/new_entry.h"
+
+#include <gmock/gmock.h>
+
+#include <array>
+
+#include "platform/automation/failure.h"
+#include "platform/automation/values.h"
+#include "tests/suite/directory/ldap/expect_failure.h"
+
+namespace orvo::directory::ldap {
+
+bool operator==(const Attribute& one, const Attribute& other) {
+    return one.name == other.name && one.values == other.values;
+}
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+AttributeTypes types() {
+    return AttributeTypes::from_descriptions(std::array<std::string, 5>{
+        "( 2.5.4.3 NAME ( 'cn' 'commonName' ) SYNTAX 1.3.6.1.4.1.1466.115.121.1.15 )",
+        "( 2.5.4.4 NAME ( 'sn' 'surname' ) SYNTAX 1.3.6.1.4.1.1466.115.121.1.15 )",
+        "( 1.1.1 NAME 'type' SYNTAX 1.3.6.1.4.1.1466.115.121.1.27 )",
+        "( 1.1.2 NAME 'active' SYNTAX 1.3.6.1.4.1.1466.115.121.1.7 )",
+        "( 2.5.4.0 NAME 'objectClass' SYNTAX 1.3.6.1.4.1.1466.115.121.1.38 )"});
+}
+
+NewEntry entry(const std::vector<GivenAttribute>& given, const Variant& classes = u"person",
+               const std::string& naming = "cn") {
+    return NewEntry(given, classes, naming, types());
+}
+
+TEST(ANewEntry, HasItsValuesTypedAndItsNameEscaped) {
+    const NewEntry made = entry({{"cn", u"Smith, John"},
+                                 {"type", u"4"},
+                                 {"active", true},
+                                 {"userPassword", u"secret"},
+                                 {"objectClass", Values{u"person", u"top"}}});
+    EXPECT_EQ(made.relative_name, u"cn=Smith\\, John");
+    EXPECT_THAT(
+        made.attributes,
+        ElementsAre(Attribute{"cn", {"Smith, John"}}, Attribute{"type", {"4"}},
+                    Attribute{"active", {"TRUE"}}, Attribute{"objectClass", {"person", "top"}}));
+    EXPECT_EQ(made.password.reveal(), "secret");
+    EXPECT_THAT(made.left_empty, IsEmpty());
+}
+
+TEST(ANewEntry, LeavesEmptyTextsOutButForNumbers) {
+    const NewEntry made = entry({{"cn", u"a"},
+                                 {"sn", u""},
+                                 {"type", u""},
+                                 {"active", u""},
+                                 {"unknown", u""},
+                                 {"userPassword", u""}});
+    EXPECT_THAT(made.attributes, ElementsAre(Attribute{"cn", {"a"}}, Attribute{"type", {"0"}},
+                                             Attribute{"objectClass", {"person"}}));
+    EXPECT_THAT(made.left_empty, ElementsAre("sn", "unknown"));
+    EXPECT_TRUE(made.password.empty());
+}
+
+TEST(ANewEntry, TakesSeveralNamesOfOneAttributeForOne) {
+    const NewEntry made = entry({{"cn", u"a"},
+                                 {"CN", u"a"},
+                                 {"surname", Values{u"b", u"c"}},
+                                 {"2.5.4.4", u"c"},
+                                 {"sn;lang-de", u"d"},
+                                 {"OBJECTCLASS", u"top"}},
+                                u"person", "commonName");
+    EXPECT_EQ(made.relative_name, u"commonName=a");
+    EXPECT_THAT(made.attributes,
+                ElementsAre(Attribute{"cn", {"a"}}, Attribute{"surname", {"b", "c"}},
+                            Attribute{"sn;lang-de", {"d"}}, Attribute{"OBJECTCLASS", {"top"}}));
+}
+
+TEST(ANewEntry, IsRefusedWhereItsNameIsNoneOrAnothers) {
+    const std::vector<GivenAttribute> refused[] = {
+        {},
+        {{"sn", u"a"}},
+        {{"cn", u""}},
+        {{"cn", Values{}}},
+        {{"cn", Values{u"a", u"b"}}},
+        {{"cn", u"a,ou=b"}},
+        {{"cn", u"a\\2Cb"}},
+        {{"cn", u"#0401"}},
+        {{"cn", u"a+sn=b"}},
+    };
+    for (const std::vector<GivenAttribute>& given : refused)
+        EXPECT_EQ(failure_of([&] { entry(given); }).number, error_number(0x80072032));
+}
+
+TEST(ANewEntry, ComesFromADictionary) {
+    EXPECT_EQ(failure_of([] { given_attributes(Object()); }).number, 91);
+}
+
+}  // namespace
+}  // namespace orvo::directory::ldap

@@ -1,0 +1,78 @@
+// The module with the provider, as others load it.
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+#include "component/provider/contract.h"
+#include "platform/abi/call.h"
+#include "platform/abi/create.h"
+#include "platform/abi/system.h"
+#include "tests/suite/temporary_folder.h"
+#include "tests/support/ldap_probe.h"
+#include "tests/support/slapd.h"
+
+namespace orvo::directory::ldap {
+namespace {
+
+class Unloading : public testing::Test {
+protected:
+    Unloading() { output_of({ORVO_REGISTER_TOOL, ORVO_SUITE}); }
+
+    void use_everything() const {
+        const auto directory = Ref<DirectoryModule>::from(create_object(u"OrvoDirectory.Ldap"));
+        Text server = from_utf8(server_.server()), container = u"ou=Users,o=Shop";
+        Text name = u"cn=djansen", user = from_utf8(server_.service_dn());
+        Text password = from_utf8(server_.service_password());
+        Variant names = Values{u"Entries"}, values = Values{10}, attributes = Values{u"sn"};
+        const auto entry = call<&DirectoryModule::CreateEntry>(directory);
+        call<&DirectoryEntry::InitializeCache>(entry, names, values);
+        call<&DirectoryEntry::Bind>(entry, server, container, name, user, password, attributes);
+        const auto validator = call<&DirectoryModule::CreateValidator>(directory);
+        call<&DirectoryValidator::Open>(validator, server, container);
+        Variant path = from_utf8(server_.user_dn("djansen"));
+        Variant right = from_utf8(server_.user_password());
+        EXPECT_EQ(call<&DirectoryValidator::Validate>(validator, path, right), 0);
+    }
+
+    // Without the one that counts; a connection that was closed is still open for a moment.
+    bool comes_to(long connections) {
+        const std::string entry = "cn=Current,cn=Connections,cn=Monitor";
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+        while (std::stol(probe_.values(entry, "monitorCounter").at(0)) != connections + 1) {
+            if (std::chrono::steady_clock::now() > end) return false;
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        }
+        return true;
+    }
+
+    PrivateSlapd server_;
+    LdapProbe probe_{server_.url(), server_.root_dn(), server_.root_password()};
+
+private:
+    test::TemporaryFolder folder_;
+    test::Environment components_{"ORVO_COMPONENTS", folder_.path().string()};
+};
+
+// Whether unused modules are unloaded is the system's business; where they are, their connections
+// are closed, and no more are ever there than the new ones.
+TEST_F(Unloading, LeavesNoConnectionsBehind) {
+    for (int round = 0; round < 3; ++round) {
+        use_everything();
+        EXPECT_TRUE(comes_to(2)) << "one of the service account, one for password checks";
+        abi::CoFreeUnusedLibraries();
+    }
+}
+
+TEST_F(Unloading, LeavesNoConnectionsOfOtherThreadsBehind) {
+    for (int round = 0; round < 3; ++round) {
+        std::thread([&] { use_everything(); }).join();
+        std::thread([&] { use_everything(); }).join();
+        EXPECT_TRUE(comes_to(2));
+        abi::CoFreeUnusedLibraries();
+    }
+}
+
+}  // namespace
+}  // namespace orvo::directory::ldap
