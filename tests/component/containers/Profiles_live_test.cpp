@@ -1,0 +1,127 @@
+// Profiles created, listed and deleted in a real directory.
+
+#include "tests/component/containers/containers_live_test.h"
+
+namespace orvo {
+namespace {
+
+class ProfilesLive : public ContainersLive {
+protected:
+    static Object create_profile(const Object& profiles, const Text& name) {
+        return late::call(profiles, u"CreateProfile", {name}).to<Object>();
+    }
+    static Variant remove(const Object& profiles, const Text& name) {
+        return late::call(profiles, u"DeleteProfile", {name});
+    }
+    std::vector<std::string> all() {
+        return column(late::call(profiles(), u"AsRecordset").to<Object>());
+    }
+};
+
+TEST_FRESH(ProfilesLive, AreListedByName) {
+    EXPECT_THAT(all(), UnorderedElementsAre("Administrators", "Approvers", "Branch Office",
+                                            "Buyer's Friends", "Buyers", "Eink\xC3\xA4ufer",
+                                            "Guests", "Nobody", "Receivers", "Sales",
+                                            "\xD0\x9F\xD0\xBE\xD0\xBA\xD1\x83\xD0\xBF\xD0\xB0\xD1"
+                                            "\x82\xD0\xB5\xD0\xBB\xD0\xB8"));
+}
+
+TEST_FRESH(ProfilesLive, ANewProfileIsBoundAndDeletedWhileNobodyHasIt) {
+    const auto before = everything();
+    const Object container = profiles();
+    const Object made = create_profile(container, u"Night, Shift");
+    EXPECT_EQ(property(made, u"CN"), "Night, Shift");
+    const auto name = probe_->find("ou=Profiles,o=Shop", "(cn=Night, Shift)");
+    ASSERT_EQ(name.size(), 1u);
+    EXPECT_THAT(probe_->values(name[0], "objectClass"), ElementsAre("orvoProfile"));
+    late::put(made, u"Locale", std::int16_t(1031));
+    EXPECT_THAT(probe_->values(name[0], "Locale"), ElementsAre("1031"));
+    EXPECT_EQ(remove(container, u"Night, Shift"), Variant(true));
+    EXPECT_EQ(everything(), before);
+}
+
+TEST_FRESH(ProfilesLive, AnUnboundContainerCreatesAsTheScriptAccount) {
+    load_settings();
+    const Object container = create_object(u"OrvoMembership.Profiles");
+    create_profile(container, u"Night Shift");
+    EXPECT_THAT(probe_->values("cn=Night Shift,ou=Profiles,o=Shop", "creatorsName"),
+                ElementsAre(shop_.service_dn()));
+    EXPECT_EQ(remove(container, u"Night Shift"), Variant(true)) << "it stays bound so";
+}
+
+TEST_FRESH(ProfilesLive, AnUnboundContainerDeletesNothing) {
+    load_settings();
+    const Object container = create_object(u"OrvoMembership.Profiles");
+    expect_failure(raised_by([&] { remove(container, u"Nobody"); }), error_number(0x80040327),
+                   u"OrvoMembership.Profiles.DeleteProfile",
+                   block("80040327", "Profiles.DeleteProfile",
+                         "Object not bound to Profiles organizational unit. Call BindAs first"));
+}
+
+TEST_FRESH(ProfilesLive, ANameThatIsTakenIsRefused) {
+    const auto before = everything();
+    for (const char16_t* name : {u"Buyers", u"BUYERS"})
+        expect_failure(raised_by([&] { create_profile(profiles(), name); }),
+                       error_number(0x8004044F), u"OrvoMembership.Profiles.CreateProfile",
+                       block("8004044F", "Profiles.CreateProfile",
+                             "Unable to add profile with profile name:'" + to_utf8(Text(name)) +
+                                 "'. The profile already exists."));
+    EXPECT_EQ(everything(), before);
+}
+
+TEST_FRESH(ProfilesLive, AProfileWithUsersOrLocalAdministratorsStays) {
+    const auto before = everything();
+    const Object container = profiles();
+    EXPECT_EQ(remove(container, u"Buyers"), Variant(false));
+    EXPECT_EQ(remove(container, u"Branch Office"), Variant(false));
+    EXPECT_EQ(everything(), before);
+    EXPECT_EQ(remove(container, u"Nobody"), Variant(true));
+    EXPECT_THAT(probe_->find("ou=Profiles,o=Shop", "(cn=Nobody)"), IsEmpty());
+}
+
+TEST_FRESH(ProfilesLive, AProfileStaysUntilItsLastUserLeaves) {
+    const Object container = profiles();
+    create_profile(container, u"Night Shift");
+    const Object tina = create(members(), u"tina");
+    late::put(tina, u"ProfileCN", u"Night Shift");
+    EXPECT_EQ(remove(container, u"Night Shift"), Variant(false));
+    late::put(tina, u"ProfileCN", u"");
+    EXPECT_EQ(remove(container, u"Night Shift"), Variant(true));
+}
+
+TEST_FRESH(ProfilesLive, AMissingProfileIsNoSuchEntry) {
+    const Failure failure = raised_by([&] { remove(profiles(), u"Night Shift"); });
+    EXPECT_EQ(failure.number, error_number(0x80072030)) << failure.what();
+    EXPECT_EQ(to_utf8(failure.source), "OrvoDirectory.Ldap");
+    EXPECT_THAT(to_utf8(failure.description),
+                HasSubstr("(32) There is no such entry. The nearest entry is "
+                          "'ou=Profiles,o=Shop'."));
+}
+
+TEST_FRESH(ProfilesLive, AnOrdinaryUserSeesTheProfilesAndChangesNone) {
+    load_settings();
+    const Object container = create_object(u"OrvoMembership.Profiles");
+    late::call(container, u"BindAs",
+               {from_utf8(shop_.user_dn("jsmith")), from_utf8(shop_.user_password())});
+    EXPECT_EQ(column(late::call(container, u"AsRecordset").to<Object>()).size(), 11u);
+    const auto before = everything();
+    EXPECT_EQ(raised_by([&] { create_profile(container, u"Mine"); }).number,
+              error_number(0x80072098));
+    EXPECT_EQ(raised_by([&] { remove(container, u"Nobody"); }).number, error_number(0x80072098));
+    EXPECT_EQ(everything(), before);
+}
+
+TEST_FRESH(ProfilesLive, NamesWithSignsOfTheirOwnAreCreatedBoundAndDeleted) {
+    const auto before = everything();
+    const Object container = profiles();
+    for (const char16_t* name : {u"a, b", u"a+b", u"\"quoted\"", u"#hash", u"star*", u"(paren)",
+                                 u"back\\slash", u"a=b", u"\u65E5\u672C", u"O'Neill", u" blank"}) {
+        SCOPED_TRACE(to_utf8(Text(name)));
+        EXPECT_EQ(property(create_profile(container, name), u"CN"), to_utf8(Text(name)));
+        EXPECT_EQ(remove(container, name), Variant(true));
+        EXPECT_EQ(everything(), before);
+    }
+}
+
+}  // namespace
+}  // namespace orvo

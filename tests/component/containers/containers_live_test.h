@@ -1,0 +1,127 @@
+#pragma once
+
+// The containers with everything real behind them: the modules that a site registers, and a
+// directory server of the test's own.
+
+#include <gmock/gmock.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "platform/abi/create.h"
+#include "platform/abi/late_call.h"
+#include "platform/automation/values.h"
+#include "tests/suite/temporary_folder.h"
+#include "tests/support/ldap_probe.h"
+#include "tests/support/recording/fresh_thread.h"
+#include "tests/support/recording/raised.h"
+#include "tests/support/slapd.h"
+
+namespace orvo {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::MatchesRegex;
+using testing::Not;
+using testing::StartsWith;
+using testing::UnorderedElementsAre;
+
+inline constexpr auto unreachable = error_number(0x8007203A);
+
+inline std::string property(const Object& object, TextView name) {
+    return to_utf8(late::get(object, name).to<Text>());
+}
+
+// The values of a record set's column from the current row to the last.
+inline std::vector<std::string> column(const Object& record_set, TextView name = u"cn") {
+    std::vector<std::string> all;
+    for (; !late::get(record_set, u"EOF").to<bool>(); late::call(record_set, u"MoveNext"))
+        all.push_back(to_utf8(late::get(record_set, u"Collect", {name}).to<Text>()));
+    return all;
+}
+
+// An array of texts.
+inline Variant list(std::initializer_list<const char16_t*> texts) {
+    Values values;
+    for (const char16_t* text : texts) values.push_back(text);
+    return values;
+}
+
+inline std::string block(const char* number, const char* method, const std::string& description) {
+    return std::string("\r\nERROR 0x") + number + "\r\n METHOD: OrvoMembership." + method +
+           "\r\n DESC: " + description + ".\r\n";
+}
+
+class ContainersLive : public testing::Test {
+protected:
+    explicit ContainersLive(SlapdOptions options = {}) : shop_(std::move(options)) {
+        output_of({ORVO_REGISTER_TOOL, ORVO_MEMBERSHIP, ORVO_SUITE, ORVO_PLATFORM});
+    }
+
+    Variant service() const { return from_utf8(shop_.service_dn()); }
+    Variant service_code() const { return from_utf8(shop_.service_password()); }
+
+    // The settings of this thread, which everything made afterwards uses.
+    void load_settings() {
+        late::call(create_object(u"OrvoMembership.Members"), u"setServerInfo",
+                   {from_utf8(shop_.site_ini().string())});
+    }
+    // A container or an accessor, bound with the service account.
+    Object members() { return bound(u"OrvoMembership.Members"); }
+    Object profiles() { return bound(u"OrvoMembership.Profiles"); }
+    Object user(const Text& cn) {
+        load_settings();
+        const Object user = create_object(u"OrvoMembership.User");
+        late::call(user, u"BindAs", {cn, service(), service_code()});
+        return user;
+    }
+    Object bound(const Text& class_name) {
+        load_settings();
+        const Object container = create_object(class_name);
+        late::call(container, u"BindAs", {service(), service_code()});
+        return container;
+    }
+    static Object create(const Object& members, const Text& name,
+                         const Text& password = u"first-sample") {
+        return late::call(members, u"CreateUser", {name, password}).to<Object>();
+    }
+    static Object found(const Object& members, const Variant& criteria) {
+        return late::call(members, u"GetOrvoUsers", {criteria}).to<Object>();
+    }
+
+    int login(const std::string& dn, const std::string& password) {
+        return LdapProbe(shop_.url()).bind(dn, password);
+    }
+    std::vector<std::string> stored(const std::string& cn, const char* attribute) {
+        return probe_->values(shop_.user_dn(cn), attribute);
+    }
+    // Every entry of the shop with the number of its last change.
+    std::map<std::string, std::vector<std::string>> everything() {
+        std::map<std::string, std::vector<std::string>> entries;
+        for (const std::string& name : probe_->find("o=Shop", "(objectClass=*)"))
+            entries[name] = probe_->values(name, "entryCSN");
+        return entries;
+    }
+    std::string logged() const { return test::content_of(folder_.path() / "orvo.log"); }
+
+    // The directory goes away and comes back; the probe follows.
+    void away() { shop_.stop(); }
+    void back() {
+        shop_.start();
+        probe_ = std::make_unique<LdapProbe>(shop_.url(), shop_.root_dn(), shop_.root_password());
+    }
+
+    PrivateSlapd shop_;
+    std::unique_ptr<LdapProbe> probe_ =
+        std::make_unique<LdapProbe>(shop_.url(), shop_.root_dn(), shop_.root_password());
+
+private:
+    test::TemporaryFolder folder_;
+    test::Environment components_{"ORVO_COMPONENTS", folder_.path().string()};
+    test::Environment site_{"ORVO_SITE_CONFIG", shop_.site_ini().string()};
+    test::Environment log_{"ORVO_LOG_FILE", (folder_.path() / "orvo.log").string()};
+};
+
+}  // namespace orvo
