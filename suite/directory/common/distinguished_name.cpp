@@ -224,6 +224,16 @@ Text escaped_name(TextView relative_name) {
     return Text(relative_name.substr(0, sign + 1)) + escaped_value(relative_name.substr(sign + 1));
 }
 
+Text full_name(TextView written) {
+    if (DistinguishedName::try_parse(written)) return Text(written);
+    for (std::size_t comma = written.find(u','); comma != TextView::npos;
+         comma = written.find(u',', comma + 1)) {
+        const TextView rest = written.substr(comma + 1);
+        if (DistinguishedName::try_parse(rest)) return entry_name(written.substr(0, comma), rest);
+    }
+    return Text(written);
+}
+
 // Nowhere does a spelling of the container have more commas than its key.
 std::optional<Text> name_below(TextView written, const DistinguishedName& container) {
     const std::string key = container.key();

@@ -51,6 +51,11 @@ Text escaped_name(TextView relative_name);
 // empty.
 Text entry_name(TextView relative_name, TextView container);
 
+// A full name as its callers put it together of a plain name and its container,
+// "cn=Smith, John,ou=Users,o=Shop": as it stands where it can be read; otherwise what stands in
+// front of the longest readable end is a relative name that escaped_name is applied to.
+Text full_name(TextView written);
+
 // The full name of an entry below `container`, of what callers put together: a relative name, ","
 // and the container, which may be spelled in any way and also from the top down with "/". Nothing
 // where the text does not end in the container, or names the container itself.

@@ -61,14 +61,15 @@ void LdapValidator::Open(Text& server, Text& user_container) {
 
 std::int32_t LdapValidator::Validate(Variant& path, Variant& password) {
     if (!is_open_) raise_runtime_error(runtime_error::object_not_set);
-    const Text path_text = path.to<Text>();
+    const Text path_text = full_name(path.to<Text>());
     const Secret secret = secret_of(password);
     auto target = last_target().find(server_, container_);
     const auto parsed = target ? std::nullopt : DistinguishedName::try_parse(container_);
     if (!target && !parsed) raise_code(result_code::invalid_name, to_utf8(container_));
     const DistinguishedName& container = target ? target->container_name : *parsed;
     const auto name = DistinguishedName::try_parse(path_text);
-    if (secret.empty() || !name || !name->is_below(container)) return password_check::wrong;
+    const bool is_a_user = name && name->is_below(container) && path_text.find(u'\0') == Text::npos;
+    if (secret.empty() || !is_a_user) return password_check::wrong;
     if (!target) {
         ConnectionPool& pool = ConnectionPool::of_process();
         target = std::make_shared<const Target>(Target{

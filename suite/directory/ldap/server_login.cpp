@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "suite/directory/common/distinguished_name.h"
 #include "suite/directory/ldap/failures.h"
 
 namespace orvo::directory::ldap {
@@ -12,7 +13,11 @@ ServerLogin::ServerLogin(TextView server, TextView user, TextView password,
     const ServerAddress address = ServerAddress::parse(server);
     if (presented_->empty() && !user.empty())
         raise_code(result_code::invalid_credentials, "A password is required.");
-    credentials_ = ConnectionPool::of_process().enter(address, to_utf8(user), *presented_);
+    // The client library would read on only as far as there.
+    if (user.find(u'\0') != TextView::npos)
+        raise_code(result_code::invalid_credentials, "The user's name holds a NUL.");
+    credentials_ =
+        ConnectionPool::of_process().enter(address, to_utf8(full_name(user)), *presented_);
 }
 
 Lease ServerLogin::take() {

@@ -163,5 +163,16 @@ TEST(TheNameBelowAContainer, IsFoundAtOnceInATextOfManyCommas) {
               many.size() + 1'000'000 + 16);
 }
 
+TEST(FullName, IsReadAsItStandsOrItsFrontIsTakenForAPlainName) {
+    const auto full = [](TextView written) { return to_utf8(full_name(written)); };
+    EXPECT_EQ(full(u"cn=jsmith,ou=Users,o=Shop"), "cn=jsmith,ou=Users,o=Shop");
+    EXPECT_EQ(full(u"cn=Smith\\, John,o=Shop"), "cn=Smith\\, John,o=Shop");
+    EXPECT_EQ(full(u"cn=Smith, John,ou=Users,o=Shop"), "cn=Smith\\, John,ou=Users,o=Shop");
+    EXPECT_EQ(full(u"cn=a, b, c+d,o=Shop"), "cn=a\\, b\\, c\\+d,o=Shop");
+    EXPECT_EQ(full(u"cn=#1,o=Shop"), "cn=\\#1,o=Shop");
+    EXPECT_EQ(full(u"no name at all"), "no name at all");
+    EXPECT_EQ(full(u""), "");
+}
+
 }  // namespace
 }  // namespace orvo::directory

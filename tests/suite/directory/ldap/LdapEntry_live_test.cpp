@@ -107,6 +107,16 @@ TEST_F(LdapEntryTest, RefusesAMissingEntry) {
               u"(32) There is no such entry. The nearest entry is 'ou=Users,o=Shop'.");
 }
 
+TEST_F(LdapEntryTest, TakesAUsersNameThatWasNotEscapedAndRefusesANul) {
+    const Login john{"cn=Smith, John,ou=Users,o=Shop", server_.user_password()};
+    bind_entry(entry_, server_.server(), john, u"cn=Smith, John");
+    EXPECT_EQ(values(entry_, u"cn"), Variant(Values{u"Smith, John"}));
+    bind_entry(entry_, server_.server(), john, u"cn=Buyers", Values{}, u"ou=Profiles,o=Shop");
+    const Login cut{server_.service_dn() + std::string(1, '\0') + "x", server_.service_password()};
+    EXPECT_EQ(failure_of([&] { bind_entry(entry_, server_.server(), cut, u"cn=jsmith"); }).number,
+              error_number(0x8007052E));
+}
+
 TEST_F(LdapEntryTest, RefusesWrongCredentials) {
     const std::vector<Login> logins = {{server_.service_dn(), "wrong"},
                                        {"cn=nobody,o=Shop", "wrong"},

@@ -76,6 +76,18 @@ TEST(LdapValidator, RefusesWithoutAskingTheServer) {
     EXPECT_EQ(server.connections(), 0);
 }
 
+TEST(LdapValidator, KnowsUsersWhoseNamesWereNotEscaped) {
+    for (const char* name :
+         {"Smith, John", "Research+Development", "#1 Buyer", "back\\slash", "O'Brien",
+          "Temp (night) *", "Ann \"Andy\" <Smith>; =", "Ελένη Ελλάδα", "😀 Emoji"}) {
+        EXPECT_EQ(checked(shop().server(), user_path(name), u"shop-sample"), 0) << name;
+        EXPECT_EQ(checked(shop().server(), user_path(name), u"wrong"), -1) << name;
+    }
+    EXPECT_EQ(checked(shop().server(), u"cn=djansen" + Text(1, u'\0') + u"x,ou=Users,o=Shop",
+                      u"shop-sample"),
+              -1);
+}
+
 TEST(LdapValidator, ConvertsItsArguments) {
     LdapProbe probe(shop().url(), shop().root_dn(), shop().root_password());
     ASSERT_EQ(probe.replace(shop().user_dn("admin"), "userPassword", {"4711"}), 0);
