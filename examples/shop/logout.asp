@@ -2,8 +2,7 @@
 <!-- #include virtual="/parts/lib.inc" -->
 <%
 if (isPost() && isOwnForm()) {
-    if (isLoggedIn())
-        Application("TavikAuthFilter.Connector").Logout(Session("QUENDRAID"));
+    endLogin();
     Session.Abandon();
 }
 Response.Redirect("/");

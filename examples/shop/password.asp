@@ -2,8 +2,8 @@
 <!-- #include virtual="/parts/lib.inc" -->
 <%
 // Open to everybody: who must choose a new password cannot log in before.
-var title = "Change password", message = "", done = "";
-var user = isLoggedIn() ? String(Session("REMOTE_USER")) : posted("user");
+var message = "";
+var user = isLoggedIn() ? String(Session("REMOTE_USER")) : posted("user") || asked("user");
 
 if (isPost()) {
     if (!isOwnForm()) message = staleForm;
@@ -11,11 +11,14 @@ if (isPost()) {
     else if (posted("new") != posted("again")) message = "The new password is not the same twice.";
     else {
         try {
-            Server.CreateObject("OrvoMembership.Validator")
-                .ChangePassword(user, posted("old"), posted("new"));
-            // Later pages bind with what the session knows.
-            if (isLoggedIn()) Session("REMOTE_PASSWORD") = posted("new");
-            done = "Your password has been changed.";
+            var validator = Server.CreateObject("OrvoMembership.Validator");
+            validator.ChangePassword(user, posted("old"), posted("new"));
+            var done = "Your password has been changed.";
+            if (!isLoggedIn()) goOn("/login.asp", done + " Please log in with the new one.");
+            // Session and filter know the old one; the login goes on with the new one.
+            Session("REMOTE_PASSWORD") = posted("new");
+            validator.ValidateCredentials(user, posted("new"), "");
+            goOn("/account/", done);
         } catch (error) {
             // Who is not there is not told apart from a wrong password.
             message = error.number == -2147016656
@@ -23,9 +26,9 @@ if (isPost()) {
         }
     }
 }
+head("Change password", message);
 %>
-<!-- #include virtual="/parts/head.inc" -->
-<form class="card narrow" method="post">
+<form class="card narrow" method="post" action="/password.asp">
 <%= tokenField() %>
 <% if (!isLoggedIn()) { %>
 <label>User name <input name="user" autocomplete="username" required value="<%= html(user) %>"></label>
@@ -35,4 +38,4 @@ if (isPost()) {
 <label>New password again <input name="again" type="password" autocomplete="new-password" required></label>
 <button>Change password</button>
 </form>
-<!-- #include virtual="/parts/foot.inc" -->
+<% foot(); %>

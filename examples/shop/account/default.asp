@@ -1,10 +1,8 @@
 <%@ Language="JScript" CodePage=65001 %>
 <!-- #include virtual="/parts/lib.inc" -->
 <%
-var title = "My account", message = "", done = "";
-
-// Created in a page, the user binds itself with the session's login.
-var user = Server.CreateObject("OrvoMembership.User");
+var title = "My account", message = "";
+var user = opened("OrvoMembership.User", title);
 
 // What everybody may change of the own entry: property, words, kind of field.
 var fields = [
@@ -27,12 +25,17 @@ if (isPost()) {
                 if (posted(name) != String(user[name])) user[name] = posted(name);
             }
             label = "Out of office";
-            user.OutOfOfficeOn = posted("OutOfOfficeOn") == "on";
-            done = "Your account has been saved.";
+            var isAway = posted("OutOfOfficeOn") == "on";
+            if (isAway != user.OutOfOfficeOn) user.OutOfOfficeOn = isAway;
+            goOn("/account/", "Your account has been saved.");
         } catch (error) {
             message = label + ": " + explained(error);
         }
     }
+}
+// What a field shows: what was sent, or else the property.
+function shown(name) {
+    return html(isPost() ? posted(name) : user[name]);
 }
 
 var roles = [];
@@ -40,12 +43,12 @@ for (var i = 0; i < roleNames.length; i++)
     if (user.HasRole(roleNames[i][0])) roles.push(roleNames[i][1]);
 var profile = user.Profile;
 var expiry = new Date(user.CreditCardExpiryDate);
+head(title, message);
 %>
-<!-- #include virtual="/parts/head.inc" -->
 <div class="card">
 <h2>What the shop knows about you</h2>
 <dl>
-<dt>User name</dt><dd><%= html(user.CN) %></dd>
+<dt>User name</dt><dd id="cn"><%= html(user.CN) %></dd>
 <dt>Kind of account</dt><dd><%= html(userTypes[user.OrvoUserType]) %></dd>
 <dt>Profile</dt><dd><%= profile ? html(profile.CN) : "none" %></dd>
 <dt>Roles</dt><dd id="roles"><%= html(roles.join(", ") || "none") %></dd>
@@ -60,12 +63,11 @@ var expiry = new Date(user.CreditCardExpiryDate);
 <div class="columns">
 <% for (var i = 0; i < fields.length; i++) { %>
 <label><%= fields[i][1] %> <input name="<%= fields[i][0] %>" type="<%= fields[i][2] %>"
-    value="<%= html(user[fields[i][0]]) %>"></label>
+    value="<%= shown(fields[i][0]) %>"></label>
 <% } %>
 </div>
-<p><label class="tick"><input name="OutOfOfficeOn" type="checkbox"<%= user.OutOfOfficeOn ? " checked" : "" %>>
+<p><label class="tick"><input name="OutOfOfficeOn" type="checkbox"<%= (isPost() ? posted("OutOfOfficeOn") == "on" : user.OutOfOfficeOn) ? " checked" : "" %>>
 I am out of office</label></p>
-<button>Save</button>
-<p><a href="/password.asp">Change password</a></p>
+<div class="bar"><button>Save</button><a href="/password.asp">Change password</a></div>
 </form>
-<!-- #include virtual="/parts/foot.inc" -->
+<% foot(); %>

@@ -3,56 +3,103 @@
 <%
 // One member: without a name in the query, a new one.
 var cn = asked("cn"), isNew = cn == "";
-var title = isNew ? "New member" : cn, message = "", done = asked("done");
+var title = isNew ? "New member" : cn, message = "";
 
 var texts = [["FirstName", "First name"], ["LastName", "Last name"], ["EMailAddress", "E-mail"],
              ["PhoneNumber", "Phone"], ["Position", "Position"], ["CompanyName", "Company"]];
 var limits = [["SpendLimit", "Spend limit"], ["ApproverLimit", "Approver limit"]];
-var account = String(Session("REMOTE_ACCOUNT")), password = String(Session("REMOTE_PASSWORD"));
+var members = opened("OrvoMembership.Members", title);
+// What is being done, for the message when it fails.
 var label = "";
-
-// The numbers of a list like "1, 2"; a lone 0 says "none of one's own".
-function numbersIn(text) {
-    var numbers = [];
-    text.replace(/-?\d+/g, function (number) { numbers.push(Number(number)); });
-    return numbers;
-}
-function chosenRoles() {
-    var chosen = [];
-    for (var i = 0; i < roleNames.length; i++)
-        if (posted("role" + roleNames[i][0]) == "on") chosen.push(roleNames[i][0]);
-    return chosen.length ? chosen : [0];
-}
 
 function bound(name) {
     var user = Server.CreateObject("OrvoMembership.User");
-    user.BindAs(name, account, password);
+    user.BindAs(name, String(Session("REMOTE_ACCOUNT")), String(Session("REMOTE_PASSWORD")));
     return user;
 }
 
+// Numbers of the member's own entry, not those of its profile; 0 says that there are none.
+function ownNumbers(user, attribute) {
+    var numbers = new VBArray(user.GetAttribValue(attribute)).toArray(), own = [];
+    for (var i = 0; i < numbers.length; i++) if (numbers[i]) own.push(Number(numbers[i]));
+    return own;
+}
+function has(numbers, wanted) {
+    for (var i = 0; i < numbers.length; i++) if (numbers[i] == wanted) return true;
+    return false;
+}
+// The roles that are ticked, and those of the member that have no box here.
+function chosenRoles(before) {
+    var chosen = [], known = {};
+    for (var i = 0; i < roleNames.length; i++) {
+        known[roleNames[i][0]] = true;
+        if (posted("role" + roleNames[i][0]) == "on") chosen.push(roleNames[i][0]);
+    }
+    for (var i = 0; i < before.length; i++) if (!known[before[i]]) chosen.push(before[i]);
+    return chosen;
+}
+function numbersIn(text) {
+    var words = text.replace(/,/g, " ").split(" "), numbers = [];
+    for (var i = 0; i < words.length; i++) {
+        if (words[i] == "") continue;
+        if (!/^\d{1,9}$/.test(words[i])) throw new Error("\"" + words[i] + "\" is not a number.");
+        numbers.push(Number(words[i]));
+    }
+    return numbers;
+}
+// Amounts are shown as they are edited: with a point, without grouping.
+function amountIn(text) {
+    if (!/^\d{1,15}(\.\d{1,4})?$/.test(text)) throw new Error("\"" + text + "\" is not an amount.");
+    return Number(text);
+}
+
+// Writes what differs from the entry.
 function save(user) {
     for (var i = 0; i < texts.length; i++) {
+        var name = texts[i][0];
         label = texts[i][1];
-        if (posted(texts[i][0]) != user[texts[i][0]]) user[texts[i][0]] = posted(texts[i][0]);
+        if (posted(name) != String(user[name])) user[name] = posted(name);
     }
     for (var i = 0; i < limits.length; i++) {
+        var name = limits[i][0];
         label = limits[i][1];
-        var limit = posted(limits[i][0]).replace(/[\s\u2009]/g, "");
-        if (limit != "" && limit != String(user[limits[i][0]])) {
-            if (!/^\d+(\.\d{1,4})?$/.test(limit)) throw new Error("this is no amount");
-            user[limits[i][0]] = Number(limit);
-        }
+        if (posted(name) != "" && posted(name) != String(user[name]))
+            user[name] = amountIn(posted(name));
     }
     label = "Kind of account";
-    user.OrvoUserType = Number(posted("type")) || 0;
+    if (posted("type") != String(user.OrvoUserType)) user.OrvoUserType = Number(posted("type"));
     label = "Profile";
     if (posted("profile") != user.ProfileCN) user.ProfileCN = posted("profile");
     label = "Roles";
-    user.OrvoRoles = chosenRoles();
+    var before = ownNumbers(user, "OrvoRole"), roles = chosenRoles(before);
+    if (String(roles.sort()) != String(before.sort())) {
+        if (roles.length) user.OrvoRoles = roles;
+        else user.ClearAttribValue("OrvoRole");
+    }
     label = "Applications";
     var applications = numbersIn(posted("apps"));
-    if (applications.length) user.OrvoApps = applications;
-    else user.ClearOrvoApps();
+    if (String(applications) != String(ownNumbers(user, "OrvoApps"))) {
+        if (applications.length) user.OrvoApps = applications;
+        else user.ClearOrvoApps();
+    }
+}
+
+function create() {
+    label = "User name";
+    if (posted("cn") == "") throw new Error("A user name is needed.");
+    if (posted("password") == "") {
+        label = "Password";
+        throw new Error("A password is needed.");
+    }
+    // What can be wrong without the directory's help is looked at first.
+    label = "Applications";
+    numbersIn(posted("apps"));
+    for (var i = 0; i < limits.length; i++) {
+        label = limits[i][1];
+        if (posted(limits[i][0]) != "") amountIn(posted(limits[i][0]));
+    }
+    label = "New member";
+    members.CreateUser(posted("cn"), posted("password"));
 }
 
 if (isPost()) {
@@ -60,49 +107,53 @@ if (isPost()) {
         message = staleForm;
     } else {
         try {
-            var members = Server.CreateObject("OrvoMembership.Members");
             if (posted("delete") != "") {
                 label = "Delete";
                 members.DeleteUser(cn);
-                Response.Redirect("members.asp?done=" + Server.URLEncode(cn + " has been deleted."));
+                goOn("members.asp", cn + " has been deleted.");
             }
+            var isCreated = isNew;
             if (isNew) {
-                label = "User name";
-                cn = posted("cn");
-                if (cn == "") throw new Error("a user name is needed");
-                if (posted("password") == "") { label = "Password"; throw new Error("a password is needed"); }
-                members.CreateUser(cn, posted("password"));
+                create();
+                // From here on the member is there, even if something that follows fails.
+                cn = title = posted("cn");
+                isNew = false;
             }
             save(bound(cn));
-            Response.Redirect("member.asp?cn=" + Server.URLEncode(cn) + "&done=" +
-                              Server.URLEncode(isNew ? "The member has been created." : "The member has been saved."));
+            goOn("member.asp?cn=" + Server.URLEncode(cn),
+                 isCreated ? "The member has been created." : "The member has been saved.");
         } catch (error) {
             message = label + ": " + explained(error);
         }
     }
 }
 
-var user = null, ownRoles = {}, ownApps = [];
-if (!isNew) {
-    try {
+var user = null, ownRoles = [], ownApps = [], profiles = [];
+try {
+    for (var list = opened("OrvoMembership.Profiles", title).AsRecordset(); !list.EOF; list.MoveNext())
+        profiles.push(list.Fields.Item("cn").Value);
+    if (!isNew) {
         user = bound(cn);
-        var roles = new VBArray(user.GetAttribValue("OrvoRole")).toArray();
-        for (var i = 0; i < roles.length; i++) ownRoles[roles[i]] = true;
-        var apps = new VBArray(user.GetAttribValue("OrvoApps")).toArray();
-        for (var i = 0; i < apps.length; i++) if (apps[i]) ownApps.push(apps[i]);
-    } catch (error) {
-        message = message || explained(error);
+        ownRoles = ownNumbers(user, "OrvoRole");
+        ownApps = ownNumbers(user, "OrvoApps");
     }
+} catch (error) {
+    user = null;
+    message = message || (error.number == -2147016656
+        ? "There is no such member, or the member's profile is not there." : explained(error));
 }
 // What a field shows: what was sent, or else the property.
 function value(field, property) {
     return isPost() ? posted(field) : user ? user[property || field] : "";
 }
-var profiles = Server.CreateObject("OrvoMembership.Profiles").AsRecordset();
+function isTicked(role) {
+    return isPost() ? posted("role" + role) == "on" : has(ownRoles, role);
+}
+head(title, message);
 %>
-<!-- #include virtual="/parts/head.inc" -->
+<p><a href="members.asp">All members</a></p>
 <% if (isNew || user) { %>
-<form class="card" method="post">
+<form class="card" method="post" action="member.asp<%= isNew ? "" : "?cn=" + Server.URLEncode(cn) %>">
 <%= tokenField() %>
 <div class="columns">
 <% if (isNew) { %>
@@ -120,22 +171,28 @@ var profiles = Server.CreateObject("OrvoMembership.Profiles").AsRecordset();
    for (var i = 0; i < userTypes.length; i++) { %><%= option(i, userTypes[i], type) %><% } %>
 </select></label>
 <label>Profile <select name="profile">
-<% var chosen = value("profile", "ProfileCN"); %><%= option("", "none", chosen) %>
-<% for (; !profiles.EOF; profiles.MoveNext()) { var profile = profiles.Fields.Item("cn").Value; %><%= option(profile, profile, chosen) %><% } %>
+<% var chosen = value("profile", "ProfileCN"), isKnown = chosen == ""; %><%= option("", "none", chosen) %>
+<% for (var i = 0; i < profiles.length; i++) { isKnown = isKnown || profiles[i] == chosen; %><%= option(profiles[i], profiles[i], chosen) %><% } %>
+<% if (!isKnown) { %><%= option(chosen, chosen + " (not there)", chosen) %><% } %>
 </select></label>
-<label>Applications of one's own <input name="apps" placeholder="those of the profile"
+<label>Own applications <input name="apps" placeholder="those of the profile"
     value="<%= html(isPost() ? posted("apps") : ownApps.join(", ")) %>"></label>
 </div>
-<h2>Roles of one's own</h2>
-<p>
+<fieldset>
+<legend>Own roles; without any, those of the profile count</legend>
 <% for (var i = 0; i < roleNames.length; i++) { var role = roleNames[i][0]; %>
-<label class="tick"><input type="checkbox" name="role<%= role %>"<%= (isPost() ? posted("role" + role) == "on" : ownRoles[role]) ? " checked" : "" %>> <%= roleNames[i][1] %></label>
+<label class="tick"><input type="checkbox" name="role<%= role %>"<%= isTicked(role) ? " checked" : "" %>> <%= roleNames[i][1] %></label>
 <% } %>
-</p>
-<button>Save</button>
+</fieldset>
+<button><%= isNew ? "Create" : "Save" %></button>
 </form>
 <% } %>
 <% if (user) { %>
-<form method="post"><%= tokenField() %><button class="danger" name="delete" value="yes">Delete <%= html(cn) %></button></form>
+<details class="card">
+<summary>Delete this member</summary>
+<form method="post" action="member.asp?cn=<%= Server.URLEncode(cn) %>"><%= tokenField() %>
+<p>The entry of <b><%= html(cn) %></b> will be gone for good.</p>
+<button class="danger" name="delete" value="yes">Delete</button></form>
+</details>
 <% } %>
-<!-- #include virtual="/parts/foot.inc" -->
+<% foot(); %>

@@ -1,27 +1,23 @@
 <%@ Language="JScript" CodePage=65001 %>
 <!-- #include virtual="/parts/lib.inc" -->
 <%
-var title = "Members", message = "", done = asked("done");
+var title = "Members", message = "";
 var pageSize = 20;
 var name = asked("name"), role = Number(asked("role")) || 0, after = asked("after");
-
-var members = Server.CreateObject("OrvoMembership.Members");
+var members = opened("OrvoMembership.Members", title);
 var rows = [], next = "";
 
-function take(records, most) {
-    for (; !records.EOF && rows.length < most; records.MoveNext()) {
-        var at = records.Fields;
-        rows.push({
-            cn: at.Item("cn").Value, first: at.Item("givenName").Value, last: at.Item("sn").Value,
-            mail: at.Item("mail").Value, partner: at.Item("BusinessPartnerID").Value
-        });
-    }
+function row(records) {
+    var at = records.Fields;
+    return {
+        cn: at.Item("cn").Value, first: at.Item("givenName").Value, last: at.Item("sn").Value,
+        mail: at.Item("mail").Value, partner: at.Item("BusinessPartnerID").Value
+    };
 }
 function shown(value) {
     // Several values come as an array.
-    return typeof value == "string" || typeof value == "number" ? html(value)
-        : value === null || value === undefined ? ""
-        : html(new VBArray(value).toArray().join(", "));
+    return value !== null && typeof value == "object"
+        ? html(new VBArray(value).toArray().join(", ")) : html(value);
 }
 function link(withAfter) {
     return "members.asp?name=" + Server.URLEncode(name) + (role ? "&role=" + role : "") +
@@ -32,37 +28,39 @@ try {
     var criteria = ["cn=*"];
     if (name != "") {
         var part = "=*" + escapedForFilter(name) + "*";
-        criteria.push("|(cn" + part + ")(sn" + part + ")(mail" + part + ")");
+        criteria.push("|(cn" + part + ")(sn" + part + ")(givenName" + part + ")(mail" + part + ")");
     }
     if (role) {
-        // Found by their own roles and by their profiles': one list, a page of it is cut here.
+        // One list of all who have the role, of their own or by their profile; it may name some twice.
+        var seen = {}, first = Number(after) || 0, count = 0;
         var found = members.GetOrvoMembersHavingRoleEx(role, criteria, "cn");
-        var first = Number(after) || 0;
-        if (first > 0 && first < found.RecordCount) found.Move(first);
-        take(found, pageSize);
-        if (first + pageSize < found.RecordCount) next = String(first + pageSize);
+        for (; !found.EOF && next == ""; found.MoveNext()) {
+            var cn = "cn " + String(found.Fields.Item("cn").Value).toLowerCase();
+            if (seen[cn]) continue;
+            seen[cn] = true;
+            count++;
+            if (count > first + pageSize) next = String(first + pageSize);
+            else if (count > first) rows.push(row(found));
+        }
     } else {
         if (after != "") criteria.push("cn>=" + escapedForFilter(after));
         var page = members.GetOrvoUsers(criteria, "", pageSize);
-        var full = page.RecordCount == pageSize;
-        take(page, pageSize);
-        if (full) next = members.GetLastPageValue();
+        for (; !page.EOF; page.MoveNext()) rows.push(row(page));
+        if (rows.length == pageSize) next = members.GetLastPageValue();
     }
 } catch (error) {
     message = explained(error);
 }
+head(title, message);
 %>
-<!-- #include virtual="/parts/head.inc" -->
-<div class="card">
-<form class="bar" method="get">
+<form class="card bar" method="get">
 <label>Name or mail <input name="name" value="<%= html(name) %>"></label>
 <label>Role <select name="role"><%= option("", "any", role || "") %>
 <% for (var i = 0; i < roleNames.length; i++) { %><%= option(roleNames[i][0], roleNames[i][1], role) %><% } %>
 </select></label>
 <button>Search</button>
-<a class="button" href="member.asp">New member</a>
+<a class="button plain" href="member.asp">New member</a>
 </form>
-</div>
 <div class="card">
 <table id="members">
 <thead><tr><th>User name</th><th>First name</th><th>Last name</th><th>E-mail</th><th>Partner</th></tr></thead>
@@ -74,8 +72,8 @@ try {
 <% } %>
 </tbody>
 </table>
-<% if (rows.length == 0) { %><p>Nobody.</p><% } %>
+<% if (rows.length == 0 && !message) { %><p id="nobody">Nobody was found.</p><% } %>
 <div class="pages"><span><% if (after) { %><a href="<%= html(link("")) %>">From the beginning</a><% } %></span>
 <% if (next) { %><a id="next" href="<%= html(link(next)) %>">Next page</a><% } %></div>
 </div>
-<!-- #include virtual="/parts/foot.inc" -->
+<% foot(); %>

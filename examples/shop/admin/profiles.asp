@@ -1,33 +1,39 @@
 <%@ Language="JScript" CodePage=65001 %>
 <!-- #include virtual="/parts/lib.inc" -->
 <%
-var title = "Profiles", message = "", done = "";
+var title = "Profiles", message = "";
+var profiles = opened("OrvoMembership.Profiles", title);
 
-var profiles = Server.CreateObject("OrvoMembership.Profiles");
 if (isPost()) {
     if (!isOwnForm()) {
         message = staleForm;
     } else {
         try {
-            if (posted("delete") != "") {
-                if (profiles.DeleteProfile(posted("delete")))
-                    done = posted("delete") + " has been deleted.";
-                else
-                    message = posted("delete") + " still has users.";
+            var wanted = posted("delete");
+            if (wanted != "") {
+                if (profiles.DeleteProfile(wanted)) goOn("profiles.asp", wanted + " has been deleted.");
+                message = wanted + " is in use: members have this profile. It has not been deleted.";
             } else if (posted("name") == "") {
                 message = "A profile needs a name.";
             } else {
                 profiles.CreateProfile(posted("name"));
-                done = posted("name") + " has been created.";
+                goOn("profiles.asp", posted("name") + " has been created.");
             }
         } catch (error) {
             message = explained(error);
         }
     }
 }
-var list = profiles.AsRecordset();
+
+var names = [];
+try {
+    for (var list = profiles.AsRecordset(); !list.EOF; list.MoveNext())
+        names.push(list.Fields.Item("cn").Value);
+} catch (error) {
+    message = message || explained(error);
+}
+head(title, message);
 %>
-<!-- #include virtual="/parts/head.inc" -->
 <form class="card bar" method="post">
 <%= tokenField() %>
 <label>New profile <input name="name" required></label>
@@ -37,11 +43,11 @@ var list = profiles.AsRecordset();
 <table id="profiles">
 <thead><tr><th>Profile</th><th></th></tr></thead>
 <tbody>
-<% for (; !list.EOF; list.MoveNext()) { var name = list.Fields.Item("cn").Value; %>
-<tr><td><%= html(name) %></td>
-<td><form method="post"><%= tokenField() %><button class="quiet" name="delete" value="<%= html(name) %>">Delete</button></form></td></tr>
+<% for (var i = 0; i < names.length; i++) { %>
+<tr><td><%= html(names[i]) %></td>
+<td class="end"><form method="post"><%= tokenField() %><button class="quiet" name="delete" value="<%= html(names[i]) %>">Delete</button></form></td></tr>
 <% } %>
 </tbody>
 </table>
 </div>
-<!-- #include virtual="/parts/foot.inc" -->
+<% foot(); %>

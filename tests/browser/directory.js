@@ -1,0 +1,107 @@
+// A directory server of the test's own, with the sample shop, a password policy, and people whose
+// password is not to be used as it is.
+'use strict';
+
+const fs = require('node:fs');
+const path = require('node:path');
+const { start, end, outputOf, freePort, answers } = require('./processes');
+
+const source = path.resolve(__dirname, '../..');
+const script = path.join(source, 'scripts/private-slapd');
+const root = 'cn=root,o=Shop';
+
+const people = `
+dn: cn=monthly,ou=Policies,o=Shop
+objectClass: organizationalRole
+objectClass: pwdPolicy
+cn: monthly
+pwdAttribute: userPassword
+pwdMaxAge: 2592000
+pwdLockout: TRUE
+pwdMaxFailure: 3
+
+dn: cn=stale,ou=Users,o=Shop
+objectClass: orvoPerson
+objectClass: top
+cn: stale
+sn: Stale
+OrvoGUID: 00000000000000000000000000000A01
+OrvoUserType: 1
+ProfileCN: Buyers
+userPassword: shop-sample
+pwdPolicySubentry: cn=monthly,ou=Policies,o=Shop
+pwdChangedTime: 20200101000000Z
+
+dn: cn=fresh,ou=Users,o=Shop
+objectClass: orvoPerson
+objectClass: top
+cn: fresh
+sn: Fresh
+OrvoGUID: 00000000000000000000000000000A02
+OrvoUserType: 1
+ProfileCN: Buyers
+userPassword: shop-sample
+pwdReset: TRUE
+`;
+
+class Directory {
+    constructor(folder) {
+        this.folder = folder;
+    }
+
+    async prepare() {
+        fs.mkdirSync(this.folder, { recursive: true });
+        const ldif = path.join(this.folder, 'people.ldif');
+        fs.writeFileSync(ldif, people);
+        await outputOf(script, ['prepare', this.folder, '--ppolicy', '--ldif', ldif]);
+        this.port = await freePort();
+    }
+
+    async start() {
+        this.server = await start(script, ['run', this.folder, String(this.port)], {},
+            () => answers(this.port));
+    }
+
+    async stop() {
+        if (this.server) await end(this.server);
+        this.server = null;
+    }
+
+    // The site configuration for this directory, which has been started before.
+    siteConfiguration(multiLogin) {
+        const file = path.join(this.folder, `site-${multiLogin}.ini`);
+        const text = fs.readFileSync(path.join(this.folder, 'site.ini'), 'utf8')
+            .replace('MultiLogin=1', `MultiLogin=${multiLogin}`);
+        fs.writeFileSync(file, text);
+        return file;
+    }
+
+    // What the directory itself says: an array of entries { attribute: [values] }.
+    async search(filter, attributes, base = 'ou=Users,o=Shop') {
+        const text = await outputOf('ldapsearch', ['-LLL', '-x', '-o', 'ldif-wrap=no',
+            '-E', 'pr=500/noprompt', '-H', `ldap://127.0.0.1:${this.port}`, '-D', root,
+            '-y', path.join(this.folder, 'root.pw'), '-b', base, filter, ...attributes]);
+        return text.split('\n\n').filter((entry) => entry.includes('dn:')).map((entry) => {
+            const found = {};
+            for (const [, name, colons, value] of entry.matchAll(/^([\w-]+)(::?) ?(.*)$/gm)) {
+                const words = colons === '::' ? Buffer.from(value, 'base64').toString() : value;
+                (found[name] ??= []).push(words);
+            }
+            return found;
+        });
+    }
+
+    // Whether the directory takes this password of a user's.
+    async accepts(cn, password) {
+        const file = path.join(this.folder, 'asked.pw');
+        fs.writeFileSync(file, password, { mode: 0o600 });
+        const user = `cn=${cn},ou=Users,o=Shop`;
+        return outputOf('ldapwhoami', ['-x', '-H', `ldap://127.0.0.1:${this.port}`, '-D', user,
+            '-y', file]).then(() => true, (error) => {
+            if (/Invalid credentials/.test(error.message)) return false;
+            throw error;
+        });
+    }
+}
+
+module.exports = { Directory };

@@ -1,0 +1,119 @@
+'use strict';
+
+const assert = require('node:assert/strict');
+const { inTheShop } = require('./shop');
+
+inTheShop('refusals', (tell) => {
+    tell('three wrong passwords lock the account', async (visitor) => {
+        for (let i = 0; i < 3; ++i) {
+            await visitor.logIn('zeros', 'wrong');
+            assert.equal(await visitor.refusal(), 'User name or password is wrong.');
+        }
+        await visitor.logIn('zeros');
+        assert.equal(await visitor.refusal(),
+            'This account is locked. Please ask an administrator.');
+        assert.deepEqual(await visitor.cookies(), ['orvosession']);
+        await visitor.picture('login locked');
+    });
+
+    tell('an expired password is changed, and the new one logs in', async (visitor, shop) => {
+        await visitor.logIn('stale');
+        assert.equal(await visitor.refusal(),
+            'Your password has expired. Please choose a new one.');
+        assert.equal(await visitor.loggedInAs(), '');
+        await visitor.picture('login expired');
+        await visitor.follow('Choose a new password');
+        assert.equal(await visitor.field('User name').inputValue(), 'stale');
+        await visitor.field('Current password').fill('shop-sample');
+        await visitor.field('New password').fill('a new spring');
+        await visitor.field('New password again').fill('a new spring');
+        await visitor.press('Change password');
+        assert.equal(visitor.address(), '/login.asp');
+        assert.equal(await visitor.done(),
+            'Your password has been changed. Please log in with the new one.');
+        assert.equal(await shop.directory.accepts('stale', 'a new spring'), true);
+        await visitor.logInHere('stale', 'a new spring');
+        assert.equal(await visitor.loggedInAs(), 'stale');
+    });
+
+    tell('a password that somebody else set must be changed first', async (visitor) => {
+        await visitor.logIn('fresh');
+        assert.equal(await visitor.refusal(),
+            'Your password has expired. Please choose a new one.');
+        assert.equal(await visitor.loggedInAs(), '');
+    });
+
+    tell('who may use no application is told so and is not logged in', async (visitor) => {
+        await visitor.logIn('norole');
+        assert.equal(await visitor.refusal(),
+            'Your password is right, but your account may not use any application here.');
+        assert.equal(await visitor.loggedInAs(), '');
+        assert.deepEqual(await visitor.cookies(), ['orvosession']);
+        await visitor.picture('login no application');
+        await visitor.go('/account/');
+        assert.equal(visitor.address(), '/login.asp?url=%2Faccount%2F');
+    });
+
+    tell('an ordinary user does not see the administration', async (visitor) => {
+        await visitor.logIn('jsmith');
+        assert.deepEqual(await visitor.page.locator('nav a').allTextContents(), ['My account']);
+        await visitor.go('/admin/members.asp');
+        assert.equal(visitor.address(), '/login.asp?url=%2Fadmin%2Fmembers.asp');
+        assert.equal(await visitor.refusal(),
+            'Your account may not open this page. You can log in with another one.');
+        assert.equal(await visitor.loggedInAs(), 'jsmith');
+        await visitor.picture('login for the administration');
+        await visitor.logInHere('admin');
+        assert.equal(visitor.address(), '/admin/members.asp');
+        assert.equal(await visitor.loggedInAs(), 'admin');
+    });
+
+    tell('a local administrator sees the administration', async (visitor) => {
+        await visitor.logIn('local');
+        await visitor.go('/admin/profiles.asp');
+        assert.equal(await visitor.title(), 'Profiles');
+    });
+
+    tell('a form without the session\'s token is refused', async (visitor, { directory }) => {
+        await visitor.logIn('jsmith');
+        await visitor.field('Phone').fill('000');
+        await visitor.page.locator('main [name=token]').evaluate((field) => field.remove());
+        await visitor.press('Save');
+        assert.equal(await visitor.refusal(),
+            'This form is too old, or did not come from this site. Please send it again.');
+        assert.equal(await visitor.field('Phone').inputValue(), '000');
+        assert.deepEqual((await directory.search('(cn=jsmith)', ['PhoneNumber']))[0].PhoneNumber,
+            ['+44 20 7946 0018']);
+        await visitor.press('Save');
+        assert.equal(await visitor.done(), 'Your account has been saved.');
+        assert.deepEqual((await directory.search('(cn=jsmith)', ['PhoneNumber']))[0].PhoneNumber,
+            ['000']);
+    });
+
+    tell('nor is a form taken with another session\'s token', async (visitor, shop) => {
+        const other = await shop.visitor();
+        await other.go('/login.asp');
+        const token = await other.page.locator('main [name=token]').inputValue();
+        await visitor.logIn('jsmith');
+        await visitor.page.locator('header [name=token]')
+            .evaluate((field, value) => { field.value = value; }, token);
+        await visitor.press('Log out');
+        assert.equal(await visitor.loggedInAs(), 'jsmith');
+    });
+
+    tell('a login form without the token logs nobody in', async (visitor) => {
+        await visitor.go('/login.asp');
+        await visitor.page.locator('main [name=token]').evaluate((field) => field.remove());
+        await visitor.logInHere('jsmith');
+        assert.equal(await visitor.refusal(),
+            'This form is too old, or did not come from this site. Please send it again.');
+        assert.equal(await visitor.loggedInAs(), '');
+    });
+
+    tell('a page that is not there is a plain page that says so', async (visitor, shop) => {
+        const answer = await visitor.go('/nowhere.asp');
+        assert.equal(answer.status(), 404);
+        assert.equal(await visitor.text('p'), 'There is no such page.');
+        shop.brokenPages = [];  // the browser's own line about the 404
+    });
+});

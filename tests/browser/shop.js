@@ -1,0 +1,184 @@
+// The sample shop with all that belongs to it, and the people who visit it with a browser.
+'use strict';
+
+const { describe, it, before, after } = require('node:test');
+const assert = require('node:assert/strict');
+const fs = require('node:fs');
+const path = require('node:path');
+const { chromium } = require('playwright-core');
+const { Directory } = require('./directory');
+const { start, end, outputOf } = require('./processes');
+
+const bin = process.env.ORVO_BIN;
+const site = path.resolve(__dirname, '../../examples/shop');
+const longest = 120000;
+
+// A browser's window. Each has cookies of its own.
+class Visitor {
+    constructor(shop, url, context, page) {
+        Object.assign(this, { shop, url, context, page });
+    }
+
+    go(address) { return this.page.goto(this.url + address); }
+    field(label) { return this.page.getByLabel(label, { exact: true }); }
+    // Of a list, what its label holds are also the entries.
+    choice(label) {
+        return this.page.locator('label', { hasText: new RegExp(`^${label} `) }).locator('select');
+    }
+    press(button) { return this.openBy('button', button); }
+    follow(link) { return this.openBy('link', link); }
+    openBy(role, name) { return this.open(this.page.getByRole(role, { name, exact: true })); }
+    // Clicks what leads to a page, and waits for the page.
+    open(link) { return Promise.all([this.page.waitForEvent('domcontentloaded'), link.click()]); }
+    address() { return this.page.url().slice(this.url.length); }
+    title() { return this.page.locator('h1').textContent(); }
+    text(selector) { return this.page.locator(selector).textContent(); }
+    // What the page says went wrong, or has been done; '' where it says nothing.
+    async refusal() { return (await this.page.getByRole('alert').allTextContents()).join(); }
+    async done() { return (await this.page.getByRole('status').allTextContents()).join(); }
+
+    // Fills the login form of the page that is open, and sends it.
+    async logInHere(user, password = 'shop-sample') {
+        await this.field('User name').fill(user);
+        await this.field('Password').fill(password);
+        await this.press('Log in');
+    }
+    async logIn(user, password) {
+        await this.go('/login.asp');
+        await this.logInHere(user, password);
+    }
+    // Goes on with the login of an earlier case, where there was one.
+    async resume(user) {
+        const cookies = this.shop.logins.get(user);
+        if (cookies) return this.context.addCookies(cookies);
+        await this.logIn(user);
+        this.shop.logins.set(user, await this.context.cookies());
+    }
+    // The name that the head of the page shows; '' for nobody.
+    async loggedInAs() { return (await this.page.locator('#user').allTextContents()).join(); }
+    async cookies() { return (await this.context.cookies()).map((cookie) => cookie.name).sort(); }
+
+    async picture(name, options = {}) {
+        const file = path.join(this.shop.pictures, `${name}.png`);
+        await this.page.screenshot({ path: file, ...options });
+    }
+}
+
+class Shop {
+    constructor(name) {
+        this.name = name;
+        this.work = path.join(process.env.ORVO_BROWSER_WORK, name);
+        this.pictures = path.join(process.env.ORVO_BROWSER_WORK, 'pictures');
+        this.directory = new Directory(path.join(this.work, 'slapd'));
+        this.hosts = [];
+        this.visitors = [];
+        this.logins = new Map();
+        this.brokenPages = [];
+    }
+
+    async open() {
+        fs.rmSync(this.work, { recursive: true, force: true });
+        fs.mkdirSync(path.join(this.work, 'components'), { recursive: true });
+        fs.mkdirSync(this.pictures, { recursive: true });
+        for (const file of fs.readdirSync(this.pictures))
+            if (file.startsWith(`failed ${this.name} -`)) fs.rmSync(path.join(this.pictures, file));
+        const modules = ['OrvoMembership', 'OrvoSuite', 'OrvoPlatform'];
+        await outputOf(path.join(bin, 'orvo-register'),
+            modules.map((module) => path.join(bin, `${module}.so`)), this.environment());
+        await this.directory.prepare();
+        await this.directory.start();
+        this.url = await this.serve({ multiLogin: 1 });
+        this.browser = await chromium.launch({
+            executablePath: process.env.CHROMIUM,
+            args: process.getuid() === 0 ? ['--no-sandbox'] : [],
+        });
+    }
+
+    environment() {
+        return {
+            ORVO_COMPONENTS: path.join(this.work, 'components'),
+            ORVO_LOG_FILE: path.join(this.work, 'orvo.log'),
+            ORVO_LOG_LEVEL: 'error',
+        };
+    }
+
+    // One more web host for the same directory; its address.
+    async serve({ multiLogin }) {
+        const host = await start(path.join(bin, 'orvo-web'),
+            [site, '--port', '0', '--access-log', path.join(this.work, 'access.log')],
+            {
+                ...this.environment(),
+                ORVO_SITE_CONFIG: this.directory.siteConfiguration(multiLogin),
+            },
+            (output) => /^Listening on (\S+)$/m.exec(output)?.[1]);
+        this.hosts.push(host);
+        return host.ready;
+    }
+
+    async visitor(url = this.url) {
+        const context = await this.browser.newContext({ viewport: { width: 1180, height: 780 } });
+        context.setDefaultTimeout(15000);
+        const page = await context.newPage();
+        const complain = (words) => this.brokenPages.push(`${page.url()}: ${words}`);
+        page.on('response', (answer) => { if (answer.status() >= 500) complain(answer.status()); });
+        page.on('pageerror', (error) => complain(error.message));
+        page.on('console', (line) => { if (line.type() === 'error') complain(line.text()); });
+        const visitor = new Visitor(this, url, context, page);
+        this.visitors.push(visitor);
+        return visitor;
+    }
+
+    async leave() {
+        for (const { context } of this.visitors.splice(0)) await context.close();
+    }
+
+    // Ends everything, and answers how the web hosts ended.
+    async close() {
+        await this.browser?.close();
+        const codes = [];
+        for (const host of this.hosts) {
+            const code = await end(host);
+            if (code !== 0) console.error(host.output());
+            codes.push(code);
+        }
+        await this.directory.stop();
+        return codes;
+    }
+}
+
+// The cases of one script, in order, in one shop. `tell(title, body)` tells one: its body gets a
+// visitor without cookies, and the shop. What was open when a case failed is kept as a picture.
+function inTheShop(name, cases) {
+    const shop = new Shop(name);
+    // The last resort: nothing that was started outlives the test.
+    const watchdog = setTimeout(() => {
+        console.error(`${name} takes longer than ${longest / 1000} seconds`);
+        process.exit(1);
+    }, longest);
+    for (const signal of ['SIGINT', 'SIGTERM', 'SIGHUP'])
+        process.once(signal, () => process.exit(1));
+
+    describe(name, () => {
+        before(() => shop.open());
+        after(async () => {
+            const codes = await shop.close();
+            clearTimeout(watchdog);
+            assert.deepEqual(codes, shop.hosts.map(() => 0), 'the web host ended badly');
+        });
+        cases((title, body) => it(title, async () => {
+            try {
+                await body(await shop.visitor(), shop);
+                assert.deepEqual(shop.brokenPages, []);
+            } catch (error) {
+                for (const [i, visitor] of shop.visitors.entries())
+                    await visitor.picture(`failed ${name} - ${title.replace(/\W+/g, ' ')} ${i}`);
+                throw error;
+            } finally {
+                shop.brokenPages = [];
+                await shop.leave();
+            }
+        }));
+    });
+}
+
+module.exports = { inTheShop };
