@@ -129,9 +129,10 @@ Ref<User> Members::CreateUser(Text& iCommonName, Text& iPassword) {
         if (!contains_ignoring_case(failure.description,
                                     u"(68) The specified entry already exists."))
             return false;
-        failure = Failure(
-            entry_already_exists, create_user,
-            u"Unable to add user:'" + iCommonName + u"'. The error is: " + failure.description);
+        failure.number = entry_already_exists;
+        failure.source = create_user;
+        failure.description =
+            u"Unable to add user:'" + iCommonName + u"'. The error is: " + failure.description;
         return true;
     };
     return trapped(create_user, rephrase, [&] {
@@ -181,9 +182,9 @@ void Members::DeleteUser(Text& iCommonName) {
     constexpr const char16_t* source = u"OrvoMembership.Members.DeleteUser";
     const auto rephrase = [&](Failure& failure) {
         if (failure.number != no_such_entry) return false;
-        failure =
-            Failure(no_such_entry, source,
-                    u"User with common name '" + iCommonName + u"' doesn't exist in the directory");
+        failure.source = source;
+        failure.description =
+            u"User with common name '" + iCommonName + u"' doesn't exist in the directory";
         return true;
     };
     trapped(source, rephrase, [&] {

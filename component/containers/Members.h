@@ -66,8 +66,8 @@ public:
     bool IObjectControl_CanBePooled() override { return false; }
 
 private:
-    Object QueryMembers(Text& filter, const Variant& page_size, const Variant& attributes);
-    Object QueryMembersEx(Text& filter);
+    Ref<RecordSet> QueryMembers(Text& filter, const Variant& page_size, const Variant& attributes);
+    Ref<RecordSet> QueryMembersEx(Text& filter);
     static void AddUserToResultSet(const Ref<RecordSet>& source, const Ref<RecordSet>& target);
     static void CloseRecordSEt(const Ref<RecordSet>& records);
     Ref<DirectorySearch> connected_search(const Variant& container);

@@ -56,6 +56,16 @@ bool is_nothing(const Variant& value) {
     return values.count() == 0 || (values.count() == 1 && is_nothing(values[values.lower_bound()]));
 }
 
+// The row's name as far as it has one: nothing is raised for the sake of a note.
+Text name_for_the_log(const Ref<RecordSet>& row) {
+    try {
+        const Variant cn = field_value(row, u"cn");
+        return (cn.is_array() ? element(cn, 0) : cn).to<Text>();
+    } catch (const Failure&) {
+        return {};
+    }
+}
+
 template <class Visit>
 void for_each_row(const Ref<RecordSet>& records, Visit visit) {
     for (; !call<&RecordSet::IsEof>(records); call<&RecordSet::MoveNext>(records)) visit();
@@ -73,7 +83,8 @@ Ref<DirectorySearch> Members::connected_search(const Variant& container_name) {
     return search;
 }
 
-Object Members::QueryMembers(Text& filter, const Variant& page_size, const Variant& attributes) {
+Ref<RecordSet> Members::QueryMembers(Text& filter, const Variant& page_size,
+                                     const Variant& attributes) {
     constexpr const char16_t* source = u"OrvoMembership.Members.QueryMembers";
     const auto rephrase = [&](Failure& failure) {
         failure.source = source;
@@ -87,11 +98,12 @@ Object Members::QueryMembers(Text& filter, const Variant& page_size, const Varia
             u"(& (objectClass=" + element(info.GetUserClass(), 0).to<Text>() + u")" + filter + u")";
         const auto search = connected_search(info.GetUserContainer());
         Variant columns = attributes.is_missing() ? Variant(default_attributes()) : attributes;
-        return call<&DirectorySearch::Execute>(search, filter, columns, size.to<std::int16_t>());
+        return Ref<RecordSet>::from(
+            call<&DirectorySearch::Execute>(search, filter, columns, size.to<std::int16_t>()));
     });
 }
 
-Object Members::QueryMembersEx(Text& filter) {
+Ref<RecordSet> Members::QueryMembersEx(Text& filter) {
     return trapped(u"OrvoMembership.Members.QueryMembersEx", [&] {
         ServerInfo& info = *shared_server_info();
         const auto search = connected_search(info.GetUserContainer());
@@ -99,7 +111,8 @@ Object Members::QueryMembersEx(Text& filter) {
             u"(&(objectClass=" + element(info.GetUserClass(), 0).to<Text>() + u")" + filter + u")";
         Variant columns =
             Values{u"cn", u"BusinessPartnerID", u"mail", u"givenName", u"sn", u"orvorole"};
-        return call<&DirectorySearch::Execute>(search, filter, columns, usual_page_size);
+        return Ref<RecordSet>::from(
+            call<&DirectorySearch::Execute>(search, filter, columns, usual_page_size));
     });
 }
 
@@ -107,16 +120,15 @@ Object Members::GetOrvoUsers(const Variant& iCriteria, const Text&, const Varian
     return trapped(u"OrvoMembership.Members.GetOrvoUsers", [&] {
         const Variant page_size = iPageSize.is_missing() ? Variant(usual_page_size) : iPageSize;
         Text filter = member_filter(iCriteria);
-        const Object found = QueryMembers(filter, page_size, Variant::missing());
-        if (!found) return found;
-        const auto records = Ref<RecordSet>::from(found);
+        const auto records = QueryMembers(filter, page_size, Variant::missing());
+        if (!records) return Object();
         const std::int64_t count = call<&RecordSet::RecordCount>(records);
         if (Variant(count).to<std::int16_t>() == page_size.to<std::int16_t>()) {
             call<&RecordSet::MoveLast>(records);
             mLastPageValue = field_value(records, u"cn").to<Text>() + u"!";
             call<&RecordSet::MoveFirst>(records);
         }
-        return found;
+        return records.object();
     });
 }
 
@@ -125,7 +137,7 @@ Object Members::GetOrvoUsersEx(const Variant& iCriteria, const Variant& i_vAttri
     // Named as the plain search. Deliberate.
     return trapped(u"OrvoMembership.Members.GetOrvoUsers", [&] {
         Text filter = member_filter(iCriteria);
-        return QueryMembers(filter, iPageSize, i_vAttributeNames);
+        return QueryMembers(filter, iPageSize, i_vAttributeNames).object();
     });
 }
 
@@ -176,7 +188,7 @@ Object Members::GetOrvoMembersHavingRoleEx(std::int16_t& iRole, Variant& iCriter
         const Text profile_part = profiles_having(iRole);
         if (!profile_part.empty()) {
             Text filter = user_part + profile_part;
-            const auto users = Ref<RecordSet>::from(QueryMembersEx(filter));
+            const auto users = QueryMembersEx(filter);
             // Who has roles of one's own is found by the next query, whatever the profile says.
             for_each_row(users, [&] {
                 if (is_nothing(field_value(users, u"OrvoRole"))) add(users);
@@ -185,8 +197,7 @@ Object Members::GetOrvoMembersHavingRoleEx(std::int16_t& iRole, Variant& iCriter
         }
 
         Text filter = u"(OrvoRole=" + decimal(iRole) + u")" + user_part;
-        const auto users =
-            Ref<RecordSet>::from(QueryMembers(filter, Variant::missing(), Variant::missing()));
+        const auto users = QueryMembers(filter, Variant::missing(), Variant::missing());
         for_each_row(users, [&] { add(users); });
         CloseRecordSEt(users);
 
@@ -205,10 +216,8 @@ void Members::AddUserToResultSet(const Ref<RecordSet>& source, const Ref<RecordS
     } catch (const Failure&) {
         // A partner that is no 32-bit number is no reason to lose the row: it is noted, and 0.
         put_field_value(target, partner, std::int32_t{0});
-        const Variant cn = field_value(source, u"cn");
         LogError(u"OrvoMembership.Members.AddUserToResultSet",
-                 u"Invalid BusinessPartnerID for user " +
-                     (cn.is_array() ? element(cn, 0) : cn).to<Text>() +
+                 u"Invalid BusinessPartnerID for user " + name_for_the_log(source) +
                      u" -- value set to 0 in resultset");
     }
     for (const char16_t* name : {u"mail", u"cn", u"sn", u"givenName"})

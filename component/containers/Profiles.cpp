@@ -113,9 +113,9 @@ Ref<Profile> Profiles::CreateProfile(Text& iCommonName) {
     constexpr const char16_t* source = u"OrvoMembership.Profiles.CreateProfile";
     const auto rephrase = [&](Failure& failure) {
         if (failure.number != entry_already_exists) return false;
-        failure = Failure(entry_already_exists, source,
-                          u"Unable to add profile with profile name:'" + iCommonName +
-                              u"'. The profile already exists.");
+        failure.source = source;
+        failure.description = u"Unable to add profile with profile name:'" + iCommonName +
+                              u"'. The profile already exists.";
         return true;
     };
     return trapped(source, rephrase, [&] {

@@ -42,7 +42,6 @@ void PageContext::open_session() {
     const auto* cookie = cookies.find(session_cookie_name(request.is_secure));
     if (!cookie || session_) return;
     session_ = sessions_.open(to_utf8(cookie->values.front()), patience_);
-    login_before_ = login_of_session();
 }
 
 SessionLease& PageContext::need_session() {
@@ -61,8 +60,7 @@ void PageContext::finish() {
         session_->abandon();
         cookie.expires = Date{25569};  // 1970-01-01: browsers drop it
     } else {
-        const std::string login = login_of_session();
-        if (!is_new_ && !login.empty() && login != login_before_) {
+        if (!is_new_ && is_login_) {
             session_->renew_id();
             is_new_ = true;
         }
@@ -79,16 +77,9 @@ void PageContext::write(std::string_view bytes) {
     answer.body += bytes;
 }
 
-// What tells one login from another: the login GUID and the account.
-std::string PageContext::login_of_session() const {
-    if (!session_) return {};
-    auto text = [&](TextView name) {
-        const Variant value = session_->data().values.get(name);
-        return value.is_text() ? to_utf8(value.text_view()) : std::string();
-    };
-    const std::string guid = text(u"QUENDRAID");
-    const std::string account = text(u"REMOTE_ACCOUNT");
-    return guid.empty() && account.empty() ? std::string() : guid + '\n' + account;
+void PageContext::note_session_value(TextView name) {
+    for (const TextView login : {TextView(u"QUENDRAID"), TextView(u"REMOTE_ACCOUNT")})
+        is_login_ = is_login_ || equal_ignoring_case(name, login);
 }
 
 }  // namespace orvo::web

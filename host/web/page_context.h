@@ -72,19 +72,19 @@ public:
     SessionLease* session() const { return session_.get(); }
     // Makes one where the browser has none.
     SessionLease& need_session();
-    // Ends what the request held: renews the session's identifier where another user has logged in,
+    // That a page has put a value: one of those that a login sets makes the request a login.
+    void note_session_value(TextView name);
+    // Ends what the request held: renews the session's identifier where somebody has logged in,
     // writes its cookie, gives session and application back.
     void finish();
 
     void write(std::string_view bytes);
 
 private:
-    std::string login_of_session() const;
-
     SessionStore& sessions_;
     const std::chrono::milliseconds patience_;
     std::unique_ptr<SessionLease> session_;
-    std::string login_before_;
+    bool is_login_ = false;
     bool is_new_ = false;
     bool is_abandoned_ = false;
 

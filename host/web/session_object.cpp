@@ -53,6 +53,7 @@ struct SessionValues {
         NamedValues& values = page->need_session().data().values;
         const Variant before = values.get(name);
         values.put(name, value);
+        page->note_session_value(name);
         if (values.size() <= largest_session) return;
         values.put(name, before);
         throw Failure(runtime_error::out_of_memory, {}, u"A session keeps at most one megabyte");

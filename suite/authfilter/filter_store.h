@@ -30,7 +30,8 @@ struct Login {
     Text guid;
     Text user;
     std::vector<std::int32_t> applications;
-    // Ends the user's other logins. Users are the same without regard to case.
+    // Ends the user's other logins. Users are the same who have the same account path in their
+    // records, or else the same name, without regard to case.
     bool is_only_one = false;
     // How long it lives after the last question for it; above zero.
     std::chrono::minutes timeout;
@@ -46,7 +47,8 @@ public:
     // Holds an empty record from now on; false where there is a record already. Of two that create
     // the same one, one gets it.
     virtual bool try_create(const Text& guid) = 0;
-    // In place of what there was, if anything.
+    // In place of what there was, if anything. A record of another user ends the login that the
+    // GUID had.
     virtual void save(const Text& guid, const Record& record) = 0;
 
     // In place of the login that the GUID had, whosever that was. A login that is ended for being

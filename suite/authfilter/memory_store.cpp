@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/automation/failure.h"
+#include "suite/directory/common/distinguished_name.h"
 
 namespace orvo::authfilter {
 namespace {
@@ -40,20 +41,23 @@ void MemoryStore::save(const Text& guid, const Record& record) {
     Record copy = record.clone();
     const std::lock_guard guard(lock_);
     sweep_if_due();
+    // Whoever takes a GUID over has none of the former user's applications.
+    if (!is_of_same_user(guid, copy)) end_login(guid);
     hold(guid, std::move(copy));
 }
 
 void MemoryStore::begin(const Login& login) {
     const std::lock_guard guard(lock_);
     sweep_if_due();
+    Text user = user_key(login);
+    if (login.is_only_one) end_others_of(login, user);
     if (!logins_.contains(login.guid) && logins_.size() >= limits_.most) {
         sweep();
         if (logins_.size() >= limits_.most) refuse(u"logins", limits_.most);
     }
-    if (login.is_only_one) end_others_of(login);
     end_login(login.guid);
-    guids_of_user_[lower(login.user)].insert(login.guid);
-    logins_.insert_or_assign(login.guid, HeldLogin{login, now_() + login.timeout});
+    guids_of_user_[user].insert(login.guid);
+    logins_.insert_or_assign(login.guid, HeldLogin{login, now_() + login.timeout, std::move(user)});
 }
 
 bool MemoryStore::ask(const Text& guid, std::int32_t application) {
@@ -61,7 +65,7 @@ bool MemoryStore::ask(const Text& guid, std::int32_t application) {
     const auto found = logins_.find(guid);
     if (found == logins_.end()) return false;
     const auto now = now_();
-    auto& [login, ends] = found->second;
+    auto& [login, ends, user] = found->second;
     if (ends <= now) return false;
     ends = now + login.timeout;
     return std::ranges::find(login.applications, application) != login.applications.end();
@@ -108,16 +112,37 @@ void MemoryStore::hold(const Text& guid, Record record) {
 void MemoryStore::end_login(const Text& guid) {
     const auto found = logins_.find(guid);
     if (found == logins_.end()) return;
-    const auto user = guids_of_user_.find(lower(found->second.login.user));
+    const auto user = guids_of_user_.find(found->second.user);
     user->second.erase(guid);
     if (user->second.empty()) guids_of_user_.erase(user);
     logins_.erase(found);
 }
 
-void MemoryStore::end_others_of(const Login& login) {
-    const auto user = guids_of_user_.find(lower(login.user));
-    if (user == guids_of_user_.end()) return;
-    for (const Text& guid : std::vector<Text>(user->second.begin(), user->second.end())) {
+bool MemoryStore::is_of_same_user(const Text& guid, const Record& record) const {
+    const auto before = records_.find(guid);
+    if (before != records_.end() && !before->second.record.user_name.empty())
+        return before->second.record.account_path == record.account_path &&
+               before->second.record.user_name == record.user_name;
+    const auto login = logins_.find(guid);
+    return login != logins_.end() && equal_ignoring_case(login->second.login.user, record.user_name);
+}
+
+// The entry that the record tells of, so that a name counts as one however it was typed; without a
+// readable one the name.
+Text MemoryStore::user_key(const Login& login) const {
+    const auto record = records_.find(login.guid);
+    if (record != records_.end() && !record->second.record.account_path.empty()) {
+        const auto name = directory::DistinguishedName::try_parse(
+            directory::full_name(record->second.record.account_path));
+        if (name) return from_utf8(name->key());
+    }
+    return lower(trimmed(login.user));
+}
+
+void MemoryStore::end_others_of(const Login& login, const Text& user) {
+    const auto held = guids_of_user_.find(user);
+    if (held == guids_of_user_.end()) return;
+    for (const Text& guid : std::vector<Text>(held->second.begin(), held->second.end())) {
         if (guid == login.guid) continue;
         end_login(guid);
         records_.erase(guid);

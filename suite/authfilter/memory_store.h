@@ -44,6 +44,7 @@ private:
     struct HeldLogin {
         Login login;
         Clock::time_point ends;
+        Text user;  // what guids_of_user_ holds it under
     };
     using Records = std::unordered_map<Text, HeldRecord>;
     using Logins = std::unordered_map<Text, HeldLogin>;
@@ -53,7 +54,10 @@ private:
     bool has_live_login(const Text& guid) const;
     void hold(const Text& guid, Record record);
     void end_login(const Text& guid);
-    void end_others_of(const Login& login);
+    void end_others_of(const Login& login, const Text& user);
+    Text user_key(const Login& login) const;
+    // Whether a record is of the user who has the GUID already.
+    bool is_of_same_user(const Text& guid, const Record& record) const;
     void sweep();
     void sweep_if_due();
 
@@ -62,7 +66,7 @@ private:
     mutable std::mutex lock_;
     Records records_;
     Logins logins_;
-    std::unordered_map<Text, std::unordered_set<Text>> guids_of_user_;  // user in lower case
+    std::unordered_map<Text, std::unordered_set<Text>> guids_of_user_;  // by user_key
     Clock::time_point next_sweep_;
 };
 

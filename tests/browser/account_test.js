@@ -107,7 +107,7 @@ inTheShop('account', (tell) => {
         assert.equal(elsewhere.address(), '/login.asp');
         await visitor.go('/account/');
         assert.equal(await visitor.refusal(), 'The directory does not accept your name and ' +
-            'password any more. Please log out and in again.');
+            'password any more. Please log in again.');
         await visitor.logIn('awalker', 'changed elsewhere');
         assert.equal(await visitor.refusal(), '');
         assert.equal(await visitor.text('#cn'), 'awalker');

@@ -147,7 +147,7 @@ inTheShop('members', (tell) => {
                 'There is no such member, or the member\'s profile is not there.');
             await herself.page.reload();
             assert.equal(await herself.refusal(), 'The directory does not accept your name and ' +
-                'password any more. Please log out and in again.');
+                'password any more. Please log in again.');
         });
 
     tell('saving a member unchanged changes nothing', async (visitor, { directory }) => {

@@ -22,6 +22,8 @@ if (isPost()) {
             for (var i = 0; i < fields.length; i++) {
                 var name = fields[i][0];
                 label = fields[i][1];
+                // Lists of members have columns of 255 characters.
+                if (posted(name).length > 255) throw new Error("this is too long");
                 if (posted(name) != String(user[name])) user[name] = posted(name);
             }
             label = "Out of office";

@@ -227,6 +227,36 @@ TEST_FRESH(LoginTest, TheSiteDecidesOnSeveralLoginsAndTheirTimeout) {
     });
 }
 
+TEST_FRESH(LoginTest, WhatTheSiteDoesNotSayIsManyLoginsAndTenMinutes) {
+    struct Said {
+        const char16_t* key;
+        const char16_t* value;
+        const char* registered;
+    };
+    for (const Said& said :
+         {Said{u"MultiLogin", u"0", "RegisterLogin(jsmith, [3], A1, 0, 10)"},
+          Said{u"MultiLoginTimeout", u"5", "RegisterLogin(jsmith, [3], A1, 1, 5)"}}) {
+        configuration_.sections[u"GLOBAL"] = {{said.key, said.value}};
+        in_a_page([&](Behind<Validator>& validator, RecordingPage& page) {
+            page.cookies[u"ShopLogin"] = u"A1";
+            log_in(validator);
+            EXPECT_THAT(deeds_beginning("RegisterLogin"), ElementsAre(said.registered));
+        });
+    }
+}
+
+TEST_FRESH(LoginTest, AFailingCookieLeavesTheRecordAndNoSession) {
+    for (const char* refused :
+         {"Response.Cookies(ShopLogin) =", "Response.Cookies.Path(ShopLogin) ="}) {
+        in_a_page([&](Behind<Validator>& validator, RecordingPage& page) {
+            journal_.refuse_nth(refused, 1, {error_number(0x80004005), u"Its.Own", u"broken"});
+            EXPECT_EQ(raised_by([&] { log_in(validator); }).number, error_number(0x80004005));
+            EXPECT_TRUE(page.session_values.empty());
+            EXPECT_THAT(deeds(), Contains("Save()"));
+        });
+    }
+}
+
 TEST_FRESH(LoginTest, SessionVariablesTakeUserAndPasswordAsTheyWerePassed) {
     in_a_page([](Behind<Validator>& validator, RecordingPage& page) {
         log_in(validator, std::int32_t{4711}, std::int32_t{12});
@@ -298,7 +328,8 @@ TEST_FRESH(LoginTest, EachFailingStepLeavesWhatWasDoneBefore) {
          {Step{"Validate", 1, 0}, Step{"Bind", 1, 0}, Step{"Request.Cookies", 1, 0},
           Step{"FindUserByGUID", 1, 0}, Step{"Save", 1, 0}, Step{"Session(REMOTE_ACCOUNT) =", 1, 2},
           Step{"LoadSiteConfig", 1, 4}, Step{"GetValue2", 2, 4},
-          Step{"new TavikAuthFilter.Connector", 1, 4}, Step{"RegisterLogin", 1, 4}}) {
+          Step{"new TavikAuthFilter.Connector", 1, 4}, Step{"Application", 1, 0},
+          Step{"CreateUserWithGUID", 1, 0}, Step{"NTUser =", 1, 0}, Step{"RegisterLogin", 1, 4}}) {
         SCOPED_TRACE(step.refused);
         in_a_page([&](Behind<Validator>& validator, RecordingPage& page) {
             page.cookies[u"ShopLogin"] = u"A1";

@@ -50,6 +50,33 @@ TEST_FRESH(MembersSearch, AsksTheUsersContainerWithTheStoredAccount) {
     });
 }
 
+TEST_FRESH(MembersSearch, SortFieldsAreTakenAndNotUsed) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        directory_.found = users({u"bert", u"anna"});
+        const Object found =
+            members.call<&Members::GetOrvoUsers>(no_criteria(), Text(u"cn"), Variant::missing());
+        EXPECT_EQ(call<&RecordSet::Sort>(Ref<RecordSet>::from(found)), u"");
+        EXPECT_EQ(field_value(Ref<RecordSet>::from(found), u"cn"), Variant(u"bert"));
+    });
+}
+
+TEST_FRESH(MembersSearch, AnAnswerThatIsNoRecordSetIsAFailureOfTheQuery) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        directory_.found = make<DictionaryObject>().object();
+        const auto expected =
+            block("D", get_users,
+                  block("D", query_members,
+                        "The following query failed: (& (objectClass=top)(OrvoUserType=*))"));
+        expect_failure(raised_by([&] { search(members, no_criteria()); }), 13,
+                       from_utf8(query_members), expected);
+        expect_failure(raised_by([&] {
+                           members.call<&Members::GetOrvoUsersEx>(no_criteria(), Variant::missing(),
+                                                                  Text(), Variant::missing());
+                       }),
+                       13, from_utf8(query_members), expected);
+    });
+}
+
 TEST_FRESH(MembersSearch, AnObjectReferenceMeansNoCriteria) {
     bound_members_through_every_door([this](Behind<Members>& members) {
         search(members, Object());
@@ -331,6 +358,14 @@ TEST_FRESH(MembersHavingRole, APartnerThatIsNoNumberBecomesZeroAndIsNoted) {
                                        block("0", add, "Not an actual error",
                                              "Invalid BusinessPartnerID for user carl -- value "
                                              "set to 0 in resultset")));
+        directory_.finds = {profiles({}),
+                            records({u"CN", u"BusinessPartnerID", u"mail", u"givenName", u"sn"},
+                                    {{Values(), u"none", u"", u"", u""}})};
+        EXPECT_EQ(raised_by([&] { having(members, 7); }).number, 3421)
+            << "of the name itself, not of the note";
+        EXPECT_EQ(log_.take().front().message,
+                  block("0", add, "Not an actual error",
+                        "Invalid BusinessPartnerID for user  -- value set to 0 in resultset"));
         directory_.finds = {profiles({}),
                             records({u"CN", u"BusinessPartnerID", u"mail", u"givenName", u"sn"},
                                     {{u"anna", u"none", u"", u"", u""}})};

@@ -17,7 +17,7 @@ protected:
 
 TEST_FRESH(UserByGuid, IsFoundThroughTheContainerAndThenBoundByName) {
     directory_.answer(u"cn", Values{u"jsmith"});
-    directory_.found = users({u"jsmith"});
+    directory_.found = users({u"row name"});
     through_every_door([this](Behind<User>& user) {
         bind(user);
         auto calls = journal_.take();
@@ -27,6 +27,9 @@ TEST_FRESH(UserByGuid, IsFoundThroughTheContainerAndThenBoundByName) {
         const char* bind_user =
             "Bind(dir01:389, ou=Users,o=Shop, un=jsmith, cn=web,o=Shop, web-code, "
             "[cn, OrvoUserType, BusinessPartnerID])";
+        const char* bind_row =
+            "Bind(dir01:389, ou=Users,o=Shop, un=row name, cn=web,o=Shop, web-code, "
+            "[cn, OrvoUserType, BusinessPartnerID])";
         const char* bind_account =
             "Bind(dir01:389, ou=Accounts,o=Shop, an=0, cn=script,o=Shop, script-code, [])";
         EXPECT_THAT(calls,
@@ -34,7 +37,8 @@ TEST_FRESH(UserByGuid, IsFoundThroughTheContainerAndThenBoundByName) {
                                 std::string("Execute((& (objectClass=top)(OrvoUserType=*)"
                                             "(OrvoGUID=0123)), ") +
                                     usual_columns + ", 1000)",
-                                bind_user, bind_account, bind_user, bind_account));
+                                bind_row, bind_account, bind_user, bind_account))
+            << "bound by what the entry calls itself";
         EXPECT_EQ(user.call<&User::CN>(), u"jsmith");
     });
 }

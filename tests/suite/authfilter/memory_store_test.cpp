@@ -24,6 +24,13 @@ protected:
         store_.save(guid, record);
     }
 
+    void save_account(const Text& guid, const Text& user, const Text& path) {
+        Record record;
+        record.user_name = user;
+        record.account_path = path;
+        store_.save(guid, record);
+    }
+
     Clock::time_point now_{};
     MemoryStore store_{Limits{.most = 3, .record_lifetime = minutes(60)}, [this] { return now_; }};
 };
@@ -106,6 +113,27 @@ TEST_F(MemoryStoreTest, AnotherUsersLoginUnderTheSameGuidTakesItsPlace) {
     EXPECT_FALSE(store_.ask(u"g", 2));
 }
 
+TEST_F(MemoryStoreTest, ARecordOfAnotherUserEndsTheLoginThatTheGuidHad) {
+    save_account(u"g", u"admin", u"cn=admin,o=Shop");
+    begin(u"g", u"admin");
+    save_account(u"g", u"admin", u"cn=admin,o=Shop");
+    EXPECT_TRUE(store_.ask(u"g", 2)) << "the same user goes on";
+    save_account(u"g", u"norole", u"cn=norole,o=Shop");
+    EXPECT_FALSE(store_.ask(u"g", 2));
+    begin(u"h", u"smith");
+    save_account(u"h", u"norole", u"cn=norole,o=Shop");
+    EXPECT_FALSE(store_.ask(u"h", 2)) << "nor does a login without a record survive one";
+}
+
+TEST_F(MemoryStoreTest, TheAccountTellsThatTwoSpellingsAreOneUser) {
+    save_account(u"a", u"jsmith", u"cn=jsmith,ou=Users,o=Shop");
+    begin(u"a", u"jsmith", true);
+    save_account(u"b", u" j\\73mith ", u"CN=j\\73mith , ou=Users,o=Shop");
+    begin(u"b", u" j\\73mith ", true);
+    EXPECT_FALSE(store_.ask(u"a", 2));
+    EXPECT_TRUE(store_.ask(u"b", 2));
+}
+
 TEST_F(MemoryStoreTest, ARecordIsCreatedOnce) {
     EXPECT_FALSE(store_.find(u"g"));
     EXPECT_TRUE(store_.try_create(u"g"));
@@ -174,16 +202,23 @@ Text refusal_of(Action action) {
 }
 
 TEST_F(MemoryStoreTest, AFullStoreRefusesNewOnesAndKeepsThoseItHas) {
-    for (const Text guid : {u"a", u"b", u"c"}) begin(guid, u"user " + guid), save(guid, u"pw");
-    EXPECT_EQ(refusal_of([&] { begin(u"d", u"smith"); }),
+    for (const Text guid : {u"a", u"b", u"c"}) begin(guid, u"smith"), save(guid, u"pw");
+    EXPECT_EQ(refusal_of([&] { begin(u"d", u"jones"); }),
               u"The authorization filter holds 3 live logins, its most; a new one is refused");
     EXPECT_EQ(refusal_of([&] { save(u"d", u"pw"); }),
               u"The authorization filter holds 3 live records, its most; a new one is refused");
     EXPECT_EQ(refusal_of([&] { store_.try_create(u"d"); }),
               u"The authorization filter holds 3 live records, its most; a new one is refused");
-    begin(u"a", u"user a");
+    begin(u"a", u"smith");
     save(u"a", u"new");
     EXPECT_TRUE(store_.ask(u"b", 2));
+}
+
+TEST_F(MemoryStoreTest, AFullStoreTakesALoginThatReplacesTheUsersOwn) {
+    for (const char16_t* guid : {u"a", u"b", u"c"}) begin(guid, guid);
+    begin(u"d", u"a", true);
+    EXPECT_TRUE(store_.ask(u"d", 2));
+    EXPECT_FALSE(store_.ask(u"a", 2));
 }
 
 TEST_F(MemoryStoreTest, AFullStoreMakesRoomByWhatHasEnded) {
