@@ -109,6 +109,31 @@ TEST_FRESH(NamesLive, LogInWithTheNameOfTheirEntry) {
     }
 }
 
+TEST_FRESH(NamesLive, LogInAndChangeTheirPasswordAsTheyAreTyped) {
+    load_settings();
+    const Object validator = create_object(u"OrvoMembership.Validator");
+    const auto check = [&](const Text& name, const char16_t* password) {
+        return late::call(validator, u"ValidatePassword", {name, password}).to<std::int32_t>();
+    };
+    for (const char16_t* name :
+         {u"Smith, John", u"Research+Development", u"#1 Buyer", u"Temp (night) *", u"back\\slash",
+          u"Ann \"Andy\" <Smith>; =", u"O'Brien", u"J\u00F6rg Wei\u00DF"}) {
+        SCOPED_TRACE(to_utf8(Text(name)));
+        const Text account = u"cn=" + Text(name) + u",ou=Users,o=Shop";
+        // "=" in a user id says that it names its attribute itself.
+        const Text id = Text(name).find(u'=') == Text::npos ? Text(name) : u"cn=" + Text(name);
+        EXPECT_EQ(check(id, u"shop-sample"), 0);
+        EXPECT_EQ(check(id, u"wrong"), -1);
+        const Object itself = create_object(u"OrvoMembership.User");
+        late::call(itself, u"BindAs", {name, account, u"shop-sample"});
+        EXPECT_EQ(late::get(itself, u"CN"), Variant(name));
+        if (id != name) continue;
+        late::call(itself, u"ChangePassword", {u"shop-sample", u"own-sample"});
+        EXPECT_EQ(check(id, u"own-sample"), 0);
+        EXPECT_EQ(check(id, u"shop-sample"), -1);
+    }
+}
+
 TEST_FRESH(NamesLive, AreRefusedWhereTheyReadAsThoseOfAnotherEntry) {
     const Object container = members();
     const auto before = everything();

@@ -10,13 +10,22 @@ struct Named {
     abi::CLSID clsid;
 };
 
+// Each of PublicClasses.
 const Named classes[] = {
     {u"OrvoMembership.ServerInfo", class_of<ServerInfo>.clsid},
     {u"OrvoMembership.PMMCreator", class_of<PMMCreator>.clsid},
     {u"OrvoMembership.Account", class_of<Account>.clsid},
+    {u"OrvoMembership.PMMAccessor", class_of<PMMAccessor>.clsid},
+    {u"OrvoMembership.Initialize", class_of<Initialize>.clsid},
     {u"OrvoMembership.LdapAccess", class_of<LdapAccess>.clsid},
+    {u"OrvoMembership.Profile", class_of<Profile>.clsid},
+    {u"OrvoMembership.User", class_of<User>.clsid},
+    {u"OrvoMembership.Members", class_of<Members>.clsid},
+    {u"OrvoMembership.Profiles", class_of<Profiles>.clsid},
     {u"OrvoMembership.Validator", class_of<Validator>.clsid},
 };
+
+static_assert(std::size(classes) == std::tuple_size_v<PublicClasses>);
 
 class Module : public ModuleTest {
 protected:

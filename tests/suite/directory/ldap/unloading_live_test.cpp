@@ -1,5 +1,6 @@
 // The module with the provider, as others load it.
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -55,13 +56,14 @@ private:
     test::Environment components_{"ORVO_COMPONENTS", folder_.path().string()};
 };
 
-// Whether unused modules are unloaded is the system's business; where they are, their connections
-// are closed, and no more are ever there than the new ones.
+// What is not used any more goes when the system is told to look, and takes its connections along.
 TEST_F(Unloading, LeavesNoConnectionsBehind) {
     for (int round = 0; round < 3; ++round) {
         use_everything();
         EXPECT_TRUE(comes_to(2)) << "one of the service account, one for password checks";
         abi::CoFreeUnusedLibraries();
+        EXPECT_TRUE(comes_to(0));
+        EXPECT_EQ(dlopen(ORVO_SUITE, RTLD_LAZY | RTLD_NOLOAD), nullptr);
     }
 }
 
@@ -71,6 +73,7 @@ TEST_F(Unloading, LeavesNoConnectionsOfOtherThreadsBehind) {
         std::thread([&] { use_everything(); }).join();
         EXPECT_TRUE(comes_to(2));
         abi::CoFreeUnusedLibraries();
+        EXPECT_TRUE(comes_to(0));
     }
 }
 
