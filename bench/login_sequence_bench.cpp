@@ -1,0 +1,116 @@
+// What a login does with the directory, without a web page around it: the password is checked, the
+// user bound, and one attribute each of the user, its profile and its account is read. By 1, 4 and
+// 16 threads, beside the raw client doing what that needs at least, a bind and three readings: on
+// two connections that it keeps, the user's and the service account's, or with a connection for
+// each. Rounds alternate; "rate_to_raw" is how many logins are done in the time of one of the raw
+// client's.
+
+#include <benchmark/benchmark.h>
+
+#include "bench/big_shop.h"
+#include "bench/crew.h"
+#include "bench/provider_keeps.h"
+#include "bench/raw_client.h"
+
+namespace orvo {
+namespace {
+
+struct Visitor {
+    PrivateSlapd& shop = shop_of(200);
+    std::string user = shop.user_dn("jsmith");
+    Variant account = from_utf8(user), password = from_utf8(shop.user_password());
+    RawConnection kept = raw_connection(shop.url()), kept_service = raw_connection(shop.url());
+    Object validator = create_object(u"OrvoMembership.Validator");
+    Object settings = bound_members(shop);
+    bool is_wrong = false;
+
+    Visitor() { is_wrong |= !raw_bind(kept_service, shop.service_dn(), shop.service_password()); }
+
+    RawConnection connected(const std::string& name, const std::string& code) {
+        RawConnection made = raw_connection(shop.url());
+        is_wrong |= !raw_bind(made, name, code);
+        return made;
+    }
+    void read_user(const RawConnection& connection) {
+        is_wrong |= !raw_read(connection, user,
+                              {"cn", "OrvoUserType", "BusinessPartnerID", "ProfileCN", "sn"});
+    }
+    void read_profile(const RawConnection& connection) {
+        is_wrong |= !raw_read(connection, "cn=Buyers,ou=Profiles,o=Shop", {"cn", "LanguageID"});
+    }
+    void read_account(const RawConnection& connection) {
+        is_wrong |= !raw_read(connection, "cn=1,ou=Accounts,o=Shop", {"cn", "OrvoNTUser"});
+    }
+
+    void raw_on_kept() {
+        is_wrong |= !raw_bind(kept, user, shop.user_password());
+        read_user(kept);
+        read_profile(kept);
+        read_account(kept_service);
+    }
+    void raw_connecting() {
+        connected(user, shop.user_password());
+        read_user(connected(user, shop.user_password()));
+        read_profile(connected(user, shop.user_password()));
+        read_account(connected(shop.service_dn(), shop.service_password()));
+    }
+    void log_in() {
+        is_wrong |=
+            !(late::call(validator, u"ValidatePassword", {u"jsmith", password}) == Variant(0));
+        const Object bound = create_object(u"OrvoMembership.User");
+        late::call(bound, u"BindAs", {u"jsmith", account, password});
+        is_wrong |= !(late::get(bound, u"LastName") == Variant(u"Smith"));
+        const Object profile = late::get(bound, u"Profile").to<Object>();
+        is_wrong |= !(late::get(profile, u"LanguageID") == Variant(u"en"));
+        is_wrong |= !(late::get(bound, u"NTUser") == Variant(u"SHOP\\shop-user"));
+    }
+};
+
+void logins(benchmark::State& state, Keeps keeps, void (Visitor::*raw)()) {
+    constexpr int rounds = 20;
+    shop_of(200);
+    const KeepsScope scope(keeps);
+    Crew<Visitor> crew(static_cast<int>(state.range(0)));
+    std::atomic<bool> is_wrong = false;
+    double raw_time = 0, own_time = 0;
+    for (auto _ : state) {
+        raw_time += crew.run(rounds, [&](Visitor& visitor) { (visitor.*raw)(); });
+        const double own = crew.run(rounds, [&](Visitor& visitor) {
+            visitor.log_in();
+            if (visitor.is_wrong) is_wrong = true;
+        });
+        own_time += own;
+        state.SetIterationTime(own);
+    }
+    if (is_wrong) state.SkipWithError("a login failed");
+    const double done = static_cast<double>(state.iterations() * state.range(0) * rounds);
+    state.counters["logins_per_s"] = done / own_time;
+    state.counters["raw_per_s"] = done / raw_time;
+    state.counters["rate_to_raw"] = raw_time / own_time;
+}
+
+void pool_to_kept(benchmark::State& state) {
+    logins(state, Keeps::connections, &Visitor::raw_on_kept);
+}
+void cache_to_kept(benchmark::State& state) {
+    logins(state, Keeps::connections_and_entries, &Visitor::raw_on_kept);
+}
+void pool_to_connecting(benchmark::State& state) {
+    logins(state, Keeps::connections, &Visitor::raw_connecting);
+}
+void off_to_connecting(benchmark::State& state) {
+    logins(state, Keeps::nothing, &Visitor::raw_connecting);
+}
+
+void threads(benchmark::internal::Benchmark* row) {
+    row->ArgName("")->Arg(1)->Arg(4)->Arg(16)->Unit(benchmark::kMillisecond)->UseManualTime();
+}
+BENCHMARK(pool_to_kept)->Name("login, pool; raw: kept connections; threads")->Apply(threads);
+BENCHMARK(cache_to_kept)
+    ->Name("login, pool and cache; raw: kept connections; threads")
+    ->Apply(threads);
+BENCHMARK(pool_to_connecting)->Name("login, pool; raw: connecting; threads")->Apply(threads);
+BENCHMARK(off_to_connecting)->Name("login, no pool; raw: connecting; threads")->Apply(threads);
+
+}  // namespace
+}  // namespace orvo
