@@ -124,7 +124,8 @@ bool MemoryStore::is_of_same_user(const Text& guid, const Record& record) const 
         return before->second.record.account_path == record.account_path &&
                before->second.record.user_name == record.user_name;
     const auto login = logins_.find(guid);
-    return login != logins_.end() && equal_ignoring_case(login->second.login.user, record.user_name);
+    return login != logins_.end() &&
+           equal_ignoring_case(login->second.login.user, record.user_name);
 }
 
 // The entry that the record tells of, so that a name counts as one however it was typed; without a
