@@ -4,7 +4,7 @@
 // connections: the bind, and one reading each of the user, the profile and the account. Rounds
 // alternate; "rate_to_raw" is how many logins are done in the time of one of the raw client's.
 // "operations" are those that the directory server counted for one login, unbinds and the like
-// included; docs/login.md tells what they are.
+// included; docs/login.md tells which.
 
 #include <benchmark/benchmark.h>
 #include <httplib.h>

@@ -116,24 +116,25 @@ const AttributeType* LdapEntry::type_of(const std::string& name) {
     return facts_->types.find(name);
 }
 
-// Nothing for what was not fetched, or was read before. An attribute that the entry seems to lack
-// may be one that the server sends only when asked by name.
-std::optional<std::vector<std::string>> LdapEntry::take_fetched(const std::string& name) {
+// Nothing for what was not fetched, or is a list that was read before. An attribute that the entry
+// seems to lack may be one that the server sends only when asked by name.
+std::optional<std::vector<std::string>> LdapEntry::take_fetched(const std::string& name,
+                                                                const AttributeType* type) {
     if (steady_clock::now() - fetched_.at > fetched_lasts ||
         write_mark(key_) != fetched_.write_mark) {
         fetched_ = {};
         return std::nullopt;
     }
-    const bool was_asked = std::erase_if(fetched_.asked, [&](const std::string& asked) {
-                               return facts_->types.same(asked, name);
-                           }) != 0;
+    const auto is_it = [&](const std::string& asked) { return facts_->types.same(asked, name); };
     auto& attributes = fetched_.entry.attributes;
     const auto found = find_attribute(attributes, name, facts_->types);
-    if (found == attributes.end() && !was_asked) return std::nullopt;
+    if (found == attributes.end() && std::ranges::none_of(fetched_.asked, is_it))
+        return std::nullopt;
     std::vector<std::string> values;
-    if (found != attributes.end()) {
-        values = std::move(found->values);
-        attributes.erase(found);
+    if (found != attributes.end()) values = found->values;
+    if (!type || !type->single_value) {
+        std::erase_if(fetched_.asked, is_it);
+        if (found != attributes.end()) attributes.erase(found);
     }
     return values;
 }
@@ -143,7 +144,7 @@ Variant LdapEntry::GetValues(Text& name) {
     if (name.empty()) raise_runtime_error(runtime_error::invalid_call);
     const std::string attribute = to_utf8(name);
     const AttributeType* type = type_of(attribute);
-    if (const auto fetched = take_fetched(attribute)) return decode_values(type, *fetched);
+    if (const auto fetched = take_fetched(attribute, type)) return decode_values(type, *fetched);
     if (const auto known = try_cached(*login_))
         if (const auto cached = known->try_values(attribute, facts_->types))
             return decode_values(type, *cached);

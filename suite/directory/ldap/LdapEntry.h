@@ -21,9 +21,11 @@ struct NewEntry;
 //
 // Values are read fresh: every GetValues asks the server, or the cache of the process once that is
 // switched on (InitializeCache). Beside that there is one exception, a bind that was told what to
-// fetch: the whole entry comes with it (but for its password), and answers the first reading of
-// each attribute, within `fetched_lasts` of the bind and unless this process has written to the
-// entry since. So whoever binds and at once looks at several attributes pays for one round trip.
+// fetch: the whole entry comes with it (but for its password) and answers readings within
+// `fetched_lasts` of the bind, unless this process has written to the entry since. So whoever binds
+// and at once looks at several attributes pays for one round trip. Of an attribute that may have
+// several values only the first reading is answered so: lists are read in order to be changed and
+// written back, and what another process has added meanwhile must not be lost.
 class LdapEntry final : public DirectoryEntry {
 public:
     static constexpr std::chrono::milliseconds fetched_lasts{250};
@@ -91,7 +93,8 @@ private:
     Fetched read(ServerLogin& login, const std::vector<std::string>& asked, const char* more) const;
     const ServerFacts& facts();
     const AttributeType* type_of(const std::string& name);
-    std::optional<std::vector<std::string>> take_fetched(const std::string& name);
+    std::optional<std::vector<std::string>> take_fetched(const std::string& name,
+                                                         const AttributeType* type);
     void write_password(const std::string& name, const Variant& value);
     void replace(const std::string& name, std::vector<std::string> values);
     Result add(const std::string& name, const NewEntry& entry);

@@ -225,7 +225,7 @@ TEST_F(LdapEntryTest, TellsMissingRights) {
     EXPECT_EQ(failure.description, u"(50) The rights are not sufficient.");
 }
 
-TEST_F(LdapEntryTest, AnswersTheFirstReadingFromWhatBindFetched) {
+TEST_F(LdapEntryTest, AnswersTheFirstReadingOfAListFromWhatBindFetched) {
     bound(Values{u"SN", u"ManagerCN"});
     ASSERT_EQ(probe_.replace(user(), "sn", {"Changed"}), 0);
     ASSERT_EQ(probe_.replace(user(), "ManagerCN", {"admin"}), 0);
@@ -233,9 +233,23 @@ TEST_F(LdapEntryTest, AnswersTheFirstReadingFromWhatBindFetched) {
     EXPECT_EQ(values(entry_, u"surname"), Variant(Values{u"Jansen"}));
     EXPECT_EQ(values(entry_, u"ManagerCN"), Variant(Values{Variant()}));
     EXPECT_NE(values(entry_, u"givenName"), Variant(Values{u"Changed"})) << "it came along";
-    EXPECT_EQ(values(entry_, u"sn"), Variant(Values{u"Changed"}));
-    EXPECT_EQ(values(entry_, u"ManagerCN"), Variant(Values{u"admin"}));
+    EXPECT_EQ(values(entry_, u"sn"), Variant(Values{u"Changed"})) << "a list, read once";
     EXPECT_EQ(values(entry_, u"givenName"), Variant(Values{u"Changed"}));
+}
+
+TEST_F(LdapEntryTest, AnswersASingleValueFromWhatBindFetchedUntilItIsOldOrWrittenHere) {
+    bound(Values{u"ManagerCN"});
+    ASSERT_EQ(probe_.replace(user(), "ManagerCN", {"admin"}), 0);
+    ASSERT_EQ(probe_.replace(user(), "OrvoUserType", {"2"}), 0);
+    for (int reading = 0; reading < 3; ++reading) {
+        EXPECT_EQ(values(entry_, u"managercn"), Variant(Values{Variant()}));
+        EXPECT_EQ(values(entry_, u"OrvoUserType"), Variant(Values{1}));
+    }
+    Text other = u"Position";
+    Variant written = u"Clerk";
+    entry_.SetValues(other, written);
+    EXPECT_EQ(values(entry_, u"ManagerCN"), Variant(Values{u"admin"}));
+    EXPECT_EQ(values(entry_, u"OrvoUserType"), Variant(Values{2}));
 }
 
 TEST_F(LdapEntryTest, AsksForAnAttributeThatDidNotComeWithTheBind) {
