@@ -39,6 +39,7 @@ void LdapEntry::Bind(Text& server, Text& container, Text& common_name, Text& use
     fetched_ = {};
     ServerLogin login(server, user, password, limits_);
     const Text name = entry_name(common_name, container_name(container));
+    require_whole(name);
     name_ = to_utf8(name);
     const auto parsed = DistinguishedName::try_parse(name);
     key_ = parsed ? parsed->key() : name_;
@@ -142,6 +143,7 @@ std::optional<std::vector<std::string>> LdapEntry::take_fetched(const std::strin
 Variant LdapEntry::GetValues(Text& name) {
     require_bound();
     if (name.empty()) raise_runtime_error(runtime_error::invalid_call);
+    require_whole(name);
     const std::string attribute = to_utf8(name);
     const AttributeType* type = type_of(attribute);
     if (const auto fetched = take_fetched(attribute, type)) return decode_values(type, *fetched);
@@ -157,6 +159,7 @@ Variant LdapEntry::GetValues(Text& name) {
 
 void LdapEntry::SetValues(Text& name, Variant& value) {
     require_bound();
+    require_whole(name);
     const std::string attribute = to_utf8(name);
     if (is_password(attribute)) return write_password(attribute, value);
     replace(attribute, encode_values(type_of(attribute), value));
@@ -164,12 +167,19 @@ void LdapEntry::SetValues(Text& name, Variant& value) {
 
 void LdapEntry::ClearValues(Text& name) {
     require_bound();
-    replace(to_utf8(name), {});
+    require_whole(name);
+    const std::string attribute = to_utf8(name);
+    if (is_password(attribute)) return write_password(attribute, Variant());
+    replace(attribute, {});
 }
 
 void LdapEntry::write_password(const std::string& name, const Variant& value) {
     const Secret password = password_in(value);
-    if (password.empty()) return replace(name, {});
+    if (password.empty()) {
+        replace(name, {});
+        login_->password_changed(key_, password);
+        return;
+    }
     if (!facts().changes_passwords) {
         replace(name, {hashed_password(password)});
     } else {

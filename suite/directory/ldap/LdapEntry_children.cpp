@@ -27,7 +27,10 @@ std::vector<Attribute> with_blanks(const NewEntry& entry) {
 void LdapEntry::CreateChild(Variant& classes, Text& naming_attribute, Object& attributes) {
     require_bound();
     const std::vector<GivenAttribute> given = given_attributes(attributes);
-    for (const GivenAttribute& attribute : given) type_of(attribute.name);
+    for (const GivenAttribute& attribute : given) {
+        require_whole(from_utf8(attribute.name));
+        type_of(attribute.name);
+    }
     NewEntry entry(given, classes, to_utf8(naming_attribute), facts().types);
     const bool server_hashes = facts().changes_passwords;
     if (!entry.password.empty() && !server_hashes)
@@ -37,6 +40,8 @@ void LdapEntry::CreateChild(Variant& classes, Text& naming_attribute, Object& at
     const NotedWrite noted(key_of(name));
     check(add(name, entry));
     if (!entry.password.empty() && server_hashes) set_first_password(name, entry.password);
+    // Who was bound as a former entry of this name is not the new one.
+    login_->password_changed(key_of(name), entry.password);
 }
 
 Result LdapEntry::add(const std::string& name, const NewEntry& entry) {
@@ -91,6 +96,7 @@ void LdapEntry::DeleteChild(Text&, Text& entry_name) {
     const std::string name = to_utf8(*below);
     const NotedWrite noted(key_of(name));
     check(change([&](Session& session) { return session.remove(name); }));
+    login_->password_changed(key_of(name), Secret());
 }
 
 }  // namespace orvo::directory::ldap

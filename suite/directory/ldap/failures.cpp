@@ -14,6 +14,11 @@ std::string quoted(std::string_view name) {
     return "'" + std::string(name.substr(0, end)) + "...'";
 }
 
+void require_whole(TextView name) {
+    if (name.find(u'\0') != TextView::npos)
+        raise_code(result_code::invalid_name, "A name cannot hold a NUL.");
+}
+
 void raise_unsupported() {
     constexpr std::int32_t action_not_supported = 445;
     throw Failure(action_not_supported, Text(provider_name), u"Object doesn't support this action");

@@ -18,6 +18,10 @@ inline constexpr TextView provider_name = u"OrvoDirectory.Ldap";
 // A name as a description quotes it: between apostrophes, of a long one the beginning.
 std::string quoted(std::string_view name);
 
+// Raises result code 34 for a name that holds a NUL: the client library would read it only as far
+// as there, and take it for another name.
+void require_whole(TextView name);
+
 // Raises 445 (object doesn't support this action).
 [[noreturn]] void raise_unsupported();
 

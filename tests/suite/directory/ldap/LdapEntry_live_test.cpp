@@ -117,6 +117,26 @@ TEST_F(LdapEntryTest, TakesAUsersNameThatWasNotEscapedAndRefusesANul) {
               error_number(0x8007052E));
 }
 
+TEST_F(LdapEntryTest, RefusesANulInANameAndWritesNothing) {
+    bound();
+    const auto before = probe_.values(user(), "entryCSN");
+    Text name = u"userPassword" + Text(1, u'\0') + u"x";
+    Variant value = u"in clear text";
+    for (const auto& failure : {failure_of([&] { entry_.SetValues(name, value); }),
+                                failure_of([&] { entry_.ClearValues(name); }),
+                                failure_of([&] { entry_.GetValues(name); })}) {
+        EXPECT_EQ(failure.description.substr(0, 5), u"(34) ");
+        EXPECT_NE(failure.description.find(u"A name cannot hold a NUL."), Text::npos);
+    }
+    EXPECT_EQ(probe_.values(user(), "entryCSN"), before);
+    const Text container = u"ou=Users,o=Shop" + Text(1, u'\0') + u",ou=Nowhere";
+    EXPECT_EQ(failure_of([&] {
+                  bind_entry(entry_, server_.server(), service(), u"cn=jsmith", Values{},
+                             container);
+              }).description.substr(0, 5),
+              u"(34) ");
+}
+
 TEST_F(LdapEntryTest, RefusesWrongCredentials) {
     const std::vector<Login> logins = {{server_.service_dn(), "wrong"},
                                        {"cn=nobody,o=Shop", "wrong"},
