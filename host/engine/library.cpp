@@ -134,6 +134,7 @@ const std::string& library_code() {
 
 void add_library(duk_context* context, const std::string& code) {
     keep_originals(context);
+    add_errors(context);
     if (Runtime::of(context).options().create_object) {
         for (const char* name : {"ActiveXObject", "CreateObject"}) {
             duk_push_c_function(context, function_of<CreateObject>, 1);

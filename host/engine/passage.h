@@ -132,6 +132,9 @@ void push_callable(duk_context* context);
 // Defines VBArray and Enumerator.
 void add_collections(duk_context* context);
 
+// Defines the constructors of errors anew, so that they take a number in front of the text.
+void add_errors(duk_context* context);
+
 // Defines ActiveXObject, CreateObject and the collections, and adapts the language's own library;
 // code: library_code(), which is C++ and so asked for before Duktape is entered.
 void add_library(duk_context* context, const std::string& code);

@@ -217,7 +217,8 @@ void Runtime::raise_uncaught() {
     const Text file = text_at(context_, first + 1);
     const Text name = text_at(context_, first + 2);
     Text message = text_at(context_, first + 3);
-    const std::int32_t number = duk_get_int_default(context_, first + 4, no_number);
+    const std::int32_t number =
+        duk_is_number(context_, first + 4) ? duk_to_int32(context_, first + 4) : no_number;
     const Text description = text_at(context_, first + 5);
     const Text source = text_at(context_, first + 6);
     const bool knows_place = !file.empty();

@@ -62,4 +62,9 @@ raises("an account that is not there", "80072030",
              "LDAP"),
        function () { new ActiveXObject("OrvoMembership.Account").Init(77); });
 
+raises("an error of the script's own", "800A0005", "not so",
+       function () { throw new Error(0x800A0005 | 0, "not so"); });
+equal("its message", new TypeError(5, "not so").message, "not so");
+equal("an error without a number", new Error("not so").description, "not so");
+
 end();

@@ -8,8 +8,6 @@
 
 #include <cerrno>
 #include <chrono>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <system_error>
 #include <thread>
@@ -108,8 +106,7 @@ std::string output_of(const std::vector<std::string>& arguments) {
     TempFolder folder;
     std::filesystem::path log = folder.path() / "output";
     int code = ChildProcess(arguments, log).wait();
-    std::ifstream file(log, std::ios::binary);
-    std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    std::string text = content_of(log);
     if (code != 0) {
         throw std::runtime_error(arguments.front() + " ended with " + std::to_string(code) + ": " +
                                  text);

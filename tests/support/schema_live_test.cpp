@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iterator>
 #include <sstream>
 
 #include "tests/support/ldap_probe.h"
@@ -26,11 +25,6 @@ constexpr int invalid_syntax = 21;
 
 const std::string schema = ORVO_SOURCE_DIR "/schema/";
 
-std::string text_of(const std::filesystem::path& path) {
-    std::ifstream file(path);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
 // The product's definitions as a configuration database holds them, sorted.
 Strings definitions_in(const std::filesystem::path& database) {
     std::istringstream dump(
@@ -46,7 +40,7 @@ Strings definitions_in(const std::filesystem::path& database) {
 
 TEST(TheSchema, HasAnLdifFormThatIsWhatTheScriptPrints) {
     for (const std::string name : {"orvo", "orvo-standalone"}) {
-        EXPECT_EQ(text_of(schema + name + ".ldif"),
+        EXPECT_EQ(content_of(schema + name + ".ldif"),
                   output_of({schema + "to-ldif", schema + name + ".schema"}))
             << "schema/to-ldif schema/" << name << ".schema > schema/" << name << ".ldif";
     }
@@ -66,9 +60,9 @@ TEST(TheSchema, MeansTheSameToAServerInBothForms) {
     const std::string ldif = folder.path() / "config.ldif";
     std::ofstream(ldif) << "dn: cn=config\nobjectClass: olcGlobal\ncn: config\n\n"
                         << "dn: cn=schema,cn=config\nobjectClass: olcSchemaConfig\ncn: schema\n\n"
-                        << text_of("/etc/ldap/schema/core.ldif") << "\n"
-                        << text_of(schema + "orvo-standalone.ldif") << "\n"
-                        << text_of(schema + "orvo.ldif");
+                        << content_of("/etc/ldap/schema/core.ldif") << "\n"
+                        << content_of(schema + "orvo-standalone.ldif") << "\n"
+                        << content_of(schema + "orvo.ldif");
     output_of({"/usr/sbin/slapadd", "-n0", "-F", from_ldif, "-l", ldif});
 
     Strings definitions = definitions_in(from_schema);
@@ -179,8 +173,8 @@ TEST(TheSchema, HasEveryAttributeOfItsFileTriedHere) {
         expected.insert(expected.end(), kind.names.begin(), kind.names.end());
     }
     Strings defined;
-    std::istringstream lines(text_of(schema + "orvo-standalone.schema") +
-                             text_of(schema + "orvo.schema"));
+    std::istringstream lines(content_of(schema + "orvo-standalone.schema") +
+                             content_of(schema + "orvo.schema"));
     for (std::string line; std::getline(lines, line);) {
         if (!line.starts_with("attributetype")) continue;
         std::size_t quote = line.find('\'') + 1;

@@ -9,7 +9,6 @@
 #include <cerrno>
 #include <chrono>
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <system_error>
 #include <thread>
@@ -19,11 +18,6 @@ namespace orvo {
 namespace {
 
 const std::string script = ORVO_SOURCE_DIR "/scripts/private-slapd";
-
-std::string text_of(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 // A port of the loopback address that nobody uses, kept until the end of the object's life.
 class FreePort {
@@ -54,7 +48,7 @@ private:
 
 PrivateSlapd::PrivateSlapd(SlapdOptions options) : tls_(options.tls) {
     prepare(options);
-    root_password_ = text_of(folder() / "root.pw");
+    root_password_ = content_of(folder() / "root.pw");
     // Between finding a free port and the server's taking it, somebody else may take it.
     for (int attempt = 0; attempt < 10; ++attempt) {
         choose_ports();
@@ -155,6 +149,6 @@ std::filesystem::path PrivateSlapd::ca_file() const {
 
 std::filesystem::path PrivateSlapd::site_ini() const { return folder() / "site.ini"; }
 
-std::string PrivateSlapd::log_text() const { return text_of(folder() / "slapd.log"); }
+std::string PrivateSlapd::log_text() const { return content_of(folder() / "slapd.log"); }
 
 }  // namespace orvo

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include <fstream>
-#include <iterator>
 
 #include "tests/support/ldap_probe.h"
 
@@ -25,11 +24,6 @@ constexpr int server_down = -1;
 constexpr int timed_out = -5;
 
 const std::string script = ORVO_SOURCE_DIR "/scripts/private-slapd";
-
-std::string text_of(const std::filesystem::path& path) {
-    std::ifstream file(path);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 LdapProbe service_of(const PrivateSlapd& slapd) {
     return LdapProbe(slapd.url(), slapd.service_dn(), slapd.service_password());
@@ -65,11 +59,11 @@ TEST(APrivateSlapd, LetsItsUsersLogIn) {
 
 TEST(APrivateSlapd, ComesWithASiteConfigurationOfItsOwn) {
     PrivateSlapd slapd;
-    std::string site = text_of(slapd.site_ini());
+    std::string site = content_of(slapd.site_ini());
     EXPECT_THAT(site, HasSubstr("\nLDAPServer=" + slapd.server() + "\n"));
     EXPECT_THAT(site, HasSubstr("\nMemScriptCode=" + slapd.service_password() + "\n"));
     EXPECT_THAT(site, Not(HasSubstr("\nLDAPServer=@")));
-    EXPECT_THAT(text_of(slapd.folder() / "Config" / "Directory.ini"),
+    EXPECT_THAT(content_of(slapd.folder() / "Config" / "Directory.ini"),
                 HasSubstr("\ndn=cn=Directory,ou=Config,o=Shop\n"));
 }
 
@@ -204,7 +198,8 @@ TEST(TheScript, StartsAServerThatStaysUntilItIsStopped) {
     std::string url = "ldap://127.0.0.1:" + port;
     EXPECT_EQ(LdapProbe(url).bind("cn=jsmith,ou=Users,o=Shop", "shop-sample"), success);
     EXPECT_EQ(output_of({script, "start", place}), port + "\n") << "it runs already";
-    EXPECT_THAT(text_of(place + "/site.ini"), HasSubstr("\nLDAPServer=127.0.0.1:" + port + "\n"));
+    EXPECT_THAT(content_of(place + "/site.ini"),
+                HasSubstr("\nLDAPServer=127.0.0.1:" + port + "\n"));
     EXPECT_EQ(output_of({script, "stop", place}), "");
     EXPECT_EQ(LdapProbe(url).bind("", ""), server_down);
     EXPECT_EQ(output_of({script, "stop", place}), "") << "it is stopped already";
@@ -212,7 +207,7 @@ TEST(TheScript, StartsAServerThatStaysUntilItIsStopped) {
 
 TEST(TheSampleShop, IsWhatItsScriptPrints) {
     const std::string folder = ORVO_SOURCE_DIR "/examples/directory/";
-    EXPECT_EQ(text_of(folder + "shop.ldif"), output_of({folder + "make-shop"}))
+    EXPECT_EQ(content_of(folder + "shop.ldif"), output_of({folder + "make-shop"}))
         << "examples/directory/make-shop > examples/directory/shop.ldif";
 }
 

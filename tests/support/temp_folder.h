@@ -1,6 +1,10 @@
 #pragma once
 
+// The files of a test.
+
 #include <filesystem>
+#include <string>
+#include <string_view>
 
 namespace orvo {
 
@@ -15,8 +19,14 @@ public:
 
     const std::filesystem::path& path() const { return path_; }
 
+    // Writes a file anew, and the folders above it, and answers its path. `name` is relative.
+    std::filesystem::path write(const std::filesystem::path& name, std::string_view content) const;
+
 private:
     std::filesystem::path path_;
 };
+
+// Every byte of a file; raises std::system_error where it cannot be opened.
+std::string content_of(const std::filesystem::path& file);
 
 }  // namespace orvo

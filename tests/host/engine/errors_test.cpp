@@ -35,6 +35,48 @@ TEST_F(ScriptErrors, OfTheLanguageHaveADescriptionAndTheNumberZero) {
               "b5a");
 }
 
+TEST_F(ScriptErrors, AreMadeOfANumberAndAText) {
+    const auto parts = [&](const std::string& made) {
+        return text("(function () { var e = " + made +
+                    "; return [e.name, e.number, e.description, e.message].join('|'); })()");
+    };
+    EXPECT_EQ(parts("new Error(5, 'x')"), "Error|5|x|x");
+    EXPECT_EQ(parts("Error(5, 'x')"), "Error|5|x|x");
+    EXPECT_EQ(parts("new TypeError(-2146828283, 'x')"), "TypeError|-2146828283|x|x");
+    EXPECT_EQ(parts("new Error(0x800A0005, 'x')"), "Error|-2146828283|x|x");
+    EXPECT_EQ(parts("new Error(5)"), "Error|5||");
+    EXPECT_EQ(parts("new Error('x', 5)"), "Error|0|x|x");
+    EXPECT_EQ(parts("new Error('5')"), "Error|0|5|5");
+    EXPECT_EQ(parts("new Error()"), "Error|0||");
+}
+
+TEST_F(ScriptErrors, OfEveryKindAreMadeWithANumber) {
+    for (const std::string kind : {"Error", "EvalError", "RangeError", "ReferenceError",
+                                   "SyntaxError", "TypeError", "URIError"}) {
+        EXPECT_EQ(text("(function () { var e = new " + kind + "(7, 'x'); return [e instanceof " +
+                       kind + ", e instanceof Error, e.constructor === " + kind + ", " + kind +
+                       ".name, e, e.number, Object.prototype.toString.call(e)].join('|'); })()"),
+                  "true|true|true|" + kind + "|" + kind + ": x|7|[object Error]");
+    }
+    EXPECT_EQ(text("(function () { try { null.x; } catch (e) { "
+                   "return e instanceof TypeError && e.constructor === TypeError; } })()"),
+              "true");
+}
+
+TEST_F(ScriptErrors, OfAScriptsOwnTellTheirNumberAndPlaceWhereNobodyCatchesThem) {
+    const ScriptError failed = error("\nfunction f() {\n  throw new Error(5, 'x');\n}\nf();");
+    EXPECT_EQ(failed.trouble, Trouble::uncaught);
+    EXPECT_STREQ(failed.what(), "test.js, line 3: x");
+    EXPECT_EQ(failed.number, 5);
+    EXPECT_EQ(failed.description, u"x");
+    EXPECT_EQ(failed.source, u"");
+    EXPECT_STREQ(error("throw new Error(5)").what(), "test.js, line 1: Error");
+    EXPECT_EQ(error("throw new Error(5)").number, 5);
+    EXPECT_STREQ(error("throw new Error('x')").what(), "test.js, line 1: Error: x");
+    EXPECT_EQ(error("var e = new Error('x'); e.number = 0x80072030; throw e").number,
+              error_number(0x80072030));
+}
+
 TEST_F(ScriptErrors, ThatNobodyCatchesTellPlaceAndParts) {
     const ScriptError failed = error("var a = 1;\nfunction f() {\n  shelf.Fail(1234);\n}\nf();");
     EXPECT_EQ(failed.trouble, Trouble::uncaught);

@@ -11,6 +11,10 @@ struct Case {
     const char* source;
     const char* expected;
 };
+// A case is called by its source, on one line.
+void PrintTo(const Case& tested, std::ostream* out) {
+    *out << testing::PrintToString(tested.source);
+}
 
 class Rewritten : public testing::TestWithParam<Case> {};
 

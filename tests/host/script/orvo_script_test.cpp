@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
-
 #include "tests/support/child_process.h"
 #include "tests/support/temp_folder.h"
 
@@ -14,9 +11,7 @@ namespace {
 class OrvoScript : public testing::Test {
 protected:
     std::string file(const std::string& name, std::string_view source) {
-        const std::filesystem::path path = folder.path() / name;
-        std::ofstream(path, std::ios::binary) << source;
-        return path.string();
+        return folder.write(name, source).string();
     }
     // What the program prints; its exit code is in `code` then.
     std::string run(std::vector<std::string> arguments) {
@@ -24,8 +19,7 @@ protected:
         std::filesystem::remove(log);
         arguments.insert(arguments.begin(), ORVO_SCRIPT);
         code = ChildProcess(arguments, log).wait();
-        std::ifstream printed(log, std::ios::binary);
-        return {std::istreambuf_iterator<char>(printed), {}};
+        return content_of(log);
     }
     std::string run_text(std::string_view source, std::vector<std::string> arguments = {}) {
         arguments.insert(arguments.begin(), file("test.js", source));
@@ -85,6 +79,9 @@ TEST_F(OrvoScript, AnUncaughtErrorTellsItsPlaceAndFails) {
     EXPECT_EQ(code, 1);
     EXPECT_EQ(run_text("new ActiveXObject('Nobody.HasIt')"),
               path("test.js") + ", line 1: Automation server can't create object (0x800A01AD)\n");
+    EXPECT_EQ(code, 1);
+    EXPECT_EQ(run_text("\nthrow new Error(0x800A0005, 'not so');"),
+              path("test.js") + ", line 2: not so (0x800A0005)\n");
     EXPECT_EQ(code, 1);
 }
 

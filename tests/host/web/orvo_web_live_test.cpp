@@ -6,7 +6,6 @@
 #include <atomic>
 #include <csignal>
 #include <fstream>
-#include <iterator>
 #include <mutex>
 #include <optional>
 #include <regex>
@@ -42,11 +41,6 @@ Application('TavikAuthFilter.Connector').Logout(Session('QUENDRAID'));
 Session.Abandon();
 %>bye)";
 
-std::string text_of(const fs::path& file) {
-    std::ifstream stream(file);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
 class OrvoWebTest : public testing::Test {
 protected:
     static void SetUpTestSuite() { slapd = std::make_unique<PrivateSlapd>(); }
@@ -70,7 +64,7 @@ protected:
 
     fs::path site_configuration() {
         const fs::path file = folder_.path() / "site.ini";
-        std::string text = text_of(slapd->site_ini());
+        std::string text = content_of(slapd->site_ini());
         text = std::regex_replace(text, std::regex("MultiLogin=1"),
                                   "MultiLogin=" + std::to_string(multi_login_));
         std::ofstream(file) << text;
@@ -96,7 +90,7 @@ protected:
         process_.emplace(arguments, log());
         std::smatch address;
         for (int i = 0; i < 2000; ++i) {
-            const std::string said = text_of(log());
+            const std::string said = content_of(log());
             if (std::regex_search(said, address,
                                   std::regex("^Listening on http://127\\.0\\.0\\.1:"
                                              "(\\d+)\n")))
@@ -104,7 +98,7 @@ protected:
             if (!process_->running()) break;
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }
-        throw std::runtime_error("it does not listen: " + text_of(log()));
+        throw std::runtime_error("it does not listen: " + content_of(log()));
     }
     static httplib::Result log_in(Browser& browser, const std::string& user,
                                   const std::string& password,
@@ -233,7 +227,7 @@ TEST_F(OrvoWebTest, ManyBrowsersLogInAndOutAndNobodyGetsAnothersPage) {
     EXPECT_EQ(wrong, 0) << first_wrong;
     RecordProperty("logins", logins);
     process_->send(SIGTERM);
-    EXPECT_EQ(process_->wait(), 0) << text_of(log());
+    EXPECT_EQ(process_->wait(), 0) << content_of(log());
 }
 
 TEST_F(OrvoWebTest, WithoutItsDirectoryItSaysSoAndSetsNothing) {
@@ -251,18 +245,25 @@ TEST_F(OrvoWebTest, WithoutItsDirectoryItSaysSoAndSetsNothing) {
 }
 
 TEST_F(OrvoWebTest, EndsWhenItIsAskedToAndLogsNoSecrets) {
+    write("nobody.asp", R"(<%
+Server.CreateObject('OrvoMembership.User').BindAs(
+    'nobody', Session('REMOTE_ACCOUNT'), Session('REMOTE_PASSWORD'));
+%>)");
     const fs::path access = folder_.path() / "access.log";
     Browser browser(start({"--access-log", access}));
     ASSERT_EQ(log_in(browser, "jsmith", "shop-sample")->status, 303);
     browser.get("/default.asp?password=shop-sample");
+    EXPECT_EQ(browser.get("/nobody.asp")->status, 500);
     process_->send(SIGINT);
     EXPECT_EQ(process_->wait(), 0);
-    const std::string all = text_of(access) + text_of(log()) + text_of(folder_.path() / "orvo.log");
+    const std::string failures = content_of(folder_.path() / "orvo.log");
+    EXPECT_NE(failures.find("METHOD: OrvoMembership.User.BindAs"), std::string::npos) << failures;
+    const std::string all = content_of(access) + content_of(log()) + failures;
     EXPECT_EQ(all.find("shop-sample"), std::string::npos) << all;
     EXPECT_EQ(all.find(browser.cookies["QUENDRAID"]), std::string::npos);
     EXPECT_EQ(all.find(browser.cookies["orvosession"]), std::string::npos);
-    EXPECT_NE(text_of(access).find(" 127.0.0.1 POST /login.asp 303 0 "), std::string::npos)
-        << text_of(access);
+    EXPECT_NE(content_of(access).find(" 127.0.0.1 POST /login.asp 303 0 "), std::string::npos)
+        << content_of(access);
 }
 
 TEST_F(OrvoWebTest, SaysWhatIsWrongAndDoesNotStart) {
@@ -271,7 +272,7 @@ TEST_F(OrvoWebTest, SaysWhatIsWrongAndDoesNotStart) {
         const fs::path file = folder_.path() / "said";
         ChildProcess process(arguments, file);
         const int code = process.wait();
-        std::string text = text_of(file);
+        std::string text = content_of(file);
         fs::remove(file);
         return std::to_string(code) + ' ' + text.substr(0, text.find('\n'));
     };

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-
 #include "tests/support/temp_folder.h"
 
 namespace orvo::web {
@@ -14,9 +12,7 @@ namespace fs = std::filesystem;
 class PageCompilerTest : public testing::Test {
 protected:
     void write(const std::string& path, std::string_view content) {
-        const fs::path file = root_ / fs::path(path).relative_path();
-        fs::create_directories(file.parent_path());
-        std::ofstream(file, std::ios::binary) << content;
+        folder_.write(fs::path(path).relative_path(), content);
     }
     std::string program(std::string_view page) {
         write("/page.asp", page);
@@ -190,7 +186,7 @@ TEST_F(PageCompilerTest, AnIncludeMayNotMultiplyWithoutEnd) {
 
 TEST_F(PageCompilerTest, NothingOutsideTheSiteIsAFileOfIt) {
     TempFolder outside;
-    std::ofstream(outside.path() / "secret.inc") << "secret";
+    outside.write("secret.inc", "secret");
     fs::create_symlink(outside.path() / "secret.inc", root_ / "link.inc");
     fs::create_directory_symlink(outside.path(), root_ / "folder");
     write("/.git/config", "hidden");

@@ -2,8 +2,6 @@
 
 // A site of a test's own: a folder of pages, and what a page runs with.
 
-#include <fstream>
-
 #include "host/web/memory_sessions.h"
 #include "host/web/page_cache.h"
 #include "host/web/page_context.h"
@@ -17,9 +15,7 @@ namespace orvo::web {
 class TestSite {
 public:
     void write(const std::string& path, std::string_view content) const {
-        const auto file = root / std::filesystem::path(path).relative_path();
-        std::filesystem::create_directories(file.parent_path());
-        std::ofstream(file, std::ios::binary | std::ios::trunc) << content;
+        folder.write(std::filesystem::path(path).relative_path(), content);
     }
 
     // A request as it stands before its page runs; the cookies of the browser are in it.

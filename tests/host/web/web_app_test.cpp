@@ -185,6 +185,16 @@ TEST_F(WebAppTest, ShowsReasonsWhereThatIsAskedForAndEncodesThem) {
     EXPECT_EQ(body.find("<b>"), std::string::npos) << body;
 }
 
+TEST_F(WebAppTest, ReasonsTellTheNumberThatAPageThrows) {
+    shows_details_ = true;
+    pages_.write("/own.asp", "\n<% throw new Error(5, 'not so') %>");
+    testing::internal::CaptureStderr();
+    const std::string body = get("/own.asp").body;
+    testing::internal::GetCapturedStderr();
+    EXPECT_NE(body.find("/own.asp, line 2: not so"), std::string::npos) << body;
+    EXPECT_NE(body.find("0x5"), std::string::npos) << body;
+}
+
 TEST_F(WebAppTest, APageThatTakesTooLongIsStopped) {
     pages_.write("/loop.asp", "<% for (;;); %>");
     testing::internal::CaptureStderr();

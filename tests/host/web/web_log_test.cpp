@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <iterator>
 #include <regex>
 
 #include "tests/support/temp_folder.h"
@@ -27,8 +26,7 @@ TEST(WebLog, KeepsNoQueryNoCookieAndNoForm) {
         log.request({.method = "GET", .target = "/a%0Ab\"\x01\\", .remote_address = "::1"}, {},
                     std::chrono::milliseconds(0), "two\nlines");
     }
-    std::ifstream stream(file);
-    const std::string text{std::istreambuf_iterator<char>(stream), {}};
+    const std::string text = content_of(file);
     const std::regex lines(
         "\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\dZ 127\\.0\\.0\\.1 POST /login\\.asp 302 5 12ms "
         "\"note\"\n"
