@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdlib>
-#include <fstream>
 #include <memory>
 #include <string>
 
@@ -20,9 +19,9 @@ inline PrivateSlapd& shop_of(std::int64_t users) {
     if (slapd && its_users == users) return *slapd;
     slapd.reset();
     const TempFolder folder;
-    const auto file = folder.path() / "shop.ldif";
-    std::ofstream(file) << output_of(
-        {ORVO_SOURCE_DIR "/examples/directory/make-shop", "--users", std::to_string(users)});
+    const auto file =
+        folder.write("shop.ldif", output_of({ORVO_SOURCE_DIR "/examples/directory/make-shop",
+                                             "--users", std::to_string(users)}));
     slapd = std::make_unique<PrivateSlapd>(
         SlapdOptions{.config = "limits dn.exact=cn=orvo-service,ou=Services,o=Shop size=unlimited",
                      .shop = file});

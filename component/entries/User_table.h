@@ -9,43 +9,21 @@ namespace orvo {
 
 namespace detail {
 
-// Each property has two rows, its getter's and its setter's; `place` counts them.
-template <std::size_t place>
-constexpr auto property_place() {
-    constexpr std::size_t row = place / 2;
-    if constexpr (place % 2 == 0)
-        return get<&User::get_property<row>>(user_catalogue[row].name);
-    else
-        return put<&User::put_property<row>>(user_catalogue[row].name, "iValue");
-}
-template <std::size_t place>
-constexpr auto user_type_place() {
-    constexpr std::size_t row = place / 2;
-    if constexpr (place % 2 == 0)
-        return get<&User::get_user_type<row>>(user_types[row].name);
-    else
-        return put<&User::put_user_type<row>>(user_types[row].name, "iValue");
-}
-template <std::size_t place>
-constexpr auto role_place() {
-    constexpr std::size_t row = place / 2;
-    if constexpr (place % 2 == 0)
-        return get<&User::get_role<row>>(user_roles[row].name);
-    else
-        return put<&User::put_role<row>>(user_roles[row].name, "iValue");
-}
-
-template <std::size_t... place>
-constexpr auto property_rows(std::index_sequence<place...>) {
-    return group(property_place<place>()...);
-}
-template <std::size_t... place>
-constexpr auto user_type_rows(std::index_sequence<place...>) {
-    return group(user_type_place<place>()...);
-}
-template <std::size_t... place>
-constexpr auto role_rows(std::index_sequence<place...>) {
-    return group(role_place<place>()...);
+// The rows of a list of properties, the getter's and the setter's of each in turn. `getter` and
+// `setter` make the row of a name; their template argument is the property's number in the list.
+template <const auto& list, class Getter, class Setter>
+constexpr auto property_rows(Getter getter, Setter setter) {
+    const auto row_at = [=]<std::size_t place>() {
+        constexpr std::size_t row = place / 2;
+        if constexpr (place % 2 == 0)
+            return getter.template operator()<row>(list[row].name);
+        else
+            return setter.template operator()<row>(list[row].name);
+    };
+    const auto rows = [=]<std::size_t... place>(std::index_sequence<place...>) {
+        return group(row_at.template operator()<place>()...);
+    };
+    return rows(std::make_index_sequence<2 * std::size(list)>());
 }
 
 }  // namespace detail
@@ -62,18 +40,24 @@ inline constexpr auto table_of<User> = describe<User>(
     method<&User::SetAttribValue>("SetAttribValue", "iAttribName", "iAttribValue"),
     method<&User::ClearAttribValue>("ClearAttribValue", "iAttribName"),
 
-    detail::property_rows(std::make_index_sequence<2 * std::size(user_catalogue)>()),
+    detail::property_rows<user_catalogue>(
+        []<std::size_t row>(auto name) { return get<&User::get_property<row>>(name); },
+        []<std::size_t row>(auto name) { return put<&User::put_property<row>>(name, "iValue"); }),
 
     get<&User::CN>("CN"),
     get<&User::GUID>("GUID"),
     get<&User::get_Profile>("Profile"),
     get<&User::NTUser>("NTUser"),
     get<&User::NTPassword>("NTPassword"),
-    detail::user_type_rows(std::make_index_sequence<2 * std::size(user_types)>()),
+    detail::property_rows<user_types>(
+        []<std::size_t row>(auto name) { return get<&User::get_user_type<row>>(name); },
+        []<std::size_t row>(auto name) { return put<&User::put_user_type<row>>(name, "iValue"); }),
     get<&User::InvoiceUser>("InvoiceUser"),
     put<&User::put_InvoiceUser>("InvoiceUser", "iValue"),
 
-    detail::role_rows(std::make_index_sequence<2 * std::size(user_roles)>()),
+    detail::property_rows<user_roles>(
+        []<std::size_t row>(auto name) { return get<&User::get_role<row>>(name); },
+        []<std::size_t row>(auto name) { return put<&User::put_role<row>>(name, "iValue"); }),
     method<&User::HasRole>("HasRole", "iRoleID"),
     method<&User::AssignRole>("AssignRole", "iRoleType", "iEnable"),
     get<&User::OrvoApps>("OrvoApps"),

@@ -5,25 +5,10 @@
 namespace orvo {
 namespace {
 
-std::string type_name(PropertyType type) {
-    switch (type) {
-        case PropertyType::text:
-            return "text";
-        case PropertyType::boolean:
-            return "boolean";
-        case PropertyType::int16:
-            return "16-bit integer";
-        case PropertyType::int32:
-            return "32-bit integer";
-        case PropertyType::currency:
-            return "currency";
-        case PropertyType::date:
-            return "date";
-        case PropertyType::whole:
-            return "array";
-    }
-    return {};
-}
+// In the order of PropertyType.
+constexpr const char* type_names[] = {"text",     "boolean", "16-bit integer", "32-bit integer",
+                                      "currency", "date",    "array"};
+static_assert(std::size(type_names) == static_cast<std::size_t>(PropertyType::whole) + 1);
 
 std::string remark(const UserProperty& property) {
     std::string text;
@@ -73,7 +58,7 @@ std::string user_properties_page() {
         "0. An array is the attribute's whole value. All can be read and set.\n\n"
         "| Property | Type | Attribute | |\n|---|---|---|---|\n";
     for (const UserProperty& property : user_catalogue)
-        page += row({code(property.name), type_name(property.type),
+        page += row({code(property.name), type_names[static_cast<std::size_t>(property.type)],
                      code(to_utf8(property.attribute)), remark(property)});
 
     page +=

@@ -5,25 +5,9 @@
 namespace orvo {
 namespace {
 
-std::string kind_of(PropertyType type) {
-    switch (type) {
-        case PropertyType::text:
-            return "text";
-        case PropertyType::boolean:
-            return "boolean";
-        case PropertyType::int16:
-            return "int16";
-        case PropertyType::int32:
-            return "int32";
-        case PropertyType::currency:
-            return "currency";
-        case PropertyType::date:
-            return "date";
-        case PropertyType::whole:
-            return "array";
-    }
-    return {};
-}
+// In the order of PropertyType.
+constexpr const char* kinds[] = {"text", "boolean", "int16", "int32", "currency", "date", "array"};
+static_assert(std::size(kinds) == static_cast<std::size_t>(PropertyType::whole) + 1);
 
 std::string quoted(const std::string& text) { return "\"" + text + "\""; }
 
@@ -45,7 +29,8 @@ std::string user_property_list_script() {
            "// Name, type, attribute, whether the profile's value stands in for none." +
            list("catalogue", user_catalogue,
                 [](const UserProperty& row) {
-                    return quoted(row.name) + ", " + quoted(kind_of(row.type)) + ", " +
+                    return quoted(row.name) + ", " +
+                           quoted(kinds[static_cast<std::size_t>(row.type)]) + ", " +
                            quoted(to_utf8(row.attribute)) + ", " +
                            (row.fallback == Fallback::never ? "false" : "true");
                 }) +

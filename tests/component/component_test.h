@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "component/config/SharedServerInfo.h"
 #include "platform/automation/values.h"
 #include "tests/support/recording/doors.h"
 #include "tests/support/recording/fresh_thread.h"
@@ -12,6 +13,19 @@
 #include "tests/support/recording/recording_log.h"
 
 namespace orvo {
+
+inline constexpr const char* not_set = "Object variable or With block variable not set";
+inline constexpr const char* type_mismatch = "Type mismatch";
+
+// What the provider refuses with, where a test only asks how a refusal travels.
+inline Failure no_rights() { return {error_number(0x80072098), u"Its.Own", u"(50) no rights"}; }
+
+// An array of 32-bit integers, as a directory answers numbers.
+inline Values numbers(std::initializer_list<int> elements) {
+    Values values(0, 0);
+    for (const int number : elements) values.push_back(std::int32_t{number});
+    return values;
+}
 
 // The block into which HandleError puts a description, without a line of information.
 inline std::string block(const std::string& number, const std::string& method,
@@ -53,6 +67,30 @@ protected:
             {u"ConfigFileName", u"directory.ini"},
             {u"PlugableModuleImplementation", u"Test.Directory"},
         };
+    }
+
+    // The thread's settings, as the site has them.
+    void load_settings() {
+        load_site_configuration();
+        forget();
+    }
+    // What was noted so far counts no more.
+    void forget() {
+        journal_.clear();
+        log_.take();
+    }
+
+    // Each door to a new object of class C. `prepare` is run with the object first; what is noted
+    // before `body` is forgotten.
+    template <class C, class Body, class... Prepare>
+    void through_doors_to(Body body, Prepare... prepare) {
+        for (const Door door : every_door) {
+            SCOPED_TRACE(testing::PrintToString(door));
+            Behind<C> object(door);
+            (prepare(object), ...);
+            forget();
+            body(object);
+        }
     }
 
     Section& membership() { return configuration_.sections[u"MEMBERSHIP"]; }

@@ -12,19 +12,13 @@ constexpr const char* init = "OrvoMembership.Account.Init";
 constexpr const char* factory = "OrvoMembership.PMMCreator.GetPMM";
 constexpr const char* cannot_bind =
     "Cannot bind with the administrator user, please check the administrator user in LDAP";
-constexpr const char* not_set = "Object variable or With block variable not set";
 
 class AccountTest : public ComponentTest {
 protected:
     template <class Body>
     void through_every_door(Body body) {
-        load_site_configuration();
-        journal_.clear();
-        for (const Door door : every_door) {
-            SCOPED_TRACE(testing::PrintToString(door));
-            Behind<Account> account(door);
-            body(account);
-        }
+        load_settings();
+        through_doors_to<Account>(body);
     }
     static void bind(Behind<Account>& account, std::int16_t type) {
         account.call<&Account::Init>(type);

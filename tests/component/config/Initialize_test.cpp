@@ -15,12 +15,7 @@ class InitializeTest : public ComponentTest {
 protected:
     template <class Body>
     void through_every_door(Body body) {
-        for (const Door door : every_door) {
-            SCOPED_TRACE(testing::PrintToString(door));
-            Behind<Initialize> initialize(door);
-            journal_.clear();
-            body(initialize);
-        }
+        through_doors_to<Initialize>(body);
     }
 };
 

@@ -59,13 +59,10 @@ protected:
     // A new object with the shop's settings, behind each door in turn.
     template <class Body>
     void through_every_door(Body body) {
-        for (const Door door : every_door) {
-            SCOPED_TRACE(testing::PrintToString(door));
-            Behind<ServerInfo> info(door);
+        through_doors_to<ServerInfo>(body, [this](Behind<ServerInfo>& info) {
             Ref<Configuration> configuration = configuration_.make_one();
             info.call<&ServerInfo::LoadConfigFile>(configuration);
-            body(info);
-        }
+        });
     }
 };
 

@@ -12,13 +12,10 @@ static_assert(slot_of<&Profiles::BindAs> == 10);
 
 constexpr const char* delete_profile = "OrvoMembership.Profiles.DeleteProfile";
 constexpr const char* create_profile = "OrvoMembership.Profiles.CreateProfile";
-constexpr const char* activate = "OrvoMembership.User.IObjectControl_Activate";
 constexpr const char* not_bound =
     "Object not bound to Profiles organizational unit. Call BindAs first";
 constexpr const char* bind_container =
     "Bind(dir01:389, ou=Profiles,o=Shop, , cn=web,o=Shop, web-code, [])";
-constexpr const char* bind_sales =
-    "Bind(dir01:389, ou=Profiles,o=Shop, pn=sales, cn=web,o=Shop, web-code, [])";
 constexpr const char* new_profile =
     "CreateChild([shopProfile], pn, [pn=sales, objectClass=shopProfile])";
 
@@ -37,20 +34,12 @@ protected:
     template <class Body>
     void profiles_through_every_door(Body body) {
         load_settings();
-        for (const Door door : every_door) {
-            SCOPED_TRACE(testing::PrintToString(door));
-            Behind<Profiles> profiles(door);
-            forget();
-            body(profiles);
-        }
+        through_doors_to<Profiles>(body);
     }
     template <class Body>
     void bound_profiles_through_every_door(Body body) {
-        profiles_through_every_door([&](Behind<Profiles>& profiles) {
-            bind(profiles);
-            forget();
-            body(profiles);
-        });
+        load_settings();
+        through_doors_to<Profiles>(body, [](Behind<Profiles>& profiles) { bind(profiles); });
     }
     void give_users(bool any) {
         directory_.answer(u"cn", Values{u"sales"});

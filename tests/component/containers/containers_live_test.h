@@ -12,11 +12,12 @@
 #include "platform/abi/create.h"
 #include "platform/abi/late_call.h"
 #include "platform/automation/values.h"
-#include "tests/suite/temporary_folder.h"
+#include "tests/support/environment.h"
 #include "tests/support/ldap_probe.h"
 #include "tests/support/recording/fresh_thread.h"
 #include "tests/support/recording/raised.h"
 #include "tests/support/slapd.h"
+#include "tests/support/temp_folder.h"
 
 namespace orvo {
 
@@ -104,7 +105,7 @@ protected:
             entries[name] = probe_->values(name, "entryCSN");
         return entries;
     }
-    std::string logged() const { return test::content_of(folder_.path() / "orvo.log"); }
+    std::string logged() const { return content_of(folder_.path() / "orvo.log"); }
 
     // The directory goes away and comes back; the probe follows.
     void away() { shop_.stop(); }
@@ -118,10 +119,10 @@ protected:
         std::make_unique<LdapProbe>(shop_.url(), shop_.root_dn(), shop_.root_password());
 
 private:
-    test::TemporaryFolder folder_;
-    test::Environment components_{"ORVO_COMPONENTS", folder_.path().string()};
-    test::Environment site_{"ORVO_SITE_CONFIG", shop_.site_ini().string()};
-    test::Environment log_{"ORVO_LOG_FILE", (folder_.path() / "orvo.log").string()};
+    TempFolder folder_;
+    Environment components_{"ORVO_COMPONENTS", folder_.path().string()};
+    Environment site_{"ORVO_SITE_CONFIG", shop_.site_ini().string()};
+    Environment log_{"ORVO_LOG_FILE", (folder_.path() / "orvo.log").string()};
 };
 
 }  // namespace orvo

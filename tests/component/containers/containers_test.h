@@ -50,21 +50,13 @@ protected:
     template <class Body>
     void members_through_every_door(Body body) {
         load_settings();
-        for (const Door door : every_door) {
-            SCOPED_TRACE(testing::PrintToString(door));
-            Behind<Members> members(door);
-            forget();
-            body(members);
-        }
+        through_doors_to<Members>(body);
     }
     // The same, bound with the web account.
     template <class Body>
     void bound_members_through_every_door(Body body) {
-        members_through_every_door([&](Behind<Members>& members) {
-            bind(members);
-            forget();
-            body(members);
-        });
+        load_settings();
+        through_doors_to<Members>(body, [](Behind<Members>& members) { bind(members); });
     }
 
     LocalClass user_class_ = local_class<User>();

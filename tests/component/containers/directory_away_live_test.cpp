@@ -6,6 +6,8 @@
 
 #include "tests/component/containers/containers_live_test.h"
 #include "tests/component/containers/cutting_proxy.h"
+#include "tests/support/environment.h"
+#include "tests/support/temp_folder.h"
 
 namespace orvo {
 namespace {
@@ -21,7 +23,7 @@ protected:
     }
     // The site's settings with the proxy in place of the server.
     void use_proxy() {
-        std::string settings = test::content_of(shop_.site_ini());
+        std::string settings = content_of(shop_.site_ini());
         const std::string setting = "LDAPServer=" + shop_.server();
         settings.replace(settings.find(setting), setting.size(), "LDAPServer=" + proxy_.server());
         const auto file = shop_.folder() / "proxy.ini";
@@ -77,7 +79,7 @@ protected:
     CuttingProxy proxy_{std::stoi(shop_.server().substr(shop_.server().find(':') + 1))};
 
 private:
-    std::optional<test::Environment> proxy_site_;
+    std::optional<Environment> proxy_site_;
 };
 
 TEST_FRESH(DirectoryAwayLive, SearchesFailClearlyAndWorkOnceItIsBack) {

@@ -8,7 +8,6 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr const char* not_set = "Object variable or With block variable not set";
 constexpr const char* factory = "OrvoMembership.PMMCreator.GetPMM";
 constexpr const char* bind_as = "OrvoMembership.LDAPAccess.BindAs";
 constexpr const char* bind_to_config = "OrvoMembership.LDAPAccess.BindToConfig";
@@ -17,12 +16,7 @@ class LdapAccessBinding : public ComponentTest {
 protected:
     template <class Body>
     void through_every_door(Body body) {
-        for (const Door door : every_door) {
-            SCOPED_TRACE(testing::PrintToString(door));
-            Behind<LdapAccess> entry(door);
-            journal_.clear();
-            body(entry);
-        }
+        through_doors_to<LdapAccess>(body);
     }
     static void bind(Behind<LdapAccess>& entry) {
         Text name = u"cn=jsmith", user = u"cn=admin", password = u"secret", server = u"dir02",

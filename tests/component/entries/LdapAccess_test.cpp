@@ -7,21 +7,15 @@ namespace {
 
 using testing::ElementsAre;
 
-constexpr const char* not_set = "Object variable or With block variable not set";
-
 class LdapAccessTest : public ComponentTest {
 protected:
     // Every door to a bound entry.
     template <class Body>
     void through_every_door(Body body) {
-        for (const Door door : every_door) {
-            SCOPED_TRACE(testing::PrintToString(door));
-            Behind<LdapAccess> entry(door);
+        through_doors_to<LdapAccess>(body, [](Behind<LdapAccess>& entry) {
             Text name = u"cn=jsmith", user, password, server = u"dir01", container = u"o=Shop";
             entry.call<&LdapAccess::BindAs>(name, user, password, server, container);
-            journal_.clear();
-            body(entry);
-        }
+        });
     }
     static Variant value_of(Behind<LdapAccess>& entry, Text name) {
         return entry.call<&LdapAccess::GetAttribValue>(name);

@@ -8,11 +8,12 @@
 #include "platform/abi/create.h"
 #include "platform/abi/late_call.h"
 #include "platform/automation/values.h"
-#include "tests/suite/temporary_folder.h"
+#include "tests/support/environment.h"
 #include "tests/support/ldap_probe.h"
 #include "tests/support/recording/fresh_thread.h"
 #include "tests/support/recording/raised.h"
 #include "tests/support/slapd.h"
+#include "tests/support/temp_folder.h"
 
 namespace orvo {
 namespace {
@@ -77,10 +78,10 @@ protected:
     LdapProbe probe_{shop_.url(), shop_.root_dn(), shop_.root_password()};
 
 private:
-    test::TemporaryFolder folder_;
-    test::Environment components_{"ORVO_COMPONENTS", folder_.path().string()};
-    test::Environment site_{"ORVO_SITE_CONFIG", shop_.site_ini().string()};
-    test::Environment log_{"ORVO_LOG_FILE", (folder_.path() / "orvo.log").string()};
+    TempFolder folder_;
+    Environment components_{"ORVO_COMPONENTS", folder_.path().string()};
+    Environment site_{"ORVO_SITE_CONFIG", shop_.site_ini().string()};
+    Environment log_{"ORVO_LOG_FILE", (folder_.path() / "orvo.log").string()};
 };
 
 TEST_FRESH(UserLive, IsBoundWithItsProfileAndTheAccountOfItsType) {

@@ -10,7 +10,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr const char* factory = "OrvoMembership.PMMCreator.GetPMM";
-constexpr const char* not_set = "Object variable or With block variable not set";
 
 // The four factory methods, by what they make.
 struct Factory {
@@ -34,13 +33,8 @@ class PMMCreatorTest : public ComponentTest {
 protected:
     template <class Body>
     void through_every_door(Body body) {
-        load_site_configuration();
-        journal_.clear();
-        for (const Door door : every_door) {
-            SCOPED_TRACE(testing::PrintToString(door));
-            Behind<PMMCreator> creator(door);
-            body(creator);
-        }
+        load_settings();
+        through_doors_to<PMMCreator>(body);
     }
 };
 

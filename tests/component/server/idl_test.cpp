@@ -2,32 +2,25 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
-
 #include "component/server/properties_page.h"
 #include "component/server/properties_script.h"
+#include "tests/support/temp_folder.h"
 
 namespace orvo {
 namespace {
 
-std::string committed(const char* path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 TEST(ComponentIdl, TheCommittedTextIsTheOneThatTheTablesGive) {
-    EXPECT_EQ(committed(ORVO_COMMITTED_IDL), component_idl())
+    EXPECT_EQ(content_of(ORVO_COMMITTED_IDL), component_idl())
         << "refresh it:\n    " << ORVO_REFRESH << " > " << ORVO_COMMITTED_IDL;
 }
 
 TEST(UserPropertiesPage, TheCommittedTextIsTheOneThatTheCatalogueGives) {
-    EXPECT_EQ(committed(ORVO_COMMITTED_PAGE), user_properties_page())
+    EXPECT_EQ(content_of(ORVO_COMMITTED_PAGE), user_properties_page())
         << "refresh it:\n    " << ORVO_REFRESH << " --properties > " << ORVO_COMMITTED_PAGE;
 }
 
 TEST(UserPropertyList, TheCommittedTextIsTheOneThatTheCatalogueGives) {
-    EXPECT_EQ(committed(ORVO_COMMITTED_LIST), user_property_list_script())
+    EXPECT_EQ(content_of(ORVO_COMMITTED_LIST), user_property_list_script())
         << "refresh it:\n    " << ORVO_REFRESH << " --property-list > " << ORVO_COMMITTED_LIST;
 }
 

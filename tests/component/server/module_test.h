@@ -4,7 +4,8 @@
 
 #include "platform/abi/create.h"
 #include "tests/component/component_test.h"
-#include "tests/suite/temporary_folder.h"
+#include "tests/support/environment.h"
+#include "tests/support/temp_folder.h"
 
 namespace orvo {
 
@@ -44,8 +45,8 @@ protected:
     }
 
 private:
-    test::TemporaryFolder folder_;
-    test::Environment components_{"ORVO_COMPONENTS", folder_.path().string()};
+    TempFolder folder_;
+    Environment components_{"ORVO_COMPONENTS", folder_.path().string()};
     void* module_;
 };
 

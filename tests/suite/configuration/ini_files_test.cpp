@@ -7,13 +7,12 @@
 #include <thread>
 #include <vector>
 
-#include "tests/suite/temporary_folder.h"
+#include "tests/support/temp_folder.h"
 
 namespace orvo {
 namespace {
 
 namespace fs = std::filesystem;
-using test::TemporaryFolder;
 
 void set_age(const fs::path& file, std::chrono::seconds age) {
     fs::last_write_time(file, fs::file_time_type::clock::now() - age);
@@ -36,18 +35,18 @@ void expect_refusal(const fs::path& file, std::int32_t number, const std::string
 }
 
 TEST(IniFiles, AMissingFileIsNotFound) {
-    const TemporaryFolder folder;
+    const TempFolder folder;
     expect_refusal(folder.path() / "no.ini", 53, ": there is no such file");
     expect_refusal(folder.path() / "no" / "no.ini", 53, ": there is no such file");
 }
 
 TEST(IniFiles, AFolderIsNoFile) {
-    const TemporaryFolder folder;
+    const TempFolder folder;
     expect_refusal(folder.path(), 75, ": this is not a file");
 }
 
 TEST(IniFiles, AFileThatTheSystemRefusesIsNamedWithTheSystemsReason) {
-    const TemporaryFolder folder;
+    const TempFolder folder;
     expect_refusal(folder.path() / std::string(300, 'n'), 75,
                    ": it cannot be read (File name too long)");
     fs::create_symlink("loop", folder.path() / "loop");
@@ -56,7 +55,7 @@ TEST(IniFiles, AFileThatTheSystemRefusesIsNamedWithTheSystemsReason) {
 }
 
 TEST(IniFiles, AFileOfTheLargestSizeIsReadAndALargerOneRefused) {
-    const TemporaryFolder folder;
+    const TempFolder folder;
     const std::string start = "[s]\na=1\n;";
     const auto fits = folder.write("fits", start + std::string(1048576 - start.size(), 'x'));
     EXPECT_EQ(value_of(load_ini_file(fits)), "1");
@@ -65,21 +64,21 @@ TEST(IniFiles, AFileOfTheLargestSizeIsReadAndALargerOneRefused) {
 }
 
 TEST(IniFiles, AMalformedFileIsNamedWithItsLine) {
-    const TemporaryFolder folder;
+    const TempFolder folder;
     const auto file = folder.write("bad.ini", "[s]\nnothing\n");
     expect_refusal(file, error_number(0x80040201),
                    ":2: the line is no \"[section]\", no \"key = value\" and no comment");
 }
 
 TEST(IniFiles, AFileAtRestIsReadOnceAndShared) {
-    const TemporaryFolder folder;
+    const TempFolder folder;
     const auto file = folder.write("site.ini", "[s]\na=1\n");
     set_age(file, std::chrono::seconds(10));
     EXPECT_EQ(load_ini_file(file), load_ini_file(file));
 }
 
 TEST(IniFiles, AChangedFileIsReadAnew) {
-    const TemporaryFolder folder;
+    const TempFolder folder;
     const auto file = folder.write("site.ini", "[s]\na=1\n");
     set_age(file, std::chrono::seconds(10));
     EXPECT_EQ(value_of(load_ini_file(file)), "1");
@@ -92,7 +91,7 @@ TEST(IniFiles, AChangedFileIsReadAnew) {
 }
 
 TEST(IniFiles, AChangeThatLeavesTimeAndSizeIsSeenWhileTheFileIsYoung) {
-    const TemporaryFolder folder;
+    const TempFolder folder;
     const auto file = folder.write("site.ini", "[s]\na=1\n");
     const auto time = fs::last_write_time(file);
     EXPECT_EQ(value_of(load_ini_file(file)), "1");
@@ -102,7 +101,7 @@ TEST(IniFiles, AChangeThatLeavesTimeAndSizeIsSeenWhileTheFileIsYoung) {
 }
 
 TEST(IniFiles, ReloadingLooksAtTheFileWhateverWasReadBefore) {
-    const TemporaryFolder folder;
+    const TempFolder folder;
     const auto file = folder.write("site.ini", "[s]\na=1\n");
     set_age(file, std::chrono::seconds(10));
     const auto time = fs::last_write_time(file);
@@ -115,7 +114,7 @@ TEST(IniFiles, ReloadingLooksAtTheFileWhateverWasReadBefore) {
 }
 
 TEST(IniFiles, AFileThatBecameMalformedIsRefusedAlthoughItWasReadBefore) {
-    const TemporaryFolder folder;
+    const TempFolder folder;
     const auto file = folder.write("site.ini", "[s]\na=1\n");
     set_age(file, std::chrono::seconds(10));
     load_ini_file(file);
@@ -124,7 +123,7 @@ TEST(IniFiles, AFileThatBecameMalformedIsRefusedAlthoughItWasReadBefore) {
 }
 
 TEST(IniFiles, ManyThreadsReadManyFilesAtOnce) {
-    const TemporaryFolder folder;
+    const TempFolder folder;
     std::vector<fs::path> files;
     for (int i = 0; i < 100; ++i) {
         files.push_back(folder.write(std::to_string(i), "[s]\na=" + std::to_string(i) + "\n"));

@@ -6,14 +6,13 @@
 #include <string>
 
 #include "suite/configuration/ini_files.h"
-#include "tests/suite/temporary_folder.h"
+#include "tests/support/environment.h"
+#include "tests/support/temp_folder.h"
 
 namespace orvo {
 namespace {
 
 namespace fs = std::filesystem;
-using test::Environment;
-using test::TemporaryFolder;
 
 Variant value_of(SuiteConfiguration& configuration, Text section, Text key) {
     return configuration.ReadConfigValue(section, key);
@@ -46,7 +45,7 @@ protected:
         return result;
     }
 
-    TemporaryFolder folder_;
+    TempFolder folder_;
     fs::path site_ = folder_.write("site.ini",
                                    "[MEMBERSHIP]\nLDAPServer = h:389\nUserClass = top,person\n"
                                    "CookieName =\n"

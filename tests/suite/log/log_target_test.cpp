@@ -1,13 +1,10 @@
 #include "suite/log/log_target.h"
+#include "tests/support/environment.h"
 
 #include <gtest/gtest.h>
 
-#include "tests/suite/temporary_folder.h"
-
 namespace orvo {
 namespace {
-
-using test::Environment;
 
 class LogTargetTest : public testing::Test {
 private:

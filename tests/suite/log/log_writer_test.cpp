@@ -13,16 +13,14 @@
 #include <vector>
 
 #include "platform/automation/failure.h"
-#include "tests/suite/temporary_folder.h"
+#include "tests/support/environment.h"
+#include "tests/support/temp_folder.h"
 
 namespace orvo {
 namespace {
 
 namespace fs = std::filesystem;
 using std::chrono::milliseconds;
-using test::content_of;
-using test::Environment;
-using test::TemporaryFolder;
 
 // 2024-05-06T07:08:09.123Z
 constexpr std::chrono::system_clock::time_point moment{milliseconds{1714979289123}};
@@ -60,7 +58,7 @@ protected:
     }
 
     Environment zone_{"TZ", "UTC0"};
-    TemporaryFolder folder_;
+    TempFolder folder_;
     fs::path file_ = folder_.path() / "log" / "orvo.log";
 };
 

@@ -6,15 +6,13 @@
 #include <thread>
 
 #include "platform/automation/failure.h"
-#include "tests/suite/temporary_folder.h"
+#include "tests/support/environment.h"
+#include "tests/support/temp_folder.h"
 
 namespace orvo {
 namespace {
 
 namespace fs = std::filesystem;
-using test::content_of;
-using test::Environment;
-using test::TemporaryFolder;
 using testing::MatchesRegex;
 
 constexpr const char* stamp_pattern =
@@ -26,7 +24,7 @@ protected:
         return SuiteLog().LogMessage(source, message, level);
     }
 
-    TemporaryFolder folder_;
+    TempFolder folder_;
     fs::path file_ = folder_.path() / "orvo.log";
     Environment target_{"ORVO_LOG_FILE", file_.string()};
     Environment standard_error_{"ORVO_LOG_STDERR", std::nullopt};

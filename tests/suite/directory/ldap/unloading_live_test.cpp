@@ -10,9 +10,10 @@
 #include "platform/abi/call.h"
 #include "platform/abi/create.h"
 #include "platform/abi/system.h"
-#include "tests/suite/temporary_folder.h"
+#include "tests/support/environment.h"
 #include "tests/support/ldap_probe.h"
 #include "tests/support/slapd.h"
+#include "tests/support/temp_folder.h"
 
 namespace orvo::directory::ldap {
 namespace {
@@ -52,8 +53,8 @@ protected:
     LdapProbe probe_{server_.url(), server_.root_dn(), server_.root_password()};
 
 private:
-    test::TemporaryFolder folder_;
-    test::Environment components_{"ORVO_COMPONENTS", folder_.path().string()};
+    TempFolder folder_;
+    Environment components_{"ORVO_COMPONENTS", folder_.path().string()};
 };
 
 // What is not used any more goes when the system is told to look, and takes its connections along.
