@@ -85,6 +85,18 @@ bool is_low_surrogate(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
 
 bool same_folded(char16_t a, char16_t b) { return detail::folded(a) == detail::folded(b); }
 
+// Most texts are ASCII from end to end, and such a beginning is the same in both forms.
+template <class To, class From>
+To ascii_beginning(From text) {
+    using Unit = std::make_unsigned_t<typename From::value_type>;
+    const auto end = std::find_if(text.begin(), text.end(),
+                                  [](auto unit) { return static_cast<Unit>(unit) >= 0x80; });
+    To out(static_cast<std::size_t>(end - text.begin()), 0);
+    std::transform(text.begin(), end, out.begin(),
+                   [](auto unit) { return static_cast<typename To::value_type>(unit); });
+    return out;
+}
+
 template <class Number, class... Base>
 Text digits(Number number, Base... base) {
     char buffer[32];
@@ -95,9 +107,9 @@ Text digits(Number number, Base... base) {
 }  // namespace
 
 Text from_utf8(std::string_view bytes) {
-    Text out;
+    auto out = ascii_beginning<Text>(bytes);
     out.reserve(bytes.size());
-    for (std::size_t at = 0; at < bytes.size();) {
+    for (std::size_t at = out.size(); at < bytes.size();) {
         if (static_cast<unsigned char>(bytes[at]) < 0x80) {
             out.push_back(static_cast<char16_t>(bytes[at++]));
         } else {
@@ -108,9 +120,9 @@ Text from_utf8(std::string_view bytes) {
 }
 
 std::string to_utf8(TextView text) {
-    std::string out;
+    auto out = ascii_beginning<std::string>(text);
     out.reserve(text.size());
-    for (std::size_t at = 0; at < text.size(); ++at) {
+    for (std::size_t at = out.size(); at < text.size(); ++at) {
         char32_t point = text[at];
         if (is_high_surrogate(text[at]) && at + 1 < text.size() && is_low_surrogate(text[at + 1])) {
             point = 0x10000 + ((point & 0x3FF) << 10) + (text[++at] & 0x3FF);
