@@ -22,9 +22,11 @@ Date date_from_scale(double days) {
     return {whole < 0 ? whole - time : whole + time};
 }
 
+// A default property without parameters hands the arguments on to the object that it answers.
 bool is_callable(const Object& object) {
     const auto kind = late::try_kind_of(object, late::default_member);
-    return !kind || kind->is_method || (kind->is_readable && kind->parameters > 0);
+    if (!kind || kind->is_method) return true;
+    return kind->is_readable && (kind->parameters > 0 || kind->answers_object);
 }
 
 [[noreturn]] void raise_top(duk_context* context) {

@@ -178,6 +178,12 @@ struct crossing<Ref<I>> {
 
 namespace detail {
 
+// Whether every value of the type is an object or nothing.
+template <class T>
+inline constexpr bool is_object_type = std::is_same_v<T, Object>;
+template <class I>
+inline constexpr bool is_object_type<Ref<I>> = true;
+
 template <class P>
 using natural = std::remove_cvref_t<P>;
 template <class P>

@@ -13,6 +13,10 @@ using abi::HRESULT;
 // Ids that nobody prescribed count from here, in slot order; members of one name share theirs.
 constexpr abi::DISPID first_own_id = 1;
 
+// Arguments that are handed on from one default member to the next reach one that takes them, or
+// there is none: an object may answer itself.
+constexpr int most_handed_on = 64;
+
 bool is_null_guid(const abi::IID* id) { return id == nullptr || *id == abi::IID{}; }
 
 // A result that may have a default member, as an object; empty for anything else.
@@ -23,10 +27,16 @@ Object as_object(const Variant& value) { return value.is_object() ? value.to<Obj
 HRESULT invoke_default(const Object& object, std::uint16_t flags, abi::DISPPARAMS rest,
                        abi::VARIANT* result, abi::EXCEPINFO* failure, std::uint32_t* bad_argument) {
     static constexpr abi::IID none{};
-    return abi::call_slot<HRESULT, abi::DISPID, const abi::IID*, abi::LCID, std::uint16_t,
-                          abi::DISPPARAMS*, abi::VARIANT*, abi::EXCEPINFO*, std::uint32_t*>(
-        object.get(), abi::slot_invoke, abi::DISPID_VALUE, &none, abi::fixed_locale, flags, &rest,
-        result, failure, bad_argument);
+    static thread_local int handed_on = 0;
+    if (handed_on == most_handed_on) return abi::disp_e_badparamcount;
+    ++handed_on;
+    const HRESULT code =
+        abi::call_slot<HRESULT, abi::DISPID, const abi::IID*, abi::LCID, std::uint16_t,
+                       abi::DISPPARAMS*, abi::VARIANT*, abi::EXCEPINFO*, std::uint32_t*>(
+            object.get(), abi::slot_invoke, abi::DISPID_VALUE, &none, abi::fixed_locale, flags,
+            &rest, result, failure, bad_argument);
+    --handed_on;
+    return code;
 }
 
 HRESULT conversion_code(const Failure& failure) {
@@ -132,8 +142,9 @@ Plan plan_call(const InterfaceInfo& info, abi::DISPID id, std::uint16_t flags, s
 
 }  // namespace
 
-void InterfaceInfo::add(const RowData& row, Variant (*invoke)(void*, LateArguments&)) {
-    LateMember member{row.dispid, &row, invoke};
+void InterfaceInfo::add(const RowData& row, Variant (*invoke)(void*, LateArguments&),
+                        bool answers_object) {
+    LateMember member{row.dispid, &row, invoke, answers_object};
     const Text key = lower(from_utf8(row.name));
     if (member.id == automatic_id) {
         auto same = std::find_if(by_name.begin(), by_name.end(),

@@ -22,6 +22,7 @@ struct LateMember {
     const RowData* row;
     // Calls the member; raises Failure.
     Variant (*invoke)(void* target, LateArguments& arguments);
+    bool answers_object = false;
 };
 
 struct InterfaceInfo {
@@ -30,7 +31,7 @@ struct InterfaceInfo {
     std::vector<LateMember> members;                    // in slot order
     std::vector<std::pair<Text, abi::DISPID>> by_name;  // lower case, sorted
 
-    void add(const RowData& row, Variant (*invoke)(void*, LateArguments&));
+    void add(const RowData& row, Variant (*invoke)(void*, LateArguments&), bool answers_object);
     void finish();
     abi::DISPID id_of(TextView name) const;
     const LateMember* find(abi::DISPID id, Shape shape) const;
@@ -128,7 +129,8 @@ const InterfaceInfo& interface_info() {
         if (!made.is_dual) return made;
         table_of<I>.for_each([&]<auto M>(std::size_t index) {
             if constexpr (!std::is_null_pointer_v<std::remove_cv_t<decltype(M)>>)
-                made.add(table_of<I>.rows[index], &late_thunk<M>::invoke);
+                made.add(table_of<I>.rows[index], &late_thunk<M>::invoke,
+                         is_object_type<natural<typename signature_of<M>::result>>);
         });
         made.finish();
         return made;

@@ -24,6 +24,7 @@ abi::HRESULT describe_member(Face* face, abi::IUnknown* as, abi::DISPID id, std:
             if (member == nullptr) return;
             *flags |= flag;
             if (shape != Shape::method && shape != Shape::get) return;
+            if (member->answers_object) *flags |= member_answers_object;
             *parameters = static_cast<std::uint32_t>(member->row->arity);
             for (std::size_t i = 0; i < member->row->arity; ++i)
                 *required += member->row->parameters[i].may_be_missing ? 0 : 1;

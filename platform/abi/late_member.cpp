@@ -76,6 +76,7 @@ std::optional<MemberKind> try_kind_of(const Object& object, MemberId member) {
         .is_method = (flags & abi::DISPATCH_METHOD) != 0,
         .is_readable = (flags & abi::DISPATCH_PROPERTYGET) != 0,
         .is_writable = (flags & (abi::DISPATCH_PROPERTYPUT | abi::DISPATCH_PROPERTYPUTREF)) != 0,
+        .answers_object = (flags & detail::member_answers_object) != 0,
         .parameters = static_cast<int>(parameters),
         .required = static_cast<int>(required)};
 }

@@ -22,6 +22,7 @@ struct MemberKind {
     bool is_method = false;
     bool is_readable = false;  // a property that can be read
     bool is_writable = false;
+    bool answers_object = false;  // called or read, it always answers an object or nothing
     // Of the method or the reading: all parameters, and how many of them may not be left out.
     int parameters = 0;
     int required = 0;

@@ -48,8 +48,14 @@ equal("by number", found.Fields.Item(3).Value, "John");
 equal("a field's name", found.Fields.Item("GIVENNAME").Name, "givenName");
 equal("as the collection's default", found.Fields("sn").Value, "Smith");
 equal("a number", found.Fields.Item("BusinessPartnerID").Value, 1001);
+equal("of the record set itself", found("sn").Value, "Smith");
+equal("as a value", found("sn") + ", " + found("givenName"), "Smith, John");
+equal("its name", found("SN").Name, "sn");
+equal("by number of the record set itself", found(3).Value, "John");
 raises("a name that no column has", "800A0CC1", noSuchItem,
        function () { found.Fields.Item("PhoneNumber"); });
+raises("a name that no column has, of the record set itself", "800A0CC1", noSuchItem,
+       function () { found("PhoneNumber"); });
 raises("a number behind the last column", "800A0CC1", noSuchItem,
        function () { found.Fields.Item(5); });
 raises("a number below 0", "800A0CC1", noSuchItem, function () { found.Fields.Item(-1); });
@@ -86,6 +92,9 @@ found.MoveFirst();
 raises("writing a field", "800A0CB3",
        "Object or provider is not capable of performing requested operation.",
        function () { found.Fields.Item("sn").Value = "Other"; });
+raises("writing a field of the record set itself", "800A0CB3",
+       "Object or provider is not capable of performing requested operation.",
+       function () { found("sn").Value = "Other"; });
 equal("it is as it was", found.Fields.Item("sn").Value, "Lee");
 
 // Closing.

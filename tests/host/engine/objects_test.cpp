@@ -47,6 +47,38 @@ TEST_F(ScriptObjects, CallsAreAssignedTo) {
               "a put without a place is not lost");
 }
 
+TEST_F(ScriptObjects, ADefaultPropertyThatAnswersAnObjectHandsArgumentsOnToIt) {
+    run("shelf('n') = 1; shelf('tag') = tag;");
+    EXPECT_EQ(text("box('n')"), "1");
+    EXPECT_EQ(text("box('tag').Value + ' ' + box('tag')"), "tag tag");
+    EXPECT_EQ(text("box('none')"), "undefined");
+    EXPECT_EQ(text("box.Content('n')"), "1");
+    EXPECT_EQ(text("(box().Label + ' ' + box.Content.Label)"), "shelf shelf");
+    EXPECT_EQ(text("(function () { var get = box; return get('n'); })()"), "1");
+}
+
+TEST_F(ScriptObjects, SuchCallsAreAssignedTo) {
+    run("box('n') = 1; box('n') += 4; box('n')++; ++box('n');");
+    EXPECT_EQ(text("shelf('n') + ' ' + box('n')"), "7 7");
+    EXPECT_EQ(text("box('k') = 'result'"), "result");
+    EXPECT_EQ(text("(box.Content('k') += 's', shelf('k'))"), "results");
+    EXPECT_EQ(error("box() = 1").description, u"Object doesn't support this property or method");
+}
+
+TEST_F(ScriptObjects, ArgumentsAreHandedOnFromObjectToObject) {
+    engine.set_global("outer", make<Box>(make<Box>(shelf).object()).object());
+    run("outer('n') = 5; outer('n')++;");
+    EXPECT_EQ(text("outer('n') + ' ' + shelf('n')"), "6 6");
+}
+
+TEST_F(ScriptObjects, ArgumentsThatNobodyTakesAreRefused) {
+    for (const Object& content : {make<Tag>().object(), Object()}) {
+        engine.set_global("closed", make<Box>(content).object());
+        for (const char* attempt : {"closed('n')", "closed('n') = 1"})
+            EXPECT_EQ(static_cast<std::uint32_t>(error(attempt).number), 0x800A01C2) << attempt;
+    }
+}
+
 TEST_F(ScriptObjects, OnlyCallsOfAutomationObjectsAreAssignedTo) {
     EXPECT_EQ(error("function f() {} f(1) = 2").message,
               "TypeError: only a call of an Automation object can be assigned to");
@@ -68,11 +100,13 @@ TEST_F(ScriptObjects, TheDefaultValueStandsForTheObject) {
     EXPECT_EQ(text("tag == 'tag'"), "true");
     EXPECT_EQ(text("tag.toString()"), "tag");
     EXPECT_EQ(text("'' + shelf"), "[object]");
+    EXPECT_EQ(text("'' + box"), "[object]");
 }
 
-TEST_F(ScriptObjects, AreFunctionsOnlyWhereTheirDefaultMemberTakesArguments) {
+TEST_F(ScriptObjects, AreFunctionsOnlyWhereTheirDefaultMemberTakesArgumentsOrHandsThemOn) {
     EXPECT_EQ(text("typeof tag"), "object");
     EXPECT_EQ(text("typeof shelf"), "function");
+    EXPECT_EQ(text("typeof box"), "function");
     EXPECT_EQ(error("new shelf('a')").message, "Object doesn't support this property or method");
 }
 

@@ -12,6 +12,7 @@ protected:
     ScriptTest() {
         engine.set_global("shelf", shelf);
         engine.set_global("tag", make<Tag>().object());
+        engine.set_global("box", make<Box>(shelf).object());
         engine.set_function("give", [this](std::span<const Variant> values) {
             given.assign(values.begin(), values.end());
             return Variant();

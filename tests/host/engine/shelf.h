@@ -106,4 +106,25 @@ inline constexpr auto table_of<Tag> = describe<Tag>(
 template <>
 inline constexpr auto class_of<Tag> = describe_class<Tag>("Test.Tag");
 
+// An object whose default property takes no arguments and answers an object, as that of a record
+// set does.
+class Box {
+public:
+    explicit Box(Object content) : content_(std::move(content)) {}
+    Object Content() { return content_; }
+
+private:
+    Object content_;
+};
+
+// clang-format off
+template <>
+inline constexpr auto table_of<Box> = describe<Box>(
+    "IBox", "5e1c2f60-7d3a-4a5b-8f0e-2d6b9a7c1e03",
+    get<&Box::Content>("Content").as_default());
+// clang-format on
+
+template <>
+inline constexpr auto class_of<Box> = describe_class<Box>("Test.Box");
+
 }  // namespace orvo

@@ -170,6 +170,14 @@ TEST_F(LateCall, HandsArgumentsThatAPropertyHasNoParameterForToItsResult) {
     EXPECT_EQ(number_of([&] { late::call(probe, u"Name", {u"k"}); }), 450);
 }
 
+TEST_F(LateCall, EndsWhereAnObjectAnswersItselfByDefault) {
+    const Object ring = make<Ring>().object();
+    EXPECT_EQ(number_of([&] { late::value_of(ring, {u"k"}); }), 450);
+    EXPECT_EQ(number_of([&] { late::put_value(ring, 1, {u"k"}); }), 450);
+    EXPECT_EQ(number_of([&] { late::value_of(ring, {u"k"}); }), 450) << "and can be tried again";
+    EXPECT_EQ(late::get(probe, u"Friend", {u"k"}), Variant(u"<k:probe>"));
+}
+
 TEST_F(LateCall, BringsAWholeFailureAcross) {
     try {
         late::call(probe, u"Fail", {error_number(0x80040321)});

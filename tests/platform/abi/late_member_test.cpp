@@ -33,10 +33,17 @@ TEST_F(LateMember, AMethodTellsThatItIsOneAndItsParameters) {
 
 TEST_F(LateMember, APropertyTellsWhatCanBeDoneWithIt) {
     EXPECT_EQ(kind(u"Name"), (MemberKind{.is_readable = true, .is_writable = true}));
-    EXPECT_EQ(kind(u"Friend"), MemberKind{.is_readable = true});
+    EXPECT_EQ(kind(u"Counted"), MemberKind{.is_readable = true});
     EXPECT_EQ(
         kind(u"Item"),
         (MemberKind{.is_readable = true, .is_writable = true, .parameters = 1, .required = 1}));
+}
+
+TEST_F(LateMember, AMemberTellsWhetherItAlwaysAnswersAnObject) {
+    const MemberKind answers_object{.is_readable = true, .answers_object = true};
+    EXPECT_EQ(kind(u"Friend"), answers_object);
+    EXPECT_EQ(kind(u"Nothing"), answers_object) << "of its type, whatever it answers today";
+    EXPECT_FALSE(kind(u"Echo").answers_object) << "one that may answer anything";
 }
 
 TEST_F(LateMember, TheDefaultMemberHasANumber) {

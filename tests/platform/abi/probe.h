@@ -102,6 +102,24 @@ template <>
 inline constexpr auto class_of<SwitchedProbe> =
     describe_class<Probe, Switch>("Test.Probe", "0b5d7c9e-53a1-4a35-8d4b-5c1f6f1d2a03");
 
+// An object whose default property answers one of its own kind, without end.
+class Ring {
+public:
+    Ref<Ring> Next();
+};
+
+// clang-format off
+template <>
+inline constexpr auto table_of<Ring> = describe<Ring>(
+    "IRing", "0b5d7c9e-53a1-4a35-8d4b-5c1f6f1d2a05",
+    get<&Ring::Next>("Next").as_default());
+// clang-format on
+
+template <>
+inline constexpr auto class_of<Ring> = describe_class<Ring>("Test.Ring");
+
+inline Ref<Ring> Ring::Next() { return make<Ring>(); }
+
 class SharedProbe : public Probe {};
 template <>
 inline constexpr auto class_of<SharedProbe> =
