@@ -4,9 +4,14 @@
 #include <optional>
 
 #include "suite/directory/common/ascii.h"
+#include "suite/directory/common/schema_words.h"
 
 namespace orvo::directory {
 namespace {
+
+using schema::read_values;
+using schema::unquoted;
+using schema::Words;
 
 // Syntaxes whose values are not text (RFC 4517 and its predecessors).
 struct SyntaxRow {
@@ -41,54 +46,6 @@ struct Description {
     bool has_syntax = false;
 };
 
-// Words, quoted texts and parentheses of a description, one after another.
-class Words {
-public:
-    explicit Words(std::string_view text) : text_(text) {}
-
-    // Nothing at the end, and where a quoted text has no end.
-    std::optional<std::string_view> next() {
-        while (position_ < text_.size() && is_blank(text_[position_])) ++position_;
-        if (position_ == text_.size()) return std::nullopt;
-        const std::size_t begin = position_;
-        const char c = text_[position_++];
-        if (c == '(' || c == ')') return text_.substr(begin, 1);
-        if (c == '\'') {
-            const std::size_t end = text_.find('\'', position_);
-            if (end == std::string_view::npos) return std::nullopt;
-            position_ = end + 1;
-            return text_.substr(begin, position_ - begin);
-        }
-        while (position_ < text_.size() && !is_blank(text_[position_]) && text_[position_] != '(' &&
-               text_[position_] != ')')
-            ++position_;
-        return text_.substr(begin, position_ - begin);
-    }
-
-private:
-    static bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
-
-    std::string_view text_;
-    std::size_t position_ = 0;
-};
-
-std::string_view unquoted(std::string_view word) {
-    if (word.size() >= 2 && word.front() == '\'') return word.substr(1, word.size() - 2);
-    return word;
-}
-
-// One value, or several in parentheses; false when the parentheses are not closed.
-bool read_values(Words& words, std::vector<std::string>& values) {
-    std::optional<std::string_view> word = words.next();
-    if (!word) return false;
-    if (*word != "(") {
-        values.emplace_back(unquoted(*word));
-        return true;
-    }
-    while ((word = words.next()) && *word != ")") values.emplace_back(unquoted(*word));
-    return word.has_value();
-}
-
 bool has_no_value(std::string_view keyword) {
     return keyword == "OBSOLETE" || keyword == "SINGLE-VALUE" || keyword == "COLLECTIVE" ||
            keyword == "NO-USER-MODIFICATION";
@@ -120,6 +77,8 @@ std::optional<Description> read_description(std::string_view text) {
             const std::string& syntax = values.front();
             result.type.syntax = syntax_of(syntax.substr(0, syntax.find('{')));
             result.has_syntax = true;
+        } else if (*word == "USAGE" && !values.empty()) {
+            result.type.is_operational = values.front() != "userApplications";
         }
     }
     if (!word) return std::nullopt;

@@ -20,6 +20,8 @@ struct AttributeType {
     std::vector<std::string> names;  // the first is the preferred one
     Syntax syntax = Syntax::text;
     bool single_value = false;
+    // Kept by the server for itself; it comes only to those who ask for it by name (RFC 4512, 3.4).
+    bool is_operational = false;
     // The matching rules, by name or number as the schema has them; empty: none, and such items of
     // a filter are undefined.
     std::string equality = {};

@@ -1,260 +1,254 @@
 #include "suite/directory/common/distinguished_name.h"
 
 #include <algorithm>
+#include <iterator>
 #include <string_view>
+#include <vector>
 
+#include "platform/automation/text_forms.h"
 #include "suite/directory/common/ascii.h"
+#include "suite/directory/common/naming_types.h"
 
 namespace orvo::directory {
 namespace {
 
-// The attribute types that RFC 4514 names, each with its other spellings.
-struct TypeNames {
-    std::string_view name;
-    std::string_view long_name;
-    std::string_view oid;
-};
-constexpr TypeNames well_known_types[] = {
-    {"cn", "commonname", "2.5.4.3"},
-    {"l", "localityname", "2.5.4.7"},
-    {"st", "stateorprovincename", "2.5.4.8"},
-    {"o", "organizationname", "2.5.4.10"},
-    {"ou", "organizationalunitname", "2.5.4.11"},
-    {"c", "countryname", "2.5.4.6"},
-    {"street", "streetaddress", "2.5.4.9"},
-    {"dc", "domaincomponent", "0.9.2342.19200300.100.1.25"},
-    {"uid", "userid", "0.9.2342.19200300.100.1.1"},
-};
-
-std::string one_spelling(std::string_view type) {
-    std::string name = ascii::lower(type);
-    for (const TypeNames& row : well_known_types)
-        if (name == row.long_name || name == row.oid) return std::string(row.name);
-    return name;
+bool is_ascii(std::string_view bytes) {
+    return std::ranges::all_of(bytes, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
-std::string comparable(const std::string& value) {
-    std::string folded = to_utf8(lower(from_utf8(value)));
-    std::string result;
-    for (char c : folded) {
-        if (c == ' ' && (result.empty() || result.back() == ' ')) continue;
-        result += c;
+// As they are where they are no text.
+std::string compatible(const std::string& value) {
+    const Text text = from_utf8(value);
+    return to_utf8(text) == value ? to_utf8(compatible_lower(text)) : value;
+}
+
+bool is_escaped_in_keys(char c) { return c == '+' || c == '\\' || c == ',' || c == '#'; }
+
+// Nothing but blanks is one blank, and something else than nothing.
+void append_comparable(std::string& key, std::string_view value) {
+    const std::size_t begin = key.size();
+    for (std::size_t at = 0; at < value.size(); ++at) {
+        const char c = ascii::lower(value[at]);
+        if (c == ' ' && at > 0 && value[at - 1] == ' ') continue;
+        if (c == ' ' && (at == 0 || at + 1 == value.size())) continue;
+        if (is_escaped_in_keys(c)) key += '\\';
+        key += c;
     }
-    if (!result.empty() && result.back() == ' ') result.pop_back();
-    return result;
+    if (key.size() > begin && key.back() == ' ') key.pop_back();
+    if (key.size() == begin && !value.empty()) key += ' ';
 }
 
-// What separates the parts of a key, or marks a value given in hexadecimal, is escaped in values.
-void append_value(std::string& component, std::string_view value) {
-    for (char c : value) {
-        if (c == '+' || c == '\\' || c == ',' || c == '#') component += '\\';
-        component += c;
-    }
-}
-
+// Appends the comparable form of what it reads to a key.
 class Parser {
 public:
-    explicit Parser(std::string_view text) : text_(text) {}
+    Parser(TextView text, std::string& key) : text_(text), key_(key) {}
 
-    bool parse(std::vector<std::string>& components) {
+    // The number of relative names.
+    std::optional<std::size_t> parse() {
+        std::size_t depth = 0;
         skip_blanks();
-        if (at_end()) return true;
+        if (at_end()) return depth;
         do {
-            if (!relative_name(components.emplace_back())) return false;
-        } while (accept(','));
-        return at_end();
+            if (depth++ > 0) key_ += ',';
+            if (!relative_name()) return std::nullopt;
+        } while (accept(u','));
+        return at_end() ? std::optional(depth) : std::nullopt;
     }
 
 private:
-    bool relative_name(std::string& component) {
+    bool relative_name() {
+        const std::size_t begin = key_.size();
+        if (!part()) return false;
         std::vector<std::string> parts;
-        do {
-            if (!part(parts.emplace_back())) return false;
-        } while (accept('+'));
-        std::sort(parts.begin(), parts.end());
-        for (const std::string& one : parts) {
-            if (!component.empty()) component += '+';
-            component += one;
+        while (accept(u'+')) {
+            parts.push_back(key_.substr(begin));
+            key_.resize(begin);
+            if (!part()) return false;
+        }
+        if (!parts.empty()) {
+            parts.push_back(key_.substr(begin));
+            key_.resize(begin);
+            append_in_order(parts);
         }
         return true;
     }
 
-    bool part(std::string& result) {
-        skip_blanks();
-        const std::size_t begin = position_;
-        while (!at_end() && (ascii::is_alphanumeric(peek()) || peek() == '-' || peek() == '.'))
-            ++position_;
-        const std::string_view type = text_.substr(begin, position_ - begin);
-        if (!is_type(type)) return false;
-        skip_blanks();
-        if (!accept('=')) return false;
-        skip_blanks();
-        result = one_spelling(type) + '=';
-        std::string value;
-        if (!at_end() && peek() == '#') {
-            if (!hexadecimal_value(value)) return false;
-            result += '#' + value;
-            return true;
+    void append_in_order(std::vector<std::string>& parts) {
+        std::ranges::sort(parts);
+        for (const std::string& one : parts) {
+            if (&one != &parts.front()) key_ += '+';
+            key_ += one;
         }
-        if (!string_value(value)) return false;
-        append_value(result, comparable(value));
+    }
+
+    bool part() {
+        skip_blanks();
+        if (!type()) return false;
+        skip_blanks();
+        if (!accept(u'=')) return false;
+        key_ += '=';
+        skip_blanks();
+        if (!at_end() && peek() == u'#') return hexadecimal_value();
+        value_.clear();
+        if (!string_value()) return false;
+        append_comparable(key_, is_ascii(value_) ? value_ : compatible(value_));
         return true;
+    }
+
+    bool type() {
+        const std::size_t begin = key_.size();
+        for (; !at_end() && is_of_type(peek()); ++position_)
+            key_ += ascii::lower(static_cast<char>(peek()));
+        const std::string_view type = std::string_view(key_).substr(begin);
+        if (!is_type(type)) return false;
+        if (const auto name = naming_type(type); name != type) key_.replace(begin, key_.npos, name);
+        return true;
+    }
+
+    static bool is_of_type(char16_t c) {
+        if (c >= 0x80) return false;
+        const char byte = static_cast<char>(c);
+        return ascii::is_alphanumeric(byte) || byte == '-' || byte == '.';
     }
 
     static bool is_type(std::string_view type) {
         if (type.empty()) return false;
         if (ascii::is_letter(type[0])) return type.find('.') == std::string_view::npos;
-        return std::all_of(type.begin(), type.end(),
-                           [](char c) { return ascii::is_digit(c) || c == '.'; }) &&
+        return std::ranges::all_of(type, [](char c) { return ascii::is_digit(c) || c == '.'; }) &&
                ascii::is_digit(type[0]) && type.back() != '.';
     }
 
-    bool hexadecimal_value(std::string& value) {
-        ++position_;
-        while (!at_end() && ascii::is_hexadecimal(peek()))
-            value += ascii::lower(text_[position_++]);
+    bool hexadecimal_value() {
+        const std::size_t begin = key_.size();
+        do key_ += ascii::lower(static_cast<char>(text_[position_++]));
+        while (!at_end() && is_hexadecimal(peek()));
         skip_blanks();
-        return !value.empty() && value.size() % 2 == 0 && ends_here();
+        const std::size_t digits = key_.size() - begin - 1;
+        return digits > 0 && digits % 2 == 0 && ends_here();
     }
 
-    bool string_value(std::string& value) {
+    bool string_value() {
         std::size_t kept = 0;  // what is escaped is never trimmed
         while (!ends_here()) {
-            const char c = text_[position_++];
-            if (c == '\\') {
-                if (!escaped(value)) return false;
-                kept = value.size();
-            } else if (c == '"' || c == ';' || c == '<' || c == '>' || c == '\0') {
+            const char16_t c = peek();
+            if (c >= 0x80) {
+                append_beyond_ascii();
+                kept = value_.size();
+                continue;
+            }
+            ++position_;
+            if (c == u'\\') {
+                if (!escaped()) return false;
+                kept = value_.size();
+            } else if (c == u'"' || c == u';' || c == u'<' || c == u'>' || c == u'\0') {
                 return false;
             } else {
-                value += c;
-                if (c != ' ') kept = value.size();
+                value_ += static_cast<char>(c);
+                if (c != u' ') kept = value_.size();
             }
         }
-        value.resize(kept);
+        value_.resize(kept);
         return true;
     }
 
-    bool escaped(std::string& value) {
+    void append_beyond_ascii() {
+        const std::size_t begin = position_;
+        while (!at_end() && peek() >= 0x80) ++position_;
+        value_ += to_utf8(text_.substr(begin, position_ - begin));
+    }
+
+    bool escaped() {
         if (at_end()) return false;
-        const char c = text_[position_++];
-        if (std::string_view(" \"#+,;<=>\\").find(c) != std::string_view::npos) {
-            value += c;
+        const char16_t c = text_[position_++];
+        if (TextView(u" \"#+,;<=>\\").find(c) != TextView::npos) {
+            value_ += static_cast<char>(c);
             return true;
         }
-        if (at_end() || !ascii::is_hexadecimal(c) || !ascii::is_hexadecimal(peek())) return false;
-        value += static_cast<char>(ascii::digit_value(c) * 16 + ascii::digit_value(peek()));
+        if (at_end() || !is_hexadecimal(c) || !is_hexadecimal(peek())) return false;
+        const char high = static_cast<char>(c), low = static_cast<char>(peek());
+        value_ += static_cast<char>(ascii::digit_value(high) * 16 + ascii::digit_value(low));
         ++position_;
         return true;
     }
 
+    static bool is_hexadecimal(char16_t c) {
+        return c < 0x80 && ascii::is_hexadecimal(static_cast<char>(c));
+    }
     bool at_end() const { return position_ == text_.size(); }
-    char peek() const { return text_[position_]; }
-    bool ends_here() const { return at_end() || peek() == ',' || peek() == '+'; }
-    bool accept(char c) {
+    char16_t peek() const { return text_[position_]; }
+    bool ends_here() const { return at_end() || peek() == u',' || peek() == u'+'; }
+    bool accept(char16_t c) {
         if (at_end() || peek() != c) return false;
         ++position_;
         return true;
     }
     void skip_blanks() {
-        while (!at_end() && peek() == ' ') ++position_;
+        while (!at_end() && peek() == u' ') ++position_;
     }
 
-    std::string_view text_;
+    TextView text_;
     std::size_t position_ = 0;
+    std::string& key_;
+    std::string value_;  // as it is read
 };
+
+// Without zeros in front: of numbers they say nothing.
+std::string loosened(const std::string& value) {
+    std::string loose;
+    if (is_ascii(value))
+        std::ranges::copy_if(value, std::back_inserter(loose), ascii::is_alphanumeric);
+    else
+        loose = to_utf8(letters_and_digits(from_utf8(value)));
+    return loose.substr(std::min(loose.find_first_not_of('0'), loose.size()));
+}
 
 }  // namespace
 
 std::optional<DistinguishedName> DistinguishedName::try_parse(TextView text) {
-    const std::string bytes = to_utf8(text);
     DistinguishedName name;
-    if (!Parser(bytes).parse(name.components_)) return std::nullopt;
+    name.key_.reserve(text.size());
+    const auto depth = Parser(text, name.key_).parse();
+    if (!depth) return std::nullopt;
+    name.depth_ = *depth;
     return name;
 }
 
 bool DistinguishedName::is_below(const DistinguishedName& ancestor) const {
-    return components_.size() > ancestor.components_.size() &&
-           std::equal(ancestor.components_.rbegin(), ancestor.components_.rend(),
-                      components_.rbegin());
+    if (depth_ <= ancestor.depth_) return false;
+    if (ancestor.depth_ == 0) return true;
+    const std::string_view own = key_, above = ancestor.key_;
+    if (own.size() <= above.size() || !own.ends_with(above)) return false;
+    const std::string_view front = own.substr(0, own.size() - above.size());
+    if (front.back() != ',') return false;
+    const std::string_view relative = front.substr(0, front.size() - 1);
+    const std::size_t escapes = relative.size() - (relative.find_last_not_of('\\') + 1);
+    return escapes % 2 == 0;
 }
 
-std::string DistinguishedName::key() const {
-    std::string result;
-    for (const std::string& component : components_) {
-        if (!result.empty()) result += ',';
-        result += component;
+std::string DistinguishedName::loose_key() const {
+    std::string loose;
+    std::size_t relative_name = 0;  // where it begins
+    bool has_parts = false;
+    for (std::size_t at = 0; at < key_.size(); ++at) {
+        at = key_.find('=', at) + 1;
+        if (at < key_.size() && key_[at] == '#') return {};
+        std::string value;
+        for (; at < key_.size() && key_[at] != ',' && key_[at] != '+'; ++at)
+            if (key_[at] != '\\')
+                value += key_[at];
+            else
+                ++at;
+        loose += loosened(value);
+        has_parts |= at < key_.size() && key_[at] == '+';
+        if (at < key_.size() && key_[at] == '+') continue;
+        // Parts are in the order of their types, which are not told apart here.
+        if (has_parts)
+            std::ranges::sort(loose.begin() + std::ptrdiff_t(relative_name), loose.end());
+        has_parts = false;
+        if (at < key_.size()) loose += ',';
+        relative_name = loose.size();
     }
-    return result;
-}
-
-Text container_name(TextView container) {
-    if (container.find(u'/') == TextView::npos) return Text(container);
-    std::vector<Text> pieces = split(container, u"/");
-    Text result;
-    for (auto piece = pieces.rbegin(); piece != pieces.rend(); ++piece) {
-        if (piece != pieces.rbegin()) result += u',';
-        result += *piece;
-    }
-    return result;
-}
-
-Text escaped_value(TextView value) {
-    Text result;
-    for (std::size_t at = 0; at < value.size(); ++at) {
-        const char16_t c = value[at];
-        const bool is_first = at == 0;
-        const bool is_last = at + 1 == value.size();
-        if (c == u'\0') {
-            result += u"\\00";
-            continue;
-        }
-        if (TextView(u"\"+,;<>\\").find(c) != TextView::npos || (c == u'#' && is_first) ||
-            (c == u' ' && (is_first || is_last)))
-            result += u'\\';
-        result += c;
-    }
-    return result;
-}
-
-Text escaped_name(TextView relative_name) {
-    const std::size_t sign = relative_name.find(u'=');
-    if (sign == TextView::npos || DistinguishedName::try_parse(relative_name))
-        return Text(relative_name);
-    return Text(relative_name.substr(0, sign + 1)) + escaped_value(relative_name.substr(sign + 1));
-}
-
-Text full_name(TextView written) {
-    if (DistinguishedName::try_parse(written)) return Text(written);
-    for (std::size_t comma = written.find(u','); comma != TextView::npos;
-         comma = written.find(u',', comma + 1)) {
-        const TextView rest = written.substr(comma + 1);
-        if (DistinguishedName::try_parse(rest)) return entry_name(written.substr(0, comma), rest);
-    }
-    return Text(written);
-}
-
-// Nowhere does a spelling of the container have more commas than its key.
-std::optional<Text> name_below(TextView written, const DistinguishedName& container) {
-    const std::string key = container.key();
-    auto commas = std::count(key.begin(), key.end(), ',') + 1;
-    for (std::size_t comma = written.rfind(u','); comma != TextView::npos && commas > 0;
-         comma = comma == 0 ? TextView::npos : written.rfind(u',', comma - 1), --commas) {
-        const TextView relative = written.substr(0, comma);
-        const Text rest = container_name(written.substr(comma + 1));
-        if (DistinguishedName::try_parse(rest) != container) continue;
-        if (trimmed(relative).empty()) return std::nullopt;
-        return entry_name(relative, rest);
-    }
-    const auto whole = DistinguishedName::try_parse(written);
-    if (!whole || !whole->is_below(container)) return std::nullopt;
-    return Text(written);
-}
-
-Text entry_name(TextView relative_name, TextView container) {
-    Text result = escaped_name(relative_name);
-    if (!relative_name.empty() && !container.empty()) result += u',';
-    return result += container;
+    return loose;
 }
 
 }  // namespace orvo::directory

@@ -4,9 +4,8 @@
 #include <utility>
 
 #include "suite/directory/common/attribute_values.h"
-#include "suite/directory/common/distinguished_name.h"
 #include "suite/directory/common/password_hash.h"
-#include "suite/directory/ldap/attribute_lookup.h"
+#include "suite/directory/common/written_name.h"
 #include "suite/directory/ldap/failures.h"
 #include "suite/directory/ldap/password_value.h"
 #include "suite/directory/ldap/write_marks.h"
@@ -16,8 +15,6 @@ namespace {
 
 using std::chrono::steady_clock;
 
-// Asked for alone, it stands for "no attributes".
-constexpr const char* no_attributes = "1.1";
 constexpr const char* all_user_attributes = "*";
 
 std::vector<std::string> names_in(const Variant& attributes) {
@@ -41,17 +38,14 @@ void LdapEntry::Bind(Text& server, Text& container, Text& common_name, Text& use
     const Text name = entry_name(common_name, container_name(container));
     require_whole(name);
     name_ = to_utf8(name);
-    const auto parsed = DistinguishedName::try_parse(name);
-    key_ = parsed ? parsed->key() : name_;
+    key_ = EntryKey(name_);
 
     const std::vector<std::string> asked = names_in(attributes);
     if (is_cached(login, asked)) {
         login.authenticate();
     } else {
-        fetched_ = read(login, asked, asked.empty() ? no_attributes : all_user_attributes);
-        std::erase_if(fetched_.asked, is_password);
-        std::erase_if(fetched_.entry.attributes,
-                      [](const Attribute& attribute) { return is_password(attribute.name); });
+        fetched_ = read(login, asked, true);
+        fetched_.entry.forget_password();
     }
     login_ = std::move(login);
 }
@@ -71,23 +65,20 @@ bool LdapEntry::is_cached(const ServerLogin& login, const std::vector<std::strin
     return known && (known->is_whole || asked.empty());
 }
 
-// What is asked for by name and, where it is not null, `more`.
-LdapEntry::Fetched LdapEntry::read(ServerLogin& login, const std::vector<std::string>& asked,
-                                   const char* more) const {
+LdapEntry::Fetched LdapEntry::read(ServerLogin& login, std::vector<std::string> asked,
+                                   bool is_whole) const {
     std::vector<std::string> wanted = asked;
-    if (more) wanted.push_back(more);
+    if (is_whole) wanted.push_back(all_user_attributes);
     Fetched fetched;
-    fetched.asked = asked;
     ReadResult result = login.run([&](Session& session) {
         fetched.write_mark = write_mark(key_);
         fetched.at = steady_clock::now();
         return session.read(name_, wanted);
     });
     check(result);
-    fetched.entry = std::move(result.entry);
+    fetched.entry = {std::move(result.entry.attributes), std::move(asked), is_whole};
     if (EntryCache& cache = EntryCache::of_process(); cache.is_on())
-        cache.add(cache_key(login), {fetched.entry.attributes, asked, more == all_user_attributes},
-                  fetched.at, fetched.write_mark);
+        cache.add(cache_key(login), fetched.entry, fetched.at, fetched.write_mark);
     return fetched;
 }
 
@@ -117,8 +108,7 @@ const AttributeType* LdapEntry::type_of(const std::string& name) {
     return facts_->types.find(name);
 }
 
-// Nothing for what was not fetched, or is a list that was read before. An attribute that the entry
-// seems to lack may be one that the server sends only when asked by name.
+// Nothing for what was not fetched, and for a list that was read before.
 std::optional<std::vector<std::string>> LdapEntry::take_fetched(const std::string& name,
                                                                 const AttributeType* type) {
     if (steady_clock::now() - fetched_.at > fetched_lasts ||
@@ -126,18 +116,13 @@ std::optional<std::vector<std::string>> LdapEntry::take_fetched(const std::strin
         fetched_ = {};
         return std::nullopt;
     }
-    const auto is_it = [&](const std::string& asked) { return facts_->types.same(asked, name); };
-    auto& attributes = fetched_.entry.attributes;
-    const auto found = find_attribute(attributes, name, facts_->types);
-    if (found == attributes.end() && std::ranges::none_of(fetched_.asked, is_it))
-        return std::nullopt;
-    std::vector<std::string> values;
-    if (found != attributes.end()) values = found->values;
     if (!type || !type->single_value) {
-        std::erase_if(fetched_.asked, is_it);
-        if (found != attributes.end()) attributes.erase(found);
+        auto& lists = fetched_.lists_read;
+        const auto is_it = [&](const std::string& list) { return facts_->types.same(list, name); };
+        if (std::ranges::any_of(lists, is_it)) return std::nullopt;
+        lists.push_back(name);
     }
-    return values;
+    return fetched_.entry.try_values(name, facts_->types);
 }
 
 Variant LdapEntry::GetValues(Text& name) {
@@ -150,11 +135,8 @@ Variant LdapEntry::GetValues(Text& name) {
     if (const auto known = try_cached(*login_))
         if (const auto cached = known->try_values(attribute, facts_->types))
             return decode_values(type, *cached);
-    const Fetched fetched = read(*login_, {attribute}, nullptr);
-    const auto& attributes = fetched.entry.attributes;
-    const auto found = find_attribute(attributes, attribute, facts_->types);
-    return decode_values(type,
-                         found == attributes.end() ? std::vector<std::string>() : found->values);
+    return decode_values(
+        type, *read(*login_, {attribute}, false).entry.try_values(attribute, facts_->types));
 }
 
 void LdapEntry::SetValues(Text& name, Variant& value) {
@@ -175,19 +157,14 @@ void LdapEntry::ClearValues(Text& name) {
 
 void LdapEntry::write_password(const std::string& name, const Variant& value) {
     const Secret password = password_in(value);
-    if (password.empty()) {
-        replace(name, {});
-        login_->password_changed(key_, password);
-        return;
-    }
-    if (!facts().changes_passwords) {
-        replace(name, {hashed_password(password)});
-    } else {
-        const NotedWrite noted(key_);
-        check(login_->run(
-            [&](Session& session) { return session.change_password(name_, password); }));
-    }
-    login_->password_changed(key_, password);
+    const bool server_hashes = !password.empty() && facts().changes_passwords;
+    Replacement replacement{name, {}};
+    if (!password.empty() && !server_hashes) replacement.values = {hashed_password(password)};
+    const NotedWrite noted(key_);
+    check(login_->run_login_change(key_, password, [&](Session& session) {
+        return server_hashes ? session.change_password(name_, password)
+                             : session.modify(name_, {&replacement, 1});
+    }));
 }
 
 void LdapEntry::replace(const std::string& name, std::vector<std::string> values) {

@@ -20,12 +20,12 @@ struct NewEntry;
 // fails. Used by one thread.
 //
 // Values are read fresh: every GetValues asks the server, or the cache of the process once that is
-// switched on (InitializeCache). Beside that there is one exception, a bind that was told what to
-// fetch: the whole entry comes with it (but for its password) and answers readings within
-// `fetched_lasts` of the bind, unless this process has written to the entry since. So whoever binds
-// and at once looks at several attributes pays for one round trip. Of an attribute that may have
-// several values only the first reading is answered so: lists are read in order to be changed and
-// written back, and what another process has added meanwhile must not be lost.
+// switched on (InitializeCache). Beside that there is one exception: the whole entry comes with a
+// bind (but for its password and for what the server sends only to those who ask by name) and
+// answers readings within `fetched_lasts`, unless this process has written to the entry since. So
+// whoever binds and at once looks at some attributes pays for one round trip. Of an attribute that
+// may have several values only the first reading is answered so: lists are read in order to be
+// changed and written back, and what another process has added meanwhile must not be lost.
 class LdapEntry final : public DirectoryEntry {
 public:
     static constexpr std::chrono::milliseconds fetched_lasts{250};
@@ -52,13 +52,16 @@ public:
     void ClearValues(Text& name) override;
 
     // See NewEntry for what may be given. An attribute given as an empty text is created with a
-    // single blank where the server would otherwise refuse the entry for lack of it.
+    // single blank where the entry's object classes require it. Where the schema does not tell that
+    // and the server refuses the entry as incomplete, it is tried once more with all such texts.
     //
     // A password is set once the entry is there (Password Modify), so that the server's policy sees
     // it: two requests one after the other, for sent together the second could find an entry that
     // somebody else created. Where it is refused, or cannot be set for another reason, the entry is
-    // removed again and the reason is raised; it says so where the entry cannot be removed. A
-    // server without that operation gets the entry with a hash.
+    // removed again and the reason is raised; it says so where the entry cannot be removed. An
+    // entry whose creation the server has not confirmed is never removed, for it may be somebody
+    // else's: the failure then says that it may exist without a password. A server without that
+    // operation gets the entry with a hash.
     //
     // Raises 0x8004044F, "(68) The specified entry already exists.", for an entry that is there.
     void CreateChild(Variant& classes, Text& naming_attribute, Object& attributes) override;
@@ -66,7 +69,8 @@ public:
     // `entry_name` is a relative name, "," and this entry's container, put together without
     // escaping (name_below); "cn=Smith, John,ou=Users,o=Shop" is understood. The class is not
     // looked at. Raises result code 34 for anything but an entry below the one that is bound,
-    // 0x80072030 for an entry that is not there.
+    // 0x80072030 for an entry that is not there, unless a first request for it got lost: that may
+    // have been the one that removed it.
     void DeleteChild(Text& class_name, Text& entry_name) override;
 
     // Change how this process keeps connections and entries; see PoolSettings and
@@ -77,35 +81,33 @@ public:
     bool InitializeCache(Variant& names, Variant& values) override;
 
 private:
-    // What was fetched: of the entry, and which names were asked for. Of what Bind fetched, that
-    // which has not been read yet.
     struct Fetched {
-        std::vector<std::string> asked;
-        EntryData entry;
+        KnownEntry entry;
         std::uint64_t write_mark = 0;
         std::chrono::steady_clock::time_point at;
+        std::vector<std::string> lists_read;
     };
 
     Result change(const std::function<Result(Session&)>& operation);
     CacheKey cache_key(const ServerLogin& login) const;
     std::shared_ptr<const KnownEntry> try_cached(const ServerLogin& login) const;
     bool is_cached(const ServerLogin& login, const std::vector<std::string>& asked) const;
-    Fetched read(ServerLogin& login, const std::vector<std::string>& asked, const char* more) const;
+    Fetched read(ServerLogin& login, std::vector<std::string> asked, bool is_whole) const;
     const ServerFacts& facts();
     const AttributeType* type_of(const std::string& name);
     std::optional<std::vector<std::string>> take_fetched(const std::string& name,
                                                          const AttributeType* type);
     void write_password(const std::string& name, const Variant& value);
     void replace(const std::string& name, std::vector<std::string> values);
-    Result add(const std::string& name, const NewEntry& entry);
+    void add(const std::string& name, const NewEntry& entry);
     void set_first_password(const std::string& name, const Secret& password);
-    Text take_back(const std::string& name);
+    Text take_back(const std::string& name, TextView is_or_may_be);
     void require_bound() const;
 
     std::optional<Limits> limits_;
     std::optional<ServerLogin> login_;  // set while bound
     std::string name_;
-    std::string key_;
+    EntryKey key_{""};
     Fetched fetched_;
     std::shared_ptr<const ServerFacts> facts_;
 };

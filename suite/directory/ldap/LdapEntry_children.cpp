@@ -1,7 +1,7 @@
 #include <utility>
 
-#include "suite/directory/common/distinguished_name.h"
 #include "suite/directory/common/password_hash.h"
+#include "suite/directory/common/written_name.h"
 #include "suite/directory/ldap/LdapEntry.h"
 #include "suite/directory/ldap/failures.h"
 #include "suite/directory/ldap/new_entry.h"
@@ -10,15 +10,9 @@
 namespace orvo::directory::ldap {
 namespace {
 
-std::string key_of(const std::string& name) {
-    const auto parsed = DistinguishedName::try_parse(from_utf8(name));
-    return parsed ? parsed->key() : name;
-}
-
-// The same attributes, with a blank in each of those that were left out.
-std::vector<Attribute> with_blanks(const NewEntry& entry) {
-    std::vector<Attribute> attributes = entry.attributes;
-    for (const std::string& name : entry.left_empty) attributes.push_back({name, {" "}});
+std::vector<Attribute> with_blanks(std::vector<Attribute> attributes,
+                                   const std::vector<std::string>& names) {
+    for (const std::string& name : names) attributes.push_back({name, {" "}});
     return attributes;
 }
 
@@ -31,50 +25,71 @@ void LdapEntry::CreateChild(Variant& classes, Text& naming_attribute, Object& at
         require_whole(from_utf8(attribute.name));
         type_of(attribute.name);
     }
-    NewEntry entry(given, classes, to_utf8(naming_attribute), facts().types);
-    const bool server_hashes = facts().changes_passwords;
-    if (!entry.password.empty() && !server_hashes)
+    const ServerFacts& server = facts();
+    NewEntry entry(given, classes, to_utf8(naming_attribute), server.types, server.classes);
+    if (!entry.password.empty() && !server.changes_passwords) {
         entry.attributes.push_back({"userPassword", {hashed_password(entry.password)}});
+        entry.password = Secret();
+    }
 
-    const std::string name = to_utf8(entry_name(entry.relative_name, from_utf8(name_)));
-    const NotedWrite noted(key_of(name));
-    check(add(name, entry));
-    if (!entry.password.empty() && server_hashes) set_first_password(name, entry.password);
-    // Who was bound as a former entry of this name is not the new one.
-    login_->password_changed(key_of(name), entry.password);
+    const std::string name = to_utf8(entry.name_below(from_utf8(name_)));
+    const NotedWrite noted{EntryKey(name)};
+    add(name, entry);
+    if (!entry.password.empty()) set_first_password(name, entry.password);
 }
 
-Result LdapEntry::add(const std::string& name, const NewEntry& entry) {
-    int attempts = 0;
-    const auto add = [&](const std::vector<Attribute>& attributes) {
-        return change([&](Session& session) {
-            ++attempts;
-            return session.add(name, attributes);
+void LdapEntry::add(const std::string& name, const NewEntry& entry) {
+    bool may_be_done = false;
+    const auto add_with = [&](const std::vector<std::string>& blanks) {
+        const std::vector<Attribute> attributes = with_blanks(entry.attributes, blanks);
+        // Who was bound as a former entry of this name is not the new one.
+        return login_->run_login_change(EntryKey(name), Secret(), [&](Session& session) {
+            const bool was_lost = std::exchange(may_be_done, true);
+            Result result = session.add(name, attributes);
+            const bool may_be_own = was_lost && result.code == result_code::entry_already_exists;
+            may_be_done = may_be_own || result.connection_failed();
+            if (may_be_own)
+                result.message += "It may be of this request, whose connection was lost before.";
+            return result;
         });
     };
-    Result result = add(entry.attributes);
-    if (result.code == result_code::entry_already_exists && attempts > 1)
-        result.message += "It may be of this request, whose connection was lost before.";
-    if (result.code == result_code::other && result.message.empty() && name.size() > 200)
-        result.message = "The name may be too long for it.";
-    if (result.code != result_code::object_class_violation || entry.left_empty.empty())
-        return result;
-    Result again = add(with_blanks(entry));
-    const bool do_blanks_help = again.code != result_code::object_class_violation &&
-                                again.code != result_code::invalid_syntax;
-    return do_blanks_help ? again : result;
+    try {
+        Result result = add_with(entry.required_empty);
+        if (result.code == result_code::invalid_syntax && !entry.required_empty.empty()) {
+            result = add_with({});
+        } else if (result.code == result_code::object_class_violation &&
+                   entry.required_empty.size() < entry.left_empty.size()) {
+            const Result again = add_with(entry.left_empty);
+            const bool do_blanks_help = again.code != result_code::object_class_violation &&
+                                        again.code != result_code::invalid_syntax;
+            if (do_blanks_help) result = again;
+        }
+        if (result.code == result_code::other && result.message.empty() && name.size() > 200)
+            result.message = "The name may be too long for it.";
+        check(result);
+    } catch (const Failure& failure) {
+        if (!may_be_done || entry.password.empty()) throw;
+        throw Failure(failure.number, failure.source,
+                      failure.description + u" The entry " + from_utf8(quoted(name)) +
+                          u" may exist, without a password.");
+    }
 }
 
 void LdapEntry::set_first_password(const std::string& name, const Secret& password) {
+    bool is_refused = false;
     try {
-        check(change([&](Session& session) { return session.change_password(name, password); }));
+        const Result result =
+            change([&](Session& session) { return session.change_password(name, password); });
+        is_refused = !result.connection_failed();
+        check(result);
     } catch (const Failure& failure) {
-        throw Failure(failure.number, failure.source, failure.description + take_back(name));
+        throw Failure(failure.number, failure.source,
+                      failure.description + take_back(name, is_refused ? u" is" : u" may be"));
     }
 }
 
 // Empty once the entry is gone; otherwise a sentence to add to the failure that made it unwanted.
-Text LdapEntry::take_back(const std::string& name) {
+Text LdapEntry::take_back(const std::string& name, TextView is_or_may_be) {
     Text why;
     try {
         const Result removed = change([&](Session& session) { return session.remove(name); });
@@ -83,7 +98,8 @@ Text LdapEntry::take_back(const std::string& name) {
     } catch (const Failure& failure) {  // the first failure is the one to raise
         why = failure.description;
     }
-    return u" The entry " + from_utf8(quoted(name)) + u" is left without a password: " + why;
+    return u" The entry " + from_utf8(quoted(name)) + Text(is_or_may_be) +
+           u" left without a password: " + why;
 }
 
 void LdapEntry::DeleteChild(Text&, Text& entry_name) {
@@ -94,9 +110,14 @@ void LdapEntry::DeleteChild(Text&, Text& entry_name) {
         raise_code(result_code::invalid_name,
                    quoted(to_utf8(entry_name)) + " is not below " + quoted(name_) + ".");
     const std::string name = to_utf8(*below);
-    const NotedWrite noted(key_of(name));
-    check(change([&](Session& session) { return session.remove(name); }));
-    login_->password_changed(key_of(name), Secret());
+    const NotedWrite noted{EntryKey(name)};
+    bool was_lost = false;
+    check(login_->run_login_change(EntryKey(name), Secret(), [&](Session& session) {
+        Result result = session.remove(name);
+        if (was_lost && result.code == result_code::no_such_object) result = {};
+        was_lost = result.connection_failed();
+        return result;
+    }));
 }
 
 }  // namespace orvo::directory::ldap

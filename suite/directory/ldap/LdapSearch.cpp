@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "platform/recordset/builder.h"
-#include "suite/directory/common/distinguished_name.h"
 #include "suite/directory/common/filter.h"
+#include "suite/directory/common/written_name.h"
 #include "suite/directory/ldap/entry_order.h"
 #include "suite/directory/ldap/failures.h"
 #include "suite/directory/ldap/paged_results.h"

@@ -4,7 +4,7 @@
 #include <mutex>
 #include <utility>
 
-#include "suite/directory/common/distinguished_name.h"
+#include "suite/directory/common/written_name.h"
 #include "suite/directory/ldap/connection_pool.h"
 #include "suite/directory/ldap/failures.h"
 #include "suite/directory/ldap/password_policy.h"
@@ -61,15 +61,14 @@ void LdapValidator::Open(Text& server, Text& user_container) {
 
 std::int32_t LdapValidator::Validate(Variant& path, Variant& password) {
     if (!is_open_) raise_runtime_error(runtime_error::object_not_set);
-    const Text path_text = full_name(path.to<Text>());
+    const Text written = path.to<Text>();
     const Secret secret = secret_of(password);
     auto target = last_target().find(server_, container_);
     const auto parsed = target ? std::nullopt : DistinguishedName::try_parse(container_);
     if (!target && !parsed) raise_code(result_code::invalid_name, to_utf8(container_));
     const DistinguishedName& container = target ? target->container_name : *parsed;
-    const auto name = DistinguishedName::try_parse(path_text);
-    const bool is_a_user = name && name->is_below(container) && path_text.find(u'\0') == Text::npos;
-    if (secret.empty() || !is_a_user) return password_check::wrong;
+    const std::optional<Text> name = name_below(written, container, container_);
+    if (secret.empty() || !name) return password_check::wrong;
     if (!target) {
         ConnectionPool& pool = ConnectionPool::of_process();
         target = std::make_shared<const Target>(Target{
@@ -77,7 +76,7 @@ std::int32_t LdapValidator::Validate(Variant& path, Variant& password) {
         last_target().keep(target);
     }
 
-    const BindResult bind = checked(target->checks, to_utf8(path_text), secret);
+    const BindResult bind = checked(target->checks, to_utf8(*name), secret);
     const std::optional<int> number = judged(bind);
     if (!number) check(bind);
     return *number;
@@ -86,10 +85,10 @@ std::int32_t LdapValidator::Validate(Variant& path, Variant& password) {
 BindResult LdapValidator::checked(const Credentials& checks, const std::string& name,
                                   const Secret& password) const {
     Lease lease = ConnectionPool::of_process().lease(checks, limits_);
-    BindResult bind = lease.session().bind_with_policy(name, password);
+    BindResult bind = lease.session().bind(name, password, lease.policy());
     if (bind.code == result_code::server_down) {
         lease.reopen();
-        bind = lease.session().bind_with_policy(name, password);
+        bind = lease.session().bind(name, password, lease.policy());
     }
     if (!bind.connection_failed() && lease.is_shared()) std::move(lease).give_back();
     return bind;

@@ -11,6 +11,10 @@ namespace {
 
 using std::chrono::steady_clock;
 
+// So long after an answer a connection is taken to be open without looking: where it is not, the
+// operation notices and is done on a new one.
+constexpr std::chrono::milliseconds surely_open{100};
+
 [[noreturn]] void raise_busy(const Identity& identity, const PoolSettings& settings) {
     const bool checks = identity.kind() == Identity::Kind::password_checks;
     raise_code(result_code::busy, "All " + std::to_string(settings.maximum_size) +
@@ -44,7 +48,7 @@ void ConnectionPool::configure(const Variant& names, const Variant& values) {
     close_old(closing);
     for (auto& [key, set] : identities_)
         for (const auto& weak : set)
-            if (const auto identity = weak.lock()) identity->changed_.notify_all();
+            if (const auto identity = weak.lock()) wake_next(*identity);
 }
 
 Credentials ConnectionPool::enter(const ServerAddress& server, const std::string& user,
@@ -118,50 +122,72 @@ Lease ConnectionPool::place_for(const Credentials& credentials,
     Closing closing;
     std::unique_lock lock(mutex_);
     close_old(closing);
+    if (!closing.empty()) {
+        lock.unlock();
+        closing.clear();
+        lock.lock();
+    }
     Lease lease(*this, credentials, limits.value_or(settings_.limits));
-    lease.generation_ = identity.generation_;
-    const auto has_place = [&] {
-        return settings_.maximum_size == 0 || !identity.idle_.empty() ||
-               identity.open_ < settings_.maximum_size;
-    };
-    if (!identity.changed_.wait_for(lock, settings_.wait, has_place))
-        raise_busy(identity, settings_);
-    if (settings_.maximum_size == 0) return lease;
-    lease.is_shared_ = true;
+    wait_for_place(identity, lock);
     lease.generation_ = identity.generation_;
     lease.connection_ = take_idle(identity);
-    ++identity.open_;
-    const auto too_old = steady_clock::now() - settings_.age;
+    lease.is_shared_ = settings_.maximum_size != 0;
+    if (lease.is_shared_) ++identity.open_;
+    const auto now = steady_clock::now();
+    const auto oldest = now - settings_.age;
+    const auto longest_idle = now - settings_.idle;
     lock.unlock();
 
-    while (lease.connection_ &&
-           (lease.connection_->opened <= too_old || !lease.session().seems_open())) {
+    const auto is_good = [&](Connection& connection) {
+        return connection.opened > oldest && connection.used > longest_idle &&
+               (now - connection.used < surely_open || connection.session.seems_open());
+    };
+    while (lease.connection_ && !is_good(*lease.connection_)) {
         lease.connection_.reset();
         lock.lock();
         lease.connection_ = take_idle(identity);
-        identity.changed_.notify_one();
+        wake_next(identity);
         lock.unlock();
     }
     if (lease.connection_) lease.session().set_limits(lease.limits_);
     return lease;
 }
 
-void ConnectionPool::password_changed(const std::string& entry, const Secret& password,
+void ConnectionPool::wait_for_place(Identity& identity, std::unique_lock<std::mutex>& lock) {
+    const auto has_place = [&] {
+        return settings_.maximum_size == 0 || !identity.idle_.empty() ||
+               identity.open_ < settings_.maximum_size;
+    };
+    auto& waiting = identity.waiting_;
+    if (waiting.empty() && has_place()) return;
+    const auto own = waiting.emplace(waiting.end());
+    const bool is_served =
+        own->wait_for(lock, settings_.wait, [&] { return own == waiting.begin() && has_place(); });
+    waiting.erase(own);
+    wake_next(identity);
+    if (!is_served) raise_busy(identity, settings_);
+}
+
+// There may be a place for who waits longest; who finds one wakes the next.
+void ConnectionPool::wake_next(Identity& identity) {
+    if (!identity.waiting_.empty()) identity.waiting_.front().notify_one();
+}
+
+void ConnectionPool::password_changed(const EntryKey& entry, const Secret& password,
                                       const Credentials& by) {
     Closing closing;
     const std::lock_guard lock(mutex_);
     for (auto& [key, set] : identities_) {
         for (const auto& weak : set) {
             const auto identity = weak.lock();
-            if (!identity || identity->user_key() != entry ||
-                identity->kind() != Identity::Kind::user)
+            if (!identity || identity->kind() != Identity::Kind::user || identity->user().empty() ||
+                !identity->user_key().may_be(entry))
                 continue;
             identity->accepted_.reset();
             ++identity->generation_;
-            if (identity != by.identity) {
-                close_all(*identity, closing);
-                continue;
-            }
+            close_all(*identity, closing);
+            const bool is_own = identity == by.identity && identity->user_key() == entry;
+            if (!is_own || password.empty()) continue;
             identity->digest_ = PasswordDigest(password);
             *by.password = password.clone();
         }
@@ -203,60 +229,78 @@ Secret ConnectionPool::password_of(const Credentials& credentials, PasswordDiges
 void ConnectionPool::take_back(Lease& lease) {
     Identity& identity = *lease.credentials_.identity;
     Closing closing;
+    std::optional<Connection> worn_out;
     const std::lock_guard lock(mutex_);
-    const auto now = steady_clock::now();
-    if (lease.generation_ != identity.generation_ || identity.open_ > settings_.maximum_size ||
-        now - lease.connection_->opened >= settings_.age) {
-        closing.push_back(std::move(*lease.connection_));
-        --identity.open_;
+    const auto now = lease.connection_->used = steady_clock::now();
+    const bool is_of_use =
+        lease.generation_ == identity.generation_ &&
+        now - lease.connection_->opened < settings_.age &&
+        (lease.is_shared_ ? identity.open_ <= settings_.maximum_size : settings_.maximum_size == 0);
+    if (!is_of_use) {
+        worn_out = std::move(lease.connection_);
+        if (lease.is_shared_) --identity.open_;
+    } else if (!lease.is_shared_) {
+        identity.kept_.push_back({nullptr, std::move(*lease.connection_)});
     } else {
-        idle_.push_back({lease.credentials_.identity, std::move(*lease.connection_), now});
+        // Where there is no memory the lease keeps its place, and leaves it at its end.
+        identity.idle_.reserve(identity.idle_.size() + 1);
+        idle_.push_back({lease.credentials_.identity, std::move(*lease.connection_)});
         identity.idle_.push_back(std::prev(idle_.end()));
     }
     lease.connection_.reset();
-    identity.changed_.notify_one();
+    lease.is_shared_ = false;
+    wake_next(identity);
     close_old(closing);
+    while (!identity.kept_.empty() &&
+           now - identity.kept_.front().connection.used >= settings_.idle)
+        closing.splice(closing.end(), identity.kept_, identity.kept_.begin());
 }
 
 void ConnectionPool::leave(const Lease& lease) {
     Identity& identity = *lease.credentials_.identity;
     const std::lock_guard lock(mutex_);
     --identity.open_;
-    identity.changed_.notify_one();
+    wake_next(identity);
 }
 
 // The one that worked last: those that nobody needs grow old.
 std::optional<Connection> ConnectionPool::take_idle(Identity& identity) {
-    if (identity.idle_.empty()) return std::nullopt;
-    const auto latest = identity.idle_.back();
-    identity.idle_.pop_back();
-    --identity.open_;
-    std::optional<Connection> connection(std::move(latest->connection));
-    idle_.erase(latest);
+    std::optional<Connection> connection;
+    if (!identity.idle_.empty()) {
+        const auto latest = identity.idle_.back();
+        identity.idle_.pop_back();
+        --identity.open_;
+        connection = std::move(latest->connection);
+        idle_.erase(latest);
+    } else if (!identity.kept_.empty()) {
+        connection = std::move(identity.kept_.back().connection);
+        identity.kept_.pop_back();
+    }
     return connection;
 }
 
 void ConnectionPool::close_oldest(Closing& closing) {
-    const std::shared_ptr<Identity> identity = idle_.front().identity;
-    identity->idle_.erase(identity->idle_.begin());
-    --identity->open_;
-    identity->changed_.notify_one();
-    closing.push_back(std::move(idle_.front().connection));
-    idle_.pop_front();
+    Identity& identity = *idle_.front().identity;
+    identity.idle_.erase(identity.idle_.begin());
+    --identity.open_;
+    closing.splice(closing.end(), idle_, idle_.begin());
+    wake_next(identity);
 }
 
 void ConnectionPool::close_old(Closing& closing) {
     const auto now = steady_clock::now();
     while (!idle_.empty() &&
            (settings_.maximum_size == 0 || idle_.size() > settings_.maximum_idle ||
-            now - idle_.front().since >= settings_.idle))
+            now - idle_.front().connection.used >= settings_.idle))
         close_oldest(closing);
 }
 
 void ConnectionPool::close_all(Identity& identity, Closing& closing) {
-    while (std::optional<Connection> connection = take_idle(identity))
-        closing.push_back(std::move(*connection));
-    identity.changed_.notify_all();
+    for (const auto idle : identity.idle_) closing.splice(closing.end(), idle_, idle);
+    identity.open_ -= identity.idle_.size();
+    identity.idle_.clear();
+    closing.splice(closing.end(), identity.kept_);
+    wake_next(identity);
 }
 
 }  // namespace orvo::directory::ldap

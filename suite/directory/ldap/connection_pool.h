@@ -4,10 +4,13 @@
 //
 // Whoever has something to do on a server leases a connection that is authenticated as its user,
 // for one operation, and gives it back. Nobody holds a lease while waiting for another, so that
-// waiting always ends. A connection never changes hands between two users: there is a set of them
-// for each user of each server, and among users with one name for each password. Password checks
-// have a set of their own for each server, on which every check is a bind of its own and nothing
-// else is ever done.
+// waiting always ends; whoever has waited longest is served first. A connection never changes hands
+// between two users: there is a set of them for each user of each server, and among users with one
+// name for each password. Password checks have a set of their own for each server, on which every
+// check is a bind of its own and nothing else is ever done.
+//
+// Where the pool is switched off (a maximum of 0) nothing is counted, and a connection that is
+// given back is closed with the last object that works with the same credentials.
 //
 // Connections that have been idle or alive for too long are closed whenever one is leased or given
 // back. There is no thread for it: what nobody asks for costs the process a socket and the server
@@ -55,20 +58,25 @@ public:
     Lease lease_presented(const Credentials& credentials, const Secret& presented,
                           const std::optional<Limits>& limits);
 
-    // This process has changed the password of the user whose entry this is (DistinguishedName::
-    // key()), working as `by`. Where that is the user's own doing, those who work with the same
-    // credentials go on with the new password; connections made with another one are closed.
-    void password_changed(const std::string& entry, const Secret& password, const Credentials& by);
+    // This process has changed the password of the user whose entry this is or may be, working as
+    // `by`; with an empty one: the user has none any more, is not there any more or is somebody
+    // new. Nothing is done again on the user's connections that were made before: a server may
+    // still restrict them, or take them for those of the new user. Where the password is another by
+    // the user's own doing, which is certain only of names that are equal, those who work with the
+    // same credentials go on with it.
+    void password_changed(const EntryKey& entry, const Secret& password, const Credentials& by);
 
 private:
     friend class Lease;
     // Taken out of the pool under its lock, and closed after it.
-    using Closing = std::vector<Connection>;
+    using Closing = IdleList;
 
     std::shared_ptr<Identity> find_or_make(Identity::Kind kind, const std::string& key,
                                            const ServerAddress& server, const std::string& user,
                                            const PasswordDigest& digest);
     Lease place_for(const Credentials& credentials, const std::optional<Limits>& limits);
+    void wait_for_place(Identity& identity, std::unique_lock<std::mutex>& lock);
+    static void wake_next(Identity& identity);
     std::optional<Connection> take_idle(Identity& identity);
     void close_old(Closing& closing);
     void close_oldest(Closing& closing);

@@ -16,6 +16,7 @@
 
 #include "platform/automation/variant.h"
 #include "suite/directory/common/attribute_types.h"
+#include "suite/directory/ldap/entry_key.h"
 #include "suite/directory/ldap/session.h"
 
 namespace orvo::directory::ldap {
@@ -36,21 +37,24 @@ struct CacheKey {
     std::string server;  // ServerAddress::key()
     std::string user;    // with whose rights it was read
     std::string entry;   // its name, as it was asked for
-    std::string mark;    // the entry for write_mark (DistinguishedName::key())
+    EntryKey mark;       // for write_mark
 };
 
 // What is known of an entry: attributes with their values, and names that were asked for, of which
-// it has those that are among the attributes and lacks the others. Immutable once it is kept.
+// it has those that are among the attributes and lacks the others. Never its password. Immutable
+// once it is kept.
 struct KnownEntry {
     std::vector<Attribute> attributes;
     std::vector<std::string> asked;
-    // Whether all attributes came along that come without being asked for by name.
+    // Whether all attributes came along that come without being asked for by name: of those that
+    // the schema knows the entry then lacks what is not among them.
     bool is_whole = false;
 
     // The values of an attribute, by any of its names; none where the entry is known to lack it.
     // Nothing where that is not known.
     std::optional<std::vector<std::string>> try_values(const std::string& name,
                                                        const AttributeTypes& types) const;
+    void forget_password();
 };
 
 // The entries that were asked for last, so many of them, each until it is as old as allowed or this

@@ -7,10 +7,12 @@
 #include <cstdint>
 #include <list>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "suite/directory/ldap/entry_key.h"
 #include "suite/directory/ldap/password_digest.h"
 #include "suite/directory/ldap/session.h"
 
@@ -22,6 +24,8 @@ class ConnectionPool;
 struct Connection {
     Session session;
     std::chrono::steady_clock::time_point opened;
+    std::chrono::steady_clock::time_point used = {};  // when it was given back the last time
+    Policy policy = Policy::asked;                    // what password checks on it do
 };
 struct IdleConnection;
 using IdleList = std::list<IdleConnection>;
@@ -46,8 +50,11 @@ public:
     const ServerAddress& server() const { return server_; }
     const std::string& server_key() const { return server_key_; }
     const std::string& user() const { return user_; }
-    // The user's entry (DistinguishedName::key()).
-    const std::string& user_key() const { return user_key_; }
+    // The user's entry.
+    const EntryKey& user_key() const { return user_key_; }
+    // Held while the user changes the own password, from asking the server to noting the new one:
+    // of two who do so at once the later is the one that counts, here as there.
+    std::mutex& password_turn() { return password_turn_; }
 
 private:
     friend class ConnectionPool;
@@ -56,7 +63,8 @@ private:
     const ServerAddress server_;
     const std::string server_key_;
     const std::string user_;
-    const std::string user_key_;
+    const EntryKey user_key_;
+    std::mutex password_turn_;
 
     // The rest is the pool's, under its lock.
     PasswordDigest digest_;
@@ -67,7 +75,10 @@ private:
     std::uint64_t generation_ = 0;
     std::size_t open_ = 0;                  // idle and leased
     std::vector<IdleList::iterator> idle_;  // the latest last
-    std::condition_variable changed_;
+    // Idle ones that are not counted, where there is no pool: the latest last.
+    IdleList kept_;
+    // Those who wait for a place, in the order in which they came.
+    std::list<std::condition_variable> waiting_;
 };
 
 // What it takes to work as somebody.
@@ -79,9 +90,8 @@ struct Credentials {
 
 // A connection that waits for work.
 struct IdleConnection {
-    std::shared_ptr<Identity> identity;
+    std::shared_ptr<Identity> identity;  // none where it goes with the identity
     Connection connection;
-    std::chrono::steady_clock::time_point since;
 };
 
 }  // namespace orvo::directory::ldap

@@ -4,6 +4,7 @@
 
 #include "suite/directory/ldap/connection_pool.h"
 #include "suite/directory/ldap/failures.h"
+#include "suite/directory/ldap/server_facts.h"
 #include "suite/directory/ldap/write_marks.h"
 
 namespace orvo::directory::ldap {
@@ -64,10 +65,7 @@ void Lease::end() noexcept {
     if (std::exchange(is_shared_, false)) pool_->leave(*this);
 }
 
-void Lease::give_back() && {
-    is_shared_ = false;
-    pool_->take_back(*this);
-}
+void Lease::give_back() && { pool_->take_back(*this); }
 
 void Lease::reopen() {
     connection_.reset();
@@ -79,7 +77,10 @@ void Lease::reopen() {
 
 void Lease::open() {
     const auto now = steady_clock::now();
-    connection_.emplace(Session::connect(credentials_.identity->server(), limits_), now);
+    const Identity& identity = *credentials_.identity;
+    connection_.emplace(Session::connect(identity.server(), limits_), now);
+    if (is_shared_ && identity.kind() == Identity::Kind::password_checks)
+        connection_->policy = policy_of(session());
 }
 
 Result Lease::authenticate(const Secret& password, const PasswordDigest& digest) {

@@ -1,6 +1,7 @@
 #include "suite/directory/ldap/new_entry.h"
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -9,7 +10,7 @@
 #include "platform/automation/values.h"
 #include "platform/dictionary/contract.h"
 #include "suite/directory/common/attribute_values.h"
-#include "suite/directory/common/distinguished_name.h"
+#include "suite/directory/common/written_name.h"
 #include "suite/directory/ldap/failures.h"
 #include "suite/directory/ldap/password_value.h"
 
@@ -45,7 +46,8 @@ std::vector<GivenAttribute> given_attributes(const Object& dictionary) {
 }
 
 NewEntry::NewEntry(const std::vector<GivenAttribute>& given, const Variant& classes,
-                   const std::string& naming_attribute, const AttributeTypes& types) {
+                   const std::string& naming_attribute, const AttributeTypes& types,
+                   const ObjectClasses& object_classes) {
     for (const auto& [name, value] : given) {
         const AttributeType* type = types.find(name);
         if (is_password(name)) {
@@ -63,7 +65,25 @@ NewEntry::NewEntry(const std::vector<GivenAttribute>& given, const Variant& clas
         append_classes(names, classes);
         append(object_class, std::move(names), types);
     }
+    look_at_empty(object_classes, types);
     name_by(naming_attribute, types);
+}
+
+void NewEntry::look_at_empty(const ObjectClasses& object_classes, const AttributeTypes& types) {
+    const auto is_among = [&](const std::vector<std::string>& names, const std::string& name) {
+        return std::ranges::any_of(names,
+                                   [&](const auto& other) { return types.same(other, name); });
+    };
+    std::vector<std::string> without_value;
+    for (const std::string& name : left_empty)
+        if (!find(name, types) && !is_among(without_value, name)) without_value.push_back(name);
+    left_empty = std::move(without_value);
+
+    const Attribute* classes = find(object_class, types);
+    if (!classes) return;
+    const std::vector<std::string> required = object_classes.required(classes->values);
+    std::ranges::copy_if(left_empty, std::back_inserter(required_empty),
+                         [&](const std::string& name) { return is_among(required, name); });
 }
 
 Attribute* NewEntry::find(const std::string& name, const AttributeTypes& types) {
@@ -94,15 +114,26 @@ void NewEntry::name_by(const std::string& naming_attribute, const AttributeTypes
                    "The naming attribute '" + naming_attribute + "' must have one value.");
     const Text value = from_utf8(naming->values.front());
     const Text attribute = from_utf8(naming_attribute) + u"=";
+    written_name = attribute + value;
     relative_name = attribute + escaped_value(value);
     const auto name = DistinguishedName::try_parse(relative_name);
     if (!name || name->depth() != 1)
         raise_code(result_code::invalid_name,
                    "'" + naming_attribute + "' cannot be the naming attribute.");
-    const auto put_together = DistinguishedName::try_parse(attribute + value);
+    const auto put_together = DistinguishedName::try_parse(written_name);
     if (put_together && put_together != name)
         raise_code(result_code::invalid_name, "The name " + quoted(naming->values.front()) +
                                                   " could be taken for that of another entry.");
+}
+
+Text NewEntry::name_below(TextView container) const {
+    const Text name = entry_name(relative_name, container);
+    const Text read = full_name(written_name + u"," + Text(container));
+    if (DistinguishedName::try_parse(read) != DistinguishedName::try_parse(name))
+        raise_code(result_code::invalid_name,
+                   "Nobody could log in as " + quoted(to_utf8(written_name)) +
+                       ": with its container it is read as " + quoted(to_utf8(read)) + ".");
+    return name;
 }
 
 }  // namespace orvo::directory::ldap

@@ -9,6 +9,7 @@
 #include "platform/automation/secret.h"
 #include "platform/automation/variant.h"
 #include "suite/directory/common/attribute_types.h"
+#include "suite/directory/ldap/object_classes.h"
 #include "suite/directory/ldap/session.h"
 
 namespace orvo::directory::ldap {
@@ -25,9 +26,12 @@ std::vector<GivenAttribute> given_attributes(const Object& dictionary);
 
 struct NewEntry {
     Text relative_name;  // the naming attribute and its value, escaped
+    Text written_name;   // as callers put it together, not escaped
     std::vector<Attribute> attributes;
-    // Text attributes that came as an empty text, which no directory stores.
+    // Text attributes that came as an empty text, which no directory stores, and have no value.
     std::vector<std::string> left_empty;
+    // Those of them that the object classes require.
+    std::vector<std::string> required_empty;
     Secret password;  // empty: none
 
     // Values are typed by the schema (encode_values). One attribute under several names or
@@ -40,12 +44,18 @@ struct NewEntry {
     // no relative name, and for a name that its callers could not use afterwards: put together
     // without escaping, as they do (escaped_name), it would be another entry's, "a,ou=b" say.
     NewEntry(const std::vector<GivenAttribute>& given, const Variant& classes,
-             const std::string& naming_attribute, const AttributeTypes& types);
+             const std::string& naming_attribute, const AttributeTypes& types,
+             const ObjectClasses& object_classes = {});
+
+    // The entry's name below a container. Raises result code 34 for one that its user could not log
+    // in with: put together with the container it would be read as another (full_name).
+    Text name_below(TextView container) const;
 
 private:
     Attribute* find(const std::string& name, const AttributeTypes& types);
     void append(const std::string& name, std::vector<std::string> values,
                 const AttributeTypes& types);
+    void look_at_empty(const ObjectClasses& object_classes, const AttributeTypes& types);
     void name_by(const std::string& naming_attribute, const AttributeTypes& types);
 };
 

@@ -8,7 +8,6 @@
 namespace orvo::directory::ldap {
 namespace {
 
-constexpr std::string_view policy_control = "1.3.6.1.4.1.42.2.27.8.5.1";
 // An older control that says that the password was right and must be changed.
 constexpr std::string_view expired_control = "2.16.840.1.113730.3.4.4";
 

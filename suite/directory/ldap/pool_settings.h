@@ -29,12 +29,16 @@ struct PoolSettings {
 };
 
 // The settings changed by what InitializeConnectionPool is given; those that are not named stay.
-// Raises what read_numbers raises.
+// Raises what read_numbers raises. Their names, units and ranges:
 //
-//   MaximumSize     connections           0 to 1000       ConnectLimit    milliseconds  1 to 600000
-//   MaximumIdle     connections           0 to 10000      OperationLimit  milliseconds  1 to
-//   3600000 WaitLimit       milliseconds          0 to 600000     RecheckAfter    seconds       0
-//   to 3600 IdleLimit       seconds               1 to 86400 AgeLimit        seconds 1 to 604800
+//   - MaximumSize: connections, 0 to 1000.
+//   - MaximumIdle: connections, 0 to 10000.
+//   - WaitLimit: milliseconds, 0 to 600000.
+//   - IdleLimit: seconds, 1 to 86400.
+//   - AgeLimit: seconds, 1 to 604800.
+//   - ConnectLimit: milliseconds, 1 to 600000.
+//   - OperationLimit: milliseconds, 1 to 3600000.
+//   - RecheckAfter: seconds, 0 to 3600.
 PoolSettings changed(PoolSettings settings, const Variant& names, const Variant& values);
 
 }  // namespace orvo::directory::ldap

@@ -64,9 +64,10 @@ FactsResult read_facts(Session& session, const std::string& key) {
     SearchRequest request;
     request.base = subschema.empty() ? "cn=Subschema" : subschema.front();
     request.filter = "(objectClass=subschema)";
-    request.attributes = {"attributeTypes"};
+    request.attributes = {"attributeTypes", "objectClasses"};
     const Result read = session.collect(session.send(request), [&](EntryData&& entry) {
         facts->types = AttributeTypes::from_descriptions(values_of(entry, "attributeTypes"));
+        facts->classes = ObjectClasses::from_descriptions(values_of(entry, "objectClasses"));
     });
     static_cast<Result&>(result) = read;
     if (read.connection_failed()) return result;
@@ -97,6 +98,13 @@ FactsResult refreshed_facts_of(Session& session, const std::string& key) {
     FactsResult result;
     result.facts = stored.facts;
     return result;
+}
+
+Policy policy_of(Session& session) {
+    const ReadResult root = session.read("", {"supportedControl"});
+    const auto& controls = values_of(root.entry, "supportedControl");
+    const bool is_listed = std::ranges::find(controls, policy_control) != controls.end();
+    return is_listed || controls.empty() ? Policy::asked : Policy::not_asked;
 }
 
 }  // namespace orvo::directory::ldap

@@ -1,11 +1,13 @@
 #pragma once
 
-// What a server offers and how its attributes are typed, read once per process and server.
+// What a server offers, how its attributes are typed and what its classes require, read once per
+// process and server.
 
 #include <memory>
 #include <string>
 
 #include "suite/directory/common/attribute_types.h"
+#include "suite/directory/ldap/object_classes.h"
 #include "suite/directory/ldap/session.h"
 
 namespace orvo::directory::ldap {
@@ -13,6 +15,7 @@ namespace orvo::directory::ldap {
 // Immutable once made; shared by threads.
 struct ServerFacts {
     AttributeTypes types;
+    ObjectClasses classes;
     // Whether the server hashes passwords itself (Password Modify, RFC 3062).
     bool changes_passwords = false;
 };
@@ -34,5 +37,9 @@ FactsResult facts_of(Session& session, const std::string& key);
 // schema does not know. Within a minute of the last reading it is taken from the store all the
 // same.
 FactsResult refreshed_facts_of(Session& session, const std::string& key);
+
+// Whether the server may have a password policy: it does not say otherwise in the list of controls
+// of its root entry. One round trip, as whoever the session is.
+Policy policy_of(Session& session);
 
 }  // namespace orvo::directory::ldap

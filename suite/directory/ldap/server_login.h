@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mutex>
 #include <optional>
 #include <string>
 
@@ -10,8 +11,7 @@
 namespace orvo::directory::ldap {
 
 // Who works on which server: an object's way to its connections. They come from the pool of the
-// process, one operation at a time; where that is switched off (MaximumSize 0), the object has a
-// connection of its own from its first operation on. Used by one thread.
+// process, one operation at a time. Used by one thread.
 class ServerLogin {
 public:
     // `limits`: instead of those that the pool has for all. Both credentials empty: as nobody.
@@ -32,7 +32,24 @@ public:
             lease.reopen();
             result = operation(lease.session());
         }
-        if (!result.connection_failed()) keep(std::move(lease));
+        if (!result.connection_failed()) std::move(lease).give_back();
+        return result;
+    }
+
+    // Runs an operation that gives the user whose entry this is this password, or with an empty
+    // one: none, or removes the entry or makes it. Where it may have been done, nobody goes on with
+    // what the server accepted before it; see ConnectionPool::password_changed. Where nobody knows
+    // whether it was, the user's objects keep the former password.
+    template <class Operation>
+    Result run_login_change(const EntryKey& entry, const Secret& password, Operation operation) {
+        Identity& own = *credentials_.identity;
+        std::unique_lock<std::mutex> turn;
+        if (own.user_key() == entry) turn = std::unique_lock(own.password_turn());
+        const Result result = run(operation);
+        const Secret unknown;
+        if (result.ok() || result.connection_failed())
+            ConnectionPool::of_process().password_changed(entry, result.ok() ? password : unknown,
+                                                          credentials_);
         return result;
     }
 
@@ -44,18 +61,12 @@ public:
     const std::string& server_key() const { return credentials_.identity->server_key(); }
     const std::string& user() const { return credentials_.identity->user(); }
 
-    // This object has changed the password of the user whose entry this is (DistinguishedName::
-    // key()).
-    void password_changed(const std::string& entry, const Secret& password);
-
 private:
     Lease take();
-    void keep(Lease&& lease);
 
     std::optional<Limits> limits_;
     Credentials credentials_;
     std::optional<Secret> presented_;  // until the server has accepted it
-    std::optional<Lease> own_;
 };
 
 }  // namespace orvo::directory::ldap

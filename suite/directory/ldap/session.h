@@ -52,6 +52,10 @@ struct Control {
     std::string value;
 };
 
+// Whether a bind asks for the password policy (draft-behera-ldap-password-policy, 6.1).
+enum class Policy { not_asked, asked };
+inline constexpr const char* policy_control = "1.3.6.1.4.1.42.2.27.8.5.1";
+
 struct BindResult : Result {
     std::vector<Control> controls;
 };
@@ -129,11 +133,10 @@ public:
     void set_limits(const Limits& limits);
 
     // Simple authentication. Both empty: as nobody. The caller has refused an empty password with a
-    // name (a server takes that for "nobody" and reports success).
-    Result bind(const std::string& name, const Secret& password);
-    // The same, asking the server what its password policy says of the account; its answer is among
-    // the controls.
-    BindResult bind_with_policy(const std::string& name, const Secret& password);
+    // name (a server takes that for "nobody" and reports success). What the server's password
+    // policy says of the account, where it is asked, is among the controls.
+    BindResult bind(const std::string& name, const Secret& password,
+                    Policy policy = Policy::not_asked);
 
     // One entry with the attributes asked for, as SearchRequest has them.
     ReadResult read(const std::string& name, const std::vector<std::string>& attributes);

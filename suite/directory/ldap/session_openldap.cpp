@@ -216,22 +216,14 @@ Session Session::connect(const ServerAddress& server, const Limits& limits) {
 bool Session::seems_open() const { return detail::is_quiet(connection_->get()); }
 void Session::set_limits(const Limits& limits) { connection_->limits = limits; }
 
-Result Session::bind(const std::string& name, const Secret& password) {
-    berval credentials{password.reveal().size(), const_cast<char*>(password.reveal().data())};
-    int request = -1;
-    const int sent = ldap_sasl_bind(connection_->get(), name.c_str(), LDAP_SASL_SIMPLE,
-                                    &credentials, nullptr, nullptr, &request);
-    return connection_->outcome(sent, request);
-}
-
-BindResult Session::bind_with_policy(const std::string& name, const Secret& password) {
-    std::string oid = LDAP_CONTROL_PASSWORDPOLICYREQUEST;
-    LDAPControl ask{oid.data(), {0, nullptr}, 0};
+BindResult Session::bind(const std::string& name, const Secret& password, Policy policy) {
+    LDAPControl ask{const_cast<char*>(policy_control), {0, nullptr}, 0};
     std::array<LDAPControl*, 2> controls = {&ask, nullptr};
     berval credentials{password.reveal().size(), const_cast<char*>(password.reveal().data())};
     int request = -1;
-    const int sent = ldap_sasl_bind(connection_->get(), name.c_str(), LDAP_SASL_SIMPLE,
-                                    &credentials, controls.data(), nullptr, &request);
+    const int sent =
+        ldap_sasl_bind(connection_->get(), name.c_str(), LDAP_SASL_SIMPLE, &credentials,
+                       policy == Policy::asked ? controls.data() : nullptr, nullptr, &request);
     BindResult result;
     static_cast<Result&>(result) = connection_->outcome(sent, request, &result.controls);
     return result;

@@ -31,7 +31,6 @@ using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
 constexpr const char* who_am_i_oid = "1.3.6.1.4.1.4203.1.11.3";
-constexpr const char* password_policy_control = "1.3.6.1.4.1.42.2.27.8.5.1";
 
 // LDAP_OPT_SERVER_CONTROLS, which not every version of the library and its header has.
 constexpr int option_server_controls = 0x12;
@@ -182,16 +181,8 @@ Session Session::connect(const ServerAddress& server, const Limits& limits) {
 bool Session::seems_open() const { return true; }
 void Session::set_limits(const Limits& limits) { connection_->limits = limits; }
 
-Result Session::bind(const std::string& name, const Secret& password) {
-    Wide user(name);
-    WideSecret credentials(password);
-    const ULONG request = ldap_simple_bindW(connection_->get(), user.get(), credentials.get());
-    return request == static_cast<ULONG>(-1) ? client_result(connection_->get())
-                                             : connection_->outcome(request);
-}
-
-BindResult Session::bind_with_policy(const std::string& name, const Secret& password) {
-    Wide oid(password_policy_control);
+BindResult Session::bind(const std::string& name, const Secret& password, Policy policy) {
+    Wide oid(policy_control);
     LDAPControlW ask{oid.get(), {0, nullptr}, FALSE};
     std::array<LDAPControlW*, 2> controls = {&ask, nullptr};
     LDAPControlW** none = nullptr;
@@ -200,9 +191,9 @@ BindResult Session::bind_with_policy(const std::string& name, const Secret& pass
     WideSecret credentials(password);
     // A simple bind takes no controls of its own; the handle's are sent with it. A library without
     // them asks for no policy, and a locked account then looks like a wrong password.
-    ldap_set_optionW(handle, option_server_controls, controls.data());
+    if (policy == Policy::asked) ldap_set_optionW(handle, option_server_controls, controls.data());
     const ULONG request = ldap_simple_bindW(handle, user.get(), credentials.get());
-    ldap_set_optionW(handle, option_server_controls, none);
+    if (policy == Policy::asked) ldap_set_optionW(handle, option_server_controls, none);
     BindResult result;
     static_cast<Result&>(result) = request == static_cast<ULONG>(-1)
                                        ? client_result(handle)

@@ -1,28 +1,28 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
-#include <string_view>
 #include <utility>
+
+#include "suite/directory/ldap/entry_key.h"
 
 namespace orvo::directory::ldap {
 
 // Which entries this process has written to, so that what was read before is not taken for fresh.
-// An entry's mark changes with every write to it (and, seldom, with a write to another entry, which
-// costs a reading that was not needed and nothing else). `entry` is DistinguishedName::key(). Any
-// thread.
-std::uint64_t write_mark(std::string_view entry);
-void note_write(std::string_view entry);
+// An entry's mark changes with every write to it, under whatever name (EntryKey::may_be), and now
+// and then with a write to another entry, which costs a reading that was not needed and nothing
+// else. Any thread.
+std::uint64_t write_mark(const EntryKey& entry);
+void note_write(const EntryKey& entry);
 
 // Notes a write when it is over, whatever came of it: one that timed out may have been done.
 class NotedWrite {
 public:
-    explicit NotedWrite(std::string entry) : entry_(std::move(entry)) {}
+    explicit NotedWrite(EntryKey entry) : entry_(std::move(entry)) {}
     ~NotedWrite() { note_write(entry_); }
     NotedWrite(const NotedWrite&) = delete;
 
 private:
-    std::string entry_;
+    EntryKey entry_;
 };
 
 }  // namespace orvo::directory::ldap

@@ -28,8 +28,6 @@ const Text names_that_work[] = {u"Miller, John",
                                 u"paren)",
                                 u"(both)",
                                 u"back\\slashes",
-                                u"\\",
-                                u"back\\",
                                 u"a=b",
                                 u"<tag>",
                                 u";semi;",
@@ -145,6 +143,23 @@ TEST_FRESH(NamesLive, AreRefusedWhereTheyReadAsThoseOfAnotherEntry) {
             block("80072032", "Members.CreateUser",
                   "(34) The distinguished name is not valid. The name '" + to_utf8(Text(name)) +
                       "' could be taken for that of another entry."));
+    }
+    EXPECT_EQ(everything(), before);
+}
+
+TEST_FRESH(NamesLive, AreRefusedWhereNobodyCouldLogInWithThem) {
+    const Object container = members();
+    const auto before = everything();
+    const std::pair<const char16_t*, const char*> names[] = {
+        {u"back\\", "cn=back\\,ou=Users,o=Shop"},
+        {u"R&D <core>, team=blue", "cn=R&D \\<core\\>, team=blue,ou=Users,o=Shop"}};
+    for (const auto& [name, read] : names) {
+        const Failure failure = raised_by([&] { create(container, name); });
+        expect_failure(
+            failure, error_number(0x80072032), u"OrvoDirectory.Ldap",
+            block("80072032", "Members.CreateUser",
+                  "(34) The distinguished name is not valid. Nobody could log in as 'cn=" +
+                      to_utf8(Text(name)) + "': with its container it is read as '" + read + "'."));
     }
     EXPECT_EQ(everything(), before);
 }

@@ -268,6 +268,12 @@ protected:
                    probe_->values("cn=Current,cn=Connections,cn=Monitor", "monitorCounter")[0]) -
                1;
     }
+    // A connection that was closed here is still open there for a moment.
+    int settled_connections(int most) {
+        for (int round = 0; round < 200 && connections() > most; ++round)
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        return connections();
+    }
     void use_pool(const char16_t* name, int value) {
         late::call(create_object(u"OrvoMembership.Initialize"), u"InitializeConnectionPool",
                    {orvo::list({name}), Values{value}});
@@ -323,11 +329,9 @@ TEST_F(EightThreads, LeaveTheDirectoryAsTheirModelsSayAndNoConnectionBehind) {
         }
     EXPECT_EQ(after, before) << "nothing else was touched, and nothing is left over";
 
-    EXPECT_LE(connections(), 64) << "the provider's limit of idle connections";
+    EXPECT_LE(settled_connections(64), 64) << "the provider's limit of idle connections";
     in_fresh_thread([&] { use_pool(u"MaximumSize", 0); });
-    for (int round = 0; round < 200 && connections() != 0; ++round)
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    EXPECT_EQ(connections(), 0);
+    EXPECT_EQ(settled_connections(0), 0);
 }
 
 }  // namespace

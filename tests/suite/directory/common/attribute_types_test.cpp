@@ -83,6 +83,8 @@ TEST(AttributeTypes, AreReadWithEverythingThatADescriptionMayHold) {
         "( 1.1.3 )",
     });
     EXPECT_EQ(types.find("full")->syntax, Syntax::integer);
+    EXPECT_TRUE(types.find("full")->is_operational);
+    EXPECT_FALSE(types.find("tight")->is_operational);
     EXPECT_EQ(types.find("close")->syntax, Syntax::boolean);
     EXPECT_EQ(types.find("byname")->syntax, Syntax::integer);
     EXPECT_EQ(types.find("1.1.3")->syntax, Syntax::text);

@@ -272,18 +272,29 @@ TEST_F(LdapEntryTest, AnswersASingleValueFromWhatBindFetchedUntilItIsOldOrWritte
     EXPECT_EQ(values(entry_, u"OrvoUserType"), Variant(Values{2}));
 }
 
-TEST_F(LdapEntryTest, AsksForAnAttributeThatDidNotComeWithTheBind) {
-    bound(Values{u"sn"});
-    ASSERT_EQ(probe_.replace(user(), "ManagerCN", {"admin"}), 0);
-    EXPECT_EQ(values(entry_, u"ManagerCN"), Variant(Values{u"admin"}));
-    EXPECT_NE(values(entry_, u"entryUUID"), Variant(Values{Variant()})) << "an operational one";
+TEST_F(LdapEntryTest, KnowsOfABindWhatTheEntryLacksUnlessTheServerSendsItOnlyByName) {
+    for (const Variant& names : {Variant(Values{u"sn"}), Variant(Values())}) {
+        bound(names);
+        ASSERT_EQ(probe_.replace(user(), "ManagerCN", {"admin"}), 0);
+        EXPECT_EQ(values(entry_, u"ManagerCN"), Variant(Values{Variant()}));
+        EXPECT_NE(values(entry_, u"entryUUID"), Variant(Values{Variant()}));
+        EXPECT_EQ(failure_of([&] { values(entry_, u"noSuchAttribute"); }).number, 0);
+        std::this_thread::sleep_for(LdapEntry::fetched_lasts + 50ms);
+        EXPECT_EQ(values(entry_, u"ManagerCN"), Variant(Values{u"admin"}));
+        ASSERT_EQ(probe_.replace(user(), "ManagerCN", {}), 0);
+    }
 }
 
-TEST_F(LdapEntryTest, IsFreshAtEveryReadingAfterABindThatFetchedNothing) {
+TEST_F(LdapEntryTest, AListIsFreshAtEveryReadingButTheFirst) {
     bound();
-    values(entry_, u"sn");
     ASSERT_EQ(probe_.replace(user(), "sn", {"Changed"}), 0);
-    EXPECT_EQ(values(entry_, u"sn"), Variant(Values{u"Changed"}));
+    EXPECT_EQ(values(entry_, u"sn"), Variant(Values{u"Jansen"}));
+    EXPECT_EQ(values(entry_, u"surname"), Variant(Values{u"Changed"}));
+    ASSERT_EQ(probe_.replace(user(), "sn", {"Again"}), 0);
+    EXPECT_EQ(values(entry_, u"sn"), Variant(Values{u"Again"}));
+    EXPECT_EQ(values(entry_, u"description"), Variant(Values{Variant()}));
+    ASSERT_EQ(probe_.replace(user(), "description", {"new"}), 0);
+    EXPECT_EQ(values(entry_, u"description"), Variant(Values{u"new"}));
 }
 
 TEST_F(LdapEntryTest, DoesNotAnswerFromWhatBindFetchedLongAgo) {

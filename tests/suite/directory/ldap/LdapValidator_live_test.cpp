@@ -71,7 +71,8 @@ TEST(LdapValidator, RefusesWithoutAskingTheServer) {
     EXPECT_EQ(checked(server.server(), users, good), -1);
     EXPECT_EQ(checked(server.server(), u"o=Shop", good), -1);
     EXPECT_EQ(checked(server.server(), u"cn=orvo-service,ou=Services,o=Shop", good), -1);
-    EXPECT_EQ(checked(server.server(), u"cn=djansen\\,ou=Users,o=Shop", good), -1);
+    EXPECT_EQ(checked(server.server(), u"jsmith,ou=Users,o=Shop", good), -1);
+    EXPECT_EQ(checked(server.server(), u"c n=djansen,ou=Users,o=Shop", good), -1);
     EXPECT_EQ(checked(server.server(), u"cn=a\";ou=Users,o=Shop", good), -1);
     EXPECT_EQ(server.connections(), 0);
 }
@@ -179,8 +180,16 @@ TEST(LdapValidator, CostsOneConnectionAndOneBind) {
     EXPECT_EQ(checked(server.server(), user_path("djansen"), u"shop-sample"), 0);
     EXPECT_EQ(connections() - connections_before, 1);
     EXPECT_EQ(binds() - binds_before, 1);
-    // The counting itself searches: after its own count, the two above and this one.
-    EXPECT_EQ(searches() - searches_before, 3);
+    // One for whether the server has a policy. The counting itself searches: after its own count,
+    // the two above and this one.
+    EXPECT_EQ(searches() - searches_before, 4);
+
+    const long binds_then = binds();
+    const long searches_then = searches();
+    EXPECT_EQ(checked(server.server(), user_path("djansen"), u"shop-sample"), 0);
+    EXPECT_EQ(connections() - connections_before, 1);
+    EXPECT_EQ(binds() - binds_then, 1);
+    EXPECT_EQ(searches() - searches_then, 3);
 }
 
 }  // namespace

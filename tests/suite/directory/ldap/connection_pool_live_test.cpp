@@ -1,6 +1,7 @@
 #include "suite/directory/ldap/connection_pool.h"
 
 #include <atomic>
+#include <mutex>
 #include <random>
 #include <thread>
 #include <vector>
@@ -121,6 +122,82 @@ TEST_F(ConnectionPoolTest, AnOperationThatWaitsGoesOnAsSoonAsThereIsAPlace) {
     EXPECT_EQ(open_connections(), 1);
 }
 
+TEST_F(ConnectionPoolTest, ThoseWhoWaitAreServedInTheOrderInWhichTheyCame) {
+    use({u"MaximumSize"}, {1});
+    ServerLogin holder = login(service());
+    std::vector<std::thread> others;
+    std::mutex mutex;
+    std::vector<int> served;
+    holder.run([&](Session&) {
+        for (int number = 0; number < 6; ++number) {
+            others.emplace_back([&, number] {
+                ServerLogin late = login(service());
+                late.run([&](Session&) {
+                    const std::lock_guard lock(mutex);
+                    served.push_back(number);
+                    return Result();
+                });
+            });
+            std::this_thread::sleep_for(50ms);
+        }
+        return Result();
+    });
+    // Who comes now finds others waiting.
+    who_is(holder);
+    {
+        const std::lock_guard lock(mutex);
+        EXPECT_EQ(served.size(), 6u);
+    }
+    for (std::thread& other : others) other.join();
+    EXPECT_EQ(served, (std::vector<int>{0, 1, 2, 3, 4, 5}));
+    EXPECT_EQ(open_connections(), 1);
+}
+
+TEST_F(ConnectionPoolTest, WhoGivesUpWaitingDoesNotKeepTheOthersFromTheirTurn) {
+    use({u"MaximumSize", u"WaitLimit"}, {1, 100});
+    ServerLogin holder = login(service()), impatient = login(service()), late = login(service());
+    std::thread other;
+    holder.run([&](Session&) {
+        other = std::thread([&] {
+            EXPECT_EQ(failure_of([&] { who_is(impatient); }).number, error_number(0x8007200E));
+        });
+        std::this_thread::sleep_for(50ms);
+        use({u"WaitLimit"}, {5000});
+        std::thread patient([&] { EXPECT_NE(who_is(late), ""); });
+        other.join();
+        other = std::move(patient);
+        std::this_thread::sleep_for(20ms);
+        return Result();
+    });
+    other.join();
+}
+
+TEST_F(ConnectionPoolTest, PlacesThatAreAddedServeAllWhoWaitForOne) {
+    use({u"MaximumSize"}, {1});
+    ServerLogin holder = login(service());
+    std::atomic<int> served = 0;
+    holder.run([&](Session&) {
+        std::vector<std::thread> others;
+        for (int number = 0; number < 3; ++number)
+            others.emplace_back([&] {
+                ServerLogin late = login(service());
+                late.run([&](Session&) {
+                    ++served;
+                    const auto end = steady_clock::now() + 2s;
+                    while (served < 3 && steady_clock::now() < end)
+                        std::this_thread::sleep_for(1ms);
+                    EXPECT_EQ(served, 3) << "at the same time";
+                    return Result();
+                });
+            });
+        std::this_thread::sleep_for(100ms);
+        EXPECT_EQ(served, 0);
+        use({u"MaximumSize"}, {4});
+        for (std::thread& other : others) other.join();
+        return Result();
+    });
+}
+
 TEST_F(ConnectionPoolTest, APlaceIsFreeAgainAfterAnOperationThatRaises) {
     use({u"MaximumSize", u"WaitLimit"}, {1, 100});
     ServerLogin user = login(service());
@@ -179,7 +256,7 @@ TEST_F(ConnectionPoolTest, WorksAgainOnceTheServerIsBack) {
         second.run([&](Session&) {
             ServerLogin third = login(service());
             third.run([&](Session&) {
-                values(entries[0], u"sn");
+                values(entries[0], u"entryUUID");
                 return Result();
             });
             return Result();
@@ -190,7 +267,8 @@ TEST_F(ConnectionPoolTest, WorksAgainOnceTheServerIsBack) {
     EXPECT_EQ(checked(this->user("jsmith")), 0);
 
     server_.stop();
-    EXPECT_EQ(failure_of([&] { values(entries[1], u"sn"); }).number, error_number(0x8007203A));
+    EXPECT_EQ(failure_of([&] { values(entries[1], u"entryUUID"); }).number,
+              error_number(0x8007203A));
     EXPECT_EQ(failure_of([&] { checked(this->user("jsmith")); }).number, error_number(0x8007203A));
     server_.start();
     in_threads(4, [&](int thread) {
@@ -237,6 +315,7 @@ TEST_F(ConnectionPoolTest, AConnectionThatTheServerHasClosedIsNotTriedFirst) {
     who_is(login);
     server_.stop();
     server_.start();
+    std::this_thread::sleep_for(150ms);  // at once it would be tried without looking
     int runs = 0;
     login.run([&](Session& session) {
         ++runs;
@@ -287,6 +366,24 @@ TEST_F(ConnectionPoolTest, ConnectionsThatWereIdleOrAliveForTooLongAreClosed) {
     EXPECT_TRUE(comes_to(1));
 }
 
+TEST_F(ConnectionPoolTest, ConnectionsThatWereIdleForTooLongAreClosedBeforeAnybodyWaits) {
+    use({u"MaximumSize", u"IdleLimit", u"WaitLimit"}, {1, 1, 20'000});
+    ServerLogin idle = login(user("jsmith")), holder = login(service());
+    std::thread other;
+    holder.run([&](Session&) {
+        who_is(idle);
+        std::this_thread::sleep_for(1050ms);
+        EXPECT_EQ(open_connections(), 2);
+        other = std::thread([&] {
+            ServerLogin late = login(service());
+            EXPECT_EQ(who_is(late), "dn:cn=orvo-service,ou=Services,o=Shop");
+        });
+        EXPECT_TRUE(comes_to(1)) << "that of the holder, for whom the other waits";
+        return Result();
+    });
+    other.join();
+}
+
 TEST_F(ConnectionPoolTest, ManyUsersLeaveNoMoreIdleConnectionsThanAllowed) {
     use({u"MaximumIdle"}, {2});
     for (const char* name : {"jsmith", "djansen", "admin", "glee"}) {
@@ -302,7 +399,7 @@ TEST_F(ConnectionPoolTest, ManyUsersLeaveNoMoreIdleConnectionsThanAllowed) {
     EXPECT_EQ(connections_made(), made + 1);
 }
 
-TEST_F(ConnectionPoolTest, SwitchedOffEachObjectKeepsAConnectionOfItsOwn) {
+TEST_F(ConnectionPoolTest, SwitchedOffObjectsOfAUserShareConnectionsAsLongAsThereAreAny) {
     use({u"MaximumSize"}, {0});
     {
         LdapEntry one, other;
@@ -310,16 +407,47 @@ TEST_F(ConnectionPoolTest, SwitchedOffEachObjectKeepsAConnectionOfItsOwn) {
         bind(one, service());
         bind(other, service());
         connect(search, service());
-        EXPECT_EQ(open_connections(), 3);
+        EXPECT_EQ(open_connections(), 1);
         const long made = connections_made();
-        values(one, u"sn");
-        values(other, u"sn");
+        values(one, u"entryUUID");
+        values(other, u"entryUUID");
         found(search, u"(cn=djansen)");
         EXPECT_EQ(connections_made(), made);
-        EXPECT_EQ(checked(user("djansen")), 0);
-        EXPECT_EQ(connections_made(), made + 1);
+        ServerLogin user = login(service());
+        user.run([&](Session&) {
+            values(one, u"entryUUID");
+            return Result();
+        });
+        EXPECT_EQ(connections_made(), made + 1) << "two at the same time";
+        EXPECT_EQ(bind_result(this->user("djansen")), 0);
+        EXPECT_EQ(checked(this->user("djansen")), 0);
+        EXPECT_EQ(connections_made(), made + 3);
+        EXPECT_TRUE(comes_to(2)) << "of the service account; nothing is kept of the others";
     }
     EXPECT_TRUE(comes_to(0));
+}
+
+TEST_F(ConnectionPoolTest, SwitchedOffAConnectionIsReplacedWhereItIsOldOrWasIdle) {
+    use({u"MaximumSize", u"IdleLimit"}, {0, 1});
+    ServerLogin user = login(service());
+    who_is(user);
+    long made = connections_made();
+    for (int round = 0; round < 3; ++round) {
+        std::this_thread::sleep_for(500ms);
+        who_is(user);
+    }
+    EXPECT_EQ(connections_made(), made) << "never idle for a second";
+    std::this_thread::sleep_for(1050ms);
+    EXPECT_EQ(who_is(user), "dn:cn=orvo-service,ou=Services,o=Shop");
+    EXPECT_EQ(connections_made(), made + 1);
+    EXPECT_TRUE(comes_to(1));
+
+    use({u"IdleLimit", u"AgeLimit"}, {30, 1});
+    std::this_thread::sleep_for(1050ms);
+    who_is(user);
+    who_is(user);
+    EXPECT_EQ(connections_made(), made + 2);
+    EXPECT_TRUE(comes_to(1));
 }
 
 TEST_F(ConnectionPoolTest, SwitchedOffObjectsWorkAgainOnceTheServerIsBack) {
@@ -329,7 +457,7 @@ TEST_F(ConnectionPoolTest, SwitchedOffObjectsWorkAgainOnceTheServerIsBack) {
     bind(entry, service());
     connect(search, service());
     server_.stop();
-    EXPECT_EQ(failure_of([&] { values(entry, u"sn"); }).number, error_number(0x8007203A));
+    EXPECT_EQ(failure_of([&] { values(entry, u"entryUUID"); }).number, error_number(0x8007203A));
     server_.start();
     EXPECT_EQ(values(entry, u"sn"), Variant(Values{u"Jansen"}));
     EXPECT_TRUE(found(search, u"(cn=djansen)"));
@@ -344,15 +472,13 @@ TEST_F(ConnectionPoolTest, MayBeSwitchedOffAndOnAgainUnderItsObjects) {
     bind(entry, service());
     use({u"MaximumSize"}, {0});
     EXPECT_TRUE(comes_to(0));
-    EXPECT_EQ(values(entry, u"sn"), Variant(Values{u"Jansen"}));
+    EXPECT_NE(values(entry, u"entryUUID"), Variant(Values{Variant()}));
     EXPECT_EQ(open_connections(), 1);
     use({u"MaximumSize"}, {16});
-    EXPECT_EQ(values(entry, u"sn"), Variant(Values{u"Jansen"}));
+    EXPECT_NE(values(entry, u"entryUUID"), Variant(Values{Variant()}));
     LdapEntry other;
     bind(other, service());
-    EXPECT_EQ(open_connections(), 2) << "the first keeps what it has";
-    bind(entry, service());
-    EXPECT_TRUE(comes_to(1));
+    EXPECT_EQ(open_connections(), 1);
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <thread>
 
+#include "platform/abi/call.h"
+#include "platform/dictionary/dictionary.h"
 #include "tests/suite/directory/ldap/pool_test.h"
 
 namespace orvo::directory::ldap {
@@ -13,12 +15,39 @@ constexpr std::int32_t wrong_credentials = static_cast<std::int32_t>(0x8007052E)
 
 class CredentialsTest : public PoolTest {
 protected:
+    using PoolTest::PoolTest;
+
     User djansen(const std::string& password = "shop-sample") const {
         return {server_.user_dn("djansen"), password};
     }
     // Somebody else changes the password; the server knows, this process does not.
     void change_behind_our_back(const std::string& password) {
         ASSERT_EQ(probe_.replace(server_.user_dn("djansen"), "userPassword", {password}), 0);
+    }
+    // The service account deletes the user, and makes one of the same name.
+    void remove_user() const {
+        LdapEntry users;
+        bind(users, service(), u"");
+        Text type = u"orvoPerson", name = u"cn=djansen,ou=Users,o=Shop";
+        users.DeleteChild(type, name);
+    }
+    void make_user(const Text& password) const {
+        const auto given = make<DictionaryObject>();
+        for (auto [key, item] : {std::pair<Variant, Variant>{u"cn", u"djansen"},
+                                 {u"sn", u"Another"},
+                                 {u"OrvoUserType", 1},
+                                 {u"userPassword", password}})
+            call<&Dictionary::Add>(given, key, item);
+        LdapEntry users;
+        bind(users, service(), u"");
+        Object attributes = given.object();
+        Variant classes = u"orvoPerson";
+        Text naming = u"cn";
+        users.CreateChild(classes, naming, attributes);
+    }
+    // Of a reading that the server is always asked for.
+    static std::int32_t reading(LdapEntry& entry) {
+        return failure_of([&] { values(entry, u"entryUUID"); }).number;
     }
 };
 
@@ -122,6 +151,26 @@ TEST_F(CredentialsTest, ChangedByTheUserAllItsObjectsGoOn) {
     EXPECT_EQ(values(entry, u"sn"), Variant(Values{u"Jansen"}));
 }
 
+TEST_F(CredentialsTest, ChangedByTheUserTwiceAtOnceAreThoseThatTheServerHas) {
+    for (int round = 0; round < 5; ++round) {
+        const std::string former = round == 0 ? "shop-sample" : "settled";
+        LdapEntry one, other;
+        bind(one, djansen(former));
+        bind(other, djansen(former));
+        const auto change = [](LdapEntry& entry, const Text& password) {
+            EXPECT_EQ(failure_of([&] { set(entry, u"userPassword", password); }).number, 0);
+        };
+        std::thread thread([&] { change(one, u"of the one"); });
+        change(other, u"of the other");
+        thread.join();
+        server_.stop();
+        server_.start();
+        EXPECT_EQ(reading(one), 0);
+        EXPECT_EQ(reading(other), 0);
+        set(one, u"userPassword", u"settled");
+    }
+}
+
 TEST_F(CredentialsTest, ChangedByTheUserWithoutAPoolItsObjectsGoOnAsWell) {
     use({u"MaximumSize"}, {0});
     LdapEntry entry, other;
@@ -161,11 +210,94 @@ TEST_F(CredentialsTest, AreCheckedAgainAfterAnyWriteToTheUsersEntry) {
 
 TEST_F(CredentialsTest, OfAUserWhoIsDeletedAreRefusedAtOnce) {
     ASSERT_EQ(bind_result(djansen()), 0);
-    LdapEntry users;
-    bind(users, service(), u"");
-    Text type = u"orvoPerson", name = u"cn=djansen,ou=Users,o=Shop";
-    users.DeleteChild(type, name);
+    remove_user();
     EXPECT_EQ(bind_result(djansen()), wrong_credentials);
+}
+
+TEST_F(CredentialsTest, OfAUserWhoIsDeletedAndMadeAnewAreTheNewOnesAlone) {
+    LdapEntry former;
+    bind(former, djansen());
+    ServerLogin other = login(djansen());
+    EXPECT_EQ(who_is(other), "dn:cn=djansen,ou=Users,o=Shop");
+    remove_user();
+    EXPECT_EQ(reading(former), wrong_credentials);
+    make_user(u"another one");
+    EXPECT_EQ(reading(former), wrong_credentials);
+    EXPECT_EQ(failure_of([&] { who_is(other); }).number, wrong_credentials);
+    EXPECT_EQ(bind_result(djansen()), wrong_credentials);
+    EXPECT_EQ(bind_result(djansen("another one")), 0);
+    EXPECT_TRUE(comes_to(2)) << "that of the service account and that of the new user";
+}
+
+// The server goes on taking a connection that was bound as an entry for that of any entry that has
+// this name later.
+TEST_F(CredentialsTest, OfAConnectionInUseEndWithTheEntryThatItIsBoundAs) {
+    ServerLogin former = login(djansen());
+    former.run([&](Session& session) {
+        remove_user();
+        make_user(u"another one");
+        const WhoAmIResult taken_for = session.who_am_i();
+        EXPECT_EQ(taken_for.identity, "dn:cn=djansen,ou=Users,o=Shop");
+        return taken_for;
+    });
+    EXPECT_TRUE(comes_to(1)) << "that of the service account";
+    EXPECT_EQ(failure_of([&] { who_is(former); }).number, wrong_credentials);
+}
+
+TEST_F(CredentialsTest, OfAUserWhoseEntryIsMadeAnewBehindOurBackEndWithItsCreation) {
+    LdapEntry former;
+    bind(former, djansen());
+    ASSERT_EQ(probe_.remove(server_.user_dn("djansen")), 0);
+    make_user(u"another one");
+    EXPECT_EQ(reading(former), wrong_credentials);
+}
+
+TEST_F(CredentialsTest, WithoutAPoolEndWithTheEntryAsWell) {
+    use({u"MaximumSize"}, {0});
+    LdapEntry former;
+    bind(former, djansen());
+    EXPECT_EQ(reading(former), 0);
+    remove_user();
+    make_user(u"another one");
+    EXPECT_EQ(reading(former), wrong_credentials);
+    EXPECT_EQ(bind_result(djansen()), wrong_credentials);
+    EXPECT_EQ(bind_result(djansen("another one")), 0);
+}
+
+TEST_F(CredentialsTest, EndWithThePasswordThatIsTakenAway) {
+    void (*const ways[])(LdapEntry&) = {
+        [](LdapEntry& entry) { clear(entry, u"userPassword"); },
+        [](LdapEntry& entry) { set(entry, u"userPassword", u""); },
+        [](LdapEntry& entry) { set(entry, u"USERPASSWORD", Values{}); }};
+    LdapEntry administrator;
+    bind(administrator, service());
+    for (const auto take_away : ways) {
+        LdapEntry theirs;
+        bind(theirs, djansen(), u"cn=jsmith");
+        EXPECT_EQ(reading(theirs), 0);
+        EXPECT_EQ(open_connections(), 2);
+        take_away(administrator);
+        EXPECT_TRUE(comes_to(1)) << "that of the service account";
+        EXPECT_EQ(reading(theirs), wrong_credentials);
+        EXPECT_EQ(bind_result(djansen()), wrong_credentials);
+        set(administrator, u"userPassword", u"shop-sample");
+        EXPECT_EQ(reading(theirs), 0);
+    }
+}
+
+// A bind with a name and no password would succeed on many a server, as nobody.
+TEST_F(CredentialsTest, OfAUserWhoTakesTheOwnPasswordAwayAreRefusedFromThenOn) {
+    for (const int size : {16, 0}) {
+        use({u"MaximumSize"}, {size});
+        LdapEntry entry, other;
+        bind(entry, djansen());
+        bind(other, djansen(), u"cn=jsmith");
+        clear(entry, u"userPassword");
+        EXPECT_EQ(reading(entry), wrong_credentials);
+        EXPECT_EQ(reading(other), wrong_credentials);
+        EXPECT_EQ(bind_result(djansen()), wrong_credentials);
+        change_behind_our_back("shop-sample");
+    }
 }
 
 TEST_F(CredentialsTest, InAPasswordCheckAreAlwaysAskedAbout) {
@@ -192,6 +324,53 @@ TEST_F(CredentialsTest, OfPasswordChecksAreBoundOnAConnectionThatServesNothingEl
         EXPECT_EQ(who_is(nobody), "");
     }
     EXPECT_EQ(connections_made() - made, 1);
+}
+
+// A server that lets a user do nothing but change the password, once somebody else has set it.
+
+class RestrictedCredentialsTest : public CredentialsTest {
+protected:
+    RestrictedCredentialsTest() : CredentialsTest({.password_policy = true}) {}
+
+    void restrict_user(bool on) {
+        ASSERT_EQ(probe_.replace(server_.user_dn("djansen"), "pwdReset", {on ? "TRUE" : "FALSE"}),
+                  0);
+    }
+    // The results of the same reading on two connections of a user.
+    static std::vector<int> two_readings(ServerLogin& one, ServerLogin& other) {
+        const auto read = [](Session& session) {
+            return session.read("cn=jsmith,ou=Users,o=Shop", {"sn"});
+        };
+        std::vector<int> codes;
+        one.run([&](Session& session) {
+            codes.push_back(other.run(read).code);
+            codes.push_back(read(session).code);
+            return Result();
+        });
+        return codes;
+    }
+};
+
+TEST_F(RestrictedCredentialsTest, WorkOnEveryConnectionOnceTheUserHasChangedThePassword) {
+    constexpr int refused = 50;
+    for (const int size : {16, 0}) {
+        use({u"MaximumSize"}, {size});
+        SCOPED_TRACE("MaximumSize " + std::to_string(size));
+        const std::string password = "changed with " + std::to_string(size);
+        LdapEntry entry;
+        bind(entry, djansen());
+        ServerLogin one = login(djansen()), other = login(djansen());
+        one.authenticate();
+        restrict_user(true);
+        EXPECT_EQ(two_readings(one, other), (std::vector<int>{refused, 0}));
+        set(entry, u"userPassword", from_utf8(password));
+        EXPECT_EQ(two_readings(one, other), (std::vector<int>{0, 0}));
+        EXPECT_EQ(reading(entry), 0);
+        EXPECT_EQ(bind_result(djansen(password)), 0);
+
+        change_behind_our_back("shop-sample");
+        restrict_user(false);
+    }
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ using testing::ElementsAre;
 const AttributeTypes no_types;
 
 CacheKey key(const std::string& entry, const std::string& user = "cn=service") {
-    return {"ldap://dir01:389", user, entry, entry};
+    return {"ldap://dir01:389", user, entry, EntryKey(entry)};
 }
 
 KnownEntry known(const std::string& attribute, const std::string& value) {
@@ -51,7 +51,7 @@ protected:
 TEST_F(EntryCacheTest, IsOffUntilItIsGivenRoom) {
     EntryCache cache;
     EXPECT_FALSE(cache.is_on());
-    cache.add(key("cn=a"), known("sn", "A"), steady_clock::now(), write_mark("cn=a"));
+    cache.add(key("cn=a"), known("sn", "A"), steady_clock::now(), write_mark(EntryKey("cn=a")));
     EXPECT_FALSE(cache.find(key("cn=a")));
 }
 
@@ -67,9 +67,9 @@ TEST_F(EntryCacheTest, TellsServersUsersAndEntriesApart) {
     use(10, 60);
     add(key("cn=a"), known("sn", "A"));
     EXPECT_FALSE(cache_.find(key("cn=a", "cn=other")));
-    EXPECT_FALSE(cache_.find({"ldap://dir02:389", "cn=service", "cn=a", "cn=a"}));
-    EXPECT_FALSE(cache_.find({"ldap://dir01:389", "cn=servicecn", "=a", "cn=a"}));
-    EXPECT_FALSE(cache_.find({"ldap://dir01:389c", "n=service", "cn=a", "cn=a"}));
+    EXPECT_FALSE(cache_.find({"ldap://dir02:389", "cn=service", "cn=a", EntryKey("cn=a")}));
+    EXPECT_FALSE(cache_.find({"ldap://dir01:389", "cn=servicecn", "=a", EntryKey("cn=a")}));
+    EXPECT_FALSE(cache_.find({"ldap://dir01:389c", "n=service", "cn=a", EntryKey("cn=a")}));
 }
 
 TEST_F(EntryCacheTest, AddsWhatIsReadLaterToWhatItKnows) {
@@ -84,14 +84,14 @@ TEST_F(EntryCacheTest, AddsWhatIsReadLaterToWhatItKnows) {
 TEST_F(EntryCacheTest, ForgetsWhatThisProcessWroteTo) {
     add(key("cn=a"), known("sn", "A"));
     add(key("cn=b"), known("sn", "B"));
-    note_write("cn=a");
+    note_write(EntryKey("cn=a"));
     EXPECT_EQ(value(key("cn=a"), "sn"), "?");
     EXPECT_EQ(value(key("cn=b"), "sn"), "B");
 }
 
 TEST_F(EntryCacheTest, DoesNotFindWhatWasReadWhileThisProcessWrote) {
-    const std::uint64_t before = write_mark("cn=a");
-    note_write("cn=a");
+    const std::uint64_t before = write_mark(EntryKey("cn=a"));
+    note_write(EntryKey("cn=a"));
     cache_.add(key("cn=a"), known("sn", "A"), steady_clock::now(), before);
     EXPECT_EQ(value(key("cn=a"), "sn"), "?");
 }
@@ -99,7 +99,7 @@ TEST_F(EntryCacheTest, DoesNotFindWhatWasReadWhileThisProcessWrote) {
 TEST_F(EntryCacheTest, ForgetsWhatIsTooOldAlsoWhereOnlyAPartIs) {
     use(2, 1);
     const auto nearly_a_second_ago = steady_clock::now() - 900ms;
-    cache_.add(key("cn=a"), known("sn", "A"), nearly_a_second_ago, write_mark("cn=a"));
+    cache_.add(key("cn=a"), known("sn", "A"), nearly_a_second_ago, write_mark(EntryKey("cn=a")));
     add(key("cn=a"), known("mail", "a@shop.example"));
     EXPECT_EQ(value(key("cn=a"), "sn"), "A");
     std::this_thread::sleep_for(150ms);

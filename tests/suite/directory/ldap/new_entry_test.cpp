@@ -61,6 +61,23 @@ TEST(ANewEntry, LeavesEmptyTextsOutButForNumbers) {
     EXPECT_TRUE(made.password.empty());
 }
 
+TEST(ANewEntry, KnowsWhichEmptyTextsItsClassesRequire) {
+    const auto classes = ObjectClasses::from_descriptions(std::array<std::string, 2>{
+        "( 2.5.6.6 NAME 'person' SUP top MUST ( surname $ cn $ active ) MAY unknown )",
+        "( 1.2.3 NAME 'other' MUST unknown )"});
+    const auto required = [&](const std::vector<GivenAttribute>& given) {
+        return NewEntry(given, u"person", "cn", types(), classes).required_empty;
+    };
+    EXPECT_THAT(required({{"cn", u"a"}, {"sn", u""}, {"unknown", u""}, {"active", u""}}),
+                ElementsAre("sn"));
+    EXPECT_THAT(required({{"cn", u"a"}, {"sn", u""}, {"SN", u""}, {"surname", u""}}),
+                ElementsAre("sn"));
+    EXPECT_THAT(required({{"cn", u"a"}, {"sn", u""}, {"surname", u"b"}}), IsEmpty());
+    EXPECT_THAT(required({{"cn", u"a"}, {"sn;lang-de", u""}}), IsEmpty());
+    EXPECT_THAT(required({{"cn", u"a"}, {"unknown", u""}, {"objectClass", Values{u"other"}}}),
+                ElementsAre("unknown"));
+}
+
 TEST(ANewEntry, TakesSeveralNamesOfOneAttributeForOne) {
     const NewEntry made = entry({{"cn", u"a"},
                                  {"CN", u"a"},
@@ -89,6 +106,18 @@ TEST(ANewEntry, IsRefusedWhereItsNameIsNoneOrAnothers) {
     };
     for (const std::vector<GivenAttribute>& given : refused)
         EXPECT_EQ(failure_of([&] { entry(given); }).number, error_number(0x80072032));
+}
+
+TEST(ANewEntry, HasANameBelowItsContainerUnlessNobodyCouldLogInWithIt) {
+    EXPECT_EQ(entry({{"cn", u"Smith, John"}}).name_below(u"ou=Users,o=Shop"),
+              u"cn=Smith\\, John,ou=Users,o=Shop");
+    EXPECT_EQ(entry({{"cn", u"a<b"}}).name_below(u""), u"cn=a\\<b");
+    const NewEntry blue = entry({{"cn", u"a<b, team=blue"}});
+    const Failure failure = failure_of([&] { blue.name_below(u"o=Shop"); });
+    EXPECT_EQ(failure.number, error_number(0x80072032));
+    EXPECT_EQ(failure.description,
+              u"(34) The distinguished name is not valid. Nobody could log in as 'cn=a<b, "
+              u"team=blue': with its container it is read as 'cn=a\\<b, team=blue,o=Shop'.");
 }
 
 TEST(ANewEntry, ComesFromADictionary) {

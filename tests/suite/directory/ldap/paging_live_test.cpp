@@ -7,7 +7,7 @@
 #include "platform/abi/call.h"
 #include "platform/automation/values.h"
 #include "platform/recordset/contract.h"
-#include "suite/directory/common/distinguished_name.h"
+#include "suite/directory/common/written_name.h"
 #include "suite/directory/ldap/LdapSearch.h"
 #include "tests/support/slapd.h"
 #include "tests/support/temp_folder.h"

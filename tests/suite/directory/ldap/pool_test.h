@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 #include "platform/automation/values.h"
 #include "suite/directory/ldap/LdapEntry.h"
@@ -23,7 +24,11 @@ protected:
         std::string password;
     };
 
-    PoolTest() { use_defaults(); }
+    explicit PoolTest(SlapdOptions options = {}) : server_(std::move(options)) {
+        use_defaults();
+        // That with which the server was asked whether it has started.
+        EXPECT_TRUE(comes_to(0));
+    }
     ~PoolTest() override { use_defaults(); }
 
     static void use(Values names, Values values) {
@@ -55,6 +60,7 @@ protected:
     }
     static Variant values(LdapEntry& entry, Text name) { return entry.GetValues(name); }
     static void set(LdapEntry& entry, Text name, Variant value) { entry.SetValues(name, value); }
+    static void clear(LdapEntry& entry, Text name) { entry.ClearValues(name); }
 
     ServerLogin login(const User& as) const {
         return ServerLogin(from_utf8(server_.server()), from_utf8(as.name), from_utf8(as.password),

@@ -43,6 +43,19 @@ RewritingProxy::~RewritingProxy() {
     ::close(listener_);
 }
 
+void RewritingProxy::Countdown::set(int count, const std::string& part) {
+    const std::lock_guard lock(mutex_);
+    left_ = count;
+    part_ = part;
+}
+
+bool RewritingProxy::Countdown::counts(const std::string& bytes) {
+    const std::lock_guard lock(mutex_);
+    if (left_ == 0 || bytes.find(part_) == std::string::npos) return false;
+    --left_;
+    return true;
+}
+
 void RewritingProxy::serve() {
     for (;;) {
         pollfd waiting[] = {{listener_, POLLIN, 0}, {stop_[0], POLLIN, 0}};
@@ -58,6 +71,7 @@ void RewritingProxy::serve() {
 }
 
 void RewritingProxy::pass_on(int client, int server) {
+    bool is_answer_cut = false;
     for (;;) {
         pollfd waiting[] = {{client, POLLIN, 0}, {server, POLLIN, 0}, {stop_[0], POLLIN, 0}};
         ::poll(waiting, 3, -1);
@@ -65,15 +79,14 @@ void RewritingProxy::pass_on(int client, int server) {
         if (readable(waiting[0])) {
             const std::string asked = received(client);
             if (asked.empty()) return;
-            if (cuts_ > 0) {
-                --cuts_;
-                return;
-            }
+            if (requests_cut_.counts(asked)) return;
+            if (swallowed_.counts(asked)) continue;
+            if (answers_cut_.counts(asked)) is_answer_cut = true;
             ::send(server, asked.data(), asked.size(), MSG_NOSIGNAL);
         }
         if (readable(waiting[1])) {
             std::string answer = received(server);
-            if (answer.empty()) return;
+            if (answer.empty() || is_answer_cut) return;
             for (std::size_t at = 0; (at = answer.find(from_, at)) != std::string::npos;)
                 answer.replace(at, from_.size(), to_);
             ::send(client, answer.data(), answer.size(), MSG_NOSIGNAL);

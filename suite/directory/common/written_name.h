@@ -1,0 +1,44 @@
+#pragma once
+
+// Distinguished names as callers write them, who put them together of a plain name and a container
+// without escaping anything.
+
+#include <optional>
+
+#include "suite/directory/common/distinguished_name.h"
+
+namespace orvo::directory {
+
+// A container as settings have it: a distinguished name as it stands ("ou=Users,o=Shop"), or pieces
+// from the top down with "/" ("o=Shop/ou=Users"), which are turned round. Nothing is escaped.
+Text container_name(TextView container);
+
+// A value as distinguished names hold it (RFC 4514, 2.4): what would mean something else there is
+// escaped.
+Text escaped_value(TextView value);
+
+// A relative name as its callers put it together, "cn=" and a plain name: as it stands where it can
+// be read as a distinguished name ("cn=Smith\\, John", "cn=a,ou=Staff"); otherwise what is behind
+// the first "=" is a value as it is ("cn=Smith, John"), and is escaped. Without "=", as it stands.
+Text escaped_name(TextView relative_name);
+
+// The entry `relative_name`, which escaped_name is applied to, below `container`; either may be
+// empty.
+Text entry_name(TextView relative_name, TextView container);
+
+// A full name as its callers put it together of a plain name and its container,
+// "cn=Smith, John,ou=Users,o=Shop": as it stands where it can be read; otherwise what stands in
+// front of the longest readable end is a relative name that escaped_name is applied to. Without
+// knowing the container that is a guess, which name_below is not: "cn=a<b, c=d,ou=Users,o=Shop".
+Text full_name(TextView written);
+
+// The full name of an entry below `container`, of what callers put together: a relative name, ","
+// and the container, which may be spelled in any way and also from the top down with "/". Nothing
+// where the text does not end in the container, names the container itself or cannot be read.
+std::optional<Text> name_below(TextView written, const DistinguishedName& container);
+
+// The same, quicker where the text ends in `spelling`, the name that `container` was read from.
+std::optional<Text> name_below(TextView written, const DistinguishedName& container,
+                               TextView spelling);
+
+}  // namespace orvo::directory
