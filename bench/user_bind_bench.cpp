@@ -6,6 +6,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench/buyers.h"
 #include "bench/crew.h"
 #include "bench/provider_keeps.h"
 #include "bench/raw_client.h"
@@ -22,10 +23,12 @@ PrivateSlapd& directory() {
 
 struct Binder {
     std::string url = directory().url();
-    std::string user = directory().user_dn("jsmith");
+    std::string name = next_buyer();
+    std::string user = directory().user_dn(name);
     std::string password = directory().user_password();
     std::string service = directory().service_dn();
     std::string service_password = directory().service_password();
+    Variant id = from_utf8(name);
     Variant account = from_utf8(user);
     Variant account_password = from_utf8(password);
     Object settings = create_object(u"OrvoMembership.User");
@@ -67,7 +70,7 @@ struct Binder {
     }
     void bind() {
         const Object bound = create_object(u"OrvoMembership.User");
-        late::call(bound, u"BindAs", {u"jsmith", account, account_password});
+        late::call(bound, u"BindAs", {id, account, account_password});
     }
 };
 
