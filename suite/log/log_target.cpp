@@ -1,17 +1,15 @@
 #include "suite/log/log_target.h"
 
-#include "platform/automation/environment.h"
-
 namespace orvo {
 
 namespace {
 
-std::filesystem::path usual_file() {
+std::filesystem::path usual_file(const LogEnvironment& environment) {
     // Only Windows has the first.
-    std::filesystem::path folder = environment_variable("LOCALAPPDATA");
-    if (folder.empty()) folder = environment_variable("XDG_STATE_HOME");
+    std::filesystem::path folder = environment.local_app_data;
+    if (folder.empty()) folder = environment.state_home;
     if (!folder.is_absolute()) {
-        folder = environment_variable("HOME");
+        folder = environment.home;
         if (folder.empty()) return {};
         folder /= ".local/state";
     }
@@ -20,12 +18,12 @@ std::filesystem::path usual_file() {
 
 }  // namespace
 
-LogTarget log_target_of_environment() {
+LogTarget log_target_of(const LogEnvironment& environment) {
     LogTarget target;
-    target.file = environment_variable("ORVO_LOG_FILE");
-    target.standard_error = environment_variable("ORVO_LOG_STDERR") == u"1";
+    target.file = environment.file;
+    target.standard_error = environment.standard_error == u"1";
     if (!target.file.empty() || target.standard_error) return target;
-    target.file = usual_file();
+    target.file = usual_file(environment);
     target.standard_error = target.file.empty();
     return target;
 }

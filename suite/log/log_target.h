@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <filesystem>
 
+#include "platform/automation/environment.h"
+
 namespace orvo {
 
 // A file, the standard error, or both. When an entry would make the file larger than
@@ -21,6 +23,17 @@ struct LogTarget {
     auto operator<=>(const LogTarget&) const = default;
 };
 
+// The variables that say where, as they are when it is made; empty ones count as none.
+struct LogEnvironment {
+    Text file = environment_variable("ORVO_LOG_FILE");
+    Text standard_error = environment_variable("ORVO_LOG_STDERR");
+    Text local_app_data = environment_variable("LOCALAPPDATA");
+    Text state_home = environment_variable("XDG_STATE_HOME");
+    Text home = environment_variable("HOME");
+
+    bool operator==(const LogEnvironment&) const = default;
+};
+
 // As the environment asks for it:
 //
 //     ORVO_LOG_FILE     the file
@@ -28,8 +41,8 @@ struct LogTarget {
 //
 // Without either the file is orvo/orvo.log in $XDG_STATE_HOME (which counts when it is an absolute
 // path), otherwise in ~/.local/state, on Windows in %LOCALAPPDATA%; without a home folder it is the
-// standard error. An empty variable counts as none.
-LogTarget log_target_of_environment();
+// standard error.
+LogTarget log_target_of(const LogEnvironment& environment);
 
 // Whether notes are written: ORVO_LOG_LEVEL is not "error". ("note" asks for everything, as any
 // other text and no text do: a misspelt level shall not hide entries.)

@@ -103,4 +103,18 @@ LogWriter& log_writer_for(const LogTarget& target) {
     return writers.try_emplace(target, target).first->second;
 }
 
+// Asked at every entry, where the environment is as it was at the entry before.
+LogWriter& log_writer_of_environment() {
+    static std::mutex mutex;
+    static LogEnvironment last;
+    static LogWriter* writer = nullptr;
+    LogEnvironment environment;
+    const std::lock_guard lock(mutex);
+    if (writer == nullptr || environment != last) {
+        writer = &log_writer_for(log_target_of(environment));
+        last = std::move(environment);
+    }
+    return *writer;
+}
+
 }  // namespace orvo

@@ -43,5 +43,7 @@ private:
 
 // The process's writer for a target, made at the first call and kept. Any thread.
 LogWriter& log_writer_for(const LogTarget& target);
+// The one for what the environment asks for now. Any thread.
+LogWriter& log_writer_of_environment();
 
 }  // namespace orvo

@@ -5,8 +5,7 @@
 
 namespace orvo {
 
-SuiteLog::SuiteLog()
-    : writer_(log_writer_for(log_target_of_environment())), notes_(log_notes_of_environment()) {}
+SuiteLog::SuiteLog() : writer_(log_writer_of_environment()), notes_(log_notes_of_environment()) {}
 
 Variant SuiteLog::LogMessage(Text& source, Text& message, std::int32_t& level) {
     return write(LogChannel::main, source, message, level);

@@ -17,7 +17,7 @@ private:
 };
 
 TEST_F(LogTargetTest, IsTheUsersStateFolderWithoutAWish) {
-    const LogTarget target = log_target_of_environment();
+    const LogTarget target = log_target_of({});
     EXPECT_EQ(target.file, "/home/somebody/.local/state/orvo/orvo.log");
     EXPECT_FALSE(target.standard_error);
     EXPECT_EQ(target.largest_file, 5242880u);
@@ -26,31 +26,31 @@ TEST_F(LogTargetTest, IsTheUsersStateFolderWithoutAWish) {
 
 TEST_F(LogTargetTest, FollowsTheStateFolderOfTheEnvironmentWhenItIsAbsolute) {
     const Environment absolute("XDG_STATE_HOME", "/var/state");
-    EXPECT_EQ(log_target_of_environment().file, "/var/state/orvo/orvo.log");
+    EXPECT_EQ(log_target_of({}).file, "/var/state/orvo/orvo.log");
     const Environment relative("XDG_STATE_HOME", "state");
-    EXPECT_EQ(log_target_of_environment().file, "/home/somebody/.local/state/orvo/orvo.log");
+    EXPECT_EQ(log_target_of({}).file, "/home/somebody/.local/state/orvo/orvo.log");
 }
 
 TEST_F(LogTargetTest, IsWhereWindowsKeepsWhatBelongsToOneUserOfOneMachine) {
     const Environment local("LOCALAPPDATA", "/users/somebody/local");
-    EXPECT_EQ(log_target_of_environment().file, "/users/somebody/local/orvo/orvo.log");
+    EXPECT_EQ(log_target_of({}).file, "/users/somebody/local/orvo/orvo.log");
 }
 
 TEST_F(LogTargetTest, KeepsAFileNameBeyondAscii) {
     const Environment file("ORVO_LOG_FILE", "/var/log/\xD0\x96.log");
-    EXPECT_EQ(log_target_of_environment().file, u"/var/log/\u0416.log");
+    EXPECT_EQ(log_target_of({}).file, u"/var/log/\u0416.log");
 }
 
 TEST_F(LogTargetTest, IsTheFileOfTheEnvironmentAlone) {
     const Environment file("ORVO_LOG_FILE", "/var/log/orvo.log");
-    const LogTarget target = log_target_of_environment();
+    const LogTarget target = log_target_of({});
     EXPECT_EQ(target.file, "/var/log/orvo.log");
     EXPECT_FALSE(target.standard_error);
 }
 
 TEST_F(LogTargetTest, IsTheStandardErrorAloneWhenOnlyThatIsAskedFor) {
     const Environment standard_error("ORVO_LOG_STDERR", "1");
-    const LogTarget target = log_target_of_environment();
+    const LogTarget target = log_target_of({});
     EXPECT_EQ(target.file, "");
     EXPECT_TRUE(target.standard_error);
 }
@@ -58,14 +58,14 @@ TEST_F(LogTargetTest, IsTheStandardErrorAloneWhenOnlyThatIsAskedFor) {
 TEST_F(LogTargetTest, IsBothWhenBothAreAskedFor) {
     const Environment file("ORVO_LOG_FILE", "/var/log/orvo.log");
     const Environment standard_error("ORVO_LOG_STDERR", "1");
-    const LogTarget target = log_target_of_environment();
+    const LogTarget target = log_target_of({});
     EXPECT_EQ(target.file, "/var/log/orvo.log");
     EXPECT_TRUE(target.standard_error);
 }
 
 TEST_F(LogTargetTest, IsTheStandardErrorWhereThereIsNoHome) {
     const Environment home("HOME", std::nullopt);
-    const LogTarget target = log_target_of_environment();
+    const LogTarget target = log_target_of({});
     EXPECT_EQ(target.file, "");
     EXPECT_TRUE(target.standard_error);
 }
