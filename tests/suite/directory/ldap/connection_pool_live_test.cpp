@@ -348,6 +348,16 @@ TEST_F(ConnectionPoolTest, ASilentServerCostsABindTheOperationLimitOnce) {
     EXPECT_LT(steady_clock::now() - begin, 1900ms);
 }
 
+TEST_F(ConnectionPoolTest, ASilentServerCostsAPasswordCheckTheOperationLimitOnce) {
+    use({u"OperationLimit"}, {1000});
+    const auto begin = steady_clock::now();
+    server_.pause();
+    EXPECT_EQ(failure_of([&] { checked(user("jsmith")); }).number, error_number(0x8007203A));
+    server_.resume();
+    EXPECT_LT(steady_clock::now() - begin, 1900ms);
+    EXPECT_EQ(checked(user("jsmith")), 0);
+}
+
 TEST_F(ConnectionPoolTest, ConnectionsThatWereIdleOrAliveForTooLongAreClosed) {
     use({u"IdleLimit", u"RecheckAfter"}, {1, 100});
     ServerLogin idle = login(user("jsmith")), other = login(service());
