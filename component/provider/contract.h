@@ -28,7 +28,8 @@ class DirectoryEntry {
 public:
     // Binds this object to the entry `common_name` ("cn=jsmith"; empty for the container itself)
     // below `container`, with the rights of `user`. `attributes` (array of names) may be fetched
-    // at once; reading others later costs a round trip each.
+    // at once; what a provider has not fetched here, which may be all of the entry, costs a round
+    // trip for each reading.
     virtual void Bind(Text& server, Text& container, Text& common_name, Text& user, Text& password,
                       Variant& attributes) = 0;
     // All values of one attribute.

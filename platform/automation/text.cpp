@@ -134,6 +134,15 @@ std::string to_utf8(TextView text) {
     return out;
 }
 
+bool is_well_formed(TextView text) {
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (is_low_surrogate(text[at])) return false;
+        if (!is_high_surrogate(text[at])) continue;
+        if (++at == text.size() || !is_low_surrogate(text[at])) return false;
+    }
+    return true;
+}
+
 bool equal_ignoring_case(TextView a, TextView b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(), same_folded);
 }

@@ -17,6 +17,10 @@ using TextView = std::u16string_view;
 Text from_utf8(std::string_view bytes);
 std::string to_utf8(TextView text);
 
+// Whether every half of a surrogate pair has its other one. Of other texts to_utf8 gives what may
+// be another text's, too: names and passwords are to be looked at before.
+bool is_well_formed(TextView text);
+
 // Equality and order without regard to case, by simple case folding of Latin, Greek and Cyrillic
 // letters; the same in every locale. `lower` gives the folded text: two texts are equal without
 // regard to case exactly when their lower forms are equal.

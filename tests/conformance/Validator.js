@@ -7,6 +7,8 @@ equal("right", validator.ValidatePassword("glee", "shop-sample"), 0);
 equal("right, with the naming attribute", validator.ValidatePassword("cn=glee", "shop-sample"), 0);
 equal("wrong", validator.ValidatePassword("glee", "shop-Sample"), -1);
 equal("empty", validator.ValidatePassword("glee", ""), -1);
+equal("right up to a NUL", validator.ValidatePassword("glee", "shop-sample\0more"), -1);
+equal("empty up to a NUL", validator.ValidatePassword("glee", "\0shop-sample"), -1);
 equal("nobody", validator.ValidatePassword("nobody", "shop-sample"), -1);
 equal("without a password of its own", validator.ValidatePassword("barest", "shop-sample"), -1);
 equal("beside the container",

@@ -60,6 +60,7 @@ std::optional<Description> read_description(std::string_view text) {
     result.type.oid = unquoted(*word);
     while ((word = words.next()) && *word != ")") {
         if (*word == "SINGLE-VALUE") result.type.single_value = true;
+        if (*word == "NO-USER-MODIFICATION") result.type.no_user_modification = true;
         if (has_no_value(*word)) continue;
         std::vector<std::string> values;
         if (!read_values(words, values)) return std::nullopt;

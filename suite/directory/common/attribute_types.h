@@ -20,8 +20,11 @@ struct AttributeType {
     std::vector<std::string> names;  // the first is the preferred one
     Syntax syntax = Syntax::text;
     bool single_value = false;
-    // Kept by the server for itself; it comes only to those who ask for it by name (RFC 4512, 3.4).
+    // Kept for the directory's own use; it comes only to those who ask for it by name (RFC 4512,
+    // 3.4). Some servers do the same with what they construct for a reader and list without a
+    // usage, as an attribute of users that nobody modifies.
     bool is_operational = false;
+    bool no_user_modification = false;
     // The matching rules, by name or number as the schema has them; empty: none, and such items of
     // a filter are undefined.
     std::string equality = {};

@@ -9,6 +9,7 @@
 #include "platform/automation/failure.h"
 #include "suite/directory/common/ascii.h"
 #include "suite/directory/common/generalized_time.h"
+#include "suite/directory/common/result_codes.h"
 
 namespace orvo::directory {
 namespace {
@@ -82,7 +83,11 @@ std::string encode_value(Syntax syntax, const Variant& value) {
         case Syntax::bytes:
             break;
     }
-    return to_utf8(value.to<Text>());
+    const Text text = value.to<Text>();
+    if (!is_well_formed(text))
+        throw directory_failure(result_code::invalid_syntax, {},
+                                "A text cannot hold half of a surrogate pair.");
+    return to_utf8(text);
 }
 
 // The text of bytes; nothing where they are not UTF-8.

@@ -34,10 +34,12 @@ public:
     // The comparable form as one text, for keys. Not meant for a server.
     const std::string& key() const { return key_; }
 
-    // The same for all names that any server may take for this one, whatever its schema calls a
-    // type and however it compares text: the letters and digits of the values, without the types.
-    // The same for some other names, too ("cn=R&D" and "ou=rd"). Empty where it could be that of
-    // any name: the root, names without letters, values in hexadecimal.
+    // The same for all names that a server may take for this one, whatever its schema calls a type
+    // and however it compares text: the letters and digits of the values, without the types. The
+    // same for some other names, too ("cn=R&D" and "ou=rd"). Empty where it could be that of any
+    // name: the root, names without letters, values in hexadecimal. Values that are more than text
+    // to a server are not covered: a time in another zone or without its seconds, or a
+    // distinguished name as a value, has a key of its own in each spelling.
     std::string loose_key() const;
 
 private:

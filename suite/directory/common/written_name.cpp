@@ -62,7 +62,8 @@ Text escaped_name(TextView relative_name) {
 }
 
 Text full_name(TextView written) {
-    if (DistinguishedName::try_parse(written)) return Text(written);
+    if (written.size() > longest_name || DistinguishedName::try_parse(written))
+        return Text(written);
     for (std::size_t comma = written.find(u','); comma != TextView::npos;
          comma = written.find(u',', comma + 1)) {
         const TextView rest = written.substr(comma + 1);
@@ -84,6 +85,7 @@ std::optional<Text> readable_name(TextView relative, TextView container) {
 
 // Nowhere does a spelling of the container have more commas than its key.
 std::optional<Text> name_below(TextView written, const DistinguishedName& container) {
+    if (written.size() > longest_name) return std::nullopt;
     const std::string& key = container.key();
     auto commas = std::count(key.begin(), key.end(), ',') + 1;
     for (std::size_t comma = written.rfind(u','); comma != TextView::npos && commas > 0;
@@ -100,6 +102,7 @@ std::optional<Text> name_below(TextView written, const DistinguishedName& contai
 
 std::optional<Text> name_below(TextView written, const DistinguishedName& container,
                                TextView spelling) {
+    if (written.size() > longest_name) return std::nullopt;
     if (written.size() > spelling.size() && written.ends_with(spelling)) {
         const std::size_t comma = written.size() - spelling.size() - 1;
         const TextView relative = written.substr(0, comma);

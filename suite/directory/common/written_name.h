@@ -3,11 +3,16 @@
 // Distinguished names as callers write them, who put them together of a plain name and a container
 // without escaping anything.
 
+#include <cstddef>
 #include <optional>
 
 #include "suite/directory/common/distinguished_name.h"
 
 namespace orvo::directory {
+
+// No name that is put together with its container has more UTF-16 units. To find out where the
+// container of a longer one begins is not worth what it costs.
+inline constexpr std::size_t longest_name = 8192;
 
 // A container as settings have it: a distinguished name as it stands ("ou=Users,o=Shop"), or pieces
 // from the top down with "/" ("o=Shop/ou=Users"), which are turned round. Nothing is escaped.
@@ -30,11 +35,13 @@ Text entry_name(TextView relative_name, TextView container);
 // "cn=Smith, John,ou=Users,o=Shop": as it stands where it can be read; otherwise what stands in
 // front of the longest readable end is a relative name that escaped_name is applied to. Without
 // knowing the container that is a guess, which name_below is not: "cn=a<b, c=d,ou=Users,o=Shop".
+// As it stands, too, where it is longer than longest_name.
 Text full_name(TextView written);
 
 // The full name of an entry below `container`, of what callers put together: a relative name, ","
 // and the container, which may be spelled in any way and also from the top down with "/". Nothing
-// where the text does not end in the container, names the container itself or cannot be read.
+// where the text does not end in the container, names the container itself, cannot be read or is
+// longer than longest_name.
 std::optional<Text> name_below(TextView written, const DistinguishedName& container);
 
 // The same, quicker where the text ends in `spelling`, the name that `container` was read from.

@@ -45,7 +45,7 @@ void LdapEntry::Bind(Text& server, Text& container, Text& common_name, Text& use
         login.authenticate();
     } else {
         fetched_ = read(login, asked, true);
-        fetched_.entry.forget_password();
+        fetched_.entry.forget_secrets();
     }
     login_ = std::move(login);
 }
@@ -161,10 +161,19 @@ void LdapEntry::write_password(const std::string& name, const Variant& value) {
     Replacement replacement{name, {}};
     if (!password.empty() && !server_hashes) replacement.values = {hashed_password(password)};
     const NotedWrite noted(key_);
-    check(login_->run_login_change(key_, password, [&](Session& session) {
-        return server_hashes ? session.change_password(name_, password)
-                             : session.modify(name_, {&replacement, 1});
-    }));
+    bool was_lost = false;
+    try {
+        check(login_->run_login_change(key_, password, [&](Session& session) {
+            Result result = server_hashes ? session.change_password(name_, password)
+                                          : session.modify(name_, {&replacement, 1});
+            was_lost |= result.connection_failed();
+            return result;
+        }));
+    } catch (const Failure& failure) {
+        if (!was_lost) throw;
+        throw Failure(failure.number, failure.source,
+                      failure.description + u" The password may have been changed all the same.");
+    }
 }
 
 void LdapEntry::replace(const std::string& name, std::vector<std::string> values) {

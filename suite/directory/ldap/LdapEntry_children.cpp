@@ -21,10 +21,8 @@ std::vector<Attribute> with_blanks(std::vector<Attribute> attributes,
 void LdapEntry::CreateChild(Variant& classes, Text& naming_attribute, Object& attributes) {
     require_bound();
     const std::vector<GivenAttribute> given = given_attributes(attributes);
-    for (const GivenAttribute& attribute : given) {
-        require_whole(from_utf8(attribute.name));
-        type_of(attribute.name);
-    }
+    for (const GivenAttribute& attribute : given) type_of(attribute.name);
+    require_whole(naming_attribute);
     const ServerFacts& server = facts();
     NewEntry entry(given, classes, to_utf8(naming_attribute), server.types, server.classes);
     if (!entry.password.empty() && !server.changes_passwords) {
@@ -104,6 +102,7 @@ Text LdapEntry::take_back(const std::string& name, TextView is_or_may_be) {
 
 void LdapEntry::DeleteChild(Text&, Text& entry_name) {
     require_bound();
+    require_well_formed(entry_name);
     const auto container = DistinguishedName::try_parse(from_utf8(name_));
     const std::optional<Text> below = container ? name_below(entry_name, *container) : std::nullopt;
     if (!below)

@@ -12,8 +12,10 @@
 namespace orvo::directory::ldap {
 namespace {
 
+// Empty where it is no text that a password could be.
 Secret secret_of(const Variant& value) {
-    if (value.is_text()) return Secret(value.text_view());
+    if (value.is_text())
+        return is_well_formed(value.text_view()) ? Secret(value.text_view()) : Secret();
     Text text = value.to<Text>();
     Secret secret{TextView(text)};
     overwrite(text.data(), text.size() * sizeof text[0]);
@@ -68,7 +70,7 @@ std::int32_t LdapValidator::Validate(Variant& path, Variant& password) {
     if (!target && !parsed) raise_code(result_code::invalid_name, to_utf8(container_));
     const DistinguishedName& container = target ? target->container_name : *parsed;
     const std::optional<Text> name = name_below(written, container, container_);
-    if (secret.empty() || !name) return password_check::wrong;
+    if (secret.empty() || !name || !is_well_formed(written)) return password_check::wrong;
     if (!target) {
         ConnectionPool& pool = ConnectionPool::of_process();
         target = std::make_shared<const Target>(Target{
@@ -85,10 +87,10 @@ std::int32_t LdapValidator::Validate(Variant& path, Variant& password) {
 BindResult LdapValidator::checked(const Credentials& checks, const std::string& name,
                                   const Secret& password) const {
     Lease lease = ConnectionPool::of_process().lease(checks, limits_);
-    BindResult bind = lease.session().bind(name, password, lease.policy());
+    BindResult bind = lease.session().bind(name, password, Policy::asked);
     if (bind.code == result_code::server_down) {
         lease.reopen();
-        bind = lease.session().bind(name, password, lease.policy());
+        bind = lease.session().bind(name, password, Policy::asked);
     }
     if (!bind.connection_failed() && lease.is_shared()) std::move(lease).give_back();
     return bind;

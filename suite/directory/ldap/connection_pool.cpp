@@ -48,7 +48,10 @@ void ConnectionPool::configure(const Variant& names, const Variant& values) {
     close_old(closing);
     for (auto& [key, set] : identities_)
         for (const auto& weak : set)
-            if (const auto identity = weak.lock()) wake_next(*identity);
+            if (const auto identity = weak.lock()) {
+                if (settings_.maximum_size != 0) closing.splice(closing.end(), identity->kept_);
+                wake_next(*identity);
+            }
 }
 
 Credentials ConnectionPool::enter(const ServerAddress& server, const std::string& user,

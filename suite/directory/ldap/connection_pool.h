@@ -13,8 +13,9 @@
 // given back is closed with the last object that works with the same credentials.
 //
 // Connections that have been idle or alive for too long are closed whenever one is leased or given
-// back. There is no thread for it: what nobody asks for costs the process a socket and the server
-// closes it when it pleases, which is noticed before it is used again.
+// back (without the pool, one with the same credentials). There is no thread for it: what nobody
+// asks for costs the process a socket and the server closes it when it pleases, which is noticed
+// before it is used again.
 //
 // Any thread. Nothing waits for the server under the pool's lock.
 

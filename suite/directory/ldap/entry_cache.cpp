@@ -51,17 +51,17 @@ std::optional<std::vector<std::string>> KnownEntry::try_values(const std::string
     const auto found = find_attribute(attributes, name, types);
     if (found != attributes.end()) return found->values;
     const AttributeType* type = types.find(name);
-    const bool comes_unasked = type && !type->is_operational && !is_password(name);
+    const bool comes_unasked =
+        type && !type->is_operational && !type->no_user_modification && !is_secret(name);
     const bool is_missing =
         (is_whole && comes_unasked) ||
         std::ranges::any_of(asked, [&](const auto& other) { return types.same(other, name); });
     return is_missing ? std::optional(std::vector<std::string>()) : std::nullopt;
 }
 
-void KnownEntry::forget_password() {
-    std::erase_if(attributes,
-                  [](const Attribute& attribute) { return is_password(attribute.name); });
-    std::erase_if(asked, is_password);
+void KnownEntry::forget_secrets() {
+    std::erase_if(attributes, [](const Attribute& attribute) { return is_secret(attribute.name); });
+    std::erase_if(asked, is_secret);
 }
 
 EntryCache& EntryCache::of_process() {
@@ -89,7 +89,7 @@ std::shared_ptr<const KnownEntry> EntryCache::find(const CacheKey& key) {
 
 void EntryCache::add(const CacheKey& key, KnownEntry read, steady_clock::time_point read_at,
                      std::uint64_t write_mark) {
-    read.forget_password();
+    read.forget_secrets();
     const std::lock_guard lock(mutex_);
     if (settings_.entries == 0) return;
     std::string text = text_of(key);

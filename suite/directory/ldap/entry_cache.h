@@ -41,8 +41,8 @@ struct CacheKey {
 };
 
 // What is known of an entry: attributes with their values, and names that were asked for, of which
-// it has those that are among the attributes and lacks the others. Never its password. Immutable
-// once it is kept.
+// it has those that are among the attributes and lacks the others. Never secrets (is_secret).
+// Immutable once it is kept.
 struct KnownEntry {
     std::vector<Attribute> attributes;
     std::vector<std::string> asked;
@@ -54,7 +54,7 @@ struct KnownEntry {
     // Nothing where that is not known.
     std::optional<std::vector<std::string>> try_values(const std::string& name,
                                                        const AttributeTypes& types) const;
-    void forget_password();
+    void forget_secrets();
 };
 
 // The entries that were asked for last, so many of them, each until it is as old as allowed or this

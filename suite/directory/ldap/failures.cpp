@@ -14,7 +14,13 @@ std::string quoted(std::string_view name) {
     return "'" + std::string(name.substr(0, end)) + "...'";
 }
 
+void require_well_formed(TextView name) {
+    if (!is_well_formed(name))
+        raise_code(result_code::invalid_name, "A name cannot hold half of a surrogate pair.");
+}
+
 void require_whole(TextView name) {
+    require_well_formed(name);
     if (name.find(u'\0') != TextView::npos)
         raise_code(result_code::invalid_name, "A name cannot hold a NUL.");
 }

@@ -18,8 +18,12 @@ inline constexpr TextView provider_name = u"OrvoDirectory.Ldap";
 // A name as a description quotes it: between apostrophes, of a long one the beginning.
 std::string quoted(std::string_view name);
 
-// Raises result code 34 for a name that holds a NUL: the client library would read it only as far
-// as there, and take it for another name.
+// Raises result code 34 for a name that holds half of a surrogate pair: no directory can have it,
+// and in UTF-8 it would be another name.
+void require_well_formed(TextView name);
+
+// The same, and also for a name that holds a NUL: the client library would read it only as far as
+// there, and take it for another name.
 void require_whole(TextView name);
 
 // Raises 445 (object doesn't support this action).

@@ -25,7 +25,6 @@ struct Connection {
     Session session;
     std::chrono::steady_clock::time_point opened;
     std::chrono::steady_clock::time_point used = {};  // when it was given back the last time
-    Policy policy = Policy::asked;                    // what password checks on it do
 };
 struct IdleConnection;
 using IdleList = std::list<IdleConnection>;
@@ -38,7 +37,8 @@ struct Acceptance {
 };
 
 // A user of a server with one password, or the password checks of a server: what has a set of
-// connections in the pool. Lives as long as somebody works with it or it has idle connections.
+// connections in the pool. Lives as long as somebody works with it or the pool has idle connections
+// of it.
 class Identity {
 public:
     enum class Kind { user, password_checks };
@@ -54,7 +54,7 @@ public:
     const EntryKey& user_key() const { return user_key_; }
     // Held while the user changes the own password, from asking the server to noting the new one:
     // of two who do so at once the later is the one that counts, here as there.
-    std::mutex& password_turn() { return password_turn_; }
+    std::recursive_mutex& password_turn() { return password_turn_; }
 
 private:
     friend class ConnectionPool;
@@ -64,7 +64,7 @@ private:
     const std::string server_key_;
     const std::string user_;
     const EntryKey user_key_;
-    std::mutex password_turn_;
+    std::recursive_mutex password_turn_;
 
     // The rest is the pool's, under its lock.
     PasswordDigest digest_;

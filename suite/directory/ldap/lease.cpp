@@ -4,7 +4,6 @@
 
 #include "suite/directory/ldap/connection_pool.h"
 #include "suite/directory/ldap/failures.h"
-#include "suite/directory/ldap/server_facts.h"
 #include "suite/directory/ldap/write_marks.h"
 
 namespace orvo::directory::ldap {
@@ -72,15 +71,24 @@ void Lease::reopen() {
     open();
     PasswordDigest digest;
     const Secret password = pool_->password_of(credentials_, digest);
-    check_bind(authenticate(password, digest));
+    Result bind = authenticate(password, digest);
+    if (bind.code == result_code::invalid_credentials) {
+        // The user may be changing it at this moment.
+        const std::lock_guard turn(credentials_.identity->password_turn());
+        PasswordDigest digest_now;
+        const Secret now = pool_->password_of(credentials_, digest_now);
+        if (!(digest_now == digest)) {
+            open();
+            bind = authenticate(now, digest_now);
+        }
+    }
+    check_bind(bind);
 }
 
 void Lease::open() {
     const auto now = steady_clock::now();
     const Identity& identity = *credentials_.identity;
     connection_.emplace(Session::connect(identity.server(), limits_), now);
-    if (is_shared_ && identity.kind() == Identity::Kind::password_checks)
-        connection_->policy = policy_of(session());
 }
 
 Result Lease::authenticate(const Secret& password, const PasswordDigest& digest) {

@@ -23,10 +23,7 @@ public:
     ~Lease();
 
     Session& session() { return connection_->session; }
-    // What a password check has to do. A connection that serves many has found out whether the
-    // server has a policy at all; for one that serves a single check asking costs less.
-    Policy policy() const { return connection_->policy; }
-    // Whether the connection is the pool's; it is its holder's own where there is no pool.
+    // Whether the connection is the pool's, and counted.
     bool is_shared() const { return is_shared_; }
 
     // A new connection in place of this one, authenticated as before. Raises what connecting and

@@ -40,6 +40,7 @@ std::vector<GivenAttribute> given_attributes(const Object& dictionary) {
     for (std::int32_t index = 0; index < names.count(); ++index) {
         const Variant& name = names[names.lower_bound() + index];
         if (!name.is_text()) raise_runtime_error(runtime_error::type_mismatch);
+        require_whole(name.text_view());
         given.push_back({to_utf8(name.text_view()), values[values.lower_bound() + index]});
     }
     return given;
@@ -50,6 +51,8 @@ NewEntry::NewEntry(const std::vector<GivenAttribute>& given, const Variant& clas
                    const ObjectClasses& object_classes) {
     for (const auto& [name, value] : given) {
         const AttributeType* type = types.find(name);
+        if (value.is_text() && types.same(name, naming_attribute))
+            require_well_formed(value.text_view());
         if (is_password(name)) {
             password = password_in(value);
         } else if (!is_empty_text(value)) {
@@ -127,8 +130,12 @@ void NewEntry::name_by(const std::string& naming_attribute, const AttributeTypes
 }
 
 Text NewEntry::name_below(TextView container) const {
+    const Text put_together = written_name + u"," + Text(container);
+    if (put_together.size() > longest_name)
+        raise_code(result_code::invalid_name, "With its container it has more than " +
+                                                  std::to_string(longest_name) + " characters.");
     const Text name = entry_name(relative_name, container);
-    const Text read = full_name(written_name + u"," + Text(container));
+    const Text read = full_name(put_together);
     if (DistinguishedName::try_parse(read) != DistinguishedName::try_parse(name))
         raise_code(result_code::invalid_name,
                    "Nobody could log in as " + quoted(to_utf8(written_name)) +

@@ -21,7 +21,8 @@ struct GivenAttribute {
 };
 
 // The entries of a dictionary, in its order. Raises 91 for no object, 13 for a key that is no text
-// and for an object that is no dictionary.
+// and for an object that is no dictionary, result code 34 for a name that is not whole
+// (require_whole).
 std::vector<GivenAttribute> given_attributes(const Object& dictionary);
 
 struct NewEntry {
@@ -40,15 +41,17 @@ struct NewEntry {
     // among the attributes, or where there are none, `classes`: a text or an array, each element of
     // which may be an array again.
     //
-    // Raises result code 34 where the naming attribute has no value or several, where these make
-    // no relative name, and for a name that its callers could not use afterwards: put together
-    // without escaping, as they do (escaped_name), it would be another entry's, "a,ou=b" say.
+    // Raises result code 34 where the naming attribute has no value, several or half of a surrogate
+    // pair in it, where these make no relative name, and for a name that its callers could not use
+    // afterwards: put together without escaping, as they do (escaped_name), it would be another
+    // entry's, "a,ou=b" say.
     NewEntry(const std::vector<GivenAttribute>& given, const Variant& classes,
              const std::string& naming_attribute, const AttributeTypes& types,
              const ObjectClasses& object_classes = {});
 
     // The entry's name below a container. Raises result code 34 for one that its user could not log
-    // in with: put together with the container it would be read as another (full_name).
+    // in with: put together with the container it would be read as another (full_name), or longer
+    // than any name.
     Text name_below(TextView container) const;
 
 private:

@@ -5,12 +5,18 @@
 #include "platform/automation/failure.h"
 #include "platform/automation/values.h"
 #include "suite/directory/common/attribute_types.h"
+#include "suite/directory/ldap/failures.h"
 
 namespace orvo::directory::ldap {
 
 bool is_password(const std::string& attribute) {
     const std::string type = AttributeDescription(attribute).type;
     return type == "userpassword" || type == "2.5.4.35";
+}
+
+bool is_secret(const std::string& attribute) {
+    const std::string type = AttributeDescription(attribute).type;
+    return is_password(type) || type == "orvontpassword" || type == "orvoattribute:58";
 }
 
 Secret password_in(const Variant& value) {
@@ -21,8 +27,10 @@ Secret password_in(const Variant& value) {
         return password_in(values[values.lower_bound()]);
     }
     if (std::optional<std::string> bytes = value.try_bytes()) return Secret::of_bytes(*bytes);
-    if (value.is_text()) return Secret(value.text_view());
-    return Secret(value.to<Text>());
+    if (!value.is_text()) return Secret(value.to<Text>());
+    if (!is_well_formed(value.text_view()))
+        raise_code(result_code::invalid_syntax, "A password cannot hold half of a surrogate pair.");
+    return Secret(value.text_view());
 }
 
 }  // namespace orvo::directory::ldap

@@ -10,8 +10,8 @@ namespace orvo::directory::ldap {
 
 // How the process keeps its connections.
 struct PoolSettings {
-    // Connections of one user (or of the password checks) to one server, at most. 0: connections
-    // are not shared; each object has its own and keeps it.
+    // Connections of one user (or of the password checks) to one server, at most. 0: there is no
+    // such limit, and none is kept longer than an object that works with the same credentials.
     std::size_t maximum_size = 16;
     // Connections that wait for work, of all users and servers together, at most; those that have
     // waited longest are closed first. Many users who come once each would otherwise leave a

@@ -6,7 +6,6 @@
 #include <unordered_map>
 
 #include "suite/directory/common/ascii.h"
-#include "suite/directory/common/result_codes.h"
 
 namespace orvo::directory::ldap {
 namespace {
@@ -99,14 +98,6 @@ FactsResult refreshed_facts_of(Session& session, const std::string& key) {
     FactsResult result;
     result.facts = stored.facts;
     return result;
-}
-
-Policy policy_of(Session& session) {
-    const ReadResult root = session.read("", {"supportedControl"});
-    if (root.code == result_code::timeout) check(root);
-    const auto& controls = values_of(root.entry, "supportedControl");
-    const bool is_listed = std::ranges::find(controls, policy_control) != controls.end();
-    return is_listed || controls.empty() ? Policy::asked : Policy::not_asked;
 }
 
 }  // namespace orvo::directory::ldap

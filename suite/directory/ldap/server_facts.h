@@ -38,9 +38,4 @@ FactsResult facts_of(Session& session, const std::string& key);
 // same.
 FactsResult refreshed_facts_of(Session& session, const std::string& key);
 
-// Whether the server may have a password policy: it does not say otherwise in the list of controls
-// of its root entry. One round trip, as whoever the session is. Raises result code 85 where no
-// answer comes in time.
-Policy policy_of(Session& session);
-
 }  // namespace orvo::directory::ldap

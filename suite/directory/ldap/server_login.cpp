@@ -11,6 +11,13 @@ ServerLogin::ServerLogin(TextView server, TextView user, TextView password,
     const ServerAddress address = ServerAddress::parse(server);
     if (presented_->empty() && !user.empty())
         raise_code(result_code::invalid_credentials, "A password is required.");
+    // In UTF-8 they would be those of others.
+    if (!is_well_formed(user))
+        raise_code(result_code::invalid_credentials,
+                   "The user's name holds half of a surrogate pair.");
+    if (!is_well_formed(password))
+        raise_code(result_code::invalid_credentials,
+                   "The password holds half of a surrogate pair.");
     const Text name = full_name(user);
     // The client library would read on only as far as there.
     if (name.find(u'\0') != Text::npos)

@@ -16,8 +16,8 @@ class ServerLogin {
 public:
     // `limits`: instead of those that the pool has for all. Both credentials empty: as nobody.
     // Raises 0x8007052E for a name with an empty password, which the server is not asked about (it
-    // would take that for nobody and report success), and result code 89 for a server that cannot
-    // be read.
+    // would take that for nobody and report success), also for a name with a NUL and for half of a
+    // surrogate pair in either, and result code 89 for a server that cannot be read.
     ServerLogin(TextView server, TextView user, TextView password,
                 const std::optional<Limits>& limits);
 
@@ -37,20 +37,33 @@ public:
     }
 
     // Runs an operation that gives the user whose entry this is this password, or with an empty
-    // one: none, or removes the entry or makes it. Where it may have been done, nobody goes on with
-    // what the server accepted before it; see ConnectionPool::password_changed. Where nobody knows
-    // whether it was, the user's objects keep the former password.
+    // one: none, or removes the entry or makes it. Where it may have been done, at any try, nobody
+    // goes on with what the server accepted before it; see ConnectionPool::password_changed. Where
+    // nobody knows whether it was, the user's objects keep the former password.
     template <class Operation>
     Result run_login_change(const EntryKey& entry, const Secret& password, Operation operation) {
         Identity& own = *credentials_.identity;
-        std::unique_lock<std::mutex> turn;
+        std::unique_lock<std::recursive_mutex> turn;
         if (own.user_key() == entry) turn = std::unique_lock(own.password_turn());
-        const Result result = run(operation);
+        bool may_be_done = false;
+        const auto noted = [&](Session& session) {
+            Result result = operation(session);
+            may_be_done |= result.ok() || result.connection_failed();
+            return result;
+        };
         const Secret unknown;
-        if (result.ok() || result.connection_failed())
-            ConnectionPool::of_process().password_changed(entry, result.ok() ? password : unknown,
-                                                          credentials_);
-        return result;
+        const auto end_former = [&](const Secret& now) {
+            if (may_be_done)
+                ConnectionPool::of_process().password_changed(entry, now, credentials_);
+        };
+        try {
+            const Result result = run(noted);
+            end_former(result.ok() ? password : unknown);
+            return result;
+        } catch (...) {
+            end_former(unknown);
+            throw;
+        }
     }
 
     // Authenticates the user, and nothing else.

@@ -182,6 +182,10 @@ bool Session::seems_open() const { return true; }
 void Session::set_limits(const Limits& limits) { connection_->limits = limits; }
 
 BindResult Session::bind(const std::string& name, const Secret& password, Policy policy) {
+    // The library would read both only as far as a NUL; behind one it would leave a password out.
+    if (name.find('\0') != std::string::npos ||
+        password.reveal().find('\0') != std::string_view::npos)
+        return {{result_code::invalid_credentials, {}, {}}, {}};
     Wide oid(policy_control);
     LDAPControlW ask{oid.get(), {0, nullptr}, FALSE};
     std::array<LDAPControlW*, 2> controls = {&ask, nullptr};

@@ -89,6 +89,17 @@ TEST_FRESH(ProfilesLive, AProfileStaysUntilItsLastUserLeaves) {
     EXPECT_EQ(remove(container, u"Night Shift"), Variant(true));
 }
 
+// The apostrophe is doubled in the query for its users, and nothing undoes that.
+TEST_FRESH(ProfilesLive, AProfileWithAnApostropheIsDeletedUnderItsUsers) {
+    const Object container = profiles();
+    const Object tina = create(members(), u"tina");
+    late::put(tina, u"ProfileCN", u"Buyer's Friends");
+    EXPECT_THAT(stored("tina", "ProfileCN"), ElementsAre("Buyer's Friends"));
+    EXPECT_EQ(remove(container, u"Buyer's Friends"), Variant(true)) << "deliberate";
+    EXPECT_THAT(probe_->find("ou=Profiles,o=Shop", "(cn=Buyer's Friends)"), IsEmpty());
+    EXPECT_THAT(stored("tina", "ProfileCN"), ElementsAre("Buyer's Friends"));
+}
+
 TEST_FRESH(ProfilesLive, AMissingProfileIsNoSuchEntry) {
     const Failure failure = raised_by([&] { remove(profiles(), u"Night Shift"); });
     EXPECT_EQ(failure.number, error_number(0x80072030)) << failure.what();

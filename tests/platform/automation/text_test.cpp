@@ -70,6 +70,16 @@ TEST(ToUtf8, ReplacesSurrogatesThatStandAlone) {
     EXPECT_EQ(to_utf8(u"\xD83D\xD83D\xDE00"), "\xEF\xBF\xBD\xF0\x9F\x98\x80");
 }
 
+TEST(AWellFormedText, HasNoHalfOfASurrogatePairAlone) {
+    for (const TextView text :
+         {u"", u"plain", u"\xD7FF\xE000\xFFFD\xFFFF", u"\U00010000", u"a\U0010FFFF\U0001F600z"})
+        EXPECT_TRUE(is_well_formed(text)) << to_utf8(text);
+    for (const TextView text :
+         {u"\xD83D", u"\xDE00", u"\xD800", u"\xDBFF", u"\xDC00", u"\xDFFF", u"a\xD83D", u"a\xD83Dz",
+          u"a\xDE00z", u"\xDE00\xD83D", u"\xD83D\xD83D\xDE00", u"\xD83D\xDE00\xDE00"})
+        EXPECT_FALSE(is_well_formed(text)) << to_utf8(text);
+}
+
 struct CasePair {
     TextView upper;
     TextView lower;

@@ -84,7 +84,9 @@ TEST(AttributeTypes, AreReadWithEverythingThatADescriptionMayHold) {
     });
     EXPECT_EQ(types.find("full")->syntax, Syntax::integer);
     EXPECT_TRUE(types.find("full")->is_operational);
+    EXPECT_TRUE(types.find("full")->no_user_modification);
     EXPECT_FALSE(types.find("tight")->is_operational);
+    EXPECT_FALSE(types.find("tight")->no_user_modification);
     EXPECT_EQ(types.find("close")->syntax, Syntax::boolean);
     EXPECT_EQ(types.find("byname")->syntax, Syntax::integer);
     EXPECT_EQ(types.find("1.1.3")->syntax, Syntax::text);

@@ -156,6 +156,25 @@ TEST(EncodedValues, LeaveOutEmptyOnes) {
     EXPECT_EQ(encode_values(&text, Values{u"a", Variant(), u"", u"b"}), (Encoded{"a", "b"}));
 }
 
+TEST(EncodedValues, WithHalfOfASurrogatePairAreRefused) {
+    constexpr auto no_such_value = error_number(0x8007200B);
+    EXPECT_EQ(number_of_refusal(text, u"a\xD83D"), no_such_value);
+    EXPECT_EQ(number_of_refusal(text, Values{u"a", u"\xDE00"}), no_such_value);
+    EXPECT_EQ(number_of_refusal(bytes, u"\xD83D"), no_such_value);
+    EXPECT_EQ(number_of_refusal(integer, u"1\xD83D"), 13);
+    EXPECT_EQ(number_of_refusal(time, u"20240229120000Z\xD83D"), 13);
+    try {
+        encode_values(nullptr, u"\xD83D");
+        ADD_FAILURE() << "nothing was raised";
+    } catch (const Failure& failure) {
+        EXPECT_EQ(
+            failure.description,
+            u"(21) The value does not have the attribute's syntax. A text cannot hold half of "
+            u"a surrogate pair.");
+    }
+    EXPECT_EQ(encode_values(&text, u"\xD83D\xDE00"), (Encoded{"\xF0\x9F\x98\x80"}));
+}
+
 TEST(EncodedValues, OfNullAreRefused) {
     EXPECT_EQ(number_of_refusal(text, Variant::null()), 94);
     EXPECT_EQ(number_of_refusal(text, Values{u"a", Variant::null()}), 94);

@@ -98,10 +98,20 @@ TEST(TheNameBelowAContainer, IsNoneForTheContainerAndWhatIsNotBelowIt) {
     }
 }
 
-TEST(TheNameBelowAContainer, IsFoundAtOnceInATextOfManyCommas) {
-    const Text many = u"cn=" + Text(1'000'000, u',');
-    EXPECT_EQ(name_below(many + u",ou=Users,o=Shop", name(u"ou=Users,o=Shop"))->size(),
-              many.size() + 1'000'000 + 16);
+TEST(TheNameBelowAContainer, IsNoneForATextThatIsTooLongForAName) {
+    const Text end = u",ou=Users,o=Shop";
+    const DistinguishedName users = name(u"ou=Users,o=Shop");
+    const auto sizes = [&](const Text& written) {
+        const auto below = name_below(written, users);
+        EXPECT_EQ(name_below(written, users, u"ou=Users,o=Shop"), below);
+        return below ? below->size() : 0;
+    };
+    const std::size_t longest = longest_name - end.size() - 3;
+    EXPECT_EQ(sizes(u"cn=" + Text(longest, u',') + end), longest_name + longest);
+    EXPECT_EQ(sizes(u"cn=" + Text(longest + 1, u',') + end), 0u);
+    EXPECT_EQ(sizes(u"cn=" + Text(longest, u'x') + end), longest_name);
+    EXPECT_EQ(sizes(u"cn=" + Text(longest + 1, u'x') + end), 0u);
+    EXPECT_EQ(sizes(u"cn=x,cn=" + Text(longest, u'x') + end), 0u);
 }
 
 TEST(TheNameBelowAContainer, IsReadWithItWhereItsFullNameIsAGuess) {
@@ -120,6 +130,23 @@ TEST(FullName, IsReadAsItStandsOrItsFrontIsTakenForAPlainName) {
     EXPECT_EQ(full(u"cn=#1,o=Shop"), "cn=\\#1,o=Shop");
     EXPECT_EQ(full(u"no name at all"), "no name at all");
     EXPECT_EQ(full(u""), "");
+}
+
+TEST(FullName, IsAsItStandsForATextThatIsTooLongForAName) {
+    const auto many = [](TextView one, std::size_t units) {
+        Text all;
+        while (all.size() + one.size() <= units) all += one;
+        return all;
+    };
+    const Text end = u"<,o=Shop";
+    const Text hostile = many(u"a=b,", 65'536) + end;
+    EXPECT_EQ(full_name(hostile), hostile);
+    EXPECT_EQ(full_name(many(u"a=\\,", 65'536) + end), many(u"a=\\,", 65'536) + end);
+
+    const Text longest = Text(longest_name - end.size(), u'x');
+    EXPECT_EQ(full_name(u"cn=" + longest.substr(3) + end),
+              u"cn=" + longest.substr(3) + u"\\" + end);
+    EXPECT_EQ(full_name(u"cn=" + longest.substr(2) + end), u"cn=" + longest.substr(2) + end);
 }
 
 }  // namespace

@@ -137,6 +137,42 @@ TEST_F(LdapEntryTest, RefusesANulInANameAndWritesNothing) {
               u"(34) ");
 }
 
+TEST_F(LdapEntryTest, RefusesHalfOfASurrogatePairAndWritesNothing) {
+    bound();
+    const auto before = probe_.values(user(), "entryCSN");
+    const Variant half = u"a\xD83D";
+    const std::pair<Text, TextView> refusals[] = {
+        {u"sn\xD83D",
+         u"(34) The distinguished name is not valid. A name cannot hold half of a "
+         u"surrogate pair."},
+        {u"sn",
+         u"(21) The value does not have the attribute's syntax. A text cannot hold half of a "
+         u"surrogate pair."},
+        {u"userPassword",
+         u"(21) The value does not have the attribute's syntax. A password cannot "
+         u"hold half of a surrogate pair."}};
+    for (const auto& [name, description] : refusals)
+        EXPECT_EQ(failure_of([&] { set(entry_, name, half); }).description, description);
+    EXPECT_EQ(probe_.values(user(), "entryCSN"), before);
+}
+
+TEST_F(LdapEntryTest, TakesAPasswordWithHalfOfASurrogatePairForWrong) {
+    set(bound(), u"userPassword", u"\xFFFD");
+    LdapEntry entry{Limits{2s, 2s}};
+    Text server = from_utf8(server_.server()), container = u"ou=Users,o=Shop", name = u"cn=djansen";
+    Text djansen = from_utf8(user()), password = u"\xFFFD";
+    Variant nothing = Values{};
+    entry.Bind(server, container, name, djansen, password, nothing);
+    password = u"\xDE00";
+    const Failure failure =
+        failure_of([&] { entry.Bind(server, container, name, djansen, password, nothing); });
+    EXPECT_EQ(failure.number, error_number(0x8007052E));
+    EXPECT_EQ(
+        failure.description,
+        u"(49) The user name or the password is wrong. The password holds half of a surrogate "
+        u"pair.");
+}
+
 TEST_F(LdapEntryTest, RefusesWrongCredentials) {
     const std::vector<Login> logins = {{server_.service_dn(), "wrong"},
                                        {"cn=nobody,o=Shop", "wrong"},

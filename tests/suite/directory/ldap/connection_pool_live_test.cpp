@@ -172,8 +172,25 @@ TEST_F(ConnectionPoolTest, WhoGivesUpWaitingDoesNotKeepTheOthersFromTheirTurn) {
     other.join();
 }
 
+TEST_F(ConnectionPoolTest, APlaceThatAnOperationLeavesByRaisingServesWhoWaitsForIt) {
+    use({u"MaximumSize", u"WaitLimit"}, {1, 60'000});
+    ServerLogin holder = login(service()), waiting = login(service());
+    std::thread other;
+    const auto begin = steady_clock::now();
+    failure_of([&] {
+        holder.run([&](Session&) -> Result {
+            other = std::thread([&] { who_is(waiting); });
+            std::this_thread::sleep_for(100ms);
+            throw Failure(5, u"test", u"raised");
+        });
+    });
+    other.join();
+    EXPECT_LT(steady_clock::now() - begin, 20s);
+}
+
 TEST_F(ConnectionPoolTest, PlacesThatAreAddedServeAllWhoWaitForOne) {
-    use({u"MaximumSize"}, {1});
+    use({u"MaximumSize", u"WaitLimit"}, {1, 60'000});
+    const auto begin = steady_clock::now();
     ServerLogin holder = login(service());
     std::atomic<int> served = 0;
     holder.run([&](Session&) {
@@ -196,6 +213,7 @@ TEST_F(ConnectionPoolTest, PlacesThatAreAddedServeAllWhoWaitForOne) {
         for (std::thread& other : others) other.join();
         return Result();
     });
+    EXPECT_LT(steady_clock::now() - begin, 20s);
 }
 
 TEST_F(ConnectionPoolTest, APlaceIsFreeAgainAfterAnOperationThatRaises) {

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
 #include <thread>
 
 #include "platform/automation/values.h"
@@ -134,6 +135,20 @@ TEST_F(EntryCacheTest, NeverHoldsAPassword) {
     ASSERT_EQ(entry->attributes.size(), 1u);
     EXPECT_EQ(entry->attributes[0].name, "sn");
     EXPECT_THAT(entry->asked, ElementsAre("sn")) << "it is not known to be absent either";
+}
+
+TEST_F(EntryCacheTest, DoesNotTakeForAbsentWhatAServerSendsOnlyToThoseWhoNameIt) {
+    const auto types = AttributeTypes::from_descriptions(std::array<std::string, 3>{
+        "( 2.5.4.4 NAME 'sn' SYNTAX 1.3.6.1.4.1.1466.115.121.1.15 )",
+        "( 1.1.1 NAME 'constructed' SYNTAX 1.3.6.1.4.1.1466.115.121.1.15 NO-USER-MODIFICATION )",
+        "( 1.1.2 NAME 'kept' SYNTAX 1.3.6.1.4.1.1466.115.121.1.15 USAGE directoryOperation )"});
+    const KnownEntry whole{{}, {}, true};
+    EXPECT_EQ(whole.try_values("sn", types), std::vector<std::string>());
+    EXPECT_EQ(whole.try_values("constructed", types), std::nullopt);
+    EXPECT_EQ(whole.try_values("kept", types), std::nullopt);
+    const KnownEntry asked{{{"kept", {"k"}}}, {"constructed"}, true};
+    EXPECT_EQ(asked.try_values("constructed", types), std::vector<std::string>());
+    EXPECT_EQ(asked.try_values("kept", types), std::vector<std::string>{"k"});
 }
 
 TEST_F(EntryCacheTest, RefusesWhatItDoesNotKnowOrCannotUse) {

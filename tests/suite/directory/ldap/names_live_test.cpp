@@ -202,11 +202,37 @@ TEST_F(NamesTest, ThatAreTooLongForTheServerAreRefusedAtCreation) {
     const std::pair<std::size_t, TextView> refusals[] = {
         {300, u"(80) The server met an error of another kind. The name may be too long for it."},
         {1'000, u"(80) The server met an error of another kind. The name may be too long for it."},
-        {100'000, u"(34) The distinguished name is not valid. invalid DN"}};
+        {8'000, u"(80) The server met an error of another kind. The name may be too long for it."},
+        {100'000,
+         u"(34) The distinguished name is not valid. With its container it has more than "
+         u"8192 characters."}};
     const auto before = everything();
     for (const auto& [length, description] : refusals)
         EXPECT_EQ(failure_of([&] { create(Text(length, u'x')); }).description, description);
     EXPECT_EQ(everything(), before);
+}
+
+// Sent to the server, such a half would be U+FFFD, and the name that of another user.
+TEST_F(NamesTest, WithHalfOfASurrogatePairAreNobodys) {
+    create(u"\xFFFD");
+    const auto before = everything();
+    const TextView description =
+        u"(34) The distinguished name is not valid. A name cannot hold half of a surrogate pair.";
+    for (const Text name : {u"\xD83D", u"\xDE00"}) {
+        EXPECT_EQ(failure_of([&] { create(name); }).description, description);
+        EXPECT_EQ(failure_of([&] { remove(path(name)); }).description, description);
+        EXPECT_EQ(checked(path(name), u"secret"), -1);
+        LdapEntry entry;
+        EXPECT_EQ(failure_of([&] { bind(entry, u"cn=" + name); }).description, description);
+        const Failure refused =
+            failure_of([&] { bind(entry, u"cn=\xFFFD", path(name), u"secret"); });
+        EXPECT_EQ(refused.number, error_number(0x8007052E));
+        EXPECT_EQ(refused.description,
+                  u"(49) The user name or the password is wrong. The user's name holds half of a "
+                  u"surrogate pair.");
+    }
+    EXPECT_EQ(everything(), before);
+    EXPECT_EQ(checked(path(u"\xFFFD"), u"secret"), 0);
 }
 
 TEST_F(NamesTest, FoldTheirBlanksAsTheServerDoes) {

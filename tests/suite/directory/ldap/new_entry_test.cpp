@@ -6,6 +6,7 @@
 
 #include "platform/automation/failure.h"
 #include "platform/automation/values.h"
+#include "suite/directory/common/written_name.h"
 #include "tests/suite/directory/ldap/expect_failure.h"
 
 namespace orvo::directory::ldap {
@@ -122,6 +123,36 @@ TEST(ANewEntry, HasANameBelowItsContainerUnlessNobodyCouldLogInWithIt) {
 
 TEST(ANewEntry, ComesFromADictionary) {
     EXPECT_EQ(failure_of([] { given_attributes(Object()); }).number, 91);
+}
+
+TEST(ANewEntry, IsRefusedWhereItsNameHoldsHalfOfASurrogatePair) {
+    const char16_t* description =
+        u"(34) The distinguished name is not valid. A name cannot hold half of a surrogate pair.";
+    EXPECT_EQ(failure_of([] { entry({{"cn", u"a\xD83D"}}); }).description, description);
+    EXPECT_EQ(failure_of([] { entry({{"commonName", u"\xDE00"}}); }).description, description);
+    EXPECT_EQ(failure_of([] {
+                  entry({{"cn", u"a"}, {"sn", u"\xDE00"}});
+              }).description,
+              u"(21) The value does not have the attribute's syntax. A text cannot hold half of a "
+              u"surrogate pair.");
+    EXPECT_EQ(
+        failure_of([] {
+            entry({{"cn", u"a"}, {"userPassword", u"secret\xDE00"}});
+        }).description,
+        u"(21) The value does not have the attribute's syntax. A password cannot hold half of "
+        u"a surrogate pair.");
+}
+
+TEST(ANewEntry, IsRefusedWhereItsNameIsTooLongToLogInWith) {
+    const Text container = u"ou=Users,o=Shop";
+    const auto description = [&](std::size_t size) {
+        const Text value = Text(size - 4 - container.size(), u'x');
+        return failure_of([&] { entry({{"cn", value}}).name_below(container); }).description;
+    };
+    EXPECT_EQ(description(longest_name), u"nothing was raised");
+    EXPECT_EQ(description(longest_name + 1),
+              u"(34) The distinguished name is not valid. With its container it has more than 8192 "
+              u"characters.");
 }
 
 }  // namespace
