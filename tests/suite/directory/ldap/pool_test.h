@@ -72,6 +72,16 @@ protected:
         return result.ok() ? result.identity : "failure " + std::to_string(result.code);
     }
 
+    static Object found(LdapSearch& search, Text filter) {
+        Variant attributes = Values{u"cn"};
+        return search.Execute(filter, attributes, 10);
+    }
+    void connect(LdapSearch& search, const User& as) const {
+        Text server = from_utf8(server_.server()), container = u"ou=Users,o=Shop";
+        Text user = from_utf8(as.name), password = from_utf8(as.password);
+        search.Connect(server, container, user, password);
+    }
+
     std::int32_t checked(const User& as) const {
         LdapValidator validator;
         Text server = from_utf8(server_.server()), container = u"ou=Users,o=Shop";
