@@ -3,7 +3,9 @@
 #include <algorithm>
 
 #include "platform/abi/border.h"
+#include "platform/abi/short_list.h"
 #include "platform/abi/type_library.h"
+#include "platform/automation/case_folding.h"
 
 namespace orvo::detail {
 namespace {
@@ -16,6 +18,21 @@ constexpr abi::DISPID first_own_id = 1;
 // Arguments that are handed on from one default member to the next reach one that takes them, or
 // there is none: an object may answer itself.
 constexpr int most_handed_on = 64;
+
+// The same for names that are equal without regard to case (FNV-1a, 32 bits).
+std::uint32_t name_key(TextView name) {
+    std::uint32_t key = 0x811C9DC5u;
+    for (const char16_t unit : name) key = (key ^ folded(unit)) * 0x01000193u;
+    return key;
+}
+
+// Members' names are ASCII.
+bool is_named(const LateMember& member, TextView name) {
+    const std::string_view own = member.row->name;
+    return std::ranges::equal(own, name, [](char a, char16_t b) {
+        return folded(static_cast<unsigned char>(a)) == folded(b);
+    });
+}
 
 bool is_null_guid(const abi::IID* id) { return id == nullptr || *id == abi::IID{}; }
 
@@ -61,7 +78,7 @@ public:
     HRESULT run(const LateMember& member, std::size_t taken, Variant& result,
                 std::uint32_t* bad_argument) {
         const std::size_t arity = member.row->arity;
-        std::vector<abi::VARIANT*> values(arity, nullptr);
+        const ShortList<abi::VARIANT*> values(arity);
         if (is_put_ && taken > 0) {  // the new value is the last parameter, whatever indices lack
             for (std::size_t i = 0; i + 1 < taken; ++i) values[i] = argument(i);
             values[arity - 1] = argument(taken - 1);
@@ -77,7 +94,7 @@ public:
             if (values[i] == nullptr && !member.row->parameters[i].may_be_missing)
                 return abi::disp_e_paramnotoptional;
         }
-        LateArguments arguments{values, *member.row};
+        LateArguments arguments{values.all(), *member.row};
         try {
             result = member.invoke(face_.target, arguments);
             return abi::s_ok;
@@ -145,34 +162,35 @@ Plan plan_call(const InterfaceInfo& info, abi::DISPID id, std::uint16_t flags, s
 void InterfaceInfo::add(const RowData& row, Variant (*invoke)(void*, LateArguments&),
                         bool answers_object) {
     LateMember member{row.dispid, &row, invoke, answers_object};
-    const Text key = lower(from_utf8(row.name));
     if (member.id == automatic_id) {
-        auto same = std::find_if(by_name.begin(), by_name.end(),
-                                 [&](const auto& known) { return known.first == key; });
-        member.id = same != by_name.end() ? same->second
+        const Text name = from_utf8(row.name);
+        const auto same = std::ranges::find_if(
+            members, [&](const LateMember& known) { return is_named(known, name); });
+        member.id = same != members.end() ? same->id
                                           : first_own_id + static_cast<abi::DISPID>(members.size());
     }
-    by_name.emplace_back(key, member.id);
-    members.push_back(std::move(member));
+    members.push_back(member);
 }
 
 void InterfaceInfo::finish() {
-    std::sort(by_name.begin(), by_name.end());
-    by_name.erase(std::unique(by_name.begin(), by_name.end()), by_name.end());
+    for (std::uint32_t place = 0; place < members.size(); ++place) {
+        by_name.push_back({name_key(from_utf8(members[place].row->name)), place});
+        by_id.push_back({static_cast<std::uint32_t>(members[place].id), place});
+    }
+    std::ranges::stable_sort(by_name, {}, &Key::value);
+    std::ranges::stable_sort(by_id, {}, &Key::value);
 }
 
 abi::DISPID InterfaceInfo::id_of(TextView name) const {
-    auto found = std::lower_bound(by_name.begin(), by_name.end(), name,
-                                  [](const auto& known, TextView asked) {
-                                      return compare_ignoring_case(known.first, asked) < 0;
-                                  });
-    return found != by_name.end() && equal_ignoring_case(found->first, name) ? found->second
-                                                                             : abi::DISPID_UNKNOWN;
+    for (const Key& key : std::ranges::equal_range(by_name, name_key(name), {}, &Key::value))
+        if (is_named(members[key.member], name)) return members[key.member].id;
+    return abi::DISPID_UNKNOWN;
 }
 
 const LateMember* InterfaceInfo::find(abi::DISPID id, Shape shape) const {
-    for (const LateMember& member : members)
-        if (member.id == id && member.row->shape == shape) return &member;
+    const auto asked = static_cast<std::uint32_t>(id);
+    for (const Key& key : std::ranges::equal_range(by_id, asked, {}, &Key::value))
+        if (members[key.member].row->shape == shape) return &members[key.member];
     return nullptr;
 }
 

@@ -28,13 +28,23 @@ struct LateMember {
 struct InterfaceInfo {
     const abi::IID* iid;
     bool is_dual = false;
-    std::vector<LateMember> members;                    // in slot order
-    std::vector<std::pair<Text, abi::DISPID>> by_name;  // lower case, sorted
+    std::vector<LateMember> members;  // in slot order
 
     void add(const RowData& row, Variant (*invoke)(void*, LateArguments&), bool answers_object);
+    // After the last member: those below find them.
     void finish();
+    // By name in any case.
     abi::DISPID id_of(TextView name) const;
     const LateMember* find(abi::DISPID id, Shape shape) const;
+
+    // Every object of the class asks here for each call that a script makes: what is compared
+    // stands together, and the members themselves are looked at only where it agrees.
+    struct Key {
+        std::uint32_t value;   // an id, or what name_key makes of a name
+        std::uint32_t member;  // its place among the members
+    };
+    std::vector<Key> by_name = {};  // sorted
+    std::vector<Key> by_id = {};    // sorted, of one id in slot order
 };
 
 // What a caller passed, its references followed; `storage` where that takes a copy.

@@ -17,7 +17,7 @@ using abi::HRESULT;
 using Items = std::shared_ptr<const std::vector<Variant>>;
 
 const InterfaceInfo& enumerator_info() {
-    static const InterfaceInfo info{&abi::iid_enum_variant, false, {}, {}};
+    static const InterfaceInfo info{&abi::iid_enum_variant, false, {}};
     return info;
 }
 

@@ -40,7 +40,7 @@ abi::HRESULT describe_member(Face* face, abi::IUnknown* as, abi::DISPID id, std:
 }  // namespace
 
 const InterfaceInfo& support_error_info() {
-    static const InterfaceInfo info{&abi::iid_support_error_info, false, {}, {}};
+    static const InterfaceInfo info{&abi::iid_support_error_info, false, {}};
     return info;
 }
 

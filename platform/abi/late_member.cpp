@@ -1,14 +1,16 @@
 #include "platform/abi/late_member.h"
 
-#include <vector>
+#include <algorithm>
 
 #include "platform/abi/border.h"
 #include "platform/abi/member_kinds.h"
+#include "platform/abi/short_list.h"
 
 namespace orvo::late {
 namespace {
 
 using abi::HRESULT;
+using detail::ShortList;
 
 void require(const Object& object) {
     if (!object) raise_runtime_error(runtime_error::object_not_set);
@@ -39,10 +41,11 @@ Variant invoke(const Object& object, abi::DISPID id, std::uint16_t flags,
     return Variant::attach(result);
 }
 
-// Behind `raw`, the last one first. Borrows the values: they outlive the call and are only read.
-void append_reversed(std::vector<abi::VARIANT>& raw, std::span<const Variant> values) {
-    for (auto value = values.rbegin(); value != values.rend(); ++value)
-        raw.push_back(*value->get());
+// At the end of `raw`, the last one first. Borrows the values: they outlive the call and are only
+// read.
+void lend_reversed(std::span<const Variant> values, const ShortList<abi::VARIANT>& raw) {
+    for (std::size_t i = 0; i < values.size(); ++i)
+        raw[raw.all().size() - 1 - i] = *values[i].get();
 }
 
 }  // namespace
@@ -50,8 +53,9 @@ void append_reversed(std::vector<abi::VARIANT>& raw, std::span<const Variant> va
 std::optional<MemberId> try_member(const Object& object, TextView name) {
     require(object);
     static constexpr abi::IID none{};
-    const Text terminated(name);
-    const char16_t* names = terminated.c_str();
+    const ShortList<char16_t, 64> terminated(name.size() + 1);
+    std::ranges::copy(name, terminated.all().begin());
+    const char16_t* names = terminated.all().data();
     abi::DISPID id = abi::DISPID_UNKNOWN;
     const HRESULT code = abi::call_slot<HRESULT, const abi::IID*, const char16_t**, std::uint32_t,
                                         abi::LCID, abi::DISPID*>(
@@ -82,34 +86,34 @@ std::optional<MemberKind> try_kind_of(const Object& object, MemberId member) {
 }
 
 Variant call_member(const Object& object, MemberId member, std::span<const Variant> arguments) {
-    std::vector<abi::VARIANT> raw;
-    raw.reserve(arguments.size());
-    append_reversed(raw, arguments);
-    return invoke(object, member, abi::DISPATCH_METHOD | abi::DISPATCH_PROPERTYGET, raw);
+    const ShortList<abi::VARIANT> raw(arguments.size());
+    lend_reversed(arguments, raw);
+    return invoke(object, member, abi::DISPATCH_METHOD | abi::DISPATCH_PROPERTYGET, raw.all());
 }
 
 Variant call_member_by_reference(const Object& object, MemberId member,
                                  std::span<Variant> arguments) {
-    std::vector<abi::VARIANT> raw(arguments.size());
-    for (std::size_t i = 0; i < raw.size(); ++i) {
-        abi::VARIANT& argument = raw[raw.size() - 1 - i];
+    const ShortList<abi::VARIANT> raw(arguments.size());
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        abi::VARIANT& argument = raw[arguments.size() - 1 - i];
         argument.vt = abi::VT_BYREF | abi::VT_VARIANT;
         argument.pvarVal = arguments[i].lend();
     }
-    return invoke(object, member, abi::DISPATCH_METHOD | abi::DISPATCH_PROPERTYGET, raw);
+    return invoke(object, member, abi::DISPATCH_METHOD | abi::DISPATCH_PROPERTYGET, raw.all());
 }
 
 Variant get_member(const Object& object, MemberId member, std::span<const Variant> indices) {
-    std::vector<abi::VARIANT> raw;
-    append_reversed(raw, indices);
-    return invoke(object, member, abi::DISPATCH_PROPERTYGET, raw);
+    const ShortList<abi::VARIANT> raw(indices.size());
+    lend_reversed(indices, raw);
+    return invoke(object, member, abi::DISPATCH_PROPERTYGET, raw.all());
 }
 
 void put_member(const Object& object, MemberId member, const Variant& value,
                 std::span<const Variant> indices) {
-    std::vector<abi::VARIANT> raw{*value.get()};
-    append_reversed(raw, indices);
-    invoke(object, member, abi::DISPATCH_PROPERTYPUT, raw);
+    const ShortList<abi::VARIANT> raw(1 + indices.size());
+    raw[0] = *value.get();
+    lend_reversed(indices, raw);
+    invoke(object, member, abi::DISPATCH_PROPERTYPUT, raw.all());
 }
 
 }  // namespace orvo::late

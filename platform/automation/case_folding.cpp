@@ -54,8 +54,7 @@ static_assert(std::is_sorted(std::begin(ranges), std::end(ranges),
 
 }  // namespace
 
-char16_t folded(char16_t unit) {
-    if (unit < 0x80) return unit >= u'A' && unit <= u'Z' ? char16_t(unit + 32) : unit;
+char16_t folded_letter(char16_t unit) {
     const auto range =
         std::partition_point(std::begin(ranges), std::end(ranges),
                              [unit](const Range& candidate) { return candidate.last < unit; });

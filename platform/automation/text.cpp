@@ -135,6 +135,9 @@ std::string to_utf8(TextView text) {
 }
 
 bool is_well_formed(TextView text) {
+    bool has_halves = false;
+    for (const char16_t unit : text) has_halves |= (unit & 0xF800) == 0xD800;
+    if (!has_halves) return true;
     for (std::size_t at = 0; at < text.size(); ++at) {
         if (is_low_surrogate(text[at])) return false;
         if (!is_high_surrogate(text[at])) continue;

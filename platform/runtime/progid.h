@@ -14,17 +14,12 @@ inline std::u16string_view version_independent(std::u16string_view progid) {
     return progid.ends_with(u".1") ? progid.substr(0, progid.size() - 2) : progid;
 }
 
-inline char16_t folded_unit(char16_t c) {
-    if (c >= 0x80) return detail::folded(c);
-    return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + 0x20) : c;
-}
-
 struct ProgidHash {
     using is_transparent = void;
     std::size_t operator()(std::u16string_view progid) const {
         std::uint64_t hash = 0xCBF29CE484222325u;
         for (char16_t c : version_independent(progid))
-            hash = (hash ^ folded_unit(c)) * 0x100000001B3u;
+            hash = (hash ^ detail::folded(c)) * 0x100000001B3u;
         return static_cast<std::size_t>(hash);
     }
 };
@@ -36,7 +31,7 @@ struct ProgidEqual {
         b = version_independent(b);
         if (a.size() != b.size()) return false;
         for (std::size_t i = 0; i < a.size(); ++i)
-            if (folded_unit(a[i]) != folded_unit(b[i])) return false;
+            if (detail::folded(a[i]) != detail::folded(b[i])) return false;
         return true;
     }
 };
