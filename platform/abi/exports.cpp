@@ -1,7 +1,6 @@
 // The four exports of every module. Linked into each module as it stands.
 
-#include <map>
-#include <mutex>
+#include <deque>
 #include <vector>
 
 #include "platform/abi/border.h"
@@ -13,14 +12,19 @@ long module_locks();
 
 namespace {
 
+// The class objects, in the order of the module's classes.
+std::deque<ClassFactory> make_factories() {
+    std::deque<ClassFactory> factories;
+    for (const ModuleClass& offered : this_module().classes)
+        factories.emplace_back(offered.progid, offered.create);
+    return factories;
+}
+
 ClassFactory* find_factory(const abi::CLSID& clsid) {
-    static std::mutex mutex;
-    static std::map<const ModuleClass*, ClassFactory> factories;
-    for (const ModuleClass& offered : this_module().classes) {
-        if (!(offered.clsid == clsid)) continue;
-        const std::lock_guard lock(mutex);
-        return &factories.try_emplace(&offered, offered.progid, offered.create).first->second;
-    }
+    static std::deque<ClassFactory> factories = make_factories();
+    const auto classes = this_module().classes;
+    for (std::size_t i = 0; i < classes.size(); ++i)
+        if (classes[i].clsid == clsid) return &factories[i];
     return nullptr;
 }
 

@@ -6,6 +6,33 @@ namespace orvo::runtime {
 
 using namespace abi;
 
+namespace {
+
+// The class that a thread found last. Most threads create the same one again and again, and ask for
+// it by name and right afterwards by its identifier.
+struct LastFound {
+    const ClassRegistry* registry = nullptr;
+    std::uint64_t reading = 0;
+    std::size_t length = 0;
+    char16_t progid[48] = {};
+    CLSID clsid = {};
+    Module* module = nullptr;
+};
+
+thread_local LastFound last_found;
+
+void keep(const ClassRegistry& registry, std::uint64_t reading, std::u16string_view progid,
+          const CatalogueEntry& entry) {
+    if (progid.size() > std::size(last_found.progid)) return;
+    last_found.registry = &registry;
+    last_found.reading = reading;
+    last_found.length = progid.copy(last_found.progid, progid.size());
+    last_found.clsid = entry.clsid;
+    last_found.module = entry.module;
+}
+
+}  // namespace
+
 template <class Key>
 const CatalogueEntry* ClassRegistry::usable(const Key& key) const {
     if (is_forgotten_.load(std::memory_order_relaxed)) return nullptr;
@@ -14,13 +41,28 @@ const CatalogueEntry* ClassRegistry::usable(const Key& key) const {
 }
 
 bool ClassRegistry::find(std::u16string_view progid, CLSID& clsid) const {
+    // Before the catalogue is looked into: where another one comes meanwhile, it is not this one's.
+    const std::uint64_t reading = reading_;
+    const LastFound& last = last_found;
+    if (last.registry == this && last.reading == reading &&
+        progid == std::u16string_view(last.progid, last.length)) {
+        clsid = last.clsid;
+        return true;
+    }
     std::shared_lock guard(lock_);
     const CatalogueEntry* entry = usable(progid);
-    if (entry) clsid = entry->clsid;
-    return entry;
+    if (!entry) return false;
+    clsid = entry->clsid;
+    keep(*this, reading, progid, *entry);
+    return true;
 }
 
 bool ClassRegistry::find(const CLSID& clsid, Module*& module) const {
+    const LastFound& last = last_found;
+    if (last.registry == this && last.reading == reading_ && clsid == last.clsid) {
+        module = last.module;
+        return true;
+    }
     std::shared_lock guard(lock_);
     const CatalogueEntry* entry = usable(clsid);
     if (entry) module = entry->module;
@@ -35,6 +77,7 @@ void ClassRegistry::refresh() {
     auto read = std::make_unique<const Catalogue>(std::move(folders));
     std::unique_lock guard(lock_);
     catalogue_.swap(read);
+    ++reading_;
 }
 
 template <class Key>

@@ -4,6 +4,7 @@
 // misses and something has changed since.
 
 #include <atomic>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <shared_mutex>
@@ -23,7 +24,10 @@ public:
     void refresh();
 
     // Makes every lookup miss until the manifests have been read anew.
-    void forget() { is_forgotten_ = true; }
+    void forget() {
+        is_forgotten_ = true;
+        ++reading_;
+    }
 
     // For a lookup that has missed.
     struct Miss {
@@ -43,6 +47,8 @@ private:
     std::unique_ptr<const Catalogue> catalogue_ = std::make_unique<Catalogue>();
     std::mutex refreshing_;  // taken before lock_
     std::atomic<bool> is_forgotten_{true};
+    // Counts the catalogues, so that threads notice when what they found last may be otherwise.
+    std::atomic<std::uint64_t> reading_{1};
 };
 
 ClassRegistry& class_registry();
