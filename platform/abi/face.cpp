@@ -33,7 +33,7 @@ std::uint32_t release_reference(Face* face) noexcept { return face->core->releas
 }  // namespace
 
 ObjectCore::ObjectCore(const char* source, bool shared)
-    : home_(shared ? nullptr : this_thread()), source_(source) {
+    : home_(shared ? std::thread::id() : std::this_thread::get_id()), source_(source) {
     ++live_objects();
 }
 
@@ -48,11 +48,6 @@ std::uint32_t ObjectCore::release_reference() {
         delete this;
     }
     return left;
-}
-
-const void* ObjectCore::this_thread() {
-    static thread_local char marker;
-    return &marker;
 }
 
 std::atomic<long>& live_objects() {

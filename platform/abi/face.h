@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <span>
+#include <thread>
 
 #include "platform/abi/system.h"
 #include "platform/automation/variant.h"
@@ -38,16 +39,16 @@ public:
 
     // Whether the caller's thread may use the object: the one that made it, or any for an object
     // made for sharing.
-    bool is_called_at_home() const { return home_ == nullptr || home_ == this_thread(); }
+    bool is_called_at_home() const {
+        return home_ == std::thread::id() || home_ == std::this_thread::get_id();
+    }
     const char* source() const { return source_; }
 
     virtual std::span<Face> faces() = 0;
 
 private:
-    static const void* this_thread();
-
     std::atomic<std::uint32_t> references_{1};
-    const void* home_;
+    const std::thread::id home_;  // that of no thread: any
     const char* source_;
 };
 
