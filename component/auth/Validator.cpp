@@ -7,18 +7,17 @@
 
 namespace orvo {
 
-std::int32_t Validator::CheckUserPassword(Text sUserId, Text sPassword) {
+std::int32_t Validator::CheckUserPassword(Text& sUserId, Variant sPassword) {
     const auto validator = PMMCreator().GetPMMValidator();
     Variant path = shared_server_info()->FullUserPath(sUserId);
-    Variant password = sPassword;
-    return call<&DirectoryValidator::Validate>(validator, path, password);
+    return call<&DirectoryValidator::Validate>(validator, path, sPassword);
 }
 
 Variant Validator::ValidatePassword(Variant& iUserId, Variant& iPassword) {
     return trapped(u"OrvoMembership.Validator.ValidatePassword", [&] {
         Text user = iUserId.to<Text>();
-        Text password = iPassword.to<Text>();
-        return Variant(CheckUserPassword(std::move(user), std::move(password)));
+        return Variant(CheckUserPassword(
+            user, iPassword.is_text() ? iPassword : Variant(iPassword.to<Text>())));
     });
 }
 

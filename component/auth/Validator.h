@@ -40,7 +40,8 @@ public:
     bool IObjectControl_CanBePooled() override { return false; }
 
 private:
-    std::int32_t CheckUserPassword(Text sUserId, Text sPassword);
+    // sPassword is a text; the provider may change it.
+    std::int32_t CheckUserPassword(Text& sUserId, Variant sPassword);
     Text UpdateAuthorizationFilter(Text& sUserId, Text& sPassword, Text& sGuid);
     void set_cookie(const Text& name, const Text& guid);
     void register_login(const Text& user, const Variant& applications);

@@ -91,7 +91,7 @@ Variant Validator::ValidateCredentials(Variant& iVarUserID, Variant& iVarPasswor
 
         if (!m_oResponse)
             raise_login_failure(u"No response object, session variables cannot be set");
-        const Text sCookieName = info.GetCookieName().to<Text>();
+        const Text sCookieName = info.cookie_name();
         if (trimmed(sCookieName).empty())
             raise_login_failure(u"Cookie name is empty, cannot continue. Check configuration file");
         Text sOldGuid = late::get(m_oRequest, u"Cookies", {sCookieName}).to<Text>();
@@ -178,8 +178,8 @@ void Validator::ChangePassword(Text& username, Text& oldpassword, Text& newpassw
     trapped(u"OrvoMembership.Validator.ChangePassword", [&] {
         const auto user = Gen_GetComponent<User>(u"OrvoMembership.User");
         ServerInfo& info = *shared_server_info();
-        Text account = info.GetMemScriptUser().to<Text>();
-        Text code = info.GetMemScriptCode().to<Text>();
+        Text account = info.script_user();
+        Text code = info.script_code();
         call<&User::BindAs>(user, username, account, code);
         call<&User::ChangePassword>(user, oldpassword, newpassword);
     });

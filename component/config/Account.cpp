@@ -13,12 +13,12 @@ void Account::Init(std::int16_t& iUserType) {
             u"Cannot bind with the administrator user, please check the administrator user in LDAP",
             [&] {
                 ServerInfo& info = *shared_server_info();
-                Text user = info.GetMemScriptUser().to<Text>();
-                Text password = info.GetMemScriptCode().to<Text>();
+                Text user = info.script_user();
+                Text password = info.script_code();
                 entry_ = PMMCreator().GetPMMObject();
-                Text server = info.GetServerName().to<Text>();
-                Text container = info.GetAccountContainer().to<Text>();
-                Text name = info.GetAccountNamingAttribute().to<Text>() + u"=" + decimal(iUserType);
+                Text server = info.server_name();
+                Text container = info.account_container();
+                Text name = info.account_naming_attribute() + u"=" + decimal(iUserType);
                 Variant attributes = Values();
                 call<&DirectoryEntry::Bind>(entry_, server, container, name, user, password,
                                             attributes);

@@ -27,8 +27,8 @@ void PMMAccessor::InitConfigFile(const Text& sSiteConfigFileName) {
         call<&Configuration::LoadSiteConfigurationFile>(configuration, sSiteConfigFileName);
         ServerInfo& info = *shared_server_info();
         info.LoadConfigFile(configuration);
-        bind_user_ = info.GetMemScriptUser().to<Text>();
-        bind_password_ = Secret(info.GetMemScriptCode().to<Text>());
+        bind_user_ = info.script_user();
+        bind_password_ = Secret(info.script_code());
     });
 }
 
@@ -39,8 +39,8 @@ Object PMMAccessor::GetLDAPUsers(std::int32_t productID) {
         Text filter = u"(& (objectClass=" + element(info.GetUserClass(), 0).to<Text>() + u")" +
                       application_filter(productID) + u")";
         const auto search = factory_->GetPMMSearch();
-        Text server = info.GetServerName().to<Text>();
-        Text container = info.GetUserContainer().to<Text>();
+        Text server = info.server_name();
+        Text container = info.user_container();
         Text user = bind_user_;
         Text password = from_utf8(bind_password_.reveal());
         call<&DirectorySearch::Connect>(search, server, container, user, password);

@@ -42,28 +42,22 @@ void ServerInfo::CheckState() {
                     u"Configuration information was not loaded in memory.");
 }
 
-template <class T>
-Variant ServerInfo::checked(const T& field) {
-    CheckState();
-    return field;
-}
-
-Variant ServerInfo::GetMemScriptUser() { return checked(full_script_user_); }
-Variant ServerInfo::GetMemScriptCode() { return checked(script_code_); }
-Variant ServerInfo::GetServerName() { return checked(server_name_); }
-Variant ServerInfo::GetPMMImplementation() { return checked(provider_implementation_); }
-Variant ServerInfo::GetProfileContainer() { return checked(full_profile_container_); }
-Variant ServerInfo::GetUserContainer() { return checked(full_user_container_); }
-Variant ServerInfo::GetAccountContainer() { return checked(full_account_container_); }
-Variant ServerInfo::GetCookieName() { return checked(cookie_name_); }
-Variant ServerInfo::GetProfileClass() { return checked(profile_class_); }
+Variant ServerInfo::GetMemScriptUser() { return script_user(); }
+Variant ServerInfo::GetMemScriptCode() { return script_code(); }
+Variant ServerInfo::GetServerName() { return server_name(); }
+Variant ServerInfo::GetPMMImplementation() { return provider_implementation(); }
+Variant ServerInfo::GetProfileContainer() { return profile_container(); }
+Variant ServerInfo::GetUserContainer() { return user_container(); }
+Variant ServerInfo::GetAccountContainer() { return account_container(); }
+Variant ServerInfo::GetCookieName() { return cookie_name(); }
+Variant ServerInfo::GetProfileClass() { return profile_class(); }
 Variant ServerInfo::GetUserClass() { return checked(user_classes_); }
 Variant ServerInfo::GetAccountClass() { return checked(account_class_); }
-Variant ServerInfo::GetUserNamingAttribute() { return checked(user_naming_attribute_); }
-Variant ServerInfo::GetProfileNamingAttribute() { return checked(profile_naming_attribute_); }
-Variant ServerInfo::GetAccountNamingAttribute() { return checked(account_naming_attribute_); }
+Variant ServerInfo::GetUserNamingAttribute() { return user_naming_attribute(); }
+Variant ServerInfo::GetProfileNamingAttribute() { return profile_naming_attribute(); }
+Variant ServerInfo::GetAccountNamingAttribute() { return account_naming_attribute(); }
 Variant ServerInfo::GetUserMandatoryAttributes() { return checked(user_mandatory_attributes_); }
-Variant ServerInfo::GetConfigFileName() { return checked(configuration_file_name_); }
+Variant ServerInfo::GetConfigFileName() { return configuration_file_name(); }
 Text ServerInfo::ConfigurationPath() { return configuration_path_; }
 
 void ServerInfo::fill(const Setting& setting, const Ref<Configuration>& configuration) {

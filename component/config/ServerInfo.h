@@ -52,13 +52,31 @@ public:
 
     bool IsLoaded() const { return is_loaded_; }
 
+    // What the getters of one text answer, for the component itself.
+    const Text& script_user() { return checked(full_script_user_); }
+    const Text& script_code() { return checked(script_code_); }
+    const Text& server_name() { return checked(server_name_); }
+    const Text& provider_implementation() { return checked(provider_implementation_); }
+    const Text& profile_container() { return checked(full_profile_container_); }
+    const Text& user_container() { return checked(full_user_container_); }
+    const Text& account_container() { return checked(full_account_container_); }
+    const Text& cookie_name() { return checked(cookie_name_); }
+    const Text& profile_class() { return checked(profile_class_); }
+    const Text& user_naming_attribute() { return checked(user_naming_attribute_); }
+    const Text& profile_naming_attribute() { return checked(profile_naming_attribute_); }
+    const Text& account_naming_attribute() { return checked(account_naming_attribute_); }
+    const Text& configuration_file_name() { return checked(configuration_file_name_); }
+
 private:
     struct Setting;
     static const Setting settings[];
 
     void CheckState();
     template <class T>
-    Variant checked(const T& field);
+    const T& checked(const T& field) {
+        CheckState();
+        return field;
+    }
     void fill(const Setting& setting, const Ref<Configuration>& configuration);
 
     Text server_name_;

@@ -6,20 +6,19 @@
 namespace orvo {
 namespace {
 
-void ReverseArray(std::vector<Text>& array) { std::reverse(array.begin(), array.end()); }
+void ReverseArray(std::vector<Text>& array) { std::ranges::reverse(array); }
 
-// A container in the order of a distinguished name, joined with ",". One that is written from the
-// top down ("o=Shop/ou=Users") is turned round; nothing is trimmed or escaped.
-Text joined_parts(const Text& container) {
-    if (container.find(u'/') == Text::npos) return container;
+// Appends a container in the order of a distinguished name, joined with ",". One that is written
+// from the top down ("o=Shop/ou=Users") is turned round; nothing is trimmed or escaped.
+Text& append_joined(Text& text, TextView container) {
+    if (container.find(u'/') == TextView::npos) return text.append(container);
     std::vector<Text> parts = split(container, u"/");
     ReverseArray(parts);
-    Text joined;
     for (const Text& part : parts) {
-        if (&part != &parts.front()) joined += u',';
-        joined += part;
+        if (&part != &parts.front()) text += u',';
+        text += part;
     }
-    return joined;
+    return text;
 }
 
 }  // namespace
@@ -29,23 +28,25 @@ Text ServerInfo::makeLDAPString(Text& iHost, Text& iContainer, Text& iObject) {
         CheckState();
         if (const auto scheme = iHost.find(u"//"); scheme != Text::npos) iHost.erase(0, scheme + 2);
         if (!iHost.empty() && iHost.back() == u'/') iHost.pop_back();
-        const Text container = joined_parts(iContainer);
         // The user naming attribute, for profiles and accounts too. Deliberate.
         if (!iObject.empty() && iObject.find(u'=') == Text::npos)
-            iObject = GetUserNamingAttribute().to<Text>() + u"=" + iObject;
-        return u"LDAP://" + iHost + u"/" + (iObject.empty() ? u"" : iObject + u",") + container;
+            iObject = user_naming_attribute() + u"=" + iObject;
+        Text path = u"LDAP://" + iHost + u"/" + (iObject.empty() ? u"" : iObject + u",");
+        return append_joined(path, iContainer);
     });
 }
 
 Text ServerInfo::FullUserPath(Text& iUser) {
     return trapped(u"OrvoMembership.ServerInfo.FullUserPath", [&] {
         CheckState();
-        const Text container = joined_parts(GetUserContainer().to<Text>());
-        if (iUser.empty()) return container;
-        const bool is_bare = iUser.find(u'=') == Text::npos;
-        // Without a root the container is empty and the path ends in ",". Deliberate.
-        return (is_bare ? GetUserNamingAttribute().to<Text>() + u"=" + iUser : iUser) + u"," +
-               container;
+        Text path;
+        path.reserve(user_naming_attribute().size() + iUser.size() + user_container().size() + 2);
+        if (!iUser.empty()) {
+            if (iUser.find(u'=') == Text::npos) path.append(user_naming_attribute()) += u'=';
+            // Without a root the container is empty and the path ends in ",". Deliberate.
+            path.append(iUser) += u',';
+        }
+        return append_joined(path, user_container());
     });
 }
 

@@ -31,7 +31,7 @@ Ref<Dictionary> attributes_of_new_user(ServerInfo& info, const Text& name, const
     add(u"cn", name);
     add(u"OrvoGUID", NewGUIDText());
     add(u"userPassword", password);
-    const Text naming_attribute = info.GetUserNamingAttribute().to<Text>();
+    const Text naming_attribute = info.user_naming_attribute();
     if (naming_attribute != u"cn") add(naming_attribute, name);
     for (const Variant& mandatory : info.GetUserMandatoryAttributes().to<Values>())
         add(mandatory, Text());
@@ -103,8 +103,8 @@ void Members::BindAs(Text& iUsername, Text& iPassword) {
             return;
         }
         mContainer = mPMMCreator->GetPMMObject();
-        Text server = info->GetServerName().to<Text>();
-        Text container = info->GetUserContainer().to<Text>();
+        Text server = info->server_name();
+        Text container = info->user_container();
         Text name;
         Variant attributes = Values();
         call<&DirectoryEntry::Bind>(mContainer, server, container, name, iUsername, iPassword,
@@ -141,7 +141,7 @@ Ref<User> Members::CreateUser(Text& iCommonName, Text& iPassword) {
         if (!mContainer || info == nullptr) raise_not_bound();
         Object attributes = attributes_of_new_user(*info, iCommonName, iPassword).object();
         Variant classes = Values{info->GetUserClass()};
-        Text naming_attribute = info->GetUserNamingAttribute().to<Text>();
+        Text naming_attribute = info->user_naming_attribute();
         call<&DirectoryEntry::CreateChild>(mContainer, classes, naming_attribute, attributes);
         auto user = Gen_GetComponent<User>(u"OrvoMembership.User");
         bind_as_stored(user, iCommonName);
@@ -152,8 +152,8 @@ Ref<User> Members::CreateUser(Text& iCommonName, Text& iPassword) {
 Ref<User> Members::CreateUserOnFormsLogin(Text& iCommonName, Text& iPassword) {
     ServerInfo* info = shared_server_info();
     if (info == nullptr) raise_not_bound();
-    Text user = info->GetMemScriptUser().to<Text>();
-    Text password = info->GetMemScriptCode().to<Text>();
+    Text user = info->script_user();
+    Text password = info->script_code();
     BindAs(user, password);
     return CreateUser(iCommonName, iPassword);
 }
@@ -192,8 +192,8 @@ void Members::DeleteUser(Text& iCommonName) {
         if (!mContainer) raise_not_bound();
         ServerInfo& info = *shared_server_info();
         Text class_name = element(info.GetUserClass(), 0).to<Text>();
-        Text entry_name = info.GetUserNamingAttribute().to<Text>() + u"=" + iCommonName + u"," +
-                          info.GetUserContainer().to<Text>();
+        Text entry_name =
+            info.user_naming_attribute() + u"=" + iCommonName + u"," + info.user_container();
         call<&DirectoryEntry::DeleteChild>(mContainer, class_name, entry_name);
     });
 }

@@ -75,7 +75,7 @@ void for_each_row(const Ref<RecordSet>& records, Visit visit) {
 
 Ref<DirectorySearch> Members::connected_search(const Variant& container_name) {
     const auto search = mPMMCreator->GetPMMSearch();
-    Text server = shared_server_info()->GetServerName().to<Text>();
+    Text server = shared_server_info()->server_name();
     Text container = container_name.to<Text>();
     Text user = mUsername;
     Text password = from_utf8(mPassword.reveal());
@@ -156,8 +156,8 @@ Object Members::GetOrvoMembersHavingRole(std::int16_t& iRole, Text& iSortFields)
 Text Members::profiles_having(std::int16_t role) {
     ServerInfo& info = *shared_server_info();
     const auto search = connected_search(info.GetProfileContainer());
-    Text filter = u"(&(objectClass=" + info.GetProfileClass().to<Text>() + u")(OrvoRole=" +
-                  decimal(role) + u"))";
+    Text filter =
+        u"(&(objectClass=" + info.profile_class() + u")(OrvoRole=" + decimal(role) + u"))";
     Variant columns = Values{u"cn"};
     const auto profiles = Ref<RecordSet>::from(
         call<&DirectorySearch::Execute>(search, filter, columns, usual_page_size));

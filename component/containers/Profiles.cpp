@@ -53,8 +53,8 @@ void Profiles::BindAs(Text& iUsername, Text& iPwd) {
             throw Failure(emErrServerInfoNotCreated, source,
                           u"OrvoMembership.ServerInfo was not created");
         mContainer = mPMMCreator->GetPMMObject();
-        Text server = info->GetServerName().to<Text>();
-        Text container = info->GetProfileContainer().to<Text>();
+        Text server = info->server_name();
+        Text container = info->profile_container();
         Text name;
         Variant attributes = Values();
         call<&DirectoryEntry::Bind>(mContainer, server, container, name, iUsername, iPwd,
@@ -71,12 +71,12 @@ Object Profiles::AsRecordset() {
         if (info == nullptr)
             throw Failure(emErrServerInfoNotCreated, source, u"ServerInfo not available");
         const auto search = factory.GetPMMSearch();
-        Text server = info->GetServerName().to<Text>();
-        Text container = info->GetProfileContainer().to<Text>();
+        Text server = info->server_name();
+        Text container = info->profile_container();
         Text user = mUsername;
         Text password = from_utf8(mPassword.reveal());
         call<&DirectorySearch::Connect>(search, server, container, user, password);
-        Text filter = u"(objectClass=" + info->GetProfileClass().to<Text>() + u")";
+        Text filter = u"(objectClass=" + info->profile_class() + u")";
         Variant columns = Values{u"cn"};
         return call<&DirectorySearch::Execute>(search, filter, columns, most_profiles);
     });
@@ -99,9 +99,9 @@ bool Profiles::DeleteProfile(Text& iCommonName) {
         const bool is_unused = !users || call<&RecordSet::IsEof>(users);
         if (is_unused) {
             ServerInfo& info = *shared_server_info();
-            Text class_name = info.GetProfileClass().to<Text>();
-            Text entry_name = info.GetProfileNamingAttribute().to<Text>() + u"=" + iCommonName +
-                              u"," + info.GetProfileContainer().to<Text>();
+            Text class_name = info.profile_class();
+            Text entry_name = info.profile_naming_attribute() + u"=" + iCommonName + u"," +
+                              info.profile_container();
             call<&DirectoryEntry::DeleteChild>(mContainer, class_name, entry_name);
         }
         if (users) call<&RecordSet::Close>(users);
@@ -123,8 +123,8 @@ Ref<Profile> Profiles::CreateProfile(Text& iCommonName) {
         if (!mContainer) {
             mPMMCreator.emplace();
             mContainer = mPMMCreator->GetPMMObject();
-            Text user = info.GetMemScriptUser().to<Text>();
-            Text password = info.GetMemScriptCode().to<Text>();
+            Text user = info.script_user();
+            Text password = info.script_code();
             BindAs(user, password);
         }
         if (!mContainer) raise_not_bound(source);
@@ -132,7 +132,7 @@ Ref<Profile> Profiles::CreateProfile(Text& iCommonName) {
         const auto add = [&](Variant key, Variant value) {
             call<&Dictionary::Add>(attributes, key, value);
         };
-        Text naming_attribute = info.GetProfileNamingAttribute().to<Text>();
+        Text naming_attribute = info.profile_naming_attribute();
         add(naming_attribute, iCommonName);
         add(u"objectClass", info.GetProfileClass());
         Variant classes = Values{info.GetProfileClass()};

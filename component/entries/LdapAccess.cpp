@@ -54,15 +54,15 @@ void LdapAccess::BindAs(Text& i_sCN, Text& i_sUsername, Text& i_sPwd, Text& i_sS
 void LdapAccess::BindToConfig() {
     trapped(u"OrvoMembership.LDAPAccess.BindToConfig", [&] {
         ServerInfo& info = *shared_server_info();
-        const Text file = info.GetConfigFileName().to<Text>();
+        const Text file = info.configuration_file_name();
         m_oConfig = Gen_GetComponent<Configuration>(u"Quendra.Configuration");
         const Text folder = call<&Configuration::GetFolder>(m_oConfig);
         call<&Configuration::LoadConfigurationFile>(m_oConfig,
                                                     folder + u"\\" + u"Config" + u"\\" + file);
         Text container = read_text(m_oConfig, u"ConfigDN", u"dn");
-        Text user = info.GetMemScriptUser().to<Text>();
-        Text password = info.GetMemScriptCode().to<Text>();
-        Text server = info.GetServerName().to<Text>();
+        Text user = info.script_user();
+        Text password = info.script_code();
+        Text server = info.server_name();
         Text name;
         BindAs(name, user, password, server, container);
     });

@@ -61,9 +61,9 @@ void Profile::BindAs(Text& iCN, Text& iUsername, Text& iPwd) {
                           u"No OrvoMembership.ServerInfo present. Create one and invoke "
                           u"SetServerInfo() first.");
         m_oPMMObject = m_oPMMCreator.GetPMMObject();
-        Text server = info->GetServerName().to<Text>();
-        Text container = info->GetProfileContainer().to<Text>();
-        Text name = info->GetProfileNamingAttribute().to<Text>() + u"=" + iCN;
+        Text server = info->server_name();
+        Text container = info->profile_container();
+        Text name = info->profile_naming_attribute() + u"=" + iCN;
         Variant attributes = Values();
         call<&DirectoryEntry::Bind>(m_oPMMObject, server, container, name, iUsername, iPwd,
                                     attributes);
@@ -92,8 +92,8 @@ void Profile::Init(Text& iCN) {
 Object Profile::search_users(const char16_t* attribute) {
     ServerInfo& info = *shared_server_info();
     const auto search = m_oPMMCreator.GetPMMSearch();
-    Text server = info.GetServerName().to<Text>();
-    Text container = info.GetUserContainer().to<Text>();
+    Text server = info.server_name();
+    Text container = info.user_container();
     Text user = m_sUsername;
     Text password = from_utf8(m_sPwd.reveal());
     call<&DirectorySearch::Connect>(search, server, container, user, password);

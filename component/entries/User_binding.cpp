@@ -44,8 +44,8 @@ void User::BindAs(Text& iCommonName, Text& iUsername, Text& iPwd) {
         if (!factory_) factory_.emplace();
         directory_object_ = factory_->GetPMMObject();
         ServerInfo& info = *shared_server_info();
-        Text server = info.GetServerName().to<Text>();
-        Text container = info.GetUserContainer().to<Text>();
+        Text server = info.server_name();
+        Text container = info.user_container();
         if (server.empty() || container.empty())
             throw Failure(emErrServerInfoNotCreated, u"OrvoMembership.User.BindAs",
                           u"No OrvoMembership.ServerInfo. Create ServerInfo first and invoke "
@@ -57,7 +57,7 @@ void User::BindAs(Text& iCommonName, Text& iUsername, Text& iPwd) {
             throw Failure(emErrUserDoesNotExist, u"OrvoMembership.User.BindAs",
                           u"Cannot bind to a user with an empty (cn) name, please fill in user "
                           u"name.");
-        Text name = info.GetUserNamingAttribute().to<Text>() + u"=" + iCommonName;
+        Text name = info.user_naming_attribute() + u"=" + iCommonName;
         Variant attributes = Values{u"cn", u"OrvoUserType", u"BusinessPartnerID"};
         call<&DirectoryEntry::Bind>(directory_object_, server, container, name, iUsername, iPwd,
                                     attributes);

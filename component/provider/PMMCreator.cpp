@@ -22,7 +22,7 @@ void PMMCreator::LoadModule() {
         HandleError(source, u"Serverinfo is not set unable to read the configuration");
         return;
     }
-    const Text implementation = trimmed(info->GetPMMImplementation().to<Text>());
+    const Text implementation = trimmed(info->provider_implementation());
     if (!implementation.empty())
         module_ = Gen_GetComponent<DirectoryModule>(implementation);
     else
@@ -54,8 +54,8 @@ Ref<DirectoryValidator> PMMCreator::GetPMMValidator() {
     return trapped(source, [&] {
         LoadModule();
         auto validator = call<&DirectoryModule::CreateValidator>(module_);
-        Text server = shared_server_info()->GetServerName().to<Text>();
-        Text container = shared_server_info()->GetUserContainer().to<Text>();
+        Text server = shared_server_info()->server_name();
+        Text container = shared_server_info()->user_container();
         call<&DirectoryValidator::Open>(validator, server, container);
         return validator;
     });
