@@ -26,11 +26,17 @@ public:
     bool InitializeCache(Variant&, Variant&) override { return false; }
 };
 
+class MemoryValidator final : public DirectoryValidator {
+public:
+    void Open(Text&, Text&) override {}
+    std::int32_t Validate(Variant&, Variant&) override { return 0; }
+};
+
 class MemoryDirectory final : public DirectoryModule {
 public:
     Ref<DirectorySchema> CreateSchema() override { return nullptr; }
     Ref<DirectoryEntry> CreateEntry() override;
-    Ref<DirectoryValidator> CreateValidator() override { return nullptr; }
+    Ref<DirectoryValidator> CreateValidator() override;
     Ref<DirectorySearch> CreateSearch() override { return nullptr; }
 };
 
@@ -52,6 +58,9 @@ public:
 template <>
 inline constexpr auto class_of<MemoryEntry> = describe_class<DirectoryEntry>("Bench.Entry");
 template <>
+inline constexpr auto class_of<MemoryValidator> =
+    describe_class<DirectoryValidator>("Bench.Validator");
+template <>
 inline constexpr auto class_of<MemoryDirectory> =
     describe_class<DirectoryModule>("Bench.Directory", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e7b1");
 template <>
@@ -59,6 +68,9 @@ inline constexpr auto class_of<MemoryConfiguration> =
     describe_class<Configuration>("Quendra.Configuration", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e7b2");
 
 inline Ref<DirectoryEntry> MemoryDirectory::CreateEntry() { return make<MemoryEntry>(); }
+inline Ref<DirectoryValidator> MemoryDirectory::CreateValidator() {
+    return make<MemoryValidator>();
+}
 
 // The classes, for as long as a benchmark runs.
 struct MemoryClasses {
