@@ -22,30 +22,23 @@ Secret secret_of(const Variant& value) {
     return secret;
 }
 
-// What a validator is opened with, read.
-struct Target {
-    Text server;
-    Text container;
-    DistinguishedName container_name;
-    Credentials checks;
-};
-
 // The one used last: a site has one, which every check opens anew.
 class LastTarget {
 public:
-    std::shared_ptr<const Target> find(TextView server, TextView container) {
+    std::shared_ptr<const CheckTarget> find(TextView server, TextView container) {
         const std::lock_guard lock(mutex_);
-        const bool is_it = last_ && last_->server == server && last_->container == container;
+        const bool is_it =
+            last_ && last_->server == server && last_->written_container == container;
         return is_it ? last_ : nullptr;
     }
-    void keep(std::shared_ptr<const Target> target) {
+    void keep(std::shared_ptr<const CheckTarget> target) {
         const std::lock_guard lock(mutex_);
         last_ = std::move(target);
     }
 
 private:
     std::mutex mutex_;
-    std::shared_ptr<const Target> last_;
+    std::shared_ptr<const CheckTarget> last_;
 };
 
 LastTarget& last_target() {
@@ -56,29 +49,35 @@ LastTarget& last_target() {
 }  // namespace
 
 void LdapValidator::Open(Text& server, Text& user_container) {
-    server_ = server;
-    container_ = container_name(user_container);
-    is_open_ = true;
+    target_ = last_target().find(server, user_container);
+    if (target_) return;
+    auto unread = std::make_shared<CheckTarget>();
+    unread->server = server;
+    unread->written_container = user_container;
+    target_ = std::move(unread);
+}
+
+void LdapValidator::read_target() {
+    auto read = std::make_shared<CheckTarget>(*target_);
+    read->container = container_name(read->written_container);
+    auto name = DistinguishedName::try_parse(read->container);
+    if (!name) raise_code(result_code::invalid_name, to_utf8(read->container));
+    read->container_name = std::move(*name);
+    read->checks = ConnectionPool::of_process().password_checks(ServerAddress::parse(read->server));
+    target_ = std::move(read);
+    last_target().keep(target_);
 }
 
 std::int32_t LdapValidator::Validate(Variant& path, Variant& password) {
-    if (!is_open_) raise_runtime_error(runtime_error::object_not_set);
+    if (!target_) raise_runtime_error(runtime_error::object_not_set);
     const Text written = path.to<Text>();
     const Secret secret = secret_of(password);
-    auto target = last_target().find(server_, container_);
-    const auto parsed = target ? std::nullopt : DistinguishedName::try_parse(container_);
-    if (!target && !parsed) raise_code(result_code::invalid_name, to_utf8(container_));
-    const DistinguishedName& container = target ? target->container_name : *parsed;
-    const std::optional<Text> name = name_below(written, container, container_);
+    if (!target_->checks.identity) read_target();
+    const std::optional<Text> name =
+        name_below(written, target_->container_name, target_->container);
     if (secret.empty() || !name || !is_well_formed(written)) return password_check::wrong;
-    if (!target) {
-        ConnectionPool& pool = ConnectionPool::of_process();
-        target = std::make_shared<const Target>(Target{
-            server_, container_, container, pool.password_checks(ServerAddress::parse(server_))});
-        last_target().keep(target);
-    }
 
-    const BindResult bind = checked(target->checks, to_utf8(*name), secret);
+    const BindResult bind = checked(target_->checks, to_utf8(*name), secret);
     const std::optional<int> number = judged(bind);
     if (!number) check(bind);
     return *number;
@@ -87,10 +86,10 @@ std::int32_t LdapValidator::Validate(Variant& path, Variant& password) {
 BindResult LdapValidator::checked(const Credentials& checks, const std::string& name,
                                   const Secret& password) const {
     Lease lease = ConnectionPool::of_process().lease(checks, limits_);
-    BindResult bind = lease.session().bind(name, password, Policy::asked);
+    BindResult bind = lease.session().bind(name, password, lease.policy());
     if (bind.code == result_code::server_down) {
         lease.reopen();
-        bind = lease.session().bind(name, password, Policy::asked);
+        bind = lease.session().bind(name, password, lease.policy());
     }
     if (!bind.connection_failed() && lease.is_shared()) std::move(lease).give_back();
     return bind;

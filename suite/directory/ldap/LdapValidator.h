@@ -1,13 +1,24 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 
 #include "component/provider/contract.h"
 #include "platform/abi/hosted.h"
+#include "suite/directory/common/distinguished_name.h"
 #include "suite/directory/ldap/identity.h"
 
 namespace orvo {
 namespace directory::ldap {
+
+// What a validator is opened with. What is behind the first two is read at the first check.
+struct CheckTarget {
+    Text server;
+    Text written_container;
+    Text container;
+    DistinguishedName container_name;
+    Credentials checks;
+};
 
 // The check of credentials: one bind, on a connection on which nothing but such checks is ever done
 // (ConnectionPool::password_checks); once more on a new one where the server has closed it in the
@@ -28,13 +39,12 @@ public:
     std::int32_t Validate(Variant& path, Variant& password) override;
 
 private:
+    void read_target();
     BindResult checked(const Credentials& checks, const std::string& name,
                        const Secret& password) const;
 
     std::optional<Limits> limits_;
-    Text server_;
-    Text container_;
-    bool is_open_ = false;
+    std::shared_ptr<const CheckTarget> target_;  // none before Open
 };
 
 }  // namespace directory::ldap

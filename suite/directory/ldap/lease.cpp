@@ -1,5 +1,6 @@
 #include "suite/directory/ldap/lease.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "suite/directory/ldap/connection_pool.h"
@@ -41,9 +42,10 @@ Lease::Lease(Lease&& other) noexcept
     : pool_(other.pool_),
       credentials_(std::move(other.credentials_)),
       limits_(other.limits_),
-      connection_(std::exchange(other.connection_, std::nullopt)),
+      connection_(std::exchange(other.connection_, {})),
       generation_(other.generation_),
-      is_shared_(std::exchange(other.is_shared_, false)) {}
+      is_shared_(std::exchange(other.is_shared_, false)),
+      always_asks_policy_(other.always_asks_policy_) {}
 
 Lease& Lease::operator=(Lease&& other) noexcept {
     if (this == &other) return *this;
@@ -51,23 +53,39 @@ Lease& Lease::operator=(Lease&& other) noexcept {
     pool_ = other.pool_;
     credentials_ = std::move(other.credentials_);
     limits_ = other.limits_;
-    connection_ = std::exchange(other.connection_, std::nullopt);
+    connection_ = std::exchange(other.connection_, {});
     generation_ = other.generation_;
     is_shared_ = std::exchange(other.is_shared_, false);
+    always_asks_policy_ = other.always_asks_policy_;
     return *this;
 }
 
 Lease::~Lease() { end(); }
 
 void Lease::end() noexcept {
-    connection_.reset();
+    connection_.clear();
     if (std::exchange(is_shared_, false)) pool_->leave(*this);
+}
+
+// A connection that is not kept is not worth the question.
+Policy Lease::policy() {
+    if (always_asks_policy_ || !is_shared_) return Policy::asked;
+    std::optional<Policy>& policy = connection_.front().connection.policy;
+    if (policy) return *policy;
+    const ReadResult root = session().read("", {"supportedControl"});
+    if (root.connection_failed()) return Policy::asked;
+    // A server that shows nobody what it knows may know this one.
+    const bool is_shown = !root.entry.attributes.empty();
+    const bool is_listed =
+        is_shown && std::ranges::count(root.entry.attributes.front().values, policy_control) != 0;
+    policy = is_shown && !is_listed ? Policy::not_asked : Policy::asked;
+    return *policy;
 }
 
 void Lease::give_back() && { pool_->take_back(*this); }
 
 void Lease::reopen() {
-    connection_.reset();
+    connection_.clear();
     open();
     PasswordDigest digest;
     const Secret password = pool_->password_of(credentials_, digest);
@@ -88,7 +106,8 @@ void Lease::reopen() {
 void Lease::open() {
     const auto now = steady_clock::now();
     const Identity& identity = *credentials_.identity;
-    connection_.emplace(Session::connect(identity.server(), limits_), now);
+    connection_.clear();
+    connection_.push_back({nullptr, {Session::connect(identity.server(), limits_), now}});
 }
 
 Result Lease::authenticate(const Secret& password, const PasswordDigest& digest) {
@@ -102,7 +121,7 @@ Result Lease::authenticate(const Secret& password, const PasswordDigest& digest)
         pool_->was_accepted(*this, digest, asked);
     } else {
         // Its user is nobody now, or not known.
-        connection_.reset();
+        connection_.clear();
         if (!bind.connection_failed() && !says_nothing(bind)) pool_->was_refused(*this, digest);
     }
     return bind;

@@ -22,9 +22,13 @@ public:
     Lease& operator=(Lease&& other) noexcept;
     ~Lease();
 
-    Session& session() { return connection_->session; }
+    Session& session() { return connection_.front().connection.session; }
     // Whether the connection is the pool's, and counted.
     bool is_shared() const { return is_shared_; }
+
+    // Whether a password check on this connection asks what the policy says. Where that depends on
+    // the server, its root entry is read once for each connection.
+    Policy policy();
 
     // A new connection in place of this one, authenticated as before. Raises what connecting and
     // authenticating do.
@@ -44,9 +48,10 @@ private:
     ConnectionPool* pool_;
     Credentials credentials_;
     Limits limits_;
-    std::optional<Connection> connection_;
+    IdleList connection_;  // one, or none
     std::uint64_t generation_ = 0;
     bool is_shared_ = false;
+    bool always_asks_policy_ = true;
 };
 
 }  // namespace orvo::directory::ldap

@@ -25,6 +25,7 @@ constexpr Row rows[] = {
     {{"OperationLimit", 1, 3'600'000},
      [](PoolSettings& s, std::int64_t n) { s.limits.operation = milliseconds(n); }},
     {{"RecheckAfter", 0, 3600}, [](PoolSettings& s, std::int64_t n) { s.recheck = seconds(n); }},
+    {{"AskPolicy", 0, 1}, [](PoolSettings& s, std::int64_t n) { s.always_asks_policy = n != 0; }},
 };
 
 }  // namespace

@@ -25,6 +25,11 @@ struct PoolSettings {
     // How long credentials that the server accepted are good for another Bind or Connect without
     // asking it.
     std::chrono::seconds recheck{5};
+    // Whether every password check asks what the server's password policy says, or only that of a
+    // server whose root entry lists the control. One that does not know the control notes each such
+    // question in its log, which costs time; but where it only stands in front of the server that
+    // has the policy, the question is passed on, and would be missed.
+    bool always_asks_policy = true;
     Limits limits;
 };
 
@@ -39,6 +44,7 @@ struct PoolSettings {
 //   - ConnectLimit: milliseconds, 1 to 600000.
 //   - OperationLimit: milliseconds, 1 to 3600000.
 //   - RecheckAfter: seconds, 0 to 3600.
+//   - AskPolicy: 0 (where it is listed) or 1 (always).
 PoolSettings changed(PoolSettings settings, const Variant& names, const Variant& values);
 
 }  // namespace orvo::directory::ldap

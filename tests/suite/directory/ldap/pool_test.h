@@ -37,8 +37,8 @@ protected:
     }
     static void use_defaults() {
         use({u"MaximumSize", u"MaximumIdle", u"WaitLimit", u"IdleLimit", u"AgeLimit",
-             u"ConnectLimit", u"OperationLimit", u"RecheckAfter"},
-            {0, 64, 5000, 30, 300, 5000, 30000, 5});
+             u"ConnectLimit", u"OperationLimit", u"RecheckAfter", u"AskPolicy"},
+            {0, 64, 5000, 30, 300, 5000, 30000, 5, 1});
         use({u"MaximumSize"}, {16});
     }
 
@@ -94,6 +94,8 @@ protected:
     long open_connections() { return counted("cn=Current,cn=Connections") - 1; }
     long connections_made() { return counted("cn=Total,cn=Connections"); }
     long binds() { return counted("cn=Bind,cn=Operations", "monitorOpInitiated"); }
+    // Without the one that counts.
+    long searches() { return counted("cn=Search,cn=Operations", "monitorOpInitiated") - 1; }
     long counted(const std::string& entry, const std::string& attribute = "monitorCounter") {
         return std::stol(probe_.values(entry + ",cn=Monitor", attribute).at(0));
     }
