@@ -71,6 +71,8 @@ public:
         if (text_.size() > Filter::longest)
             refuse(Filter::longest,
                    u"the filter has more than " + decimal(Filter::longest) + u" characters");
+        if (!is_well_formed(text_))
+            refuse(half_of_a_pair(), u"half of a surrogate pair stands alone");
         skip_blanks();
         if (at_end()) refuse(position_, u"the filter is empty");
         Filter filter = peek() == u'(' ? parenthesised() : content();
@@ -82,6 +84,20 @@ public:
     }
 
 private:
+    // Where the first one stands. In UTF-8 it would be U+FFFD, which other values may hold.
+    std::size_t half_of_a_pair() const {
+        std::size_t at = 0;
+        const auto is_in = [&](char16_t first, char16_t last) {
+            return at < text_.size() && text_[at] >= first && text_[at] <= last;
+        };
+        for (;; ++at) {
+            if (is_in(0xDC00, 0xDFFF)) return at;
+            if (!is_in(0xD800, 0xDBFF)) continue;
+            ++at;
+            if (!is_in(0xDC00, 0xDFFF)) return at - 1;
+        }
+    }
+
     // One level of the tree, or one pair of parentheses too many.
     class Level {
     public:

@@ -16,7 +16,19 @@ bool is_plain(TextView relative_name) {
         return c < 0x80 && ascii::is_letter(static_cast<char>(c));
     };
     const auto is_special = [](char16_t c) {
-        return c < 0x80 && (c == 0 || TextView(u"\"+,;<>\\").find(c) != TextView::npos);
+        switch (c) {
+            case u'\0':
+            case u'"':
+            case u'+':
+            case u',':
+            case u';':
+            case u'<':
+            case u'>':
+            case u'\\':
+                return true;
+            default:
+                return false;
+        }
     };
     return std::ranges::all_of(type, is_letter) && value.front() != u'#' && value.front() != u' ' &&
            value.back() != u' ' && std::ranges::none_of(value, is_special);

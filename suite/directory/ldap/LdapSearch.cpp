@@ -24,6 +24,7 @@ void LdapSearch::Connect(Text& server, Text& container, Text& user, Text& passwo
     login_.reset();
     facts_.reset();
     ServerLogin login(server, user, password, limits_);
+    require_whole(container);
     base_ = to_utf8(container_name(container));
     login.authenticate();
     login_ = std::move(login);

@@ -31,6 +31,9 @@ std::vector<Text> column_names(const Variant& attributes) {
     for (auto name = names.begin(); name != names.end(); ++name) {
         if (name->empty())
             raise_code(result_code::parameter_error, "The name of an attribute is empty.");
+        if (!is_well_formed(*name) || name->find(u'\0') != Text::npos)
+            raise_code(result_code::parameter_error,
+                       "The name of an attribute holds a NUL or half of a surrogate pair.");
         if (std::any_of(names.begin(), name,
                         [&](const Text& other) { return equal_ignoring_case(other, *name); }))
             raise_code(result_code::parameter_error,

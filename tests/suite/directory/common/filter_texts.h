@@ -129,6 +129,8 @@ inline constexpr RefusedFilter refused_filters[] = {
     {u"(& (objectClass=person)( ))", u"Character 24: the parentheses are empty"},
     {u"(", u"Character 1: the parenthesis is not closed"},
     {u"(cn=a", u"Character 1: the parenthesis is not closed"},
+    {u"(cn=a\xD83D)", u"Character 6: half of a surrogate pair stands alone"},
+    {u"(cn=\xD83D\xDE00\xDE00)", u"Character 7: half of a surrogate pair stands alone"},
     {u"(&(cn=a)", u"Character 1: the parenthesis is not closed"},
     {u"(&(cn=a(b)", u"Character 3: the parenthesis is not closed"},
     {u"(&(cn=a(b(c)", u"Character 8: the parenthesis is not closed"},

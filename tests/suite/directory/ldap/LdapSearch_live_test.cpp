@@ -194,6 +194,24 @@ TEST_F(LdapSearchTest, RefusesColumnsThatCannotBeToldApart) {
               u"(89) A setting or argument is not valid. The attribute 'CN' is asked for twice.");
 }
 
+// Sent to the server they would be other names, which somebody may have.
+TEST_F(LdapSearchTest, RefusesNamesThatNoDirectoryCanHave) {
+    connected();
+    const Text nul(u"cn\0", 3);
+    for (const Text& name : {nul, Text(u"cn\xD83D")}) {
+        const Failure failure = failure_of([&] { execute(search_, u"(cn=a)", Values{name}); });
+        EXPECT_EQ(failure.number, error_number(0x8007203F));
+        EXPECT_EQ(failure.description,
+                  u"(89) A setting or argument is not valid. The name of an attribute holds a NUL "
+                  u"or half of a surrogate pair.");
+    }
+    EXPECT_EQ(failure_of([&] { connected(u"ou=Users,o=Shop" + nul); }).description,
+              u"(34) The distinguished name is not valid. A name cannot hold a NUL.");
+    EXPECT_EQ(failure_of([&] { connected(u"ou=\xD83D,o=Shop"); }).description,
+              u"(34) The distinguished name is not valid. A name cannot hold half of a surrogate "
+              u"pair.");
+}
+
 TEST_F(LdapSearchTest, RefusesAContainerThatIsNotThere) {
     connected(u"ou=Nowhere,o=Shop");
     const Failure failure = failure_of([&] { execute(search_, u"(cn=*)"); });
