@@ -45,7 +45,7 @@ void ConnectionPool::configure(const Variant& names, const Variant& values) {
     Closing closing;
     const std::lock_guard lock(mutex_);
     settings_ = changed(settings_, names, values);
-    close_old(closing);
+    close_old(steady_clock::now(), closing);
     for (auto& [key, set] : identities_)
         for (const auto& weak : set)
             if (const auto identity = weak.lock()) {
@@ -99,7 +99,7 @@ std::shared_ptr<Identity> ConnectionPool::find_or_make(Identity::Kind kind, cons
 
 Lease ConnectionPool::lease(const Credentials& credentials, const std::optional<Limits>& limits) {
     Lease lease = place_for(credentials, limits);
-    if (!lease.connection_) lease.reopen();
+    if (lease.connection_.empty()) lease.reopen();
     return lease;
 }
 
@@ -107,11 +107,11 @@ Lease ConnectionPool::lease_presented(const Credentials& credentials, const Secr
                                       const std::optional<Limits>& limits) {
     const PasswordDigest digest(presented);
     Lease lease = place_for(credentials, limits);
-    if (lease.connection_ && !is_trusted(*credentials.identity, digest)) {
+    if (!lease.connection_.empty() && !is_trusted(*credentials.identity, digest)) {
         const Result bind = lease.authenticate(presented, digest);
         if (bind.code != result_code::server_down) check_bind(bind);
     }
-    if (!lease.connection_) {
+    if (lease.connection_.empty()) {
         lease.open();
         check_bind(lease.authenticate(presented, digest));
     }
@@ -124,54 +124,56 @@ Lease ConnectionPool::place_for(const Credentials& credentials,
     Identity& identity = *credentials.identity;
     Closing closing;
     std::unique_lock lock(mutex_);
-    close_old(closing);
+    auto now = steady_clock::now();
+    close_old(now, closing);
     if (!closing.empty()) {
         lock.unlock();
         closing.clear();
         lock.lock();
     }
     Lease lease(*this, credentials, limits.value_or(settings_.limits));
-    wait_for_place(identity, lock);
+    if (wait_for_place(identity, lock)) now = steady_clock::now();
     lease.generation_ = identity.generation_;
     lease.connection_ = take_idle(identity);
     lease.is_shared_ = settings_.maximum_size != 0;
+    lease.always_asks_policy_ = settings_.always_asks_policy;
     if (lease.is_shared_) ++identity.open_;
-    const auto now = steady_clock::now();
     const auto oldest = now - settings_.age;
     const auto longest_idle = now - settings_.idle;
     lock.unlock();
 
-    const auto is_good = [&](Connection& connection) {
+    const auto is_good = [&](const Connection& connection) {
         return connection.opened > oldest && connection.used > longest_idle &&
                (now - connection.used < surely_open || connection.session.seems_open());
     };
-    while (lease.connection_ && !is_good(*lease.connection_)) {
-        lease.connection_.reset();
+    while (!lease.connection_.empty() && !is_good(lease.connection_.front().connection)) {
+        lease.connection_.clear();
         lock.lock();
         lease.connection_ = take_idle(identity);
-        wake_next(identity);
         lock.unlock();
     }
-    if (lease.connection_) lease.session().set_limits(lease.limits_);
+    if (!lease.connection_.empty()) lease.session().set_limits(lease.limits_);
     return lease;
 }
 
-void ConnectionPool::wait_for_place(Identity& identity, std::unique_lock<std::mutex>& lock) {
+bool ConnectionPool::wait_for_place(Identity& identity, std::unique_lock<std::mutex>& lock) {
     const auto has_place = [&] {
         return settings_.maximum_size == 0 || !identity.idle_.empty() ||
                identity.open_ < settings_.maximum_size;
     };
     auto& waiting = identity.waiting_;
-    if (waiting.empty() && has_place()) return;
+    if (waiting.empty() && has_place()) return false;
     const auto own = waiting.emplace(waiting.end());
     const bool is_served =
         own->wait_for(lock, settings_.wait, [&] { return own == waiting.begin() && has_place(); });
     waiting.erase(own);
     wake_next(identity);
     if (!is_served) raise_busy(identity, settings_);
+    return true;
 }
 
-// There may be a place for who waits longest; who finds one wakes the next.
+// There may be a place for who waits longest; who finds one wakes the next. Where an idle
+// connection is taken or closed there is none that was not there before: it was one itself.
 void ConnectionPool::wake_next(Identity& identity) {
     if (!identity.waiting_.empty()) identity.waiting_.front().notify_one();
 }
@@ -232,28 +234,28 @@ Secret ConnectionPool::password_of(const Credentials& credentials, PasswordDiges
 void ConnectionPool::take_back(Lease& lease) {
     Identity& identity = *lease.credentials_.identity;
     Closing closing;
-    std::optional<Connection> worn_out;
     const std::lock_guard lock(mutex_);
-    const auto now = lease.connection_->used = steady_clock::now();
+    IdleConnection& returned = lease.connection_.front();
+    const auto now = returned.connection.used = steady_clock::now();
     const bool is_of_use =
         lease.generation_ == identity.generation_ &&
-        now - lease.connection_->opened < settings_.age &&
+        now - returned.connection.opened < settings_.age &&
         (lease.is_shared_ ? identity.open_ <= settings_.maximum_size : settings_.maximum_size == 0);
     if (!is_of_use) {
-        worn_out = std::move(lease.connection_);
+        closing.splice(closing.end(), lease.connection_);
         if (lease.is_shared_) --identity.open_;
     } else if (!lease.is_shared_) {
-        identity.kept_.push_back({nullptr, std::move(*lease.connection_)});
+        returned.identity.reset();
+        identity.kept_.splice(identity.kept_.end(), lease.connection_);
     } else {
         // Where there is no memory the lease keeps its place, and leaves it at its end.
-        identity.idle_.reserve(identity.idle_.size() + 1);
-        idle_.push_back({lease.credentials_.identity, std::move(*lease.connection_)});
-        identity.idle_.push_back(std::prev(idle_.end()));
+        identity.idle_.push_back(lease.connection_.begin());
+        returned.identity = lease.credentials_.identity;
+        idle_.splice(idle_.end(), lease.connection_);
     }
-    lease.connection_.reset();
     lease.is_shared_ = false;
     wake_next(identity);
-    close_old(closing);
+    close_old(now, closing);
     while (!identity.kept_.empty() &&
            now - identity.kept_.front().connection.used >= settings_.idle)
         closing.splice(closing.end(), identity.kept_, identity.kept_.begin());
@@ -267,17 +269,14 @@ void ConnectionPool::leave(const Lease& lease) {
 }
 
 // The one that worked last: those that nobody needs grow old.
-std::optional<Connection> ConnectionPool::take_idle(Identity& identity) {
-    std::optional<Connection> connection;
+IdleList ConnectionPool::take_idle(Identity& identity) {
+    IdleList connection;
     if (!identity.idle_.empty()) {
-        const auto latest = identity.idle_.back();
+        connection.splice(connection.end(), idle_, identity.idle_.back());
         identity.idle_.pop_back();
         --identity.open_;
-        connection = std::move(latest->connection);
-        idle_.erase(latest);
     } else if (!identity.kept_.empty()) {
-        connection = std::move(identity.kept_.back().connection);
-        identity.kept_.pop_back();
+        connection.splice(connection.end(), identity.kept_, std::prev(identity.kept_.end()));
     }
     return connection;
 }
@@ -287,11 +286,9 @@ void ConnectionPool::close_oldest(Closing& closing) {
     identity.idle_.erase(identity.idle_.begin());
     --identity.open_;
     closing.splice(closing.end(), idle_, idle_.begin());
-    wake_next(identity);
 }
 
-void ConnectionPool::close_old(Closing& closing) {
-    const auto now = steady_clock::now();
+void ConnectionPool::close_old(steady_clock::time_point now, Closing& closing) {
     while (!idle_.empty() &&
            (settings_.maximum_size == 0 || idle_.size() > settings_.maximum_idle ||
             now - idle_.front().connection.used >= settings_.idle))
@@ -303,7 +300,6 @@ void ConnectionPool::close_all(Identity& identity, Closing& closing) {
     identity.open_ -= identity.idle_.size();
     identity.idle_.clear();
     closing.splice(closing.end(), identity.kept_);
-    wake_next(identity);
 }
 
 }  // namespace orvo::directory::ldap

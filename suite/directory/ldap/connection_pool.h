@@ -19,6 +19,7 @@
 //
 // Any thread. Nothing waits for the server under the pool's lock.
 
+#include <chrono>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -76,10 +77,12 @@ private:
                                            const ServerAddress& server, const std::string& user,
                                            const PasswordDigest& digest);
     Lease place_for(const Credentials& credentials, const std::optional<Limits>& limits);
-    void wait_for_place(Identity& identity, std::unique_lock<std::mutex>& lock);
+    // Whether it took waiting.
+    bool wait_for_place(Identity& identity, std::unique_lock<std::mutex>& lock);
     static void wake_next(Identity& identity);
-    std::optional<Connection> take_idle(Identity& identity);
-    void close_old(Closing& closing);
+    // One, or none.
+    IdleList take_idle(Identity& identity);
+    void close_old(std::chrono::steady_clock::time_point now, Closing& closing);
     void close_oldest(Closing& closing);
     void close_all(Identity& identity, Closing& closing);
 

@@ -1,5 +1,6 @@
 #include "suite/directory/ldap/openldap_connection.h"
 
+#include <fcntl.h>
 #include <ldap.h>
 #include <netdb.h>
 #include <netinet/in.h>
@@ -70,7 +71,7 @@ int connect_within(int descriptor, const addrinfo& address, milliseconds limit) 
     }
 }
 
-// A connected socket that never blocks; -1: `why` tells.
+// A connected socket, which waits unless it is told otherwise; -1: `why` tells.
 int connected_socket(const ServerHost& host, const Limits& limits, Result& why) {
     addrinfo hints{};
     hints.ai_socktype = SOCK_STREAM;
@@ -95,6 +96,7 @@ int connected_socket(const ServerHost& host, const Limits& limits, Result& why) 
         const int on = 1;
         ::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
         ::setsockopt(socket.get(), SOL_SOCKET, SO_KEEPALIVE, &on, sizeof on);
+        ::fcntl(socket.get(), F_SETFL, 0);
         return socket.detach();
     }
     why = {reason == ETIMEDOUT ? result_code::timeout : result_code::server_down,

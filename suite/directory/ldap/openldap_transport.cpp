@@ -1,6 +1,5 @@
 #include "suite/directory/ldap/openldap_transport.h"
 
-#include <fcntl.h>
 #include <ldap.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -17,13 +16,21 @@ namespace {
 
 using std::chrono::steady_clock;
 
-// An option of this layer alone, beyond the library's own: sets the state's `deadline`.
+// Options of this layer alone, beyond the library's own. The first sets the state's `deadline`, the
+// second waits for bytes: its argument is an Awaited.
 constexpr int deadline_option = 0x4F56;
+constexpr int await_option = 0x4F57;
+
+struct Awaited {
+    std::chrono::milliseconds limit;
+    bool is_timeout = false;
+};
 
 // The library keeps a pointer to one of these for each connection.
 struct ReadAhead {
     ber_socket_t descriptor = -1;
     std::optional<steady_clock::time_point> deadline;
+    std::chrono::milliseconds receive_limit{0};  // that the socket has been given; 0: none
     std::size_t begin = 0;
     std::size_t end = 0;
     std::array<char, 16384> buffer;
@@ -44,7 +51,25 @@ int remove(Sockbuf_IO_Desc* layer) {
     return 0;
 }
 
+// A failure and the connection's end show once more to who reads.
+void await(ReadAhead& ahead, Awaited& awaited) {
+    if (ahead.receive_limit != awaited.limit) {
+        const timeval limit{static_cast<time_t>(awaited.limit.count() / 1000),
+                            static_cast<suseconds_t>(awaited.limit.count() % 1000 * 1000)};
+        ::setsockopt(ahead.descriptor, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+        ahead.receive_limit = awaited.limit;
+    }
+    const ssize_t received = ::recv(ahead.descriptor, ahead.buffer.data(), ahead.buffer.size(), 0);
+    awaited.is_timeout = received < 0 && (errno == EAGAIN || errno == EWOULDBLOCK);
+    ahead.begin = 0;
+    ahead.end = received > 0 ? static_cast<std::size_t>(received) : 0;
+}
+
 int control(Sockbuf_IO_Desc* layer, int option, void* argument) {
+    if (option == await_option) {
+        await(state(layer), *static_cast<Awaited*>(argument));
+        return 1;
+    }
     if (option == deadline_option) {
         state(layer).deadline = *static_cast<std::optional<steady_clock::time_point>*>(argument);
         return 1;
@@ -78,7 +103,7 @@ bool try_again(const ReadAhead& ahead, short event) {
 ssize_t receive(ReadAhead& ahead) {
     ssize_t received = -1;
     do {
-        received = ::recv(ahead.descriptor, ahead.buffer.data(), ahead.buffer.size(), 0);
+        received = ::recv(ahead.descriptor, ahead.buffer.data(), ahead.buffer.size(), MSG_DONTWAIT);
     } while (received < 0 && try_again(ahead, POLLIN));
     ahead.begin = 0;
     ahead.end = received > 0 ? static_cast<std::size_t>(received) : 0;
@@ -101,7 +126,7 @@ ber_slen_t write(Sockbuf_IO_Desc* layer, void* bytes, ber_len_t count) {
     const ReadAhead& ahead = state(layer);
     ssize_t sent = -1;
     do {
-        sent = ::send(ahead.descriptor, bytes, count, MSG_NOSIGNAL);
+        sent = ::send(ahead.descriptor, bytes, count, MSG_NOSIGNAL | MSG_DONTWAIT);
     } while (sent < 0 && try_again(ahead, POLLOUT));
     return sent;
 }
@@ -134,11 +159,15 @@ void wait_until(::ldap* handle, steady_clock::time_point deadline) {
     set_deadline(handle, deadline);
 }
 
-void never_wait(::ldap* handle) {
-    set_deadline(handle, std::nullopt);
-    ber_socket_t descriptor = -1;
-    ber_sockbuf_ctrl(connection_of(handle), LBER_SB_OPT_GET_FD, &descriptor);
-    ::fcntl(descriptor, F_SETFL, ::fcntl(descriptor, F_GETFL) | O_NONBLOCK);
+void never_wait(::ldap* handle) { set_deadline(handle, std::nullopt); }
+
+bool await_bytes(::ldap* handle, std::chrono::milliseconds limit) {
+    Sockbuf* connection = connection_of(handle);
+    // What has been received and, where it is encrypted, deciphered is not in the buffer any more.
+    if (ber_sockbuf_ctrl(connection, LBER_SB_OPT_DATA_READY, nullptr) != 0) return true;
+    Awaited awaited{limit};
+    ber_sockbuf_ctrl(connection, await_option, &awaited);
+    return !awaited.is_timeout;
 }
 
 bool is_quiet(::ldap* handle) {

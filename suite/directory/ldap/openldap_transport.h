@@ -20,9 +20,13 @@ bool add_transport(::ldap* handle, unsigned long longest_message);
 // end.
 void wait_until(::ldap* handle, std::chrono::steady_clock::time_point deadline);
 
-// From here on, reading and writing never wait. Encryption leaves the socket itself blocking; this
-// takes that back as well.
+// From here on, reading and writing never wait.
 void never_wait(::ldap* handle);
+
+// Waits for the answer to the only request there is, and receives its beginning: one system call,
+// where waiting and then reading are two. False when nothing came within `limit`, which is not 0.
+// Where the connection fails or ends, whoever reads next is told.
+bool await_bytes(::ldap* handle, std::chrono::milliseconds limit);
 
 // Whether nothing has come from the server: no message, no end of the connection.
 bool is_quiet(::ldap* handle);

@@ -42,7 +42,7 @@ Result collect_pages(Session& session, SearchRequest request, int page_size,
     request.page_size = page_size;
     for (;;) {
         bool is_empty = true;
-        SearchResult result = session.collect(session.send(request), [&](EntryData&& entry) {
+        SearchResult result = session.search(request, [&](EntryData&& entry) {
             is_empty = false;
             take(std::move(entry));
         });

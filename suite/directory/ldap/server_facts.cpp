@@ -65,7 +65,7 @@ FactsResult read_facts(Session& session, const std::string& key) {
     request.base = subschema.empty() ? "cn=Subschema" : subschema.front();
     request.filter = "(objectClass=subschema)";
     request.attributes = {"attributeTypes", "objectClasses"};
-    const Result read = session.collect(session.send(request), [&](EntryData&& entry) {
+    const Result read = session.search(request, [&](EntryData&& entry) {
         facts->types = AttributeTypes::from_descriptions(values_of(entry, "attributeTypes"));
         facts->classes = ObjectClasses::from_descriptions(values_of(entry, "objectClasses"));
     });
@@ -75,7 +75,8 @@ FactsResult read_facts(Session& session, const std::string& key) {
     // Any other refusal means that this user may not see the schema.
     static_cast<Result&>(result) = Result{};
     result.facts = std::move(facts);
-    if (!result.facts->types.empty()) store().keep(key, result.facts);
+    const bool is_whole = !root.entry.attributes.empty() && !result.facts->types.empty();
+    if (is_whole) store().keep(key, result.facts);
     return result;
 }
 

@@ -29,8 +29,8 @@ std::shared_ptr<const ServerFacts> stored_facts(const std::string& key);
 
 // The facts of the server that the session is connected to, from the process's store under `key`
 // (ServerAddress::key) or, the first time, from the server: its root entry and its schema, two
-// round trips. A schema that the session's user may not read is an empty one and is not stored, so
-// that other users do not inherit it. Any thread.
+// round trips. A root entry or schema that the session's user may not read is an empty one; neither
+// is then stored, so that other users do not inherit it. Any thread.
 FactsResult facts_of(Session& session, const std::string& key);
 
 // The same, read anew and stored in place of what was there: for an attribute that the stored

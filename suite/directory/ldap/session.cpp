@@ -10,7 +10,7 @@ ReadResult Session::read(const std::string& name, const std::vector<std::string>
     request.base = name;
     request.attributes = attributes;
     bool found = false;
-    static_cast<Result&>(result) = collect(send(request), [&](EntryData&& entry) {
+    static_cast<Result&>(result) = search(request, [&](EntryData&& entry) {
         result.entry = std::move(entry);
         found = true;
     });

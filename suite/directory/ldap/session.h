@@ -101,13 +101,6 @@ struct SearchResult : Result {
     std::string next_page;  // the name of the page that follows; empty: none does
 };
 
-// A request that was sent and whose answer has not been collected.
-struct PendingSearch {
-    int id = -1;
-    Result sent;  // not `ok`: it could not be sent, and collecting gives this result
-    std::function<bool(const std::string& name)> wanted = {};  // the request's
-};
-
 // One change of an entry: the attribute's values are replaced by these; none removes the attribute,
 // also where the entry lacks it.
 struct Replacement {
@@ -115,6 +108,7 @@ struct Replacement {
     std::vector<std::string> values;
 };
 
+// One request after the other: each waits for its answer.
 class Session {
 public:
     // Connects to the first host that answers, encrypted where the address asks for it. Raises the
@@ -127,7 +121,6 @@ public:
 
     // Whether the connection looks alive: the server has neither closed it nor sent anything that
     // nobody asked for. Asks the operating system alone; where that cannot tell, it looks alive.
-    // Not while an answer is pending.
     bool seems_open() const;
     // From now on. What there is to wait for in connecting is over.
     void set_limits(const Limits& limits);
@@ -141,12 +134,9 @@ public:
     // One entry with the attributes asked for, as SearchRequest has them.
     ReadResult read(const std::string& name, const std::vector<std::string>& attributes);
 
-    // Sending and collecting apart, so that answers to independent requests are on their way
-    // together. Every pending search is collected once, in any order.
-    PendingSearch send(const SearchRequest& request);
     // Hands the entries over one by one, in the server's order, while the server still sends. What
     // is not moved out of an entry may serve the next as memory.
-    SearchResult collect(const PendingSearch& search, const std::function<void(EntryData&&)>& take);
+    SearchResult search(const SearchRequest& request, const std::function<void(EntryData&&)>& take);
 
     // A new entry; every attribute has a value.
     Result add(const std::string& name, std::span<const Attribute> attributes);

@@ -19,6 +19,7 @@ using detail::client_result;
 using detail::Message;
 using detail::wait_for;
 using detail::Wanted;
+using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
 LDAPMessage* raw(const Message& message) { return static_cast<LDAPMessage*>(message.get()); }
@@ -73,7 +74,7 @@ void assign(std::vector<std::string>& texts, const berval* values) {
 // One pass over the message, attribute after attribute, without looking any up again. What `entry`
 // held before is overwritten; its memory is used again.
 enum class Decoded { whole, passed_over, unreadable };
-Decoded decode_entry(LDAP* handle, LDAPMessage* message, const PendingSearch& search,
+Decoded decode_entry(LDAP* handle, LDAPMessage* message, const SearchRequest& request,
                      EntryData& entry) {
     BerElement* decoder = nullptr;
     berval name{};
@@ -84,7 +85,7 @@ Decoded decode_entry(LDAP* handle, LDAPMessage* message, const PendingSearch& se
     };
     const std::unique_ptr<BerElement, Free> held(decoder);
     entry.name.assign(name.bv_val, name.bv_len);
-    if (search.wanted && !search.wanted(entry.name)) return Decoded::passed_over;
+    if (request.wanted && !request.wanted(entry.name)) return Decoded::passed_over;
     for (std::size_t count = 0;; ++count) {
         berval attribute{};
         berval* values = nullptr;
@@ -178,16 +179,22 @@ struct Session::Connection {
 
     LDAP* get() const { return handle.get(); }
 
+    // A message of the answer to the only request there is.
+    Message next(int request, Wanted wanted, milliseconds limit, Result& why) const {
+        const bool has_come = detail::await_bytes(get(), limit);
+        return wait_for(get(), request, wanted, has_come ? limit : milliseconds(0), why);
+    }
+
     // The outcome of a request that was sent with the library's `code`.
     Result outcome(int code, int request, std::vector<Control>* controls = nullptr) const {
         if (code != LDAP_SUCCESS) return client_result(get(), code);
         Result why;
-        const Message answer =
-            wait_for(get(), request, Wanted::all_messages, limits.operation, why);
+        const Message answer = next(request, Wanted::all_messages, limits.operation, why);
         return answer ? outcome_of(get(), raw(answer), controls) : why;
     }
 
-    Result collect(const PendingSearch& search, const std::function<void(EntryData&&)>& take,
+    Result collect(int id, const SearchRequest& request,
+                   const std::function<void(EntryData&&)>& take,
                    std::vector<Control>& controls) const;
 };
 
@@ -229,53 +236,45 @@ BindResult Session::bind(const std::string& name, const Secret& password, Policy
     return result;
 }
 
-PendingSearch Session::send(const SearchRequest& request) {
-    PendingSearch search;
+SearchResult Session::search(const SearchRequest& request,
+                             const std::function<void(EntryData&&)>& take) {
     TextList attributes(request.attributes);
     PageControl page(request);
+    int id = -1;
     const int sent = ldap_search_ext(
         connection_->get(), request.base.c_str(), scope_of(request.scope), request.filter.c_str(),
-        attributes.get(), 0, page.get(), nullptr, nullptr, LDAP_NO_LIMIT, &search.id);
-    if (sent != LDAP_SUCCESS) search.sent = client_result(connection_->get(), sent);
-    search.wanted = request.wanted;
-    return search;
-}
-
-SearchResult Session::collect(const PendingSearch& search,
-                              const std::function<void(EntryData&&)>& take) {
-    if (!search.sent.ok()) return {search.sent, {}};
+        attributes.get(), 0, page.get(), nullptr, nullptr, LDAP_NO_LIMIT, &id);
+    if (sent != LDAP_SUCCESS) return {client_result(connection_->get(), sent), {}};
     std::vector<Control> controls;
-    Result result = connection_->collect(search, take, controls);
+    Result result = connection_->collect(id, request, take, controls);
     return paged(std::move(result), controls);
 }
 
-Result Session::Connection::collect(const PendingSearch& search,
+Result Session::Connection::collect(int id, const SearchRequest& request,
                                     const std::function<void(EntryData&&)>& take,
                                     std::vector<Control>& controls) const {
-    const int request = search.id;
     LDAP* handle = get();
     const auto deadline = steady_clock::now() + limits.operation;
     EntryData entry;
     for (;;) {
-        const auto left =
-            std::chrono::ceil<std::chrono::milliseconds>(deadline - steady_clock::now());
+        const auto left = std::chrono::ceil<milliseconds>(deadline - steady_clock::now());
         if (left.count() <= 0) {
-            ldap_abandon_ext(handle, request, nullptr, nullptr);
+            ldap_abandon_ext(handle, id, nullptr, nullptr);
             return {result_code::timeout, {}, {}};
         }
         Result why;
-        const Message message = wait_for(handle, request, Wanted::one_message, left, why);
+        const Message message = next(id, Wanted::one_message, left, why);
         if (!message) return why;
         switch (ldap_msgtype(raw(message))) {
             case LDAP_RES_SEARCH_ENTRY:
-                switch (decode_entry(handle, raw(message), search, entry)) {
+                switch (decode_entry(handle, raw(message), request, entry)) {
                     case Decoded::whole:
                         take(std::move(entry));
                         break;
                     case Decoded::passed_over:
                         break;
                     case Decoded::unreadable:
-                        ldap_abandon_ext(handle, request, nullptr, nullptr);
+                        ldap_abandon_ext(handle, id, nullptr, nullptr);
                         return {result_code::decoding_error, {}, {}};
                 }
                 break;
@@ -327,8 +326,8 @@ WhoAmIResult Session::who_am_i() {
     int request = -1;
     const int sent = ldap_whoami(connection_->get(), nullptr, nullptr, &request);
     if (sent != LDAP_SUCCESS) return {client_result(connection_->get(), sent), {}};
-    const Message answer = wait_for(connection_->get(), request, Wanted::all_messages,
-                                    connection_->limits.operation, result);
+    const Message answer =
+        connection_->next(request, Wanted::all_messages, connection_->limits.operation, result);
     if (!answer) return result;
     static_cast<Result&>(result) = outcome_of(connection_->get(), raw(answer));
     berval* identity = nullptr;

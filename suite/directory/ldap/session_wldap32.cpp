@@ -151,7 +151,7 @@ struct Session::Connection {
         return code == LDAP_SUCCESS ? outcome(request) : client_result(code);
     }
 
-    Result collect(int request, const std::function<void(EntryData&&)>& take,
+    Result collect(ULONG id, const std::function<void(EntryData&&)>& take,
                    std::vector<Control>& controls) const;
 };
 
@@ -205,7 +205,8 @@ BindResult Session::bind(const std::string& name, const Secret& password, Policy
     return result;
 }
 
-PendingSearch Session::send(const SearchRequest& request) {
+SearchResult Session::search(const SearchRequest& request,
+                             const std::function<void(EntryData&&)>& take) {
     Wide base(request.base);
     Wide filter(request.filter);
     WideList attributes(request.attributes);
@@ -214,29 +215,21 @@ PendingSearch Session::send(const SearchRequest& request) {
     const ULONG sent =
         ldap_search_extW(connection_->get(), base.get(), scope_of(request.scope), filter.get(),
                          attributes.get(), FALSE, page.get(), nullptr, 0, 0, &id);
-    PendingSearch search;
-    search.id = static_cast<int>(id);
-    if (sent != LDAP_SUCCESS) search.sent = client_result(sent);
-    return search;
-}
-
-SearchResult Session::collect(const PendingSearch& search,
-                              const std::function<void(EntryData&&)>& take) {
-    if (!search.sent.ok()) return {search.sent, {}};
+    if (sent != LDAP_SUCCESS) return {client_result(sent), {}};
     std::vector<Control> controls;
-    Result result = connection_->collect(search.id, take, controls);
+    Result result = connection_->collect(id, take, controls);
     return paged(std::move(result), controls);
 }
 
-Result Session::Connection::collect(int request, const std::function<void(EntryData&&)>& take,
+Result Session::Connection::collect(ULONG id, const std::function<void(EntryData&&)>& take,
                                     std::vector<Control>& controls) const {
     LDAP* handle = get();
     const auto deadline = steady_clock::now() + limits.operation;
     for (;;) {
         const auto left = std::chrono::ceil<milliseconds>(deadline - steady_clock::now());
         Result why;
-        const auto [message, type] = wait_for(handle, static_cast<ULONG>(request), LDAP_MSG_ONE,
-                                              std::max(left, milliseconds(0)), why);
+        const auto [message, type] =
+            wait_for(handle, id, LDAP_MSG_ONE, std::max(left, milliseconds(0)), why);
         if (!message) return why;
         switch (type) {
             case LDAP_RES_SEARCH_ENTRY:

@@ -119,23 +119,7 @@ TEST(Session, RefusesAWrongPasswordAsAValue) {
     EXPECT_TRUE(session.bind(shop().service_dn(), secret(shop().service_password())).ok());
 }
 
-TEST(Session, CollectsRequestsThatWereSentTogetherInAnyOrder) {
-    Session session = service_session();
-    SearchRequest one;
-    one.base = shop().user_dn("djansen");
-    one.attributes = {"sn"};
-    SearchRequest other = one;
-    other.base = shop().user_dn("admin");
-    const PendingSearch first = session.send(one);
-    const PendingSearch second = session.send(other);
-    std::vector<std::string> names;
-    const auto note = [&](EntryData&& entry) { names.push_back(find(entry, "sn")->values[0]); };
-    EXPECT_TRUE(session.collect(second, note).ok());
-    EXPECT_TRUE(session.collect(first, note).ok());
-    EXPECT_THAT(names, ElementsAre("Admin", "Jansen"));
-}
-
-TEST(Session, CollectsManyEntriesOneByOne) {
+TEST(Session, HandsManyEntriesOverOneByOne) {
     Session session = service_session();
     SearchRequest request;
     request.base = "ou=Users,o=Shop";
@@ -143,13 +127,11 @@ TEST(Session, CollectsManyEntriesOneByOne) {
     request.filter = "(objectClass=orvoPerson)";
     std::size_t entries = 0;
     std::size_t attributes = 0;
-    EXPECT_TRUE(session
-                    .collect(session.send(request),
-                             [&](EntryData&& entry) {
-                                 ++entries;
-                                 attributes += entry.attributes.size();
-                             })
-                    .ok());
+    const Result found = session.search(request, [&](EntryData&& entry) {
+        ++entries;
+        attributes += entry.attributes.size();
+    });
+    EXPECT_TRUE(found.ok());
     LdapProbe probe(shop().url(), shop().service_dn(), shop().service_password());
     EXPECT_EQ(entries, probe.find("ou=Users,o=Shop", "(objectClass=orvoPerson)").size());
     EXPECT_GT(attributes, entries * 4);
@@ -159,7 +141,7 @@ TEST(Session, RefusesAFilterThatCannotBeRead) {
     Session session = service_session();
     SearchRequest request;
     request.filter = "(((";
-    EXPECT_EQ(session.collect(session.send(request), [](EntryData&&) {}).code, 87);
+    EXPECT_EQ(session.search(request, [](EntryData&&) {}).code, 87);
 }
 
 TEST(Session, ReplacesAndRemovesValuesAtOnce) {

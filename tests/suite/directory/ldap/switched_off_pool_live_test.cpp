@@ -62,6 +62,23 @@ TEST_F(SwitchedOffPoolTest, AConnectionIsReplacedWhereItIsOldOrWasIdle) {
     EXPECT_TRUE(comes_to(1));
 }
 
+TEST_F(SwitchedOffPoolTest, AConnectionThatIsIdleForTooLongGoesWhenAnotherIsGivenBack) {
+    use({u"MaximumSize", u"IdleLimit"}, {0, 1});
+    ServerLogin user = login(service());
+    user.run([&](Session&) {
+        who_is(user);
+        return Result();
+    });
+    EXPECT_EQ(open_connections(), 2);
+    const long made = connections_made();
+    for (int round = 0; round < 2; ++round) {
+        std::this_thread::sleep_for(600ms);
+        who_is(user);
+    }
+    EXPECT_EQ(connections_made(), made) << "the one that worked last is never idle for a second";
+    EXPECT_TRUE(comes_to(1));
+}
+
 TEST_F(SwitchedOffPoolTest, ObjectsWorkAgainOnceTheServerIsBack) {
     use({u"MaximumSize"}, {0});
     LdapEntry entry;
