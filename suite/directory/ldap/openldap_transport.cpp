@@ -1,5 +1,6 @@
 #include "suite/directory/ldap/openldap_transport.h"
 
+#include <fcntl.h>
 #include <ldap.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -159,7 +160,12 @@ void wait_until(::ldap* handle, steady_clock::time_point deadline) {
     set_deadline(handle, deadline);
 }
 
-void never_wait(::ldap* handle) { set_deadline(handle, std::nullopt); }
+void never_wait(::ldap* handle) {
+    set_deadline(handle, std::nullopt);
+    ber_socket_t descriptor = -1;
+    ber_sockbuf_ctrl(connection_of(handle), LBER_SB_OPT_GET_FD, &descriptor);
+    ::fcntl(descriptor, F_SETFL, ::fcntl(descriptor, F_GETFL) & ~O_NONBLOCK);
+}
 
 bool await_bytes(::ldap* handle, std::chrono::milliseconds limit) {
     Sockbuf* connection = connection_of(handle);

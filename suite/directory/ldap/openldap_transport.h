@@ -20,7 +20,8 @@ bool add_transport(::ldap* handle, unsigned long longest_message);
 // end.
 void wait_until(::ldap* handle, std::chrono::steady_clock::time_point deadline);
 
-// From here on, reading and writing never wait.
+// From here on, reading and writing never wait again. Agreeing on encryption leaves the socket one
+// that does not wait, which await_bytes needs to; this takes that back.
 void never_wait(::ldap* handle);
 
 // Waits for the answer to the only request there is, and receives its beginning: one system call,
