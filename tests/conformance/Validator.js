@@ -27,4 +27,10 @@ equal("wrong again", validator.ValidatePassword("newcomer", "wrong"), -1);
 equal("wrong a third time", validator.ValidatePassword("newcomer", "wrong"), -1);
 equal("locked", validator.ValidatePassword("newcomer", "gr\u00FC\u00DF-sample"), -2);
 
+// The server lists its password policy, so that this changes nothing.
+new ActiveXObject("OrvoMembership.Initialize")
+    .InitializeConnectionPool(arrayOf("AskPolicy"), arrayOf(0));
+equal("locked all the same", validator.ValidatePassword("newcomer", "gr\u00FC\u00DF-sample"), -2);
+equal("right all the same", validator.ValidatePassword("lbakker", "shop-sample"), 0);
+
 end();
