@@ -1,6 +1,7 @@
 // Password checks against one slapd, by 1, 4 and 16 threads: the component with the provider's pool
 // of connections beside the raw LDAP client that binds on a connection it keeps, and without the
-// pool beside the raw client that connects for each check. In each round the raw client goes first
+// pool beside the raw client that connects for each check. The component is called by slot, as a
+// client in C++ calls it, and late bound, as a script does. In each round the raw client goes first
 // and the component after it, so that both see the same machine; "rate_to_raw" is how many checks
 // the component does in the time of one of the raw client's.
 //
@@ -16,6 +17,8 @@
 #include "bench/crew.h"
 #include "bench/provider_keeps.h"
 #include "bench/raw_client.h"
+#include "component/auth/Validator.h"
+#include "platform/abi/call.h"
 #include "platform/abi/late_call.h"
 #include "tests/support/slapd.h"
 
@@ -42,6 +45,7 @@ struct Checker {
     std::array<Variant, 2> arguments = {u"jsmith", from_utf8(password)};
     RawConnection kept = raw_connection(url);
     Object validator = create_object(u"OrvoMembership.Validator");
+    Ref<Validator> slots = Ref<Validator>::from(validator);
     const Variant right = 0;
     bool is_wrong = false;
 
@@ -52,6 +56,10 @@ struct Checker {
     void bind_kept() { is_wrong |= !raw_bind(kept, user, password); }
     void bind_new() { is_wrong |= !raw_bind(raw_connection(url), user, password); }
     void check() {
+        is_wrong |=
+            !(call<&Validator::ValidatePassword>(slots, arguments[0], arguments[1]) == right);
+    }
+    void check_late() {
         is_wrong |= !(late::call_by_reference(validator, u"ValidatePassword", arguments) == right);
     }
 };
@@ -59,7 +67,7 @@ struct Checker {
 enum class Asks { always, where_listed };
 
 void checks(benchmark::State& state, PrivateSlapd& server, Keeps keeps, Asks asks,
-            void (Checker::*raw)()) {
+            void (Checker::*raw)(), void (Checker::*own)() = &Checker::check) {
     constexpr int rounds = 50;
     directory = &server;
     const KeepsScope scope(keeps, asks == Asks::always);
@@ -68,12 +76,12 @@ void checks(benchmark::State& state, PrivateSlapd& server, Keeps keeps, Asks ask
     double raw_time = 0, own_time = 0;
     for (auto _ : state) {
         raw_time += crew.run(rounds, [&](Checker& checker) { (checker.*raw)(); });
-        const double own = crew.run(rounds, [&](Checker& checker) {
-            checker.check();
+        const double time = crew.run(rounds, [&](Checker& checker) {
+            (checker.*own)();
             if (checker.is_wrong) is_wrong = true;
         });
-        own_time += own;
-        state.SetIterationTime(own);
+        own_time += time;
+        state.SetIterationTime(time);
     }
     if (is_wrong) state.SkipWithError("a password was refused");
     const double done = static_cast<double>(state.iterations() * state.range(0) * rounds);
@@ -84,6 +92,10 @@ void checks(benchmark::State& state, PrivateSlapd& server, Keeps keeps, Asks ask
 
 void pool(benchmark::State& state) {
     checks(state, with_policy(), Keeps::connections, Asks::always, &Checker::bind_kept);
+}
+void pool_late(benchmark::State& state) {
+    checks(state, with_policy(), Keeps::connections, Asks::always, &Checker::bind_kept,
+           &Checker::check_late);
 }
 void no_pool(benchmark::State& state) {
     checks(state, with_policy(), Keeps::nothing, Asks::always, &Checker::bind_new);
@@ -104,6 +116,9 @@ void by_threads(benchmark::internal::Benchmark* benchmark) {
 
 BENCHMARK(pool)
     ->Name("ValidatePassword, pool; raw: bind on a kept connection; threads")
+    ->Apply(by_threads);
+BENCHMARK(pool_late)
+    ->Name("ValidatePassword late bound, pool; raw: as above; threads")
     ->Apply(by_threads);
 BENCHMARK(no_pool)
     ->Name("ValidatePassword, no pool; raw: connect, bind, close; threads")

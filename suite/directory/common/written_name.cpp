@@ -112,18 +112,11 @@ std::optional<Text> name_below(TextView written, const DistinguishedName& contai
     return Text(written);
 }
 
-std::optional<Text> name_below(TextView written, const DistinguishedName& container,
-                               TextView spelling) {
-    if (written.size() > longest_name) return std::nullopt;
-    if (written.size() > spelling.size() && written.ends_with(spelling)) {
-        const std::size_t comma = written.size() - spelling.size() - 1;
-        const TextView relative = written.substr(0, comma);
-        if (written[comma] == u',') {
-            if (is_plain(relative)) return Text(written);
-            return readable_name(relative, spelling);
-        }
-    }
-    return name_below(written, container);
+bool is_plain_below(TextView written, TextView container) {
+    if (written.size() > longest_name || written.size() <= container.size()) return false;
+    const std::size_t comma = written.size() - container.size() - 1;
+    return written.ends_with(container) && written[comma] == u',' &&
+           is_plain(written.substr(0, comma));
 }
 
 Text entry_name(TextView relative_name, TextView container) {

@@ -44,8 +44,8 @@ Text full_name(TextView written);
 // longer than longest_name.
 std::optional<Text> name_below(TextView written, const DistinguishedName& container);
 
-// The same, quicker where the text ends in `spelling`, the name that `container` was read from.
-std::optional<Text> name_below(TextView written, const DistinguishedName& container,
-                               TextView spelling);
+// Whether that is the text as it stands, as one look at most texts tells: a type, "=", a value that
+// holds nothing that would have to be read, "," and the container just as it is spelled here.
+bool is_plain_below(TextView written, TextView container);
 
 }  // namespace orvo::directory

@@ -70,14 +70,21 @@ void LdapValidator::read_target() {
 
 std::int32_t LdapValidator::Validate(Variant& path, Variant& password) {
     if (!target_) raise_runtime_error(runtime_error::object_not_set);
-    const Text written = path.to<Text>();
+    const Text converted = path.is_text() ? Text() : path.to<Text>();
+    const TextView written = path.is_text() ? path.text_view() : converted;
     const Secret secret = secret_of(password);
     if (!target_->checks.identity) read_target();
-    const std::optional<Text> name =
-        name_below(written, target_->container_name, target_->container);
-    if (secret.empty() || !name || !is_well_formed(written)) return password_check::wrong;
+    if (secret.empty() || !is_well_formed(written)) return password_check::wrong;
+    std::string name;
+    if (is_plain_below(written, target_->container)) {
+        name = to_utf8(written);
+    } else if (const auto below = name_below(written, target_->container_name)) {
+        name = to_utf8(*below);
+    } else {
+        return password_check::wrong;
+    }
 
-    const BindResult bind = checked(target_->checks, to_utf8(*name), secret);
+    const BindResult bind = checked(target_->checks, name, secret);
     const std::optional<int> number = judged(bind);
     if (!number) check(bind);
     return *number;
