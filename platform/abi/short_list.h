@@ -1,6 +1,7 @@
 #pragma once
 
-// The arguments of one call: nearly always a few, for which no memory is asked for.
+// What one call takes along, its arguments or the characters of a name: nearly always a few, for
+// which no memory is asked for.
 
 #include <array>
 #include <cstddef>

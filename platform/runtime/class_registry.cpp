@@ -53,7 +53,8 @@ bool ClassRegistry::find(std::u16string_view progid, CLSID& clsid) const {
     const CatalogueEntry* entry = usable(progid);
     if (!entry) return false;
     clsid = entry->clsid;
-    keep(*this, reading, progid, *entry);
+    // Of a class that is listed twice the first counts, whatever name it was asked for by.
+    if (usable(entry->clsid) == entry) keep(*this, reading, progid, *entry);
     return true;
 }
 

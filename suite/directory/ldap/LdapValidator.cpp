@@ -57,14 +57,19 @@ void LdapValidator::Open(Text& server, Text& user_container) {
     target_ = std::move(unread);
 }
 
-void LdapValidator::read_target() {
+void LdapValidator::read_container() {
     auto read = std::make_shared<CheckTarget>(*target_);
     read->container = container_name(read->written_container);
-    auto name = DistinguishedName::try_parse(read->container);
-    if (!name) raise_code(result_code::invalid_name, to_utf8(read->container));
-    read->container_name = std::move(*name);
-    read->checks = ConnectionPool::of_process().password_checks(ServerAddress::parse(read->server));
+    read->container_name = DistinguishedName::try_parse(read->container);
+    if (!read->container_name) raise_code(result_code::invalid_name, to_utf8(read->container));
     target_ = std::move(read);
+}
+
+void LdapValidator::find_checks() {
+    auto found = std::make_shared<CheckTarget>(*target_);
+    found->checks =
+        ConnectionPool::of_process().password_checks(ServerAddress::parse(found->server));
+    target_ = std::move(found);
     last_target().keep(target_);
 }
 
@@ -73,17 +78,18 @@ std::int32_t LdapValidator::Validate(Variant& path, Variant& password) {
     const Text converted = path.is_text() ? Text() : path.to<Text>();
     const TextView written = path.is_text() ? path.text_view() : converted;
     const Secret secret = secret_of(password);
-    if (!target_->checks.identity) read_target();
+    if (!target_->container_name) read_container();
     if (secret.empty() || !is_well_formed(written)) return password_check::wrong;
     std::string name;
     if (is_plain_below(written, target_->container)) {
         name = to_utf8(written);
-    } else if (const auto below = name_below(written, target_->container_name)) {
+    } else if (const auto below = name_below(written, *target_->container_name)) {
         name = to_utf8(*below);
     } else {
         return password_check::wrong;
     }
 
+    if (!target_->checks.identity) find_checks();
     const BindResult bind = checked(target_->checks, name, secret);
     const std::optional<int> number = judged(bind);
     if (!number) check(bind);

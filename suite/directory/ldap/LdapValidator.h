@@ -11,18 +11,19 @@
 namespace orvo {
 namespace directory::ldap {
 
-// What a validator is opened with. What is behind the first two is read at the first check.
+// What a validator is opened with. What is behind the first two is found out at the first check.
 struct CheckTarget {
     Text server;
     Text written_container;
     Text container;
-    DistinguishedName container_name;
+    std::optional<DistinguishedName> container_name;
     Credentials checks;
 };
 
 // The check of credentials: one bind, on a connection on which nothing but such checks is ever done
-// (ConnectionPool::password_checks); once more on a new one where the server has closed it in the
-// meantime. Nothing is remembered of a check. Used by one thread.
+// (ConnectionPool::password_checks; where it is set so, the server's root entry is read there,
+// too); once more on a new one where the server has closed it in the meantime. Nothing is
+// remembered of a check. Used by one thread.
 class LdapValidator final : public DirectoryValidator {
 public:
     // `limits`: instead of those that the connection pool has for all.
@@ -39,7 +40,8 @@ public:
     std::int32_t Validate(Variant& path, Variant& password) override;
 
 private:
-    void read_target();
+    void read_container();
+    void find_checks();
     BindResult checked(const Credentials& checks, const std::string& name,
                        const Secret& password) const;
 

@@ -73,7 +73,9 @@ Policy Lease::policy() {
     std::optional<Policy>& policy = connection_.front().connection.policy;
     if (policy) return *policy;
     const ReadResult root = session().read("", {"supportedControl"});
-    if (root.connection_failed()) return Policy::asked;
+    // A connection that is gone shows once more in the check itself, which is done anew then.
+    if (root.code == result_code::server_down) return Policy::asked;
+    if (root.connection_failed()) check(root);
     // A server that shows nobody what it knows may know this one.
     const bool is_shown = !root.entry.attributes.empty();
     const bool is_listed =

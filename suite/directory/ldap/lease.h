@@ -27,7 +27,8 @@ public:
     bool is_shared() const { return is_shared_; }
 
     // Whether a password check on this connection asks what the policy says. Where that depends on
-    // the server, its root entry is read once for each connection.
+    // the server, its root entry is read once for each connection. Raises the failure of a server
+    // that does not answer.
     Policy policy();
 
     // A new connection in place of this one, authenticated as before. Raises what connecting and

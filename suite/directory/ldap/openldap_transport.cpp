@@ -32,6 +32,7 @@ struct ReadAhead {
     ber_socket_t descriptor = -1;
     std::optional<steady_clock::time_point> deadline;
     std::chrono::milliseconds receive_limit{0};  // that the socket has been given; 0: none
+    bool is_writing = false;                     // the library still has some of a request to write
     std::size_t begin = 0;
     std::size_t end = 0;
     std::array<char, 16384> buffer;
@@ -68,7 +69,7 @@ void await(ReadAhead& ahead, Awaited& awaited) {
 
 int control(Sockbuf_IO_Desc* layer, int option, void* argument) {
     if (option == await_option) {
-        await(state(layer), *static_cast<Awaited*>(argument));
+        if (!state(layer).is_writing) await(state(layer), *static_cast<Awaited*>(argument));
         return 1;
     }
     if (option == deadline_option) {
@@ -124,11 +125,12 @@ ber_slen_t read(Sockbuf_IO_Desc* layer, void* target, ber_len_t wanted) {
 }
 
 ber_slen_t write(Sockbuf_IO_Desc* layer, void* bytes, ber_len_t count) {
-    const ReadAhead& ahead = state(layer);
+    ReadAhead& ahead = state(layer);
     ssize_t sent = -1;
     do {
         sent = ::send(ahead.descriptor, bytes, count, MSG_NOSIGNAL | MSG_DONTWAIT);
     } while (sent < 0 && try_again(ahead, POLLOUT));
+    ahead.is_writing = sent != static_cast<ssize_t>(count);
     return sent;
 }
 

@@ -26,7 +26,8 @@ void never_wait(::ldap* handle);
 
 // Waits for the answer to the only request there is, and receives its beginning: one system call,
 // where waiting and then reading are two. False when nothing came within `limit`, which is not 0.
-// Where the connection fails or ends, whoever reads next is told.
+// Where the connection fails or ends, whoever reads next is told. Comes back at once where the
+// request has not been sent whole: the library sends the rest while it waits itself.
 bool await_bytes(::ldap* handle, std::chrono::milliseconds limit);
 
 // Whether nothing has come from the server: no message, no end of the connection.

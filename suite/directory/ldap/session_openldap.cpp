@@ -181,8 +181,11 @@ struct Session::Connection {
 
     // A message of the answer to the only request there is.
     Message next(int request, Wanted wanted, milliseconds limit, Result& why) const {
-        const bool has_come = detail::await_bytes(get(), limit);
-        return wait_for(get(), request, wanted, has_come ? limit : milliseconds(0), why);
+        const auto deadline = steady_clock::now() + limit;
+        milliseconds left{0};
+        if (detail::await_bytes(get(), limit))
+            left = std::max(left, std::chrono::ceil<milliseconds>(deadline - steady_clock::now()));
+        return wait_for(get(), request, wanted, left, why);
     }
 
     // The outcome of a request that was sent with the library's `code`.

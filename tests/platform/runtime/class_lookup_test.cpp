@@ -87,6 +87,34 @@ TEST_F(ClassLookup, SeesAChangeThatComesTooSoonForTheFilesTimeStamp) {
     }
 }
 
+// Also after it was looked up by its other name.
+TEST_F(ClassLookup, TakesTheModuleThatListsAClassFirst) {
+    write(folder("front") / "a.manifest", manifest(sample_line("Sample.First")));
+    write(folder("second") / "a.manifest",
+          manifest(sample_line("Sample.Second"), "/nowhere/at_all.so"));
+    for (const char16_t* name : {u"Sample.First", u"Sample.Second", u"Sample.First"}) {
+        CLSID clsid{};
+        EXPECT_EQ(look_up(name, clsid), s_ok);
+        EXPECT_EQ(clsid, sample_class);
+        void* object = nullptr;
+        EXPECT_EQ(CoGetClassObject(clsid, CLSCTX_INPROC_SERVER, nullptr, iid_unknown, &object),
+                  s_ok);
+        if (object) release(static_cast<IUnknown*>(object));
+    }
+}
+
+TEST_F(ClassLookup, FindsANameOfAnyLengthAgainAndAgain) {
+    const std::string name = "Sample." + std::string(200, 'x');
+    write(folder("front") / "a.manifest", manifest(sample_line(name)));
+    const std::u16string asked(name.begin(), name.end());
+    for (int round = 0; round < 3; ++round) {
+        CLSID clsid{};
+        EXPECT_EQ(look_up(asked.c_str(), clsid), s_ok);
+        EXPECT_EQ(clsid, sample_class);
+        EXPECT_EQ(look_up(asked.substr(0, 48).c_str(), clsid), co_e_classstring);
+    }
+}
+
 TEST_F(ClassLookup, ReadsTheSearchPathAfreshWhenItMisses) {
     write(folder("third") / "a.manifest", manifest(sample_line("Sample.Third")));
     CLSID clsid{};

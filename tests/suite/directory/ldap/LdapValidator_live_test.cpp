@@ -42,6 +42,16 @@ TEST(LdapValidator, KnowsTheRightPassword) {
               0);
 }
 
+TEST(LdapValidator, ChecksUsersOfServersInTurn) {
+    PrivateSlapd other;
+    LdapProbe probe(other.url(), other.root_dn(), other.root_password());
+    ASSERT_EQ(probe.replace(other.user_dn("djansen"), "userPassword", {"long-enough"}), 0);
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(checked(shop().server(), user_path("djansen"), u"shop-sample"), 0);
+        EXPECT_EQ(checked(other.server(), user_path("djansen"), u"long-enough"), 0);
+    }
+}
+
 TEST(LdapValidator, DoesNotTellAWrongUserFromAWrongPassword) {
     EXPECT_EQ(checked(shop().server(), user_path("djansen"), u"Shop-sample"), -1);
     EXPECT_EQ(checked(shop().server(), user_path("nobody"), u"shop-sample"), -1);
@@ -125,6 +135,14 @@ TEST(LdapValidator, MustBeOpened) {
     Variant path = user_path("djansen");
     Variant password = u"shop-sample";
     EXPECT_EQ(failure_of([&] { validator.Validate(path, password); }).number, 91);
+}
+
+TEST(LdapValidator, LooksAtItsServerOnlyToAskIt) {
+    const std::string server = "dir01:99999999";
+    EXPECT_EQ(checked(server, user_path("djansen"), u""), -1);
+    EXPECT_EQ(checked(server, u"cn=djansen,ou=Nowhere,o=Shop", u"shop-sample"), -1);
+    EXPECT_EQ(failure_of([&] { checked(server, user_path("djansen"), u"shop-sample"); }).number,
+              error_number(0x8007203F));
 }
 
 TEST(LdapValidator, SaysThatItsContainerCannotBeRead) {

@@ -1,10 +1,14 @@
 // Password checks with AskPolicy: who is asked what the password policy says.
 
+#include <chrono>
+
 #include "tests/suite/directory/ldap/pool_test.h"
 #include "tests/suite/directory/ldap/rewriting_proxy.h"
 
 namespace orvo::directory::ldap {
 namespace {
+
+using namespace std::chrono_literals;
 
 // What a request for the policy holds, and no other.
 constexpr const char* asks_policy = "1.3.6.1.4.1.42.2.27.8.5.1";
@@ -61,6 +65,14 @@ TEST_F(AskedPolicyTest, AConnectionThatWasLostIsReplacedAndItsServerReadAnew) {
     proxy_.cut_requests(1);
     EXPECT_EQ(check(), 0);
     EXPECT_EQ(searches() - before, 1 + 1);
+}
+
+TEST_F(AskedPolicyTest, AServerThatDoesNotAnswerCostsTheOperationLimitOnce) {
+    use({u"AskPolicy"}, {0});
+    proxy_.swallow_requests(1000, "supportedControl");
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_TRUE(is_policy_asked()) << "the failure is the same";
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 900ms);
 }
 
 class SilentAboutItselfTest : public AskedPolicyTest {

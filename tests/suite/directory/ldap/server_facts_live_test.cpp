@@ -11,7 +11,9 @@ protected:
         : PoolTest({.config = "database frontend\n"
                               "access to dn.base=\"\"\n"
                               "    by dn.exact=\"cn=orvo-service,ou=Services,o=Shop\" read\n"
-                              "    by * none\n"}) {}
+                              "    by * none\n"
+                              "access to *\n"
+                              "    by * read\n"}) {}
     long extended_operations() {
         return counted("cn=Extended,cn=Operations", "monitorOpInitiated");
     }

@@ -1,0 +1,136 @@
+// Sessions with servers that take their time, and how long they wait for them.
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <functional>
+#include <string>
+#include <thread>
+
+#include "suite/directory/ldap/session.h"
+#include "tests/suite/directory/ldap/loopback.h"
+
+namespace orvo::directory::ldap {
+namespace {
+
+using namespace std::chrono_literals;
+using namespace std::string_literals;
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+// A server for one connection that does what it is told, and ends with the object.
+class Peer {
+public:
+    explicit Peer(std::function<void(int connection)> conduct)
+        : listener_(listen_on_loopback(port_)) {
+        // What is sent to it fills its window soon.
+        const int window = 65'536;
+        ::setsockopt(listener_, SOL_SOCKET, SO_RCVBUF, &window, sizeof window);
+        thread_ = std::thread([this, conduct = std::move(conduct)] {
+            const int connection = ::accept(listener_, nullptr, nullptr);
+            conduct(connection);
+            ::close(connection);
+        });
+    }
+    ~Peer() {
+        thread_.join();
+        ::close(listener_);
+    }
+    Peer(const Peer&) = delete;
+
+    Session session(milliseconds limit) const {
+        return Session::connect(ServerAddress::parse(u"127.0.0.1:" + decimal(port_)), {3s, limit});
+    }
+
+private:
+    int port_ = 0;
+    int listener_;
+    std::thread thread_;
+};
+
+void send(int connection, const std::string& bytes) {
+    ::send(connection, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+}
+
+// Until the client has closed.
+void take_everything(int connection, milliseconds pause = 0ms) {
+    std::string bytes(65'536, ' ');
+    while (::recv(connection, bytes.data(), bytes.size(), 0) > 0)
+        std::this_thread::sleep_for(pause);
+}
+
+// An answer that ends a modification, the first request of its connection: a success.
+const std::string modified = "\x30\x0C\x02\x01\x01\x67\x07\x0A\x01\x00\x04\x00\x04\x00"s;
+
+template <class Body>
+milliseconds time_of(Body body) {
+    const auto begin = steady_clock::now();
+    body();
+    return std::chrono::duration_cast<milliseconds>(steady_clock::now() - begin);
+}
+
+TEST(ASessionWithASlowPeer, SendsALargeRequestWholeBeforeItWaits) {
+    constexpr std::size_t size = 12'000'000;
+    Peer peer([](int connection) {
+        std::string bytes(65'536, ' ');
+        for (std::size_t taken = 0; taken < size;) {
+            const ssize_t count = ::recv(connection, bytes.data(), bytes.size(), 0);
+            if (count <= 0) return;
+            taken += static_cast<std::size_t>(count);
+            std::this_thread::sleep_for(1ms);
+        }
+        send(connection, modified);
+        take_everything(connection);
+    });
+    Session session = peer.session(20s);
+    const Replacement change{"description", {std::string(size, 'x')}};
+    EXPECT_LT(time_of([&] { EXPECT_EQ(session.modify("o=Shop", {&change, 1}).code, 0); }), 15s);
+}
+
+TEST(ASessionWithASlowPeer, WaitsOnceForAnAnswerOfWhichTheBeginningCame) {
+    Peer peer([](int connection) {
+        std::this_thread::sleep_for(700ms);
+        send(connection, modified.substr(0, 5));
+        take_everything(connection);
+    });
+    Session session = peer.session(1s);
+    const auto time = time_of([&] { EXPECT_EQ(session.remove("o=Shop").code, 85); });
+    EXPECT_GE(time, 990ms);
+    EXPECT_LT(time, 1500ms);
+}
+
+TEST(ASessionWithASlowPeer, WaitsNoLongerBecauseOfASignal) {
+    struct sigaction nothing {};
+    nothing.sa_handler = [](int) {};
+    nothing.sa_flags = SA_RESTART;
+    struct sigaction before {};
+    ::sigaction(SIGUSR1, &nothing, &before);
+    {
+        Peer peer([](int connection) { take_everything(connection); });
+        Session session = peer.session(1s);
+        std::thread signaller([waiting = ::pthread_self()] {
+            std::this_thread::sleep_for(700ms);
+            ::pthread_kill(waiting, SIGUSR1);
+        });
+        const auto time = time_of([&] { EXPECT_EQ(session.remove("o=Shop").code, 85); });
+        signaller.join();
+        EXPECT_GE(time, 990ms);
+        EXPECT_LT(time, 1500ms);
+    }
+    ::sigaction(SIGUSR1, &before, nullptr);
+}
+
+TEST(ASessionWithASlowPeer, WaitsAsLongAsTheLatestLimitSays) {
+    Peer peer([](int connection) { take_everything(connection); });
+    Session session = peer.session(1500ms);
+    EXPECT_GE(time_of([&] { EXPECT_EQ(session.remove("o=Shop").code, 85); }), 1490ms);
+    session.set_limits({3s, 200ms});
+    EXPECT_LT(time_of([&] { EXPECT_EQ(session.remove("o=Shop").code, 85); }), 1000ms);
+}
+
+}  // namespace
+}  // namespace orvo::directory::ldap
