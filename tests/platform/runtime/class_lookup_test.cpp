@@ -1,7 +1,9 @@
 #include "component_folders.h"
 
+#include <chrono>
 #include <cstdlib>
 #include <ostream>
+#include <thread>
 
 #include "counted.h"
 #include "platform/runtime/registration.h"
@@ -92,6 +94,8 @@ TEST_F(ClassLookup, TakesTheModuleThatListsAClassFirst) {
     write(folder("front") / "a.manifest", manifest(sample_line("Sample.First")));
     write(folder("second") / "a.manifest",
           manifest(sample_line("Sample.Second"), "/nowhere/at_all.so"));
+    // Until then a failure would have them read anew.
+    std::this_thread::sleep_for(std::chrono::milliseconds(150));
     for (const char16_t* name : {u"Sample.First", u"Sample.Second", u"Sample.First"}) {
         CLSID clsid{};
         EXPECT_EQ(look_up(name, clsid), s_ok);
