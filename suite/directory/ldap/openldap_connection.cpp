@@ -1,6 +1,5 @@
 #include "suite/directory/ldap/openldap_connection.h"
 
-#include <fcntl.h>
 #include <ldap.h>
 #include <netdb.h>
 #include <netinet/in.h>
@@ -54,9 +53,12 @@ std::string system_message(int error) { return std::generic_category().message(e
 
 // 0, or the system's error.
 int connect_within(int descriptor, const addrinfo& address, milliseconds limit) {
-    if (::connect(descriptor, address.ai_addr, address.ai_addrlen) == 0) return 0;
-    if (errno != EINPROGRESS) return errno;
+    const timeval time = timeval_of(limit);
+    if (::setsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &time, sizeof time) < 0) return errno;
     const auto deadline = steady_clock::now() + limit;
+    if (::connect(descriptor, address.ai_addr, address.ai_addrlen) == 0) return 0;
+    // After the socket's limit it is still being done (socket(7)); a signal leaves it to go on.
+    if (errno != EINTR) return errno == EINPROGRESS ? ETIMEDOUT : errno;
     for (;;) {
         const auto left = std::chrono::ceil<milliseconds>(deadline - steady_clock::now());
         if (left.count() <= 0) return ETIMEDOUT;
@@ -86,7 +88,7 @@ int connected_socket(const ServerHost& host, const Limits& limits, Result& why) 
     const std::unique_ptr<addrinfo, FreeAddresses> addresses(found);
     int reason = 0;
     for (const addrinfo* address = found; address; address = address->ai_next) {
-        Socket socket(::socket(address->ai_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+        Socket socket(::socket(address->ai_family, SOCK_STREAM | SOCK_CLOEXEC, 0));
         if (socket.get() < 0) {
             reason = errno;
             continue;
@@ -96,7 +98,6 @@ int connected_socket(const ServerHost& host, const Limits& limits, Result& why) 
         const int on = 1;
         ::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
         ::setsockopt(socket.get(), SOL_SOCKET, SO_KEEPALIVE, &on, sizeof on);
-        ::fcntl(socket.get(), F_SETFL, 0);
         return socket.detach();
     }
     why = {reason == ETIMEDOUT ? result_code::timeout : result_code::server_down,

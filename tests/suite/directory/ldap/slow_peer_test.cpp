@@ -1,6 +1,8 @@
 // Sessions with servers that take their time, and how long they wait for them.
 
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <poll.h>
 #include <pthread.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -10,8 +12,10 @@
 #include <functional>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "suite/directory/ldap/session.h"
+#include "tests/suite/directory/ldap/expect_failure.h"
 #include "tests/suite/directory/ldap/loopback.h"
 
 namespace orvo::directory::ldap {
@@ -122,6 +126,35 @@ TEST(ASessionWithASlowPeer, WaitsNoLongerBecauseOfASignal) {
         EXPECT_LT(time, 1500ms);
     }
     ::sigaction(SIGUSR1, &before, nullptr);
+}
+
+// Whoever comes to a full queue gets no answer at all.
+TEST(ASessionWithASlowPeer, IsGivenUpWhereItIsNotConnectedInTime) {
+    int port = 0;
+    const int listener = listen_on_loopback(port);
+    ::listen(listener, 0);
+    std::vector<int> queue;
+    const auto is_full = [&] {
+        queue.push_back(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0));
+        sockaddr_in address{};
+        socklen_t size = sizeof address;
+        ::getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size);
+        ::connect(queue.back(), reinterpret_cast<const sockaddr*>(&address), size);
+        pollfd connected{queue.back(), POLLOUT, 0};
+        return ::poll(&connected, 1, 100) == 0;
+    };
+    while (queue.size() < 100 && !is_full()) {
+    }
+    const ServerAddress address = ServerAddress::parse(u"127.0.0.1:" + decimal(port));
+    const auto time = time_of([&] {
+        const Failure failure = failure_of([&] { Session::connect(address, {500ms, 3s}); });
+        EXPECT_EQ(failure.number, error_number(0x8007203A));
+        EXPECT_NE(failure.description.find(u"(85) The server did not answer in time."), Text::npos);
+    });
+    EXPECT_GE(time, 490ms);
+    EXPECT_LT(time, 1500ms);
+    for (const int socket : queue) ::close(socket);
+    ::close(listener);
 }
 
 TEST(ASessionWithASlowPeer, WaitsAsLongAsTheLatestLimitSays) {
