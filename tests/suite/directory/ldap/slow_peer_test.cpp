@@ -77,6 +77,72 @@ milliseconds time_of(Body body) {
     return std::chrono::duration_cast<milliseconds>(steady_clock::now() - begin);
 }
 
+// A signal that this thread gets in the middle of what it waits for.
+class Interruption {
+public:
+    explicit Interruption(milliseconds after) {
+        struct sigaction nothing {};
+        nothing.sa_handler = [](int) {};
+        nothing.sa_flags = SA_RESTART;
+        ::sigaction(SIGUSR1, &nothing, &before_);
+        thread_ = std::thread([after, waiting = ::pthread_self()] {
+            std::this_thread::sleep_for(after);
+            ::pthread_kill(waiting, SIGUSR1);
+        });
+    }
+    ~Interruption() {
+        thread_.join();
+        ::sigaction(SIGUSR1, &before_, nullptr);
+    }
+    Interruption(const Interruption&) = delete;
+
+private:
+    struct sigaction before_ {};
+    std::thread thread_;
+};
+
+// Listens, but has a full queue: whoever comes gets no answer at all.
+class FullQueue {
+public:
+    FullQueue() : listener_(listen_on_loopback(port_)) {
+        ::listen(listener_, 0);
+        while (waiting_.size() < 100 && joined()) {
+        }
+    }
+    ~FullQueue() {
+        for (const int socket : waiting_) ::close(socket);
+        ::close(listener_);
+    }
+    FullQueue(const FullQueue&) = delete;
+
+    ServerAddress address() const { return ServerAddress::parse(u"127.0.0.1:" + decimal(port_)); }
+
+private:
+    bool joined() {
+        sockaddr_in address{};
+        socklen_t size = sizeof address;
+        ::getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &size);
+        waiting_.push_back(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0));
+        ::connect(waiting_.back(), reinterpret_cast<const sockaddr*>(&address), size);
+        pollfd connected{waiting_.back(), POLLOUT, 0};
+        return ::poll(&connected, 1, 100) == 1;
+    }
+
+    int port_ = 0;
+    int listener_;
+    std::vector<int> waiting_;
+};
+
+void expect_not_connected(const ServerAddress& address, milliseconds limit) {
+    const auto time = time_of([&] {
+        const Failure failure = failure_of([&] { Session::connect(address, {limit, 3s}); });
+        EXPECT_EQ(failure.number, error_number(0x8007203A));
+        EXPECT_NE(failure.description.find(u"(85) The server did not answer in time."), Text::npos);
+    });
+    EXPECT_GE(time, limit - 10ms);
+    EXPECT_LT(time, limit + 1s);
+}
+
 TEST(ASessionWithASlowPeer, SendsALargeRequestWholeBeforeItWaits) {
     constexpr std::size_t size = 12'000'000;
     Peer peer([](int connection) {
@@ -107,54 +173,24 @@ TEST(ASessionWithASlowPeer, WaitsOnceForAnAnswerOfWhichTheBeginningCame) {
     EXPECT_LT(time, 1500ms);
 }
 
-TEST(ASessionWithASlowPeer, WaitsNoLongerBecauseOfASignal) {
-    struct sigaction nothing {};
-    nothing.sa_handler = [](int) {};
-    nothing.sa_flags = SA_RESTART;
-    struct sigaction before {};
-    ::sigaction(SIGUSR1, &nothing, &before);
-    {
-        Peer peer([](int connection) { take_everything(connection); });
-        Session session = peer.session(1s);
-        std::thread signaller([waiting = ::pthread_self()] {
-            std::this_thread::sleep_for(700ms);
-            ::pthread_kill(waiting, SIGUSR1);
-        });
-        const auto time = time_of([&] { EXPECT_EQ(session.remove("o=Shop").code, 85); });
-        signaller.join();
-        EXPECT_GE(time, 990ms);
-        EXPECT_LT(time, 1500ms);
-    }
-    ::sigaction(SIGUSR1, &before, nullptr);
+TEST(ASessionWithASlowPeer, WaitsNeitherLongerNorShorterBecauseOfASignal) {
+    Peer peer([](int connection) { take_everything(connection); });
+    Session session = peer.session(1s);
+    const Interruption interruption(700ms);
+    const auto time = time_of([&] { EXPECT_EQ(session.remove("o=Shop").code, 85); });
+    EXPECT_GE(time, 990ms);
+    EXPECT_LT(time, 1500ms);
 }
 
-// Whoever comes to a full queue gets no answer at all.
 TEST(ASessionWithASlowPeer, IsGivenUpWhereItIsNotConnectedInTime) {
-    int port = 0;
-    const int listener = listen_on_loopback(port);
-    ::listen(listener, 0);
-    std::vector<int> queue;
-    const auto is_full = [&] {
-        queue.push_back(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0));
-        sockaddr_in address{};
-        socklen_t size = sizeof address;
-        ::getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size);
-        ::connect(queue.back(), reinterpret_cast<const sockaddr*>(&address), size);
-        pollfd connected{queue.back(), POLLOUT, 0};
-        return ::poll(&connected, 1, 100) == 0;
-    };
-    while (queue.size() < 100 && !is_full()) {
-    }
-    const ServerAddress address = ServerAddress::parse(u"127.0.0.1:" + decimal(port));
-    const auto time = time_of([&] {
-        const Failure failure = failure_of([&] { Session::connect(address, {500ms, 3s}); });
-        EXPECT_EQ(failure.number, error_number(0x8007203A));
-        EXPECT_NE(failure.description.find(u"(85) The server did not answer in time."), Text::npos);
-    });
-    EXPECT_GE(time, 490ms);
-    EXPECT_LT(time, 1500ms);
-    for (const int socket : queue) ::close(socket);
-    ::close(listener);
+    const FullQueue queue;
+    expect_not_connected(queue.address(), 500ms);
+}
+
+TEST(ASessionWithASlowPeer, IsGivenUpNoSoonerBecauseOfASignal) {
+    const FullQueue queue;
+    const Interruption interruption(200ms);
+    expect_not_connected(queue.address(), 500ms);
 }
 
 TEST(ASessionWithASlowPeer, WaitsAsLongAsTheLatestLimitSays) {
