@@ -16,21 +16,21 @@ enum class Keeps {
 
 class KeepsScope {
 public:
-    // asks_policy: of every server, also of one that lists no password policy.
-    explicit KeepsScope(Keeps keeps, bool asks_policy = true) {
+    // always_asks_policy: also a server that does not know the question.
+    explicit KeepsScope(Keeps keeps, bool always_asks_policy = false) {
         set(keeps == Keeps::nothing ? 0 : 16, keeps == Keeps::checked_connections ? 0 : 5,
-            keeps == Keeps::connections_and_entries ? 1000 : 0, asks_policy);
+            keeps == Keeps::connections_and_entries ? 1000 : 0, always_asks_policy);
     }
-    ~KeepsScope() { set(16, 5, 0, true); }
+    ~KeepsScope() { set(16, 5, 0, false); }
     KeepsScope(const KeepsScope&) = delete;
 
 private:
     static void set(std::int32_t size, std::int32_t recheck, std::int32_t entries,
-                    bool asks_policy) {
+                    bool always_asks_policy) {
         const auto directory = Ref<DirectoryModule>::from(create_object(u"OrvoDirectory.Ldap"));
         const auto entry = call<&DirectoryModule::CreateEntry>(directory);
         Variant names = Values{u"MaximumSize", u"RecheckAfter", u"AskPolicy"};
-        Variant values = Values{size, recheck, asks_policy ? 1 : 0};
+        Variant values = Values{size, recheck, always_asks_policy ? 1 : 0};
         call<&DirectoryEntry::InitializeConnectionPool>(entry, names, values);
         names = Values{u"Entries"};
         values = Values{entries};

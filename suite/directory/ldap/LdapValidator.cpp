@@ -99,10 +99,10 @@ std::int32_t LdapValidator::Validate(Variant& path, Variant& password) {
 BindResult LdapValidator::checked(const Credentials& checks, const std::string& name,
                                   const Secret& password) const {
     Lease lease = ConnectionPool::of_process().lease(checks, limits_);
-    BindResult bind = lease.session().bind(name, password, lease.policy());
+    BindResult bind = lease.check_password(name, password);
     if (bind.code == result_code::server_down) {
         lease.reopen();
-        bind = lease.session().bind(name, password, lease.policy());
+        bind = lease.check_password(name, password);
     }
     if (!bind.connection_failed() && lease.is_shared()) std::move(lease).give_back();
     return bind;

@@ -7,8 +7,8 @@
 // waiting always ends; whoever has waited longest is served first. A connection never changes hands
 // between two users: there is a set of them for each user of each server, and among users with one
 // name for each password. Password checks have a set of their own for each server, on which every
-// check is a bind of its own and nothing else is done but, where it is set so, to read the server's
-// root entry.
+// check is a bind of its own and nothing else is done but to read the server's root entry (see
+// Lease::check_password).
 //
 // Where the pool is switched off (a maximum of 0) nothing is counted, and a connection that is
 // given back is closed with the last object that works with the same credentials.

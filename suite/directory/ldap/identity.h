@@ -25,7 +25,7 @@ struct Connection {
     Session session;
     std::chrono::steady_clock::time_point opened;
     std::chrono::steady_clock::time_point used = {};  // when it was given back the last time
-    // Whether a password check asks for the policy; not known before it is needed.
+    // Whether a password check asks for the policy; nothing is known before one was accepted.
     std::optional<Policy> policy = {};
 };
 struct IdleConnection;

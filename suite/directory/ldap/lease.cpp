@@ -67,24 +67,41 @@ void Lease::end() noexcept {
     if (std::exchange(is_shared_, false)) pool_->leave(*this);
 }
 
-// A connection that is not kept is not worth the question.
-Policy Lease::policy() {
-    if (always_asks_policy_ || !is_shared_) return Policy::asked;
+// A connection that is not kept is not worth learning about.
+BindResult Lease::check_password(const std::string& name, const Secret& password) {
+    if (always_asks_policy_ || !is_shared_) return session().bind(name, password, Policy::asked);
     std::optional<Policy>& policy = connection_.front().connection.policy;
-    if (policy) return *policy;
+    BindResult bind = session().bind(name, password, policy.value_or(Policy::asked));
+    if (policy || !bind.ok()) return bind;
+    const std::optional<Policy> learnt = learnt_from(bind);
+    if (learnt) {
+        policy = learnt;
+    } else {
+        connection_.clear();
+    }
+    return bind;
+}
+
+// Nothing: the connection is of no use any more.
+std::optional<Policy> Lease::learnt_from(const BindResult& accepted) {
+    if (std::ranges::count(accepted.controls, policy_control, &Control::oid) != 0)
+        return Policy::asked;
     const ReadResult root = session().read("", {"supportedControl"});
-    // A connection that is gone shows once more in the check itself, which is done anew then.
-    if (root.code == result_code::server_down) return Policy::asked;
-    if (root.connection_failed()) check(root);
+    if (root.connection_failed()) return std::nullopt;
     // A server that shows nobody what it knows may know this one.
     const bool is_shown = !root.entry.attributes.empty();
     const bool is_listed =
         is_shown && std::ranges::count(root.entry.attributes.front().values, policy_control) != 0;
-    policy = is_shown && !is_listed ? Policy::not_asked : Policy::asked;
-    return *policy;
+    return is_shown && !is_listed ? Policy::not_asked : Policy::asked;
 }
 
-void Lease::give_back() && { pool_->take_back(*this); }
+void Lease::give_back() && {
+    if (connection_.empty()) {
+        end();
+    } else {
+        pool_->take_back(*this);
+    }
+}
 
 void Lease::reopen() {
     connection_.clear();

@@ -26,16 +26,17 @@ public:
     // Whether the connection is the pool's, and counted.
     bool is_shared() const { return is_shared_; }
 
-    // Whether a password check on this connection asks what the policy says. Where that depends on
-    // the server, its root entry is read once for each connection. Raises the failure of a server
-    // that does not answer.
-    Policy policy();
+    // A bind that checks a password. What the server's policy says of the account is asked with it,
+    // but for one case: AskPolicy is 0, and an accepted password has shown that the server of this
+    // connection neither answers the question nor lists it in its root entry, which is read for
+    // that. Where that reading fails the connection is not kept; the check counts all the same.
+    BindResult check_password(const std::string& name, const Secret& password);
 
     // A new connection in place of this one, authenticated as before. Raises what connecting and
     // authenticating do.
     void reopen();
 
-    // The connection is good, and idle.
+    // The connection is good, and idle; where there is none any more, the lease just ends.
     void give_back() &&;
 
 private:
@@ -43,6 +44,7 @@ private:
     Lease(ConnectionPool& pool, const Credentials& credentials, const Limits& limits);
 
     void open();
+    std::optional<Policy> learnt_from(const BindResult& accepted);
     Result authenticate(const Secret& password, const PasswordDigest& digest);
     void end() noexcept;
 

@@ -3,10 +3,12 @@
 #include <fcntl.h>
 #include <ldap.h>
 #include <poll.h>
+#include <sched.h>
 #include <sys/socket.h>
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <new>
@@ -24,8 +26,15 @@ constexpr int await_option = 0x4F57;
 
 struct Awaited {
     std::chrono::milliseconds limit;
+    std::chrono::microseconds poll;
     bool is_timeout = false;
 };
+
+// So many answers are slept for after one for which asking was in vain.
+constexpr int answers_slept_for = 15;
+
+// Who waits for an answer at this moment, in the whole process.
+std::atomic<int> waiting = 0;
 
 // The library keeps a pointer to one of these for each connection.
 struct ReadAhead {
@@ -33,6 +42,7 @@ struct ReadAhead {
     std::optional<steady_clock::time_point> deadline;
     std::chrono::milliseconds receive_limit{0};  // that the socket has been given; 0: none
     bool is_writing = false;                     // the library still has some of a request to write
+    int answers_to_sleep_for = 0;
     std::size_t begin = 0;
     std::size_t end = 0;
     std::array<char, 16384> buffer;
@@ -53,16 +63,48 @@ int remove(Sockbuf_IO_Desc* layer) {
     return 0;
 }
 
+bool is_nothing_yet(ssize_t received) {
+    return received < 0 && (errno == EAGAIN || errno == EWOULDBLOCK);
+}
+
+ssize_t receive_once(ReadAhead& ahead, int flags) {
+    return ::recv(ahead.descriptor, ahead.buffer.data(), ahead.buffer.size(), flags);
+}
+
+ssize_t receive_polling(ReadAhead& ahead, std::chrono::microseconds poll) {
+    const auto deadline = steady_clock::now() + poll;
+    for (;;) {
+        const ssize_t received = receive_once(ahead, MSG_DONTWAIT);
+        if (!is_nothing_yet(received) || steady_clock::now() >= deadline) return received;
+        ::sched_yield();
+    }
+}
+
+ssize_t receive_sleeping(ReadAhead& ahead, std::chrono::milliseconds limit) {
+    if (ahead.receive_limit != limit) {
+        const timeval time{static_cast<time_t>(limit.count() / 1000),
+                           static_cast<suseconds_t>(limit.count() % 1000 * 1000)};
+        ::setsockopt(ahead.descriptor, SOL_SOCKET, SO_RCVTIMEO, &time, sizeof time);
+        ahead.receive_limit = limit;
+    }
+    return receive_once(ahead, 0);
+}
+
 // A failure and the connection's end show once more to who reads.
 void await(ReadAhead& ahead, Awaited& awaited) {
-    if (ahead.receive_limit != awaited.limit) {
-        const timeval limit{static_cast<time_t>(awaited.limit.count() / 1000),
-                            static_cast<suseconds_t>(awaited.limit.count() % 1000 * 1000)};
-        ::setsockopt(ahead.descriptor, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
-        ahead.receive_limit = awaited.limit;
+    const bool is_alone = waiting.fetch_add(1, std::memory_order_relaxed) == 0;
+    ssize_t received = -1;
+    bool is_received = false;
+    if (ahead.answers_to_sleep_for > 0) {
+        --ahead.answers_to_sleep_for;
+    } else if (is_alone && awaited.poll.count() > 0) {
+        received = receive_polling(ahead, awaited.poll);
+        is_received = !is_nothing_yet(received);
+        if (!is_received) ahead.answers_to_sleep_for = answers_slept_for;
     }
-    const ssize_t received = ::recv(ahead.descriptor, ahead.buffer.data(), ahead.buffer.size(), 0);
-    awaited.is_timeout = received < 0 && (errno == EAGAIN || errno == EWOULDBLOCK);
+    if (!is_received) received = receive_sleeping(ahead, awaited.limit);
+    awaited.is_timeout = is_nothing_yet(received);
+    waiting.fetch_sub(1, std::memory_order_relaxed);
     ahead.begin = 0;
     ahead.end = received > 0 ? static_cast<std::size_t>(received) : 0;
 }
@@ -169,11 +211,11 @@ void never_wait(::ldap* handle) {
     ::fcntl(descriptor, F_SETFL, ::fcntl(descriptor, F_GETFL) & ~O_NONBLOCK);
 }
 
-bool await_bytes(::ldap* handle, std::chrono::milliseconds limit) {
+bool await_bytes(::ldap* handle, std::chrono::milliseconds limit, std::chrono::microseconds poll) {
     Sockbuf* connection = connection_of(handle);
     // What has been received and, where it is encrypted, deciphered is not in the buffer any more.
     if (ber_sockbuf_ctrl(connection, LBER_SB_OPT_DATA_READY, nullptr) != 0) return true;
-    Awaited awaited{limit};
+    Awaited awaited{limit, poll};
     ber_sockbuf_ctrl(connection, await_option, &awaited);
     return !awaited.is_timeout;
 }

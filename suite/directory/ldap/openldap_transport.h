@@ -24,11 +24,15 @@ void wait_until(::ldap* handle, std::chrono::steady_clock::time_point deadline);
 // that does not wait, which await_bytes needs to; this takes that back.
 void never_wait(::ldap* handle);
 
-// Waits for the answer to the only request there is, and receives its beginning: one system call,
-// where waiting and then reading are two. False when nothing came within `limit`, which is not 0.
-// Where the connection fails or ends, whoever reads next is told. Comes back at once where the
-// request has not been sent whole: the library sends the rest while it waits itself.
-bool await_bytes(::ldap* handle, std::chrono::milliseconds limit);
+// Waits for the answer to the connection's only request, and receives its beginning: one system
+// call, where waiting and then reading are two. False when nothing came within `limit`, which is
+// not 0. Where the connection fails or ends, whoever reads next is told. Comes back at once where
+// the request has not been sent whole: the library sends the rest while it waits itself.
+//
+// Who waits alone in the process asks again and again for as long as `poll`, and gives way
+// to other threads in between, before it sleeps: a server that is near answers sooner than a
+// sleeper wakes. After an answer that was not near, a connection's next 15 are slept for.
+bool await_bytes(::ldap* handle, std::chrono::milliseconds limit, std::chrono::microseconds poll);
 
 // Whether nothing has come from the server: no message, no end of the connection.
 bool is_quiet(::ldap* handle);

@@ -24,6 +24,8 @@ constexpr Row rows[] = {
      [](PoolSettings& s, std::int64_t n) { s.limits.connect = milliseconds(n); }},
     {{"OperationLimit", 1, 3'600'000},
      [](PoolSettings& s, std::int64_t n) { s.limits.operation = milliseconds(n); }},
+    {{"PollLimit", 0, 1000},
+     [](PoolSettings& s, std::int64_t n) { s.limits.poll = std::chrono::microseconds(n); }},
     {{"RecheckAfter", 0, 3600}, [](PoolSettings& s, std::int64_t n) { s.recheck = seconds(n); }},
     {{"AskPolicy", 0, 1}, [](PoolSettings& s, std::int64_t n) { s.always_asks_policy = n != 0; }},
 };

@@ -25,11 +25,10 @@ struct PoolSettings {
     // How long credentials that the server accepted are good for another Bind or Connect without
     // asking it.
     std::chrono::seconds recheck{5};
-    // Whether every password check asks what the server's password policy says, or only that of a
-    // server whose root entry lists the control. One that does not know the control notes each such
-    // question in its log, which costs time; but where it only stands in front of the server that
-    // has the policy, the question is passed on, and would be missed.
-    bool always_asks_policy = true;
+    // Whether every password check asks what the server's password policy says, or not those on a
+    // connection whose server has neither answered that nor lists it. One that does not know the
+    // question notes it in its log each time, which costs time.
+    bool always_asks_policy = false;
     Limits limits;
 };
 
@@ -43,8 +42,9 @@ struct PoolSettings {
 //   - AgeLimit: seconds, 1 to 604800.
 //   - ConnectLimit: milliseconds, 1 to 600000.
 //   - OperationLimit: milliseconds, 1 to 3600000.
+//   - PollLimit: microseconds, 0 to 1000.
 //   - RecheckAfter: seconds, 0 to 3600.
-//   - AskPolicy: 0 (where it is listed) or 1 (always).
+//   - AskPolicy: 0 (servers that know it) or 1 (every server).
 PoolSettings changed(PoolSettings settings, const Variant& names, const Variant& values);
 
 }  // namespace orvo::directory::ldap

@@ -30,6 +30,9 @@ struct Limits {
     std::chrono::milliseconds connect{5000};
     // For the complete answer to one request, from when it is asked for.
     std::chrono::milliseconds operation{30000};
+    // How long the only request of the process asks for its answer before it sleeps until it comes;
+    // 0: not at all. Where the client library waits by itself, on Windows, this does nothing.
+    std::chrono::microseconds poll{100};
 };
 
 // What came of one operation. Texts are the server's, or the client's for codes from 81.

@@ -183,7 +183,7 @@ struct Session::Connection {
     Message next(int request, Wanted wanted, milliseconds limit, Result& why) const {
         const auto deadline = steady_clock::now() + limit;
         milliseconds left{0};
-        if (detail::await_bytes(get(), limit))
+        if (detail::await_bytes(get(), limit, limits.poll))
             left = std::max(left, std::chrono::ceil<milliseconds>(deadline - steady_clock::now()));
         return wait_for(get(), request, wanted, left, why);
     }

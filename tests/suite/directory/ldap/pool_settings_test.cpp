@@ -30,17 +30,18 @@ TEST(PoolSettings, HaveSensibleDefaults) {
     EXPECT_EQ(settings.idle, 30s);
     EXPECT_EQ(settings.age, 300s);
     EXPECT_EQ(settings.recheck, 5s);
-    EXPECT_TRUE(settings.always_asks_policy);
+    EXPECT_FALSE(settings.always_asks_policy);
     EXPECT_EQ(settings.limits.connect, 5s);
     EXPECT_EQ(settings.limits.operation, 30s);
+    EXPECT_EQ(settings.limits.poll, 100us);
 }
 
 TEST(PoolSettings, TakeEachOfTheirNames) {
-    const PoolSettings settings =
-        changed(PoolSettings(),
-                Values{u"MaximumSize", u"MaximumIdle", u"WaitLimit", u"IdleLimit", u"AgeLimit",
-                       u"ConnectLimit", u"OperationLimit", u"RecheckAfter", u"AskPolicy"},
-                Values{1, 2, 3, 4, 5, 6, 7, 8, 0});
+    const PoolSettings settings = changed(
+        PoolSettings(),
+        Values{u"MaximumSize", u"MaximumIdle", u"WaitLimit", u"IdleLimit", u"AgeLimit",
+               u"ConnectLimit", u"OperationLimit", u"PollLimit", u"RecheckAfter", u"AskPolicy"},
+        Values{1, 2, 3, 4, 5, 6, 7, 8, 9, 1});
     EXPECT_EQ(settings.maximum_size, 1u);
     EXPECT_EQ(settings.maximum_idle, 2u);
     EXPECT_EQ(settings.wait, 3ms);
@@ -48,8 +49,9 @@ TEST(PoolSettings, TakeEachOfTheirNames) {
     EXPECT_EQ(settings.age, 5s);
     EXPECT_EQ(settings.limits.connect, 6ms);
     EXPECT_EQ(settings.limits.operation, 7ms);
-    EXPECT_EQ(settings.recheck, 8s);
-    EXPECT_FALSE(settings.always_asks_policy);
+    EXPECT_EQ(settings.limits.poll, 8us);
+    EXPECT_EQ(settings.recheck, 9s);
+    EXPECT_TRUE(settings.always_asks_policy);
 }
 
 TEST(PoolSettings, KeepWhatIsNotNamed) {
@@ -78,7 +80,7 @@ TEST(PoolSettings, RefuseWhatTheyDoNotKnowOrCannotUse) {
         "The setting 'MaximumSize' has to be a whole number from 0 to 1000.";
     const std::string all =
         "There are: MaximumSize, MaximumIdle, WaitLimit, IdleLimit, AgeLimit, ConnectLimit, "
-        "OperationLimit, RecheckAfter, AskPolicy.";
+        "OperationLimit, PollLimit, RecheckAfter, AskPolicy.";
     struct Case {
         Variant names, values;
         std::string why;

@@ -37,8 +37,8 @@ protected:
     }
     static void use_defaults() {
         use({u"MaximumSize", u"MaximumIdle", u"WaitLimit", u"IdleLimit", u"AgeLimit",
-             u"ConnectLimit", u"OperationLimit", u"RecheckAfter", u"AskPolicy"},
-            {0, 64, 5000, 30, 300, 5000, 30000, 5, 1});
+             u"ConnectLimit", u"OperationLimit", u"PollLimit", u"RecheckAfter", u"AskPolicy"},
+            {0, 64, 5000, 30, 300, 5000, 30000, 100, 5, 0});
         use({u"MaximumSize"}, {16});
     }
 

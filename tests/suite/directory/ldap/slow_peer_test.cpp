@@ -9,7 +9,6 @@
 
 #include <chrono>
 #include <csignal>
-#include <functional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -17,58 +16,14 @@
 #include "suite/directory/ldap/session.h"
 #include "tests/suite/directory/ldap/expect_failure.h"
 #include "tests/suite/directory/ldap/loopback.h"
+#include "tests/suite/directory/ldap/peer.h"
 
 namespace orvo::directory::ldap {
 namespace {
 
 using namespace std::chrono_literals;
-using namespace std::string_literals;
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
-
-// A server for one connection that does what it is told, and ends with the object.
-class Peer {
-public:
-    explicit Peer(std::function<void(int connection)> conduct)
-        : listener_(listen_on_loopback(port_)) {
-        // What is sent to it fills its window soon.
-        const int window = 65'536;
-        ::setsockopt(listener_, SOL_SOCKET, SO_RCVBUF, &window, sizeof window);
-        thread_ = std::thread([this, conduct = std::move(conduct)] {
-            const int connection = ::accept(listener_, nullptr, nullptr);
-            conduct(connection);
-            ::close(connection);
-        });
-    }
-    ~Peer() {
-        thread_.join();
-        ::close(listener_);
-    }
-    Peer(const Peer&) = delete;
-
-    Session session(milliseconds limit) const {
-        return Session::connect(ServerAddress::parse(u"127.0.0.1:" + decimal(port_)), {3s, limit});
-    }
-
-private:
-    int port_ = 0;
-    int listener_;
-    std::thread thread_;
-};
-
-void send(int connection, const std::string& bytes) {
-    ::send(connection, bytes.data(), bytes.size(), MSG_NOSIGNAL);
-}
-
-// Until the client has closed.
-void take_everything(int connection, milliseconds pause = 0ms) {
-    std::string bytes(65'536, ' ');
-    while (::recv(connection, bytes.data(), bytes.size(), 0) > 0)
-        std::this_thread::sleep_for(pause);
-}
-
-// An answer that ends a modification, the first request of its connection: a success.
-const std::string modified = "\x30\x0C\x02\x01\x01\x67\x07\x0A\x01\x00\x04\x00\x04\x00"s;
 
 template <class Body>
 milliseconds time_of(Body body) {
@@ -153,7 +108,7 @@ TEST(ASessionWithASlowPeer, SendsALargeRequestWholeBeforeItWaits) {
             taken += static_cast<std::size_t>(count);
             std::this_thread::sleep_for(1ms);
         }
-        send(connection, modified);
+        send(connection, modified(1));
         take_everything(connection);
     });
     Session session = peer.session(20s);
@@ -164,7 +119,7 @@ TEST(ASessionWithASlowPeer, SendsALargeRequestWholeBeforeItWaits) {
 TEST(ASessionWithASlowPeer, WaitsOnceForAnAnswerOfWhichTheBeginningCame) {
     Peer peer([](int connection) {
         std::this_thread::sleep_for(700ms);
-        send(connection, modified.substr(0, 5));
+        send(connection, modified(1).substr(0, 5));
         take_everything(connection);
     });
     Session session = peer.session(1s);
