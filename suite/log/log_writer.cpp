@@ -1,6 +1,7 @@
 #include "suite/log/log_writer.h"
 
 #include <spdlog/details/log_msg.h>
+#include <spdlog/pattern_formatter.h>
 #include <spdlog/sinks/rotating_file_sink.h>
 #include <spdlog/sinks/stdout_sinks.h>
 
@@ -20,7 +21,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* entry_pattern = "%Y-%m-%dT%H:%M:%S.%e%z %v";
+constexpr const char* line_pattern = "%Y-%m-%dT%H:%M:%S.%e%z %v";
+
+// What a sink is given is a whole line, with its end.
+std::unique_ptr<spdlog::formatter> as_it_is() {
+    return std::make_unique<spdlog::pattern_formatter>("%v", spdlog::pattern_time_type::local, "");
+}
 
 Text text_of(const fs::path& path) {
     const auto bytes = path.generic_u8string();
@@ -47,11 +53,15 @@ void make_writable(const fs::path& file) {
 class LogWriter::Sinks {
 public:
     explicit Sinks(LogTarget target) : target_(std::move(target)) {
-        if (target_.standard_error) console_.emplace().set_pattern(entry_pattern);
+        if (target_.standard_error) console_.emplace().set_formatter(as_it_is());
     }
 
-    void write(const spdlog::details::log_msg& message) {
+    void write(const spdlog::details::log_msg& entry) {
         const std::lock_guard lock(mutex_);
+        spdlog::memory_buf_t line;
+        formatter_.format(entry, line);
+        spdlog::details::log_msg message = entry;
+        message.payload = {line.data(), line.size()};
         if (console_) console_->log(message);
         if (target_.file.empty()) return;
         try {
@@ -70,19 +80,24 @@ private:
     }
 
     void write_to_file(const spdlog::details::log_msg& message) {
-        if (file_ && size_of_file() != known_size_) file_.reset();
+        std::optional<std::uintmax_t> size = size_of_file();
+        if (file_ && size != known_size_) file_.reset();
         if (!file_) {
             make_writable(target_.file);
             file_.emplace(target_.file.native(), target_.largest_file, target_.file_count - 1);
-            file_->set_pattern(entry_pattern);
+            file_->set_formatter(as_it_is());
+            size = size_of_file();
         }
         file_->log(message);
         file_->flush();
-        known_size_ = size_of_file();
+        if (size) *size += message.payload.size();
+        // Beyond that it is another file by now.
+        known_size_ = size <= target_.largest_file ? size : size_of_file();
     }
 
     const LogTarget target_;
     std::mutex mutex_;
+    spdlog::pattern_formatter formatter_{line_pattern};
     std::optional<spdlog::sinks::stderr_sink_mt> console_;
     std::optional<spdlog::sinks::rotating_file_sink_st> file_;
     std::optional<std::uintmax_t> known_size_;

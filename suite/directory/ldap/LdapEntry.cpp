@@ -38,7 +38,7 @@ void LdapEntry::Bind(Text& server, Text& container, Text& common_name, Text& use
     const Text name = entry_name(common_name, container_name(container));
     require_whole(name);
     name_ = to_utf8(name);
-    key_ = EntryKey(name_);
+    key_ = name_ == login.user() ? login.user_key() : EntryKey(name_);
 
     const std::vector<std::string> asked = names_in(attributes);
     if (is_cached(login, asked)) {

@@ -1,22 +1,33 @@
 #include "suite/directory/ldap/password_value.h"
 
+#include <algorithm>
+#include <initializer_list>
 #include <optional>
 
 #include "platform/automation/failure.h"
 #include "platform/automation/values.h"
-#include "suite/directory/common/attribute_types.h"
+#include "suite/directory/common/ascii.h"
 #include "suite/directory/ldap/failures.h"
 
 namespace orvo::directory::ldap {
 
-bool is_password(const std::string& attribute) {
-    const std::string type = AttributeDescription(attribute).type;
-    return type == "userpassword" || type == "2.5.4.35";
+namespace {
+
+// Whether a description is of the type that has one of these names, whatever its options.
+bool is_one_of(std::string_view description, std::initializer_list<std::string_view> names) {
+    const std::string_view type = description.substr(0, description.find(';'));
+    return std::ranges::any_of(
+        names, [&](std::string_view name) { return ascii::equal_ignoring_case(type, name); });
 }
 
-bool is_secret(const std::string& attribute) {
-    const std::string type = AttributeDescription(attribute).type;
-    return is_password(type) || type == "orvontpassword" || type == "orvoattribute:58";
+}  // namespace
+
+bool is_password(std::string_view attribute) {
+    return is_one_of(attribute, {"userPassword", "2.5.4.35"});
+}
+
+bool is_secret(std::string_view attribute) {
+    return is_password(attribute) || is_one_of(attribute, {"OrvoNTPassword", "OrvoAttribute:58"});
 }
 
 Secret password_in(const Variant& value) {

@@ -73,6 +73,7 @@ public:
 
     const std::string& server_key() const { return credentials_.identity->server_key(); }
     const std::string& user() const { return credentials_.identity->user(); }
+    const EntryKey& user_key() const { return credentials_.identity->user_key(); }
 
 private:
     Lease take();

@@ -71,6 +71,9 @@ void assign(std::vector<std::string>& texts, const berval* values) {
     texts.resize(count);
 }
 
+// That an entry mostly has no more of.
+constexpr std::size_t usual_attributes = 16;
+
 // One pass over the message, attribute after attribute, without looking any up again. What `entry`
 // held before is overwritten; its memory is used again.
 enum class Decoded { whole, passed_over, unreadable };
@@ -85,6 +88,7 @@ Decoded decode_entry(LDAP* handle, LDAPMessage* message, const SearchRequest& re
     };
     const std::unique_ptr<BerElement, Free> held(decoder);
     entry.name.assign(name.bv_val, name.bv_len);
+    entry.attributes.reserve(usual_attributes);
     if (request.wanted && !request.wanted(entry.name)) return Decoded::passed_over;
     for (std::size_t count = 0;; ++count) {
         berval attribute{};
