@@ -1,10 +1,28 @@
-// The frame of every benchmark: says what is measured where, and the peak memory at the end.
+// The frame of every benchmark: says what is measured where, and the peak memory at the end. Ends
+// with 1 where a row has an error instead of figures.
 
 #include <benchmark/benchmark.h>
 #include <sys/resource.h>
 
 #include <cstdlib>
 #include <iostream>
+#include <vector>
+
+namespace {
+
+class CountsErrors : public benchmark::ConsoleReporter {
+public:
+    void ReportRuns(const std::vector<Run>& runs) override {
+        for (const Run& run : runs) errors_ += run.error_occurred;
+        ConsoleReporter::ReportRuns(runs);
+    }
+    int errors() const { return errors_; }
+
+private:
+    int errors_ = 0;
+};
+
+}  // namespace
 
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
@@ -16,9 +34,11 @@ int main(int argc, char** argv) {
 #ifndef NDEBUG
     std::cerr << "Assertions are on: these figures say nothing.\n";
 #endif
-    benchmark::RunSpecifiedBenchmarks();
+    CountsErrors reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
     std::cout << "Peak memory: " << usage.ru_maxrss / 1024.0 << " MiB\n";
+    return reporter.errors() == 0 ? 0 : 1;
 }

@@ -3,17 +3,9 @@
 // Rounds alternate; "rate_to_raw" and "rate_to_python" are how many lists are read in the time of
 // one of the others'. Python runs in a process of its own that measures itself, without its start.
 
-#include <benchmark/benchmark.h>
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <system_error>
-
 #include "bench/big_shop.h"
-#include "bench/crew.h"
 #include "bench/raw_search.h"
+#include "bench/three_clients.h"
 
 namespace orvo {
 namespace {
@@ -22,56 +14,6 @@ constexpr std::size_t rows_wanted = 1000;
 // Three users of the shop have no type and are in no list.
 constexpr std::int64_t users = rows_wanted + 3;
 constexpr const char* filter = "(&(objectClass=orvoPerson)(OrvoUserType=*))";
-
-// The searches of bench/member_search.py. Python is the system's: its package is python3-ldap.
-class PythonSearch {
-public:
-    explicit PythonSearch(const PrivateSlapd& shop) : shop_(shop) {
-        int to_child[2], from_child[2];
-        if (pipe2(to_child, O_CLOEXEC) != 0 || pipe2(from_child, O_CLOEXEC) != 0)
-            throw std::system_error(errno, std::generic_category(), "pipe");
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_adddup2(&actions, to_child[0], STDIN_FILENO);
-        posix_spawn_file_actions_adddup2(&actions, from_child[1], STDOUT_FILENO);
-        std::string python = "/usr/bin/python3", script = ORVO_SOURCE_DIR "/bench/member_search.py";
-        char* arguments[] = {python.data(), script.data(), nullptr};
-        const int error =
-            posix_spawn(&child_, python.c_str(), &actions, nullptr, arguments, environ);
-        posix_spawn_file_actions_destroy(&actions);
-        close(to_child[0]);
-        close(from_child[1]);
-        if (error != 0) throw std::system_error(error, std::generic_category(), python);
-        requests_ = fdopen(to_child[1], "w");
-        answers_ = fdopen(from_child[0], "r");
-    }
-    ~PythonSearch() {
-        fclose(requests_);
-        fclose(answers_);
-        waitpid(child_, nullptr, 0);
-    }
-    PythonSearch(const PythonSearch&) = delete;
-
-    // The seconds of one search, of so many; 0 where it failed or rows are missing.
-    double run(int rounds) {
-        std::fprintf(requests_,
-                     "{\"url\": \"%s\", \"user\": \"%s\", \"password\": \"%s\", "
-                     "\"filter\": \"%s\", \"rounds\": %d}\n",
-                     shop_.url().c_str(), shop_.service_dn().c_str(),
-                     shop_.service_password().c_str(), filter, rounds);
-        std::fflush(requests_);
-        double seconds = 0;
-        unsigned long rows = 0;
-        if (std::fscanf(answers_, "%lf %lu", &seconds, &rows) != 2) return 0;
-        return rows == rows_wanted ? seconds : 0;
-    }
-
-private:
-    const PrivateSlapd& shop_;
-    pid_t child_ = -1;
-    FILE* requests_;
-    FILE* answers_;
-};
 
 struct Searcher {
     PrivateSlapd& shop = shop_of(users);
@@ -91,27 +33,10 @@ struct Searcher {
 };
 
 void member_search(benchmark::State& state) {
-    constexpr int rounds = 5;
-    PythonSearch python(shop_of(users));
-    Crew<Searcher> crew(1);
-    bool is_wrong = python.run(1) == 0;
-    double raw_time = 0, own_time = 0, python_time = 0;
-    for (auto _ : state) {
-        raw_time += crew.run(rounds, [](Searcher& searcher) { searcher.search_raw(); });
-        python_time += python.run(rounds) * rounds;
-        const double own = crew.run(rounds, [&](Searcher& searcher) {
-            searcher.search();
-            is_wrong |= searcher.is_wrong;
-        });
-        own_time += own;
-        state.SetIterationTime(own / rounds);
-    }
-    if (is_wrong) state.SkipWithError("rows are missing");
-    const double done = static_cast<double>(state.iterations()) * rounds;
-    state.counters["raw_ms"] = raw_time / done * 1000;
-    state.counters["python_ms"] = python_time / done * 1000;
-    state.counters["rate_to_raw"] = raw_time / own_time;
-    state.counters["rate_to_python"] = python_time / own_time;
+    PythonClient python("member_search.py", shop_of(users), filter);
+    take_turns<Searcher>(state, benchmark::kMillisecond, 5, python, &Searcher::search_raw,
+                         &Searcher::search);
+    if (python.rows() != rows_wanted) state.SkipWithError("rows are missing");
 }
 BENCHMARK(member_search)
     ->Name("GetOrvoUsers, 1,000 rows; raw and python-ldap: kept connections")

@@ -1,24 +1,27 @@
-// A user created and deleted through the container, beside the raw client doing the same directory
-// operations: add, set the password, read the new user and the account of its type, read the
-// container, with which every deletion begins, and delete. The raw client keeps its connection, or
-// it connects and authenticates for the creation and again for the deletion. Rounds alternate;
-// "rate_to_raw" is how many users are created and deleted in the time of one of the raw client's.
-
-#include <benchmark/benchmark.h>
+// A user created and deleted through the container, beside the raw client and beside python-ldap
+// doing the same directory operations: add, set the password, read the new user and the account of
+// its type, read the container, with which every deletion begins, and delete. Both keep their
+// connection, or both connect and authenticate for the creation and again for the deletion. Rounds
+// alternate; "rate_to_raw" and "rate_to_python" are how many users are created and deleted in the
+// time of one of the others'. Python runs in a process of its own that measures itself, without its
+// start.
 
 #include "bench/big_shop.h"
-#include "bench/crew.h"
 #include "bench/provider_keeps.h"
 #include "bench/raw_writes.h"
+#include "bench/three_clients.h"
 
 namespace orvo {
 namespace {
 
+// The new user, the account of its type and the container.
+constexpr std::size_t entries_read = 3;
+
 struct Creator {
     PrivateSlapd& shop = shop_of(1000);
+    bool is_wrong = false;
     RawConnection kept = connected();
     Object members = bound_members(shop);
-    bool is_wrong = false;
 
     RawConnection connected() {
         RawConnection made = raw_connection(shop.url());
@@ -50,47 +53,33 @@ struct Creator {
     }
 };
 
-void create_and_delete(benchmark::State& state, Keeps keeps, void (Creator::*raw)()) {
-    constexpr int rounds = 20;
-    shop_of(1000);
+void create_and_delete(benchmark::State& state, Keeps keeps, void (Creator::*raw)(),
+                       const char* python_connection) {
+    PythonClient python("user_create.py", shop_of(1000), python_connection);
     const KeepsScope scope(keeps);
-    Crew<Creator> crew(1);
-    bool is_wrong = false;
-    double raw_time = 0, own_time = 0;
-    for (auto _ : state) {
-        raw_time += crew.run(rounds, [&](Creator& creator) {
-            (creator.*raw)();
-            is_wrong |= creator.is_wrong;
-        });
-        const double own = crew.run(rounds, [](Creator& creator) { creator.own(); });
-        own_time += own;
-        state.SetIterationTime(own / rounds);
-    }
-    if (is_wrong) state.SkipWithError("the raw client failed");
-    const double done = static_cast<double>(state.iterations()) * rounds;
-    state.counters["raw_us"] = raw_time / done * 1e6;
-    state.counters["rate_to_raw"] = raw_time / own_time;
+    take_turns<Creator>(state, benchmark::kMicrosecond, 20, python, raw, &Creator::own);
+    if (python.rows() != entries_read) state.SkipWithError("python-ldap reads other entries");
 }
 
 void pool_to_kept(benchmark::State& state) {
-    create_and_delete(state, Keeps::connections, &Creator::raw_kept);
+    create_and_delete(state, Keeps::connections, &Creator::raw_kept, "kept");
 }
 void pool_to_connecting(benchmark::State& state) {
-    create_and_delete(state, Keeps::connections, &Creator::raw_connecting);
+    create_and_delete(state, Keeps::connections, &Creator::raw_connecting, "connecting");
 }
 void off_to_connecting(benchmark::State& state) {
-    create_and_delete(state, Keeps::nothing, &Creator::raw_connecting);
+    create_and_delete(state, Keeps::nothing, &Creator::raw_connecting, "connecting");
 }
 BENCHMARK(pool_to_kept)
-    ->Name("CreateUser, DeleteUser, pool; raw: kept connection")
+    ->Name("CreateUser, DeleteUser, pool; raw and python-ldap: kept connection")
     ->Unit(benchmark::kMicrosecond)
     ->UseManualTime();
 BENCHMARK(pool_to_connecting)
-    ->Name("CreateUser, DeleteUser, pool; raw: connecting")
+    ->Name("CreateUser, DeleteUser, pool; raw and python-ldap: connecting")
     ->Unit(benchmark::kMicrosecond)
     ->UseManualTime();
 BENCHMARK(off_to_connecting)
-    ->Name("CreateUser, DeleteUser, no pool; raw: connecting")
+    ->Name("CreateUser, DeleteUser, no pool; raw and python-ldap: connecting")
     ->Unit(benchmark::kMicrosecond)
     ->UseManualTime();
 
