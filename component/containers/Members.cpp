@@ -1,6 +1,7 @@
 #include "component/containers/Members.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "component/common/GUIDGenerator.h"
 #include "component/common/Index16.h"
@@ -49,9 +50,11 @@ Ref<Dictionary> attributes_of_new_user(ServerInfo& info, const Text& name, const
 Values value_list(const Variant& value) {
     if (!value.is_array()) return {value};
     const Values given = value.to<Values>();
-    Values list(0, given.upper_bound() + 1);
-    for (std::int32_t i = std::max(given.lower_bound(), 0); i <= given.upper_bound(); ++i)
-        list[i] = given[i];
+    const std::int64_t count = std::int64_t{given.upper_bound()} + 1;
+    if (count > std::numeric_limits<std::int32_t>::max())
+        raise_runtime_error(runtime_error::out_of_memory);
+    Values list(0, static_cast<std::int32_t>(count));
+    for (std::int32_t i = std::max(given.lower_bound(), 0); i < count; ++i) list[i] = given[i];
     return list;
 }
 

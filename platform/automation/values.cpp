@@ -72,7 +72,11 @@ std::int32_t Values::lower_bound() const { return bounds_of(array_).lLbound; }
 
 std::int32_t Values::upper_bound() const {
     const auto& bounds = bounds_of(array_);
-    return bounds.lLbound + static_cast<std::int32_t>(bounds.cElements) - 1;
+    return static_cast<std::int32_t>(std::int64_t{bounds.lLbound} + bounds.cElements - 1);
+}
+
+std::int32_t Values::count() const {
+    return static_cast<std::int32_t>(bounds_of(array_).cElements);
 }
 
 Variant& Values::operator[](std::int32_t index) { return element_of(array_, index); }

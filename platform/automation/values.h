@@ -30,9 +30,10 @@ public:
     ~Values();
 
     std::int32_t lower_bound() const;
-    // One below the lower bound when there are no elements.
+    // One below the lower bound when there are no elements, which below the lowest number there is
+    // is the highest.
     std::int32_t upper_bound() const;
-    std::int32_t count() const { return upper_bound() - lower_bound() + 1; }
+    std::int32_t count() const;
 
     // By index between the bounds; raises 9 (subscript out of range).
     Variant& operator[](std::int32_t index);

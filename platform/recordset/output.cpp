@@ -14,9 +14,10 @@ void append_text(Text& out, const Variant& value, const Text& null) {
         out += value.text_view();
     } else if (value.is_array()) {
         const Values elements = value.to<Values>();
-        for (std::int32_t i = elements.lower_bound(); i <= elements.upper_bound(); ++i) {
-            if (i > elements.lower_bound()) out += u", ";
-            append_text(out, elements[i], null);
+        const Variant* first = elements.elements().data();
+        for (const Variant& element : elements) {
+            if (&element != first) out += u", ";
+            append_text(out, element, null);
         }
     } else {
         out += value.to<Text>();

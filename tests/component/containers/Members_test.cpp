@@ -1,5 +1,7 @@
 #include "component/containers/Members.h"
 
+#include <limits>
+
 #include "tests/component/containers/containers_test.h"
 
 namespace orvo {
@@ -282,6 +284,19 @@ TEST_FRESH(MembersTest, NamesFromOneOnAreReadFromZeroAllTheSame) {
                        9, u"OrvoMembership", block("9", with_attributes, "Subscript out of range"));
         EXPECT_THAT(journal_.take(), testing::Contains(MatchesRegex("CreateChild.*")))
             << "the user has been created";
+    });
+}
+
+TEST_FRESH(MembersTest, AListOfValuesUpToTheHighestIndexIsTooLong) {
+    members_through_every_door([](Behind<Members>& members) {
+        Variant names = Values{u"sn"};
+        Variant values = Values{Values(std::numeric_limits<std::int32_t>::max(), 1)};
+        const Text name = u"jsmith", password = u"s3cret";
+        EXPECT_EQ(raised_by([&] {
+                      members.call<&Members::CreateUserWithAttributes>(name, password, names,
+                                                                       values);
+                  }).number,
+                  7);
     });
 }
 

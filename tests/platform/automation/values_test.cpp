@@ -30,6 +30,16 @@ TEST(Values, KeepTheElementsOfTheirListInOrder) {
     EXPECT_THAT(list, ElementsAre(Variant(u"a"), Variant(2), Variant::null()));
 }
 
+TEST(Values, MayHaveTheLowestAndTheHighestBounds) {
+    constexpr std::int32_t lowest = std::numeric_limits<std::int32_t>::min();
+    constexpr std::int32_t highest = std::numeric_limits<std::int32_t>::max();
+    EXPECT_EQ(Values(highest, 1).upper_bound(), highest);
+    EXPECT_EQ(Values(highest, 1).count(), 1);
+    EXPECT_EQ(Values(lowest, 1).upper_bound(), lowest);
+    EXPECT_EQ(Values(lowest, 0).upper_bound(), highest);
+    EXPECT_EQ(Values(lowest, 0).count(), 0);
+}
+
 TEST(Values, AreIndexedByTheirOwnBounds) {
     Values list(-1, 3);
     EXPECT_EQ(list.lower_bound(), -1);
