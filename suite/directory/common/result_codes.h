@@ -15,6 +15,7 @@ namespace result_code {
 inline constexpr int success = 0;
 inline constexpr int protocol_error = 2;
 inline constexpr int admin_limit_exceeded = 11;
+inline constexpr int undefined_attribute_type = 17;
 inline constexpr int constraint_violation = 19;
 inline constexpr int invalid_syntax = 21;
 inline constexpr int no_such_object = 32;

@@ -13,6 +13,7 @@
 namespace orvo {
 namespace directory::ldap {
 
+struct GivenAttribute;
 struct NewEntry;
 
 // One entry. Each operation takes a connection of its user's from the pool (ConnectionPool); where
@@ -60,8 +61,8 @@ public:
     // somebody else created. Where it is refused, or cannot be set for another reason, the entry is
     // removed again and the reason is raised; it says so where the entry cannot be removed. An
     // entry whose creation the server has not confirmed is never removed, for it may be somebody
-    // else's: the failure then says that it may exist without a password. A server without that
-    // operation gets the entry with a hash.
+    // else's: the failure then says that it may exist (without a password, where one was given). A
+    // server without that operation gets the entry with a hash.
     //
     // Raises 0x8004044F, "(68) The specified entry already exists.", for an entry that is there.
     void CreateChild(Variant& classes, Text& naming_attribute, Object& attributes) override;
@@ -99,6 +100,7 @@ private:
                                                          const AttributeType* type);
     void write_password(const std::string& name, const Variant& value);
     void replace(const std::string& name, std::vector<std::string> values);
+    void require_known(const GivenAttribute& attribute);
     void add(const std::string& name, const NewEntry& entry);
     void set_first_password(const std::string& name, const Secret& password);
     Text take_back(const std::string& name, TextView is_or_may_be);

@@ -21,7 +21,7 @@ std::vector<Attribute> with_blanks(std::vector<Attribute> attributes,
 void LdapEntry::CreateChild(Variant& classes, Text& naming_attribute, Object& attributes) {
     require_bound();
     const std::vector<GivenAttribute> given = given_attributes(attributes);
-    for (const GivenAttribute& attribute : given) type_of(attribute.name);
+    for (const GivenAttribute& attribute : given) require_known(attribute);
     require_whole(naming_attribute);
     const ServerFacts& server = facts();
     NewEntry entry(given, classes, to_utf8(naming_attribute), server.types, server.classes);
@@ -34,6 +34,13 @@ void LdapEntry::CreateChild(Variant& classes, Text& naming_attribute, Object& at
     const NotedWrite noted{EntryKey(name)};
     add(name, entry);
     if (!entry.password.empty()) set_first_password(name, entry.password);
+}
+
+// An unknown one with a value the server refuses; an empty text it is not told of.
+void LdapEntry::require_known(const GivenAttribute& attribute) {
+    if (type_of(attribute.name) || facts().types.empty()) return;
+    if (attribute.value.is_text() && attribute.value.text_view().empty())
+        raise_code(result_code::undefined_attribute_type, quoted(attribute.name));
 }
 
 void LdapEntry::add(const std::string& name, const NewEntry& entry) {
@@ -66,10 +73,12 @@ void LdapEntry::add(const std::string& name, const NewEntry& entry) {
             result.message = "The name may be too long for it.";
         check(result);
     } catch (const Failure& failure) {
-        if (!may_be_done || entry.password.empty()) throw;
+        const bool has_password = !entry.password.empty();
+        const bool is_told = failure.number == number_of_code(result_code::entry_already_exists);
+        if (!may_be_done || (is_told && !has_password)) throw;
         throw Failure(failure.number, failure.source,
                       failure.description + u" The entry " + from_utf8(quoted(name)) +
-                          u" may exist, without a password.");
+                          (has_password ? u" may exist, without a password." : u" may exist."));
     }
 }
 

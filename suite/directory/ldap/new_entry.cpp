@@ -10,6 +10,7 @@
 #include "platform/automation/values.h"
 #include "platform/dictionary/contract.h"
 #include "suite/directory/common/attribute_values.h"
+#include "suite/directory/common/filter.h"
 #include "suite/directory/common/written_name.h"
 #include "suite/directory/ldap/failures.h"
 #include "suite/directory/ldap/password_value.h"
@@ -26,6 +27,23 @@ void append_classes(std::vector<std::string>& classes, const Variant& value) {
         for (const Variant& element : value.to<Values>()) append_classes(classes, element);
     } else if (!value.is_empty()) {
         if (Text name = value.to<Text>(); !name.empty()) classes.push_back(to_utf8(name));
+    }
+}
+
+std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view blanks = " \t\r\n";
+    const std::size_t begin = text.find_first_not_of(blanks);
+    if (begin == std::string_view::npos) return {};
+    return text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
+}
+
+// Whether an item of a filter that is put together without escaping asks for just this value.
+bool is_itself_in_filter(TextView item, std::string_view value) {
+    try {
+        const Filter read = Filter::parse(u"(" + Text(item) + u")", provider_name);
+        return read.kind == Filter::Kind::equality && read.value == trimmed(value);
+    } catch (const Failure&) {  // it cannot be read at all
+        return false;
     }
 }
 
@@ -54,6 +72,7 @@ NewEntry::NewEntry(const std::vector<GivenAttribute>& given, const Variant& clas
         if (value.is_text() && types.same(name, naming_attribute))
             require_well_formed(value.text_view());
         if (is_password(name)) {
+            is_login = true;
             password = password_in(value);
         } else if (!is_empty_text(value)) {
             append(name, encode_values(type, value), types);
@@ -127,6 +146,9 @@ void NewEntry::name_by(const std::string& naming_attribute, const AttributeTypes
     if (put_together && put_together != name)
         raise_code(result_code::invalid_name, "The name " + quoted(naming->values.front()) +
                                                   " could be taken for that of another entry.");
+    if (!is_login && !is_itself_in_filter(written_name, naming->values.front()))
+        raise_code(result_code::invalid_name, "The name " + quoted(naming->values.front()) +
+                                                  " would mean something else in a filter.");
 }
 
 Text NewEntry::name_below(TextView container) const {
@@ -135,6 +157,7 @@ Text NewEntry::name_below(TextView container) const {
         raise_code(result_code::invalid_name, "With its container it has more than " +
                                                   std::to_string(longest_name) + " characters.");
     const Text name = entry_name(relative_name, container);
+    if (!is_login) return name;
     const Text read = full_name(put_together);
     if (DistinguishedName::try_parse(read) != DistinguishedName::try_parse(name))
         raise_code(result_code::invalid_name,

@@ -33,6 +33,9 @@ struct NewEntry {
     std::vector<std::string> left_empty;
     // Those of them that the object classes require.
     std::vector<std::string> required_empty;
+    // Whether a password was given, an empty one, too: somebody is to log in. Other entries are
+    // those that users name.
+    bool is_login = false;
     Secret password;  // empty: none
 
     // Values are typed by the schema (encode_values). One attribute under several names or
@@ -44,14 +47,15 @@ struct NewEntry {
     // Raises result code 34 where the naming attribute has no value, several or half of a surrogate
     // pair in it, where these make no relative name, and for a name that its callers could not use
     // afterwards: put together without escaping, as they do (escaped_name), it would be another
-    // entry's, "a,ou=b" say.
+    // entry's, "a,ou=b" say; or, of an entry that is no login, in a filter that looks for those who
+    // name it, and has the name as it is, it would mean something else, "a*" say.
     NewEntry(const std::vector<GivenAttribute>& given, const Variant& classes,
              const std::string& naming_attribute, const AttributeTypes& types,
              const ObjectClasses& object_classes = {});
 
-    // The entry's name below a container. Raises result code 34 for one that its user could not log
-    // in with: put together with the container it would be read as another (full_name), or longer
-    // than any name.
+    // The entry's name below a container. Raises result code 34 for one that is longer than any
+    // name, and of a login for one that its user could not log in with: put together with the
+    // container it would be read as another (full_name).
     Text name_below(TextView container) const;
 
 private:

@@ -125,13 +125,31 @@ TEST_FRESH(ProfilesLive, AnOrdinaryUserSeesTheProfilesAndChangesNone) {
 TEST_FRESH(ProfilesLive, NamesWithSignsOfTheirOwnAreCreatedBoundAndDeleted) {
     const auto before = everything();
     const Object container = profiles();
-    for (const char16_t* name : {u"a, b", u"a+b", u"\"quoted\"", u"#hash", u"star*", u"(paren)",
-                                 u"back\\slash", u"a=b", u"\u65E5\u672C", u"O'Neill", u" blank"}) {
+    for (const char16_t* name :
+         {u"a, b", u"a+b", u"\"quoted\"", u"#hash", u"(paren)", u"back\\slash", u"back\\", u"a=b",
+          u"R&D <core>, team=blue", u"\u65E5\u672C", u"O'Neill", u" blank"}) {
         SCOPED_TRACE(to_utf8(Text(name)));
         EXPECT_EQ(property(create_profile(container, name), u"CN"), to_utf8(Text(name)));
         EXPECT_EQ(remove(container, name), Variant(true));
         EXPECT_EQ(everything(), before);
     }
+}
+
+// The queries for those who have a profile hold its name as it is.
+TEST_FRESH(ProfilesLive, NamesThatMeanSomethingElseInAQueryAreRefused) {
+    const auto before = everything();
+    const Object container = profiles();
+    for (const char16_t* name :
+         {u"*", u"star*", u"p)D", u"p(E", u"p&(Y", u"p|Q)(x=*", u"pZ)(objectClass=*"}) {
+        const Failure failure = raised_by([&] { create_profile(container, name); });
+        EXPECT_EQ(failure.number, error_number(0x80072032));
+        EXPECT_NE(
+            failure.description.find(u"(34) The distinguished name is not valid. The name '" +
+                                     Text(name) + u"' would mean something else in a filter."),
+            Text::npos)
+            << to_utf8(failure.description);
+    }
+    EXPECT_EQ(everything(), before);
 }
 
 }  // namespace

@@ -121,6 +121,18 @@ TEST_F(LdapEntryChildrenTest, StoresAnEmptyTextAsZeroForANumberAndOtherwiseNotAt
     EXPECT_EQ(found(u"(&(OrvoUserType=*)(cn=new))"), 1);
 }
 
+TEST_F(LdapEntryChildrenTest, RefusesAnEmptyTextOfAnAttributeThatTheSchemaDoesNotKnow) {
+    for (const char16_t* unknown : {u"nosuch", u" OrvoUserType", u""}) {
+        const Failure failure = failure_of([&] {
+            create(bound(), {{u"cn", u"new"}, {unknown, u""}, {u"objectClass", u"orvoPerson"}});
+        });
+        EXPECT_EQ(failure.number, error_number(0x8007200C));
+        EXPECT_EQ(failure.description,
+                  u"(17) The attribute type is not defined. '" + Text(unknown) + u"'");
+    }
+    EXPECT_EQ(found(u"(cn=new)"), 0);
+}
+
 TEST_F(LdapEntryChildrenTest, StoresABlankWhereTheClassesWantATextThatCameEmpty) {
     create(bound(), {{u"cn", u"new"},
                      {u"sn", u""},
@@ -379,7 +391,9 @@ TEST_F(LdapEntryChildrenTest, EndsWaitingForASilentServer) {
     const Failure failure = failure_of([&] { create(entry_, user(u"second")); });
     server_.resume();
     EXPECT_EQ(failure.number, error_number(0x8007203A));
-    EXPECT_EQ(failure.description, u"(85) The server did not answer in time.");
+    EXPECT_EQ(failure.description,
+              u"(85) The server did not answer in time. The entry 'cn=second,ou=Users,o=Shop' may "
+              u"exist.");
     remove(entry_, u"cn=first,ou=Users,o=Shop");
 }
 

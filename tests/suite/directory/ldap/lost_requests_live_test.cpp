@@ -147,7 +147,9 @@ TEST_F(LostRequestsTest, AnEntryThatSomebodyElseMayHaveMadeIsLeftAlone) {
 
 TEST_F(LostRequestsTest, ACreationWithoutAPasswordSpeaksOfNone) {
     proxy_.swallow_requests(1, creation);
-    EXPECT_EQ(created(u"new", u"").description, u"(85) The server did not answer in time.");
+    EXPECT_EQ(created(u"new", u"").description,
+              u"(85) The server did not answer in time. The entry 'cn=new,ou=Users,o=Shop' may "
+              u"exist.");
 }
 
 TEST_F(LostRequestsTest, ACreationThatIsRefusedAfterALossSpeaksOfNoEntry) {

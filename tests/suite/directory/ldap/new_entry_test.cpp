@@ -112,13 +112,33 @@ TEST(ANewEntry, IsRefusedWhereItsNameIsNoneOrAnothers) {
 TEST(ANewEntry, HasANameBelowItsContainerUnlessNobodyCouldLogInWithIt) {
     EXPECT_EQ(entry({{"cn", u"Smith, John"}}).name_below(u"ou=Users,o=Shop"),
               u"cn=Smith\\, John,ou=Users,o=Shop");
-    EXPECT_EQ(entry({{"cn", u"a<b"}}).name_below(u""), u"cn=a\\<b");
-    const NewEntry blue = entry({{"cn", u"a<b, team=blue"}});
+    EXPECT_EQ(entry({{"cn", u"a<b"}, {"userPassword", u""}}).name_below(u""), u"cn=a\\<b");
+    EXPECT_EQ(entry({{"cn", u"a<b, team=blue"}}).name_below(u"o=Shop"),
+              u"cn=a\\<b\\, team=blue,o=Shop")
+        << "it is no login";
+    const NewEntry blue = entry({{"cn", u"a<b, team=blue"}, {"userPassword", u""}});
     const Failure failure = failure_of([&] { blue.name_below(u"o=Shop"); });
     EXPECT_EQ(failure.number, error_number(0x80072032));
     EXPECT_EQ(failure.description,
               u"(34) The distinguished name is not valid. Nobody could log in as 'cn=a<b, "
               u"team=blue': with its container it is read as 'cn=a\\<b, team=blue,o=Shop'.");
+}
+
+TEST(ANewEntry, ThatIsNoLoginIsRefusedWhereItsNameMeansSomethingElseInAFilter) {
+    for (const Text name : {u"a*", u"*", u"(a", u"a)", u"a)(b=c", u"a (b=c)", u"a)(|(b=*"}) {
+        const Failure failure = failure_of([&] { entry({{"cn", name}}); });
+        EXPECT_EQ(failure.number, error_number(0x80072032)) << to_utf8(name);
+        EXPECT_EQ(failure.description, u"(34) The distinguished name is not valid. The name '" +
+                                           name + u"' would mean something else in a filter.");
+        EXPECT_EQ(failure_of([&] {
+                      entry({{"cn", name}, {"userPassword", u""}});
+                  }).number,
+                  0)
+            << to_utf8(name);
+    }
+    for (const Text name : {u"a (b)", u"a\\x", u"O'Neill", u" a ", u"a b", u"a=b", u">=a", u"!",
+                            u"&a", u"|a", u":=a"})
+        EXPECT_EQ(failure_of([&] { entry({{"cn", name}}); }).number, 0) << to_utf8(name);
 }
 
 TEST(ANewEntry, ComesFromADictionary) {
