@@ -67,8 +67,8 @@ void LdapValidator::read_container() {
 
 void LdapValidator::find_checks() {
     auto found = std::make_shared<CheckTarget>(*target_);
-    found->checks =
-        ConnectionPool::of_process().password_checks(ServerAddress::parse(found->server));
+    found->checks = ConnectionPool::of_process().password_checks(
+        ServerAddress::parse(found->server), found->container_name->key());
     target_ = std::move(found);
     last_target().keep(target_);
 }

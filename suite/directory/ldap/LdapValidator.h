@@ -21,9 +21,9 @@ struct CheckTarget {
 };
 
 // The check of credentials: one bind, on a connection on which nothing but such checks is ever done
-// (ConnectionPool::password_checks; where it is set so, the server's root entry is read there,
-// too); once more on a new one where the server has closed it in the meantime. Nothing is
-// remembered of a check. Used by one thread.
+// (ConnectionPool::password_checks); once more on a new one where the server has closed it in the
+// meantime. Nothing is remembered of a check but whether the server knows the question for its
+// password policy (Lease::check_password). Used by one thread.
 class LdapValidator final : public DirectoryValidator {
 public:
     // `limits`: instead of those that the connection pool has for all.

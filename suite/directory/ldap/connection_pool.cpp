@@ -71,9 +71,12 @@ Credentials ConnectionPool::enter(const ServerAddress& server, const std::string
     return credentials;
 }
 
-Credentials ConnectionPool::password_checks(const ServerAddress& server) {
+Credentials ConnectionPool::password_checks(const ServerAddress& server,
+                                            const std::string& container) {
+    const std::string server_key = server.key();
+    const std::string key =
+        "checks " + std::to_string(server_key.size()) + ' ' + server_key + container;
     const std::lock_guard lock(mutex_);
-    const std::string key = "checks " + server.key();
     return {find_or_make(Identity::Kind::password_checks, key, server, {}, {}), nullptr};
 }
 
@@ -136,7 +139,7 @@ Lease ConnectionPool::place_for(const Credentials& credentials,
     lease.generation_ = identity.generation_;
     lease.connection_ = take_idle(identity);
     lease.is_shared_ = settings_.maximum_size != 0;
-    lease.always_asks_policy_ = settings_.always_asks_policy;
+    if (!settings_.always_asks_policy) lease.policy_lasts_ = settings_.recheck;
     if (lease.is_shared_) ++identity.open_;
     const auto oldest = now - settings_.age;
     const auto longest_idle = now - settings_.idle;

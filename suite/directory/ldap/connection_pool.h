@@ -6,9 +6,9 @@
 // for one operation, and gives it back. Nobody holds a lease while waiting for another, so that
 // waiting always ends; whoever has waited longest is served first. A connection never changes hands
 // between two users: there is a set of them for each user of each server, and among users with one
-// name for each password. Password checks have a set of their own for each server, on which every
-// check is a bind of its own and nothing else is done but to read the server's root entry (see
-// Lease::check_password).
+// name for each password. Password checks have a set of their own for each container of users of
+// each server, on which every check is a bind of its own and nothing else is done but to read the
+// server's root entry (see Lease::check_password).
 //
 // Where the pool is switched off (a maximum of 0) nothing is counted, and a connection that is
 // given back is closed with the last object that works with the same credentials.
@@ -47,8 +47,8 @@ public:
 
     // The set of a user's connections. Both empty: nobody's.
     Credentials enter(const ServerAddress& server, const std::string& user, const Secret& password);
-    // The set of a server's connections for password checks.
-    Credentials password_checks(const ServerAddress& server);
+    // The set of a server's connections for password checks of users below `container`.
+    Credentials password_checks(const ServerAddress& server, const std::string& container);
 
     // A connection, authenticated as the user of the set (for checks: as anybody or nobody).
     // `limits`: instead of those of the settings. Raises result code 51 where none becomes free in

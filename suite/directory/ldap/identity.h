@@ -2,6 +2,7 @@
 
 // Whose connections they are.
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
@@ -25,8 +26,9 @@ struct Connection {
     Session session;
     std::chrono::steady_clock::time_point opened;
     std::chrono::steady_clock::time_point used = {};  // when it was given back the last time
-    // Whether a password check asks for the policy; nothing is known before one was accepted.
-    std::optional<Policy> policy = {};
+    // Whether a password check asks for the policy, and until when that is known.
+    Policy policy = Policy::asked;
+    std::chrono::steady_clock::time_point policy_known_until = {};
 };
 struct IdleConnection;
 using IdleList = std::list<IdleConnection>;
@@ -57,6 +59,9 @@ public:
     // Held while the user changes the own password, from asking the server to noting the new one:
     // of two who do so at once the later is the one that counts, here as there.
     std::recursive_mutex& password_turn() { return password_turn_; }
+    // Whether the server has left unanswered what it is. Any thread.
+    bool is_silent() const { return is_silent_.load(std::memory_order_relaxed); }
+    void note_silence() { is_silent_.store(true, std::memory_order_relaxed); }
 
 private:
     friend class ConnectionPool;
@@ -67,6 +72,7 @@ private:
     const std::string user_;
     const EntryKey user_key_;
     std::recursive_mutex password_turn_;
+    std::atomic<bool> is_silent_ = false;
 
     // The rest is the pool's, under its lock.
     PasswordDigest digest_;

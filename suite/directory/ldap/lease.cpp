@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "suite/directory/common/ascii.h"
 #include "suite/directory/ldap/connection_pool.h"
 #include "suite/directory/ldap/failures.h"
 #include "suite/directory/ldap/write_marks.h"
@@ -12,6 +13,8 @@ namespace orvo::directory::ldap {
 using std::chrono::steady_clock;
 
 namespace {
+
+constexpr const char* supported_controls = "supportedControl";
 
 // A server that cannot say now whether the credentials are right.
 bool says_nothing(const Result& bind) {
@@ -45,7 +48,7 @@ Lease::Lease(Lease&& other) noexcept
       connection_(std::exchange(other.connection_, {})),
       generation_(other.generation_),
       is_shared_(std::exchange(other.is_shared_, false)),
-      always_asks_policy_(other.always_asks_policy_) {}
+      policy_lasts_(other.policy_lasts_) {}
 
 Lease& Lease::operator=(Lease&& other) noexcept {
     if (this == &other) return *this;
@@ -56,7 +59,7 @@ Lease& Lease::operator=(Lease&& other) noexcept {
     connection_ = std::exchange(other.connection_, {});
     generation_ = other.generation_;
     is_shared_ = std::exchange(other.is_shared_, false);
-    always_asks_policy_ = other.always_asks_policy_;
+    policy_lasts_ = other.policy_lasts_;
     return *this;
 }
 
@@ -69,13 +72,16 @@ void Lease::end() noexcept {
 
 // A connection that is not kept is not worth learning about.
 BindResult Lease::check_password(const std::string& name, const Secret& password) {
-    if (always_asks_policy_ || !is_shared_) return session().bind(name, password, Policy::asked);
-    std::optional<Policy>& policy = connection_.front().connection.policy;
-    BindResult bind = session().bind(name, password, policy.value_or(Policy::asked));
-    if (policy || !bind.ok()) return bind;
-    const std::optional<Policy> learnt = learnt_from(bind);
-    if (learnt) {
-        policy = learnt;
+    if (policy_lasts_.count() == 0 || !is_shared_)
+        return session().bind(name, password, Policy::asked);
+    Connection& connection = connection_.front().connection;
+    const auto now = steady_clock::now();
+    const bool is_known = now < connection.policy_known_until;
+    BindResult bind = session().bind(name, password, is_known ? connection.policy : Policy::asked);
+    if (is_known || !bind.ok()) return bind;
+    if (const std::optional<Policy> learnt = learnt_from(bind, now)) {
+        connection.policy = *learnt;
+        connection.policy_known_until = now + policy_lasts_;
     } else {
         connection_.clear();
     }
@@ -83,16 +89,30 @@ BindResult Lease::check_password(const std::string& name, const Secret& password
 }
 
 // Nothing: the connection is of no use any more.
-std::optional<Policy> Lease::learnt_from(const BindResult& accepted) {
-    if (std::ranges::count(accepted.controls, policy_control, &Control::oid) != 0)
+std::optional<Policy> Lease::learnt_from(const BindResult& accepted,
+                                         steady_clock::time_point begin) {
+    Identity& identity = *credentials_.identity;
+    if (identity.is_silent() ||
+        std::ranges::count(accepted.controls, policy_control, &Control::oid) != 0)
         return Policy::asked;
-    const ReadResult root = session().read("", {"supportedControl"});
-    if (root.connection_failed()) return std::nullopt;
+    Limits rest = limits_;
+    rest.operation -= std::chrono::floor<std::chrono::milliseconds>(steady_clock::now() - begin);
+    rest.operation = std::max(rest.operation, std::chrono::milliseconds(1));
+    session().set_limits(rest);
+    const ReadResult root = session().read("", {supported_controls});
+    if (root.connection_failed()) {
+        if (root.code != result_code::server_down) identity.note_silence();
+        return std::nullopt;
+    }
+    session().set_limits(limits_);
     // A server that shows nobody what it knows may know this one.
-    const bool is_shown = !root.entry.attributes.empty();
-    const bool is_listed =
-        is_shown && std::ranges::count(root.entry.attributes.front().values, policy_control) != 0;
-    return is_shown && !is_listed ? Policy::not_asked : Policy::asked;
+    const auto shown = std::ranges::find_if(root.entry.attributes, [](const Attribute& attribute) {
+        return ascii::equal_ignoring_case(attribute.name, supported_controls);
+    });
+    const bool is_shown =
+        root.ok() && shown != root.entry.attributes.end() && !shown->values.empty();
+    return is_shown && std::ranges::count(shown->values, policy_control) == 0 ? Policy::not_asked
+                                                                              : Policy::asked;
 }
 
 void Lease::give_back() && {

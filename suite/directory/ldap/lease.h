@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 
@@ -27,9 +28,11 @@ public:
     bool is_shared() const { return is_shared_; }
 
     // A bind that checks a password. What the server's policy says of the account is asked with it,
-    // but for one case: AskPolicy is 0, and an accepted password has shown that the server of this
+    // but where an accepted password has shown within the last RecheckAfter that the server of this
     // connection neither answers the question nor lists it in its root entry, which is read for
-    // that. Where that reading fails the connection is not kept; the check counts all the same.
+    // that. Check and reading end within the operation's limit; where the reading fails the check
+    // counts all the same, the connection is not kept, and a server that did not answer is always
+    // asked from then on.
     BindResult check_password(const std::string& name, const Secret& password);
 
     // A new connection in place of this one, authenticated as before. Raises what connecting and
@@ -44,7 +47,8 @@ private:
     Lease(ConnectionPool& pool, const Credentials& credentials, const Limits& limits);
 
     void open();
-    std::optional<Policy> learnt_from(const BindResult& accepted);
+    std::optional<Policy> learnt_from(const BindResult& accepted,
+                                      std::chrono::steady_clock::time_point begin);
     Result authenticate(const Secret& password, const PasswordDigest& digest);
     void end() noexcept;
 
@@ -54,7 +58,8 @@ private:
     IdleList connection_;  // one, or none
     std::uint64_t generation_ = 0;
     bool is_shared_ = false;
-    bool always_asks_policy_ = true;
+    // How long it counts whether a server knows a policy; 0: it is always asked.
+    std::chrono::seconds policy_lasts_{0};
 };
 
 }  // namespace orvo::directory::ldap

@@ -30,7 +30,8 @@ struct Awaited {
     bool is_timeout = false;
 };
 
-// So many answers are slept for after one for which asking was in vain.
+// So many answers are slept for after one that did not come in time, for each time that asking was
+// to take and took: whoever gives way on a busy machine may get the next turn late.
 constexpr int answers_slept_for = 15;
 
 // Who waits for an answer at this moment, in the whole process.
@@ -72,10 +73,12 @@ ssize_t receive_once(ReadAhead& ahead, int flags) {
 }
 
 ssize_t receive_polling(ReadAhead& ahead, std::chrono::microseconds poll) {
-    const auto deadline = steady_clock::now() + poll;
+    const auto begin = steady_clock::now();
     for (;;) {
         const ssize_t received = receive_once(ahead, MSG_DONTWAIT);
-        if (!is_nothing_yet(received) || steady_clock::now() >= deadline) return received;
+        const auto times = (steady_clock::now() - begin) / poll;
+        if (times > 0) ahead.answers_to_sleep_for = answers_slept_for * static_cast<int>(times);
+        if (times > 0 || !is_nothing_yet(received)) return received;
         ::sched_yield();
     }
 }
@@ -100,7 +103,6 @@ void await(ReadAhead& ahead, Awaited& awaited) {
     } else if (is_alone && awaited.poll.count() > 0) {
         received = receive_polling(ahead, awaited.poll);
         is_received = !is_nothing_yet(received);
-        if (!is_received) ahead.answers_to_sleep_for = answers_slept_for;
     }
     if (!is_received) received = receive_sleeping(ahead, awaited.limit);
     awaited.is_timeout = is_nothing_yet(received);

@@ -23,7 +23,8 @@ struct PoolSettings {
     std::chrono::seconds idle{30};
     std::chrono::seconds age{300};
     // How long credentials that the server accepted are good for another Bind or Connect without
-    // asking it.
+    // asking it, and how long a password check need not ask for a password policy of a server that
+    // has shown that it has none.
     std::chrono::seconds recheck{5};
     // Whether every password check asks what the server's password policy says, or not those on a
     // connection whose server has neither answered that nor lists it. One that does not know the

@@ -127,6 +127,22 @@ TEST_F(LogWriterTest, WritesToANewFileWhereTheOldOneWasRenamed) {
     EXPECT_EQ(content_of(folder_.path() / "moved"), "2024-05-06T07:08:09.123+00:00 one\n");
 }
 
+// Without a free descriptor no file can be opened anew.
+TEST_F(LogWriterTest, KeepsAFileOpenThatNobodyElseTouches) {
+    LogWriter writer({file_});
+    writer.write(moment, "one");
+    const Limit none(RLIMIT_NOFILE, 0);
+    EXPECT_NO_THROW(writer.write(moment, "two"));
+    EXPECT_NO_THROW(writer.write(moment, "three"));
+}
+
+TEST_F(LogWriterTest, KeepsAFileOpenThatItBeganBecauseTheFormerWasFull) {
+    LogWriter writer({file_, false, 70, 3});
+    for (const char* entry : {"1...", "2...", "3..."}) writer.write(moment, entry);
+    const Limit none(RLIMIT_NOFILE, 0);
+    EXPECT_NO_THROW(writer.write(moment, "4..."));
+}
+
 TEST_F(LogWriterTest, TwoWritersOfOneFileKeepTheSizeTogether) {
     LogWriter first({file_, false, 70, 9}), second({file_, false, 70, 9});
     for (int i = 0; i < 8; ++i) (i % 2 ? first : second).write(moment, "1...");

@@ -1,6 +1,8 @@
 // Password checks with AskPolicy: who is asked what the password policy says.
 
 #include <algorithm>
+#include <chrono>
+#include <thread>
 
 #include "tests/suite/directory/ldap/pool_test.h"
 #include "tests/suite/directory/ldap/rewriting_proxy.h"
@@ -8,17 +10,23 @@
 namespace orvo::directory::ldap {
 namespace {
 
+using namespace std::chrono_literals;
+
 // Checks through a proxy that can lose the requests that ask for the policy.
 class AskedPolicyTest : public PoolTest {
 protected:
     explicit AskedPolicyTest(SlapdOptions options = {}, const std::string& hidden = "cn=nothing",
                              const std::string& shown_instead = "cn=nothing")
         : PoolTest(std::move(options)), proxy_(server_.server(), hidden, shown_instead) {
-        use({u"OperationLimit"}, {500});
+        use({u"OperationLimit", u"RecheckAfter"}, {500, 60});
     }
     std::int32_t check(const Text& password = u"shop-sample", const std::string& user = "djansen") {
+        return check_at(proxy_.server(), password, user);
+    }
+    std::int32_t check_at(const std::string& address, const Text& password, const std::string& user,
+                          Text container = u"ou=Users,o=Shop") {
         LdapValidator validator;
-        Text server = from_utf8(proxy_.server()), container = u"ou=Users,o=Shop";
+        Text server = from_utf8(address);
         validator.Open(server, container);
         Variant path = from_utf8(server_.user_dn(user)), password_value = password;
         return validator.Validate(path, password_value);
@@ -80,16 +88,46 @@ TEST_F(AServerWithoutAPolicyTest, IsAskedOnConnectionsThatAreNotKept) {
     }
 }
 
-TEST_F(AServerWithoutAPolicyTest, CanFailToTellWithoutHarmToTheCheck) {
-    proxy_.swallow_requests(1, "supportedControl");
-    EXPECT_EQ(check(), 0);
-    EXPECT_TRUE(comes_to(0)) << "the connection is of no use any more";
+TEST_F(AServerWithoutAPolicyTest, IsAskedAnewAfterRecheckAfter) {
+    use({u"RecheckAfter"}, {1});
+    EXPECT_EQ(searches_of_check(), 1);
+    std::this_thread::sleep_for(1100ms);
+    EXPECT_TRUE(is_policy_asked());
+    EXPECT_EQ(searches_of_check(), 1);
+    use({u"RecheckAfter"}, {0});
+    EXPECT_EQ(searches_of_check(), 0) << "there is nothing to learn";
+    EXPECT_TRUE(is_policy_asked());
+}
+
+// The one in front of two directories may have a policy for one of them.
+TEST_F(AServerWithoutAPolicyTest, IsReadOnceForEachContainer) {
+    const auto searches_of_check_in = [&](const Text& container) {
+        const long before = searches();
+        EXPECT_EQ(check_at(server_.server(), u"shop-sample", "djansen", container), 0);
+        return searches() - before - 1;  // the counting
+    };
+    EXPECT_EQ(searches_of_check_in(u"ou=Users,o=Shop"), 1);
+    EXPECT_EQ(searches_of_check_in(u"o=Shop"), 1);
+    EXPECT_EQ(searches_of_check_in(u"OU=users, o=shop"), 0) << "the first one in other words";
+    EXPECT_TRUE(comes_to(2));
+}
+
+TEST_F(AServerWithoutAPolicyTest, CanBeLostBeforeItTellsWithoutHarmToTheCheck) {
     proxy_.cut_requests(1, "supportedControl");
     EXPECT_EQ(check(), 0);
-    EXPECT_TRUE(comes_to(0));
-    EXPECT_TRUE(is_policy_asked());
-    EXPECT_EQ(check(), 0);
+    EXPECT_TRUE(comes_to(0)) << "the connection is of no use any more";
+    EXPECT_EQ(searches_of_check(), 1);
     EXPECT_FALSE(is_policy_asked());
+}
+
+TEST_F(AServerWithoutAPolicyTest, ThatDoesNotTellIsNotWaitedForAgain) {
+    proxy_.swallow_requests(1, "supportedControl");
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(check(), 0);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 900ms);
+    EXPECT_TRUE(comes_to(0)) << "the connection is of no use any more";
+    EXPECT_EQ(searches_of_check(), 0);
+    EXPECT_TRUE(is_policy_asked());
 }
 
 class SilentAboutItselfTest : public AskedPolicyTest {

@@ -127,8 +127,10 @@ TEST_F(EntryCacheTest, NeverHoldsAPassword) {
     add(key("cn=a"), {{{"userPassword", {"{SSHA}x"}},
                        {"sn", {"A"}},
                        {"2.5.4.35", {"{SSHA}x"}},
-                       {"USERPASSWORD;lang-de", {"{SSHA}x"}}},
-                      {"userPassword", "sn"},
+                       {"USERPASSWORD;lang-de", {"{SSHA}x"}},
+                       {"orvoNTpassword", {"x"}},
+                       {"OrvoAttribute:58;lang-de", {"x"}}},
+                      {"userPassword", "OrvoNTPassword", "sn"},
                       true});
     const auto entry = cache_.find(key("cn=a"));
     ASSERT_TRUE(entry);

@@ -16,6 +16,7 @@ public:
     ~Peer();
     Peer(const Peer&) = delete;
 
+    std::string server() const { return "127.0.0.1:" + std::to_string(port_); }
     Session session(const Limits& limits) const;
     // That waits so long for an answer.
     Session session(std::chrono::milliseconds limit) const;

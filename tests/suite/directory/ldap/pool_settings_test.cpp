@@ -75,9 +75,17 @@ TEST(PoolSettings, TakeNumbersOfEveryTypeInArraysOfAnyBounds) {
     }
 }
 
+TEST(PoolSettings, TakeAPollLimitFromNothingToAMillisecond) {
+    for (const std::int32_t number : {0, 1000})
+        EXPECT_EQ(changed(PoolSettings(), Values{u"PollLimit"}, Values{number}).limits.poll,
+                  std::chrono::microseconds(number));
+}
+
 TEST(PoolSettings, RefuseWhatTheyDoNotKnowOrCannotUse) {
     const std::string not_a_size =
         "The setting 'MaximumSize' has to be a whole number from 0 to 1000.";
+    const std::string not_a_poll =
+        "The setting 'PollLimit' has to be a whole number from 0 to 1000.";
     const std::string all =
         "There are: MaximumSize, MaximumIdle, WaitLimit, IdleLimit, AgeLimit, ConnectLimit, "
         "OperationLimit, PollLimit, RecheckAfter, AskPolicy.";
@@ -106,6 +114,8 @@ TEST(PoolSettings, RefuseWhatTheyDoNotKnowOrCannotUse) {
         {Values{u"MaximumSize"}, Values{Variant::null()}, not_a_size},
         {Values{u"MaximumSize"}, Values{Variant(Values{1})}, not_a_size},
         {Values{u"MaximumSize"}, Values{date_from_parts({2031, 12, 31, 0, 0, 0})}, not_a_size},
+        {Values{u"PollLimit"}, Values{-1}, not_a_poll},
+        {Values{u"PollLimit"}, Values{1001}, not_a_poll},
         {Values{u"IdleLimit"}, Values{0},
          "The setting 'IdleLimit' has to be a whole number from 1 to 86400."},
         {Values{u"OperationLimit"}, Values{3600001},
