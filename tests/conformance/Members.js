@@ -41,6 +41,13 @@ var rich = new ActiveXObject("OrvoMembership.Members").CreateUserWithAttributes(
 equal("created with attributes", rich.LastName, "\u0416\u0430\u0440");
 equal("created with several values", rich.HasRole(24), true);
 
+var registered = new ActiveXObject("OrvoMembership.Members");
+equal("created from a registration page",
+      registered.CreateUserOnFormsLogin("registrant", "welcome-1").CN, "registrant");
+equal("its password", validator.ValidatePassword("registrant", "welcome-1"), 0);
+registered.DeleteUser("registrant");
+equal("deleted by the same object", found("cn=registrant"), "");
+
 // Finding.
 var guid = rich.GUID;
 equal("found by GUID", members.GetUserFromGUID(guid).CN, "\u0416\u0430\u0440 (new)*");
@@ -106,6 +113,9 @@ equal("a partner beyond 32 bits", big.Fields.Item("BusinessPartnerID").Value, 0)
 
 // The container's own entry.
 equal("the container's name", new VBArray(members.GetAttribValue("ou")).getItem(0), "Users");
+members.SetAttribValue("description", arrayOf("all of them"));
+equal("an attribute of the container",
+      new VBArray(members.GetAttribValue("description")).getItem(0), "all of them");
 
 // Deleting.
 members.DeleteUser("Script, User");

@@ -170,13 +170,14 @@ TEST_FRESH(MembersQueriesLive, APartnerBeyond32BitsIsZeroInTheRowAndALineInTheLo
 // Two thousand users, of whom a plain search gets five hundred from this server.
 class MembersQueriesOfManyLive : public MembersQueriesLive {
 protected:
-    MembersQueriesOfManyLive() : MembersQueriesLive({.shop = shop_file()}) {}
+    explicit MembersQueriesOfManyLive(int users = 2000)
+        : MembersQueriesLive({.shop = shop_file(users)}) {}
 
 private:
-    std::filesystem::path shop_file() {
+    std::filesystem::path shop_file(int users) {
         const auto file = big_.path() / "shop.ldif";
         std::ofstream(file) << output_of(
-            {ORVO_SOURCE_DIR "/examples/directory/make-shop", "--users", "2000"});
+            {ORVO_SOURCE_DIR "/examples/directory/make-shop", "--users", std::to_string(users)});
         return file;
     }
     static inline TempFolder big_;
@@ -190,6 +191,19 @@ TEST_FRESH(MembersQueriesOfManyLive, PagesGoBeyondTheServersOwnLimit) {
     EXPECT_EQ(pages, 2);
     EXPECT_EQ(late::get(found(members(), Object()), u"RecordCount"), Variant(1000))
         << "the usual page";
+}
+
+class ApplicationOfManyLive : public MembersQueriesOfManyLive {
+protected:
+    ApplicationOfManyLive() : MembersQueriesOfManyLive(3000) {}
+};
+
+TEST_FRESH(ApplicationOfManyLive, ItsUsersAreListedUpToAThousand) {
+    EXPECT_GT(probe_->find("ou=Users,o=Shop", "(orvoapps=1)").size(), 1000u);
+    const Object accessor = create_object(u"OrvoMembership.PMMAccessor");
+    late::call(accessor, u"InitConfigFile", {from_utf8(shop_.site_ini().string())});
+    const Object users = late::call(accessor, u"GetLDAPUsers", {1}).to<Object>();
+    EXPECT_EQ(late::get(users, u"RecordCount"), Variant(1000));
 }
 
 }  // namespace

@@ -330,6 +330,8 @@ TEST_FRESH(MembersHavingRole, TheResultHasFiveColumnsOfItsOwn) {
         }
         EXPECT_THAT(columns, ElementsAre("BusinessPartnerID 3 4", "mail 202 255", "cn 202 255",
                                          "givenName 202 255", "sn 202 255"));
+        constexpr std::int32_t may_be_null = 0x20;
+        EXPECT_EQ(call<&Field::Attributes>(call<&Fields::Item>(fields, Variant(0))), may_be_null);
         EXPECT_EQ(field_value(found, u"BusinessPartnerID"), Variant(std::int32_t{7}));
         EXPECT_EQ(field_value(found, u"mail"), Variant(u"anna@x"));
         EXPECT_EQ(field_value(found, u"givenName"), Variant(u"Given"));
@@ -398,6 +400,19 @@ TEST_FRESH(MembersHavingRole, MissingCriteriaAreRefusedHereToo) {
                            members.call<&Members::GetOrvoMembersHavingRoleEx>(role, criteria, sort);
                        }),
                        13, u"OrvoMembership", block("D", having_role_ex, type_mismatch));
+    });
+}
+
+TEST_FRESH(MembersHavingRole, TheBookmarkStaysAsItWas) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        directory_.found = users({u"anna", u"bert"});
+        members.call<&Members::GetOrvoUsers>(Variant(Object()), Text(), Variant(std::int16_t{2}));
+        directory_.finds = {profiles({}), users({u"carl"})};
+        having(members, 7);
+        EXPECT_EQ(members.call<&Members::GetLastPageValue>(), u"bert!");
+        directory_.finds = {profiles({}), users({})};
+        having(members, 7);
+        EXPECT_EQ(members.call<&Members::GetLastPageValue>(), u"bert!");
     });
 }
 
