@@ -6,19 +6,28 @@
 
 #include <cstdlib>
 #include <iostream>
+#include <memory>
 #include <vector>
 
 namespace {
 
-class CountsErrors : public benchmark::ConsoleReporter {
+// Reports as the options say, and counts the rows with an error.
+class CountsErrors : public benchmark::BenchmarkReporter {
 public:
+    bool ReportContext(const Context& context) override {
+        usual_->SetOutputStream(&GetOutputStream());
+        usual_->SetErrorStream(&GetErrorStream());
+        return usual_->ReportContext(context);
+    }
     void ReportRuns(const std::vector<Run>& runs) override {
         for (const Run& run : runs) errors_ += run.error_occurred;
-        ConsoleReporter::ReportRuns(runs);
+        usual_->ReportRuns(runs);
     }
+    void Finalize() override { usual_->Finalize(); }
     int errors() const { return errors_; }
 
 private:
+    std::unique_ptr<BenchmarkReporter> usual_{benchmark::CreateDefaultDisplayReporter()};
     int errors_ = 0;
 };
 
