@@ -5,6 +5,7 @@
 #include "suite/directory/ldap/LdapEntry.h"
 #include "suite/directory/ldap/failures.h"
 #include "suite/directory/ldap/new_entry.h"
+#include "suite/directory/ldap/password_value.h"
 #include "suite/directory/ldap/write_marks.h"
 
 namespace orvo::directory::ldap {
@@ -36,8 +37,10 @@ void LdapEntry::CreateChild(Variant& classes, Text& naming_attribute, Object& at
     if (!entry.password.empty()) set_first_password(name, entry.password);
 }
 
-// An unknown one with a value the server refuses; an empty text it is not told of.
+// An unknown one with a value the server refuses; an empty text it is not told of. A name that is
+// empty, too, is what is behind the last comma of a list.
 void LdapEntry::require_known(const GivenAttribute& attribute) {
+    if (attribute.name.empty() || is_password(attribute.name)) return;
     if (type_of(attribute.name) || facts().types.empty()) return;
     if (attribute.value.is_text() && attribute.value.text_view().empty())
         raise_code(result_code::undefined_attribute_type, quoted(attribute.name));

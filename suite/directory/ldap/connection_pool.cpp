@@ -17,12 +17,12 @@ constexpr std::chrono::milliseconds surely_open{100};
 
 [[noreturn]] void raise_busy(const Identity& identity, const PoolSettings& settings) {
     const bool checks = identity.kind() == Identity::Kind::password_checks;
-    raise_code(result_code::busy, "All " + std::to_string(settings.maximum_size) +
-                                      " connections of " +
-                                      (checks ? "the password checks" : "this user") + " to '" +
-                                      identity.server_key() + "' were in use for " +
-                                      std::to_string(settings.wait.count()) +
-                                      " ms (MaximumSize and WaitLimit of the connection pool).");
+    raise_code(result_code::busy,
+               "All " + std::to_string(settings.maximum_size) + " connections of " +
+                   (checks ? "the password checks below one container" : "this user") + " to '" +
+                   identity.server_key() + "' were in use for " +
+                   std::to_string(settings.wait.count()) +
+                   " ms (MaximumSize and WaitLimit of the connection pool).");
 }
 
 void forget_unused(std::vector<std::weak_ptr<Identity>>& set) {

@@ -26,9 +26,9 @@ struct Connection {
     Session session;
     std::chrono::steady_clock::time_point opened;
     std::chrono::steady_clock::time_point used = {};  // when it was given back the last time
-    // Whether a password check asks for the policy, and until when that is known.
+    // Whether a password check asks for the policy, and since when that is known.
     Policy policy = Policy::asked;
-    std::chrono::steady_clock::time_point policy_known_until = {};
+    std::optional<std::chrono::steady_clock::time_point> policy_learnt = {};
 };
 struct IdleConnection;
 using IdleList = std::list<IdleConnection>;

@@ -76,12 +76,13 @@ BindResult Lease::check_password(const std::string& name, const Secret& password
         return session().bind(name, password, Policy::asked);
     Connection& connection = connection_.front().connection;
     const auto now = steady_clock::now();
-    const bool is_known = now < connection.policy_known_until;
+    const bool is_known =
+        connection.policy_learnt && now - *connection.policy_learnt < policy_lasts_;
     BindResult bind = session().bind(name, password, is_known ? connection.policy : Policy::asked);
     if (is_known || !bind.ok()) return bind;
     if (const std::optional<Policy> learnt = learnt_from(bind, now)) {
         connection.policy = *learnt;
-        connection.policy_known_until = now + policy_lasts_;
+        connection.policy_learnt = now;
     } else {
         connection_.clear();
     }
@@ -101,7 +102,9 @@ std::optional<Policy> Lease::learnt_from(const BindResult& accepted,
     session().set_limits(rest);
     const ReadResult root = session().read("", {supported_controls});
     if (root.connection_failed()) {
-        if (root.code != result_code::server_down) identity.note_silence();
+        // It may only have been slow before that.
+        const bool had_time = rest.operation >= limits_.operation / 2;
+        if (root.code != result_code::server_down && had_time) identity.note_silence();
         return std::nullopt;
     }
     session().set_limits(limits_);

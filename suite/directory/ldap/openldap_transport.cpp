@@ -10,6 +10,7 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <new>
 #include <optional>
@@ -33,6 +34,7 @@ struct Awaited {
 // So many answers are slept for after one that did not come in time, for each time that asking was
 // to take and took: whoever gives way on a busy machine may get the next turn late.
 constexpr int answers_slept_for = 15;
+constexpr int most_times = 100;
 
 // Who waits for an answer at this moment, in the whole process.
 std::atomic<int> waiting = 0;
@@ -77,7 +79,9 @@ ssize_t receive_polling(ReadAhead& ahead, std::chrono::microseconds poll) {
     for (;;) {
         const ssize_t received = receive_once(ahead, MSG_DONTWAIT);
         const auto times = (steady_clock::now() - begin) / poll;
-        if (times > 0) ahead.answers_to_sleep_for = answers_slept_for * static_cast<int>(times);
+        if (times > 0)
+            ahead.answers_to_sleep_for =
+                answers_slept_for * static_cast<int>(std::min<std::int64_t>(times, most_times));
         if (times > 0 || !is_nothing_yet(received)) return received;
         ::sched_yield();
     }

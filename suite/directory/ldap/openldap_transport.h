@@ -32,7 +32,8 @@ void never_wait(::ldap* handle);
 // Who waits alone in the process asks again and again for as long as `poll`, and gives way to other
 // threads in between, before it sleeps: a server that is near answers sooner than a sleeper wakes.
 // After an answer that took longer, a connection's next 15 are slept for, and 15 more for each
-// `poll` that asking for it took; it takes longer than it may where others need the processor.
+// `poll` that asking took, 1500 at most; where others need the processor it takes longer than it
+// may.
 bool await_bytes(::ldap* handle, std::chrono::milliseconds limit, std::chrono::microseconds poll);
 
 // Whether nothing has come from the server: no message, no end of the connection.

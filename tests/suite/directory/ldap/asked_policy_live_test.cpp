@@ -89,8 +89,8 @@ TEST_F(AServerWithoutAPolicyTest, IsAskedOnConnectionsThatAreNotKept) {
 }
 
 TEST_F(AServerWithoutAPolicyTest, IsAskedAnewAfterRecheckAfter) {
-    use({u"RecheckAfter"}, {1});
     EXPECT_EQ(searches_of_check(), 1);
+    use({u"RecheckAfter"}, {1});
     std::this_thread::sleep_for(1100ms);
     EXPECT_TRUE(is_policy_asked());
     EXPECT_EQ(searches_of_check(), 1);

@@ -125,7 +125,8 @@ TEST(ANewEntry, HasANameBelowItsContainerUnlessNobodyCouldLogInWithIt) {
 }
 
 TEST(ANewEntry, ThatIsNoLoginIsRefusedWhereItsNameMeansSomethingElseInAFilter) {
-    for (const Text name : {u"a*", u"*", u"(a", u"a)", u"a)(b=c", u"a (b=c)", u"a)(|(b=*"}) {
+    for (const Text name :
+         {u"a*", u"*", u"(a", u"a)", u"a)(b=c", u"a (b=c)", u"a)(|(b=*", u"a\t", u"a\n", u"\t"}) {
         const Failure failure = failure_of([&] { entry({{"cn", name}}); });
         EXPECT_EQ(failure.number, error_number(0x80072032)) << to_utf8(name);
         EXPECT_EQ(failure.description, u"(34) The distinguished name is not valid. The name '" +

@@ -45,7 +45,7 @@ void take_everything(int connection, std::chrono::milliseconds pause) {
 
 std::string modified(int request) {
     using namespace std::string_literals;
-    return "\x30\x0C\x02\x01"s + static_cast<char>(request) +
+    return "\x30\x0D\x02\x02"s + static_cast<char>(request >> 8) + static_cast<char>(request) +
            "\x67\x07\x0A\x01\x00\x04\x00\x04\x00"s;
 }
 

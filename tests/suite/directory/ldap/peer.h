@@ -32,7 +32,7 @@ void send(int connection, const std::string& bytes);
 // Until the client has closed.
 void take_everything(int connection, std::chrono::milliseconds pause = {});
 
-// The answer that ends a modification, the request of this number (from 1, up to 127) of its
+// The answer that ends a modification, the request of this number (from 1) of its
 // connection: a success.
 std::string modified(int request);
 
