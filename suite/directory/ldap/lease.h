@@ -31,8 +31,8 @@ public:
     // but where an accepted password has shown within the last RecheckAfter that the server of this
     // connection neither answers the question nor lists it in its root entry, which is read for
     // that. Check and reading end within the operation's limit; where the reading fails the check
-    // counts all the same, the connection is not kept, and a server that did not answer is always
-    // asked from then on.
+    // counts all the same and the connection is not kept. A server that did not answer the reading
+    // within half the limit is always asked from then on.
     BindResult check_password(const std::string& name, const Secret& password);
 
     // A new connection in place of this one, authenticated as before. Raises what connecting and
