@@ -13,7 +13,7 @@
 #include "platform/abi/call.h"
 #include "platform/automation/values.h"
 #include "platform/recordset/contract.h"
-#include "suite/directory/ldap/LdapSearch.h"
+#include "suite/directory/ldap/provider/LdapSearch.h"
 
 namespace orvo {
 namespace {

@@ -1,7 +1,7 @@
 #include "platform/abi/module.h"
 #include "suite/authfilter/filter_connector.h"
 #include "suite/configuration/suite_configuration.h"
-#include "suite/directory/ldap/LdapDirectory.h"
+#include "suite/directory/ldap/provider/LdapDirectory.h"
 #include "suite/log/suite_log.h"
 
 namespace orvo {

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "platform/automation/failure.h"
-#include "suite/directory/common/written_name.h"
+#include "suite/directory/names/written_name.h"
 
 namespace orvo::authfilter {
 namespace {

@@ -1,0 +1,134 @@
+#include "suite/directory/ldap/memory/entry_cache.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "suite/directory/ldap/memory/attribute_lookup.h"
+#include "suite/directory/ldap/memory/write_marks.h"
+#include "suite/directory/ldap/settings/named_numbers.h"
+#include "suite/directory/names/ascii.h"
+#include "suite/directory/policy/password_attributes.h"
+
+namespace orvo::directory::ldap {
+namespace {
+
+using std::chrono::steady_clock;
+
+constexpr NumberSetting numbers[] = {{"Entries", 0, 1'000'000}, {"TimeToLive", 1, 86'400}};
+
+// The lengths keep two keys apart whatever is in their parts.
+std::string text_of(const CacheKey& key) {
+    return std::to_string(key.server.size()) + ' ' + std::to_string(key.user.size()) + ' ' +
+           key.server + key.user + key.entry;
+}
+
+// What is known by both; where they differ, as the later one has it.
+KnownEntry merged(KnownEntry known, KnownEntry later) {
+    for (Attribute& attribute : later.attributes) {
+        std::erase_if(known.attributes, [&](const Attribute& other) {
+            return ascii::equal_ignoring_case(other.name, attribute.name);
+        });
+        known.attributes.push_back(std::move(attribute));
+    }
+    for (std::string& name : later.asked) known.asked.push_back(std::move(name));
+    return known;
+}
+
+}  // namespace
+
+CacheSettings changed(CacheSettings settings, const Variant& names, const Variant& values) {
+    for (const GivenNumber& given : read_numbers(names, values, numbers)) {
+        if (given.setting == 0)
+            settings.entries = static_cast<std::size_t>(given.number);
+        else
+            settings.time_to_live = std::chrono::seconds(given.number);
+    }
+    return settings;
+}
+
+std::optional<std::vector<std::string>> KnownEntry::try_values(const std::string& name,
+                                                               const AttributeTypes& types) const {
+    const auto found = find_attribute(attributes, name, types);
+    if (found != attributes.end()) return found->values;
+    const AttributeType* type = types.find(name);
+    const bool comes_unasked =
+        type && !type->is_operational && !type->no_user_modification && !is_secret(name);
+    const bool is_missing =
+        (is_whole && comes_unasked) ||
+        std::ranges::any_of(asked, [&](const auto& other) { return types.same(other, name); });
+    return is_missing ? std::optional(std::vector<std::string>()) : std::nullopt;
+}
+
+void KnownEntry::forget_secrets() {
+    std::erase_if(attributes, [](const Attribute& attribute) { return is_secret(attribute.name); });
+    std::erase_if(asked, is_secret);
+}
+
+EntryCache& EntryCache::of_process() {
+    static EntryCache made;
+    return made;
+}
+
+CacheSettings EntryCache::settings() const {
+    const std::lock_guard lock(mutex_);
+    return settings_;
+}
+
+void EntryCache::configure(const Variant& names, const Variant& values) {
+    const std::lock_guard lock(mutex_);
+    settings_ = changed(settings_, names, values);
+    is_on_ = settings_.entries != 0;
+    keep_within_bounds();
+}
+
+std::shared_ptr<const KnownEntry> EntryCache::find(const CacheKey& key) {
+    const std::lock_guard lock(mutex_);
+    const auto kept = find_kept(text_of(key), write_mark(key.mark));
+    return kept == order_.end() ? nullptr : kept->entry;
+}
+
+void EntryCache::add(const CacheKey& key, KnownEntry read, steady_clock::time_point read_at,
+                     std::uint64_t write_mark) {
+    read.forget_secrets();
+    const std::lock_guard lock(mutex_);
+    if (settings_.entries == 0) return;
+    std::string text = text_of(key);
+    const auto kept = find_kept(text, write_mark);
+    if (kept != order_.end()) {
+        if (!read.is_whole) {
+            read = merged(*kept->entry, std::move(read));
+            read_at = std::min(read_at, kept->read_at);
+        }
+        drop(kept);
+    }
+    order_.push_front(
+        {text, std::make_shared<const KnownEntry>(std::move(read)), read_at, write_mark});
+    by_key_.emplace(std::move(text), order_.begin());
+    keep_within_bounds();
+}
+
+// The entry as it is kept, which is now the latest used; the end where there is none any more.
+EntryCache::Order::iterator EntryCache::find_kept(const std::string& key,
+                                                  std::uint64_t write_mark) {
+    const auto found = by_key_.find(key);
+    if (found == by_key_.end()) return order_.end();
+    const auto kept = found->second;
+    if (kept->write_mark != write_mark ||
+        steady_clock::now() - kept->read_at >= settings_.time_to_live) {
+        drop(kept);
+        return order_.end();
+    }
+    order_.splice(order_.begin(), order_, kept);
+    return kept;
+}
+
+void EntryCache::drop(Order::iterator kept) {
+    by_key_.erase(kept->key);
+    order_.erase(kept);
+}
+
+void EntryCache::keep_within_bounds() {
+    while (order_.size() > settings_.entries) drop(std::prev(order_.end()));
+}
+
+}  // namespace orvo::directory::ldap

@@ -1,0 +1,123 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <optional>
+
+#include "component/provider/contract.h"
+#include "platform/abi/hosted.h"
+#include "suite/directory/ldap/memory/entry_cache.h"
+#include "suite/directory/ldap/pool/server_facts.h"
+#include "suite/directory/ldap/pool/server_login.h"
+
+namespace orvo {
+namespace directory::ldap {
+
+struct GivenAttribute;
+struct NewEntry;
+
+// One entry. Each operation takes a connection of its user's from the pool (ConnectionPool); where
+// the server has closed it in the meantime, the operation is done once more on a new one before it
+// fails. Used by one thread.
+//
+// Values are read fresh: every GetValues asks the server, or the cache of the process once that is
+// switched on (InitializeCache). Beside that there is one exception: the whole entry comes with a
+// bind (but for its password and for what the server sends only to those who ask by name) and
+// answers readings within `fetched_lasts`, unless this process has written to the entry since. So
+// whoever binds and at once looks at some attributes pays for one round trip. Of an attribute that
+// may have several values only the first reading is answered so: lists are read in order to be
+// changed and written back, and what another process has added meanwhile must not be lost.
+class LdapEntry final : public DirectoryEntry {
+public:
+    static constexpr std::chrono::milliseconds fetched_lasts{250};
+
+    // `limits`: instead of those that the connection pool has for all.
+    explicit LdapEntry(const std::optional<Limits>& limits = {}) : limits_(limits) {}
+
+    // Authenticates and reads the entry: two round trips, on a new connection or one that is there;
+    // one where the server accepted just these credentials a moment ago (RecheckAfter). The entry
+    // is `common_name` below `container` (either may be empty; the container may also be written
+    // from the top down with "/"). Both credentials empty: as nobody. Raises 0x8007052E for wrong
+    // credentials, also for a name with an empty password, which the server is not asked about;
+    // 0x80072030 for a missing entry; after any failure the object is unbound.
+    void Bind(Text& server, Text& container, Text& common_name, Text& user, Text& password,
+              Variant& attributes) override;
+
+    // The name may be any of the attribute's names or its number, in any case, with options. Raises
+    // 91 before Bind and 5 for an empty name, as the writing operations do.
+    Variant GetValues(Text& name) override;
+
+    // See encode_values for what may be given. "userPassword" takes a single value, which the
+    // server hashes (Password Modify) or which is hashed here: clear text is never stored.
+    void SetValues(Text& name, Variant& value) override;
+    void ClearValues(Text& name) override;
+
+    // See NewEntry for what may be given. An attribute given as an empty text is created with a
+    // single blank where the entry's object classes require it. Where the schema does not tell that
+    // and the server refuses the entry as incomplete, it is tried once more with all such texts.
+    //
+    // A password is set once the entry is there (Password Modify), so that the server's policy sees
+    // it: two requests one after the other, for sent together the second could find an entry that
+    // somebody else created. Where it is refused, or cannot be set for another reason, the entry is
+    // removed again and the reason is raised; it says so where the entry cannot be removed. An
+    // entry whose creation the server has not confirmed is never removed, for it may be somebody
+    // else's: the failure then says that it may exist (without a password, where one was given). A
+    // server without that operation gets the entry with a hash.
+    //
+    // Raises 0x8004044F, "(68) The specified entry already exists.", for an entry that is there.
+    void CreateChild(Variant& classes, Text& naming_attribute, Object& attributes) override;
+
+    // `entry_name` is a relative name, "," and this entry's container, put together without
+    // escaping (name_below); "cn=Smith, John,ou=Users,o=Shop" is understood. The class is not
+    // looked at. Raises result code 34 for anything but an entry below the one that is bound,
+    // 0x80072030 for an entry that is not there, unless a first request for it got lost: that may
+    // have been the one that removed it.
+    void DeleteChild(Text& class_name, Text& entry_name) override;
+
+    // Change how this process keeps connections and entries; see PoolSettings and
+    // CacheSettings for names and values.
+    // Need no Bind. What is named is set, all of it or, after a failure, nothing (result code 89);
+    // the rest stays as it is.
+    bool InitializeConnectionPool(Variant& names, Variant& values) override;
+    bool InitializeCache(Variant& names, Variant& values) override;
+
+private:
+    struct Fetched {
+        KnownEntry entry;
+        std::uint64_t write_mark = 0;
+        std::chrono::steady_clock::time_point at;
+        std::vector<std::string> lists_read;
+    };
+
+    Result change(const std::function<Result(Session&)>& operation);
+    CacheKey cache_key(const ServerLogin& login) const;
+    std::shared_ptr<const KnownEntry> try_cached(const ServerLogin& login) const;
+    bool is_cached(const ServerLogin& login, const std::vector<std::string>& asked) const;
+    Fetched read(ServerLogin& login, std::vector<std::string> asked, bool is_whole) const;
+    const ServerFacts& facts();
+    const AttributeType* type_of(const std::string& name);
+    std::optional<std::vector<std::string>> take_fetched(const std::string& name,
+                                                         const AttributeType* type);
+    void write_password(const std::string& name, const Variant& value);
+    void replace(const std::string& name, std::vector<std::string> values);
+    void require_known(const GivenAttribute& attribute);
+    void add(const std::string& name, const NewEntry& entry);
+    void set_first_password(const std::string& name, const Secret& password);
+    Text take_back(const std::string& name, TextView is_or_may_be);
+    void require_bound() const;
+
+    std::optional<Limits> limits_;
+    std::optional<ServerLogin> login_;  // set while bound
+    std::string name_;
+    EntryKey key_{""};
+    Fetched fetched_;
+    std::shared_ptr<const ServerFacts> facts_;
+};
+
+}  // namespace directory::ldap
+
+template <>
+inline constexpr auto class_of<directory::ldap::LdapEntry> =
+    describe_class<DirectoryEntry>("OrvoDirectory.Ldap");
+
+}  // namespace orvo

@@ -1,0 +1,135 @@
+#include <utility>
+
+#include "suite/directory/ldap/memory/write_marks.h"
+#include "suite/directory/ldap/provider/LdapEntry.h"
+#include "suite/directory/ldap/provider/new_entry.h"
+#include "suite/directory/ldap/provider/password_value.h"
+#include "suite/directory/ldap/wire/failures.h"
+#include "suite/directory/names/written_name.h"
+#include "suite/directory/policy/password_attributes.h"
+#include "suite/directory/policy/password_hash.h"
+
+namespace orvo::directory::ldap {
+namespace {
+
+std::vector<Attribute> with_blanks(std::vector<Attribute> attributes,
+                                   const std::vector<std::string>& names) {
+    for (const std::string& name : names) attributes.push_back({name, {" "}});
+    return attributes;
+}
+
+}  // namespace
+
+void LdapEntry::CreateChild(Variant& classes, Text& naming_attribute, Object& attributes) {
+    require_bound();
+    const std::vector<GivenAttribute> given = given_attributes(attributes);
+    for (const GivenAttribute& attribute : given) require_known(attribute);
+    require_whole(naming_attribute);
+    const ServerFacts& server = facts();
+    NewEntry entry(given, classes, to_utf8(naming_attribute), server.types, server.classes);
+    if (!entry.password.empty() && !server.changes_passwords) {
+        entry.attributes.push_back({"userPassword", {hashed_password(entry.password)}});
+        entry.password = Secret();
+    }
+
+    const std::string name = to_utf8(entry.name_below(from_utf8(name_)));
+    const NotedWrite noted{EntryKey(name)};
+    add(name, entry);
+    if (!entry.password.empty()) set_first_password(name, entry.password);
+}
+
+// An unknown one with a value the server refuses; an empty text it is not told of. A name that is
+// empty, too, is what is behind the last comma of a list.
+void LdapEntry::require_known(const GivenAttribute& attribute) {
+    if (attribute.name.empty() || is_password(attribute.name)) return;
+    if (type_of(attribute.name) || facts().types.empty()) return;
+    if (attribute.value.is_text() && attribute.value.text_view().empty())
+        raise_code(result_code::undefined_attribute_type, quoted(attribute.name));
+}
+
+void LdapEntry::add(const std::string& name, const NewEntry& entry) {
+    bool may_be_done = false;
+    const auto add_with = [&](const std::vector<std::string>& blanks) {
+        const std::vector<Attribute> attributes = with_blanks(entry.attributes, blanks);
+        // Who was bound as a former entry of this name is not the new one.
+        return login_->run_login_change(EntryKey(name), Secret(), [&](Session& session) {
+            const bool was_lost = std::exchange(may_be_done, true);
+            Result result = session.add(name, attributes);
+            const bool may_be_own = was_lost && result.code == result_code::entry_already_exists;
+            may_be_done = may_be_own || result.connection_failed();
+            if (may_be_own)
+                result.message += "It may be of this request, whose connection was lost before.";
+            return result;
+        });
+    };
+    try {
+        Result result = add_with(entry.required_empty);
+        if (result.code == result_code::invalid_syntax && !entry.required_empty.empty()) {
+            result = add_with({});
+        } else if (result.code == result_code::object_class_violation &&
+                   entry.required_empty.size() < entry.left_empty.size()) {
+            const Result again = add_with(entry.left_empty);
+            const bool do_blanks_help = again.code != result_code::object_class_violation &&
+                                        again.code != result_code::invalid_syntax;
+            if (do_blanks_help) result = again;
+        }
+        if (result.code == result_code::other && result.message.empty() && name.size() > 200)
+            result.message = "The name may be too long for it.";
+        check(result);
+    } catch (const Failure& failure) {
+        const bool has_password = !entry.password.empty();
+        const bool is_told = failure.number == number_of_code(result_code::entry_already_exists);
+        if (!may_be_done || (is_told && !has_password)) throw;
+        throw Failure(failure.number, failure.source,
+                      failure.description + u" The entry " + from_utf8(quoted(name)) +
+                          (has_password ? u" may exist, without a password." : u" may exist."));
+    }
+}
+
+void LdapEntry::set_first_password(const std::string& name, const Secret& password) {
+    bool is_refused = false;
+    try {
+        const Result result =
+            change([&](Session& session) { return session.change_password(name, password); });
+        is_refused = !result.connection_failed();
+        check(result);
+    } catch (const Failure& failure) {
+        throw Failure(failure.number, failure.source,
+                      failure.description + take_back(name, is_refused ? u" is" : u" may be"));
+    }
+}
+
+// Empty once the entry is gone; otherwise a sentence to add to the failure that made it unwanted.
+Text LdapEntry::take_back(const std::string& name, TextView is_or_may_be) {
+    Text why;
+    try {
+        const Result removed = change([&](Session& session) { return session.remove(name); });
+        if (removed.ok() || removed.code == result_code::no_such_object) return {};
+        why = directory_failure(removed.code, provider_name, removed.message).description;
+    } catch (const Failure& failure) {  // the first failure is the one to raise
+        why = failure.description;
+    }
+    return u" The entry " + from_utf8(quoted(name)) + Text(is_or_may_be) +
+           u" left without a password: " + why;
+}
+
+void LdapEntry::DeleteChild(Text&, Text& entry_name) {
+    require_bound();
+    require_well_formed(entry_name);
+    const auto container = DistinguishedName::try_parse(from_utf8(name_));
+    const std::optional<Text> below = container ? name_below(entry_name, *container) : std::nullopt;
+    if (!below)
+        raise_code(result_code::invalid_name,
+                   quoted(to_utf8(entry_name)) + " is not below " + quoted(name_) + ".");
+    const std::string name = to_utf8(*below);
+    const NotedWrite noted{EntryKey(name)};
+    bool was_lost = false;
+    check(login_->run_login_change(EntryKey(name), Secret(), [&](Session& session) {
+        Result result = session.remove(name);
+        if (was_lost && result.code == result_code::no_such_object) result = {};
+        was_lost = result.connection_failed();
+        return result;
+    }));
+}
+
+}  // namespace orvo::directory::ldap

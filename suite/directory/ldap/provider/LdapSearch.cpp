@@ -1,0 +1,84 @@
+#include "suite/directory/ldap/provider/LdapSearch.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/recordset/builder.h"
+#include "suite/directory/filters/filter.h"
+#include "suite/directory/ldap/provider/entry_order.h"
+#include "suite/directory/ldap/provider/row_decoder.h"
+#include "suite/directory/ldap/provider/search_condition.h"
+#include "suite/directory/ldap/wire/failures.h"
+#include "suite/directory/ldap/wire/paged_results.h"
+#include "suite/directory/names/written_name.h"
+
+namespace orvo::directory::ldap {
+namespace {
+
+// A server that wants to send less at a time does so, or says so (collect_pages).
+constexpr int page_size = 10'000;
+
+}  // namespace
+
+void LdapSearch::Connect(Text& server, Text& container, Text& user, Text& password) {
+    login_.reset();
+    facts_.reset();
+    ServerLogin login(server, user, password, limits_);
+    require_whole(container);
+    base_ = to_utf8(container_name(container));
+    login.authenticate();
+    login_ = std::move(login);
+}
+
+void LdapSearch::learn_types_of(const std::vector<std::string>& attributes) {
+    const auto learn = [&](auto read) {
+        FactsResult result =
+            login_->run([&](Session& session) { return read(session, login_->server_key()); });
+        check(result);
+        facts_ = std::move(result.facts);
+    };
+    if (!facts_) facts_ = stored_facts(login_->server_key());
+    if (!facts_) learn(facts_of);
+    const AttributeTypes& types = facts_->types;
+    if (types.empty()) return;  // this user may not read the schema
+    if (std::any_of(attributes.begin(), attributes.end(),
+                    [&](const std::string& name) { return !types.find(name); }))
+        learn(refreshed_facts_of);
+}
+
+Object LdapSearch::Execute(Text& filter, Variant& attributes, std::int32_t maximum) {
+    if (!login_) raise_runtime_error(runtime_error::object_not_set);
+    const std::vector<Text> columns = column_names(attributes);
+    SearchRequest request;
+    request.base = base_;
+    request.scope = Scope::subtree;
+    const Filter wanted = Filter::parse(filter, provider_name);
+    for (const Text& column : columns) request.attributes.push_back(to_utf8(column));
+    learn_types_of(request.attributes);
+
+    RowDecoder decoder(request.attributes, facts_->types);
+    SearchCondition condition(wanted, facts_->types);
+    request.filter = condition.sent().text();
+    for (const std::string& name : condition.attributes())
+        if (std::none_of(request.attributes.begin(), request.attributes.end(),
+                         [&](const std::string& one) { return facts_->types.same(one, name); }))
+            request.attributes.push_back(name);
+    FirstRows rows(maximum > 0 ? static_cast<std::size_t>(maximum) : FirstRows::all,
+                   [&](const EntryData& entry) { return decoder.row(entry); });
+    request.wanted = [&](const std::string& name) {
+        return condition.may_be_true_of(name) && rows.wants(name);
+    };
+    check(login_->run([&](Session& session) {
+        rows.clear();
+        return collect_pages(session, request, page_size, [&](EntryData&& entry) {
+            if (condition.is_true_of(entry)) rows.add(std::move(entry));
+        });
+    }));
+
+    RecordSetBuilder builder(columns);
+    builder.reserve(rows.size());
+    rows.take_each([&](FirstRows::Row&& row) { builder.add(std::move(row)); });
+    return builder.open().object();
+}
+
+}  // namespace orvo::directory::ldap

@@ -1,0 +1,90 @@
+#include "suite/directory/ldap/provider/entry_order.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "suite/directory/names/ascii.h"
+#include "suite/directory/names/listing_order.h"
+
+namespace orvo::directory::ldap {
+namespace {
+
+// The value at the front, without its escapes (RFC 4514).
+std::string unescaped_value(std::string_view name) {
+    const std::size_t plain = name.find_first_of("\\,+");
+    std::string value(name.substr(0, plain));
+    for (std::size_t at = value.size(); at < name.size() && name[at] != ',' && name[at] != '+';) {
+        if (name[at] != '\\' || at + 1 == name.size()) {
+            value += name[at++];
+        } else if (at + 2 < name.size() && ascii::is_hexadecimal(name[at + 1]) &&
+                   ascii::is_hexadecimal(name[at + 2])) {
+            value += static_cast<char>(ascii::digit_value(name[at + 1]) * 16 +
+                                       ascii::digit_value(name[at + 2]));
+            at += 3;
+        } else {
+            value += name[at + 1];
+            at += 2;
+        }
+    }
+    return value;
+}
+
+// In the order of the texts themselves, as far as it goes.
+std::uint64_t first_octets(std::string_view text) {
+    std::uint64_t number = 0;
+    for (std::size_t at = 0; at < sizeof number; ++at)
+        number = number << 8 | (at < text.size() ? static_cast<unsigned char>(text[at]) : 0);
+    return number;
+}
+
+}  // namespace
+
+NamingPart naming_part(std::string_view name) {
+    const std::size_t sign = name.find('=');
+    if (sign == std::string_view::npos) return {name, {}};
+    return {name.substr(0, sign), unescaped_value(name.substr(sign + 1))};
+}
+
+std::string order_key(std::string_view name) { return listing_key(naming_part(name).value); }
+
+bool FirstRows::Kept::operator<(const Kept& other) const {
+    const int order = key.compare(other.key);
+    return order != 0 ? order < 0 : name < other.name;
+}
+
+bool FirstRows::wants(const std::string& name) const {
+    if (kept_.size() != wanted_) return true;
+    const Kept asked{order_key(name), name, {}};
+    return asked < kept_.front();
+}
+
+void FirstRows::add(EntryData&& entry) {
+    const bool is_full = kept_.size() == wanted_;
+    std::string key = order_key(entry.name);
+    if (is_full && key > kept_.front().key) return;
+    Kept added{std::move(key), entry.name, {}};
+    if (is_full && !(added < kept_.front())) return;
+    added.row = decode_(entry);
+    if (is_full) {
+        std::pop_heap(kept_.begin(), kept_.end());
+        kept_.back() = std::move(added);
+        std::push_heap(kept_.begin(), kept_.end());
+        return;
+    }
+    kept_.push_back(std::move(added));
+    if (kept_.size() == wanted_) std::make_heap(kept_.begin(), kept_.end());
+}
+
+// Most names differ in their first letters, which are compared as one number.
+std::vector<FirstRows::Place> FirstRows::in_order() {
+    std::vector<Place> places;
+    places.reserve(kept_.size());
+    for (Kept& kept : kept_) places.push_back({first_octets(kept.key), &kept});
+    std::sort(places.begin(), places.end(), [](const Place& one, const Place& other) {
+        if (one.first_octets != other.first_octets) return one.first_octets < other.first_octets;
+        return *one.kept < *other.kept;
+    });
+    return places;
+}
+
+}  // namespace orvo::directory::ldap

@@ -1,0 +1,25 @@
+#include "suite/directory/ldap/provider/password_value.h"
+
+#include <optional>
+
+#include "platform/automation/failure.h"
+#include "platform/automation/values.h"
+#include "suite/directory/ldap/wire/failures.h"
+
+namespace orvo::directory::ldap {
+
+Secret password_in(const Variant& value) {
+    if (value.is_array() && !value.try_bytes()) {
+        const Values values = value.to<Values>();
+        if (values.count() == 0) return {};
+        if (values.count() > 1) raise_runtime_error(runtime_error::type_mismatch);
+        return password_in(values[values.lower_bound()]);
+    }
+    if (std::optional<std::string> bytes = value.try_bytes()) return Secret::of_bytes(*bytes);
+    if (!value.is_text()) return Secret(value.to<Text>());
+    if (!is_well_formed(value.text_view()))
+        raise_code(result_code::invalid_syntax, "A password cannot hold half of a surrogate pair.");
+    return Secret(value.text_view());
+}
+
+}  // namespace orvo::directory::ldap

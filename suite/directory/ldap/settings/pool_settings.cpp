@@ -1,0 +1,42 @@
+#include "suite/directory/ldap/settings/pool_settings.h"
+
+#include "suite/directory/ldap/settings/named_numbers.h"
+
+namespace orvo::directory::ldap {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+struct Row : NumberSetting {
+    void (*put)(PoolSettings& settings, std::int64_t number);
+};
+
+constexpr Row rows[] = {
+    {{"MaximumSize", 0, 1000},
+     [](PoolSettings& s, std::int64_t n) { s.maximum_size = static_cast<std::size_t>(n); }},
+    {{"MaximumIdle", 0, 10'000},
+     [](PoolSettings& s, std::int64_t n) { s.maximum_idle = static_cast<std::size_t>(n); }},
+    {{"WaitLimit", 0, 600'000}, [](PoolSettings& s, std::int64_t n) { s.wait = milliseconds(n); }},
+    {{"IdleLimit", 1, 86'400}, [](PoolSettings& s, std::int64_t n) { s.idle = seconds(n); }},
+    {{"AgeLimit", 1, 604'800}, [](PoolSettings& s, std::int64_t n) { s.age = seconds(n); }},
+    {{"ConnectLimit", 1, 600'000},
+     [](PoolSettings& s, std::int64_t n) { s.limits.connect = milliseconds(n); }},
+    {{"OperationLimit", 1, 3'600'000},
+     [](PoolSettings& s, std::int64_t n) { s.limits.operation = milliseconds(n); }},
+    {{"PollLimit", 0, 1000},
+     [](PoolSettings& s, std::int64_t n) { s.limits.poll = std::chrono::microseconds(n); }},
+    {{"RecheckAfter", 0, 3600}, [](PoolSettings& s, std::int64_t n) { s.recheck = seconds(n); }},
+    {{"AskPolicy", 0, 1}, [](PoolSettings& s, std::int64_t n) { s.always_asks_policy = n != 0; }},
+};
+
+}  // namespace
+
+PoolSettings changed(PoolSettings settings, const Variant& names, const Variant& values) {
+    const std::vector<NumberSetting> table(std::begin(rows), std::end(rows));
+    for (const GivenNumber& given : read_numbers(names, values, table))
+        rows[given.setting].put(settings, given.number);
+    return settings;
+}
+
+}  // namespace orvo::directory::ldap

@@ -1,0 +1,33 @@
+#include "suite/directory/ldap/wire/failures.h"
+
+namespace orvo::directory::ldap {
+
+void raise_code(int code, std::string_view message, std::string_view nearest_entry) {
+    throw directory_failure(code, provider_name, message, nearest_entry);
+}
+
+std::string quoted(std::string_view name) {
+    constexpr std::size_t longest = 200;
+    if (name.size() <= longest) return "'" + std::string(name) + "'";
+    std::size_t end = longest;
+    while ((name[end] & 0xC0) == 0x80) --end;  // no half of a character
+    return "'" + std::string(name.substr(0, end)) + "...'";
+}
+
+void require_well_formed(TextView name) {
+    if (!is_well_formed(name))
+        raise_code(result_code::invalid_name, "A name cannot hold half of a surrogate pair.");
+}
+
+void require_whole(TextView name) {
+    require_well_formed(name);
+    if (name.find(u'\0') != TextView::npos)
+        raise_code(result_code::invalid_name, "A name cannot hold a NUL.");
+}
+
+void raise_unsupported() {
+    constexpr std::int32_t action_not_supported = 445;
+    throw Failure(action_not_supported, Text(provider_name), u"Object doesn't support this action");
+}
+
+}  // namespace orvo::directory::ldap

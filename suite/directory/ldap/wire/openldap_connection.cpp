@@ -1,0 +1,239 @@
+#include "suite/directory/ldap/wire/openldap_connection.h"
+
+#include <ldap.h>
+#include <netdb.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <openldap.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <mutex>
+#include <system_error>
+#include <utility>
+
+#include "suite/directory/ldap/wire/openldap_transport.h"
+#include "suite/directory/policy/result_codes.h"
+
+namespace orvo::directory::ldap::detail {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+// A longer message is taken for garbage; without a limit a wrong length would be allocated first.
+constexpr ber_len_t longest_message = 64u << 20;
+
+class Socket {
+public:
+    explicit Socket(int descriptor) : descriptor_(descriptor) {}
+    Socket(const Socket&) = delete;
+    ~Socket() {
+        if (descriptor_ >= 0) ::close(descriptor_);
+    }
+    int get() const { return descriptor_; }
+    int detach() { return std::exchange(descriptor_, -1); }
+
+private:
+    int descriptor_;
+};
+
+struct FreeAddresses {
+    void operator()(addrinfo* list) const { freeaddrinfo(list); }
+};
+
+timeval timeval_of(milliseconds limit) {
+    return {static_cast<time_t>(limit.count() / 1000),
+            static_cast<suseconds_t>(limit.count() % 1000 * 1000)};
+}
+
+std::string system_message(int error) { return std::generic_category().message(error); }
+
+// 0, or the system's error.
+int connect_within(int descriptor, const addrinfo& address, milliseconds limit) {
+    const timeval time = timeval_of(limit);
+    if (::setsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &time, sizeof time) < 0) return errno;
+    const auto deadline = steady_clock::now() + limit;
+    if (::connect(descriptor, address.ai_addr, address.ai_addrlen) == 0) return 0;
+    // After the socket's limit it is still being done (socket(7)); a signal leaves it to go on.
+    if (errno != EINTR) return errno == EINPROGRESS ? ETIMEDOUT : errno;
+    for (;;) {
+        const auto left = std::chrono::ceil<milliseconds>(deadline - steady_clock::now());
+        if (left.count() <= 0) return ETIMEDOUT;
+        pollfd waiting{descriptor, POLLOUT, 0};
+        const int ready = ::poll(&waiting, 1, static_cast<int>(left.count()));
+        if (ready < 0 && errno != EINTR) return errno;
+        if (ready <= 0) continue;
+        int error = 0;
+        socklen_t size = sizeof error;
+        if (::getsockopt(descriptor, SOL_SOCKET, SO_ERROR, &error, &size) < 0) return errno;
+        return error;
+    }
+}
+
+// A connected socket, which waits unless it is told otherwise; -1: `why` tells.
+int connected_socket(const ServerHost& host, const Limits& limits, Result& why) {
+    addrinfo hints{};
+    hints.ai_socktype = SOCK_STREAM;
+    hints.ai_flags = AI_NUMERICSERV;
+    addrinfo* found = nullptr;
+    const int error =
+        getaddrinfo(host.name.c_str(), std::to_string(host.port).c_str(), &hints, &found);
+    if (error != 0) {
+        why = {result_code::server_down, gai_strerror(error), {}};
+        return -1;
+    }
+    const std::unique_ptr<addrinfo, FreeAddresses> addresses(found);
+    int reason = 0;
+    for (const addrinfo* address = found; address; address = address->ai_next) {
+        Socket socket(::socket(address->ai_family, SOCK_STREAM | SOCK_CLOEXEC, 0));
+        if (socket.get() < 0) {
+            reason = errno;
+            continue;
+        }
+        reason = connect_within(socket.get(), *address, limits.connect);
+        if (reason != 0) continue;
+        const int on = 1;
+        ::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+        ::setsockopt(socket.get(), SOL_SOCKET, SO_KEEPALIVE, &on, sizeof on);
+        return socket.detach();
+    }
+    why = {reason == ETIMEDOUT ? result_code::timeout : result_code::server_down,
+           system_message(reason),
+           {}};
+    return -1;
+}
+
+int set_options(LDAP* handle, const ServerHost& host, const Limits& limits) {
+    const int version = LDAP_VERSION3;
+    const int never = LDAP_DEREF_NEVER;
+    const int unlimited = LDAP_NO_LIMIT;
+    const timeval network = timeval_of(limits.connect);
+    int failed = ldap_set_option(handle, LDAP_OPT_PROTOCOL_VERSION, &version);
+    failed |= ldap_set_option(handle, LDAP_OPT_REFERRALS, LDAP_OPT_OFF);
+    failed |= ldap_set_option(handle, LDAP_OPT_RESTART, LDAP_OPT_ON);
+    failed |= ldap_set_option(handle, LDAP_OPT_DEREF, &never);
+    failed |= ldap_set_option(handle, LDAP_OPT_SIZELIMIT, &unlimited);
+    failed |= ldap_set_option(handle, LDAP_OPT_TIMELIMIT, &unlimited);
+    failed |= ldap_set_option(handle, LDAP_OPT_NETWORK_TIMEOUT, &network);
+    if (host.security == Security::none || failed) return failed;
+
+    const int demand = LDAP_OPT_X_TLS_DEMAND;
+    const int tls_1_2 = LDAP_OPT_X_TLS_PROTOCOL_TLS1_2;
+    const int client = 0;
+    failed |= ldap_set_option(handle, LDAP_OPT_X_TLS_REQUIRE_CERT, &demand);
+    failed |= ldap_set_option(handle, LDAP_OPT_X_TLS_PROTOCOL_MIN, &tls_1_2);
+    if (!host.ca_file.empty())
+        failed |= ldap_set_option(handle, LDAP_OPT_X_TLS_CACERTFILE, host.ca_file.c_str());
+    // The library's first preparation for encryption is not made for several threads.
+    static std::mutex one_at_a_time;
+    const std::lock_guard lock(one_at_a_time);
+    return failed | ldap_set_option(handle, LDAP_OPT_X_TLS_NEWCTX, &client);
+}
+
+// Asks the server for encryption, before it begins. False: `why` tells.
+bool request_tls(LDAP* handle, const Limits& limits, Result& why) {
+    int request = -1;
+    const int sent = ldap_start_tls(handle, nullptr, nullptr, &request);
+    if (sent != LDAP_SUCCESS) {
+        why = client_result(handle, sent);
+        return false;
+    }
+    const Message answer = wait_for(handle, request, Wanted::all_messages, limits.connect, why);
+    if (!answer) return false;
+    int code = LDAP_OTHER;
+    char* message = nullptr;
+    const int parsed = ldap_parse_result(handle, static_cast<LDAPMessage*>(answer.get()), &code,
+                                         nullptr, &message, nullptr, nullptr, 0);
+    if (parsed != LDAP_SUCCESS) {
+        why = client_result(handle, parsed);
+        return false;
+    }
+    why = {code, message ? message : "", {}};
+    ldap_memfree(message);
+    return code == LDAP_SUCCESS;
+}
+
+bool encrypt(LDAP* handle, const Limits& limits, Result& why) {
+    const auto deadline = steady_clock::now() + limits.connect;
+    wait_until(handle, deadline);
+    const int installed = ldap_install_tls(handle);
+    never_wait(handle);
+    if (installed == LDAP_SUCCESS) return true;
+    why = client_result(handle, installed);
+    if (steady_clock::now() >= deadline) why = {result_code::timeout, "no encryption", {}};
+    return false;
+}
+
+}  // namespace
+
+void CloseHandle::operator()(::ldap* handle) const { ldap_unbind_ext(handle, nullptr, nullptr); }
+
+void FreeMessage::operator()(void* message) const {
+    ldap_msgfree(static_cast<LDAPMessage*>(message));
+}
+
+Result client_result(::ldap* handle, int library_code) {
+    // The library's codes count down from -1 where RFC 1823's count up from 81.
+    Result result{library_code < 0 ? result_code::other - library_code : library_code, {}, {}};
+    char* message = nullptr;
+    if (handle &&
+        ldap_get_option(handle, LDAP_OPT_DIAGNOSTIC_MESSAGE, &message) == LDAP_OPT_SUCCESS &&
+        message) {
+        result.message = message;
+        ldap_memfree(message);
+    }
+    return result;
+}
+
+Message wait_for(::ldap* handle, int request, Wanted wanted, milliseconds limit, Result& why) {
+    timeval timeout = timeval_of(limit);
+    LDAPMessage* message = nullptr;
+    const int type =
+        ldap_result(handle, request, wanted == Wanted::all_messages ? LDAP_MSG_ALL : LDAP_MSG_ONE,
+                    &timeout, &message);
+    if (type > 0) return Message(message);
+    if (type == 0) {
+        ldap_abandon_ext(handle, request, nullptr, nullptr);
+        why = {result_code::timeout, {}, {}};
+        return nullptr;
+    }
+    int code = LDAP_SERVER_DOWN;
+    ldap_get_option(handle, LDAP_OPT_RESULT_CODE, &code);
+    why = client_result(handle, code);
+    return nullptr;
+}
+
+Handle open_connection(const ServerHost& host, const Limits& limits, Result& why) {
+    // The library's own first use is not made for several threads.
+    static std::once_flag initialised_once;
+    std::call_once(initialised_once, [] {
+        int version = 0;
+        ldap_get_option(nullptr, LDAP_OPT_PROTOCOL_VERSION, &version);
+    });
+    Socket socket(connected_socket(host, limits, why));
+    if (socket.get() < 0) return nullptr;
+    LDAP* made = nullptr;
+    const int initialised = ldap_init_fd(socket.get(), LDAP_PROTO_TCP, host.url().c_str(), &made);
+    Handle handle(made);
+    if (initialised != LDAP_SUCCESS) {
+        why = client_result(nullptr, initialised);
+        return nullptr;
+    }
+    socket.detach();
+    if (set_options(made, host, limits) != LDAP_OPT_SUCCESS ||
+        !add_transport(made, longest_message)) {
+        why = {result_code::local_error,
+               host.ca_file.empty() ? "The connection cannot be set up."
+                                    : "The certificates of '" + host.ca_file + "' cannot be used.",
+               {}};
+        return nullptr;
+    }
+    if (host.security == Security::start_tls && !request_tls(made, limits, why)) return nullptr;
+    if (host.security != Security::none && !encrypt(made, limits, why)) return nullptr;
+    return handle;
+}
+
+}  // namespace orvo::directory::ldap::detail

@@ -1,0 +1,163 @@
+#pragma once
+
+// The seam to the LDAP client library: one connection to a server, and what may be asked over it.
+//
+// Everything above speaks UTF-8 bytes, names and result codes through this header; no header of a
+// client library is visible. A session is used by one thread at a time. Nothing here waits without
+// a limit, with one exception: resolving a host's name takes as long as the system's resolver does.
+// Passwords are overwritten on this side of the seam; the client library's own buffers are its own.
+//
+// A refusal by the server is a value (Result), so that a caller can tell the codes apart; `check`
+// turns it into a failure. Failures of the connection are codes of the client: 81 the connection is
+// gone, 84 an answer that cannot be read, 85 no answer in time. After any of these three the
+// session is of no use any more and must be replaced.
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "platform/automation/secret.h"
+#include "suite/directory/ldap/wire/server_address.h"
+
+namespace orvo::directory::ldap {
+
+// How long a session waits.
+struct Limits {
+    // For one address of a host to accept the connection, and for the encryption to be agreed on.
+    std::chrono::milliseconds connect{5000};
+    // For the complete answer to one request, from when it is asked for.
+    std::chrono::milliseconds operation{30000};
+    // How long the only request of the process asks for its answer before it sleeps until it comes;
+    // 0: not at all. Where the client library waits by itself, on Windows, this does nothing.
+    std::chrono::microseconds poll{100};
+};
+
+// What came of one operation. Texts are the server's, or the client's for codes from 81.
+struct Result {
+    int code = 0;
+    std::string message;
+    std::string nearest_entry;
+
+    bool ok() const { return code == 0; }
+    // The connection is gone, or of no use.
+    bool connection_failed() const { return code == 81 || code == 84 || code == 85; }
+};
+
+// Raises the failure of a result that is not `success`.
+void check(const Result& result);
+
+// A control that came with an answer; `value` is BER, possibly empty.
+struct Control {
+    std::string oid;
+    std::string value;
+};
+
+// Whether a bind asks for the password policy (draft-behera-ldap-password-policy, 6.1).
+enum class Policy { not_asked, asked };
+inline constexpr const char* policy_control = "1.3.6.1.4.1.42.2.27.8.5.1";
+
+struct BindResult : Result {
+    std::vector<Control> controls;
+};
+
+// One attribute of an entry as the server sent it; `name` may carry options ("cn;lang-de").
+struct Attribute {
+    std::string name;
+    std::vector<std::string> values;
+};
+
+// One entry; attributes in the order of the answer.
+struct EntryData {
+    std::string name;
+    std::vector<Attribute> attributes;
+};
+
+struct WhoAmIResult : Result {
+    std::string identity;
+};
+
+struct ReadResult : Result {
+    EntryData entry;
+};
+
+enum class Scope { base, one_level, subtree };
+
+struct SearchRequest {
+    std::string base;
+    Scope scope = Scope::base;
+    std::string filter = "(objectClass=*)";
+    // Empty: all user attributes. {"1.1"}: none.
+    std::vector<std::string> attributes;
+    // Not 0: no more than so many entries in one answer (RFC 2696; collect_pages asks for one page
+    // after the other). A server that has no pages answers as if it had not been asked for them.
+    int page_size = 0;
+    std::string page = {};  // the page wanted, as the answer before named it; empty: the first
+    // Set: asked with each entry's name before the rest of it is decoded. An entry that is not
+    // wanted is passed over, or handed over all the same where passing over would save nothing.
+    std::function<bool(const std::string& name)> wanted = {};
+};
+
+struct SearchResult : Result {
+    std::string next_page;  // the name of the page that follows; empty: none does
+};
+
+// One change of an entry: the attribute's values are replaced by these; none removes the attribute,
+// also where the entry lacks it.
+struct Replacement {
+    std::string attribute;
+    std::vector<std::string> values;
+};
+
+// One request after the other: each waits for its answer.
+class Session {
+public:
+    // Connects to the first host that answers, encrypted where the address asks for it. Raises the
+    // failure of the last host (81 or 91), with one reason for each host in its description.
+    static Session connect(const ServerAddress& server, const Limits& limits = {});
+
+    Session(Session&& other) noexcept;
+    Session& operator=(Session&& other) noexcept;
+    ~Session();  // takes leave of the server and closes; never waits
+
+    // Whether the connection looks alive: the server has neither closed it nor sent anything that
+    // nobody asked for. Asks the operating system alone; where that cannot tell, it looks alive.
+    bool seems_open() const;
+    // From now on. What there is to wait for in connecting is over.
+    void set_limits(const Limits& limits);
+
+    // Simple authentication. Both empty: as nobody. The caller has refused an empty password with a
+    // name (a server takes that for "nobody" and reports success). What the server's password
+    // policy says of the account, where it is asked, is among the controls.
+    BindResult bind(const std::string& name, const Secret& password,
+                    Policy policy = Policy::not_asked);
+
+    // One entry with the attributes asked for, as SearchRequest has them.
+    ReadResult read(const std::string& name, const std::vector<std::string>& attributes);
+
+    // Hands the entries over one by one, in the server's order, while the server still sends. What
+    // is not moved out of an entry may serve the next as memory.
+    SearchResult search(const SearchRequest& request, const std::function<void(EntryData&&)>& take);
+
+    // A new entry; every attribute has a value.
+    Result add(const std::string& name, std::span<const Attribute> attributes);
+    Result remove(const std::string& name);
+
+    // All changes, or none of them.
+    Result modify(const std::string& name, std::span<const Replacement> replacements);
+
+    // The Password Modify operation (RFC 3062).
+    Result change_password(const std::string& name, const Secret& new_password);
+
+    // Whom the server takes this session for (RFC 4532): "dn:" and a name, empty for nobody.
+    WhoAmIResult who_am_i();
+
+private:
+    struct Connection;
+    explicit Session(std::unique_ptr<Connection> connection);
+    std::unique_ptr<Connection> connection_;
+};
+
+}  // namespace orvo::directory::ldap

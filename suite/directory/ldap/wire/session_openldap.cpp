@@ -1,0 +1,347 @@
+#include <ldap.h>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "suite/directory/ldap/wire/failures.h"
+#include "suite/directory/ldap/wire/openldap_connection.h"
+#include "suite/directory/ldap/wire/openldap_transport.h"
+#include "suite/directory/ldap/wire/paged_results.h"
+#include "suite/directory/ldap/wire/session.h"
+
+namespace orvo::directory::ldap {
+namespace {
+
+using detail::client_result;
+using detail::Message;
+using detail::wait_for;
+using detail::Wanted;
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+LDAPMessage* raw(const Message& message) { return static_cast<LDAPMessage*>(message.get()); }
+
+std::string text_of(const berval& value) { return {value.bv_val, value.bv_len}; }
+
+// The library takes its input as pointers to characters that it does not change.
+char* unchanged(const std::string& text) { return const_cast<char*>(text.c_str()); }
+
+// A list of texts as the library takes it.
+class TextList {
+public:
+    explicit TextList(const std::vector<std::string>& texts) {
+        for (const std::string& text : texts) pointers_.push_back(unchanged(text));
+        pointers_.push_back(nullptr);
+    }
+    // Nothing for an empty list.
+    char** get() { return pointers_.size() == 1 ? nullptr : pointers_.data(); }
+
+private:
+    std::vector<char*> pointers_;
+};
+
+// Takes the outcome out of the message that ends an operation.
+Result outcome_of(LDAP* handle, LDAPMessage* message, std::vector<Control>* controls = nullptr) {
+    int code = LDAP_OTHER;
+    char* nearest = nullptr;
+    char* text = nullptr;
+    LDAPControl** received = nullptr;
+    const int parsed = ldap_parse_result(handle, message, &code, &nearest, &text, nullptr,
+                                         controls ? &received : nullptr, 0);
+    if (parsed != LDAP_SUCCESS) return client_result(handle, parsed);
+    Result result{code, text ? text : "", nearest ? nearest : ""};
+    ldap_memfree(nearest);
+    ldap_memfree(text);
+    for (LDAPControl** control = received; control && *control; ++control)
+        controls->push_back({(*control)->ldctl_oid, text_of((*control)->ldctl_value)});
+    ldap_controls_free(received);
+    return result;
+}
+
+// As many texts as there are values, in the memory that is there already.
+void assign(std::vector<std::string>& texts, const berval* values) {
+    std::size_t count = 0;
+    for (; values && values->bv_val; ++values, ++count) {
+        if (count == texts.size()) texts.emplace_back();
+        texts[count].assign(values->bv_val, values->bv_len);
+    }
+    texts.resize(count);
+}
+
+// That an entry mostly has no more of.
+constexpr std::size_t usual_attributes = 16;
+
+// One pass over the message, attribute after attribute, without looking any up again. What `entry`
+// held before is overwritten; its memory is used again.
+enum class Decoded { whole, passed_over, unreadable };
+Decoded decode_entry(LDAP* handle, LDAPMessage* message, const SearchRequest& request,
+                     EntryData& entry) {
+    BerElement* decoder = nullptr;
+    berval name{};
+    if (ldap_get_dn_ber(handle, message, &decoder, &name) != LDAP_SUCCESS)
+        return Decoded::unreadable;
+    struct Free {
+        void operator()(BerElement* element) const { ber_free(element, 0); }
+    };
+    const std::unique_ptr<BerElement, Free> held(decoder);
+    entry.name.assign(name.bv_val, name.bv_len);
+    entry.attributes.reserve(usual_attributes);
+    if (request.wanted && !request.wanted(entry.name)) return Decoded::passed_over;
+    for (std::size_t count = 0;; ++count) {
+        berval attribute{};
+        berval* values = nullptr;
+        if (ldap_get_attribute_ber(handle, message, decoder, &attribute, &values) != LDAP_SUCCESS)
+            return Decoded::unreadable;
+        if (!attribute.bv_val) {
+            entry.attributes.resize(count);
+            return Decoded::whole;
+        }
+        if (count == entry.attributes.size()) entry.attributes.emplace_back();
+        entry.attributes[count].name.assign(attribute.bv_val, attribute.bv_len);
+        assign(entry.attributes[count].values, values);
+        ber_memfree(values);
+    }
+}
+
+// The request for a page, as the library takes it; not critical, so that a server that has no pages
+// answers all the same.
+class PageControl {
+public:
+    explicit PageControl(const SearchRequest& request)
+        : is_wanted_(request.page_size != 0),
+          oid_(paged_results_oid),
+          value_(paged_results_value(request.page_size, request.page)),
+          control_{oid_.data(), {value_.size(), value_.data()}, 0} {}
+    PageControl(const PageControl&) = delete;
+    // Nothing where no page is wanted.
+    LDAPControl** get() { return is_wanted_ ? list_.data() : nullptr; }
+
+private:
+    bool is_wanted_;
+    std::string oid_;
+    std::string value_;
+    LDAPControl control_;
+    std::array<LDAPControl*, 2> list_ = {&control_, nullptr};
+};
+
+int scope_of(Scope scope) {
+    switch (scope) {
+        case Scope::base:
+            return LDAP_SCOPE_BASE;
+        case Scope::one_level:
+            return LDAP_SCOPE_ONELEVEL;
+        case Scope::subtree:
+            return LDAP_SCOPE_SUBTREE;
+    }
+    return LDAP_SCOPE_BASE;
+}
+
+// What is done with an attribute's values, as the library takes it.
+struct Change {
+    Change(int operation, const std::string& attribute, const std::vector<std::string>& texts) {
+        for (const std::string& text : texts) values.push_back({text.size(), unchanged(text)});
+        for (berval& value : values) pointers.push_back(&value);
+        pointers.push_back(nullptr);
+        modification.mod_op = operation | LDAP_MOD_BVALUES;
+        modification.mod_type = unchanged(attribute);
+        modification.mod_bvalues = values.empty() ? nullptr : pointers.data();
+    }
+    Change(const Change&) = delete;
+
+    std::vector<berval> values;
+    std::vector<berval*> pointers;
+    LDAPMod modification{};
+};
+
+// A list of changes as the library takes it.
+class ChangeList {
+public:
+    void append(int operation, const std::string& attribute,
+                const std::vector<std::string>& values) {
+        changes_.push_back(std::make_unique<Change>(operation, attribute, values));
+    }
+    LDAPMod** get() {
+        pointers_.clear();
+        for (const auto& change : changes_) pointers_.push_back(&change->modification);
+        pointers_.push_back(nullptr);
+        return pointers_.data();
+    }
+
+private:
+    std::vector<std::unique_ptr<Change>> changes_;
+    std::vector<LDAPMod*> pointers_;
+};
+
+}  // namespace
+
+struct Session::Connection {
+    detail::Handle handle;
+    Limits limits;
+
+    LDAP* get() const { return handle.get(); }
+
+    // A message of the answer to the only request there is.
+    Message next(int request, Wanted wanted, milliseconds limit, Result& why) const {
+        const auto deadline = steady_clock::now() + limit;
+        milliseconds left{0};
+        if (detail::await_bytes(get(), limit, limits.poll))
+            left = std::max(left, std::chrono::ceil<milliseconds>(deadline - steady_clock::now()));
+        return wait_for(get(), request, wanted, left, why);
+    }
+
+    // The outcome of a request that was sent with the library's `code`.
+    Result outcome(int code, int request, std::vector<Control>* controls = nullptr) const {
+        if (code != LDAP_SUCCESS) return client_result(get(), code);
+        Result why;
+        const Message answer = next(request, Wanted::all_messages, limits.operation, why);
+        return answer ? outcome_of(get(), raw(answer), controls) : why;
+    }
+
+    Result collect(int id, const SearchRequest& request,
+                   const std::function<void(EntryData&&)>& take,
+                   std::vector<Control>& controls) const;
+};
+
+void check(const Result& result) {
+    if (!result.ok()) raise_code(result.code, result.message, result.nearest_entry);
+}
+
+Session::Session(std::unique_ptr<Connection> connection) : connection_(std::move(connection)) {}
+Session::Session(Session&&) noexcept = default;
+Session& Session::operator=(Session&&) noexcept = default;
+Session::~Session() = default;
+
+Session Session::connect(const ServerAddress& server, const Limits& limits) {
+    std::string reasons;
+    Result why;
+    for (const ServerHost& host : server.hosts()) {
+        if (detail::Handle handle = detail::open_connection(host, limits, why))
+            return Session(std::make_unique<Connection>(std::move(handle), limits));
+        if (!reasons.empty()) reasons += ' ';
+        reasons += "'" + host.url() + "'";
+        if (!why.message.empty()) reasons += ": " + why.message;
+    }
+    raise_code(why.code, reasons);
+}
+
+bool Session::seems_open() const { return detail::is_quiet(connection_->get()); }
+void Session::set_limits(const Limits& limits) { connection_->limits = limits; }
+
+BindResult Session::bind(const std::string& name, const Secret& password, Policy policy) {
+    LDAPControl ask{const_cast<char*>(policy_control), {0, nullptr}, 0};
+    std::array<LDAPControl*, 2> controls = {&ask, nullptr};
+    berval credentials{password.reveal().size(), const_cast<char*>(password.reveal().data())};
+    int request = -1;
+    const int sent =
+        ldap_sasl_bind(connection_->get(), name.c_str(), LDAP_SASL_SIMPLE, &credentials,
+                       policy == Policy::asked ? controls.data() : nullptr, nullptr, &request);
+    BindResult result;
+    static_cast<Result&>(result) = connection_->outcome(sent, request, &result.controls);
+    return result;
+}
+
+SearchResult Session::search(const SearchRequest& request,
+                             const std::function<void(EntryData&&)>& take) {
+    TextList attributes(request.attributes);
+    PageControl page(request);
+    int id = -1;
+    const int sent = ldap_search_ext(
+        connection_->get(), request.base.c_str(), scope_of(request.scope), request.filter.c_str(),
+        attributes.get(), 0, page.get(), nullptr, nullptr, LDAP_NO_LIMIT, &id);
+    if (sent != LDAP_SUCCESS) return {client_result(connection_->get(), sent), {}};
+    std::vector<Control> controls;
+    Result result = connection_->collect(id, request, take, controls);
+    return paged(std::move(result), controls);
+}
+
+Result Session::Connection::collect(int id, const SearchRequest& request,
+                                    const std::function<void(EntryData&&)>& take,
+                                    std::vector<Control>& controls) const {
+    LDAP* handle = get();
+    const auto deadline = steady_clock::now() + limits.operation;
+    EntryData entry;
+    for (;;) {
+        const auto left = std::chrono::ceil<milliseconds>(deadline - steady_clock::now());
+        if (left.count() <= 0) {
+            ldap_abandon_ext(handle, id, nullptr, nullptr);
+            return {result_code::timeout, {}, {}};
+        }
+        Result why;
+        const Message message = next(id, Wanted::one_message, left, why);
+        if (!message) return why;
+        switch (ldap_msgtype(raw(message))) {
+            case LDAP_RES_SEARCH_ENTRY:
+                switch (decode_entry(handle, raw(message), request, entry)) {
+                    case Decoded::whole:
+                        take(std::move(entry));
+                        break;
+                    case Decoded::passed_over:
+                        break;
+                    case Decoded::unreadable:
+                        ldap_abandon_ext(handle, id, nullptr, nullptr);
+                        return {result_code::decoding_error, {}, {}};
+                }
+                break;
+            case LDAP_RES_SEARCH_RESULT:
+                return outcome_of(handle, raw(message), &controls);
+            default:  // a reference to another server, which is not followed
+                break;
+        }
+    }
+}
+
+Result Session::add(const std::string& name, std::span<const Attribute> attributes) {
+    ChangeList changes;
+    for (const Attribute& attribute : attributes)
+        changes.append(LDAP_MOD_ADD, attribute.name, attribute.values);
+    int request = -1;
+    const int sent =
+        ldap_add_ext(connection_->get(), name.c_str(), changes.get(), nullptr, nullptr, &request);
+    return connection_->outcome(sent, request);
+}
+
+Result Session::remove(const std::string& name) {
+    int request = -1;
+    const int sent = ldap_delete_ext(connection_->get(), name.c_str(), nullptr, nullptr, &request);
+    return connection_->outcome(sent, request);
+}
+
+Result Session::modify(const std::string& name, std::span<const Replacement> replacements) {
+    ChangeList changes;
+    for (const Replacement& replacement : replacements)
+        changes.append(LDAP_MOD_REPLACE, replacement.attribute, replacement.values);
+    int request = -1;
+    const int sent = ldap_modify_ext(connection_->get(), name.c_str(), changes.get(), nullptr,
+                                     nullptr, &request);
+    return connection_->outcome(sent, request);
+}
+
+Result Session::change_password(const std::string& name, const Secret& new_password) {
+    berval user{name.size(), unchanged(name)};
+    berval wanted{new_password.reveal().size(), const_cast<char*>(new_password.reveal().data())};
+    int request = -1;
+    const int sent =
+        ldap_passwd(connection_->get(), &user, nullptr, &wanted, nullptr, nullptr, &request);
+    return connection_->outcome(sent, request);
+}
+
+WhoAmIResult Session::who_am_i() {
+    WhoAmIResult result;
+    int request = -1;
+    const int sent = ldap_whoami(connection_->get(), nullptr, nullptr, &request);
+    if (sent != LDAP_SUCCESS) return {client_result(connection_->get(), sent), {}};
+    const Message answer =
+        connection_->next(request, Wanted::all_messages, connection_->limits.operation, result);
+    if (!answer) return result;
+    static_cast<Result&>(result) = outcome_of(connection_->get(), raw(answer));
+    berval* identity = nullptr;
+    ldap_parse_whoami(connection_->get(), raw(answer), &identity);
+    if (identity) result.identity = text_of(*identity);
+    ber_bvfree(identity);
+    return result;
+}
+
+}  // namespace orvo::directory::ldap

@@ -1,0 +1,28 @@
+#include "suite/directory/policy/password_attributes.h"
+
+#include <algorithm>
+#include <initializer_list>
+
+#include "suite/directory/names/ascii.h"
+
+namespace orvo::directory {
+namespace {
+
+// Whether a description is of the type that has one of these names, whatever its options.
+bool is_one_of(std::string_view description, std::initializer_list<std::string_view> names) {
+    const std::string_view type = description.substr(0, description.find(';'));
+    return std::ranges::any_of(
+        names, [&](std::string_view name) { return ascii::equal_ignoring_case(type, name); });
+}
+
+}  // namespace
+
+bool is_password(std::string_view attribute) {
+    return is_one_of(attribute, {"userPassword", "2.5.4.35"});
+}
+
+bool is_secret(std::string_view attribute) {
+    return is_password(attribute) || is_one_of(attribute, {"OrvoNTPassword", "OrvoAttribute:58"});
+}
+
+}  // namespace orvo::directory

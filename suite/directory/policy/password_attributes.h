@@ -1,0 +1,15 @@
+#pragma once
+
+// Which attributes hold passwords.
+
+#include <string_view>
+
+namespace orvo::directory {
+
+// Whether an attribute is the one that holds passwords, under any of its names.
+bool is_password(std::string_view attribute);
+// Whether its values are kept nowhere once they were read: passwords, also "OrvoNTPassword", that
+// of an account of the operating system, which a directory gives out as it is.
+bool is_secret(std::string_view attribute);
+
+}  // namespace orvo::directory

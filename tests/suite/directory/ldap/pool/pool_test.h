@@ -1,0 +1,109 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+
+#include "platform/automation/values.h"
+#include "suite/directory/ldap/provider/LdapEntry.h"
+#include "suite/directory/ldap/provider/LdapSearch.h"
+#include "suite/directory/ldap/provider/LdapValidator.h"
+#include "tests/suite/directory/ldap/support/expect_failure.h"
+#include "tests/support/ldap_probe.h"
+#include "tests/support/slapd.h"
+
+namespace orvo::directory::ldap {
+
+// Entries, searches and password checks against a server that counts what reaches it. The settings
+// of the process are those that it begins with; afterwards no connection is left.
+class PoolTest : public testing::Test {
+protected:
+    struct User {
+        std::string name;
+        std::string password;
+    };
+
+    explicit PoolTest(SlapdOptions options = {}) : server_(std::move(options)) {
+        use_defaults();
+        // That with which the server was asked whether it has started.
+        EXPECT_TRUE(comes_to(0));
+    }
+    ~PoolTest() override { use_defaults(); }
+
+    static void use(Values names, Values values) {
+        Variant name_array = std::move(names), value_array = std::move(values);
+        LdapEntry().InitializeConnectionPool(name_array, value_array);
+    }
+    static void use_defaults() {
+        use({u"MaximumSize", u"MaximumIdle", u"WaitLimit", u"IdleLimit", u"AgeLimit",
+             u"ConnectLimit", u"OperationLimit", u"PollLimit", u"RecheckAfter", u"AskPolicy"},
+            {0, 64, 5000, 30, 300, 5000, 30000, 100, 5, 0});
+        use({u"MaximumSize"}, {16});
+    }
+
+    User service() const { return {server_.service_dn(), server_.service_password()}; }
+    User user(const std::string& cn) const {
+        return {server_.user_dn(cn), server_.user_password()};
+    }
+
+    void bind(LdapEntry& entry, const User& as, Text name = u"cn=djansen",
+              Variant attributes = Values{}) const {
+        Text server = from_utf8(server_.server()), container = u"ou=Users,o=Shop";
+        Text user = from_utf8(as.name), password = from_utf8(as.password);
+        entry.Bind(server, container, name, user, password, attributes);
+    }
+    // 0, or the failure's number.
+    std::int32_t bind_result(const User& as) const {
+        LdapEntry entry;
+        return failure_of([&] { bind(entry, as); }).number;
+    }
+    static Variant values(LdapEntry& entry, Text name) { return entry.GetValues(name); }
+    static void set(LdapEntry& entry, Text name, Variant value) { entry.SetValues(name, value); }
+    static void clear(LdapEntry& entry, Text name) { entry.ClearValues(name); }
+
+    ServerLogin login(const User& as) const {
+        return ServerLogin(from_utf8(server_.server()), from_utf8(as.name), from_utf8(as.password),
+                           std::nullopt);
+    }
+    // The user whom the server takes the pooled connection of this login for.
+    static std::string who_is(ServerLogin& login) {
+        const WhoAmIResult result = login.run([](Session& session) { return session.who_am_i(); });
+        return result.ok() ? result.identity : "failure " + std::to_string(result.code);
+    }
+
+    static Object found(LdapSearch& search, Text filter) {
+        Variant attributes = Values{u"cn"};
+        return search.Execute(filter, attributes, 10);
+    }
+    void connect(LdapSearch& search, const User& as) const {
+        Text server = from_utf8(server_.server()), container = u"ou=Users,o=Shop";
+        Text user = from_utf8(as.name), password = from_utf8(as.password);
+        search.Connect(server, container, user, password);
+    }
+
+    std::int32_t checked(const User& as) const {
+        LdapValidator validator;
+        Text server = from_utf8(server_.server()), container = u"ou=Users,o=Shop";
+        validator.Open(server, container);
+        Variant path = from_utf8(as.name), password = from_utf8(as.password);
+        return validator.Validate(path, password);
+    }
+
+    // Of the server; without the connection that counts.
+    long open_connections() { return counted("cn=Current,cn=Connections") - 1; }
+    long connections_made() { return counted("cn=Total,cn=Connections"); }
+    long binds() { return counted("cn=Bind,cn=Operations", "monitorOpInitiated"); }
+    // Without the one that counts.
+    long searches() { return counted("cn=Search,cn=Operations", "monitorOpInitiated") - 1; }
+    long counted(const std::string& entry, const std::string& attribute = "monitorCounter") {
+        return std::stol(probe_.values(entry + ",cn=Monitor", attribute).at(0));
+    }
+    // A connection that was closed here is still open there for a moment.
+    bool comes_to(long connections);
+
+    PrivateSlapd server_;
+    LdapProbe probe_{server_.url(), server_.root_dn(), server_.root_password()};
+};
+
+}  // namespace orvo::directory::ldap

@@ -1,0 +1,178 @@
+// Creation and deletion where a request or its answer gets lost, or nothing ever comes back.
+
+#include <gmock/gmock.h>
+
+#include "platform/abi/call.h"
+#include "platform/automation/values.h"
+#include "platform/dictionary/dictionary.h"
+#include "suite/directory/ldap/provider/LdapEntry.h"
+#include "suite/directory/ldap/wire/password_modify.h"
+#include "tests/suite/directory/ldap/support/expect_failure.h"
+#include "tests/suite/directory/ldap/support/rewriting_proxy.h"
+#include "tests/support/ldap_probe.h"
+#include "tests/support/slapd.h"
+
+namespace orvo::directory::ldap {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+// What a request holds, by which it is known.
+const std::string creation = "orvoPerson";
+const std::string password_change(password_modify_oid);
+const std::string deletion =
+    "\x4A\x16"
+    "cn=new,ou=Users,o=Shop";
+
+class LostRequestsTest : public testing::Test {
+protected:
+    LostRequestsTest() {
+        Text address = from_utf8(proxy_.server()), users = u"ou=Users,o=Shop", name;
+        Text user = from_utf8(server_.service_dn()), password = u"service-sample";
+        Variant nothing = Values{};
+        container_.Bind(address, users, name, user, password, nothing);
+        // Once everything that has to be known of the server is, a creation begins at once.
+        EXPECT_EQ(created(u"first", u"secret").number, 0);
+    }
+
+    Failure created(Text name, Text password = u"secret") {
+        const auto given = make<DictionaryObject>();
+        for (const auto& [attribute, value] : {std::pair<Text, Text>{u"cn", name},
+                                               {u"userPassword", password},
+                                               {u"objectClass", u"orvoPerson"}}) {
+            Variant key = attribute, item = value;
+            call<&Dictionary::Add>(given, key, item);
+        }
+        Object attributes = given.object();
+        Variant classes = u"orvoPerson";
+        Text naming = u"cn";
+        return failure_of([&] { container_.CreateChild(classes, naming, attributes); });
+    }
+    Failure removed(Text path = u"cn=new,ou=Users,o=Shop") {
+        Text class_name = u"orvoPerson";
+        return failure_of([&] { container_.DeleteChild(class_name, path); });
+    }
+    bool is_there() { return !probe_.find("ou=Users,o=Shop", "(cn=new)").empty(); }
+    std::vector<std::string> password() { return probe_.values(new_user_, "userPassword"); }
+
+    PrivateSlapd server_;
+    RewritingProxy proxy_{server_.server(), "cn=nothing", "cn=nothing"};
+    LdapProbe probe_{server_.url(), server_.root_dn(), server_.root_password()};
+    LdapEntry container_{Limits{2s, 1s}};
+    const std::string new_user_ = server_.user_dn("new");
+};
+
+TEST_F(LostRequestsTest, TheyAreMadeOnceMore) {
+    proxy_.cut_requests(1, creation);
+    EXPECT_EQ(created(u"new").number, 0);
+    EXPECT_EQ(LdapProbe(server_.url()).bind(new_user_, "secret"), 0);
+    proxy_.cut_requests(1, deletion);
+    EXPECT_EQ(removed().number, 0);
+    EXPECT_FALSE(is_there());
+    proxy_.cut_requests(1, password_change);
+    EXPECT_EQ(created(u"new").number, 0);
+    EXPECT_EQ(LdapProbe(server_.url()).bind(new_user_, "secret"), 0);
+}
+
+TEST_F(LostRequestsTest, AnEntryWhosePasswordIsNotSetIsTakenBack) {
+    proxy_.cut_requests(2, password_change);
+    Failure failure = created(u"new");
+    EXPECT_EQ(failure.number, error_number(0x8007203A));
+    EXPECT_EQ(failure.description, u"(81) The server cannot be reached.");
+    EXPECT_FALSE(is_there());
+
+    proxy_.swallow_requests(1, password_change);
+    failure = created(u"new");
+    EXPECT_EQ(failure.number, error_number(0x8007203A));
+    EXPECT_EQ(failure.description, u"(85) The server did not answer in time.");
+    EXPECT_FALSE(is_there());
+}
+
+TEST_F(LostRequestsTest, AnEntryThatCannotBeTakenBackMayBeLeftWithoutAPassword) {
+    proxy_.swallow_requests(1, password_change);
+    proxy_.cut_requests(2, deletion);
+    const Failure failure = created(u"new");
+    EXPECT_EQ(failure.number, error_number(0x8007203A));
+    EXPECT_EQ(failure.description,
+              u"(85) The server did not answer in time. The entry 'cn=new,ou=Users,o=Shop' may be "
+              u"left without a password: (81) The server cannot be reached.");
+    EXPECT_TRUE(is_there());
+    EXPECT_THAT(password(), IsEmpty());
+}
+
+TEST_F(LostRequestsTest, ACreationWithoutAnAnswerMayHaveLeftAnEntryWithoutAPassword) {
+    proxy_.cut_answers(2, creation);
+    const Failure failure = created(u"new");
+    EXPECT_EQ(failure.number, error_number(0x8007203A));
+    EXPECT_EQ(failure.description,
+              u"(81) The server cannot be reached. The entry 'cn=new,ou=Users,o=Shop' may exist, "
+              u"without a password.");
+    EXPECT_TRUE(is_there());
+    EXPECT_THAT(password(), IsEmpty());
+}
+
+TEST_F(LostRequestsTest, ACreationThatFindsItsOwnEntrySaysSo) {
+    proxy_.cut_answers(1, creation);
+    Failure failure = created(u"new");
+    EXPECT_EQ(failure.number, error_number(0x8004044F));
+    EXPECT_EQ(failure.description,
+              u"(68) The specified entry already exists. It may be of this request, whose "
+              u"connection was lost before. The entry 'cn=new,ou=Users,o=Shop' may exist, without "
+              u"a password.");
+    EXPECT_THAT(password(), IsEmpty());
+
+    ASSERT_EQ(probe_.remove(new_user_), 0);
+    proxy_.cut_answers(1, creation);
+    failure = created(u"new", u"");
+    EXPECT_EQ(failure.description,
+              u"(68) The specified entry already exists. It may be of this request, whose "
+              u"connection was lost before.");
+}
+
+TEST_F(LostRequestsTest, AnEntryThatSomebodyElseMayHaveMadeIsLeftAlone) {
+    ASSERT_EQ(probe_.add(new_user_, {{"objectClass", {"orvoPerson"}}, {"cn", {"new"}}}), 0);
+    const auto before = probe_.values(new_user_, "entryUUID");
+    proxy_.swallow_requests(1, creation);
+    EXPECT_EQ(created(u"new").description,
+              u"(85) The server did not answer in time. The entry 'cn=new,ou=Users,o=Shop' may "
+              u"exist, without a password.");
+    EXPECT_EQ(probe_.values(new_user_, "entryUUID"), before);
+    proxy_.cut_requests(1, creation);
+    EXPECT_EQ(created(u"new").number, error_number(0x8004044F));
+    EXPECT_EQ(probe_.values(new_user_, "entryUUID"), before);
+}
+
+TEST_F(LostRequestsTest, ACreationWithoutAPasswordSpeaksOfNone) {
+    proxy_.swallow_requests(1, creation);
+    EXPECT_EQ(created(u"new", u"").description,
+              u"(85) The server did not answer in time. The entry 'cn=new,ou=Users,o=Shop' may "
+              u"exist.");
+}
+
+TEST_F(LostRequestsTest, ACreationThatIsRefusedAfterALossSpeaksOfNoEntry) {
+    proxy_.cut_requests(1, creation);
+    EXPECT_EQ(created(Text(300, u'x')).description,
+              u"(80) The server met an error of another kind. The name may be too long for it.");
+}
+
+TEST_F(LostRequestsTest, ADeletionWhoseAnswerIsLostIsDone) {
+    ASSERT_EQ(created(u"new").number, 0);
+    proxy_.cut_answers(1, deletion);
+    EXPECT_EQ(removed().number, 0);
+    EXPECT_FALSE(is_there());
+    EXPECT_EQ(removed().number, error_number(0x80072030)) << "nothing was lost this time";
+}
+
+TEST_F(LostRequestsTest, ADeletionWithoutAnAnswerIsAFailure) {
+    ASSERT_EQ(created(u"new").number, 0);
+    proxy_.swallow_requests(1, deletion);
+    EXPECT_EQ(removed().description, u"(85) The server did not answer in time.");
+    proxy_.cut_answers(2, deletion);
+    EXPECT_THAT(to_utf8(removed().description), StartsWith("(81) The server cannot be reached."));
+}
+
+}  // namespace
+}  // namespace orvo::directory::ldap

@@ -1,0 +1,263 @@
+// Plain names of users through creation, search, password check, bind as the user and deletion.
+
+#include <gmock/gmock.h>
+
+#include <map>
+
+#include "platform/abi/call.h"
+#include "platform/automation/values.h"
+#include "platform/dictionary/dictionary.h"
+#include "platform/recordset/contract.h"
+#include "suite/directory/filters/filter.h"
+#include "suite/directory/ldap/provider/LdapEntry.h"
+#include "suite/directory/ldap/provider/LdapSearch.h"
+#include "suite/directory/ldap/provider/LdapValidator.h"
+#include "suite/directory/names/written_name.h"
+#include "tests/suite/directory/ldap/support/expect_failure.h"
+#include "tests/support/ldap_probe.h"
+#include "tests/support/slapd.h"
+
+namespace orvo::directory::ldap {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr const char16_t* users = u"ou=Users,o=Shop";
+
+// As the component puts it together.
+Text path(const Text& name) { return u"cn=" + name + u"," + users; }
+
+class NamesTest : public testing::Test {
+protected:
+    void bind(LdapEntry& entry, Text relative_name, Text user = u"", Text password = u"") {
+        if (user.empty()) {
+            user = from_utf8(server_.service_dn());
+            password = from_utf8(server_.service_password());
+        }
+        Text server = from_utf8(server_.server()), container = users;
+        Variant nothing = Values{};
+        entry.Bind(server, container, relative_name, user, password, nothing);
+    }
+    void create(const Text& name) {
+        const auto given = make<DictionaryObject>();
+        const std::pair<Text, Text> attributes[] = {
+            {u"cn", name}, {u"userPassword", u"secret"}, {u"objectClass", u"orvoPerson"}};
+        for (const auto& [attribute, value] : attributes) {
+            Variant key = attribute, item = value;
+            call<&Dictionary::Add>(given, key, item);
+        }
+        LdapEntry container{Limits{2s, 2s}};
+        bind(container, u"");
+        Variant classes = u"orvoPerson";
+        Text naming = u"cn";
+        Object dictionary = given.object();
+        container.CreateChild(classes, naming, dictionary);
+    }
+    void remove(Text path) {
+        LdapEntry container{Limits{2s, 2s}};
+        bind(container, u"");
+        Text class_name = u"orvoPerson";
+        container.DeleteChild(class_name, path);
+    }
+    std::int32_t found(const Text& name) {
+        LdapSearch search{Limits{2s, 2s}};
+        Text server = from_utf8(server_.server()), container = users;
+        Text user = from_utf8(server_.service_dn()), password = u"service-sample";
+        search.Connect(server, container, user, password);
+        const Filter filter{
+            .kind = Filter::Kind::equality, .attribute = "cn", .value = to_utf8(name)};
+        Text condition = from_utf8(filter.text());
+        Variant attributes = Values{u"cn"};
+        const auto rows = Ref<RecordSet>::from(search.Execute(condition, attributes, 1000));
+        return call<&RecordSet::RecordCount>(rows);
+    }
+    std::int32_t checked(const Text& path, const Text& password) {
+        LdapValidator validator(Limits{2s, 2s});
+        Text server = from_utf8(server_.server()), container = users;
+        validator.Open(server, container);
+        Variant path_value = path, password_value = password;
+        return validator.Validate(path_value, password_value);
+    }
+    static Variant cn_of(LdapEntry& entry) {
+        Text cn = u"cn";
+        return entry.GetValues(cn);
+    }
+    // Every entry of the shop with the number of its last change.
+    std::map<std::string, std::vector<std::string>> everything() {
+        std::map<std::string, std::vector<std::string>> entries;
+        for (const std::string& name : probe_.find("o=Shop", "(objectClass=*)"))
+            entries[name] = probe_.values(name, "entryCSN");
+        return entries;
+    }
+
+    PrivateSlapd server_;
+    LdapProbe probe_{server_.url(), server_.root_dn(), server_.root_password()};
+};
+
+TEST_F(NamesTest, WorkEverywhereWhateverIsInThem) {
+    const Text names[] = {u"Miller, John",
+                          u"a+b",
+                          u"a=b",
+                          u"a, b, c",
+                          u"a, b+c=d\"",
+                          u",",
+                          u", ,",
+                          u"+",
+                          u"=",
+                          u"a+",
+                          u"a,",
+                          u"\"quoted\"",
+                          u"He said \"x\"",
+                          u"'single'",
+                          u"O'Neill",
+                          u"#hash",
+                          u"# 41",
+                          u"#4",
+                          u"a#b",
+                          u"star*",
+                          u"*",
+                          u"(paren",
+                          u"paren)",
+                          u"(both)",
+                          u"back\\s",
+                          u"<tag>",
+                          u"R&D <core>",
+                          u"R&D <core>, team blue",
+                          u";semi;",
+                          u"a;b\\",
+                          u"a/b",
+                          u"/",
+                          u"tab\there",
+                          u"new\nline",
+                          u"!",
+                          u"a!",
+                          u"%2C",
+                          u"a  b",
+                          u" leading",
+                          u"trailing ",
+                          u"\u00FCmlaut \u00DF",
+                          u"e\u0301, decomposed",
+                          u"\uFF21\uFF0C full width",
+                          u"\u65E5\u672C",
+                          u"\xD83D\xDE00",
+                          u"\u200Bwidth",
+                          Text(u"nul\0mid", 7),
+                          Text(u"nul\0", 4),
+                          Text(200, u'x'),
+                          Text(60, u','),
+                          Text(50, u'\u65E5')};
+    const auto before = everything();
+    for (const Text& name : names) {
+        SCOPED_TRACE(to_utf8(name));
+        create(name);
+        EXPECT_EQ(everything().size(), before.size() + 1);
+        EXPECT_EQ(found(name), 1);
+        EXPECT_EQ(checked(path(name), u"secret"), 0);
+        EXPECT_EQ(checked(path(name), u"wrong"), -1);
+        LdapEntry entry, own;
+        bind(entry, u"cn=" + name);
+        EXPECT_EQ(cn_of(entry), Variant(Values{name}));
+        bind(own, u"cn=" + name, path(name), u"secret");
+        EXPECT_EQ(cn_of(own), Variant(Values{name}));
+        remove(path(name));
+        EXPECT_EQ(everything(), before);
+    }
+}
+
+TEST_F(NamesTest, ThatNobodyCouldLogInWithAreRefusedAtCreation) {
+    const std::pair<Text, TextView> names[] = {
+        {u"R&D <core>, team=blue", u"cn=R&D \\<core\\>, team=blue,ou=Users,o=Shop"},
+        {u"He said \"x\", a=b", u"cn=He said \\\"x\\\", a=b,ou=Users,o=Shop"},
+        {u"#x, a=b", u"cn=\\#x, a=b,ou=Users,o=Shop"},
+        {u"a, b, c=d", u"cn=a\\, b, c=d,ou=Users,o=Shop"},
+        {u"a\\", u"cn=a\\,ou=Users,o=Shop"},
+        {u"\\", u"cn=\\,ou=Users,o=Shop"}};
+    const auto before = everything();
+    for (const auto& [name, read] : names) {
+        const Failure failure = failure_of([&] { create(name); });
+        EXPECT_EQ(failure.number, error_number(0x80072032)) << to_utf8(name);
+        EXPECT_EQ(to_utf8(failure.description),
+                  to_utf8(u"(34) The distinguished name is not valid. Nobody could log in as 'cn=" +
+                          name + u"': with its container it is read as '" + Text(read) + u"'."));
+    }
+    EXPECT_EQ(everything(), before);
+}
+
+TEST_F(NamesTest, OfAnotherEntryWhereTheyAreNotEscapedAreRefusedAtCreation) {
+    const auto before = everything();
+    for (const char16_t* name : {u"a,cn=jsmith", u"a+sn=b", u"Smith\\, John", u"Smith\\2C John",
+                                 u"#6A736D697468", u"jsmith,ou=Users,o=Shop", u" "}) {
+        const Failure failure = failure_of([&] { create(name); });
+        EXPECT_EQ(failure.number, error_number(0x80072032)) << to_utf8(name);
+        EXPECT_EQ(failure.description, u"(34) The distinguished name is not valid. The name '" +
+                                           Text(name) +
+                                           u"' could be taken for that of another entry.");
+    }
+    EXPECT_EQ(everything(), before);
+}
+
+TEST_F(NamesTest, ThatAreTooLongForTheServerAreRefusedAtCreation) {
+    const std::pair<std::size_t, TextView> refusals[] = {
+        {300, u"(80) The server met an error of another kind. The name may be too long for it."},
+        {1'000, u"(80) The server met an error of another kind. The name may be too long for it."},
+        {8'000, u"(80) The server met an error of another kind. The name may be too long for it."},
+        {100'000,
+         u"(34) The distinguished name is not valid. With its container it has more than "
+         u"8192 characters."}};
+    const auto before = everything();
+    for (const auto& [length, description] : refusals)
+        EXPECT_EQ(failure_of([&] { create(Text(length, u'x')); }).description, description);
+    EXPECT_EQ(everything(), before);
+}
+
+// Sent to the server, such a half would be U+FFFD, and the name that of another user.
+TEST_F(NamesTest, WithHalfOfASurrogatePairAreNobodys) {
+    create(u"\xFFFD");
+    const auto before = everything();
+    const TextView description =
+        u"(34) The distinguished name is not valid. A name cannot hold half of a surrogate pair.";
+    for (const Text name : {u"\xD83D", u"\xDE00"}) {
+        EXPECT_EQ(failure_of([&] { create(name); }).description, description);
+        EXPECT_EQ(failure_of([&] { remove(path(name)); }).description, description);
+        EXPECT_EQ(checked(path(name), u"secret"), -1);
+        LdapEntry entry;
+        EXPECT_EQ(failure_of([&] { bind(entry, u"cn=" + name); }).description, description);
+        const Failure refused =
+            failure_of([&] { bind(entry, u"cn=\xFFFD", path(name), u"secret"); });
+        EXPECT_EQ(refused.number, error_number(0x8007052E));
+        EXPECT_EQ(refused.description,
+                  u"(49) The user name or the password is wrong. The user's name holds half of a "
+                  u"surrogate pair.");
+    }
+    EXPECT_EQ(everything(), before);
+    EXPECT_EQ(checked(path(u"\xFFFD"), u"secret"), 0);
+}
+
+TEST_F(NamesTest, FoldTheirBlanksAsTheServerDoes) {
+    create(u" new  name ");
+    EXPECT_THAT(probe_.values(server_.user_dn("new name"), "cn"), ElementsAre(" new  name "));
+    EXPECT_EQ(failure_of([&] { create(u"new name"); }).number, error_number(0x8004044F));
+    EXPECT_EQ(checked(path(u"New Name"), u"secret"), 0);
+    remove(path(u"new name"));
+    EXPECT_THAT(probe_.find("ou=Users,o=Shop", "(cn=new name)"), IsEmpty());
+}
+
+// Such entries come from other programs.
+TEST_F(NamesTest, ThatCanBeReadWithTheirContainerAloneHaveTheirPasswordChecked) {
+    for (const char16_t* name : {u"R&D <core>, team=blue", u"He said \"x\", a=b", u"a\\", u"\\"}) {
+        const std::string entry = to_utf8(u"cn=" + escaped_value(name) + u"," + users);
+        ASSERT_EQ(probe_.add(entry, {{"objectClass", {"orvoPerson"}},
+                                     {"cn", {to_utf8(name)}},
+                                     {"userPassword", {"secret"}}}),
+                  0);
+        EXPECT_EQ(checked(path(name), u"secret"), 0) << to_utf8(name);
+        EXPECT_EQ(checked(path(name), u"wrong"), -1) << to_utf8(name);
+        remove(path(name));
+    }
+    EXPECT_EQ(checked(path(u"a\\"), u"secret"), -1);
+}
+
+}  // namespace
+}  // namespace orvo::directory::ldap
