@@ -26,4 +26,6 @@ void Validator::setServerInfo(const Text& i_sConfigurationPath) {
     shared_server_info()->SetConfiguration(path);
 }
 
+template struct detail::callee<Validator>;
+
 }  // namespace orvo

@@ -63,6 +63,8 @@ inline constexpr auto table_of<Validator> = describe<Validator>(
     method<&Validator::ChangePassword>("ChangePassword", "username", "oldpassword", "newpassword"));
 // clang-format on
 
+extern template struct detail::callee<Validator>;
+
 template <>
 inline constexpr auto class_of<Validator> = describe_class<Validator, ObjectControl>(
     "OrvoMembership.Validator", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e705");

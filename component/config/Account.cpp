@@ -40,4 +40,6 @@ Variant Account::NTPassword() {
                    [&] { return first_value(u"OrvoNTPassword"); });
 }
 
+template struct detail::callee<Account>;
+
 }  // namespace orvo

@@ -30,6 +30,8 @@ inline constexpr auto table_of<Account> = describe<Account>(
     get<&Account::NTPassword>("NTPassword"));
 // clang-format on
 
+extern template struct detail::callee<Account>;
+
 template <>
 inline constexpr auto class_of<Account> =
     describe_class<Account>("OrvoMembership.Account", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e703");

@@ -19,4 +19,6 @@ bool Initialize::InitializeCache(Variant& i_aCacheParameterNames,
                                                   i_aCacheParameterNames, i_aCacheParameterValues);
 }
 
+template struct detail::callee<Initialize>;
+
 }  // namespace orvo

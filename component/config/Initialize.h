@@ -28,6 +28,8 @@ inline constexpr auto table_of<Initialize> = describe<Initialize>(
                                          "i_aCacheParameterValues"));
 // clang-format on
 
+extern template struct detail::callee<Initialize>;
+
 template <>
 inline constexpr auto class_of<Initialize> =
     describe_class<Initialize>("OrvoMembership.Initialize", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e70a");

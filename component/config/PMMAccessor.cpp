@@ -49,4 +49,6 @@ Object PMMAccessor::GetLDAPUsers(std::int32_t productID) {
     });
 }
 
+template struct detail::callee<PMMAccessor>;
+
 }  // namespace orvo

@@ -31,6 +31,8 @@ inline constexpr auto table_of<PMMAccessor> = describe<PMMAccessor>(
     method<&PMMAccessor::GetLDAPUsers>("GetLDAPUsers", "productID"));
 // clang-format on
 
+extern template struct detail::callee<PMMAccessor>;
+
 template <>
 inline constexpr auto class_of<PMMAccessor> = describe_class<PMMAccessor>(
     "OrvoMembership.PMMAccessor", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e70b");

@@ -99,4 +99,6 @@ void ServerInfo::SetConfiguration(Text& i_sConfigPath) {
     configuration_path_ = i_sConfigPath;
 }
 
+template struct detail::callee<ServerInfo>;
+
 }  // namespace orvo

@@ -132,6 +132,8 @@ inline constexpr auto table_of<ServerInfo> = describe<ServerInfo>(
     get<&ServerInfo::ConfigurationPath>("ConfigurationPath").as_default().hidden());
 // clang-format on
 
+extern template struct detail::callee<ServerInfo>;
+
 template <>
 inline constexpr auto class_of<ServerInfo> =
     describe_class<ServerInfo>("OrvoMembership.ServerInfo", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e701");

@@ -227,4 +227,6 @@ void Members::SetAttribValue(Text& iAttribName, Variant& iAttribValue) {
             [&] { call<&DirectoryEntry::SetValues>(mContainer, iAttribName, iAttribValue); });
 }
 
+template struct detail::callee<Members>;
+
 }  // namespace orvo

@@ -109,6 +109,8 @@ inline constexpr auto table_of<Members> = describe<Members>(
                                      optional("iPageSize")));
 // clang-format on
 
+extern template struct detail::callee<Members>;
+
 template <>
 inline constexpr auto class_of<Members> = describe_class<Members, ObjectControl>(
     "OrvoMembership.Members", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e708");

@@ -142,4 +142,6 @@ Ref<Profile> Profiles::CreateProfile(Text& iCommonName) {
     });
 }
 
+template struct detail::callee<Profiles>;
+
 }  // namespace orvo

@@ -47,6 +47,8 @@ inline constexpr auto table_of<Profiles> = describe<Profiles>(
     method<&Profiles::BindAs>("BindAs", "iUsername", "iPwd"));
 // clang-format on
 
+extern template struct detail::callee<Profiles>;
+
 template <>
 inline constexpr auto class_of<Profiles> = describe_class<Profiles, ObjectControl>(
     "OrvoMembership.Profiles", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e709");

@@ -76,4 +76,6 @@ Variant LdapAccess::GetAttributeName(Variant& iAttributeName) {
     });
 }
 
+template struct detail::callee<LdapAccess>;
+
 }  // namespace orvo

@@ -56,6 +56,8 @@ inline constexpr auto table_of<LdapAccess> = describe<LdapAccess>(
     method<&LdapAccess::GetAttributeName>("GetAttributeName", "iAttributeName"));
 // clang-format on
 
+extern template struct detail::callee<LdapAccess>;
+
 template <>
 inline constexpr auto class_of<LdapAccess> = describe_class<LdapAccess, ObjectControl>(
     "OrvoMembership.LdapAccess", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e704");

@@ -214,4 +214,6 @@ void Profile::AssignRole(std::int16_t& iRoleType, bool& iEnable) {
     });
 }
 
+template struct detail::callee<Profile>;
+
 }  // namespace orvo

@@ -121,6 +121,8 @@ inline constexpr auto table_of<Profile> = describe<Profile>(
     put<&Profile::put_whole<3>>("Roles", "iRoles"));
 // clang-format on
 
+extern template struct detail::callee<Profile>;
+
 template <>
 inline constexpr auto class_of<Profile> = describe_class<Profile, ObjectControl>(
     "OrvoMembership.Profile", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e706");

@@ -72,6 +72,8 @@ inline constexpr auto table_of<User> = describe<User>(
     method<&User::ChangePassword>("ChangePassword", "iOldPwd", "iNewPwd"));
 // clang-format on
 
+extern template struct detail::callee<User>;
+
 template <>
 inline constexpr auto class_of<User> = describe_class<User, ObjectControl>(
     "OrvoMembership.User", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e707");

@@ -61,4 +61,6 @@ Ref<DirectoryValidator> PMMCreator::GetPMMValidator() {
     });
 }
 
+template struct detail::callee<PMMCreator>;
+
 }  // namespace orvo

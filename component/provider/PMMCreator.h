@@ -35,6 +35,8 @@ inline constexpr auto table_of<PMMCreator> = describe<PMMCreator>(
     method<&PMMCreator::GetPMMValidator>("GetPMMValidator"));
 // clang-format on
 
+extern template struct detail::callee<PMMCreator>;
+
 template <>
 inline constexpr auto class_of<PMMCreator> =
     describe_class<PMMCreator>("OrvoMembership.PMMCreator", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e702");

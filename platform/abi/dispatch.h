@@ -131,8 +131,8 @@ template <auto M, class I, class R, class... P>
 struct late_thunk<M, R (I::*)(P...) const> : late_thunk<M, R (I::*)(P...)> {};
 
 template <class I>
-const InterfaceInfo& interface_info() {
-    static const InterfaceInfo info = [] {
+const InterfaceInfo& callee<I>::info() {
+    static const InterfaceInfo all = [] {
         InterfaceInfo made;
         made.iid = &table_of<I>.iid;
         made.is_dual = table_of<I>.dispatch;
@@ -145,7 +145,7 @@ const InterfaceInfo& interface_info() {
         made.finish();
         return made;
     }();
-    return info;
+    return all;
 }
 
 // IDispatch's own four slots.

@@ -62,8 +62,8 @@ public:
     explicit Hosted(A&&... arguments)
         : ObjectCore(class_of<C>.progid, class_of<C>.is_shared),
           object_(std::forward<A>(arguments)...),
-          faces_{Face{vtable_of<Interfaces>(), this, static_cast<Interfaces*>(&object_),
-                      &interface_info<Interfaces>()}...,
+          faces_{Face{callee<Interfaces>::slots(), this, static_cast<Interfaces*>(&object_),
+                      &callee<Interfaces>::info()}...,
                  Face{support_error_info_slots(), this, this, &support_error_info()}} {}
 
     std::span<Face> faces() override { return faces_; }

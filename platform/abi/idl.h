@@ -21,7 +21,7 @@ public:
     void write_interface() {
         const auto& table = table_of<I>;
         begin(table.name, table.iid, table.dispatch);
-        const detail::InterfaceInfo& info = detail::interface_info<I>();
+        const detail::InterfaceInfo& info = detail::callee<I>::info();
         std::size_t late = 0;
         table.for_each([&]<auto M>(std::size_t index) {
             if constexpr (std::is_null_pointer_v<std::remove_cv_t<decltype(M)>>)

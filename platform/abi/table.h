@@ -241,6 +241,19 @@ const abi::IID& iid_of() {
 
 namespace detail {
 
+struct InterfaceInfo;
+
+// What the callee's side reads from the table of I: functions for each row, which take a compiler
+// long to make. A class with a table of its own has them made once, in one of its sources:
+//
+//   extern template struct detail::callee<Log>;  // in the header, below the table
+//   template struct detail::callee<Log>;         // in the source
+template <class I>
+struct callee {
+    static const abi::Slot* slots();     // the vtable; thunk.h
+    static const InterfaceInfo& info();  // the members by name; dispatch.h
+};
+
 template <auto A, auto B>
 inline constexpr bool same_member = false;
 template <auto A>

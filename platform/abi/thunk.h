@@ -168,15 +168,15 @@ abi::HRESULT reserved_slot();
 
 // The vtable of interface I, for objects whose faces point to an I.
 template <class I>
-const abi::Slot* vtable_of() {
-    static const auto slots = [] {
+const abi::Slot* callee<I>::slots() {
+    static const auto all_slots = [] {
         std::array<abi::Slot, table_of<I>.slot_count> all;
         all.fill(reinterpret_cast<abi::Slot>(&reserved_slot));
         put_standard_slots(all.data(), table_of<I>.dispatch);
         put_own_slots(all.data(), table_of<I>, std::make_index_sequence<table_of<I>.rows.size()>());
         return all;
     }();
-    return slots.data();
+    return all_slots.data();
 }
 
 }  // namespace orvo::detail

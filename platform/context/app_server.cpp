@@ -18,4 +18,7 @@ Ref<ObjectContext> AppServerObject::Establish(const Ref<ObjectContext>& context)
     return std::exchange(current_context(), context);
 }
 
+template struct detail::callee<AppServer>;
+template struct detail::callee<ContextHost>;
+
 }  // namespace orvo

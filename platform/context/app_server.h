@@ -14,6 +14,9 @@ public:
     Ref<ObjectContext> Establish(const Ref<ObjectContext>& context) override;
 };
 
+extern template struct detail::callee<AppServer>;
+extern template struct detail::callee<ContextHost>;
+
 template <>
 inline constexpr auto class_of<AppServerObject> = describe_class<AppServer, ContextHost>(
     "MTxAS.AppServer", "71e38f91-7e88-11cf-9ede-0080c78b7f89");

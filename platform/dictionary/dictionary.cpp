@@ -115,4 +115,6 @@ Variant DictionaryObject::HashVal(Variant& key) {
     return static_cast<std::int32_t>(wanted(key).hash & 0x7FFFFFFF);
 }
 
+template struct detail::callee<Dictionary>;
+
 }  // namespace orvo

@@ -67,6 +67,8 @@ private:
     std::int32_t mode_ = BinaryCompare;
 };
 
+extern template struct detail::callee<Dictionary>;
+
 template <>
 inline constexpr auto class_of<DictionaryObject> =
     describe_class<Dictionary>("Scripting.Dictionary", "ee09b103-97e0-11cf-978f-00a02463e06f");

@@ -63,3 +63,11 @@ void FieldsObject::Delete(const Variant& index) {
 }
 
 }  // namespace orvo::recordset
+
+namespace orvo {
+
+template struct detail::callee<Properties>;
+template struct detail::callee<Field>;
+template struct detail::callee<Fields>;
+
+}  // namespace orvo

@@ -78,6 +78,10 @@ private:
 
 namespace orvo {
 
+extern template struct detail::callee<Properties>;
+extern template struct detail::callee<Field>;
+extern template struct detail::callee<Fields>;
+
 template <>
 inline constexpr auto class_of<recordset::EmptyProperties> =
     describe_class<Properties>("ADODB.Properties");

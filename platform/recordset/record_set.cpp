@@ -171,4 +171,6 @@ Ref<RecordSet> RecordSetObject::Clone(std::int32_t lock_type) {
     return make<RecordSetObject>(cursor_->clone(lock_type != adLockReadOnly));
 }
 
+template struct detail::callee<RecordSet>;
+
 }  // namespace orvo

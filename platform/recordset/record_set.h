@@ -93,6 +93,8 @@ private:
     std::optional<std::int32_t> cursor_location_;
 };
 
+extern template struct detail::callee<RecordSet>;
+
 template <>
 inline constexpr auto class_of<RecordSetObject> =
     describe_class<RecordSet>("ADODB.Recordset", "00000535-0000-0010-8000-00aa006d2ea4");

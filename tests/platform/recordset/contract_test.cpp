@@ -77,7 +77,7 @@ static_assert(slot_of<&Field::Status> == 28);
 
 template <class I>
 abi::DISPID id_of(TextView name) {
-    return detail::interface_info<I>().id_of(name);
+    return detail::callee<I>::info().id_of(name);
 }
 
 TEST(RecordSetContract, KnowsItsMembersByThePlatformsNumbers) {

@@ -1,0 +1,7 @@
+#include "component/entries/User_table.h"
+
+namespace orvo {
+
+template struct detail::callee<User>;
+
+}  // namespace orvo
