@@ -1,6 +1,5 @@
 #include "tests/support/slapd.h"
 
-#include <arpa/inet.h>
 #include <ldap.h>
 #include <signal.h>
 #include <sys/socket.h>
@@ -13,6 +12,8 @@
 #include <system_error>
 #include <thread>
 
+#include "tests/support/loopback_address.h"
+
 namespace orvo {
 
 namespace {
@@ -23,9 +24,7 @@ const std::string script = ORVO_SOURCE_DIR "/scripts/private-slapd";
 class FreePort {
 public:
     FreePort() : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        sockaddr_in address = loopback_address(0);
         socklen_t size = sizeof address;
         auto* generic = reinterpret_cast<sockaddr*>(&address);
         if (bind(socket_, generic, size) != 0 || getsockname(socket_, generic, &size) != 0) {
@@ -122,6 +121,8 @@ void PrivateSlapd::stop() {
     process_->terminate(5);
     process_.reset();
 }
+
+void PrivateSlapd::kill() { process_.reset(); }
 
 void PrivateSlapd::pause() {
     if (process_) process_->pause();

@@ -31,6 +31,8 @@ public:
 
     // The directory goes away: connections break, and new ones are refused.
     void stop();
+    // It dies as if killed from outside (SIGKILL), with no chance to finish anything.
+    void kill();
     // It comes back, on the same port and with the data it had. Returns when it answers.
     void start();
     // The directory falls silent: connections stay and are accepted, but nothing is answered.

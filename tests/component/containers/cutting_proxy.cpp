@@ -1,6 +1,5 @@
 #include "tests/component/containers/cutting_proxy.h"
 
-#include <arpa/inet.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -8,16 +7,10 @@
 #include <cerrno>
 #include <system_error>
 
+#include "tests/support/loopback_address.h"
+
 namespace orvo {
 namespace {
-
-sockaddr_in loopback(int port) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    address.sin_port = htons(static_cast<std::uint16_t>(port));
-    return address;
-}
 
 [[noreturn]] void raise(const char* what) {
     throw std::system_error(errno, std::generic_category(), what);
@@ -42,7 +35,7 @@ bool move(int from, int to) {
 
 CuttingProxy::CuttingProxy(int server_port)
     : server_port_(server_port), listener_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-    sockaddr_in address = loopback(0);
+    sockaddr_in address = loopback_address(0);
     socklen_t size = sizeof address;
     auto* generic = reinterpret_cast<sockaddr*>(&address);
     if (::bind(listener_, generic, size) != 0 || ::listen(listener_, 16) != 0 ||
@@ -90,7 +83,7 @@ void CuttingProxy::serve() {
         if (is_readable(waiting[1])) {
             const int client = ::accept(listener_, nullptr, nullptr);
             const int server = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-            const sockaddr_in address = loopback(server_port_);
+            const sockaddr_in address = loopback_address(server_port_);
             ::connect(server, reinterpret_cast<const sockaddr*>(&address), sizeof address);
             passages.push_back({client, server});
         }
