@@ -97,13 +97,13 @@ std::optional<Policy> Lease::learnt_from(const BindResult& accepted,
         std::ranges::count(accepted.controls, policy_control, &Control::oid) != 0)
         return Policy::asked;
     Limits rest = limits_;
-    rest.operation -= std::chrono::floor<std::chrono::milliseconds>(steady_clock::now() - begin);
-    rest.operation = std::max(rest.operation, std::chrono::milliseconds(1));
+    rest.answer -= std::chrono::floor<std::chrono::milliseconds>(steady_clock::now() - begin);
+    rest.answer = std::max(rest.answer, std::chrono::milliseconds(1));
     session().set_limits(rest);
     const ReadResult root = session().read("", {supported_controls});
     if (root.connection_failed()) {
         // It may only have been slow before that.
-        const bool had_time = rest.operation >= limits_.operation / 2;
+        const bool had_time = rest.answer >= limits_.answer / 2;
         if (root.code != result_code::server_down && had_time) identity.note_silence();
         return std::nullopt;
     }

@@ -91,7 +91,7 @@ std::int32_t LdapValidator::Validate(Variant& path, Variant& password) {
 
     if (!target_->checks.identity) find_checks();
     const BindResult bind = checked(target_->checks, name, secret);
-    const std::optional<int> number = judged(bind);
+    const std::optional<int> number = judged(bind.code, bind.message, policy_in(bind.controls));
     if (!number) check(bind);
     return *number;
 }

@@ -9,11 +9,13 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <mutex>
 #include <system_error>
 #include <utility>
 
+#include "suite/directory/ldap/wire/deadline.h"
 #include "suite/directory/ldap/wire/openldap_transport.h"
 #include "suite/directory/policy/result_codes.h"
 
@@ -21,7 +23,6 @@ namespace orvo::directory::ldap::detail {
 namespace {
 
 using std::chrono::milliseconds;
-using std::chrono::steady_clock;
 
 // A longer message is taken for garbage; without a limit a wrong length would be allocated first.
 constexpr ber_len_t longest_message = 64u << 20;
@@ -52,16 +53,17 @@ timeval timeval_of(milliseconds limit) {
 std::string system_message(int error) { return std::generic_category().message(error); }
 
 // 0, or the system's error.
-int connect_within(int descriptor, const addrinfo& address, milliseconds limit) {
+int connect_within(int descriptor, const addrinfo& address, const Deadline& deadline) {
+    const milliseconds limit = deadline.left();
+    if (limit.count() == 0) return ETIMEDOUT;
     const timeval time = timeval_of(limit);
     if (::setsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &time, sizeof time) < 0) return errno;
-    const auto deadline = steady_clock::now() + limit;
     if (::connect(descriptor, address.ai_addr, address.ai_addrlen) == 0) return 0;
     // After the socket's limit it is still being done (socket(7)); a signal leaves it to go on.
     if (errno != EINTR) return errno == EINPROGRESS ? ETIMEDOUT : errno;
     for (;;) {
-        const auto left = std::chrono::ceil<milliseconds>(deadline - steady_clock::now());
-        if (left.count() <= 0) return ETIMEDOUT;
+        const milliseconds left = deadline.left();
+        if (left.count() == 0) return ETIMEDOUT;
         pollfd waiting{descriptor, POLLOUT, 0};
         const int ready = ::poll(&waiting, 1, static_cast<int>(left.count()));
         if (ready < 0 && errno != EINTR) return errno;
@@ -74,7 +76,7 @@ int connect_within(int descriptor, const addrinfo& address, milliseconds limit) 
 }
 
 // A connected socket, which waits unless it is told otherwise; -1: `why` tells.
-int connected_socket(const ServerHost& host, const Limits& limits, Result& why) {
+int connected_socket(const ServerHost& host, const Deadline& deadline, Result& why) {
     addrinfo hints{};
     hints.ai_socktype = SOCK_STREAM;
     hints.ai_flags = AI_NUMERICSERV;
@@ -93,7 +95,7 @@ int connected_socket(const ServerHost& host, const Limits& limits, Result& why) 
             reason = errno;
             continue;
         }
-        reason = connect_within(socket.get(), *address, limits.connect);
+        reason = connect_within(socket.get(), *address, deadline);
         if (reason != 0) continue;
         const int on = 1;
         ::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
@@ -106,11 +108,11 @@ int connected_socket(const ServerHost& host, const Limits& limits, Result& why) 
     return -1;
 }
 
-int set_options(LDAP* handle, const ServerHost& host, const Limits& limits) {
+int set_options(LDAP* handle, const ServerHost& host, const Deadline& deadline) {
     const int version = LDAP_VERSION3;
     const int never = LDAP_DEREF_NEVER;
     const int unlimited = LDAP_NO_LIMIT;
-    const timeval network = timeval_of(limits.connect);
+    const timeval network = timeval_of(std::max(deadline.left(), milliseconds(1)));
     int failed = ldap_set_option(handle, LDAP_OPT_PROTOCOL_VERSION, &version);
     failed |= ldap_set_option(handle, LDAP_OPT_REFERRALS, LDAP_OPT_OFF);
     failed |= ldap_set_option(handle, LDAP_OPT_RESTART, LDAP_OPT_ON);
@@ -134,14 +136,14 @@ int set_options(LDAP* handle, const ServerHost& host, const Limits& limits) {
 }
 
 // Asks the server for encryption, before it begins. False: `why` tells.
-bool request_tls(LDAP* handle, const Limits& limits, Result& why) {
+bool request_tls(LDAP* handle, const Deadline& deadline, Result& why) {
     int request = -1;
     const int sent = ldap_start_tls(handle, nullptr, nullptr, &request);
     if (sent != LDAP_SUCCESS) {
         why = client_result(handle, sent);
         return false;
     }
-    const Message answer = wait_for(handle, request, Wanted::all_messages, limits.connect, why);
+    const Message answer = wait_for(handle, request, Wanted::all_messages, deadline.left(), why);
     if (!answer) return false;
     int code = LDAP_OTHER;
     char* message = nullptr;
@@ -156,14 +158,13 @@ bool request_tls(LDAP* handle, const Limits& limits, Result& why) {
     return code == LDAP_SUCCESS;
 }
 
-bool encrypt(LDAP* handle, const Limits& limits, Result& why) {
-    const auto deadline = steady_clock::now() + limits.connect;
-    wait_until(handle, deadline);
+bool encrypt(LDAP* handle, const Deadline& deadline, Result& why) {
+    wait_until(handle, deadline.at());
     const int installed = ldap_install_tls(handle);
     never_wait(handle);
     if (installed == LDAP_SUCCESS) return true;
     why = client_result(handle, installed);
-    if (steady_clock::now() >= deadline) why = {result_code::timeout, "no encryption", {}};
+    if (deadline.has_passed()) why = {result_code::timeout, "no encryption", {}};
     return false;
 }
 
@@ -213,7 +214,8 @@ Handle open_connection(const ServerHost& host, const Limits& limits, Result& why
         int version = 0;
         ldap_get_option(nullptr, LDAP_OPT_PROTOCOL_VERSION, &version);
     });
-    Socket socket(connected_socket(host, limits, why));
+    const Deadline deadline(std::min(limits.connect, limits.answer));
+    Socket socket(connected_socket(host, deadline, why));
     if (socket.get() < 0) return nullptr;
     LDAP* made = nullptr;
     const int initialised = ldap_init_fd(socket.get(), LDAP_PROTO_TCP, host.url().c_str(), &made);
@@ -223,7 +225,7 @@ Handle open_connection(const ServerHost& host, const Limits& limits, Result& why
         return nullptr;
     }
     socket.detach();
-    if (set_options(made, host, limits) != LDAP_OPT_SUCCESS ||
+    if (set_options(made, host, deadline) != LDAP_OPT_SUCCESS ||
         !add_transport(made, longest_message)) {
         why = {result_code::local_error,
                host.ca_file.empty() ? "The connection cannot be set up."
@@ -231,8 +233,8 @@ Handle open_connection(const ServerHost& host, const Limits& limits, Result& why
                {}};
         return nullptr;
     }
-    if (host.security == Security::start_tls && !request_tls(made, limits, why)) return nullptr;
-    if (host.security != Security::none && !encrypt(made, limits, why)) return nullptr;
+    if (host.security == Security::start_tls && !request_tls(made, deadline, why)) return nullptr;
+    if (host.security != Security::none && !encrypt(made, deadline, why)) return nullptr;
     return handle;
 }
 

@@ -21,9 +21,10 @@ namespace {
 using std::chrono::steady_clock;
 
 // Options of this layer alone, beyond the library's own. The first sets the state's `deadline`, the
-// second waits for bytes: its argument is an Awaited.
+// second waits for bytes: its argument is an Awaited. The third tells how much has been sent.
 constexpr int deadline_option = 0x4F56;
 constexpr int await_option = 0x4F57;
+constexpr int bytes_sent_option = 0x4F58;
 
 struct Awaited {
     std::chrono::milliseconds limit;
@@ -45,6 +46,7 @@ struct ReadAhead {
     std::optional<steady_clock::time_point> deadline;
     std::chrono::milliseconds receive_limit{0};  // that the socket has been given; 0: none
     bool is_writing = false;                     // the library still has some of a request to write
+    std::uint64_t bytes_sent = 0;
     int answers_to_sleep_for = 0;
     std::size_t begin = 0;
     std::size_t end = 0;
@@ -120,6 +122,10 @@ int control(Sockbuf_IO_Desc* layer, int option, void* argument) {
         if (!state(layer).is_writing) await(state(layer), *static_cast<Awaited*>(argument));
         return 1;
     }
+    if (option == bytes_sent_option) {
+        *static_cast<std::uint64_t*>(argument) = state(layer).bytes_sent;
+        return 1;
+    }
     if (option == deadline_option) {
         state(layer).deadline = *static_cast<std::optional<steady_clock::time_point>*>(argument);
         return 1;
@@ -178,6 +184,7 @@ ber_slen_t write(Sockbuf_IO_Desc* layer, void* bytes, ber_len_t count) {
     do {
         sent = ::send(ahead.descriptor, bytes, count, MSG_NOSIGNAL | MSG_DONTWAIT);
     } while (sent < 0 && try_again(ahead, POLLOUT));
+    if (sent > 0) ahead.bytes_sent += static_cast<std::uint64_t>(sent);
     ahead.is_writing = sent != static_cast<ssize_t>(count);
     return sent;
 }
@@ -224,6 +231,12 @@ bool await_bytes(::ldap* handle, std::chrono::milliseconds limit, std::chrono::m
     Awaited awaited{limit, poll};
     ber_sockbuf_ctrl(connection, await_option, &awaited);
     return !awaited.is_timeout;
+}
+
+std::uint64_t bytes_sent(::ldap* handle) {
+    std::uint64_t count = 0;
+    ber_sockbuf_ctrl(connection_of(handle), bytes_sent_option, &count);
+    return count;
 }
 
 bool is_quiet(::ldap* handle) {

@@ -4,6 +4,7 @@
 // library's sources.
 
 #include <chrono>
+#include <cstdint>
 
 struct ldap;
 
@@ -35,6 +36,9 @@ void never_wait(::ldap* handle);
 // `poll` that asking took, 1500 at most; where others need the processor it takes longer than it
 // may.
 bool await_bytes(::ldap* handle, std::chrono::milliseconds limit, std::chrono::microseconds poll);
+
+// How much has been sent in all, encryption's own bytes included.
+std::uint64_t bytes_sent(::ldap* handle);
 
 // Whether nothing has come from the server: no message, no end of the connection.
 bool is_quiet(::ldap* handle);

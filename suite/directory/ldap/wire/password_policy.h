@@ -1,37 +1,22 @@
 #pragma once
 
-// What a server says of an account when its password is checked, as the provider's number.
+// The controls in which a server tells what its password policy says of an account.
 
 #include <optional>
+#include <span>
 #include <string_view>
 
 #include "suite/directory/ldap/wire/session.h"
+#include "suite/directory/policy/password_check.h"
 
 namespace orvo::directory::ldap {
 
-// The numbers that a password check gives.
-namespace password_check {
-inline constexpr int right = 0;
-inline constexpr int wrong = -1;  // the user or the password, which are not told apart
-inline constexpr int locked = -2;
-inline constexpr int disabled = -3;
-inline constexpr int expired = -4;  // right, but expired or to be changed
-inline constexpr int too_many_failures = -5;
-}  // namespace password_check
+// The value of the policy control (draft-behera-ldap-password-policy, 6.2), which is BER; nothing
+// where it cannot be read.
+std::optional<PasswordPolicy> try_decode_policy(std::string_view value);
 
-// The answer of the password policy control (draft-behera-ldap-password-policy, 6.2).
-struct PasswordPolicy {
-    std::optional<int> seconds_before_expiry;
-    std::optional<int> logins_left;  // that an expired password is still good for
-    std::optional<int> error;        // 0 expired, 1 locked, 2 to be changed, 3 to 8 others
-    bool operator==(const PasswordPolicy&) const = default;
-
-    // From the control's value; nothing where it cannot be read.
-    static std::optional<PasswordPolicy> try_decode(std::string_view ber);
-};
-
-// The number for the result of a bind; nothing for a result that says nothing about the account
-// (the server is unavailable, asks for encryption, …), which is a failure.
-std::optional<int> judged(const BindResult& bind);
+// What the controls of an answer say: the policy control's value, or, of the older control for a
+// password that is to be changed, that it is expired. Nothing in it where they say nothing.
+PasswordPolicy policy_in(std::span<const Control> controls);
 
 }  // namespace orvo::directory::ldap

@@ -20,7 +20,7 @@ struct ServerHost {
     std::string name;  // a host name or an address, without brackets
     std::uint16_t port = 389;
     Security security = Security::none;
-    std::string ca_file;  // certificates to trust; empty: the system's
+    std::string ca_file = {};  // certificates to trust; empty: the system's
 
     // "ldap://dir01:389", as messages and the client library name it.
     std::string url() const;

@@ -1,8 +1,38 @@
 #include "suite/directory/ldap/wire/session.h"
 
-#include "suite/directory/policy/result_codes.h"
+#include <utility>
+
+#include "suite/directory/ldap/wire/failures.h"
 
 namespace orvo::directory::ldap {
+namespace {
+
+std::string reason_of(const ServerHost& host, const Result& why) {
+    return "'" + host.url() + "'" + (why.message.empty() ? "" : ": " + why.message);
+}
+
+}  // namespace
+
+void check(const Result& result) {
+    if (!result.ok()) raise_code(result.code, result.message, result.nearest_entry);
+}
+
+Session Session::connect(const ServerHost& host, const Limits& limits) {
+    Result why;
+    if (std::optional<Session> session = try_connect(host, limits, why)) return std::move(*session);
+    raise_code(why.code, reason_of(host, why));
+}
+
+Session Session::connect(const ServerAddress& server, const Limits& limits) {
+    std::string reasons;
+    Result why;
+    for (const ServerHost& host : server.hosts()) {
+        if (std::optional<Session> session = try_connect(host, limits, why))
+            return std::move(*session);
+        reasons += (reasons.empty() ? "" : " ") + reason_of(host, why);
+    }
+    raise_code(why.code, reasons);
+}
 
 ReadResult Session::read(const std::string& name, const std::vector<std::string>& attributes) {
     ReadResult result;

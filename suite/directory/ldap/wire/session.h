@@ -10,11 +10,12 @@
 // A refusal by the server is a value (Result), so that a caller can tell the codes apart; `check`
 // turns it into a failure. Failures of the connection are codes of the client: 81 the connection is
 // gone, 84 an answer that cannot be read, 85 no answer in time. After any of these three the
-// session is of no use any more and must be replaced.
+// session must be replaced: everything else that is asked of it fails with 81, unsent.
 
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -26,10 +27,14 @@ namespace orvo::directory::ldap {
 
 // How long a session waits.
 struct Limits {
-    // For one address of a host to accept the connection, and for the encryption to be agreed on.
+    // For a connection: finding the host's addresses, trying them one after another and agreeing on
+    // encryption take no longer than this and no longer than `answer`, all together.
     std::chrono::milliseconds connect{5000};
-    // For the complete answer to one request, from when it is asked for.
-    std::chrono::milliseconds operation{30000};
+    // For the complete answer to a bind, a reading of one entry or a change; a search has
+    // `operation`.
+    std::chrono::milliseconds answer{3000};
+    // For the complete answer to a search (of one with pages: for each page).
+    std::chrono::milliseconds operation{15000};
     // How long the only request of the process asks for its answer before it sleeps until it comes;
     // 0: not at all. Where the client library waits by itself, on Windows, this does nothing.
     std::chrono::microseconds poll{100};
@@ -40,6 +45,11 @@ struct Result {
     int code = 0;
     std::string message;
     std::string nearest_entry;
+    // With code 10: the servers to ask instead, as URLs, as the server sent them.
+    std::vector<std::string> referrals = {};
+    // Only where the connection failed: whether anything of the request may have reached the
+    // server. False where no byte of it has left; then it has certainly not been done.
+    bool sent = true;
 
     bool ok() const { return code == 0; }
     // The connection is gone, or of no use.
@@ -48,6 +58,13 @@ struct Result {
 
 // Raises the failure of a result that is not `success`.
 void check(const Result& result);
+
+// What becomes of a request to a session whose connection has failed before.
+inline Result lost_before() {
+    Result result{81, "The connection was lost before.", {}};
+    result.sent = false;
+    return result;
+}
 
 // A control that came with an answer; `value` is BER, possibly empty.
 struct Control {
@@ -114,8 +131,12 @@ struct Replacement {
 // One request after the other: each waits for its answer.
 class Session {
 public:
-    // Connects to the first host that answers, encrypted where the address asks for it. Raises the
-    // failure of the last host (81 or 91), with one reason for each host in its description.
+    // Connects to one host, encrypted where its address asks for it. Raises result code 81, 85 or
+    // 91 where that fails, 82 where the connection cannot be set up on this side, with the host's
+    // URL and the reason in the description.
+    static Session connect(const ServerHost& host, const Limits& limits = {});
+    // Connects to the first host that answers. Raises the failure of the last host, with one reason
+    // for each host in its description.
     static Session connect(const ServerAddress& server, const Limits& limits = {});
 
     Session(Session&& other) noexcept;
@@ -139,6 +160,7 @@ public:
 
     // Hands the entries over one by one, in the server's order, while the server still sends. What
     // is not moved out of an entry may serve the next as memory.
+    // One of scope base is the reading of one entry, and has `answer`.
     SearchResult search(const SearchRequest& request, const std::function<void(EntryData&&)>& take);
 
     // A new entry; every attribute has a value.
@@ -157,6 +179,9 @@ public:
 private:
     struct Connection;
     explicit Session(std::unique_ptr<Connection> connection);
+    // Nothing: `why` tells.
+    static std::optional<Session> try_connect(const ServerHost& host, const Limits& limits,
+                                              Result& why);
     std::unique_ptr<Connection> connection_;
 };
 

@@ -1,16 +1,17 @@
 #include <ldap.h>
 
-#include <algorithm>
 #include <array>
+#include <cstdint>
 #include <memory>
 #include <utility>
 #include <vector>
 
-#include "suite/directory/ldap/wire/failures.h"
+#include "suite/directory/ldap/wire/deadline.h"
 #include "suite/directory/ldap/wire/openldap_connection.h"
 #include "suite/directory/ldap/wire/openldap_transport.h"
 #include "suite/directory/ldap/wire/paged_results.h"
 #include "suite/directory/ldap/wire/session.h"
+#include "suite/directory/policy/result_codes.h"
 
 namespace orvo::directory::ldap {
 namespace {
@@ -20,7 +21,6 @@ using detail::Message;
 using detail::wait_for;
 using detail::Wanted;
 using std::chrono::milliseconds;
-using std::chrono::steady_clock;
 
 LDAPMessage* raw(const Message& message) { return static_cast<LDAPMessage*>(message.get()); }
 
@@ -48,13 +48,16 @@ Result outcome_of(LDAP* handle, LDAPMessage* message, std::vector<Control>* cont
     int code = LDAP_OTHER;
     char* nearest = nullptr;
     char* text = nullptr;
+    char** referrals = nullptr;
     LDAPControl** received = nullptr;
-    const int parsed = ldap_parse_result(handle, message, &code, &nearest, &text, nullptr,
+    const int parsed = ldap_parse_result(handle, message, &code, &nearest, &text, &referrals,
                                          controls ? &received : nullptr, 0);
     if (parsed != LDAP_SUCCESS) return client_result(handle, parsed);
     Result result{code, text ? text : "", nearest ? nearest : ""};
     ldap_memfree(nearest);
     ldap_memfree(text);
+    for (char** url = referrals; url && *url; ++url) result.referrals.emplace_back(*url);
+    ldap_memvfree(reinterpret_cast<void**>(referrals));
     for (LDAPControl** control = received; control && *control; ++control)
         controls->push_back({(*control)->ldctl_oid, text_of((*control)->ldctl_value)});
     ldap_controls_free(received);
@@ -181,23 +184,45 @@ struct Session::Connection {
     detail::Handle handle;
     Limits limits;
 
+    bool is_lost = false;
+
     LDAP* get() const { return handle.get(); }
 
     // A message of the answer to the only request there is.
     Message next(int request, Wanted wanted, milliseconds limit, Result& why) const {
-        const auto deadline = steady_clock::now() + limit;
+        const Deadline deadline(limit);
         milliseconds left{0};
-        if (detail::await_bytes(get(), limit, limits.poll))
-            left = std::max(left, std::chrono::ceil<milliseconds>(deadline - steady_clock::now()));
+        if (detail::await_bytes(get(), limit, limits.poll)) left = deadline.left();
         return wait_for(get(), request, wanted, left, why);
     }
 
-    // The outcome of a request that was sent with the library's `code`.
-    Result outcome(int code, int request, std::vector<Control>* controls = nullptr) const {
-        if (code != LDAP_SUCCESS) return client_result(get(), code);
-        Result why;
-        const Message answer = next(request, Wanted::all_messages, limits.operation, why);
-        return answer ? outcome_of(get(), raw(answer), controls) : why;
+    // One request and its answer. `send` takes the handle and a place for the request's number, and
+    // gives the library's code; `receive` takes that number, and gives the outcome.
+    template <class Send, class Receive>
+    Result ask(Send send, Receive receive) {
+        if (is_lost) return lost_before();
+        const std::uint64_t before = detail::bytes_sent(get());
+        int request = -1;
+        const int code = send(get(), &request);
+        Result result = code == LDAP_SUCCESS ? receive(request) : client_result(get(), code);
+        is_lost = result.connection_failed();
+        result.sent = !is_lost || detail::bytes_sent(get()) != before;
+        return result;
+    }
+    // The same for an answer of one message, of which `more` takes what is beyond the outcome.
+    template <class Send, class More>
+    Result ask_once(Send send, More more, std::vector<Control>* controls = nullptr) {
+        return ask(send, [&](int request) {
+            Result why;
+            const Message answer = next(request, Wanted::all_messages, limits.answer, why);
+            if (!answer) return why;
+            more(raw(answer));
+            return outcome_of(get(), raw(answer), controls);
+        });
+    }
+    template <class Send>
+    Result ask_once(Send send) {
+        return ask_once(send, [](LDAPMessage*) {});
     }
 
     Result collect(int id, const SearchRequest& request,
@@ -205,26 +230,16 @@ struct Session::Connection {
                    std::vector<Control>& controls) const;
 };
 
-void check(const Result& result) {
-    if (!result.ok()) raise_code(result.code, result.message, result.nearest_entry);
-}
-
 Session::Session(std::unique_ptr<Connection> connection) : connection_(std::move(connection)) {}
 Session::Session(Session&&) noexcept = default;
 Session& Session::operator=(Session&&) noexcept = default;
 Session::~Session() = default;
 
-Session Session::connect(const ServerAddress& server, const Limits& limits) {
-    std::string reasons;
-    Result why;
-    for (const ServerHost& host : server.hosts()) {
-        if (detail::Handle handle = detail::open_connection(host, limits, why))
-            return Session(std::make_unique<Connection>(std::move(handle), limits));
-        if (!reasons.empty()) reasons += ' ';
-        reasons += "'" + host.url() + "'";
-        if (!why.message.empty()) reasons += ": " + why.message;
-    }
-    raise_code(why.code, reasons);
+std::optional<Session> Session::try_connect(const ServerHost& host, const Limits& limits,
+                                            Result& why) {
+    if (detail::Handle handle = detail::open_connection(host, limits, why))
+        return Session(std::make_unique<Connection>(std::move(handle), limits));
+    return std::nullopt;
 }
 
 bool Session::seems_open() const { return detail::is_quiet(connection_->get()); }
@@ -234,12 +249,14 @@ BindResult Session::bind(const std::string& name, const Secret& password, Policy
     LDAPControl ask{const_cast<char*>(policy_control), {0, nullptr}, 0};
     std::array<LDAPControl*, 2> controls = {&ask, nullptr};
     berval credentials{password.reveal().size(), const_cast<char*>(password.reveal().data())};
-    int request = -1;
-    const int sent =
-        ldap_sasl_bind(connection_->get(), name.c_str(), LDAP_SASL_SIMPLE, &credentials,
-                       policy == Policy::asked ? controls.data() : nullptr, nullptr, &request);
     BindResult result;
-    static_cast<Result&>(result) = connection_->outcome(sent, request, &result.controls);
+    static_cast<Result&>(result) = connection_->ask_once(
+        [&](LDAP* handle, int* request) {
+            return ldap_sasl_bind(handle, name.c_str(), LDAP_SASL_SIMPLE, &credentials,
+                                  policy == Policy::asked ? controls.data() : nullptr, nullptr,
+                                  request);
+        },
+        [](LDAPMessage*) {}, &result.controls);
     return result;
 }
 
@@ -247,13 +264,14 @@ SearchResult Session::search(const SearchRequest& request,
                              const std::function<void(EntryData&&)>& take) {
     TextList attributes(request.attributes);
     PageControl page(request);
-    int id = -1;
-    const int sent = ldap_search_ext(
-        connection_->get(), request.base.c_str(), scope_of(request.scope), request.filter.c_str(),
-        attributes.get(), 0, page.get(), nullptr, nullptr, LDAP_NO_LIMIT, &id);
-    if (sent != LDAP_SUCCESS) return {client_result(connection_->get(), sent), {}};
     std::vector<Control> controls;
-    Result result = connection_->collect(id, request, take, controls);
+    Result result = connection_->ask(
+        [&](LDAP* handle, int* id) {
+            return ldap_search_ext(handle, request.base.c_str(), scope_of(request.scope),
+                                   request.filter.c_str(), attributes.get(), 0, page.get(), nullptr,
+                                   nullptr, LDAP_NO_LIMIT, id);
+        },
+        [&](int id) { return connection_->collect(id, request, take, controls); });
     return paged(std::move(result), controls);
 }
 
@@ -261,11 +279,11 @@ Result Session::Connection::collect(int id, const SearchRequest& request,
                                     const std::function<void(EntryData&&)>& take,
                                     std::vector<Control>& controls) const {
     LDAP* handle = get();
-    const auto deadline = steady_clock::now() + limits.operation;
+    const Deadline deadline(limit_of(request, limits));
     EntryData entry;
     for (;;) {
-        const auto left = std::chrono::ceil<milliseconds>(deadline - steady_clock::now());
-        if (left.count() <= 0) {
+        const milliseconds left = deadline.left();
+        if (left.count() == 0) {
             ldap_abandon_ext(handle, id, nullptr, nullptr);
             return {result_code::timeout, {}, {}};
         }
@@ -297,50 +315,44 @@ Result Session::add(const std::string& name, std::span<const Attribute> attribut
     ChangeList changes;
     for (const Attribute& attribute : attributes)
         changes.append(LDAP_MOD_ADD, attribute.name, attribute.values);
-    int request = -1;
-    const int sent =
-        ldap_add_ext(connection_->get(), name.c_str(), changes.get(), nullptr, nullptr, &request);
-    return connection_->outcome(sent, request);
+    return connection_->ask_once([&](LDAP* handle, int* request) {
+        return ldap_add_ext(handle, name.c_str(), changes.get(), nullptr, nullptr, request);
+    });
 }
 
 Result Session::remove(const std::string& name) {
-    int request = -1;
-    const int sent = ldap_delete_ext(connection_->get(), name.c_str(), nullptr, nullptr, &request);
-    return connection_->outcome(sent, request);
+    return connection_->ask_once([&](LDAP* handle, int* request) {
+        return ldap_delete_ext(handle, name.c_str(), nullptr, nullptr, request);
+    });
 }
 
 Result Session::modify(const std::string& name, std::span<const Replacement> replacements) {
     ChangeList changes;
     for (const Replacement& replacement : replacements)
         changes.append(LDAP_MOD_REPLACE, replacement.attribute, replacement.values);
-    int request = -1;
-    const int sent = ldap_modify_ext(connection_->get(), name.c_str(), changes.get(), nullptr,
-                                     nullptr, &request);
-    return connection_->outcome(sent, request);
+    return connection_->ask_once([&](LDAP* handle, int* request) {
+        return ldap_modify_ext(handle, name.c_str(), changes.get(), nullptr, nullptr, request);
+    });
 }
 
 Result Session::change_password(const std::string& name, const Secret& new_password) {
     berval user{name.size(), unchanged(name)};
     berval wanted{new_password.reveal().size(), const_cast<char*>(new_password.reveal().data())};
-    int request = -1;
-    const int sent =
-        ldap_passwd(connection_->get(), &user, nullptr, &wanted, nullptr, nullptr, &request);
-    return connection_->outcome(sent, request);
+    return connection_->ask_once([&](LDAP* handle, int* request) {
+        return ldap_passwd(handle, &user, nullptr, &wanted, nullptr, nullptr, request);
+    });
 }
 
 WhoAmIResult Session::who_am_i() {
     WhoAmIResult result;
-    int request = -1;
-    const int sent = ldap_whoami(connection_->get(), nullptr, nullptr, &request);
-    if (sent != LDAP_SUCCESS) return {client_result(connection_->get(), sent), {}};
-    const Message answer =
-        connection_->next(request, Wanted::all_messages, connection_->limits.operation, result);
-    if (!answer) return result;
-    static_cast<Result&>(result) = outcome_of(connection_->get(), raw(answer));
-    berval* identity = nullptr;
-    ldap_parse_whoami(connection_->get(), raw(answer), &identity);
-    if (identity) result.identity = text_of(*identity);
-    ber_bvfree(identity);
+    static_cast<Result&>(result) = connection_->ask_once(
+        [](LDAP* handle, int* request) { return ldap_whoami(handle, nullptr, nullptr, request); },
+        [&](LDAPMessage* answer) {
+            berval* identity = nullptr;
+            ldap_parse_whoami(connection_->get(), answer, &identity);
+            if (identity) result.identity = text_of(*identity);
+            ber_bvfree(identity);
+        });
     return result;
 }
 

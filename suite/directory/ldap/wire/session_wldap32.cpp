@@ -1,12 +1,11 @@
 // The session over the client library that Windows ships.
 #include "suite/directory/ldap/wire/wldap32_connection.h"
 
-#include <algorithm>
 #include <array>
 #include <optional>
 #include <utility>
 
-#include "suite/directory/ldap/wire/failures.h"
+#include "suite/directory/ldap/wire/deadline.h"
 #include "suite/directory/ldap/wire/paged_results.h"
 #include "suite/directory/ldap/wire/password_modify.h"
 #include "suite/directory/ldap/wire/session.h"
@@ -18,6 +17,7 @@ namespace {
 using detail::borrowed;
 using detail::client_result;
 using detail::Handle;
+using detail::last_code;
 using detail::Message;
 using detail::narrow;
 using detail::outcome_of;
@@ -26,9 +26,6 @@ using detail::wait_for;
 using detail::Wide;
 using detail::WideList;
 using detail::WideSecret;
-
-using std::chrono::milliseconds;
-using std::chrono::steady_clock;
 
 constexpr const char* who_am_i_oid = "1.3.6.1.4.1.4203.1.11.3";
 
@@ -137,44 +134,53 @@ private:
 struct Session::Connection {
     Handle handle;
     Limits limits;
+    bool is_lost = false;
 
     LDAP* get() const { return handle.get(); }
 
-    Result outcome(ULONG request, std::vector<Control>* controls = nullptr) const {
-        Result why;
-        const Message answer =
-            wait_for(get(), request, LDAP_MSG_ALL, limits.operation, why).message;
-        return answer ? outcome_of(get(), answer.get(), controls) : why;
+    // One request and its answer. `send` takes the handle and a place for the request's number, and
+    // gives the library's code; `receive` takes that number, and gives the outcome.
+    template <class Send, class Receive>
+    Result ask(Send send, Receive receive) {
+        if (is_lost) return lost_before();
+        ULONG request = 0;
+        const ULONG code = send(get(), &request);
+        Result result = code == LDAP_SUCCESS ? receive(request) : client_result(code);
+        is_lost = result.connection_failed();
+        return result;
     }
-    // The outcome of a request that was sent with the library's `code`.
-    Result outcome_of_sent(ULONG code, ULONG request) const {
-        return code == LDAP_SUCCESS ? outcome(request) : client_result(code);
+    // The same for an answer of one message, of which `more` takes what is beyond the outcome.
+    template <class Send, class More>
+    Result ask_once(Send send, More more, std::vector<Control>* controls = nullptr) {
+        return ask(send, [&](ULONG request) {
+            Result why;
+            const Message answer =
+                wait_for(get(), request, LDAP_MSG_ALL, limits.answer, why).message;
+            if (!answer) return why;
+            more(answer.get());
+            return outcome_of(get(), answer.get(), controls);
+        });
+    }
+    template <class Send>
+    Result ask_once(Send send) {
+        return ask_once(send, [](LDAPMessage*) {});
     }
 
-    Result collect(ULONG id, const std::function<void(EntryData&&)>& take,
+    Result collect(ULONG id, const SearchRequest& request,
+                   const std::function<void(EntryData&&)>& take,
                    std::vector<Control>& controls) const;
 };
-
-void check(const Result& result) {
-    if (!result.ok()) raise_code(result.code, result.message, result.nearest_entry);
-}
 
 Session::Session(std::unique_ptr<Connection> connection) : connection_(std::move(connection)) {}
 Session::Session(Session&&) noexcept = default;
 Session& Session::operator=(Session&&) noexcept = default;
 Session::~Session() = default;
 
-Session Session::connect(const ServerAddress& server, const Limits& limits) {
-    std::string reasons;
-    Result why;
-    for (const ServerHost& host : server.hosts()) {
-        if (Handle handle = detail::open_connection(host, limits, why))
-            return Session(std::unique_ptr<Connection>(new Connection{std::move(handle), limits}));
-        if (!reasons.empty()) reasons += ' ';
-        reasons += "'" + host.url() + "'";
-        if (!why.message.empty()) reasons += ": " + why.message;
-    }
-    raise_code(why.code, reasons);
+std::optional<Session> Session::try_connect(const ServerHost& host, const Limits& limits,
+                                            Result& why) {
+    if (Handle handle = detail::open_connection(host, limits, why))
+        return Session(std::unique_ptr<Connection>(new Connection{std::move(handle), limits}));
+    return std::nullopt;
 }
 
 // The library shows nothing of its connection; a lost one shows at its next use.
@@ -190,18 +196,20 @@ BindResult Session::bind(const std::string& name, const Secret& password, Policy
     LDAPControlW ask{oid.get(), {0, nullptr}, FALSE};
     std::array<LDAPControlW*, 2> controls = {&ask, nullptr};
     LDAPControlW** none = nullptr;
-    LDAP* handle = connection_->get();
     Wide user(name);
     WideSecret credentials(password);
     // A simple bind takes no controls of its own; the handle's are sent with it. A library without
     // them asks for no policy, and a locked account then looks like a wrong password.
-    if (policy == Policy::asked) ldap_set_optionW(handle, option_server_controls, controls.data());
-    const ULONG request = ldap_simple_bindW(handle, user.get(), credentials.get());
-    if (policy == Policy::asked) ldap_set_optionW(handle, option_server_controls, none);
+    const auto send = [&](LDAP* handle, ULONG* request) {
+        if (policy == Policy::asked)
+            ldap_set_optionW(handle, option_server_controls, controls.data());
+        *request = ldap_simple_bindW(handle, user.get(), credentials.get());
+        if (policy == Policy::asked) ldap_set_optionW(handle, option_server_controls, none);
+        return *request == static_cast<ULONG>(-1) ? last_code(handle) : ULONG(LDAP_SUCCESS);
+    };
     BindResult result;
-    static_cast<Result&>(result) = request == static_cast<ULONG>(-1)
-                                       ? client_result(handle)
-                                       : connection_->outcome(request, &result.controls);
+    static_cast<Result&>(result) = connection_->ask_once(
+        send, [](LDAPMessage*) {}, &result.controls);
     return result;
 }
 
@@ -211,25 +219,24 @@ SearchResult Session::search(const SearchRequest& request,
     Wide filter(request.filter);
     WideList attributes(request.attributes);
     PageControl page(request);
-    ULONG id = 0;
-    const ULONG sent =
-        ldap_search_extW(connection_->get(), base.get(), scope_of(request.scope), filter.get(),
-                         attributes.get(), FALSE, page.get(), nullptr, 0, 0, &id);
-    if (sent != LDAP_SUCCESS) return {client_result(sent), {}};
     std::vector<Control> controls;
-    Result result = connection_->collect(id, take, controls);
+    Result result = connection_->ask(
+        [&](LDAP* handle, ULONG* id) {
+            return ldap_search_extW(handle, base.get(), scope_of(request.scope), filter.get(),
+                                    attributes.get(), FALSE, page.get(), nullptr, 0, 0, id);
+        },
+        [&](ULONG id) { return connection_->collect(id, request, take, controls); });
     return paged(std::move(result), controls);
 }
 
-Result Session::Connection::collect(ULONG id, const std::function<void(EntryData&&)>& take,
+Result Session::Connection::collect(ULONG id, const SearchRequest& request,
+                                    const std::function<void(EntryData&&)>& take,
                                     std::vector<Control>& controls) const {
     LDAP* handle = get();
-    const auto deadline = steady_clock::now() + limits.operation;
+    const Deadline deadline(limit_of(request, limits));
     for (;;) {
-        const auto left = std::chrono::ceil<milliseconds>(deadline - steady_clock::now());
         Result why;
-        const auto [message, type] =
-            wait_for(handle, id, LDAP_MSG_ONE, std::max(left, milliseconds(0)), why);
+        const auto [message, type] = wait_for(handle, id, LDAP_MSG_ONE, deadline.left(), why);
         if (!message) return why;
         switch (type) {
             case LDAP_RES_SEARCH_ENTRY:
@@ -248,18 +255,16 @@ Result Session::add(const std::string& name, std::span<const Attribute> attribut
     for (const Attribute& attribute : attributes)
         changes.append(LDAP_MOD_ADD, attribute.name, attribute.values);
     Wide entry(name);
-    ULONG request = 0;
-    const ULONG sent =
-        ldap_add_extW(connection_->get(), entry.get(), changes.get(), nullptr, nullptr, &request);
-    return connection_->outcome_of_sent(sent, request);
+    return connection_->ask_once([&](LDAP* handle, ULONG* request) {
+        return ldap_add_extW(handle, entry.get(), changes.get(), nullptr, nullptr, request);
+    });
 }
 
 Result Session::remove(const std::string& name) {
     Wide entry(name);
-    ULONG request = 0;
-    const ULONG sent =
-        ldap_delete_extW(connection_->get(), entry.get(), nullptr, nullptr, &request);
-    return connection_->outcome_of_sent(sent, request);
+    return connection_->ask_once([&](LDAP* handle, ULONG* request) {
+        return ldap_delete_extW(handle, entry.get(), nullptr, nullptr, request);
+    });
 }
 
 Result Session::modify(const std::string& name, std::span<const Replacement> replacements) {
@@ -267,40 +272,34 @@ Result Session::modify(const std::string& name, std::span<const Replacement> rep
     for (const Replacement& replacement : replacements)
         changes.append(LDAP_MOD_REPLACE, replacement.attribute, replacement.values);
     Wide entry(name);
-    ULONG request = 0;
-    const ULONG sent = ldap_modify_extW(connection_->get(), entry.get(), changes.get(), nullptr,
-                                        nullptr, &request);
-    return connection_->outcome_of_sent(sent, request);
+    return connection_->ask_once([&](LDAP* handle, ULONG* request) {
+        return ldap_modify_extW(handle, entry.get(), changes.get(), nullptr, nullptr, request);
+    });
 }
 
 Result Session::change_password(const std::string& name, const Secret& new_password) {
     const Secret value = password_modify_request(name, new_password);
     berval data = borrowed(value.reveal());
     Wide oid(password_modify_oid);
-    ULONG request = 0;
-    const ULONG sent =
-        ldap_extended_operationW(connection_->get(), oid.get(), &data, nullptr, nullptr, &request);
-    return connection_->outcome_of_sent(sent, request);
+    return connection_->ask_once([&](LDAP* handle, ULONG* request) {
+        return ldap_extended_operationW(handle, oid.get(), &data, nullptr, nullptr, request);
+    });
 }
 
 WhoAmIResult Session::who_am_i() {
     Wide oid(who_am_i_oid);
-    ULONG request = 0;
-    const ULONG sent = ldap_extended_operationW(connection_->get(), oid.get(), nullptr, nullptr,
-                                                nullptr, &request);
-    if (sent != LDAP_SUCCESS) return {client_result(sent), {}};
     WhoAmIResult result;
-    const Message answer =
-        wait_for(connection_->get(), request, LDAP_MSG_ALL, connection_->limits.operation, result)
-            .message;
-    if (!answer) return result;
-    static_cast<Result&>(result) = outcome_of(connection_->get(), answer.get());
-    berval* identity = nullptr;
-    ldap_parse_extended_resultW(connection_->get(), answer.get(), nullptr, &identity, FALSE);
-    if (identity) {
-        result.identity.assign(identity->bv_val, identity->bv_len);
-        ber_bvfree(identity);
-    }
+    static_cast<Result&>(result) = connection_->ask_once(
+        [&](LDAP* handle, ULONG* request) {
+            return ldap_extended_operationW(handle, oid.get(), nullptr, nullptr, nullptr, request);
+        },
+        [&](LDAPMessage* answer) {
+            berval* identity = nullptr;
+            ldap_parse_extended_resultW(connection_->get(), answer, nullptr, &identity, FALSE);
+            if (!identity) return;
+            result.identity.assign(identity->bv_val, identity->bv_len);
+            ber_bvfree(identity);
+        });
     return result;
 }
 

@@ -1,7 +1,9 @@
 #include "suite/directory/ldap/wire/wldap32_connection.h"
 
+#include <algorithm>
 #include <utility>
 
+#include "suite/directory/ldap/wire/deadline.h"
 #include "suite/directory/policy/result_codes.h"
 
 namespace orvo::directory::ldap::detail {
@@ -16,7 +18,7 @@ l_timeval timeval_of(milliseconds limit) {
 
 // One question and its answer, whatever that is: not every version of the library connects before
 // it has something to send.
-ULONG exchange(LDAP* handle, const Limits& limits) {
+ULONG exchange(LDAP* handle, milliseconds limit) {
     Wide base("");
     Wide filter("(objectClass=*)");
     WideList nothing({"1.1"});
@@ -25,7 +27,7 @@ ULONG exchange(LDAP* handle, const Limits& limits) {
                                         nothing.get(), FALSE, nullptr, nullptr, 0, 0, &request);
     if (sent != LDAP_SUCCESS) return sent;
     Result why;
-    const Received answer = wait_for(handle, request, LDAP_MSG_ALL, limits.connect, why);
+    const Received answer = wait_for(handle, request, LDAP_MSG_ALL, limit, why);
     return static_cast<ULONG>(answer.message ? 0 : why.code);
 }
 
@@ -44,12 +46,12 @@ Result client_result(ULONG library_code) {
     return {code < 0 ? result_code::other - code : code, {}, {}};
 }
 
-Result client_result(LDAP* handle) {
+ULONG last_code(LDAP* handle) {
     ULONG code = LDAP_SUCCESS;
     if (ldap_get_option(handle, LDAP_OPT_ERROR_NUMBER, &code) != LDAP_SUCCESS ||
         code == LDAP_SUCCESS)
         code = LDAP_SERVER_DOWN;
-    return client_result(code);
+    return code;
 }
 
 Received wait_for(LDAP* handle, ULONG request, ULONG wanted, milliseconds limit, Result& why) {
@@ -63,7 +65,7 @@ Received wait_for(LDAP* handle, ULONG request, ULONG wanted, milliseconds limit,
         return {};
     }
     if (type == static_cast<ULONG>(-1) || !message) {
-        why = client_result(handle);
+        why = client_result(last_code(handle));
         return {};
     }
     return {std::move(message), type};
@@ -73,19 +75,23 @@ Result outcome_of(LDAP* handle, LDAPMessage* message, std::vector<Control>* cont
     ULONG code = LDAP_OTHER;
     wchar_t* nearest_text = nullptr;
     wchar_t* message_text = nullptr;
+    wchar_t** referrals = nullptr;
     LDAPControlW** received = nullptr;
     const ULONG parsed = ldap_parse_resultW(handle, message, &code, &nearest_text, &message_text,
-                                            nullptr, controls ? &received : nullptr, FALSE);
+                                            &referrals, controls ? &received : nullptr, FALSE);
     const OwnedText nearest(nearest_text);
     const OwnedText text(message_text);
     if (parsed != LDAP_SUCCESS) return client_result(parsed);
+    Result result{static_cast<int>(code), narrow(text.get()), narrow(nearest.get())};
+    for (wchar_t** url = referrals; url && *url; ++url) result.referrals.push_back(narrow(*url));
+    if (referrals) ldap_value_freeW(referrals);
     for (LDAPControlW** control = received; control && *control; ++control) {
         const berval& value = (*control)->ldctl_value;
         controls->push_back({narrow((*control)->ldctl_oid),
                              value.bv_val ? std::string(value.bv_val, value.bv_len) : ""});
     }
     if (received) ldap_controls_freeW(received);
-    return {static_cast<int>(code), narrow(text.get()), narrow(nearest.get())};
+    return result;
 }
 
 Handle open_connection(const ServerHost& host, const Limits& limits, Result& why) {
@@ -109,12 +115,13 @@ Handle open_connection(const ServerHost& host, const Limits& limits, Result& why
     ldap_set_option(handle.get(), LDAP_OPT_TIMELIMIT, &unlimited);
     // A lost connection is the caller's to replace; a library without this option never does it.
     ldap_set_option(handle.get(), LDAP_OPT_AUTO_RECONNECT, LDAP_OPT_OFF);
-    l_timeval limit = timeval_of(limits.connect);
+    const Deadline deadline(std::min(limits.connect, limits.answer));
+    l_timeval limit = timeval_of(deadline.left());
     ULONG code = ldap_connect(handle.get(), &limit);
     if (code == LDAP_SUCCESS && host.security == Security::start_tls)
         code = ldap_start_tls_sW(handle.get(), nullptr, nullptr, nullptr, nullptr);
     if (code == LDAP_SUCCESS && host.security != Security::start_tls)
-        code = exchange(handle.get(), limits);
+        code = exchange(handle.get(), deadline.left());
     if (code == LDAP_SUCCESS) return handle;
     why = client_result(code);
     return nullptr;

@@ -84,8 +84,8 @@ using Handle = std::unique_ptr<LDAP, Unbind>;
 
 // A result with one of the library's own codes; some versions count theirs down from -1.
 Result client_result(ULONG library_code);
-// What the library says of its last failure on this handle.
-Result client_result(LDAP* handle);
+// The library's code for its last failure on this handle.
+ULONG last_code(LDAP* handle);
 
 // The next message of a request, or all of them. Empty: `why` tells, and the request is abandoned.
 Received wait_for(LDAP* handle, ULONG request, ULONG wanted, std::chrono::milliseconds limit,

@@ -32,7 +32,7 @@ TEST(PoolSettings, HaveSensibleDefaults) {
     EXPECT_EQ(settings.recheck, 5s);
     EXPECT_FALSE(settings.always_asks_policy);
     EXPECT_EQ(settings.limits.connect, 5s);
-    EXPECT_EQ(settings.limits.operation, 30s);
+    EXPECT_EQ(settings.limits.operation, 15s);
     EXPECT_EQ(settings.limits.poll, 100us);
 }
 

@@ -25,10 +25,6 @@ Peer::~Peer() {
     ::close(listener_);
 }
 
-Session Peer::session(const Limits& limits) const {
-    return Session::connect(ServerAddress::parse(u"127.0.0.1:" + decimal(port_)), limits);
-}
-
 Session Peer::session(std::chrono::milliseconds limit) const {
     return session(Limits{std::chrono::seconds(3), limit});
 }

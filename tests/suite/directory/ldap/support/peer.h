@@ -17,7 +17,8 @@ public:
     Peer(const Peer&) = delete;
 
     std::string server() const { return "127.0.0.1:" + std::to_string(port_); }
-    Session session(const Limits& limits) const;
+    ServerHost host() const { return {"127.0.0.1", static_cast<std::uint16_t>(port_)}; }
+    Session session(const Limits& limits) const { return Session::connect(host(), limits); }
     // That waits so long for an answer.
     Session session(std::chrono::milliseconds limit) const;
 

@@ -21,8 +21,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr Limits asking{3s, 10s, 5s};
-constexpr Limits sleeping{3s, 10s, 0us};
+constexpr Limits asking{3s, 10s, 10s, 5s};
+constexpr Limits sleeping{3s, 10s, 10s, 0us};
 
 // Answers every modification after so long.
 std::function<void(int connection)> answering_after(std::chrono::milliseconds time) {
@@ -101,7 +101,7 @@ TEST(AnAnswer, IsSleptForFifteenTimesAfterAskingInVain) {
     Session session = peer.session(asking);
     int fewest = 100;
     for (int round = 0; round < 5 && fewest > 15; ++round) {
-        session.set_limits({3s, 10s, 15ms});
+        session.set_limits({3s, 10s, 10s, 15ms});
         sleeps_of_request(session);
         session.set_limits(asking);
         fewest = std::min(fewest, requests_slept_for(session));
@@ -157,7 +157,7 @@ TEST(AnAnswer, IsSleptForTheLongerTheLongerAskingTook) {
     const BusyProcessor busy;
     int most = 0;
     for (int round = 0; round < 5 && most <= 60; ++round) {
-        session.set_limits({3s, 10s, 50us});
+        session.set_limits({3s, 10s, 10s, 50us});
         sleeps_of_request(session);
         session.set_limits(asking);
         most = std::max(most, requests_slept_for(session));
@@ -167,7 +167,7 @@ TEST(AnAnswer, IsSleptForTheLongerTheLongerAskingTook) {
 
 TEST(AnAnswer, ThatNeverComesIsGivenUpAfterAskingAndSleeping) {
     Peer peer([](int connection) { take_everything(connection); });
-    Session session = peer.session(Limits{3s, 200ms, 1ms});
+    Session session = peer.session(Limits{3s, 200ms, 200ms, 1ms});
     const auto begin = std::chrono::steady_clock::now();
     EXPECT_EQ(session.remove("o=Shop").code, 85);
     const auto time = std::chrono::steady_clock::now() - begin;

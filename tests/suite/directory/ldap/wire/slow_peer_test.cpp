@@ -70,7 +70,7 @@ public:
     }
     FullQueue(const FullQueue&) = delete;
 
-    ServerAddress address() const { return ServerAddress::parse(u"127.0.0.1:" + decimal(port_)); }
+    ServerHost host() const { return {"127.0.0.1", static_cast<std::uint16_t>(port_)}; }
 
 private:
     bool joined() {
@@ -88,9 +88,9 @@ private:
     std::vector<int> waiting_;
 };
 
-void expect_not_connected(const ServerAddress& address, milliseconds limit) {
+void expect_not_connected(const FullQueue& queue, const Limits& limits, milliseconds limit) {
     const auto time = time_of([&] {
-        const Failure failure = failure_of([&] { Session::connect(address, {limit, 3s}); });
+        const Failure failure = failure_of([&] { Session::connect(queue.host(), limits); });
         EXPECT_EQ(failure.number, error_number(0x8007203A));
         EXPECT_NE(failure.description.find(u"(85) The server did not answer in time."), Text::npos);
     });
@@ -139,21 +139,107 @@ TEST(ASessionWithASlowPeer, WaitsNeitherLongerNorShorterBecauseOfASignal) {
 
 TEST(ASessionWithASlowPeer, IsGivenUpWhereItIsNotConnectedInTime) {
     const FullQueue queue;
-    expect_not_connected(queue.address(), 500ms);
+    expect_not_connected(queue, Limits{500ms, 3s}, 500ms);
+    expect_not_connected(queue, Limits{3s, 500ms}, 500ms);
 }
 
 TEST(ASessionWithASlowPeer, IsGivenUpNoSoonerBecauseOfASignal) {
     const FullQueue queue;
     const Interruption interruption(200ms);
-    expect_not_connected(queue.address(), 500ms);
+    expect_not_connected(queue, Limits{500ms, 3s}, 500ms);
 }
 
 TEST(ASessionWithASlowPeer, WaitsAsLongAsTheLatestLimitSays) {
     Peer peer([](int connection) { take_everything(connection); });
     Session session = peer.session(1500ms);
     EXPECT_GE(time_of([&] { EXPECT_EQ(session.remove("o=Shop").code, 85); }), 1490ms);
-    session.set_limits({3s, 200ms});
-    EXPECT_LT(time_of([&] { EXPECT_EQ(session.remove("o=Shop").code, 85); }), 1000ms);
+    Peer other([](int connection) { take_everything(connection); });
+    Session patient = other.session(20s);
+    patient.set_limits({3s, 200ms});
+    EXPECT_LT(time_of([&] { EXPECT_EQ(patient.remove("o=Shop").code, 85); }), 1000ms);
+}
+
+SearchRequest search_in(Scope scope) {
+    SearchRequest request;
+    request.base = "o=Shop";
+    request.scope = scope;
+    return request;
+}
+
+TEST(ASessionWithASlowPeer, HasALimitForAnswersAndOneForSearches) {
+    const auto ignore = [](EntryData&&) {};
+    const std::pair<const char*, std::function<Result(Session&)>> answers[] = {
+        {"bind", [](Session& s) { return s.bind("cn=a", Secret(u"b")); }},
+        {"read", [](Session& s) { return s.read("o=Shop", {}); }},
+        {"search of one", [&](Session& s) { return s.search(search_in(Scope::base), ignore); }},
+        {"change of password", [](Session& s) { return s.change_password("", Secret(u"b")); }},
+        {"who am I", [](Session& s) { return s.who_am_i(); }},
+    };
+    for (const auto& [name, ask] : answers) {
+        Peer peer([](int connection) { take_everything(connection); });
+        Session session = peer.session({3s, 100ms, 20s});
+        EXPECT_LT(time_of([&] { EXPECT_EQ(ask(session).code, 85); }), 10s) << name;
+    }
+    Peer peer([](int connection) { take_everything(connection); });
+    Session session = peer.session({3s, 20s, 100ms});
+    EXPECT_LT(
+        time_of([&] { EXPECT_EQ(session.search(search_in(Scope::subtree), ignore).code, 85); }),
+        10s);
+}
+
+// Closes so that the client's next write fails.
+void reset(int connection) {
+    const linger at_once{1, 0};
+    ::setsockopt(connection, SOL_SOCKET, SO_LINGER, &at_once, sizeof at_once);
+}
+
+TEST(ARequest, ThatCannotBeWrittenWasNotSent) {
+    Peer peer(reset);
+    Session session = peer.session(3s);
+    while (session.seems_open()) std::this_thread::yield();
+    const Result result = session.remove("o=Shop");
+    EXPECT_EQ(result.code, 81);
+    EXPECT_FALSE(result.sent);
+}
+
+TEST(ARequest, ThatIsNotAnsweredMayHaveBeenSent) {
+    Peer silent([](int connection) { take_everything(connection); });
+    Session session = silent.session(100ms);
+    Result result = session.remove("o=Shop");
+    EXPECT_EQ(result.code, 85);
+    EXPECT_TRUE(result.sent);
+
+    Peer closing([](int connection) {
+        char byte = 0;
+        ::recv(connection, &byte, 1, 0);
+    });
+    Session closed = closing.session(3s);
+    result = closed.remove("o=Shop");
+    EXPECT_EQ(result.code, 81);
+    EXPECT_TRUE(result.sent);
+}
+
+TEST(ARequest, OfALostConnectionIsNotSent) {
+    Peer peer([](int connection) { take_everything(connection); });
+    Session session = peer.session(100ms);
+    EXPECT_EQ(session.remove("o=Shop").code, 85);
+    const Result result = session.remove("o=Shop");
+    EXPECT_EQ(result.code, 81);
+    EXPECT_FALSE(result.sent);
+}
+
+TEST(ARequest, ThatIsAnsweredWasSent) {
+    Peer peer([](int connection) {
+        char byte = 0;
+        ::recv(connection, &byte, 1, 0);
+        send(connection, modified(1));
+        take_everything(connection);
+    });
+    Session session = peer.session(3s);
+    const Replacement change{"description", {"x"}};
+    const Result result = session.modify("o=Shop", {&change, 1});
+    EXPECT_EQ(result.code, 0);
+    EXPECT_TRUE(result.sent);
 }
 
 }  // namespace
