@@ -59,8 +59,8 @@ private:
 
 // Makes the exception being handled the pending error and hands it to HandleError.
 [[noreturn]] void handle_current_exception(const Text& method, const Variant& info);
-// The same, after `rephrase` had the chance to tell it in other words. These are all that is
-// logged: causes are told by those who raise them, as the directory provider does.
+// The same, after `rephrase` had the chance to tell it in other words. Only those are logged here:
+// the cause is told by whoever raised it, as the directory provider does.
 [[noreturn]] void handle_rephrased(const Text& method,
                                    const std::function<void(Failure&)>& rephrase);
 
