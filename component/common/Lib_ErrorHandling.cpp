@@ -107,17 +107,9 @@ void handle_current_exception(const Text& method, const Variant& info) {
     throw failure;  // a number of 0 is nothing to HandleError, and still a failure
 }
 
-void handle_rephrased(const Text& method, const std::function<bool(Failure&)>& rephrase) {
+void handle_rephrased(const Text& method, const std::function<void(Failure&)>& rephrase) {
     Failure failure = current_failure(component_name);
-    Failure cause = failure;
-    if (rephrase(failure)) {
-        try {
-            const PendingScope scope(cause);
-            LogError(method);
-        } catch (...) {
-            // Logging never replaces the failure that is being reported.
-        }
-    }
+    rephrase(failure);
     const PendingScope scope(failure);
     HandleError(method);
     throw failure;

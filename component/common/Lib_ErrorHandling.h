@@ -59,10 +59,10 @@ private:
 
 // Makes the exception being handled the pending error and hands it to HandleError.
 [[noreturn]] void handle_current_exception(const Text& method, const Variant& info);
-// The same, after `rephrase` had the chance to tell it in other words. A failure that is told in
-// other words is logged as it came, too: its cause would be lost otherwise.
+// The same, after `rephrase` had the chance to tell it in other words. Only those are logged here:
+// the cause is told by whoever raised it, as the directory provider does.
 [[noreturn]] void handle_rephrased(const Text& method,
-                                   const std::function<bool(Failure&)>& rephrase);
+                                   const std::function<void(Failure&)>& rephrase);
 
 }  // namespace detail
 
@@ -102,9 +102,9 @@ requires(!std::is_invocable_v<Info, Failure&>) auto trapped(MethodName method, I
 }
 
 // The frame of a method that tells some of its failures in its own words: `rephrase` may change the
-// failure that is pending, and answers whether it did, before HandleError gets it.
+// failure that is pending, before HandleError gets it.
 template <class Rephrase, class Body>
-requires std::is_invocable_r_v<bool, Rephrase, Failure&>
+requires std::is_invocable_v<Rephrase, Failure&>
 auto trapped(MethodName method, Rephrase&& rephrase, Body&& body) {
     const detail::BodyScope scope;
     try {

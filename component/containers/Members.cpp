@@ -131,12 +131,11 @@ Ref<User> Members::CreateUser(Text& iCommonName, Text& iPassword) {
     const auto rephrase = [&](Failure& failure) {
         if (!contains_ignoring_case(failure.description,
                                     u"(68) The specified entry already exists."))
-            return false;
+            return;
         failure.number = entry_already_exists;
         failure.source = create_user;
         failure.description =
             u"Unable to add user:'" + iCommonName + u"'. The error is: " + failure.description;
-        return true;
     };
     return trapped(create_user, rephrase, [&] {
         if (!mContainer) bind_as_stored();
@@ -184,11 +183,10 @@ Ref<User> Members::CreateUserWithAttributes(const Text& i_sUsername, const Text&
 void Members::DeleteUser(Text& iCommonName) {
     constexpr const char16_t* source = u"OrvoMembership.Members.DeleteUser";
     const auto rephrase = [&](Failure& failure) {
-        if (failure.number != no_such_entry) return false;
+        if (failure.number != no_such_entry) return;
         failure.source = source;
         failure.description =
             u"User with common name '" + iCommonName + u"' doesn't exist in the directory";
-        return true;
     };
     trapped(source, rephrase, [&] {
         bind_as_stored();
@@ -221,7 +219,6 @@ void Members::SetAttribValue(Text& iAttribName, Variant& iAttribValue) {
     const auto rephrase = [&](Failure& failure) {
         failure.source = source;
         failure.description = u"Error setting the value for attribute: " + iAttribName;
-        return true;
     };
     trapped(source, rephrase,
             [&] { call<&DirectoryEntry::SetValues>(mContainer, iAttribName, iAttribValue); });

@@ -89,7 +89,6 @@ Ref<RecordSet> Members::QueryMembers(Text& filter, const Variant& page_size,
     const auto rephrase = [&](Failure& failure) {
         failure.source = source;
         failure.description = u"The following query failed: " + filter;
-        return true;
     };
     return trapped(source, rephrase, [&] {
         ServerInfo& info = *shared_server_info();

@@ -112,11 +112,10 @@ bool Profiles::DeleteProfile(Text& iCommonName) {
 Ref<Profile> Profiles::CreateProfile(Text& iCommonName) {
     constexpr const char16_t* source = u"OrvoMembership.Profiles.CreateProfile";
     const auto rephrase = [&](Failure& failure) {
-        if (failure.number != entry_already_exists) return false;
+        if (failure.number != entry_already_exists) return;
         failure.source = source;
         failure.description = u"Unable to add profile with profile name:'" + iCommonName +
                               u"'. The profile already exists.";
-        return true;
     };
     return trapped(source, rephrase, [&] {
         ServerInfo& info = *shared_server_info();

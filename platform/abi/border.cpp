@@ -3,6 +3,7 @@
 #include <new>
 
 #include "platform/abi/crossing.h"
+#include "platform/abi/face.h"
 
 namespace orvo {
 namespace detail {
@@ -55,8 +56,9 @@ Failure current_failure(const char* source) noexcept {
 
 namespace detail {
 
-abi::HRESULT report_current_exception(const abi::IID& iid, const char* source) noexcept {
-    const Failure failure = current_failure(source);
+namespace {
+
+abi::HRESULT report(const abi::IID& iid, const Failure& failure) noexcept {
     Object created;
     if (abi::succeeded(abi::CreateErrorInfo(created.put()))) {
         abi::IUnknown* info = created.get();
@@ -77,8 +79,26 @@ abi::HRESULT report_current_exception(const abi::IID& iid, const char* source) n
     return result_of_number(failure.number);
 }
 
-abi::HRESULT report_current_exception_late(abi::EXCEPINFO* info, const char* source) noexcept {
-    const Failure failure = current_failure(source);
+Failure told_failure(const ObjectCore& object, const char* member) noexcept {
+    Failure failure = current_failure(object.source());
+    object.failed(member, failure);
+    return failure;
+}
+
+}  // namespace
+
+abi::HRESULT report_current_exception(const abi::IID& iid, const char* source) noexcept {
+    return report(iid, current_failure(source));
+}
+
+abi::HRESULT report_current_exception(const abi::IID& iid, const ObjectCore& object,
+                                      const char* member) noexcept {
+    return report(iid, told_failure(object, member));
+}
+
+abi::HRESULT report_current_exception_late(abi::EXCEPINFO* info, const ObjectCore& object,
+                                           const char* member) noexcept {
+    const Failure failure = told_failure(object, member);
     const HRESULT code = result_of_number(failure.number);
     if (info == nullptr) return code;
     *info = {};

@@ -16,11 +16,18 @@ Failure current_failure(const char* source) noexcept;
 
 namespace detail {
 
+class ObjectCore;
+
 // Leaves the exception being handled in the thread's error object and answers the result code.
 abi::HRESULT report_current_exception(const abi::IID& iid, const char* source) noexcept;
 
+// The same for what `member` of an object raised, after the object was told (ObjectCore::failed).
+abi::HRESULT report_current_exception(const abi::IID& iid, const ObjectCore& object,
+                                      const char* member) noexcept;
+
 // The same for a late-bound caller: fills `info` where given; no error object is left behind.
-abi::HRESULT report_current_exception_late(abi::EXCEPINFO* info, const char* source) noexcept;
+abi::HRESULT report_current_exception_late(abi::EXCEPINFO* info, const ObjectCore& object,
+                                           const char* member) noexcept;
 
 // Raises what a failed call of an interface method reported. The error object is believed only
 // when the object says that it supports it for this interface.

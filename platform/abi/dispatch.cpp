@@ -256,7 +256,7 @@ HRESULT invoke(Face* face, abi::DISPID id, const abi::IID* reserved, abi::LCID, 
         if (result != nullptr) value.detach(*result);
         return abi::s_ok;
     } catch (...) {
-        return report_current_exception_late(failure, face->core->source());
+        return report_current_exception_late(failure, *face->core, plan.member->row->name);
     }
 }
 

@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "platform/abi/system.h"
+#include "platform/automation/failure.h"
 #include "platform/automation/variant.h"
 
 namespace orvo::detail {
@@ -45,6 +46,8 @@ public:
     const char* source() const { return source_; }
 
     virtual std::span<Face> faces() = 0;
+    // Told of each failure of the object's members, before the caller gets to know of it.
+    virtual void failed(const char* /*member*/, const Failure&) const noexcept {}
 
 private:
     std::atomic<std::uint32_t> references_{1};

@@ -8,6 +8,12 @@
 //
 // The class itself knows nothing of it: no base class, no counting. Its first interface may be the
 // class itself (its public methods, with a table of their own) or a contract that it derives from.
+//
+// A class that wants to know of each failure with which one of its members answers a caller has a
+//
+//   void failed(const char* member, const Failure& failure) const noexcept;
+//
+// It is called while no error object is set yet, on the caller's thread.
 
 #include "platform/abi/dispatch.h"
 #include "platform/abi/thunk.h"
@@ -67,6 +73,10 @@ public:
                  Face{support_error_info_slots(), this, this, &support_error_info()}} {}
 
     std::span<Face> faces() override { return faces_; }
+    void failed(const char* member, const Failure& failure) const noexcept override {
+        if constexpr (requires { object_.failed(member, failure); })
+            object_.failed(member, failure);
+    }
     C& object() { return object_; }
 
 private:

@@ -93,6 +93,7 @@ template <auto M, std::size_t row, class I, class R, class... P>
 struct vtable_thunk<M, row, R (I::*)(P...)> {
     static constexpr bool is_bare = table_of<I>.rows[row].shape == Shape::bare;
     static constexpr bool has_result = !std::is_void_v<R> && !is_bare;
+    static constexpr const char* name = table_of<I>.rows[row].name;
 
     static R run(I& target, raw_argument<P>... raw) {
         std::tuple<incoming<P>...> held{raw...};
@@ -117,7 +118,7 @@ struct vtable_thunk<M, row, R (I::*)(P...)> {
             run(*static_cast<I*>(face->target), raw...);
             return abi::s_ok;
         } catch (...) {
-            return report_current_exception(table_of<I>.iid, face->core->source());
+            return report_current_exception(table_of<I>.iid, *face->core, name);
         }
     }
 
@@ -130,7 +131,7 @@ struct vtable_thunk<M, row, R (I::*)(P...)> {
             *result = crossing<natural<R>>::give(run(*static_cast<I*>(face->target), raw...));
             return abi::s_ok;
         } catch (...) {
-            return report_current_exception(table_of<I>.iid, face->core->source());
+            return report_current_exception(table_of<I>.iid, *face->core, name);
         }
     }
 

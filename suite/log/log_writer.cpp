@@ -80,19 +80,28 @@ private:
     }
 
     void write_to_file(const spdlog::details::log_msg& message) {
-        std::optional<std::uintmax_t> size = size_of_file();
-        if (file_ && size != known_size_) file_.reset();
-        if (!file_) {
-            make_writable(target_.file);
-            file_.emplace(target_.file.native(), target_.largest_file, target_.file_count - 1);
-            file_->set_formatter(as_it_is());
-            size = size_of_file();
-        }
+        if (needs_look(message)) look(message.time);
         file_->log(message);
         file_->flush();
-        if (size) *size += message.payload.size();
+        if (known_size_) *known_size_ += message.payload.size();
         // Beyond that it is another file by now.
-        known_size_ = size <= target_.largest_file ? size : size_of_file();
+        if (known_size_ > target_.largest_file) known_size_ = size_of_file();
+    }
+
+    bool needs_look(const spdlog::details::log_msg& message) const {
+        if (!file_ || message.level == spdlog::level::err) return true;
+        if (message.time < looked_at_ || message.time - looked_at_ >= look_lasts) return true;
+        return known_size_ && *known_size_ + message.payload.size() > target_.largest_file;
+    }
+
+    void look(spdlog::log_clock::time_point now) {
+        looked_at_ = now;
+        if (file_ && size_of_file() != known_size_) file_.reset();
+        if (file_) return;
+        make_writable(target_.file);
+        file_.emplace(target_.file.native(), target_.largest_file, target_.file_count - 1);
+        file_->set_formatter(as_it_is());
+        known_size_ = size_of_file();
     }
 
     const LogTarget target_;
@@ -101,13 +110,18 @@ private:
     std::optional<spdlog::sinks::stderr_sink_mt> console_;
     std::optional<spdlog::sinks::rotating_file_sink_st> file_;
     std::optional<std::uintmax_t> known_size_;
+    spdlog::log_clock::time_point looked_at_;
 };
 
 LogWriter::LogWriter(LogTarget target) : sinks_(std::make_unique<Sinks>(std::move(target))) {}
 
 LogWriter::~LogWriter() = default;
 
-void LogWriter::write(std::chrono::system_clock::time_point time, std::string_view entry) {
+void LogWriter::write_error(std::chrono::system_clock::time_point time, std::string_view entry) {
+    sinks_->write({time, {}, {}, spdlog::level::err, {entry.data(), entry.size()}});
+}
+
+void LogWriter::write_note(std::chrono::system_clock::time_point time, std::string_view entry) {
     sinks_->write({time, {}, {}, spdlog::level::info, {entry.data(), entry.size()}});
 }
 

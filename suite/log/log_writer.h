@@ -22,19 +22,25 @@ inline constexpr TextView log_source = u"Quendra.Log";
 // Writes entries, each behind its time stamp (local time, 2024-05-06T07:08:09.123+02:00), and
 // hands every one over to the system before it returns. Any thread.
 //
-// Several processes may write to one file: it is looked at before each entry, and a file that
-// another process, or an administrator, wrote to, renamed or removed is opened anew. Two processes
-// that rename the file in the same moment can lose the entries written in that moment. A full file
-// that cannot be renamed is emptied, so that it never outgrows its limit; that raises, too.
+// Several processes may write to one file: it is looked at before each error, and a file that
+// another process, or an administrator, wrote to, renamed or removed is opened anew. Before a note
+// it is looked at where the last look is `look_lasts` old or the note does not fit: so for that
+// long notes may still go to a renamed file, or be lost with a removed one. Two processes that
+// rename the file in the same moment can lose the entries written in that moment. A full file that
+// cannot be renamed is emptied, so that it never outgrows its limit; that raises, too.
 class LogWriter {
 public:
+    // As the entries' own times tell it.
+    static constexpr std::chrono::milliseconds look_lasts{100};
+
     explicit LogWriter(LogTarget target);
     ~LogWriter();
 
     // `entry`: UTF-8, without a line end. The standard error comes first, so that an entry is seen
     // where the file fails. Raises `log_error::file_not_writable`, "<file>: the log cannot be
     // written (<reason>)"; the next entry tries again.
-    void write(std::chrono::system_clock::time_point time, std::string_view entry);
+    void write_error(std::chrono::system_clock::time_point time, std::string_view entry);
+    void write_note(std::chrono::system_clock::time_point time, std::string_view entry);
 
 private:
     class Sinks;

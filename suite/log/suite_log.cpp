@@ -17,8 +17,11 @@ Variant SuiteLog::LogMessageAlternate(Text& source, Text& message, std::int32_t&
 
 Variant SuiteLog::write(LogChannel channel, const Text& source, const Text& message,
                         std::int32_t level) const {
-    if (level == log_level_error || notes_)
-        writer_.write(std::chrono::system_clock::now(), log_entry(channel, level, source, message));
+    const auto now = std::chrono::system_clock::now();
+    if (level == log_level_error)
+        writer_.write_error(now, log_entry(channel, level, source, message));
+    else if (notes_)
+        writer_.write_note(now, log_entry(channel, level, source, message));
     return {};
 }
 

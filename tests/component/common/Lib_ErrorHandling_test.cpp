@@ -143,6 +143,19 @@ TEST_FRESH(ErrorHandling, EachLevelWritesAnEntryOfItsOwn) {
                                      block("80040323", "Shop.Outer", outer, "twice"), 0}));
 }
 
+TEST_FRESH(ErrorHandling, AFailureToldInOtherWordsIsLoggedInTheseAlone) {
+    const auto rephrase = [](Failure& failure) {
+        failure.source = u"Shop.Method";
+        failure.description = u"No such shop";
+    };
+    const Failure failure =
+        raised_by([&] { trapped(u"Shop.Method", rephrase, [] { throw sample(); }); });
+    const std::string told = block("80040323", "Shop.Method", "No such shop");
+    expect_failure(failure, error_number(0x80040323), u"Shop.Method", told);
+    EXPECT_THAT(log_.take(), ElementsAre(LogEntry{"LogMessage", "Shop.Method",
+                                                  block("80040323", "Shop.Method", told), 0}));
+}
+
 TEST_FRESH(ErrorHandling, TheInformationIsAskedForOnlyAfterAFailure) {
     int asked = 0;
     const auto info = [&] {

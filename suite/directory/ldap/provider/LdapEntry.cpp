@@ -35,6 +35,7 @@ void LdapEntry::Bind(Text& server, Text& container, Text& common_name, Text& use
     login_.reset();
     facts_.reset();
     fetched_ = {};
+    name_.clear();
     ServerLogin login(server, user, password, limits_);
     const Text name = entry_name(common_name, container_name(container));
     require_whole(name);

@@ -9,6 +9,7 @@
 #include "suite/directory/ldap/memory/entry_cache.h"
 #include "suite/directory/ldap/pool/server_facts.h"
 #include "suite/directory/ldap/pool/server_login.h"
+#include "suite/directory/ldap/provider/failure_note.h"
 
 namespace orvo {
 namespace directory::ldap {
@@ -80,6 +81,10 @@ public:
     // the rest stays as it is.
     bool InitializeConnectionPool(Variant& names, Variant& values) override;
     bool InitializeCache(Variant& names, Variant& values) override;
+
+    void failed(const char* operation, const Failure& failure) const noexcept {
+        note_failure(operation, name_, failure);
+    }
 
 private:
     struct Fetched {

@@ -23,6 +23,7 @@ constexpr int page_size = 10'000;
 void LdapSearch::Connect(Text& server, Text& container, Text& user, Text& password) {
     login_.reset();
     facts_.reset();
+    base_.clear();
     ServerLogin login(server, user, password, limits_);
     require_whole(container);
     base_ = to_utf8(container_name(container));

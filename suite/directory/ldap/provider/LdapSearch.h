@@ -6,6 +6,7 @@
 #include "platform/abi/hosted.h"
 #include "suite/directory/ldap/pool/server_facts.h"
 #include "suite/directory/ldap/pool/server_login.h"
+#include "suite/directory/ldap/provider/failure_note.h"
 
 namespace orvo {
 namespace directory::ldap {
@@ -40,6 +41,10 @@ public:
     // Raises 91 before Connect, 0x8007203E for a filter that cannot be read, 0x8007203F for names
     // that cannot be columns (column_names), 0x80072030 for a container that is not there.
     Object Execute(Text& filter, Variant& attributes, std::int32_t maximum) override;
+
+    void failed(const char* operation, const Failure& failure) const noexcept {
+        note_failure(operation, base_, failure);
+    }
 
 private:
     void learn_types_of(const std::vector<std::string>& attributes);

@@ -6,6 +6,7 @@
 #include "component/provider/contract.h"
 #include "platform/abi/hosted.h"
 #include "suite/directory/ldap/pool/identity.h"
+#include "suite/directory/ldap/provider/failure_note.h"
 #include "suite/directory/names/distinguished_name.h"
 
 namespace orvo {
@@ -38,6 +39,10 @@ public:
     // for a server and a user container that cannot be read, and the server's own failure where its
     // answer says nothing about the account.
     std::int32_t Validate(Variant& path, Variant& password) override;
+
+    void failed(const char* operation, const Failure& failure) const noexcept {
+        note_failure(operation, target_ ? to_utf8(target_->written_container) : "", failure);
+    }
 
 private:
     void read_container();

@@ -1,0 +1,40 @@
+#include "suite/directory/ldap/provider/failure_note.h"
+
+#include "component/common/LogContract.h"
+#include "platform/abi/call.h"
+#include "platform/abi/create.h"
+#include "suite/directory/ldap/wire/failures.h"
+#include "suite/log/log_entry.h"
+#include "suite/log/log_target.h"
+
+namespace orvo::directory::ldap {
+namespace {
+
+thread_local bool is_noting = false;
+
+class NotingScope {
+public:
+    NotingScope() { is_noting = true; }
+    ~NotingScope() { is_noting = false; }
+};
+
+}  // namespace
+
+void note_failure(const char* operation, std::string_view entry, const Failure& failure) noexcept {
+    if (is_noting) return;
+    const NotingScope scope;
+    try {
+        if (!log_notes_of_environment()) return;
+        const std::string of_entry = entry.empty() ? "" : " of " + quoted(entry);
+        Text source = failure.source;
+        Text message = from_utf8(operation + of_entry) + u" failed, 0x" +
+                       hexadecimal(failure.number) + u": " + failure.description;
+        std::int32_t level = log_level_note;
+        call<&Log::LogMessage>(Ref<Log>::from(create_object(u"Quendra.Log")), source, message,
+                               level);
+    } catch (...) {
+        // A note is not worth a failure: where it cannot be written it is dropped.
+    }
+}
+
+}  // namespace orvo::directory::ldap

@@ -1,0 +1,22 @@
+#pragma once
+
+// What the provider tells the suite's log of its failures.
+
+#include <string_view>
+
+#include "platform/automation/failure.h"
+
+namespace orvo::directory::ldap {
+
+// Writes a note under the failure's source, while the failure is on its way to the caller, who may
+// tell it in other words:
+//
+//     note OrvoDirectory.Ldap: Bind of 'cn=jsmith,ou=Users,o=Shop' failed, 0x8007052E: (49) …
+//
+// `operation`: the interface's name for it. `entry`: what the object works on, of a long name the
+// beginning; empty: nothing yet. Nothing is written, nor put together, where the suite's log is
+// told to leave notes out; nor for a failure that writing such a note causes itself. A log that is
+// missing or fails changes nothing. Any thread.
+void note_failure(const char* operation, std::string_view entry, const Failure& failure) noexcept;
+
+}  // namespace orvo::directory::ldap
