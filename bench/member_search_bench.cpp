@@ -34,8 +34,8 @@ struct Searcher {
 
 void member_search(benchmark::State& state) {
     PythonClient python("member_search.py", shop_of(users), filter);
-    take_turns<Searcher>(state, benchmark::kMillisecond, 5, python, &Searcher::search_raw,
-                         &Searcher::search);
+    take_turns<Searcher>(state, benchmark::kMillisecond, 5, shop_of(users), python,
+                         &Searcher::search_raw, &Searcher::search);
     if (python.rows() != rows_wanted) state.SkipWithError("rows are missing");
 }
 BENCHMARK(member_search)

@@ -69,7 +69,7 @@ void role_search(benchmark::State& state) {
     std::size_t raw_rows = 0;
     std::int64_t own_rows = 0;
     take_turns<Searcher>(
-        state, benchmark::kMillisecond, 1, python,
+        state, benchmark::kMillisecond, 1, shop_of(users), python,
         [&](Searcher& searcher) {
             searcher.search_raw(role);
             raw_rows = searcher.raw_rows;

@@ -57,7 +57,8 @@ void create_and_delete(benchmark::State& state, Keeps keeps, void (Creator::*raw
                        const char* python_connection) {
     PythonClient python("user_create.py", shop_of(1000), python_connection);
     const KeepsScope scope(keeps);
-    take_turns<Creator>(state, benchmark::kMicrosecond, 20, python, raw, &Creator::own);
+    take_turns<Creator>(state, benchmark::kMicrosecond, 20, shop_of(1000), python, raw,
+                        &Creator::own);
     if (python.rows() != entries_read) state.SkipWithError("python-ldap reads other entries");
 }
 

@@ -5,6 +5,8 @@
 
 namespace orvo {
 
+class RowFields;
+
 // The container that holds every user. Bind it once with a directory account (BindAs; in a web page
 // the session's account serves without being asked for); then users are created, found, searched
 // and deleted with that account's rights. Users come back bound with the same account.
@@ -68,7 +70,7 @@ public:
 private:
     Ref<RecordSet> QueryMembers(Text& filter, const Variant& page_size, const Variant& attributes);
     Ref<RecordSet> QueryMembersEx(Text& filter);
-    static void AddUserToResultSet(const Ref<RecordSet>& source, const Ref<RecordSet>& target);
+    static void AddUserToResultSet(RowFields& source, RowFields& target);
     static void CloseRecordSEt(const Ref<RecordSet>& records);
     Ref<DirectorySearch> connected_search(const Variant& container);
     Text profiles_having(std::int16_t role);

@@ -57,9 +57,9 @@ bool is_nothing(const Variant& value) {
 }
 
 // The row's name as far as it has one: nothing is raised for the sake of a note.
-Text name_for_the_log(const Ref<RecordSet>& row) {
+Text name_for_the_log(RowFields& row) {
     try {
-        const Variant cn = field_value(row, u"cn");
+        const Variant cn = row.value(u"cn");
         return (cn.is_array() ? element(cn, 0) : cn).to<Text>();
     } catch (const Failure&) {
         return {};
@@ -160,11 +160,12 @@ Text Members::profiles_having(std::int16_t role) {
     Variant columns = Values{u"cn"};
     const auto profiles = Ref<RecordSet>::from(
         call<&DirectorySearch::Execute>(search, filter, columns, usual_page_size));
+    RowFields row(profiles);
     Text part;
     int count = 0;
     for_each_row(profiles, [&] {
         if (count++ != 0) part += u" ";
-        part += u"(ProfileCN=" + field_value(profiles, u"cn").to<Text>() + u")";
+        part += u"(ProfileCN=" + row.value(u"cn").to<Text>() + u")";
     });
     CloseRecordSEt(profiles);
     return count > 1 ? u"(|" + part + u")" : part;
@@ -179,25 +180,28 @@ Object Members::GetOrvoMembersHavingRoleEx(std::int16_t& iRole, Variant& iCriter
             throw Failure(emErrServerInfoNotCreated, source, u"ServerInfo not available");
         const Text user_part = u"(!OrvoUserType = 0)" + filter_items(iCriteria, std::identity());
         const auto result = new_result_set();
-        const auto add = [&](const Ref<RecordSet>& row) {
+        RowFields target(result);
+        const auto add = [&](RowFields& row) {
             call<&RecordSet::AddNew>(result, Variant::missing(), Variant::missing());
-            AddUserToResultSet(row, result);
+            AddUserToResultSet(row, target);
         };
 
         const Text profile_part = profiles_having(iRole);
         if (!profile_part.empty()) {
             Text filter = user_part + profile_part;
             const auto users = QueryMembersEx(filter);
+            RowFields row(users);
             // Who has roles of one's own is found by the next query, whatever the profile says.
             for_each_row(users, [&] {
-                if (is_nothing(field_value(users, u"OrvoRole"))) add(users);
+                if (is_nothing(row.value(u"OrvoRole"))) add(row);
             });
             CloseRecordSEt(users);
         }
 
         Text filter = u"(OrvoRole=" + decimal(iRole) + u")" + user_part;
         const auto users = QueryMembers(filter, Variant::missing(), Variant::missing());
-        for_each_row(users, [&] { add(users); });
+        RowFields row(users);
+        for_each_row(users, [&] { add(row); });
         CloseRecordSEt(users);
 
         if (call<&RecordSet::RecordCount>(result) != 0) {
@@ -208,19 +212,19 @@ Object Members::GetOrvoMembersHavingRoleEx(std::int16_t& iRole, Variant& iCriter
     });
 }
 
-void Members::AddUserToResultSet(const Ref<RecordSet>& source, const Ref<RecordSet>& target) {
+void Members::AddUserToResultSet(RowFields& source, RowFields& target) {
     constexpr const char16_t* partner = u"BusinessPartnerID";
     try {
-        put_field_value(target, partner, field_value(source, partner));
+        target.put_value(partner, source.value(partner));
     } catch (const Failure&) {
         // A partner that is no 32-bit number is no reason to lose the row: it is noted, and 0.
-        put_field_value(target, partner, std::int32_t{0});
+        target.put_value(partner, std::int32_t{0});
         LogError(u"OrvoMembership.Members.AddUserToResultSet",
                  u"Invalid BusinessPartnerID for user " + name_for_the_log(source) +
                      u" -- value set to 0 in resultset");
     }
     for (const char16_t* name : {u"mail", u"cn", u"sn", u"givenName"})
-        put_field_value(target, name, field_value(source, name));
+        target.put_value(name, source.value(name));
 }
 
 void Members::CloseRecordSEt(const Ref<RecordSet>& records) {

@@ -2,6 +2,9 @@
 
 // Short words for a record set's fields.
 
+#include <utility>
+#include <vector>
+
 #include "platform/abi/call.h"
 #include "platform/recordset/contract.h"
 
@@ -11,9 +14,30 @@ namespace orvo {
 inline Variant field_value(const Ref<RecordSet>& records, const char16_t* name) {
     return call<&Field::Value>(call<&Fields::Item>(call<&RecordSet::Fields>(records), name));
 }
-inline void put_field_value(const Ref<RecordSet>& records, const char16_t* name,
-                            const Variant& value) {
-    call<&Field::SetValue>(call<&Fields::Item>(call<&RecordSet::Fields>(records), name), value);
-}
+
+// The fields of one record set, for who goes from row to row: each is looked up once, at its first
+// use, and stands for the row that is current when it is asked.
+class RowFields {
+public:
+    explicit RowFields(const Ref<RecordSet>& records)
+        : fields_(call<&RecordSet::Fields>(records)) {}
+
+    // Raise 3265 for a name that no column has.
+    Variant value(TextView name) { return call<&Field::Value>(field(name)); }
+    void put_value(TextView name, const Variant& value) {
+        call<&Field::SetValue>(field(name), value);
+    }
+
+private:
+    const Ref<Field>& field(TextView name) {
+        for (const auto& [known, field] : found_)
+            if (known == name) return field;
+        Ref<Field> field = call<&Fields::Item>(fields_, Text(name));
+        return found_.emplace_back(name, std::move(field)).second;
+    }
+
+    Ref<Fields> fields_;
+    std::vector<std::pair<Text, Ref<Field>>> found_;
+};
 
 }  // namespace orvo

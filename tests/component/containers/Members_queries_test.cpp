@@ -374,6 +374,49 @@ TEST_FRESH(MembersHavingRole, APartnerThatIsNoNumberBecomesZeroAndIsNoted) {
     });
 }
 
+TEST_FRESH(MembersHavingRole, EachRowHasTheValuesOfItsOwnUser) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        directory_.finds = {
+            profiles({u"sales"}),
+            records({u"sn", u"orvorole", u"givenName", u"mail", u"cn", u"BusinessPartnerID"},
+                    {{u"A", Variant(), u"Anna", u"a@x", u"anna", std::int32_t{1}},
+                     {u"B", Variant(), u"Bert", u"b@x", u"bert", std::int32_t{2}}}),
+            records({u"CN", u"BusinessPartnerID", u"mail", u"givenName", u"sn"},
+                    {{u"carl", std::int32_t{3}, u"c@x", u"Carl", u"C"},
+                     {u"dora", std::int32_t{4}, u"d@x", u"Dora", u"D"}})};
+        const auto found = having(members, 7);
+        std::vector<std::string> rows;
+        for (; !call<&RecordSet::IsEof>(found); call<&RecordSet::MoveNext>(found)) {
+            std::string& row = rows.emplace_back();
+            for (const char16_t* name : {u"BusinessPartnerID", u"mail", u"cn", u"givenName", u"sn"})
+                row += shown(field_value(found, name)) + " ";
+        }
+        EXPECT_THAT(rows, ElementsAre("1 a@x anna Anna A ", "2 b@x bert Bert B ",
+                                      "3 c@x carl Carl C ", "4 d@x dora Dora D "));
+    });
+}
+
+TEST_FRESH(MembersHavingRole, AColumnThatIsMissingFailsAtTheFirstRowUnlessItIsThePartner) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        const auto without_partner = [] {
+            return records({u"CN", u"mail", u"givenName", u"sn"},
+                           {{u"anna", u"", u"", u""}, {u"bert", u"", u"", u""}});
+        };
+        log_.take();
+        directory_.finds = {profiles({}), without_partner()};
+        const auto found = having(members, 7);
+        EXPECT_EQ(log_.take().size(), 2u) << "a note for each row";
+        EXPECT_EQ(field_value(found, u"BusinessPartnerID"), Variant(std::int32_t{0}));
+
+        const std::vector<Text> without_name = {u"CN", u"BusinessPartnerID", u"mail", u"sn"};
+        directory_.finds = {profiles({}), records(without_name, {})};
+        EXPECT_THAT(names_in(having(members, 7)), IsEmpty());
+        directory_.finds = {profiles({}),
+                            records(without_name, {{u"anna", std::int32_t{1}, u"", u""}})};
+        EXPECT_EQ(raised_by([&] { having(members, 7); }).number, 3265);
+    });
+}
+
 TEST_FRESH(MembersHavingRole, CriteriaStandBehindTheUserPartUnchanged) {
     bound_members_through_every_door([this](Behind<Members>& members) {
         directory_.finds = {profiles({u"sales"}), users_with_roles({}), users({})};

@@ -11,6 +11,7 @@ namespace orvo::directory::ldap::ber {
 inline constexpr unsigned char integer = 0x02;
 inline constexpr unsigned char octet_string = 0x04;
 inline constexpr unsigned char sequence = 0x30;
+inline constexpr unsigned char set = 0x31;
 
 // A tag with the length of what follows, in the shortest form.
 std::string header(unsigned char tag, std::size_t length);

@@ -3,9 +3,12 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <string_view>
 #include <utility>
 #include <vector>
 
+#include "suite/directory/ldap/wire/ber.h"
 #include "suite/directory/ldap/wire/deadline.h"
 #include "suite/directory/ldap/wire/openldap_connection.h"
 #include "suite/directory/ldap/wire/openldap_transport.h"
@@ -64,21 +67,38 @@ Result outcome_of(LDAP* handle, LDAPMessage* message, std::vector<Control>* cont
     return result;
 }
 
-// As many texts as there are values, in the memory that is there already.
-void assign(std::vector<std::string>& texts, const berval* values) {
+// Takes the first element off, which has to have this tag; nothing where there is none.
+std::optional<std::string_view> take_content(std::string_view& bytes, unsigned char tag) {
+    const auto element = ber::take_element(bytes);
+    if (!element || element->tag != tag) return std::nullopt;
+    return element->content;
+}
+
+// One attribute of an entry (RFC 4511, 4.1.7). What `attribute` held before is overwritten; its
+// memory is used again.
+bool decode_attribute(std::string_view bytes, Attribute& attribute) {
+    const auto name = take_content(bytes, ber::octet_string);
+    if (!name) return false;
+    attribute.name.assign(*name);
+    auto values = take_content(bytes, ber::set);
+    if (!values) return false;
     std::size_t count = 0;
-    for (; values && values->bv_val; ++values, ++count) {
-        if (count == texts.size()) texts.emplace_back();
-        texts[count].assign(values->bv_val, values->bv_len);
+    for (; !values->empty(); ++count) {
+        const auto value = take_content(*values, ber::octet_string);
+        if (!value) return false;
+        if (count == attribute.values.size()) attribute.values.emplace_back();
+        attribute.values[count].assign(*value);
     }
-    texts.resize(count);
+    attribute.values.resize(count);
+    return true;
 }
 
 // That an entry mostly has no more of.
 constexpr std::size_t usual_attributes = 16;
 
-// One pass over the message, attribute after attribute, without looking any up again. What `entry`
-// held before is overwritten; its memory is used again.
+// One pass over the message, attribute after attribute, where it lies: the library's own way makes
+// a list of the values of each first. What `entry` held before is overwritten; its memory is used
+// again.
 enum class Decoded { whole, passed_over, unreadable };
 Decoded decode_entry(LDAP* handle, LDAPMessage* message, const SearchRequest& request,
                      EntryData& entry) {
@@ -94,18 +114,17 @@ Decoded decode_entry(LDAP* handle, LDAPMessage* message, const SearchRequest& re
     entry.attributes.reserve(usual_attributes);
     if (request.wanted && !request.wanted(entry.name)) return Decoded::passed_over;
     for (std::size_t count = 0;; ++count) {
-        berval attribute{};
-        berval* values = nullptr;
-        if (ldap_get_attribute_ber(handle, message, decoder, &attribute, &values) != LDAP_SUCCESS)
-            return Decoded::unreadable;
-        if (!attribute.bv_val) {
+        ber_len_t left = 0;
+        ber_get_option(decoder, LBER_OPT_REMAINING_BYTES, &left);
+        if (left == 0) {
             entry.attributes.resize(count);
             return Decoded::whole;
         }
+        berval attribute{};
+        if (ber_skip_element(decoder, &attribute) != ber::sequence) return Decoded::unreadable;
         if (count == entry.attributes.size()) entry.attributes.emplace_back();
-        entry.attributes[count].name.assign(attribute.bv_val, attribute.bv_len);
-        assign(entry.attributes[count].values, values);
-        ber_memfree(values);
+        if (!decode_attribute({attribute.bv_val, attribute.bv_len}, entry.attributes[count]))
+            return Decoded::unreadable;
     }
 }
 
