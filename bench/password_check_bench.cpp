@@ -6,8 +6,7 @@
 // the component does in the time of one of the raw client's.
 //
 // The component asks a server with a password policy, with each check, what that says; the raw
-// client does not. A server that has no policy is not asked again on a connection where it gave no
-// answer; one that is asked all the same (AskPolicy 1) notes the question in its log each time.
+// client does not. A server that has no policy notes the question in its log each time.
 
 #include <benchmark/benchmark.h>
 
@@ -64,13 +63,11 @@ struct Checker {
     }
 };
 
-enum class Asks { who_knows, always };
-
-void checks(benchmark::State& state, PrivateSlapd& server, Keeps keeps, Asks asks,
-            void (Checker::*raw)(), void (Checker::*own)() = &Checker::check) {
+void checks(benchmark::State& state, PrivateSlapd& server, Keeps keeps, void (Checker::*raw)(),
+            void (Checker::*own)() = &Checker::check) {
     constexpr int rounds = 50;
     directory = &server;
-    const KeepsScope scope(keeps, asks == Asks::always);
+    const KeepsScope scope(keeps);
     Crew<Checker> crew(static_cast<int>(state.range(0)));
     std::atomic<bool> is_wrong = false;
     double raw_time = 0, own_time = 0;
@@ -91,23 +88,19 @@ void checks(benchmark::State& state, PrivateSlapd& server, Keeps keeps, Asks ask
 }
 
 void pool(benchmark::State& state) {
-    checks(state, with_policy(), Keeps::connections, Asks::who_knows, &Checker::bind_kept);
+    checks(state, with_policy(), Keeps::connections, &Checker::bind_kept);
 }
 void pool_late(benchmark::State& state) {
-    checks(state, with_policy(), Keeps::connections, Asks::who_knows, &Checker::bind_kept,
-           &Checker::check_late);
+    checks(state, with_policy(), Keeps::connections, &Checker::bind_kept, &Checker::check_late);
 }
 void no_pool(benchmark::State& state) {
-    checks(state, with_policy(), Keeps::nothing, Asks::who_knows, &Checker::bind_new);
+    checks(state, with_policy(), Keeps::nothing, &Checker::bind_new);
 }
 void pool_no_policy(benchmark::State& state) {
-    checks(state, without_policy(), Keeps::connections, Asks::who_knows, &Checker::bind_kept);
-}
-void pool_always_asking(benchmark::State& state) {
-    checks(state, without_policy(), Keeps::connections, Asks::always, &Checker::bind_kept);
+    checks(state, without_policy(), Keeps::connections, &Checker::bind_kept);
 }
 void no_pool_no_policy(benchmark::State& state) {
-    checks(state, without_policy(), Keeps::nothing, Asks::who_knows, &Checker::bind_new);
+    checks(state, without_policy(), Keeps::nothing, &Checker::bind_new);
 }
 
 void by_threads(benchmark::internal::Benchmark* benchmark) {
@@ -125,9 +118,6 @@ BENCHMARK(no_pool)
     ->Apply(by_threads);
 BENCHMARK(pool_no_policy)
     ->Name("server without a policy: ValidatePassword, pool; raw: as above; threads")
-    ->Apply(by_threads);
-BENCHMARK(pool_always_asking)
-    ->Name("server without a policy, AskPolicy 1: ValidatePassword, pool; raw: as above; threads")
     ->Apply(by_threads);
 BENCHMARK(no_pool_no_policy)
     ->Name("server without a policy: ValidatePassword, no pool; raw: as above; threads")

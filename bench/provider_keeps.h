@@ -16,21 +16,19 @@ enum class Keeps {
 
 class KeepsScope {
 public:
-    // always_asks_policy: also a server that does not know the question.
-    explicit KeepsScope(Keeps keeps, bool always_asks_policy = false) {
+    explicit KeepsScope(Keeps keeps) {
         set(keeps == Keeps::nothing ? 0 : 16, keeps == Keeps::checked_connections ? 0 : 5,
-            keeps == Keeps::connections_and_entries ? 1000 : 0, always_asks_policy);
+            keeps == Keeps::connections_and_entries ? 1000 : 0);
     }
-    ~KeepsScope() { set(16, 5, 0, false); }
+    ~KeepsScope() { set(16, 5, 0); }
     KeepsScope(const KeepsScope&) = delete;
 
 private:
-    static void set(std::int32_t size, std::int32_t recheck, std::int32_t entries,
-                    bool always_asks_policy) {
+    static void set(std::int32_t size, std::int32_t recheck, std::int32_t entries) {
         const auto directory = Ref<DirectoryModule>::from(create_object(u"OrvoDirectory.Ldap"));
         const auto entry = call<&DirectoryModule::CreateEntry>(directory);
-        Variant names = Values{u"MaximumSize", u"RecheckAfter", u"AskPolicy"};
-        Variant values = Values{size, recheck, always_asks_policy ? 1 : 0};
+        Variant names = Values{u"MaximumSize", u"RecheckAfter"};
+        Variant values = Values{size, recheck};
         call<&DirectoryEntry::InitializeConnectionPool>(entry, names, values);
         names = Values{u"Entries"};
         values = Values{entries};

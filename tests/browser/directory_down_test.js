@@ -30,6 +30,7 @@ inTheShop('directory_down', (tell) => {
         async (visitor, { directory }) => {
             await visitor.logIn('admin');
             await directory.stop();
+            await visitor.page.waitForTimeout(300);  // what was read just before still counts
             for (const page of ['/account/', '/admin/members.asp', '/admin/member.asp?cn=glee',
                 '/admin/profiles.asp']) {
                 await visitor.go(page);

@@ -14,6 +14,7 @@ namespace orvo::directory {
 namespace result_code {
 inline constexpr int success = 0;
 inline constexpr int protocol_error = 2;
+inline constexpr int referral = 10;
 inline constexpr int admin_limit_exceeded = 11;
 inline constexpr int undefined_attribute_type = 17;
 inline constexpr int constraint_violation = 19;

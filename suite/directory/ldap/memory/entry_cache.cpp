@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "suite/directory/ldap/memory/attribute_lookup.h"
-#include "suite/directory/ldap/memory/write_marks.h"
 #include "suite/directory/ldap/settings/named_numbers.h"
 #include "suite/directory/names/ascii.h"
 #include "suite/directory/policy/password_attributes.h"
@@ -12,7 +11,7 @@
 namespace orvo::directory::ldap {
 namespace {
 
-using std::chrono::steady_clock;
+using std::chrono::milliseconds;
 
 constexpr NumberSetting numbers[] = {{"Entries", 0, 1'000'000}, {"TimeToLive", 1, 86'400}};
 
@@ -64,11 +63,6 @@ void KnownEntry::forget_secrets() {
     std::erase_if(asked, is_secret);
 }
 
-EntryCache& EntryCache::of_process() {
-    static EntryCache made;
-    return made;
-}
-
 CacheSettings EntryCache::settings() const {
     const std::lock_guard lock(mutex_);
     return settings_;
@@ -78,43 +72,48 @@ void EntryCache::configure(const Variant& names, const Variant& values) {
     const std::lock_guard lock(mutex_);
     settings_ = changed(settings_, names, values);
     is_on_ = settings_.entries != 0;
-    keep_within_bounds();
+    lifetime_ = is_on_ ? milliseconds(settings_.time_to_live).count() : bind_lasts.count();
+    while (order_.size() > settings_.entries) drop(std::prev(order_.end()));
 }
 
-std::shared_ptr<const KnownEntry> EntryCache::find(const CacheKey& key) {
+bool EntryCache::is_current(const Remembered& known, const EntryKey& entry) const {
+    return known.entry && clock_.now() - known.read_at < lifetime() &&
+           writes_.mark(entry) == known.write_mark;
+}
+
+Remembered EntryCache::find(const CacheKey& key) {
     const std::lock_guard lock(mutex_);
-    const auto kept = find_kept(text_of(key), write_mark(key.mark));
-    return kept == order_.end() ? nullptr : kept->entry;
+    const auto kept = find_kept(text_of(key), key.mark);
+    return kept == order_.end() ? Remembered() : kept->known;
 }
 
-void EntryCache::add(const CacheKey& key, KnownEntry read, steady_clock::time_point read_at,
-                     std::uint64_t write_mark) {
+Remembered EntryCache::add(const CacheKey& key, KnownEntry read, Clock::time_point read_at,
+                           std::uint64_t write_mark) {
     read.forget_secrets();
-    const std::lock_guard lock(mutex_);
-    if (settings_.entries == 0) return;
     std::string text = text_of(key);
-    const auto kept = find_kept(text, write_mark);
+    const std::lock_guard lock(mutex_);
+    const auto kept = find_kept(text, key.mark);
     if (kept != order_.end()) {
-        if (!read.is_whole) {
-            read = merged(*kept->entry, std::move(read));
-            read_at = std::min(read_at, kept->read_at);
+        if (!read.is_whole && kept->known.write_mark == write_mark) {
+            read = merged(*kept->known.entry, std::move(read));
+            read_at = std::min(read_at, kept->known.read_at);
         }
         drop(kept);
     }
-    order_.push_front(
-        {text, std::make_shared<const KnownEntry>(std::move(read)), read_at, write_mark});
+    const Remembered known{std::make_shared<const KnownEntry>(std::move(read)), read_at,
+                           write_mark};
+    order_.push_front({text, known});
     by_key_.emplace(std::move(text), order_.begin());
-    keep_within_bounds();
+    evict();
+    return known;
 }
 
 // The entry as it is kept, which is now the latest used; the end where there is none any more.
-EntryCache::Order::iterator EntryCache::find_kept(const std::string& key,
-                                                  std::uint64_t write_mark) {
+EntryCache::Order::iterator EntryCache::find_kept(const std::string& key, const EntryKey& entry) {
     const auto found = by_key_.find(key);
     if (found == by_key_.end()) return order_.end();
     const auto kept = found->second;
-    if (kept->write_mark != write_mark ||
-        steady_clock::now() - kept->read_at >= settings_.time_to_live) {
+    if (!is_current(kept->known, entry)) {
         drop(kept);
         return order_.end();
     }
@@ -127,8 +126,13 @@ void EntryCache::drop(Order::iterator kept) {
     order_.erase(kept);
 }
 
-void EntryCache::keep_within_bounds() {
-    while (order_.size() > settings_.entries) drop(std::prev(order_.end()));
+// Without room there are only those of the last moment.
+void EntryCache::evict() {
+    const auto is_over = [&](const Kept& kept) {
+        return is_on_ ? order_.size() > settings_.entries
+                      : clock_.now() - kept.known.read_at >= bind_lasts;
+    };
+    while (!order_.empty() && is_over(order_.back())) drop(std::prev(order_.end()));
 }
 
 }  // namespace orvo::directory::ldap

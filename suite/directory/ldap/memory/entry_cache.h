@@ -1,6 +1,6 @@
 #pragma once
 
-// Entries that were read, kept for a while for all of the process. Off until it is given room.
+// Entries that were read, kept for a while for all of the process.
 
 #include <atomic>
 #include <chrono>
@@ -15,6 +15,8 @@
 #include <vector>
 
 #include "platform/automation/variant.h"
+#include "suite/directory/ldap/memory/write_marks.h"
+#include "suite/directory/ldap/settings/clock.h"
 #include "suite/directory/ldap/wire/session.h"
 #include "suite/directory/names/entry_key.h"
 #include "suite/directory/schema/attribute_types.h"
@@ -22,7 +24,7 @@
 namespace orvo::directory::ldap {
 
 struct CacheSettings {
-    std::size_t entries = 0;  // 0: nothing is kept
+    std::size_t entries = 0;  // 0: none but what a bind has just fetched
     std::chrono::seconds time_to_live{60};
 };
 
@@ -37,7 +39,7 @@ struct CacheKey {
     std::string server;  // ServerAddress::key()
     std::string user;    // with whose rights it was read
     std::string entry;   // its name, as it was asked for
-    EntryKey mark;       // for write_mark
+    EntryKey mark;       // for WriteMarks
 };
 
 // What is known of an entry: attributes with their values, and names that were asked for, of which
@@ -57,39 +59,58 @@ struct KnownEntry {
     void forget_secrets();
 };
 
-// The entries that were asked for last, so many of them, each until it is as old as allowed or this
-// process has written to it. What other processes write is not seen before. Passwords are never
-// kept. Any thread.
+// An entry as it was read, and when: it is shared, and the object that asked for it may go on with it
+// for as long as it is current.
+struct Remembered {
+    std::shared_ptr<const KnownEntry> entry;  // null: nothing
+    Clock::time_point read_at;                // of its oldest part
+    std::uint64_t write_mark = 0;             // of the entry, from before it was read
+};
+
+// What was read of entries, for all of the process. Without room for entries (the default) what a
+// bind has fetched is kept for `bind_lasts`; with room, whatever was read is kept until it is as old
+// as allowed, the least recently used being evicted. What this process writes to an entry
+// invalidates it at once; what others write is not seen before. Passwords are never kept.
+// Thread-safe.
 class EntryCache {
 public:
-    static EntryCache& of_process();
+    static constexpr std::chrono::milliseconds bind_lasts{250};
+
+    EntryCache(const Clock& clock, const WriteMarks& writes) : clock_(clock), writes_(writes) {}
+    EntryCache(const EntryCache&) = delete;
 
     CacheSettings settings() const;
     // All of what is given, or nothing of it.
     void configure(const Variant& names, const Variant& values);
-    // Costs nothing.
+    // Whether there is room for entries. Costs nothing.
     bool is_on() const { return is_on_.load(std::memory_order_relaxed); }
 
-    std::shared_ptr<const KnownEntry> find(const CacheKey& key);
-    // Adds what was read to what is known, but for passwords. `read_at` and `write_mark` are from
-    // before the reading: what was read while this process wrote is not found again.
-    void add(const CacheKey& key, KnownEntry read, std::chrono::steady_clock::time_point read_at,
-             std::uint64_t write_mark);
+    Remembered find(const CacheKey& key);
+    // Adds what was read to what is known, but for passwords: what is known of the entry now.
+    // `read_at` and `write_mark` are from before the reading, so that what was read while this
+    // process wrote is not found again.
+    Remembered add(const CacheKey& key, KnownEntry read, Clock::time_point read_at,
+                   std::uint64_t write_mark);
+    bool is_current(const Remembered& known, const EntryKey& entry) const;
 
 private:
     struct Kept {
         std::string key;
-        std::shared_ptr<const KnownEntry> entry;
-        std::chrono::steady_clock::time_point read_at;  // of its oldest part
-        std::uint64_t write_mark;
+        Remembered known;
     };
     using Order = std::list<Kept>;
 
-    Order::iterator find_kept(const std::string& key, std::uint64_t write_mark);
+    std::chrono::milliseconds lifetime() const {
+        return std::chrono::milliseconds(lifetime_.load(std::memory_order_relaxed));
+    }
+    Order::iterator find_kept(const std::string& key, const EntryKey& entry);
     void drop(Order::iterator kept);
-    void keep_within_bounds();
+    void evict();
 
+    const Clock& clock_;
+    const WriteMarks& writes_;
     std::atomic<bool> is_on_ = false;
+    std::atomic<std::int64_t> lifetime_ = bind_lasts.count();
     mutable std::mutex mutex_;
     CacheSettings settings_;
     Order order_;  // the latest used first

@@ -1,11 +1,10 @@
 #pragma once
 
-// What a server offers, how its attributes are typed and what its classes require, read once per
-// process and server.
+// What a server offers, how its attributes are typed and what its classes require.
 
 #include <memory>
-#include <string>
 
+#include "suite/directory/ldap/settings/clock.h"
 #include "suite/directory/ldap/wire/session.h"
 #include "suite/directory/schema/attribute_types.h"
 #include "suite/directory/schema/object_classes.h"
@@ -22,20 +21,17 @@ struct ServerFacts {
 
 struct FactsResult : Result {
     std::shared_ptr<const ServerFacts> facts;  // set where the result is a success
+    bool is_whole = false;                     // whether the user was shown all of it
 };
 
-// The facts of a server from the process's store; none where it has not been asked.
-std::shared_ptr<const ServerFacts> stored_facts(const std::string& key);
+// Reads the facts of the server that the session is connected to: its root entry and its schema,
+// two round trips. A root entry or schema that the session's user may not read is an empty one.
+FactsResult read_facts(Session& session);
 
-// The facts of the server that the session is connected to, from the process's store under `key`
-// (ServerAddress::key) or, the first time, from the server: its root entry and its schema, two
-// round trips. A root entry or schema that the session's user may not read is an empty one; neither
-// is then stored, so that other users do not inherit it. Any thread.
-FactsResult facts_of(Session& session, const std::string& key);
-
-// The same, read anew and stored in place of what was there: for an attribute that the stored
-// schema does not know. Within a minute of the last reading it is taken from the store all the
-// same.
-FactsResult refreshed_facts_of(Session& session, const std::string& key);
+// Facts as they are kept with a server (Server::facts).
+struct StoredFacts {
+    std::shared_ptr<const ServerFacts> facts;  // null where nobody has read them
+    Clock::time_point read_at;
+};
 
 }  // namespace orvo::directory::ldap

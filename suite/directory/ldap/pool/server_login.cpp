@@ -4,11 +4,18 @@
 #include "suite/directory/names/written_name.h"
 
 namespace orvo::directory::ldap {
+namespace {
 
-ServerLogin::ServerLogin(TextView server, TextView user, TextView password,
+constexpr auto shortest_refresh = std::chrono::minutes(1);
+
+}  // namespace
+
+ServerLogin::ServerLogin(ConnectionPool& pool, TextView server, TextView user, TextView password,
                          const std::optional<Limits>& limits)
-    : limits_(limits), presented_(password) {
-    const ServerAddress address = ServerAddress::parse(server);
+    : pool_(&pool),
+      address_(ServerAddress::parse(server)),
+      limits_(limits),
+      presented_(password) {
     if (presented_->empty() && !user.empty())
         raise_code(result_code::invalid_credentials, "A password is required.");
     // In UTF-8 they would be those of others.
@@ -22,15 +29,38 @@ ServerLogin::ServerLogin(TextView server, TextView user, TextView password,
     // The client library would read on only as far as there.
     if (name.find(u'\0') != Text::npos)
         raise_code(result_code::invalid_credentials, "The user's name holds a NUL.");
-    credentials_ = ConnectionPool::of_process().enter(address, to_utf8(name), *presented_);
+    set_ = pool_->set_of(address_, to_utf8(name), *presented_);
 }
 
-Lease ServerLogin::take() {
-    ConnectionPool& pool = ConnectionPool::of_process();
-    if (!presented_) return pool.lease(credentials_, limits_);
-    Lease lease = pool.lease_presented(credentials_, *presented_, limits_);
-    presented_.reset();
-    return lease;
+// Another object of the user may have changed the set's password since.
+void ServerLogin::find_presented() {
+    if (presented_ && !set_->has_password(*presented_))
+        set_ = pool_->set_of(address_, set_->user(), *presented_);
+}
+
+std::shared_ptr<const ServerFacts> ServerLogin::facts() {
+    const ServerRef server = set_->group().choose(pool_->settings().failback_after);
+    const StoredFacts stored = server->facts();
+    return stored.facts ? stored.facts : read_facts();
+}
+
+std::shared_ptr<const ServerFacts> ServerLogin::refreshed_facts() {
+    const ServerRef server = set_->group().choose(pool_->settings().failback_after);
+    const StoredFacts stored = server->facts();
+    const bool is_recent = stored.facts && pool_->clock().now() - stored.read_at < shortest_refresh;
+    return is_recent ? stored.facts : read_facts();
+}
+
+// What was not shown whole is not kept: other users would inherit it.
+std::shared_ptr<const ServerFacts> ServerLogin::read_facts() {
+    const FactsResult result =
+        run_with_server({Effect::none, {}, limits_}, [](Session& session, const ServerRef& server) {
+            FactsResult read = ldap::read_facts(session);
+            if (read.is_whole) server->keep_facts(read.facts);
+            return read;
+        });
+    check(result);
+    return result.facts;
 }
 
 }  // namespace orvo::directory::ldap

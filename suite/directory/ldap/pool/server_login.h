@@ -1,63 +1,81 @@
 #pragma once
 
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
 
 #include "platform/automation/secret.h"
-#include "suite/directory/ldap/pool/connection_pool.h"
+#include "suite/directory/ldap/pool/attempts.h"
+#include "suite/directory/ldap/pool/server_facts.h"
 #include "suite/directory/policy/result_codes.h"
 
 namespace orvo::directory::ldap {
 
-// Who works on which server: an object's way to its connections. They come from the pool of the
-// process, one operation at a time. Used by one thread.
+// Who works on which servers: an object's way to its connections, which it acquires from the pool
+// one operation at a time (Attempts). The first operation authenticates the user. Used by one
+// thread.
 class ServerLogin {
+    template <class Perform>
+    auto run_with_server(const Operation& operation, Perform perform) {
+        find_presented();
+        Attempts attempts(*pool_, set_, operation);
+        if (presented_) attempts.present();
+        return ldap::run(attempts, [&](Session& session) {
+            presented_.reset();
+            return perform(session, attempts.server());
+        });
+    }
+    template <class Perform>
+    auto run(const Operation& operation, Perform perform) {
+        return run_with_server(
+            operation, [&](Session& session, const ServerRef&) { return perform(session); });
+    }
+
 public:
     // `limits`: instead of those that the pool has for all. Both credentials empty: as nobody.
     // Raises 0x8007052E for a name with an empty password, which the server is not asked about (it
     // would take that for nobody and report success), also for a name with a NUL and for half of a
     // surrogate pair in either, and result code 89 for a server that cannot be read.
-    ServerLogin(TextView server, TextView user, TextView password,
+    ServerLogin(ConnectionPool& pool, TextView server, TextView user, TextView password,
                 const std::optional<Limits>& limits);
 
-    // Runs an operation, from Session& to a kind of Result, and once more on a new connection where
-    // the server has closed the one it had. The first one that comes about has authenticated the
-    // user; see ConnectionPool::lease_presented.
-    template <class Operation>
-    auto run(Operation operation) {
-        Lease lease = take();
-        auto result = operation(lease.session());
-        if (result.code == result_code::server_down) {
-            lease.reopen();
-            result = operation(lease.session());
-        }
-        if (!result.connection_failed()) std::move(lease).give_back();
-        return result;
+    // Runs an operation, from Session& to a kind of Result, that reads this entry, or searches.
+    template <class Perform>
+    auto read(std::string_view entry, Perform perform) {
+        return run({Effect::none, entry, limits_}, perform);
+    }
+    template <class Perform>
+    auto search(Perform perform) {
+        return run({Effect::none, {}, limits_}, perform);
+    }
+    // One that writes to this entry.
+    template <class Perform>
+    auto write(std::string_view entry, Perform perform) {
+        return run({Effect::change, entry, limits_}, perform);
     }
 
-    // Runs an operation that gives the user whose entry this is this password, or with an empty
-    // one: none, or removes the entry or makes it. Where it may have been done, at any try, nobody
-    // goes on with what the server accepted before it; see ConnectionPool::password_changed. Where
-    // nobody knows whether it was, the user's objects keep the former password.
-    template <class Operation>
-    Result run_login_change(const EntryKey& entry, const Secret& password, Operation operation) {
-        Identity& own = *credentials_.identity;
+    // A write that gives the user whose entry this is this password, or with an empty one: none, or
+    // removes the entry or makes it. Where it may have been done, nobody goes on with what the
+    // server accepted before it (ConnectionPool::password_changed). Where nobody knows whether it
+    // was, the user's objects keep the former password.
+    template <class Perform>
+    Result write_password(const std::string& name, const Secret& password, Perform perform) {
+        const EntryKey entry(name);
         std::unique_lock<std::recursive_mutex> turn;
-        if (own.user_key() == entry) turn = std::unique_lock(own.password_turn());
+        if (set_->user_key() == entry) turn = std::unique_lock(set_->own_change());
         bool may_be_done = false;
         const auto noted = [&](Session& session) {
-            Result result = operation(session);
-            may_be_done |= result.ok() || result.connection_failed();
+            Result result = perform(session);
+            may_be_done |= result.may_be_done();
             return result;
         };
         const Secret unknown;
         const auto end_former = [&](const Secret& now) {
-            if (may_be_done)
-                ConnectionPool::of_process().password_changed(entry, now, credentials_);
+            if (may_be_done) pool_->password_changed(entry, now, set_);
         };
         try {
-            const Result result = run(noted);
+            const Result result = write(name, noted);
             end_former(result.ok() ? password : unknown);
             return result;
         } catch (...) {
@@ -68,18 +86,26 @@ public:
 
     // Authenticates the user, and nothing else.
     void authenticate() {
-        run([](Session&) { return Result(); });
+        search([](Session&) { return Result(); });
     }
 
-    const std::string& server_key() const { return credentials_.identity->server_key(); }
-    const std::string& user() const { return credentials_.identity->user(); }
-    const EntryKey& user_key() const { return credentials_.identity->user_key(); }
+    // What the server knows, from the process's store or read now; `refreshed_facts` reads them
+    // anew, at most once a minute: for an attribute that the stored schema does not know.
+    std::shared_ptr<const ServerFacts> facts();
+    std::shared_ptr<const ServerFacts> refreshed_facts();
+
+    const std::string& server_key() const { return set_->group().key(); }
+    const std::string& user() const { return set_->user(); }
+    const EntryKey& user_key() const { return set_->user_key(); }
 
 private:
-    Lease take();
+    void find_presented();
+    std::shared_ptr<const ServerFacts> read_facts();
 
+    ConnectionPool* pool_;
+    ServerAddress address_;
     std::optional<Limits> limits_;
-    Credentials credentials_;
+    ConnectionSetRef set_;
     std::optional<Secret> presented_;  // until the server has accepted it
 };
 

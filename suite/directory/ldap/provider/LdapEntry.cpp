@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "suite/directory/ldap/memory/write_marks.h"
 #include "suite/directory/ldap/provider/password_value.h"
 #include "suite/directory/ldap/wire/failures.h"
 #include "suite/directory/names/written_name.h"
@@ -13,8 +12,6 @@
 
 namespace orvo::directory::ldap {
 namespace {
-
-using std::chrono::steady_clock;
 
 constexpr const char* all_user_attributes = "*";
 
@@ -34,21 +31,22 @@ void LdapEntry::Bind(Text& server, Text& container, Text& common_name, Text& use
                      Variant& attributes) {
     login_.reset();
     facts_.reset();
-    fetched_ = {};
+    known_ = {};
+    lists_read_.clear();
     name_.clear();
-    ServerLogin login(server, user, password, limits_);
+    ServerLogin login(client_.pool(), server, user, password, limits_);
     const Text name = entry_name(common_name, container_name(container));
     require_whole(name);
     name_ = to_utf8(name);
     key_ = name_ == login.user() ? login.user_key() : EntryKey(name_);
 
     const std::vector<std::string> asked = names_in(attributes);
-    if (is_cached(login, asked)) {
+    known_ = client_.cache().find(cache_key(login));
+    // An entry that is known is there.
+    if (known_.entry && (known_.entry->is_whole || asked.empty()))
         login.authenticate();
-    } else {
-        fetched_ = read(login, asked, true);
-        fetched_.entry.forget_secrets();
-    }
+    else
+        known_ = remember(login, read(login, asked, true));
     login_ = std::move(login);
 }
 
@@ -56,46 +54,28 @@ CacheKey LdapEntry::cache_key(const ServerLogin& login) const {
     return {login.server_key(), login.user(), name_, key_};
 }
 
-std::shared_ptr<const KnownEntry> LdapEntry::try_cached(const ServerLogin& login) const {
-    EntryCache& cache = EntryCache::of_process();
-    return cache.is_on() ? cache.find(cache_key(login)) : nullptr;
-}
-
-// Whether the cache knows what Bind would fetch. An entry that it knows is there.
-bool LdapEntry::is_cached(const ServerLogin& login, const std::vector<std::string>& asked) const {
-    const auto known = try_cached(login);
-    return known && (known->is_whole || asked.empty());
-}
-
-LdapEntry::Fetched LdapEntry::read(ServerLogin& login, std::vector<std::string> asked,
+LdapEntry::Reading LdapEntry::read(ServerLogin& login, std::vector<std::string> asked,
                                    bool is_whole) const {
     std::vector<std::string> wanted = asked;
     if (is_whole) wanted.push_back(all_user_attributes);
-    Fetched fetched;
-    ReadResult result = login.run([&](Session& session) {
-        fetched.write_mark = write_mark(key_);
-        fetched.at = steady_clock::now();
+    Reading reading;
+    ReadResult result = login.read(name_, [&](Session& session) {
+        reading.write_mark = client_.writes().mark(key_);
+        reading.at = client_.pool().clock().now();
         return session.read(name_, wanted);
     });
     check(result);
-    fetched.entry = {std::move(result.entry.attributes), std::move(asked), is_whole};
-    if (EntryCache& cache = EntryCache::of_process(); cache.is_on())
-        cache.add(cache_key(login), fetched.entry, fetched.at, fetched.write_mark);
-    return fetched;
+    reading.entry = {std::move(result.entry.attributes), std::move(asked), is_whole};
+    return reading;
 }
 
-Result LdapEntry::change(const std::function<Result(Session&)>& operation) {
-    return login_->run(operation);
+Remembered LdapEntry::remember(const ServerLogin& login, Reading reading) const {
+    return client_.cache().add(cache_key(login), std::move(reading.entry), reading.at,
+                               reading.write_mark);
 }
 
 const ServerFacts& LdapEntry::facts() {
-    if (!facts_) facts_ = stored_facts(login_->server_key());
-    if (!facts_) {
-        FactsResult result =
-            login_->run([&](Session& session) { return facts_of(session, login_->server_key()); });
-        check(result);
-        facts_ = std::move(result.facts);
-    }
+    if (!facts_) facts_ = login_->facts();
     return *facts_;
 }
 
@@ -103,28 +83,24 @@ const AttributeType* LdapEntry::type_of(const std::string& name) {
     const AttributeTypes& types = facts().types;
     if (const auto* known = types.find(name)) return known;
     if (types.empty()) return nullptr;  // this user may not read the schema
-    FactsResult result = login_->run(
-        [&](Session& session) { return refreshed_facts_of(session, login_->server_key()); });
-    check(result);
-    facts_ = std::move(result.facts);
+    facts_ = login_->refreshed_facts();
     return facts_->types.find(name);
 }
 
-// Nothing for what was not fetched, and for a list that was read before.
-std::optional<std::vector<std::string>> LdapEntry::take_fetched(const std::string& name,
-                                                                const AttributeType* type) {
-    if (steady_clock::now() - fetched_.at > fetched_lasts ||
-        write_mark(key_) != fetched_.write_mark) {
-        fetched_ = {};
-        return std::nullopt;
-    }
-    if (!type || !type->single_value) {
-        auto& lists = fetched_.lists_read;
-        const auto is_it = [&](const std::string& list) { return facts_->types.same(list, name); };
-        if (std::ranges::any_of(lists, is_it)) return std::nullopt;
-        lists.push_back(name);
-    }
-    return fetched_.entry.try_values(name, facts_->types);
+bool LdapEntry::is_first_reading(const std::string& list) {
+    const auto is_it = [&](const std::string& other) { return facts_->types.same(other, list); };
+    if (std::ranges::any_of(lists_read_, is_it)) return false;
+    lists_read_.push_back(list);
+    return true;
+}
+
+std::optional<std::vector<std::string>> LdapEntry::try_known(const std::string& name,
+                                                             const AttributeType* type) {
+    EntryCache& cache = client_.cache();
+    const bool is_list = !type || !type->single_value;
+    if (is_list && !is_first_reading(name) && !cache.is_on()) return std::nullopt;
+    if (!cache.is_current(known_, key_)) known_ = cache.find(cache_key(*login_));
+    return known_.entry ? known_.entry->try_values(name, facts_->types) : std::nullopt;
 }
 
 Variant LdapEntry::GetValues(Text& name) {
@@ -133,12 +109,12 @@ Variant LdapEntry::GetValues(Text& name) {
     require_whole(name);
     const std::string attribute = to_utf8(name);
     const AttributeType* type = type_of(attribute);
-    if (const auto fetched = take_fetched(attribute, type)) return decode_values(type, *fetched);
-    if (const auto known = try_cached(*login_))
-        if (const auto cached = known->try_values(attribute, facts_->types))
-            return decode_values(type, *cached);
-    return decode_values(
-        type, *read(*login_, {attribute}, false).entry.try_values(attribute, facts_->types));
+    if (const auto known = try_known(attribute, type)) return decode_values(type, *known);
+    Reading fresh = read(*login_, {attribute}, false);
+    const auto values = fresh.entry.try_values(attribute, facts_->types);
+    // Without room in the cache only what a bind fetches is kept.
+    if (client_.cache().is_on()) known_ = remember(*login_, std::move(fresh));
+    return decode_values(type, *values);
 }
 
 void LdapEntry::SetValues(Text& name, Variant& value) {
@@ -162,17 +138,17 @@ void LdapEntry::write_password(const std::string& name, const Variant& value) {
     const bool server_hashes = !password.empty() && facts().changes_passwords;
     Replacement replacement{name, {}};
     if (!password.empty() && !server_hashes) replacement.values = {hashed_password(password)};
-    const NotedWrite noted(key_);
-    bool was_lost = false;
+    const NotedWrite noted(client_.writes(), key_);
+    bool may_be_done = false;
     try {
-        check(login_->run_login_change(key_, password, [&](Session& session) {
+        check(login_->write_password(name_, password, [&](Session& session) {
             Result result = server_hashes ? session.change_password(name_, password)
                                           : session.modify(name_, {&replacement, 1});
-            was_lost |= result.connection_failed();
+            may_be_done |= result.may_be_done();
             return result;
         }));
     } catch (const Failure& failure) {
-        if (!was_lost) throw;
+        if (!may_be_done) throw;
         throw Failure(failure.number, failure.source,
                       failure.description + u" The password may have been changed all the same.");
     }
@@ -181,8 +157,9 @@ void LdapEntry::write_password(const std::string& name, const Variant& value) {
 void LdapEntry::replace(const std::string& name, std::vector<std::string> values) {
     if (name.empty()) raise_runtime_error(runtime_error::invalid_call);
     const Replacement replacement{name, std::move(values)};
-    const NotedWrite noted(key_);
-    check(login_->run([&](Session& session) { return session.modify(name_, {&replacement, 1}); }));
+    const NotedWrite noted(client_.writes(), key_);
+    check(login_->write(
+        name_, [&](Session& session) { return session.modify(name_, {&replacement, 1}); }));
 }
 
 void LdapEntry::require_bound() const {
@@ -190,12 +167,12 @@ void LdapEntry::require_bound() const {
 }
 
 bool LdapEntry::InitializeConnectionPool(Variant& names, Variant& values) {
-    ConnectionPool::of_process().configure(names, values);
+    client_.pool().configure(names, values);
     return true;
 }
 
 bool LdapEntry::InitializeCache(Variant& names, Variant& values) {
-    EntryCache::of_process().configure(names, values);
+    client_.cache().configure(names, values);
     return true;
 }
 

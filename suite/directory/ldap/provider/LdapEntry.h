@@ -1,14 +1,13 @@
 #pragma once
 
-#include <chrono>
-#include <functional>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "component/provider/contract.h"
 #include "platform/abi/hosted.h"
-#include "suite/directory/ldap/memory/entry_cache.h"
-#include "suite/directory/ldap/pool/server_facts.h"
 #include "suite/directory/ldap/pool/server_login.h"
+#include "suite/directory/ldap/provider/client.h"
 #include "suite/directory/ldap/provider/failure_note.h"
 
 namespace orvo {
@@ -17,23 +16,23 @@ namespace directory::ldap {
 struct GivenAttribute;
 struct NewEntry;
 
-// One entry. Each operation takes a connection of its user's from the pool (ConnectionPool); where
-// the server has closed it in the meantime, the operation is done once more on a new one before it
-// fails. Used by one thread.
+// One entry. Each operation acquires a connection of its user's from the pool; see Attempts for
+// what is done where a server fails. Used by one thread.
 //
 // Values are read fresh: every GetValues asks the server, or the cache of the process once that is
 // switched on (InitializeCache). Beside that there is one exception: the whole entry comes with a
 // bind (but for its password and for what the server sends only to those who ask by name) and
-// answers readings within `fetched_lasts`, unless this process has written to the entry since. So
-// whoever binds and at once looks at some attributes pays for one round trip. Of an attribute that
-// may have several values only the first reading is answered so: lists are read in order to be
-// changed and written back, and what another process has added meanwhile must not be lost.
+// answers readings, and further binds of the same user, for EntryCache::bind_lasts, unless this
+// process has written to the entry since. So whoever binds and at once looks at some attributes
+// pays for one round trip. Of an attribute that may have several values only the object's first
+// reading is answered so: lists are read in order to be changed and written back, and what another
+// process has added meanwhile must not be lost.
 class LdapEntry final : public DirectoryEntry {
 public:
-    static constexpr std::chrono::milliseconds fetched_lasts{250};
-
     // `limits`: instead of those that the connection pool has for all.
-    explicit LdapEntry(const std::optional<Limits>& limits = {}) : limits_(limits) {}
+    explicit LdapEntry(const std::optional<Limits>& limits = {},
+                       Client& client = Client::of_process())
+        : client_(client), limits_(limits) {}
 
     // Authenticates and reads the entry: two round trips, on a new connection or one that is there;
     // one where the server accepted just these credentials a moment ago (RecheckAfter). The entry
@@ -71,8 +70,8 @@ public:
     // `entry_name` is a relative name, "," and this entry's container, put together without
     // escaping (name_below); "cn=Smith, John,ou=Users,o=Shop" is understood. The class is not
     // looked at. Raises result code 34 for anything but an entry below the one that is bound,
-    // 0x80072030 for an entry that is not there, unless a first request for it got lost: that may
-    // have been the one that removed it.
+    // 0x80072030 for an entry that is not there. A failure of the connection says whether the entry
+    // may be gone all the same.
     void DeleteChild(Text& class_name, Text& entry_name) override;
 
     // Change how this process keeps connections and entries; see PoolSettings and
@@ -87,22 +86,20 @@ public:
     }
 
 private:
-    struct Fetched {
+    struct Reading {
         KnownEntry entry;
+        Clock::time_point at;  // before the server was asked, like the mark
         std::uint64_t write_mark = 0;
-        std::chrono::steady_clock::time_point at;
-        std::vector<std::string> lists_read;
     };
 
-    Result change(const std::function<Result(Session&)>& operation);
     CacheKey cache_key(const ServerLogin& login) const;
-    std::shared_ptr<const KnownEntry> try_cached(const ServerLogin& login) const;
-    bool is_cached(const ServerLogin& login, const std::vector<std::string>& asked) const;
-    Fetched read(ServerLogin& login, std::vector<std::string> asked, bool is_whole) const;
+    Reading read(ServerLogin& login, std::vector<std::string> asked, bool is_whole) const;
+    Remembered remember(const ServerLogin& login, Reading reading) const;
     const ServerFacts& facts();
     const AttributeType* type_of(const std::string& name);
-    std::optional<std::vector<std::string>> take_fetched(const std::string& name,
-                                                         const AttributeType* type);
+    std::optional<std::vector<std::string>> try_known(const std::string& name,
+                                                      const AttributeType* type);
+    bool is_first_reading(const std::string& list);
     void write_password(const std::string& name, const Variant& value);
     void replace(const std::string& name, std::vector<std::string> values);
     void require_known(const GivenAttribute& attribute);
@@ -111,11 +108,13 @@ private:
     Text take_back(const std::string& name, TextView is_or_may_be);
     void require_bound() const;
 
+    Client& client_;
     std::optional<Limits> limits_;
     std::optional<ServerLogin> login_;  // set while bound
     std::string name_;
     EntryKey key_{""};
-    Fetched fetched_;
+    Remembered known_;
+    std::vector<std::string> lists_read_;
     std::shared_ptr<const ServerFacts> facts_;
 };
 

@@ -1,6 +1,5 @@
 #include <utility>
 
-#include "suite/directory/ldap/memory/write_marks.h"
 #include "suite/directory/ldap/provider/LdapEntry.h"
 #include "suite/directory/ldap/provider/new_entry.h"
 #include "suite/directory/ldap/provider/password_value.h"
@@ -33,7 +32,7 @@ void LdapEntry::CreateChild(Variant& classes, Text& naming_attribute, Object& at
     }
 
     const std::string name = to_utf8(entry.name_below(from_utf8(name_)));
-    const NotedWrite noted{EntryKey(name)};
+    const NotedWrite noted(client_.writes(), EntryKey(name));
     add(name, entry);
     if (!entry.password.empty()) set_first_password(name, entry.password);
 }
@@ -44,7 +43,7 @@ void LdapEntry::require_known(const GivenAttribute& attribute) {
     if (attribute.name.empty() || is_password(attribute.name)) return;
     if (type_of(attribute.name) || facts().types.empty()) return;
     if (attribute.value.is_text() && attribute.value.text_view().empty())
-        raise_code(result_code::undefined_attribute_type, quoted(attribute.name));
+        raise_code(result_code::undefined_attribute_type, quoted_name(attribute.name));
 }
 
 void LdapEntry::add(const std::string& name, const NewEntry& entry) {
@@ -52,13 +51,9 @@ void LdapEntry::add(const std::string& name, const NewEntry& entry) {
     const auto add_with = [&](const std::vector<std::string>& blanks) {
         const std::vector<Attribute> attributes = with_blanks(entry.attributes, blanks);
         // Who was bound as a former entry of this name is not the new one.
-        return login_->run_login_change(EntryKey(name), Secret(), [&](Session& session) {
-            const bool was_lost = std::exchange(may_be_done, true);
+        return login_->write_password(name, Secret(), [&](Session& session) {
             Result result = session.add(name, attributes);
-            const bool may_be_own = was_lost && result.code == result_code::entry_already_exists;
-            may_be_done = may_be_own || result.connection_failed();
-            if (may_be_own)
-                result.message += "It may be of this request, whose connection was lost before.";
+            may_be_done = result.may_be_done();
             return result;
         });
     };
@@ -77,20 +72,19 @@ void LdapEntry::add(const std::string& name, const NewEntry& entry) {
             result.message = "The name may be too long for it.";
         check(result);
     } catch (const Failure& failure) {
-        const bool has_password = !entry.password.empty();
-        const bool is_told = failure.number == number_of_code(result_code::entry_already_exists);
-        if (!may_be_done || (is_told && !has_password)) throw;
+        if (!may_be_done) throw;
         throw Failure(failure.number, failure.source,
-                      failure.description + u" The entry " + from_utf8(quoted(name)) +
-                          (has_password ? u" may exist, without a password." : u" may exist."));
+                      failure.description + u" The entry " + from_utf8(quoted_name(name)) +
+                          (entry.password.empty() ? u" may exist."
+                                                  : u" may exist, without a password."));
     }
 }
 
 void LdapEntry::set_first_password(const std::string& name, const Secret& password) {
     bool is_refused = false;
     try {
-        const Result result =
-            change([&](Session& session) { return session.change_password(name, password); });
+        const Result result = login_->write(
+            name, [&](Session& session) { return session.change_password(name, password); });
         is_refused = !result.connection_failed();
         check(result);
     } catch (const Failure& failure) {
@@ -103,13 +97,14 @@ void LdapEntry::set_first_password(const std::string& name, const Secret& passwo
 Text LdapEntry::take_back(const std::string& name, TextView is_or_may_be) {
     Text why;
     try {
-        const Result removed = change([&](Session& session) { return session.remove(name); });
+        const Result removed =
+            login_->write(name, [&](Session& session) { return session.remove(name); });
         if (removed.ok() || removed.code == result_code::no_such_object) return {};
         why = directory_failure(removed.code, provider_name, removed.message).description;
     } catch (const Failure& failure) {  // the first failure is the one to raise
         why = failure.description;
     }
-    return u" The entry " + from_utf8(quoted(name)) + Text(is_or_may_be) +
+    return u" The entry " + from_utf8(quoted_name(name)) + Text(is_or_may_be) +
            u" left without a password: " + why;
 }
 
@@ -120,16 +115,21 @@ void LdapEntry::DeleteChild(Text&, Text& entry_name) {
     const std::optional<Text> below = container ? name_below(entry_name, *container) : std::nullopt;
     if (!below)
         raise_code(result_code::invalid_name,
-                   quoted(to_utf8(entry_name)) + " is not below " + quoted(name_) + ".");
+                   quoted_name(to_utf8(entry_name)) + " is not below " + quoted_name(name_) + ".");
     const std::string name = to_utf8(*below);
-    const NotedWrite noted{EntryKey(name)};
-    bool was_lost = false;
-    check(login_->run_login_change(EntryKey(name), Secret(), [&](Session& session) {
-        Result result = session.remove(name);
-        if (was_lost && result.code == result_code::no_such_object) result = {};
-        was_lost = result.connection_failed();
-        return result;
-    }));
+    const NotedWrite noted(client_.writes(), EntryKey(name));
+    bool may_be_done = false;
+    try {
+        check(login_->write_password(name, Secret(), [&](Session& session) {
+            Result result = session.remove(name);
+            may_be_done = result.may_be_done();
+            return result;
+        }));
+    } catch (const Failure& failure) {
+        if (!may_be_done) throw;
+        throw Failure(failure.number, failure.source,
+                      failure.description + u" The entry may have been deleted all the same.");
+    }
 }
 
 }  // namespace orvo::directory::ldap

@@ -24,7 +24,7 @@ void LdapSearch::Connect(Text& server, Text& container, Text& user, Text& passwo
     login_.reset();
     facts_.reset();
     base_.clear();
-    ServerLogin login(server, user, password, limits_);
+    ServerLogin login(client_.pool(), server, user, password, limits_);
     require_whole(container);
     base_ = to_utf8(container_name(container));
     login.authenticate();
@@ -32,19 +32,12 @@ void LdapSearch::Connect(Text& server, Text& container, Text& user, Text& passwo
 }
 
 void LdapSearch::learn_types_of(const std::vector<std::string>& attributes) {
-    const auto learn = [&](auto read) {
-        FactsResult result =
-            login_->run([&](Session& session) { return read(session, login_->server_key()); });
-        check(result);
-        facts_ = std::move(result.facts);
-    };
-    if (!facts_) facts_ = stored_facts(login_->server_key());
-    if (!facts_) learn(facts_of);
+    if (!facts_) facts_ = login_->facts();
     const AttributeTypes& types = facts_->types;
     if (types.empty()) return;  // this user may not read the schema
     if (std::any_of(attributes.begin(), attributes.end(),
                     [&](const std::string& name) { return !types.find(name); }))
-        learn(refreshed_facts_of);
+        facts_ = login_->refreshed_facts();
 }
 
 Object LdapSearch::Execute(Text& filter, Variant& attributes, std::int32_t maximum) {
@@ -69,7 +62,7 @@ Object LdapSearch::Execute(Text& filter, Variant& attributes, std::int32_t maxim
     request.wanted = [&](const std::string& name) {
         return condition.may_be_true_of(name) && rows.wants(name);
     };
-    check(login_->run([&](Session& session) {
+    check(login_->search([&](Session& session) {
         rows.clear();
         return collect_pages(session, request, page_size, [&](EntryData&& entry) {
             if (condition.is_true_of(entry)) rows.add(std::move(entry));

@@ -4,20 +4,21 @@
 
 #include "component/provider/contract.h"
 #include "platform/abi/hosted.h"
-#include "suite/directory/ldap/pool/server_facts.h"
 #include "suite/directory/ldap/pool/server_login.h"
+#include "suite/directory/ldap/provider/client.h"
 #include "suite/directory/ldap/provider/failure_note.h"
 
 namespace orvo {
 namespace directory::ldap {
 
-// A search below one container. Each takes a connection of its user's from the pool
-// (ConnectionPool); where the server has closed it in the meantime, the search is done once more on
-// a new one before it fails. Used by one thread.
+// A search below one container. Each acquires a connection of its user's from the pool; see Attempts
+// for what is done where a server fails. Used by one thread.
 class LdapSearch final : public DirectorySearch {
 public:
     // `limits`: instead of those that the connection pool has for all.
-    explicit LdapSearch(const std::optional<Limits>& limits = {}) : limits_(limits) {}
+    explicit LdapSearch(const std::optional<Limits>& limits = {},
+                        Client& client = Client::of_process())
+        : client_(client), limits_(limits) {}
 
     // Authenticates, as a Bind of an entry does; the container itself (written from the bottom up,
     // or from the top down with "/") is not looked at before the first search. Both credentials
@@ -49,6 +50,7 @@ public:
 private:
     void learn_types_of(const std::vector<std::string>& attributes);
 
+    Client& client_;
     std::optional<Limits> limits_;
     std::optional<ServerLogin> login_;  // set while connected
     std::string base_;

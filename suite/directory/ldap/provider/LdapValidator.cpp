@@ -1,10 +1,9 @@
 #include "suite/directory/ldap/provider/LdapValidator.h"
 
 #include <memory>
-#include <mutex>
 #include <utility>
 
-#include "suite/directory/ldap/pool/connection_pool.h"
+#include "suite/directory/ldap/pool/attempts.h"
 #include "suite/directory/ldap/wire/failures.h"
 #include "suite/directory/ldap/wire/password_policy.h"
 #include "suite/directory/names/written_name.h"
@@ -22,34 +21,10 @@ Secret secret_of(const Variant& value) {
     return secret;
 }
 
-// The one used last: a site has one, which every check opens anew.
-class LastTarget {
-public:
-    std::shared_ptr<const CheckTarget> find(TextView server, TextView container) {
-        const std::lock_guard lock(mutex_);
-        const bool is_it =
-            last_ && last_->server == server && last_->written_container == container;
-        return is_it ? last_ : nullptr;
-    }
-    void keep(std::shared_ptr<const CheckTarget> target) {
-        const std::lock_guard lock(mutex_);
-        last_ = std::move(target);
-    }
-
-private:
-    std::mutex mutex_;
-    std::shared_ptr<const CheckTarget> last_;
-};
-
-LastTarget& last_target() {
-    static LastTarget made;
-    return made;
-}
-
 }  // namespace
 
 void LdapValidator::Open(Text& server, Text& user_container) {
-    target_ = last_target().find(server, user_container);
+    target_ = client_.last_check_target().find(server, user_container);
     if (target_) return;
     auto unread = std::make_shared<CheckTarget>();
     unread->server = server;
@@ -67,10 +42,10 @@ void LdapValidator::read_container() {
 
 void LdapValidator::find_checks() {
     auto found = std::make_shared<CheckTarget>(*target_);
-    found->checks = ConnectionPool::of_process().password_checks(
+    found->checks = client_.pool().checks_below(
         ServerAddress::parse(found->server), found->container_name->key());
     target_ = std::move(found);
-    last_target().keep(target_);
+    client_.last_check_target().keep(target_);
 }
 
 std::int32_t LdapValidator::Validate(Variant& path, Variant& password) {
@@ -89,23 +64,14 @@ std::int32_t LdapValidator::Validate(Variant& path, Variant& password) {
         return password_check::wrong;
     }
 
-    if (!target_->checks.identity) find_checks();
-    const BindResult bind = checked(target_->checks, name, secret);
+    if (!target_->checks) find_checks();
+    Attempts attempts(client_.pool(), target_->checks, {Effect::bind, name, limits_});
+    const BindResult bind = run(attempts, [&](Session& session) {
+        return session.bind(name, secret, Policy::asked);
+    });
     const std::optional<int> number = judged(bind.code, bind.message, policy_in(bind.controls));
     if (!number) check(bind);
     return *number;
-}
-
-BindResult LdapValidator::checked(const Credentials& checks, const std::string& name,
-                                  const Secret& password) const {
-    Lease lease = ConnectionPool::of_process().lease(checks, limits_);
-    BindResult bind = lease.check_password(name, password);
-    if (bind.code == result_code::server_down) {
-        lease.reopen();
-        bind = lease.check_password(name, password);
-    }
-    if (!bind.connection_failed() && lease.is_shared()) std::move(lease).give_back();
-    return bind;
 }
 
 }  // namespace orvo::directory::ldap

@@ -5,30 +5,22 @@
 
 #include "component/provider/contract.h"
 #include "platform/abi/hosted.h"
-#include "suite/directory/ldap/pool/identity.h"
+#include "suite/directory/ldap/provider/client.h"
 #include "suite/directory/ldap/provider/failure_note.h"
-#include "suite/directory/names/distinguished_name.h"
 
 namespace orvo {
 namespace directory::ldap {
 
-// What a validator is opened with. What is behind the first two is found out at the first check.
-struct CheckTarget {
-    Text server;
-    Text written_container;
-    Text container;
-    std::optional<DistinguishedName> container_name;
-    Credentials checks;
-};
-
-// The check of credentials: one bind, on a connection on which nothing but such checks is ever done
-// (ConnectionPool::password_checks); once more on a new one where the server has closed it in the
-// meantime. Nothing is remembered of a check but whether the server knows the question for its
-// password policy (Lease::check_password). Used by one thread.
+// The check of credentials: one bind, which asks what the server's password policy says of the
+// account, on a connection on which nothing but such checks is ever done
+// (ConnectionPool::checks_below). It is sent once, to one server. Nothing is remembered of a check.
+// Used by one thread.
 class LdapValidator final : public DirectoryValidator {
 public:
     // `limits`: instead of those that the connection pool has for all.
-    explicit LdapValidator(const std::optional<Limits>& limits = {}) : limits_(limits) {}
+    explicit LdapValidator(const std::optional<Limits>& limits = {},
+                           Client& client = Client::of_process())
+        : client_(client), limits_(limits) {}
 
     // Keeps both; nothing is read or connected before the first check.
     void Open(Text& server, Text& user_container) override;
@@ -47,9 +39,8 @@ public:
 private:
     void read_container();
     void find_checks();
-    BindResult checked(const Credentials& checks, const std::string& name,
-                       const Secret& password) const;
 
+    Client& client_;
     std::optional<Limits> limits_;
     std::shared_ptr<const CheckTarget> target_;  // none before Open
 };

@@ -25,7 +25,7 @@ void note_failure(const char* operation, std::string_view entry, const Failure& 
     const NotingScope scope;
     try {
         if (!log_notes_of_environment()) return;
-        const std::string of_entry = entry.empty() ? "" : " of " + quoted(entry);
+        const std::string of_entry = entry.empty() ? "" : " of " + quoted_name(entry);
         Text source = failure.source;
         Text message = from_utf8(operation + of_entry) + u" failed, 0x" +
                        hexadecimal(failure.number) + u": " + failure.description;

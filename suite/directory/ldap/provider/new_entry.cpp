@@ -145,10 +145,10 @@ void NewEntry::name_by(const std::string& naming_attribute, const AttributeTypes
                    "'" + naming_attribute + "' cannot be the naming attribute.");
     const auto put_together = DistinguishedName::try_parse(written_name);
     if (put_together && put_together != name)
-        raise_code(result_code::invalid_name, "The name " + quoted(naming->values.front()) +
+        raise_code(result_code::invalid_name, "The name " + quoted_name(naming->values.front()) +
                                                   " could be taken for that of another entry.");
     if (!is_login && !is_itself_in_filter(written_name, naming->values.front()))
-        raise_code(result_code::invalid_name, "The name " + quoted(naming->values.front()) +
+        raise_code(result_code::invalid_name, "The name " + quoted_name(naming->values.front()) +
                                                   " would mean something else in a filter.");
 }
 
@@ -162,8 +162,8 @@ Text NewEntry::name_below(TextView container) const {
     const Text read = full_name(put_together);
     if (DistinguishedName::try_parse(read) != DistinguishedName::try_parse(name))
         raise_code(result_code::invalid_name,
-                   "Nobody could log in as " + quoted(to_utf8(written_name)) +
-                       ": with its container it is read as " + quoted(to_utf8(read)) + ".");
+                   "Nobody could log in as " + quoted_name(to_utf8(written_name)) +
+                       ": with its container it is read as " + quoted_name(to_utf8(read)) + ".");
     return name;
 }
 

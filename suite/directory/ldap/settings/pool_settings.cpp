@@ -22,12 +22,17 @@ constexpr Row rows[] = {
     {{"AgeLimit", 1, 604'800}, [](PoolSettings& s, std::int64_t n) { s.age = seconds(n); }},
     {{"ConnectLimit", 1, 600'000},
      [](PoolSettings& s, std::int64_t n) { s.limits.connect = milliseconds(n); }},
+    {{"AnswerLimit", 1, 600'000},
+     [](PoolSettings& s, std::int64_t n) { s.limits.answer = milliseconds(n); }},
     {{"OperationLimit", 1, 3'600'000},
      [](PoolSettings& s, std::int64_t n) { s.limits.operation = milliseconds(n); }},
     {{"PollLimit", 0, 1000},
      [](PoolSettings& s, std::int64_t n) { s.limits.poll = std::chrono::microseconds(n); }},
     {{"RecheckAfter", 0, 3600}, [](PoolSettings& s, std::int64_t n) { s.recheck = seconds(n); }},
-    {{"AskPolicy", 0, 1}, [](PoolSettings& s, std::int64_t n) { s.always_asks_policy = n != 0; }},
+    {{"FailbackAfter", 0, 86'400},
+     [](PoolSettings& s, std::int64_t n) { s.failback_after = seconds(n); }},
+    {{"ReplicaLag", 0, 3600},
+     [](PoolSettings& s, std::int64_t n) { s.replica_lag = seconds(n); }},
 };
 
 }  // namespace

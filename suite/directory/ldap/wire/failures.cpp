@@ -6,7 +6,7 @@ void raise_code(int code, std::string_view message, std::string_view nearest_ent
     throw directory_failure(code, provider_name, message, nearest_entry);
 }
 
-std::string quoted(std::string_view name) {
+std::string quoted_name(std::string_view name) {
     constexpr std::size_t longest = 200;
     if (name.size() <= longest) return "'" + std::string(name) + "'";
     std::size_t end = longest;

@@ -16,7 +16,7 @@ inline constexpr TextView provider_name = u"OrvoDirectory.Ldap";
                              std::string_view nearest_entry = {});
 
 // A name as a description quotes it: between apostrophes, of a long one the beginning.
-std::string quoted(std::string_view name);
+std::string quoted_name(std::string_view name);
 
 // Raises result code 34 for a name that holds half of a surrogate pair: no directory can have it,
 // and in UTF-8 it would be another name.

@@ -140,13 +140,18 @@ ServerAddress ServerAddress::parse(TextView text) {
     return address;
 }
 
+std::string ServerHost::key() const {
+    std::string result = ascii::lower(url());
+    if (security == Security::start_tls) result += "/?starttls";
+    if (!ca_file.empty()) result += "&cafile=" + ca_file;
+    return result;
+}
+
 std::string ServerAddress::key() const {
     std::string result;
     for (const ServerHost& host : hosts_) {
         if (!result.empty()) result += ' ';
-        result += ascii::lower(host.url());
-        if (host.security == Security::start_tls) result += "/?starttls";
-        if (!host.ca_file.empty()) result += "&cafile=" + host.ca_file;
+        result += host.key();
     }
     return result;
 }

@@ -52,6 +52,10 @@ struct Result {
     bool sent = true;
 
     bool ok() const { return code == 0; }
+    // What was asked has been done, or nobody knows whether it has.
+    bool may_be_done() const { return ok() || (connection_failed() && sent); }
+    // The server cannot say now what it was asked.
+    bool is_unavailable() const { return code == 51 || code == 52; }
     // The connection is gone, or of no use.
     bool connection_failed() const { return code == 81 || code == 84 || code == 85; }
 };
@@ -135,6 +139,9 @@ public:
     // 91 where that fails, 82 where the connection cannot be set up on this side, with the host's
     // URL and the reason in the description.
     static Session connect(const ServerHost& host, const Limits& limits = {});
+    // The same; nothing where it fails: `why` tells.
+    static std::optional<Session> try_connect(const ServerHost& host, const Limits& limits,
+                                              Result& why);
     // Connects to the first host that answers. Raises the failure of the last host, with one reason
     // for each host in its description.
     static Session connect(const ServerAddress& server, const Limits& limits = {});
@@ -179,9 +186,6 @@ public:
 private:
     struct Connection;
     explicit Session(std::unique_ptr<Connection> connection);
-    // Nothing: `why` tells.
-    static std::optional<Session> try_connect(const ServerHost& host, const Limits& limits,
-                                              Result& why);
     std::unique_ptr<Connection> connection_;
 };
 

@@ -17,11 +17,10 @@ const Variant nothing = Values{Variant()};
 class CachedEntryTest : public PoolTest {
 protected:
     CachedEntryTest() { use_cache(100, 60); }
-    ~CachedEntryTest() override { use_cache(0, 60); }
 
-    static void use_cache(std::int32_t entries, std::int32_t seconds) {
+    void use_cache(std::int32_t entries, std::int32_t seconds) {
         Variant names = Values{u"Entries", u"TimeToLive"}, values = Values{entries, seconds};
-        LdapEntry().InitializeCache(names, values);
+        LdapEntry({}, client_).InitializeCache(names, values);
     }
 
     // How often the server was asked for an entry meanwhile.
@@ -34,7 +33,7 @@ protected:
     }
 
     void warm_up(const User& as) {
-        LdapEntry entry;
+        LdapEntry entry({}, client_);
         bind(entry, as, u"cn=djansen", Values{u"sn"});
         values(entry, u"sn");
     }
@@ -43,7 +42,8 @@ protected:
 TEST_F(CachedEntryTest, SwitchedOffEveryReadingButTheFirstOfAListAsksTheServer) {
     use_cache(0, 60);
     warm_up(service());
-    LdapEntry entry;
+    clock_.advance(EntryCache::bind_lasts);
+    LdapEntry entry({}, client_);
     EXPECT_EQ(searches([&] {
                   bind(entry, service());
                   values(entry, u"sn");
@@ -55,7 +55,7 @@ TEST_F(CachedEntryTest, SwitchedOffEveryReadingButTheFirstOfAListAsksTheServer) 
 
 TEST_F(CachedEntryTest, AnswersFromWhatWasReadBefore) {
     warm_up(service());
-    LdapEntry entry;
+    LdapEntry entry({}, client_);
     EXPECT_EQ(searches([&] {
                   bind(entry, service(), u"cn=djansen", Values{u"cn", u"sn"});
                   for (int round = 0; round < 3; ++round) {
@@ -69,7 +69,7 @@ TEST_F(CachedEntryTest, AnswersFromWhatWasReadBefore) {
 
 TEST_F(CachedEntryTest, KnowsWhatIsMissingAndWhatComesOnlyByNameOnceItWasAskedFor) {
     warm_up(service());
-    LdapEntry entry;
+    LdapEntry entry({}, client_);
     bind(entry, service());
     EXPECT_EQ(searches([&] { EXPECT_EQ(values(entry, u"ManagerCN"), nothing); }), 0);
     EXPECT_EQ(searches([&] { EXPECT_EQ(values(entry, u"userPassword"), nothing); }), 1);
@@ -90,7 +90,7 @@ TEST_F(CachedEntryTest, NeverAnswersForTheCredentials) {
 TEST_F(CachedEntryTest, ShowsEachUserWhatThatUserMaySee) {
     ASSERT_EQ(probe_.replace(server_.user_dn("djansen"), "SpendLimit", {"4711"}), 0);
     const Variant limit = Values{u"4711"};
-    LdapEntry theirs, foreign;
+    LdapEntry theirs({}, client_), foreign({}, client_);
     bind(theirs, service());
     bind(foreign, user("glee"));
     for (int round = 0; round < 2; ++round) {
@@ -101,7 +101,7 @@ TEST_F(CachedEntryTest, ShowsEachUserWhatThatUserMaySee) {
 
 TEST_F(CachedEntryTest, ForgetsWhatThisProcessWrites) {
     warm_up(service());
-    LdapEntry one, other;
+    LdapEntry one({}, client_), other({}, client_);
     bind(one, service());
     bind(other, service(), u"CN=DJansen");
     EXPECT_EQ(values(one, u"sn"), Variant(Values{u"Jansen"}));
@@ -116,7 +116,7 @@ TEST_F(CachedEntryTest, ForgetsWhatThisProcessWrites) {
 
 TEST_F(CachedEntryTest, ForgetsWhatThisProcessDeletes) {
     warm_up(service());
-    LdapEntry users, entry;
+    LdapEntry users({}, client_), entry({}, client_);
     bind(users, service(), u"");
     Text type = u"orvoPerson", name = u"cn=djansen,ou=Users,o=Shop";
     users.DeleteChild(type, name);
@@ -126,18 +126,18 @@ TEST_F(CachedEntryTest, ForgetsWhatThisProcessDeletes) {
 TEST_F(CachedEntryTest, SeesWhatOthersWriteWhenItsTimeIsOver) {
     use_cache(100, 1);
     warm_up(service());
-    LdapEntry entry;
+    LdapEntry entry({}, client_);
     bind(entry, service());
     ASSERT_EQ(probe_.replace(server_.user_dn("djansen"), "sn", {"Changed"}), 0);
     EXPECT_EQ(values(entry, u"sn"), Variant(Values{u"Jansen"}));
-    std::this_thread::sleep_for(1050ms);
+    clock_.advance(1050ms);
     EXPECT_EQ(values(entry, u"sn"), Variant(Values{u"Changed"}));
 }
 
 TEST_F(CachedEntryTest, AsksForAPasswordEveryTime) {
     const User root{server_.root_dn(), server_.root_password()};
     warm_up(root);
-    LdapEntry entry;
+    LdapEntry entry({}, client_);
     bind(entry, root, u"cn=djansen", Values{u"userPassword"});
     EXPECT_EQ(searches([&] {
                   EXPECT_NE(values(entry, u"userPassword"), nothing);
@@ -148,18 +148,18 @@ TEST_F(CachedEntryTest, AsksForAPasswordEveryTime) {
 
 TEST_F(CachedEntryTest, KeepsNoMoreEntriesThanAllowed) {
     use_cache(2, 60);
-    LdapEntry one, other, third;
+    LdapEntry one({}, client_), other({}, client_), third({}, client_);
     bind(one, service(), u"cn=djansen");
     bind(other, service(), u"cn=jsmith");
     bind(third, service(), u"cn=admin");
     EXPECT_EQ(searches([&] {
-                  LdapEntry again;
+                  LdapEntry again({}, client_);
                   bind(again, service(), u"cn=admin");
                   bind(again, service(), u"cn=jsmith");
               }),
               0);
     EXPECT_EQ(searches([&] {
-                  LdapEntry again;
+                  LdapEntry again({}, client_);
                   bind(again, service(), u"cn=djansen");
               }),
               1);
@@ -171,12 +171,12 @@ TEST_F(CachedEntryTest, NeverShowsAThreadLessThanWhatHasBeenWritten) {
     const auto number = [](LdapEntry& entry) {
         return std::stoi(to_utf8(element(values(entry, u"PhoneNumber"), 0).to<Text>()));
     };
-    LdapEntry writer;
+    LdapEntry writer({}, client_);
     bind(writer, service());
     set(writer, u"PhoneNumber", u"0");
     for (int reader = 0; reader < 4; ++reader)
         readers.emplace_back([&] {
-            LdapEntry entry;
+            LdapEntry entry({}, client_);
             bind(entry, service());
             while (written < 200) {
                 const int least = written;

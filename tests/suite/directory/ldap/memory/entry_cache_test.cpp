@@ -3,17 +3,16 @@
 #include <gmock/gmock.h>
 
 #include <array>
-#include <thread>
 
 #include "platform/automation/values.h"
 #include "suite/directory/ldap/memory/write_marks.h"
 #include "tests/suite/directory/ldap/support/expect_failure.h"
+#include "tests/suite/directory/ldap/support/manual_clock.h"
 
 namespace orvo::directory::ldap {
 namespace {
 
 using namespace std::chrono_literals;
-using std::chrono::steady_clock;
 using testing::ElementsAre;
 
 const AttributeTypes no_types;
@@ -34,26 +33,38 @@ protected:
         cache_.configure(Values{u"Entries", u"TimeToLive"}, Values{entries, seconds});
     }
     void add(const CacheKey& key, KnownEntry entry) {
-        cache_.add(key, std::move(entry), steady_clock::now(), write_mark(key.mark));
+        cache_.add(key, std::move(entry), clock_.now(), writes_.mark(key.mark));
     }
     // The value of an attribute; "absent" where it is known not to be there, "?" where nothing is
     // known.
     std::string value(const CacheKey& key, const std::string& attribute) {
-        const auto entry = cache_.find(key);
+        const auto entry = cache_.find(key).entry;
         if (!entry) return "?";
         const auto values = entry->try_values(attribute, no_types);
         if (!values) return "?";
         return values->empty() ? "absent" : values->front();
     }
 
-    EntryCache cache_;
+    ManualClock clock_;
+    WriteMarks writes_;
+    EntryCache cache_{clock_, writes_};
 };
 
-TEST_F(EntryCacheTest, IsOffUntilItIsGivenRoom) {
-    EntryCache cache;
-    EXPECT_FALSE(cache.is_on());
-    cache.add(key("cn=a"), known("sn", "A"), steady_clock::now(), write_mark(EntryKey("cn=a")));
-    EXPECT_FALSE(cache.find(key("cn=a")));
+TEST_F(EntryCacheTest, WithoutRoomKeepsForAQuarterOfASecond) {
+    use(0, 60);
+    EXPECT_FALSE(cache_.is_on());
+    add(key("cn=a"), known("sn", "A"));
+    clock_.advance(249ms);
+    EXPECT_EQ(value(key("cn=a"), "sn"), "A");
+    clock_.advance(1ms);
+    EXPECT_EQ(value(key("cn=a"), "sn"), "?");
+}
+
+TEST_F(EntryCacheTest, WithoutRoomForgetsWhatThisProcessWroteToAtOnce) {
+    use(0, 60);
+    add(key("cn=a"), known("sn", "A"));
+    writes_.note(EntryKey("cn=a"));
+    EXPECT_EQ(value(key("cn=a"), "sn"), "?");
 }
 
 TEST_F(EntryCacheTest, KnowsWhatItWasTold) {
@@ -67,10 +78,10 @@ TEST_F(EntryCacheTest, KnowsWhatItWasTold) {
 TEST_F(EntryCacheTest, TellsServersUsersAndEntriesApart) {
     use(10, 60);
     add(key("cn=a"), known("sn", "A"));
-    EXPECT_FALSE(cache_.find(key("cn=a", "cn=other")));
-    EXPECT_FALSE(cache_.find({"ldap://dir02:389", "cn=service", "cn=a", EntryKey("cn=a")}));
-    EXPECT_FALSE(cache_.find({"ldap://dir01:389", "cn=servicecn", "=a", EntryKey("cn=a")}));
-    EXPECT_FALSE(cache_.find({"ldap://dir01:389c", "n=service", "cn=a", EntryKey("cn=a")}));
+    EXPECT_FALSE(cache_.find(key("cn=a", "cn=other")).entry);
+    EXPECT_FALSE(cache_.find({"ldap://dir02:389", "cn=service", "cn=a", EntryKey("cn=a")}).entry);
+    EXPECT_FALSE(cache_.find({"ldap://dir01:389", "cn=servicecn", "=a", EntryKey("cn=a")}).entry);
+    EXPECT_FALSE(cache_.find({"ldap://dir01:389c", "n=service", "cn=a", EntryKey("cn=a")}).entry);
 }
 
 TEST_F(EntryCacheTest, AddsWhatIsReadLaterToWhatItKnows) {
@@ -79,31 +90,31 @@ TEST_F(EntryCacheTest, AddsWhatIsReadLaterToWhatItKnows) {
     add(key("cn=a"), known("SN", "B"));
     EXPECT_EQ(value(key("cn=a"), "entryUUID"), "1");
     EXPECT_EQ(value(key("cn=a"), "sn"), "B");
-    EXPECT_TRUE(cache_.find(key("cn=a"))->is_whole);
+    EXPECT_TRUE(cache_.find(key("cn=a")).entry->is_whole);
 }
 
 TEST_F(EntryCacheTest, ForgetsWhatThisProcessWroteTo) {
     add(key("cn=a"), known("sn", "A"));
     add(key("cn=b"), known("sn", "B"));
-    note_write(EntryKey("cn=a"));
+    writes_.note(EntryKey("cn=a"));
     EXPECT_EQ(value(key("cn=a"), "sn"), "?");
     EXPECT_EQ(value(key("cn=b"), "sn"), "B");
 }
 
 TEST_F(EntryCacheTest, DoesNotFindWhatWasReadWhileThisProcessWrote) {
-    const std::uint64_t before = write_mark(EntryKey("cn=a"));
-    note_write(EntryKey("cn=a"));
-    cache_.add(key("cn=a"), known("sn", "A"), steady_clock::now(), before);
+    const std::uint64_t before = writes_.mark(EntryKey("cn=a"));
+    writes_.note(EntryKey("cn=a"));
+    cache_.add(key("cn=a"), known("sn", "A"), clock_.now(), before);
     EXPECT_EQ(value(key("cn=a"), "sn"), "?");
 }
 
 TEST_F(EntryCacheTest, ForgetsWhatIsTooOldAlsoWhereOnlyAPartIs) {
     use(2, 1);
-    const auto nearly_a_second_ago = steady_clock::now() - 900ms;
-    cache_.add(key("cn=a"), known("sn", "A"), nearly_a_second_ago, write_mark(EntryKey("cn=a")));
+    const auto nearly_a_second_ago = clock_.now() - 900ms;
+    cache_.add(key("cn=a"), known("sn", "A"), nearly_a_second_ago, writes_.mark(EntryKey("cn=a")));
     add(key("cn=a"), known("mail", "a@shop.example"));
     EXPECT_EQ(value(key("cn=a"), "sn"), "A");
-    std::this_thread::sleep_for(150ms);
+    clock_.advance(150ms);
     EXPECT_EQ(value(key("cn=a"), "sn"), "?");
     EXPECT_EQ(value(key("cn=a"), "mail"), "?");
 }
@@ -132,7 +143,7 @@ TEST_F(EntryCacheTest, NeverHoldsAPassword) {
                        {"OrvoAttribute:58;lang-de", {"x"}}},
                       {"userPassword", "OrvoNTPassword", "sn"},
                       true});
-    const auto entry = cache_.find(key("cn=a"));
+    const auto entry = cache_.find(key("cn=a")).entry;
     ASSERT_TRUE(entry);
     ASSERT_EQ(entry->attributes.size(), 1u);
     EXPECT_EQ(entry->attributes[0].name, "sn");

@@ -7,15 +7,17 @@ namespace {
 
 const EntryKey entry("cn=a,o=Shop");
 
+WriteMarks marks;
+
 bool changes(const EntryKey& read, const EntryKey& written) {
-    const std::uint64_t before = write_mark(read);
-    note_write(written);
-    return write_mark(read) != before;
+    const std::uint64_t before = marks.mark(read);
+    marks.note(written);
+    return marks.mark(read) != before;
 }
 
 TEST(TheWriteMark, ChangesWithAWriteToTheEntryAndOnlyThen) {
-    const std::uint64_t before = write_mark(entry);
-    EXPECT_EQ(write_mark(entry), before);
+    const std::uint64_t before = marks.mark(entry);
+    EXPECT_EQ(marks.mark(entry), before);
     EXPECT_TRUE(changes(entry, entry));
     EXPECT_FALSE(changes(entry, EntryKey("cn=b,o=Shop")));
 }

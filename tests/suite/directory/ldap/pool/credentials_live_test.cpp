@@ -1,5 +1,6 @@
 // When the server is asked about the credentials that a Bind presents.
 
+#include <deque>
 #include <thread>
 
 #include "platform/abi/call.h"
@@ -25,20 +26,20 @@ protected:
         ASSERT_EQ(probe_.replace(server_.user_dn("djansen"), "userPassword", {password}), 0);
     }
     // The service account deletes the user, and makes one of the same name.
-    void remove_user() const {
-        LdapEntry users;
+    void remove_user() {
+        LdapEntry users({}, client_);
         bind(users, service(), u"");
         Text type = u"orvoPerson", name = u"cn=djansen,ou=Users,o=Shop";
         users.DeleteChild(type, name);
     }
-    void make_user(const Text& password) const {
+    void make_user(const Text& password) {
         const auto given = make<DictionaryObject>();
         for (auto [key, item] : {std::pair<Variant, Variant>{u"cn", u"djansen"},
                                  {u"sn", u"Another"},
                                  {u"OrvoUserType", 1},
                                  {u"userPassword", password}})
             call<&Dictionary::Add>(given, key, item);
-        LdapEntry users;
+        LdapEntry users({}, client_);
         bind(users, service(), u"");
         Object attributes = given.object();
         Variant classes = u"orvoPerson";
@@ -62,7 +63,7 @@ TEST_F(CredentialsTest, AreNotCheckedAgainWithinAMoment) {
 TEST_F(CredentialsTest, AreCheckedAgainAfterAMomentOnTheSameConnection) {
     use({u"RecheckAfter"}, {1});
     ASSERT_EQ(bind_result(djansen()), 0);
-    std::this_thread::sleep_for(1050ms);
+    clock_.advance(1050ms);
     const long binds_before = binds();
     const long made = connections_made();
     EXPECT_EQ(bind_result(djansen()), 0);
@@ -96,7 +97,7 @@ TEST_F(CredentialsTest, ChangedElsewhereTheOldPasswordIsRefusedOnceItsMomentIsOv
     ASSERT_EQ(bind_result(djansen()), 0);
     change_behind_our_back("changed");
     EXPECT_EQ(bind_result(djansen("changed")), 0) << "the new one is right at once";
-    std::this_thread::sleep_for(1050ms);
+    clock_.advance(1050ms);
     EXPECT_EQ(bind_result(djansen()), wrong_credentials);
     EXPECT_EQ(bind_result(djansen()), wrong_credentials);
     EXPECT_TRUE(comes_to(1)) << "those of the old password are closed";
@@ -104,10 +105,10 @@ TEST_F(CredentialsTest, ChangedElsewhereTheOldPasswordIsRefusedOnceItsMomentIsOv
 
 TEST_F(CredentialsTest, ARefusalClosesTheConnectionsThatWereMadeWithThem) {
     use({u"RecheckAfter"}, {0});
-    LdapEntry entry;
+    LdapEntry entry({}, client_);
     bind(entry, djansen());
     ServerLogin one = login(djansen());
-    one.run([&](Session&) {
+    one.search([&](Session&) {
         EXPECT_EQ(bind_result(djansen()), 0);
         return Result();
     });
@@ -122,7 +123,7 @@ TEST_F(CredentialsTest, ARefusalClosesTheConnectionsThatWereMadeWithThem) {
 TEST_F(CredentialsTest, ARefusalClosesTheConnectionsInUseOnceTheyAreDone) {
     use({u"RecheckAfter"}, {0});
     ServerLogin user = login(djansen());
-    user.run([&](Session& session) {
+    user.search([&](Session& session) {
         change_behind_our_back("changed");
         EXPECT_EQ(bind_result(djansen()), wrong_credentials);
         return session.who_am_i();
@@ -131,7 +132,7 @@ TEST_F(CredentialsTest, ARefusalClosesTheConnectionsInUseOnceTheyAreDone) {
 }
 
 TEST_F(CredentialsTest, ChangedByTheUserTheOldPasswordIsRefusedAtOnce) {
-    LdapEntry entry;
+    LdapEntry entry({}, client_);
     bind(entry, djansen());
     set(entry, u"userPassword", u"changed by myself");
     EXPECT_EQ(bind_result(djansen()), wrong_credentials);
@@ -139,7 +140,7 @@ TEST_F(CredentialsTest, ChangedByTheUserTheOldPasswordIsRefusedAtOnce) {
 }
 
 TEST_F(CredentialsTest, ChangedByTheUserAllItsObjectsGoOn) {
-    LdapEntry entry, other;
+    LdapEntry entry({}, client_), other({}, client_);
     bind(entry, djansen());
     bind(other, djansen(), u"cn=jsmith");
     set(entry, u"userPassword", u"changed by myself");
@@ -154,7 +155,7 @@ TEST_F(CredentialsTest, ChangedByTheUserAllItsObjectsGoOn) {
 TEST_F(CredentialsTest, ChangedByTheUserTwiceAtOnceAreThoseThatTheServerHas) {
     for (int round = 0; round < 5; ++round) {
         const std::string former = round == 0 ? "shop-sample" : "settled";
-        LdapEntry one, other;
+        LdapEntry one({}, client_), other({}, client_);
         bind(one, djansen(former));
         bind(other, djansen(former));
         const auto change = [](LdapEntry& entry, const Text& password) {
@@ -173,7 +174,7 @@ TEST_F(CredentialsTest, ChangedByTheUserTwiceAtOnceAreThoseThatTheServerHas) {
 
 TEST_F(CredentialsTest, ChangedByTheUserWithoutAPoolItsObjectsGoOnAsWell) {
     use({u"MaximumSize"}, {0});
-    LdapEntry entry, other;
+    LdapEntry entry({}, client_), other({}, client_);
     bind(entry, djansen());
     bind(other, djansen(), u"cn=jsmith");
     set(entry, u"userPassword", u"changed by myself");
@@ -185,7 +186,7 @@ TEST_F(CredentialsTest, ChangedByTheUserWithoutAPoolItsObjectsGoOnAsWell) {
 }
 
 TEST_F(CredentialsTest, ChangedByAnotherUserTheOldPasswordIsRefusedAtOnceEverywhere) {
-    LdapEntry theirs, administrator;
+    LdapEntry theirs({}, client_), administrator({}, client_);
     bind(theirs, {"CN=DJansen, OU=Users, O=Shop", "shop-sample"});
     bind(administrator, service());
     set(administrator, u"userPassword", u"given anew");
@@ -197,7 +198,7 @@ TEST_F(CredentialsTest, ChangedByAnotherUserTheOldPasswordIsRefusedAtOnceEverywh
 }
 
 TEST_F(CredentialsTest, AreCheckedAgainAfterAnyWriteToTheUsersEntry) {
-    LdapEntry administrator;
+    LdapEntry administrator({}, client_);
     bind(administrator, service());
     ASSERT_EQ(bind_result(djansen()), 0);
     const long before = binds();
@@ -215,7 +216,7 @@ TEST_F(CredentialsTest, OfAUserWhoIsDeletedAreRefusedAtOnce) {
 }
 
 TEST_F(CredentialsTest, OfAUserWhoIsDeletedAndMadeAnewAreTheNewOnesAlone) {
-    LdapEntry former;
+    LdapEntry former({}, client_);
     bind(former, djansen());
     ServerLogin other = login(djansen());
     EXPECT_EQ(who_is(other), "dn:cn=djansen,ou=Users,o=Shop");
@@ -233,7 +234,7 @@ TEST_F(CredentialsTest, OfAUserWhoIsDeletedAndMadeAnewAreTheNewOnesAlone) {
 // this name later.
 TEST_F(CredentialsTest, OfAConnectionInUseEndWithTheEntryThatItIsBoundAs) {
     ServerLogin former = login(djansen());
-    former.run([&](Session& session) {
+    former.search([&](Session& session) {
         remove_user();
         make_user(u"another one");
         const WhoAmIResult taken_for = session.who_am_i();
@@ -245,7 +246,7 @@ TEST_F(CredentialsTest, OfAConnectionInUseEndWithTheEntryThatItIsBoundAs) {
 }
 
 TEST_F(CredentialsTest, OfAUserWhoseEntryIsMadeAnewBehindOurBackEndWithItsCreation) {
-    LdapEntry former;
+    LdapEntry former({}, client_);
     bind(former, djansen());
     ASSERT_EQ(probe_.remove(server_.user_dn("djansen")), 0);
     make_user(u"another one");
@@ -254,7 +255,7 @@ TEST_F(CredentialsTest, OfAUserWhoseEntryIsMadeAnewBehindOurBackEndWithItsCreati
 
 TEST_F(CredentialsTest, WithoutAPoolEndWithTheEntryAsWell) {
     use({u"MaximumSize"}, {0});
-    LdapEntry former;
+    LdapEntry former({}, client_);
     bind(former, djansen());
     EXPECT_EQ(reading(former), 0);
     remove_user();
@@ -269,10 +270,10 @@ TEST_F(CredentialsTest, EndWithThePasswordThatIsTakenAway) {
         [](LdapEntry& entry) { clear(entry, u"userPassword"); },
         [](LdapEntry& entry) { set(entry, u"userPassword", u""); },
         [](LdapEntry& entry) { set(entry, u"USERPASSWORD", Values{}); }};
-    LdapEntry administrator;
+    LdapEntry administrator({}, client_);
     bind(administrator, service());
     for (const auto take_away : ways) {
-        LdapEntry theirs;
+        LdapEntry theirs({}, client_);
         bind(theirs, djansen(), u"cn=jsmith");
         EXPECT_EQ(reading(theirs), 0);
         EXPECT_EQ(open_connections(), 2);
@@ -289,7 +290,7 @@ TEST_F(CredentialsTest, EndWithThePasswordThatIsTakenAway) {
 TEST_F(CredentialsTest, OfAUserWhoTakesTheOwnPasswordAwayAreRefusedFromThenOn) {
     for (const int size : {16, 0}) {
         use({u"MaximumSize"}, {size});
-        LdapEntry entry, other;
+        LdapEntry entry({}, client_), other({}, client_);
         bind(entry, djansen());
         bind(other, djansen(), u"cn=jsmith");
         clear(entry, u"userPassword");
@@ -297,7 +298,41 @@ TEST_F(CredentialsTest, OfAUserWhoTakesTheOwnPasswordAwayAreRefusedFromThenOn) {
         EXPECT_EQ(reading(other), wrong_credentials);
         EXPECT_EQ(bind_result(djansen()), wrong_credentials);
         change_behind_our_back("shop-sample");
+        forget_refusals();
     }
+}
+
+TEST_F(CredentialsTest, ThatWereRefusedAreNotOfferedToTheServerAgainForAMoment) {
+    std::deque<LdapEntry> sessions;
+    for (int session = 0; session < 5; ++session)
+        bind(sessions.emplace_back(std::nullopt, client_), djansen());
+    change_behind_our_back("changed");
+    clock_.advance(5s);
+    const long before = binds();
+    EXPECT_EQ(bind_result(djansen()), wrong_credentials);
+    for (LdapEntry& entry : sessions) EXPECT_EQ(reading(entry), wrong_credentials);
+    EXPECT_EQ(binds() - before, 1) << "of a user whom wrong passwords would lock";
+    forget_refusals();
+    EXPECT_EQ(bind_result(djansen()), wrong_credentials);
+    EXPECT_EQ(binds() - before, 2);
+    EXPECT_EQ(bind_result(djansen("changed")), 0) << "another password is another matter";
+}
+
+TEST_F(CredentialsTest, ThatWereRefusedAreOfferedAgainOnceThisProcessHasWrittenToTheUser) {
+    change_behind_our_back("changed");
+    EXPECT_EQ(bind_result(djansen()), wrong_credentials);
+    LdapEntry administrator({}, client_);
+    bind(administrator, service(), u"cn=djansen");
+    set(administrator, u"userPassword", u"shop-sample");
+    EXPECT_EQ(bind_result(djansen()), 0);
+}
+
+TEST_F(CredentialsTest, ThatWereRefusedAreAlwaysOfferedWhereNoMomentIsAllowed) {
+    use({u"RecheckAfter"}, {0});
+    const long before = binds();
+    for (int round = 0; round < 3; ++round)
+        EXPECT_EQ(bind_result(djansen("wrong")), wrong_credentials);
+    EXPECT_EQ(binds() - before, 3);
 }
 
 TEST_F(CredentialsTest, InAPasswordCheckAreAlwaysAskedAbout) {
@@ -342,8 +377,8 @@ protected:
             return session.read("cn=jsmith,ou=Users,o=Shop", {"sn"});
         };
         std::vector<int> codes;
-        one.run([&](Session& session) {
-            codes.push_back(other.run(read).code);
+        one.search([&](Session& session) {
+            codes.push_back(other.search(read).code);
             codes.push_back(read(session).code);
             return Result();
         });
@@ -357,7 +392,7 @@ TEST_F(RestrictedCredentialsTest, WorkOnEveryConnectionOnceTheUserHasChangedTheP
         use({u"MaximumSize"}, {size});
         SCOPED_TRACE("MaximumSize " + std::to_string(size));
         const std::string password = "changed with " + std::to_string(size);
-        LdapEntry entry;
+        LdapEntry entry({}, client_);
         bind(entry, djansen());
         ServerLogin one = login(djansen()), other = login(djansen());
         one.authenticate();

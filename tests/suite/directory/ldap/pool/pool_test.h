@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <thread>
 #include <utility>
 
 #include "platform/automation/values.h"
@@ -10,13 +11,15 @@
 #include "suite/directory/ldap/provider/LdapSearch.h"
 #include "suite/directory/ldap/provider/LdapValidator.h"
 #include "tests/suite/directory/ldap/support/expect_failure.h"
+#include "tests/suite/directory/ldap/support/manual_clock.h"
 #include "tests/support/ldap_probe.h"
 #include "tests/support/slapd.h"
 
 namespace orvo::directory::ldap {
 
-// Entries, searches and password checks against a server that counts what reaches it. The settings
-// of the process are those that it begins with; afterwards no connection is left.
+// Entries, searches and password checks against a server that counts what reaches it. What they
+// share is the test's own, with a clock that the test sets; it ends, with its connections, before
+// the server does.
 class PoolTest : public testing::Test {
 protected:
     struct User {
@@ -25,21 +28,12 @@ protected:
     };
 
     explicit PoolTest(SlapdOptions options = {}) : server_(std::move(options)) {
-        use_defaults();
         // That with which the server was asked whether it has started.
         EXPECT_TRUE(comes_to(0));
     }
-    ~PoolTest() override { use_defaults(); }
 
-    static void use(Values names, Values values) {
-        Variant name_array = std::move(names), value_array = std::move(values);
-        LdapEntry().InitializeConnectionPool(name_array, value_array);
-    }
-    static void use_defaults() {
-        use({u"MaximumSize", u"MaximumIdle", u"WaitLimit", u"IdleLimit", u"AgeLimit",
-             u"ConnectLimit", u"OperationLimit", u"PollLimit", u"RecheckAfter", u"AskPolicy"},
-            {0, 64, 5000, 30, 300, 5000, 30000, 100, 5, 0});
-        use({u"MaximumSize"}, {16});
+    void use(Values names, Values values) {
+        client_.pool().configure(Variant(std::move(names)), Variant(std::move(values)));
     }
 
     User service() const { return {server_.service_dn(), server_.service_password()}; }
@@ -54,21 +48,21 @@ protected:
         entry.Bind(server, container, name, user, password, attributes);
     }
     // 0, or the failure's number.
-    std::int32_t bind_result(const User& as) const {
-        LdapEntry entry;
+    std::int32_t bind_result(const User& as) {
+        LdapEntry entry({}, client_);
         return failure_of([&] { bind(entry, as); }).number;
     }
     static Variant values(LdapEntry& entry, Text name) { return entry.GetValues(name); }
     static void set(LdapEntry& entry, Text name, Variant value) { entry.SetValues(name, value); }
     static void clear(LdapEntry& entry, Text name) { entry.ClearValues(name); }
 
-    ServerLogin login(const User& as) const {
-        return ServerLogin(from_utf8(server_.server()), from_utf8(as.name), from_utf8(as.password),
+    ServerLogin login(const User& as) {
+        return ServerLogin(client_.pool(), from_utf8(server_.server()), from_utf8(as.name), from_utf8(as.password),
                            std::nullopt);
     }
     // The user whom the server takes the pooled connection of this login for.
     static std::string who_is(ServerLogin& login) {
-        const WhoAmIResult result = login.run([](Session& session) { return session.who_am_i(); });
+        const WhoAmIResult result = login.search([](Session& session) { return session.who_am_i(); });
         return result.ok() ? result.identity : "failure " + std::to_string(result.code);
     }
 
@@ -82,8 +76,8 @@ protected:
         search.Connect(server, container, user, password);
     }
 
-    std::int32_t checked(const User& as) const {
-        LdapValidator validator;
+    std::int32_t checked(const User& as) {
+        LdapValidator validator({}, client_);
         Text server = from_utf8(server_.server()), container = u"ou=Users,o=Shop";
         validator.Open(server, container);
         Variant path = from_utf8(as.name), password = from_utf8(as.password);
@@ -102,7 +96,21 @@ protected:
     // A connection that was closed here is still open there for a moment.
     bool comes_to(long connections);
 
+    // The connections of a user, of whom there are some.
+    ConnectionSetRef set_of(const User& as) {
+        return client_.pool().set_of(ServerAddress::parse(from_utf8(server_.server())), as.name,
+                                     Secret(from_utf8(as.password)));
+    }
+    void forget_refusals() { clock_.advance(std::chrono::seconds(5)); }
+    // Returns once so many wait for a connection of the user's.
+    void await_waiting(const User& as, std::size_t count) {
+        const ConnectionSetRef set = set_of(as);
+        while (set->waiting() != count) std::this_thread::yield();
+    }
+
     PrivateSlapd server_;
+    ManualClock clock_;
+    Client client_{clock_, Client::Probing::by_caller};
     LdapProbe probe_{server_.url(), server_.root_dn(), server_.root_password()};
 };
 

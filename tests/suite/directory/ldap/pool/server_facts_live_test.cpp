@@ -20,7 +20,7 @@ protected:
 };
 
 TEST_F(HiddenRootEntryTest, WhoMaySeeItHasWhatItSaysThoughSomebodyElseReadItFirst) {
-    LdapEntry own, entry;
+    LdapEntry own({}, client_), entry({}, client_);
     bind(own, user("djansen"), u"cn=djansen");
     EXPECT_EQ(values(own, u"sn"), Variant(Values{u"Jansen"}));
     const long before = extended_operations();

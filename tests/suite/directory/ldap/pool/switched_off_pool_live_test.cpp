@@ -14,8 +14,8 @@ class SwitchedOffPoolTest : public PoolTest {};
 TEST_F(SwitchedOffPoolTest, ObjectsOfAUserShareConnectionsAsLongAsThereAreAny) {
     use({u"MaximumSize"}, {0});
     {
-        LdapEntry one, other;
-        LdapSearch search;
+        LdapEntry one({}, client_), other({}, client_);
+        LdapSearch search({}, client_);
         bind(one, service());
         bind(other, service());
         connect(search, service());
@@ -26,7 +26,7 @@ TEST_F(SwitchedOffPoolTest, ObjectsOfAUserShareConnectionsAsLongAsThereAreAny) {
         found(search, u"(cn=djansen)");
         EXPECT_EQ(connections_made(), made);
         ServerLogin user = login(service());
-        user.run([&](Session&) {
+        user.search([&](Session&) {
             values(one, u"entryUUID");
             return Result();
         });
@@ -45,17 +45,17 @@ TEST_F(SwitchedOffPoolTest, AConnectionIsReplacedWhereItIsOldOrWasIdle) {
     who_is(user);
     long made = connections_made();
     for (int round = 0; round < 3; ++round) {
-        std::this_thread::sleep_for(500ms);
+        clock_.advance(500ms);
         who_is(user);
     }
     EXPECT_EQ(connections_made(), made) << "never idle for a second";
-    std::this_thread::sleep_for(1050ms);
+    clock_.advance(1050ms);
     EXPECT_EQ(who_is(user), "dn:cn=orvo-service,ou=Services,o=Shop");
     EXPECT_EQ(connections_made(), made + 1);
     EXPECT_TRUE(comes_to(1));
 
     use({u"IdleLimit", u"AgeLimit"}, {30, 1});
-    std::this_thread::sleep_for(1050ms);
+    clock_.advance(1050ms);
     who_is(user);
     who_is(user);
     EXPECT_EQ(connections_made(), made + 2);
@@ -65,14 +65,14 @@ TEST_F(SwitchedOffPoolTest, AConnectionIsReplacedWhereItIsOldOrWasIdle) {
 TEST_F(SwitchedOffPoolTest, AConnectionThatIsIdleForTooLongGoesWhenAnotherIsGivenBack) {
     use({u"MaximumSize", u"IdleLimit"}, {0, 1});
     ServerLogin user = login(service());
-    user.run([&](Session&) {
+    user.search([&](Session&) {
         who_is(user);
         return Result();
     });
     EXPECT_EQ(open_connections(), 2);
     const long made = connections_made();
     for (int round = 0; round < 2; ++round) {
-        std::this_thread::sleep_for(600ms);
+        clock_.advance(600ms);
         who_is(user);
     }
     EXPECT_EQ(connections_made(), made) << "the one that worked last is never idle for a second";
@@ -81,8 +81,8 @@ TEST_F(SwitchedOffPoolTest, AConnectionThatIsIdleForTooLongGoesWhenAnotherIsGive
 
 TEST_F(SwitchedOffPoolTest, ObjectsWorkAgainOnceTheServerIsBack) {
     use({u"MaximumSize"}, {0});
-    LdapEntry entry;
-    LdapSearch search;
+    LdapEntry entry({}, client_);
+    LdapSearch search({}, client_);
     bind(entry, service());
     connect(search, service());
     server_.stop();
@@ -97,7 +97,7 @@ TEST_F(SwitchedOffPoolTest, ObjectsWorkAgainOnceTheServerIsBack) {
 }
 
 TEST_F(SwitchedOffPoolTest, MayBeSwitchedOffAndOnAgainUnderItsObjects) {
-    LdapEntry entry;
+    LdapEntry entry({}, client_);
     bind(entry, service());
     use({u"MaximumSize"}, {0});
     EXPECT_TRUE(comes_to(0));
@@ -105,7 +105,7 @@ TEST_F(SwitchedOffPoolTest, MayBeSwitchedOffAndOnAgainUnderItsObjects) {
     EXPECT_EQ(open_connections(), 1);
     use({u"MaximumSize"}, {16});
     EXPECT_NE(values(entry, u"entryUUID"), Variant(Values{Variant()}));
-    LdapEntry other;
+    LdapEntry other({}, client_);
     bind(other, service());
     EXPECT_EQ(open_connections(), 1);
 }

@@ -9,6 +9,7 @@
 #include "platform/automation/values.h"
 #include "tests/suite/directory/ldap/support/bad_server.h"
 #include "tests/suite/directory/ldap/support/expect_failure.h"
+#include "tests/suite/directory/ldap/support/manual_clock.h"
 #include "tests/suite/directory/ldap/support/rewriting_proxy.h"
 #include "tests/support/ldap_probe.h"
 #include "tests/support/slapd.h"
@@ -51,7 +52,9 @@ protected:
 
     PrivateSlapd server_;
     LdapProbe probe_{server_.url(), server_.root_dn(), server_.root_password()};
-    LdapEntry entry_{Limits{2s, 2s}};
+    ManualClock clock_;
+    Client client_{clock_, Client::Probing::by_caller};
+    LdapEntry entry_{Limits{2s, 2s}, client_};
 };
 
 TEST_F(LdapEntryTest, ReadsValuesWithTheTypesOfTheSchema) {
@@ -315,7 +318,7 @@ TEST_F(LdapEntryTest, KnowsOfABindWhatTheEntryLacksUnlessTheServerSendsItOnlyByN
         EXPECT_EQ(values(entry_, u"ManagerCN"), Variant(Values{Variant()}));
         EXPECT_NE(values(entry_, u"entryUUID"), Variant(Values{Variant()}));
         EXPECT_EQ(failure_of([&] { values(entry_, u"noSuchAttribute"); }).number, 0);
-        std::this_thread::sleep_for(LdapEntry::fetched_lasts + 50ms);
+        clock_.advance(EntryCache::bind_lasts);
         EXPECT_EQ(values(entry_, u"ManagerCN"), Variant(Values{u"admin"}));
         ASSERT_EQ(probe_.replace(user(), "ManagerCN", {}), 0);
     }
@@ -336,13 +339,13 @@ TEST_F(LdapEntryTest, AListIsFreshAtEveryReadingButTheFirst) {
 TEST_F(LdapEntryTest, DoesNotAnswerFromWhatBindFetchedLongAgo) {
     bound(Values{u"sn"});
     ASSERT_EQ(probe_.replace(user(), "sn", {"Changed"}), 0);
-    std::this_thread::sleep_for(LdapEntry::fetched_lasts + 50ms);
+    clock_.advance(EntryCache::bind_lasts);
     EXPECT_EQ(values(entry_, u"sn"), Variant(Values{u"Changed"}));
 }
 
 TEST_F(LdapEntryTest, SeesAtOnceWhatThisProcessWrites) {
     bound(Values{u"sn", u"givenName"});
-    LdapEntry other;
+    LdapEntry other({}, client_);
     bind_entry(other, server_.server(), service(), u"CN=DJANSEN", Values{u"sn"});
     set(entry_, u"sn", u"Changed");
     EXPECT_EQ(values(entry_, u"sn"), Variant(Values{u"Changed"}));

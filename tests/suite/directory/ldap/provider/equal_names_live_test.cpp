@@ -40,11 +40,10 @@ const Spellings spellings[] = {
 class EqualNamesTest : public PoolTest {
 protected:
     EqualNamesTest() { use_cache(100); }
-    ~EqualNamesTest() override { use_cache(0); }
 
-    static void use_cache(std::int32_t entries) {
+    void use_cache(std::int32_t entries) {
         Variant names = Values{u"Entries"}, values = Values{entries};
-        LdapEntry().InitializeCache(names, values);
+        LdapEntry({}, client_).InitializeCache(names, values);
     }
 
     static std::string below(const std::string& relative) { return relative + ",ou=Users,o=Shop"; }
@@ -70,6 +69,7 @@ protected:
             add(row);
             test(row);
             ASSERT_EQ(probe_.remove(below(row.one)), 0);
+            forget_refusals();
         }
     }
 
@@ -86,7 +86,7 @@ protected:
 
 TEST_F(EqualNamesTest, AChangedPasswordCountsAtOnceForTheUserOfTheOtherName) {
     for_each_spelling([&](const Spellings& row) {
-        LdapEntry administrator;
+        LdapEntry administrator({}, client_);
         bind_entry(administrator, row.other, service());
         ASSERT_EQ(bind_result(user(row.one)), 0);
         set(administrator, u"userPassword", u"second");
@@ -97,7 +97,7 @@ TEST_F(EqualNamesTest, AChangedPasswordCountsAtOnceForTheUserOfTheOtherName) {
 
 TEST_F(EqualNamesTest, WhatWasCachedIsFreshAtOnceUnderTheOtherName) {
     for_each_spelling([&](const Spellings& row) {
-        LdapEntry reader, writer;
+        LdapEntry reader({}, client_), writer({}, client_);
         bind_entry(reader, row.one, service());
         bind_entry(writer, row.other, service());
         EXPECT_EQ(values(reader, u"Position"), Variant(Values{u"Clerk"}));
@@ -111,7 +111,7 @@ TEST_F(EqualNamesTest, WhatWasCachedIsFreshAtOnceUnderTheOtherName) {
 TEST_F(EqualNamesTest, WhatCameWithABindIsFreshAtOnceUnderTheOtherName) {
     use_cache(0);
     for_each_spelling([&](const Spellings& row) {
-        LdapEntry reader, writer;
+        LdapEntry reader({}, client_), writer({}, client_);
         bind_entry(writer, row.other, service());
         bind_entry(reader, row.one, service());
         set(writer, u"Position", u"Manager");
@@ -123,12 +123,13 @@ TEST_F(EqualNamesTest, AUserDeletedUnderTheOtherNameIsRefusedAtOnce) {
     for (const Spellings& row : spellings) {
         SCOPED_TRACE(row.other);
         add(row);
-        LdapEntry users;
+        LdapEntry users({}, client_);
         bind(users, service(), u"");
         ASSERT_EQ(bind_result(user(row.one)), 0);
         Text type = u"orvoPerson", name = from_utf8(below(row.other));
         users.DeleteChild(type, name);
         EXPECT_EQ(bind_result(user(row.one)), wrong_credentials);
+        forget_refusals();
     }
 }
 
@@ -136,7 +137,7 @@ TEST_F(EqualNamesTest, WhoChangesTheOwnPasswordUnderAnEqualNameGoesOn) {
     const Spellings row{"cn=z\u00E9l\u00E9", "commonName=ZE\u0301LE\u0301", "cn", "z\u00E9l\u00E9"};
     add(row);
     use_cache(0);
-    LdapEntry own, other;
+    LdapEntry own({}, client_), other({}, client_);
     bind_entry(own, row.other, user(row.one));
     bind_entry(other, "cn=djansen", user(row.one));
     set(own, u"userPassword", u"second");
@@ -150,7 +151,7 @@ TEST_F(EqualNamesTest, WhoChangesTheOwnPasswordUnderANameThatIsNotKnownToBeEqual
     const Spellings row{"telephoneNumber=31 12-34", "telephoneNumber=311234", "telephoneNumber",
                         "31 12-34"};
     add(row);
-    LdapEntry own;
+    LdapEntry own({}, client_);
     bind_entry(own, row.other, user(row.one));
     set(own, u"userPassword", u"second");
     EXPECT_EQ(failure_of([&] { clear(own, u"Position"); }).number, wrong_credentials);
@@ -164,7 +165,7 @@ TEST_F(EqualNamesTest, UsersWhomTheServerTellsApartKeepTheirOwnPasswords) {
     const Spellings eszett{"cn=stra\u00DFe", "cn=Stra\u00DFe", "cn", "stra\u00DFe"};
     add(strasse);
     add(eszett);
-    LdapEntry own, theirs;
+    LdapEntry own({}, client_), theirs({}, client_);
     use_cache(0);
     bind_entry(own, strasse.one, user(strasse.one));
     bind_entry(theirs, "cn=djansen", user(eszett.one));
@@ -178,7 +179,7 @@ TEST_F(EqualNamesTest, UsersWhomTheServerTellsApartKeepTheirOwnPasswords) {
 }
 
 TEST_F(EqualNamesTest, AWriteUnderANameThatIsReadByTheServerAloneIsSeenAtOnce) {
-    LdapEntry reader, writer;
+    LdapEntry reader({}, client_), writer({}, client_);
     bind_entry(reader, "cn=djansen", service());
     EXPECT_EQ(values(reader, u"sn"), Variant(Values{u"Jansen"}));
     Text server = from_utf8(server_.server()), container, name = u"cn=djansen;ou=Users;o=Shop";

@@ -30,8 +30,10 @@ TEST(PoolSettings, HaveSensibleDefaults) {
     EXPECT_EQ(settings.idle, 30s);
     EXPECT_EQ(settings.age, 300s);
     EXPECT_EQ(settings.recheck, 5s);
-    EXPECT_FALSE(settings.always_asks_policy);
+    EXPECT_EQ(settings.failback_after, 10s);
+    EXPECT_EQ(settings.replica_lag, 5s);
     EXPECT_EQ(settings.limits.connect, 5s);
+    EXPECT_EQ(settings.limits.answer, 3s);
     EXPECT_EQ(settings.limits.operation, 15s);
     EXPECT_EQ(settings.limits.poll, 100us);
 }
@@ -40,18 +42,21 @@ TEST(PoolSettings, TakeEachOfTheirNames) {
     const PoolSettings settings = changed(
         PoolSettings(),
         Values{u"MaximumSize", u"MaximumIdle", u"WaitLimit", u"IdleLimit", u"AgeLimit",
-               u"ConnectLimit", u"OperationLimit", u"PollLimit", u"RecheckAfter", u"AskPolicy"},
-        Values{1, 2, 3, 4, 5, 6, 7, 8, 9, 1});
+               u"ConnectLimit", u"AnswerLimit", u"OperationLimit", u"PollLimit", u"RecheckAfter",
+               u"FailbackAfter", u"ReplicaLag"},
+        Values{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12});
     EXPECT_EQ(settings.maximum_size, 1u);
     EXPECT_EQ(settings.maximum_idle, 2u);
     EXPECT_EQ(settings.wait, 3ms);
     EXPECT_EQ(settings.idle, 4s);
     EXPECT_EQ(settings.age, 5s);
     EXPECT_EQ(settings.limits.connect, 6ms);
-    EXPECT_EQ(settings.limits.operation, 7ms);
-    EXPECT_EQ(settings.limits.poll, 8us);
-    EXPECT_EQ(settings.recheck, 9s);
-    EXPECT_TRUE(settings.always_asks_policy);
+    EXPECT_EQ(settings.limits.answer, 7ms);
+    EXPECT_EQ(settings.limits.operation, 8ms);
+    EXPECT_EQ(settings.limits.poll, 9us);
+    EXPECT_EQ(settings.recheck, 10s);
+    EXPECT_EQ(settings.failback_after, 11s);
+    EXPECT_EQ(settings.replica_lag, 12s);
 }
 
 TEST(PoolSettings, KeepWhatIsNotNamed) {
@@ -88,7 +93,7 @@ TEST(PoolSettings, RefuseWhatTheyDoNotKnowOrCannotUse) {
         "The setting 'PollLimit' has to be a whole number from 0 to 1000.";
     const std::string all =
         "There are: MaximumSize, MaximumIdle, WaitLimit, IdleLimit, AgeLimit, ConnectLimit, "
-        "OperationLimit, PollLimit, RecheckAfter, AskPolicy.";
+        "AnswerLimit, OperationLimit, PollLimit, RecheckAfter, FailbackAfter, ReplicaLag.";
     struct Case {
         Variant names, values;
         std::string why;
@@ -131,7 +136,8 @@ TEST(PoolSettings, RefuseWhatTheyDoNotKnowOrCannotUse) {
 }
 
 TEST(PoolSettings, ChangeAllTogetherOrNotAtAll) {
-    LdapEntry entry;
+    Client client(Clock::steady(), Client::Probing::by_caller);
+    LdapEntry entry({}, client);
     const auto initialize = [&](Values names, Values values) {
         Variant name_array = std::move(names), value_array = std::move(values);
         return entry.InitializeConnectionPool(name_array, value_array);
@@ -141,11 +147,10 @@ TEST(PoolSettings, ChangeAllTogetherOrNotAtAll) {
                   initialize({u"MaximumSize", u"WaitLimit", u"IdleLimit"}, {9, 900, -1});
               }).number,
               error_number(0x8007203F));
-    const PoolSettings settings = ConnectionPool::of_process().settings();
+    const PoolSettings settings = client.pool().settings();
     EXPECT_EQ(settings.maximum_size, 3u);
     EXPECT_EQ(settings.wait, 100ms);
     EXPECT_EQ(settings.idle, 30s);
-    EXPECT_TRUE(initialize({u"MaximumSize", u"WaitLimit"}, {16, 5000}));
 }
 
 }  // namespace

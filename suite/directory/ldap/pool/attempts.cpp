@@ -1,0 +1,190 @@
+#include "suite/directory/ldap/pool/attempts.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "suite/directory/ldap/wire/failures.h"
+
+namespace orvo::directory::ldap {
+namespace {
+
+using std::chrono::duration_cast;
+using std::chrono::microseconds;
+
+bool was_lost(const Result& result) { return result.code == result_code::server_down; }
+
+std::string reason_of(const Result& result) {
+    return to_utf8(directory_failure(result.code, provider_name, result.message).description);
+}
+
+Failure bind_failure(const Result& bind) {
+    Failure failure =
+        directory_failure(bind.code, provider_name, bind.message, bind.nearest_entry);
+    switch (bind.code) {
+        case result_code::no_such_object:
+        case result_code::invalid_name:
+        case result_code::inappropriate_authentication:
+            failure.number = number_of_code(result_code::invalid_credentials);
+            break;
+        default:
+            break;
+    }
+    return failure;
+}
+
+}  // namespace
+
+void check_bind(const Result& bind) {
+    if (!bind.ok()) throw bind_failure(bind);
+}
+
+Attempts::Attempts(ConnectionPool& pool, ConnectionSetRef set, const Operation& operation)
+    : pool_(pool),
+      set_(std::move(set)),
+      operation_(operation),
+      lease_(pool, set_),
+      limits_(operation.limits.value_or(lease_.settings().limits)) {}
+
+Session& Attempts::session() {
+    if (!server_) choose_server();
+    if (!lease_.has_connection()) {
+        if (auto refusal = set_->refusal(lease_.settings(), pool_.clock().now())) throw *refusal;
+        const auto care =
+            operation_.effect == Effect::none ? Lease::Care::usual : Lease::Care::sure;
+        is_new_ = !lease_.take_idle(server_, care);
+        if (is_new_)
+            connect();
+        else
+            lease_.connection().session.set_limits(limits_);
+        authenticate();
+    }
+    begin_ = pool_.clock().now();
+    return lease_.connection().session;
+}
+
+void Attempts::choose_server() {
+    const ServerGroup& group = set_->group();
+    if (!operation_.entry.empty() && tried_.empty())
+        server_ = group.last_written_on(operation_.entry);
+    if (!server_) server_ = group.choose(lease_.settings().failback_after, tried_);
+}
+
+// To the server that was chosen or, where it cannot be reached, to the next one.
+void Attempts::connect() {
+    for (;;) {
+        const std::uint64_t generation = server_->generation();
+        Result why;
+        if (auto session = Session::try_connect(server_->host(), limits_, why)) {
+            const auto now = pool_.clock().now();
+            lease_.put({std::move(*session), server_, generation, now, now});
+            return;
+        }
+        note_failure(server_, why);
+        if (!reasons_.empty()) reasons_ += ' ';
+        reasons_ += "'" + server_->url() + "'";
+        if (!why.message.empty()) reasons_ += ": " + why.message;
+        tried_.push_back(server_);
+        server_ = set_->group().choose(lease_.settings().failback_after, tried_);
+        if (!server_) raise_code(why.code, reasons_);
+    }
+}
+
+void Attempts::authenticate() {
+    if (set_->use() == ConnectionSet::Use::password_checks) return;
+    const PoolSettings& settings = lease_.settings();
+    const bool is_known =
+        !is_new_ && (!is_presented_ || set_->is_accepted(settings, pool_.clock().now()));
+    // Nobody needs no bind: a new connection is nobody's.
+    if (is_known || (set_->user().empty() && set_->password().empty())) return;
+    Result result = bind();
+    while (result.connection_failed() && !result.sent) {
+        tried_.push_back(server_);
+        server_ = set_->group().choose(settings.failback_after, tried_);
+        if (!server_) break;
+        is_new_ = true;
+        connect();
+        result = bind();
+    }
+    check_bind(result);
+}
+
+// As the set's user. A connection whose bind was not accepted is closed: its user is nobody now, or
+// not known.
+Result Attempts::bind() {
+    const auto bind_once = [&](const Secret& password) {
+        const auto now = pool_.clock().now();
+        const std::uint64_t mark = pool_.writes().mark(set_->user_key());
+        const Result result = lease_.connection().session.bind(set_->user(), password);
+        if (result.ok()) {
+            server_->note_answer(duration_cast<microseconds>(pool_.clock().now() - now));
+            set_->note_accepted(now, mark, lease_.generation());
+        } else if (result.connection_failed() || result.is_unavailable()) {
+            note_failure(server_, result);
+        } else if (result.code != result_code::other) {
+            set_->note_refused(bind_failure(result), now, mark, lease_.generation());
+            pool_.remember_refusal(set_);
+        }
+        if (!result.ok()) lease_.close();
+        return result;
+    };
+    const Secret password = set_->password();
+    Result result = bind_once(password);
+    if (result.code == result_code::invalid_credentials) {
+        // The user may be changing it at this moment.
+        const std::lock_guard turn(set_->own_change());
+        if (!set_->has_password(password)) {
+            connect();
+            result = bind_once(set_->password());
+        }
+    }
+    return result;
+}
+
+void Attempts::note_failure(const ServerRef& server, const Result& result) {
+    pool_.servers().note_failure(*server, reason_of(result));
+}
+
+bool Attempts::again(const Result& result) {
+    const ServerRef server = server_;
+    const PoolSettings& settings = lease_.settings();
+    const bool is_repeatable = operation_.effect == Effect::none;
+    const auto go_on = [&](ServerRef next) {
+        server_ = std::move(next);
+        return server_ != nullptr;
+    };
+
+    if (result.connection_failed()) {
+        lease_.close();
+        if (result.code == result_code::decoding_error) return false;
+        note_failure(server, result);
+        if (!is_repeatable && result.sent) return false;
+        // A connection that was idle may have been closed by a server that is well.
+        const bool may_be_well = was_lost(result) && !is_new_;
+        if (!may_be_well) tried_.push_back(server);
+        return go_on(may_be_well ? set_->group().choose(settings.failback_after, tried_)
+                                 : set_->group().choose_up(settings.failback_after, tried_));
+    }
+    if (result.is_unavailable()) {
+        note_failure(server, result);
+        lease_.close();
+        tried_.push_back(server);
+        return is_repeatable && go_on(set_->group().choose_up(settings.failback_after, tried_));
+    }
+    server->note_answer(duration_cast<microseconds>(pool_.clock().now() - begin_));
+    if (result.code == result_code::referral && operation_.effect == Effect::change) {
+        tried_.push_back(server);
+        const ServerRef master = set_->group().referred_to(result.referrals);
+        const bool is_new_to_it = master && std::ranges::find(tried_, master) == tried_.end();
+        if (is_new_to_it) {
+            lease_.close();
+            return go_on(master);
+        }
+    }
+    if (result.ok() && operation_.effect == Effect::change && !operation_.entry.empty())
+        set_->group().note_write(operation_.entry, server,
+                                 pool_.clock().now() + settings.replica_lag);
+    lease_.release();
+    return false;
+}
+
+}  // namespace orvo::directory::ldap

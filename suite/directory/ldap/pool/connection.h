@@ -1,0 +1,25 @@
+#pragma once
+
+#include "suite/directory/ldap/pool/server_group.h"
+#include "suite/directory/ldap/settings/pool_settings.h"
+#include "suite/directory/ldap/wire/session.h"
+
+namespace orvo::directory::ldap {
+
+// A connection to a server, and since when it is one. Used by one thread at a time.
+struct Connection {
+    Session session;
+    ServerRef server;
+    std::uint64_t server_generation;  // Server::generation when it was opened
+    Clock::time_point opened;
+    Clock::time_point used;  // when it was last released
+
+    // Whether it may be used again at all: neither too old nor idle for too long, and its server
+    // has not failed since it was opened.
+    bool is_usable(const PoolSettings& settings, Clock::time_point now) const {
+        return now - opened < settings.age && now - used < settings.idle &&
+               server->generation() == server_generation;
+    }
+};
+
+}  // namespace orvo::directory::ldap

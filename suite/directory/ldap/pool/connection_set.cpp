@@ -1,0 +1,214 @@
+#include "suite/directory/ldap/pool/connection_set.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "suite/directory/ldap/wire/failures.h"
+
+namespace orvo::directory::ldap {
+namespace {
+
+// Connections on their way to be closed; declared before the lock, so that it is done without it.
+using Closing = std::deque<Connection>;
+
+void move_front(std::deque<Connection>& from, Closing& to) {
+    to.push_back(std::move(from.front()));
+    from.pop_front();
+}
+
+bool equal_in_constant_time(std::string_view one, std::string_view other) {
+    if (one.size() != other.size()) return false;
+    unsigned difference = 0;
+    for (std::size_t i = 0; i < one.size(); ++i)
+        difference |= static_cast<unsigned char>(one[i]) ^ static_cast<unsigned char>(other[i]);
+    return difference == 0;
+}
+
+}  // namespace
+
+ConnectionSet::ConnectionSet(Use use, std::shared_ptr<ServerGroup> group, std::string user,
+                             Secret password, const SharedSettings& settings,
+                             const WriteMarks& writes)
+    : use_(use),
+      group_(std::move(group)),
+      user_(std::move(user)),
+      user_key_(user_),
+      settings_(settings),
+      writes_(writes),
+      password_(std::move(password)) {}
+
+std::uint64_t ConnectionSet::acquire_place() {
+    std::unique_lock lock(mutex_);
+    const auto is_free = [&] {
+        const std::size_t maximum = settings_.get().maximum_size;
+        return maximum == 0 || leased_ < maximum;
+    };
+    if (!waiting_.empty() || !is_free()) {
+        const PoolSettings settings = settings_.get();
+        const auto own = waiting_.emplace(waiting_.end());
+        const bool is_served = own->wait_for(
+            lock, settings.wait, [&] { return own == waiting_.begin() && is_free(); });
+        waiting_.erase(own);
+        if (!is_served) {
+            wake_next();
+            raise_code(result_code::busy,
+                       "All " + std::to_string(settings.maximum_size) + " connections of " +
+                           (use_ == Use::password_checks ? "the password checks below one container"
+                                                         : "this user") +
+                           " to '" + group_->key() + "' were in use for " +
+                           std::to_string(settings.wait.count()) +
+                           " ms (MaximumSize and WaitLimit of the connection pool).");
+        }
+    }
+    ++leased_;
+    wake_next();
+    return generation_;
+}
+
+std::size_t ConnectionSet::waiting() const {
+    const std::lock_guard lock(mutex_);
+    return waiting_.size();
+}
+
+// Who finds a place wakes the next: there may be another.
+void ConnectionSet::wake_next() {
+    if (!waiting_.empty()) waiting_.front().notify_one();
+}
+
+std::optional<Connection> ConnectionSet::take_idle(const ServerRef& server,
+                                                   const PoolSettings& settings,
+                                                   Clock::time_point now) {
+    Closing closing;
+    const std::lock_guard lock(mutex_);
+    while (!idle_.empty() && !idle_.front().is_usable(settings, now)) move_front(idle_, closing);
+    const auto found = std::find_if(idle_.rbegin(), idle_.rend(), [&](const Connection& one) {
+        return one.server == server && one.is_usable(settings, now);
+    });
+    if (found != idle_.rend()) {
+        std::optional<Connection> taken(std::move(*found));
+        idle_.erase(std::next(found).base());
+        return taken;
+    }
+    const bool is_too_many =
+        settings.maximum_size != 0 && leased_ + idle_.size() > settings.maximum_size;
+    if (is_too_many && !idle_.empty()) move_front(idle_, closing);
+    return std::nullopt;
+}
+
+void ConnectionSet::release_place() {
+    const std::lock_guard lock(mutex_);
+    --leased_;
+    wake_next();
+}
+
+bool ConnectionSet::release(Connection connection, std::uint64_t generation,
+                            const PoolSettings& settings, Clock::time_point now) {
+    Closing closing;
+    const std::lock_guard lock(mutex_);
+    connection.used = now;
+    const bool is_kept =
+        generation == generation_ && connection.is_usable(settings, now) &&
+        (settings.maximum_size == 0 ? use_ == Use::as_user
+                                    : leased_ + idle_.size() <= settings.maximum_size);
+    (is_kept ? idle_ : closing).push_back(std::move(connection));
+    --leased_;
+    wake_next();
+    return is_kept;
+}
+
+void ConnectionSet::evict_unusable(const PoolSettings& settings, Clock::time_point now) {
+    Closing closing;
+    const std::lock_guard lock(mutex_);
+    while (!idle_.empty() && !idle_.front().is_usable(settings, now)) move_front(idle_, closing);
+}
+
+bool ConnectionSet::evict_oldest() {
+    Closing closing;
+    const std::lock_guard lock(mutex_);
+    if (idle_.empty()) return false;
+    move_front(idle_, closing);
+    return true;
+}
+
+void ConnectionSet::evict_all() {
+    Closing closing;
+    const std::lock_guard lock(mutex_);
+    closing.swap(idle_);
+}
+
+std::size_t ConnectionSet::idle() const {
+    const std::lock_guard lock(mutex_);
+    return idle_.size();
+}
+
+void ConnectionSet::wake_waiting() {
+    const std::lock_guard lock(mutex_);
+    wake_next();
+}
+
+bool ConnectionSet::has_password(const Secret& password) const {
+    const std::lock_guard lock(mutex_);
+    return equal_in_constant_time(password_.reveal(), password.reveal());
+}
+
+Secret ConnectionSet::password() const {
+    const std::lock_guard lock(mutex_);
+    return password_.clone();
+}
+
+void ConnectionSet::note_accepted(Clock::time_point at, std::uint64_t mark,
+                                  std::uint64_t generation) {
+    const std::lock_guard lock(mutex_);
+    if (generation == generation_) verdict_ = Verdict{at, mark, std::nullopt};
+}
+
+void ConnectionSet::note_refused(const Failure& failure, Clock::time_point at,
+                                 std::uint64_t mark, std::uint64_t generation) {
+    Closing closing;
+    const std::lock_guard lock(mutex_);
+    if (generation != generation_) return;
+    end_generation(closing);
+    verdict_ = Verdict{at, mark, failure};
+}
+
+const ConnectionSet::Verdict* ConnectionSet::current_verdict(const PoolSettings& settings,
+                                                             Clock::time_point now) const {
+    return verdict_ && now - verdict_->at < settings.recheck &&
+                   writes_.mark(user_key_) == verdict_->mark
+               ? &*verdict_
+               : nullptr;
+}
+
+bool ConnectionSet::is_accepted(const PoolSettings& settings, Clock::time_point now) const {
+    const std::lock_guard lock(mutex_);
+    const Verdict* verdict = current_verdict(settings, now);
+    return verdict && !verdict->refusal;
+}
+
+std::optional<Failure> ConnectionSet::refusal(const PoolSettings& settings,
+                                              Clock::time_point now) const {
+    const std::lock_guard lock(mutex_);
+    const Verdict* verdict = current_verdict(settings, now);
+    return verdict ? verdict->refusal : std::nullopt;
+}
+
+void ConnectionSet::invalidate() {
+    Closing closing;
+    const std::lock_guard lock(mutex_);
+    end_generation(closing);
+}
+
+void ConnectionSet::change_password(const Secret& password) {
+    Closing closing;
+    const std::lock_guard lock(mutex_);
+    end_generation(closing);
+    password_ = password.clone();
+}
+
+void ConnectionSet::end_generation(Closing& closing) {
+    ++generation_;
+    verdict_.reset();
+    closing.swap(idle_);
+}
+
+}  // namespace orvo::directory::ldap

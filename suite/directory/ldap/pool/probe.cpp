@@ -1,0 +1,19 @@
+#include "suite/directory/ldap/pool/probe.h"
+
+#include "suite/directory/ldap/wire/failures.h"
+
+namespace orvo::directory::ldap {
+
+std::optional<std::string> probe(const ServerHost& host, const Limits& limits) {
+    Result result;
+    if (auto session = Session::try_connect(host, limits, result))
+        result = session->read("", {"1.1"});
+    else if (result.ok())
+        result.code = result_code::connect_error;
+    const bool is_answer = !result.connection_failed() &&
+                           result.code != result_code::connect_error && !result.is_unavailable();
+    if (is_answer) return std::nullopt;
+    return to_utf8(directory_failure(result.code, provider_name, result.message).description);
+}
+
+}  // namespace orvo::directory::ldap
