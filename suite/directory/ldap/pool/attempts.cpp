@@ -18,8 +18,7 @@ std::string reason_of(const Result& result) {
 }
 
 Failure bind_failure(const Result& bind) {
-    Failure failure =
-        directory_failure(bind.code, provider_name, bind.message, bind.nearest_entry);
+    Failure failure = directory_failure(bind.code, provider_name, bind.message, bind.nearest_entry);
     switch (bind.code) {
         case result_code::no_such_object:
         case result_code::invalid_name:
@@ -49,8 +48,9 @@ Session& Attempts::session() {
     if (!server_) choose_server();
     if (!lease_.has_connection()) {
         if (auto refusal = set_->refusal(lease_.settings(), pool_.clock().now())) throw *refusal;
-        const auto care =
-            operation_.effect == Effect::none ? Lease::Care::usual : Lease::Care::sure;
+        // What is sent once is not sent into a connection that is closed.
+        const bool is_sent_once = operation_.effect != Effect::none || is_presented_;
+        const auto care = is_sent_once ? Lease::Care::sure : Lease::Care::usual;
         is_new_ = !lease_.take_idle(server_, care);
         if (is_new_)
             connect();
@@ -144,6 +144,18 @@ void Attempts::note_failure(const ServerRef& server, const Result& result) {
     pool_.servers().note_failure(*server, reason_of(result));
 }
 
+// A server that takes half of what it may is not waited for again while another one is up.
+void Attempts::note_answer(const ServerRef& server) {
+    const auto took = pool_.clock().now() - begin_;
+    server->note_answer(duration_cast<microseconds>(took));
+    const bool is_search = operation_.entry.empty();
+    if (!is_search && server->is_probed() && took > limits_.answer / 2)
+        pool_.servers().note_failure(
+            *server, "An answer took " +
+                         std::to_string(duration_cast<std::chrono::milliseconds>(took).count()) +
+                         " ms.");
+}
+
 bool Attempts::again(const Result& result) {
     const ServerRef server = server_;
     const PoolSettings& settings = lease_.settings();
@@ -170,7 +182,7 @@ bool Attempts::again(const Result& result) {
         tried_.push_back(server);
         return is_repeatable && go_on(set_->group().choose_up(settings.failback_after, tried_));
     }
-    server->note_answer(duration_cast<microseconds>(pool_.clock().now() - begin_));
+    note_answer(server);
     if (result.code == result_code::referral && operation_.effect == Effect::change) {
         tried_.push_back(server);
         const ServerRef master = set_->group().referred_to(result.referrals);

@@ -29,8 +29,9 @@ struct Operation {
 // What has no effect is tried again: on a new connection where the one it had was lost, and on
 // every further server that is up. What has one is tried again only where nothing of it was sent,
 // and where the server has refused it in favour of another one of the group (a referral). A server
-// that fails is reported (Servers::note_failure), so that the next operation goes elsewhere at
-// once. Used by one thread, for one operation.
+// that fails, or takes more than half of Limits::answer while there are others, is reported
+// (Servers::note_failure), so that the next operation goes elsewhere at once. Used by one thread,
+// for one operation.
 class Attempts {
 public:
     // Waits for a place; raises result code 51 where none becomes free in time.
@@ -57,7 +58,7 @@ private:
     void authenticate();
     Result bind();
     void note_failure(const ServerRef& server, const Result& result);
-    bool is_refused_for_now(const Result& result) const;
+    void note_answer(const ServerRef& server);
 
     ConnectionPool& pool_;
     const ConnectionSetRef set_;

@@ -65,9 +65,8 @@ ConnectionSetRef ConnectionPool::find_or_make(ConnectionSet::Use use, std::strin
     forget_unused(known);
     for (const auto& weak : known)
         if (ConnectionSetRef set = weak.lock(); set && set->has_password(password)) return set;
-    auto made =
-        std::make_shared<ConnectionSet>(use, std::move(group), user, password.clone(), settings_,
-                                        writes_);
+    auto made = std::make_shared<ConnectionSet>(use, std::move(group), user, password.clone(),
+                                                settings_, writes_);
     known.push_back(made);
     return made;
 }

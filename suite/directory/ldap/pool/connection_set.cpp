@@ -46,8 +46,8 @@ std::uint64_t ConnectionSet::acquire_place() {
     if (!waiting_.empty() || !is_free()) {
         const PoolSettings settings = settings_.get();
         const auto own = waiting_.emplace(waiting_.end());
-        const bool is_served = own->wait_for(
-            lock, settings.wait, [&] { return own == waiting_.begin() && is_free(); });
+        const bool is_served = own->wait_for(lock, settings.wait,
+                                             [&] { return own == waiting_.begin() && is_free(); });
         waiting_.erase(own);
         if (!is_served) {
             wake_next();
@@ -162,8 +162,8 @@ void ConnectionSet::note_accepted(Clock::time_point at, std::uint64_t mark,
     if (generation == generation_) verdict_ = Verdict{at, mark, std::nullopt};
 }
 
-void ConnectionSet::note_refused(const Failure& failure, Clock::time_point at,
-                                 std::uint64_t mark, std::uint64_t generation) {
+void ConnectionSet::note_refused(const Failure& failure, Clock::time_point at, std::uint64_t mark,
+                                 std::uint64_t generation) {
     Closing closing;
     const std::lock_guard lock(mutex_);
     if (generation != generation_) return;

@@ -10,8 +10,7 @@ constexpr std::chrono::milliseconds surely_open{100};
 
 }  // namespace
 
-Lease::Lease(ConnectionPool& pool, ConnectionSetRef set)
-    : pool_(pool), set_(std::move(set)) {
+Lease::Lease(ConnectionPool& pool, ConnectionSetRef set) : pool_(pool), set_(std::move(set)) {
     pool_.tidy(*set_);
     generation_ = set_->acquire_place();
     has_place_ = true;
@@ -35,8 +34,8 @@ bool Lease::take_idle(const ServerRef& server, Care care) {
 void Lease::release() {
     if (!connection_) return;
     has_place_ = false;
-    const bool is_idle = set_->release(std::move(*connection_), generation_, settings_,
-                                       pool_.clock().now());
+    const bool is_idle =
+        set_->release(std::move(*connection_), generation_, settings_, pool_.clock().now());
     connection_.reset();
     if (is_idle) pool_.keep(set_);
 }

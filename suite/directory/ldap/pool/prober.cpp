@@ -34,8 +34,7 @@ void Prober::work() {
         next = round_();
         lock.lock();
         if (is_due_) next = Clock::time_point::min();
-        if (next)
-            changed_.wait_until(lock, *next, [&] { return is_due_ || is_ending_; });
+        if (next) changed_.wait_until(lock, *next, [&] { return is_due_ || is_ending_; });
     }
     is_running_ = false;
     --detail::live_objects();

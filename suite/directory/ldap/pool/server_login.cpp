@@ -12,10 +12,7 @@ constexpr auto shortest_refresh = std::chrono::minutes(1);
 
 ServerLogin::ServerLogin(ConnectionPool& pool, TextView server, TextView user, TextView password,
                          const std::optional<Limits>& limits)
-    : pool_(&pool),
-      address_(ServerAddress::parse(server)),
-      limits_(limits),
-      presented_(password) {
+    : pool_(&pool), address_(ServerAddress::parse(server)), limits_(limits), presented_(password) {
     if (presented_->empty() && !user.empty())
         raise_code(result_code::invalid_credentials, "A password is required.");
     // In UTF-8 they would be those of others.

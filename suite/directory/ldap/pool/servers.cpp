@@ -46,8 +46,7 @@ std::optional<Clock::time_point> Servers::probe_due(std::chrono::seconds failbac
         auto due = server->next_probe(failback_after);
         if (due && *due <= clock_.now()) {
             if (const auto reason = probe_(server->host()))
-                server->note_failed_probe(*reason,
-                                          std::uniform_real_distribution<>(0, 1)(random_));
+                server->note_failed_probe(*reason, std::uniform_real_distribution<>(0, 1)(random_));
             else
                 server->note_good_probe();
             due = server->next_probe(failback_after);

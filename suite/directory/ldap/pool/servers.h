@@ -22,8 +22,7 @@ namespace orvo::directory::ldap {
 // to be silent. Thread-safe.
 class Servers {
 public:
-    // Connects to the host as nobody and asks for its root entry; nothing where it answered,
-    // otherwise why it did not.
+    // Asks a server whether it is well (see probe); nothing where it is, otherwise why it is not.
     using Probe = std::function<std::optional<std::string>(const ServerHost&)>;
 
     // `wake` is called when there is a server to be probed at once.

@@ -6,7 +6,12 @@ namespace orvo::directory::ldap {
 
 Client::Client(const Clock& clock, Probing probing)
     : servers_(
-          clock, [this](const ServerHost& host) { return probe(host, pool_.settings().limits); },
+          clock,
+          [this](const ServerHost& host) {
+              Limits limits = pool_.settings().limits;
+              limits.answer /= 2;
+              return probe(host, limits);
+          },
           [this, probing] {
               if (probing == Probing::by_thread) prober_.wake();
           }),

@@ -107,6 +107,23 @@ TEST_F(FailoverTest, AReadingOfASilentServerIsAnsweredByTheNextAfterOneLimit) {
     EXPECT_GT(state(second_).operations, 1u);
 }
 
+TEST_F(FailoverTest, AServerThatTakesMoreThanHalfTheLimitIsNotWaitedForAgain) {
+    ServerLogin login(client_.pool(), servers(), from_utf8(first_.slapd.service_dn()),
+                      from_utf8(first_.slapd.service_password()), std::nullopt);
+    const auto slow = [&](Session& session) {
+        clock_.advance(answer_limit / 2 + 1ms);
+        return session.who_am_i();
+    };
+    login.search(slow);
+    EXPECT_EQ(state(first_).condition, Condition::up) << "a search may take longer";
+    login.read("cn=djansen,ou=Users,o=Shop", slow);
+    EXPECT_EQ(state(first_).condition, Condition::suspected);
+    EXPECT_EQ(state(first_).reason, "An answer took 201 ms.");
+    first_.proxy.slow_down(answer_limit);
+    probe();
+    EXPECT_EQ(state(first_).condition, Condition::down) << "its probe took too long as well";
+}
+
 TEST_F(FailoverTest, ManyWhoFindAServerSilentWaitOneLimitTogether) {
     {
         // Idle connections, one for each.

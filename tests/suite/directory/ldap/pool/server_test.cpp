@@ -75,8 +75,8 @@ TEST_F(ServersTest, AServerThatIsDownIsProbedAfterOneSecondAndThenLessAndLessOft
     EXPECT_EQ(first_.state().condition, Condition::down);
     EXPECT_EQ(first_.state().reason, "dir01 is silent");
     auto pause = 1000ms;
-    for (const auto doubled : {1000ms, 2000ms, 4000ms, 8000ms, 16'000ms, 32'000ms, 60'000ms,
-                               60'000ms}) {
+    for (const auto doubled :
+         {1000ms, 2000ms, 4000ms, 8000ms, 16'000ms, 32'000ms, 60'000ms, 60'000ms}) {
         pause = doubled;
         const auto next = *first_.state().next_probe - clock_.now();
         EXPECT_GE(next, pause * 3 / 4);
