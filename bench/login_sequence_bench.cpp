@@ -1,15 +1,18 @@
 // What a login does with the directory, without a web page around it: the password is checked, the
 // user bound, and one attribute each of the user, its profile and its account is read. By 1, 4 and
-// 16 threads, each with a user of its own, beside the raw client doing what that needs at least, a
-// bind and three readings: on two connections that it keeps, the user's and the service account's,
-// on two that it makes, or with a connection for each of the four. Rounds alternate; "rate_to_raw"
-// is how many logins are done in the time of one of the raw client's. The server has a password
-// policy, of which the component's password check asks.
+// 16 threads, each login by a user drawn from a thousand or, in the rows of regulars, by the
+// thread's own, beside the raw client doing what that needs at least, a bind and three readings: on
+// two connections that it keeps, the user's and the service account's, on two that it makes, or
+// with a connection for each of the four. Rounds alternate; "rate_to_raw" is how many logins are
+// done in the time of one of the raw client's. The server has a password policy, of which the
+// component's password check asks.
 
 #include <benchmark/benchmark.h>
 
-#include "bench/buyers.h"
+#include <random>
+
 #include "bench/crew.h"
+#include "bench/many_buyers.h"
 #include "bench/provider_keeps.h"
 #include "bench/raw_client.h"
 #include "platform/abi/late_call.h"
@@ -18,20 +21,32 @@
 namespace orvo {
 namespace {
 
-PrivateSlapd& directory() {
-    static PrivateSlapd slapd({.password_policy = true});
-    return slapd;
-}
+// Whose logins they are.
+enum class Users { drawn, regular };
+Users users = Users::drawn;
 
 struct Visitor {
-    PrivateSlapd& shop = directory();
-    std::string name = next_buyer();
-    std::string user = shop.user_dn(name);
-    Variant id = from_utf8(name);
-    Variant account = from_utf8(user), password = from_utf8(shop.user_password());
+    PrivateSlapd& shop = many_buyers().shop;
+    std::minstd_rand random{next_seed()};
+    std::string name, user, profile;
+    Variant id, account, password = from_utf8(shop.user_password());
     RawConnection kept = raw_connection(shop.url()), kept_service = raw_connection(shop.url());
     Object validator = create_object(u"OrvoMembership.Validator");
     bool is_wrong = false;
+
+    static unsigned next_seed() {
+        static std::atomic<unsigned> given = 0;
+        return ++given;
+    }
+    void draw() {
+        if (users == Users::regular && !name.empty()) return;
+        const auto& all = many_buyers().users;
+        std::tie(name, profile) = all[random() % all.size()];
+        user = shop.user_dn(name);
+        id = from_utf8(name);
+        account = from_utf8(user);
+        profile = "cn=" + profile + ",ou=Profiles,o=Shop";
+    }
 
     Visitor() {
         late::call(validator, u"setServerInfo", {from_utf8(shop.site_ini().string())});
@@ -48,44 +63,50 @@ struct Visitor {
                               {"cn", "OrvoUserType", "BusinessPartnerID", "ProfileCN", "sn"});
     }
     void read_profile(const RawConnection& connection) {
-        is_wrong |= !raw_read(connection, "cn=Buyers,ou=Profiles,o=Shop", {"cn", "LanguageID"});
+        is_wrong |= !raw_read(connection, profile, {"cn", "LanguageID"});
     }
     void read_account(const RawConnection& connection) {
         is_wrong |= !raw_read(connection, "cn=1,ou=Accounts,o=Shop", {"cn", "OrvoNTUser"});
     }
 
     void raw_on_kept() {
+        draw();
         is_wrong |= !raw_bind(kept, user, shop.user_password());
         read_user(kept);
         read_profile(kept);
         read_account(kept_service);
     }
     void raw_on_two() {
+        draw();
         const RawConnection made = connected(user, shop.user_password());
         read_user(made);
         read_profile(made);
         read_account(connected(shop.service_dn(), shop.service_password()));
     }
     void raw_connecting() {
+        draw();
         connected(user, shop.user_password());
         read_user(connected(user, shop.user_password()));
         read_profile(connected(user, shop.user_password()));
         read_account(connected(shop.service_dn(), shop.service_password()));
     }
     void log_in() {
+        draw();
         is_wrong |= !(late::call(validator, u"ValidatePassword", {id, password}) == Variant(0));
         const Object bound = create_object(u"OrvoMembership.User");
         late::call(bound, u"BindAs", {id, account, password});
-        is_wrong |= late::get(bound, u"LastName").to<Text>().empty();
-        const Object profile = late::get(bound, u"Profile").to<Object>();
-        is_wrong |= !(late::get(profile, u"LanguageID") == Variant(u"en"));
+        is_wrong |= !late::get(bound, u"LastName").is_text();
+        const Object its_profile = late::get(bound, u"Profile").to<Object>();
+        is_wrong |= !late::get(its_profile, u"LanguageID").is_text();
         is_wrong |= !(late::get(bound, u"NTUser") == Variant(u"SHOP\\shop-user"));
     }
 };
 
-void logins(benchmark::State& state, Keeps keeps, void (Visitor::*raw)()) {
+void logins(benchmark::State& state, Keeps keeps, void (Visitor::*raw)(),
+            Users whose = Users::drawn) {
     constexpr int rounds = 20;
-    directory();
+    many_buyers();
+    users = whose;
     const KeepsScope scope(keeps);
     Crew<Visitor> crew(static_cast<int>(state.range(0)));
     std::atomic<bool> is_wrong = false;
@@ -109,6 +130,9 @@ void logins(benchmark::State& state, Keeps keeps, void (Visitor::*raw)()) {
 void pool_to_kept(benchmark::State& state) {
     logins(state, Keeps::connections, &Visitor::raw_on_kept);
 }
+void regulars_to_kept(benchmark::State& state) {
+    logins(state, Keeps::connections, &Visitor::raw_on_kept, Users::regular);
+}
 void cache_to_kept(benchmark::State& state) {
     logins(state, Keeps::connections_and_entries, &Visitor::raw_on_kept);
 }
@@ -124,6 +148,9 @@ void threads(benchmark::internal::Benchmark* row) {
     row->ArgName("")->Arg(1)->Arg(4)->Arg(16)->Unit(benchmark::kMillisecond)->UseManualTime();
 }
 BENCHMARK(pool_to_kept)->Name("login, pool; raw: kept connections; threads")->Apply(threads);
+BENCHMARK(regulars_to_kept)
+    ->Name("login, regulars, pool; raw: kept connections; threads")
+    ->Apply(threads);
 BENCHMARK(cache_to_kept)
     ->Name("login, pool and cache; raw: kept connections; threads")
     ->Apply(threads);

@@ -47,12 +47,14 @@ Attempts::Attempts(ConnectionPool& pool, ConnectionSetRef set, const Operation& 
 Session& Attempts::session() {
     if (!server_) choose_server();
     if (!lease_.has_connection()) {
-        if (auto refusal = set_->refusal(lease_.settings(), pool_.clock().now())) throw *refusal;
+        refuse_refused();
         // What is sent once is not sent into a connection that is closed.
         const bool is_sent_once = operation_.effect != Effect::none || is_presented_;
         const auto care = is_sent_once ? Lease::Care::sure : Lease::Care::usual;
         is_new_ = !lease_.take_idle(server_, care);
-        if (is_new_)
+        const bool is_bound_first =
+            set_->use() == ConnectionSet::Use::as_user && !set_->user().empty();
+        if (is_new_ && !(is_bound_first && lease_.take_from_others(server_)))
             connect();
         else
             lease_.connection().session.set_limits(limits_);
@@ -60,6 +62,14 @@ Session& Attempts::session() {
     }
     begin_ = pool_.clock().now();
     return lease_.connection().session;
+}
+
+void Attempts::refuse_refused() {
+    const auto refusal = [&] { return set_->refusal(lease_.settings(), pool_.clock().now()); };
+    if (!refusal()) return;
+    // The user may be changing the password at this moment, and the former one have been refused.
+    const std::lock_guard turn(set_->own_change());
+    if (const auto refused = refusal()) throw *refused;
 }
 
 void Attempts::choose_server() {

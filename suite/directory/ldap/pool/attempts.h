@@ -53,6 +53,7 @@ public:
     bool again(const Result& result);
 
 private:
+    void refuse_refused();
     void choose_server();
     void connect();
     void authenticate();
@@ -66,11 +67,11 @@ private:
     Lease lease_;
     Limits limits_;
     bool is_presented_ = false;
-    bool is_new_ = false;  // whether the connection was opened for this operation
+    bool is_new_ = false;  // whether the connection was opened or taken over for this operation
     Clock::time_point begin_;
-    ServerRef server_;             // the one chosen
+    ServerRef server_;              // the one chosen
     std::vector<ServerRef> tried_;  // not to be tried again
-    std::string reasons_;          // why servers could not be connected to
+    std::string reasons_;           // why servers could not be connected to
 };
 
 // Runs an operation, from Session& to a kind of Result, as often as the rule allows. The result of

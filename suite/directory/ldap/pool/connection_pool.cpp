@@ -123,6 +123,18 @@ std::size_t ConnectionPool::count_idle() const {
     return count;
 }
 
+std::optional<Connection> ConnectionPool::take_from_others(const ServerRef& server) {
+    const std::lock_guard lock(mutex_);
+    const PoolSettings current = settings();
+    if (count_idle() < current.maximum_idle) return std::nullopt;
+    const auto now = clock_.now();
+    for (const Idle& idle : idle_) {
+        if (idle.set->use() != ConnectionSet::Use::as_user) continue;
+        if (auto given = idle.set->give_up_idle(server, current, now)) return given;
+    }
+    return std::nullopt;
+}
+
 void ConnectionPool::remember_refusal(const ConnectionSetRef& set) {
     Dropped dropped;
     const std::lock_guard lock(mutex_);

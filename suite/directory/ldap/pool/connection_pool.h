@@ -3,9 +3,10 @@
 // The connections of the process, shared by its objects operation by operation.
 //
 // Whoever has something to do on a server acquires a lease for one operation. Nobody holds a lease
-// while waiting for another, so waiting always ends. A connection never changes hands between two
-// users: there is a ConnectionSet for each user with one password, and one for the password checks
-// below each container, on each group of servers.
+// while waiting for another, so waiting always ends. There is a ConnectionSet for each user with
+// one password, and one for the password checks below each container, on each group of servers.
+// Users share no connection; where there are more users than connections may be idle, one that
+// somebody has not used for longest is bound anew, as another user, instead of being closed.
 //
 // A set lives as long as an object works with it, it has idle connections, or the server has just
 // refused its credentials. With PoolSettings::maximum_size 0 nothing is pooled: idle connections
@@ -54,6 +55,10 @@ public:
     void tidy(ConnectionSet& set);
     // After a connection of the set has become idle.
     void keep(const ConnectionSetRef& set);
+    // For a user who has no idle connection, where as many are idle as may be and one would have to
+    // be closed for a new one: the least recently used connection of another user to this server,
+    // to be bound anew. Nothing where there are fewer.
+    std::optional<Connection> take_from_others(const ServerRef& server);
     // The server has refused the set's credentials: they are remembered for RecheckAfter.
     void remember_refusal(const ConnectionSetRef& set);
 

@@ -95,6 +95,19 @@ std::optional<Connection> ConnectionSet::take_idle(const ServerRef& server,
     return std::nullopt;
 }
 
+std::optional<Connection> ConnectionSet::give_up_idle(const ServerRef& server,
+                                                      const PoolSettings& settings,
+                                                      Clock::time_point now) {
+    const std::lock_guard lock(mutex_);
+    const auto found = std::ranges::find_if(idle_, [&](const Connection& one) {
+        return one.server == server && one.is_usable(settings, now);
+    });
+    if (found == idle_.end()) return std::nullopt;
+    std::optional<Connection> given(std::move(*found));
+    idle_.erase(found);
+    return given;
+}
+
 void ConnectionSet::release_place() {
     const std::lock_guard lock(mutex_);
     --leased_;

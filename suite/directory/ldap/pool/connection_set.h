@@ -39,8 +39,8 @@ public:
     // The user's entry.
     const EntryKey& user_key() const { return user_key_; }
 
-    // -- Places. A connection in use needs one; there are PoolSettings::maximum_size of them (0: any
-    // number). Idle connections make way where there would be more connections than places.
+    // -- Places. A connection in use needs one; there are PoolSettings::maximum_size of them (0:
+    // any number). Idle connections make way where there would be more connections than places.
 
     // Takes a place, after those who have waited longer; within PoolSettings::wait. The generation
     // that it belongs to. Raises result code 51 where none becomes free in time.
@@ -51,6 +51,10 @@ public:
     // Connections that are not usable any more, or are too many, are closed.
     std::optional<Connection> take_idle(const ServerRef& server, const PoolSettings& settings,
                                         Clock::time_point now);
+    // For somebody else, who binds it anew: the idle connection to this server that was released
+    // first. Nothing where there is none that is usable.
+    std::optional<Connection> give_up_idle(const ServerRef& server, const PoolSettings& settings,
+                                           Clock::time_point now);
     // Gives the place back without a connection.
     void release_place();
     // Gives the place back with its connection, which is idle from now on; or is closed, where the

@@ -31,6 +31,12 @@ bool Lease::take_idle(const ServerRef& server, Care care) {
     return false;
 }
 
+bool Lease::take_from_others(const ServerRef& server) {
+    while ((connection_ = pool_.take_from_others(server)))
+        if (connection_->session.seems_open()) return true;
+    return false;
+}
+
 void Lease::release() {
     if (!connection_) return;
     has_place_ = false;

@@ -25,6 +25,9 @@ public:
     // looks at one that was used a moment ago.
     enum class Care { usual, sure };
     bool take_idle(const ServerRef& server, Care care);
+    // Takes one that was another user's, and looks alive, for it to be bound anew; see
+    // ConnectionPool::take_from_others.
+    bool take_from_others(const ServerRef& server);
     // Takes this connection in place of the one that is there.
     void put(Connection connection) { connection_.emplace(std::move(connection)); }
     bool has_connection() const { return connection_.has_value(); }

@@ -219,7 +219,7 @@ TEST_F(ConnectionPoolTest, APlaceIsFreeAgainAfterAnOperationThatRaises) {
 }
 
 TEST_F(ConnectionPoolTest, EightThreadsAlwaysWorkAsTheUserOfTheirConnection) {
-    use({u"MaximumSize", u"WaitLimit"}, {2, 60'000});
+    use({u"MaximumSize", u"MaximumIdle", u"WaitLimit"}, {2, 6, 60'000});
     const std::vector<User> users = {service(),     user("jsmith"), user("djansen"),
                                      user("admin"), user("glee"),   {"", ""}};
     std::atomic<int> wrong = 0, most = 0;
@@ -407,14 +407,41 @@ TEST_F(ConnectionPoolTest, ManyUsersLeaveNoMoreIdleConnectionsThanAllowed) {
     use({u"MaximumIdle"}, {2});
     for (const char* name : {"jsmith", "djansen", "admin", "glee"}) {
         ServerLogin login = this->login(user(name));
-        who_is(login);
+        EXPECT_EQ(who_is(login), "dn:" + server_.user_dn(name));
     }
     EXPECT_TRUE(comes_to(2));
+}
+
+TEST_F(ConnectionPoolTest, WhereManyAreIdleTheLeastRecentlyUsedOneIsBoundAnew) {
+    use({u"MaximumIdle"}, {2});
+    ServerLogin one = login(user("jsmith")), other = login(user("djansen"));
+    who_is(one);
+    who_is(other);
     const long made = connections_made();
-    ServerLogin latest = login(user("glee")), earliest = login(user("jsmith"));
-    who_is(latest);
+    ServerLogin third = login(user("glee"));
+    EXPECT_EQ(who_is(third), "dn:" + server_.user_dn("glee"));
+    EXPECT_EQ(who_is(other), "dn:" + server_.user_dn("djansen")) << "used later than the first";
     EXPECT_EQ(connections_made(), made);
-    who_is(earliest);
+    EXPECT_EQ(who_is(one), "dn:" + server_.user_dn("jsmith"));
+    EXPECT_EQ(connections_made(), made);
+    EXPECT_TRUE(comes_to(2));
+}
+
+TEST_F(ConnectionPoolTest, AConnectionThatIsBoundAnewWithAWrongPasswordIsNobodysAndClosed) {
+    use({u"MaximumIdle"}, {1});
+    ServerLogin one = login(user("jsmith"));
+    who_is(one);
+    EXPECT_EQ(bind_result({server_.user_dn("glee"), "wrong"}), error_number(0x8007052E));
+    EXPECT_TRUE(comes_to(0));
+    EXPECT_EQ(who_is(one), "dn:" + server_.user_dn("jsmith"));
+}
+
+TEST_F(ConnectionPoolTest, ConnectionsOfPasswordChecksAreNotTakenForUsers) {
+    use({u"MaximumIdle"}, {1});
+    EXPECT_EQ(checked(user("jsmith")), 0);
+    const long made = connections_made();
+    ServerLogin one = login(user("glee"));
+    EXPECT_EQ(who_is(one), "dn:" + server_.user_dn("glee"));
     EXPECT_EQ(connections_made(), made + 1);
 }
 
