@@ -2,8 +2,8 @@
 # folders of this run; nothing of it is outside of $work.
 
 packages=(389-ds-base libnss3-tools openssl ldap-utils)
-scripts=(Accessor.js LdapAccess.js Members.js Profiles.js RecordSets.js ServerInfo.js Validator.js
-    failures.js user_properties.js)
+scripts=(Accessor.js LdapAccess.js Members.js MustChange.js Passwords.js Profiles.js RecordSets.js
+    ServerInfo.js Validator.js failures.js user_properties.js)
 
 prepare() {
     local root=$work/server
@@ -33,7 +33,8 @@ prepare() {
         "$source_tree/examples/site.ini" >"$work/site.ini"
 }
 
-# The template in lines of its own kind, then what it has no place for.
+# The template in lines of its own kind, then what it has no place for. Passwords may resemble what
+# the entry has, for those of the sample resemble its mail addresses.
 configuration() {
     local root=$work/server salt=$RANDOM$RANDOM hash
     # {SSHA}: the digest of password and salt, then the salt.
@@ -60,6 +61,8 @@ passwordIsGlobalPolicy: on
 passwordCheckSyntax: on
 passwordMinLength: 8
 passwordMinCategories: 1
+passwordMinTokenLength: 64
+nsslapd-pwpolicy-local: on
 END
     cat <<END
 dn: cn=userRoot,cn=ldbm database,cn=plugins,cn=config

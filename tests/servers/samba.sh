@@ -4,7 +4,8 @@
 
 packages=(samba samba-ad-dc samba-ad-provision samba-dsdb-modules samba-vfs-modules ldb-tools
     python3-samba openssl ldap-utils)
-scripts=(Accessor.js LdapAccess.js RecordSets.js failures.js user_properties.js)
+scripts=(Accessor.js LdapAccess.js Members.js MustChange.js Passwords.js Profiles.js RecordSets.js
+    Validator.js failures.js user_properties.js)
 root=DC=shop,DC=example
 
 prepare() {

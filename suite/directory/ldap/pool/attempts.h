@@ -68,9 +68,9 @@ private:
     bool is_presented_ = false;
     bool is_new_ = false;  // whether the connection was opened for this operation
     Clock::time_point begin_;
-    ServerRef server_;             // the one chosen
+    ServerRef server_;              // the one chosen
     std::vector<ServerRef> tried_;  // not to be tried again
-    std::string reasons_;          // why servers could not be connected to
+    std::string reasons_;           // why servers could not be connected to
 };
 
 // Runs an operation, from Session& to a kind of Result, as often as the rule allows. The result of
