@@ -5,17 +5,6 @@ var message = "", mustChange = false;
 // Where to go afterwards: the page that was asked for, if it is one of this site.
 var url = Server.LocalURL(asked("url"), "");
 
-function refusal(result) {
-    switch (result) {
-    case -1: return "User name or password is wrong.";
-    case -2: return "This account is locked. Please ask an administrator.";
-    case -3: return "This account is disabled. Please ask an administrator.";
-    case -4: return "Your password has expired. Please choose a new one.";
-    case -5: return "Too many attempts. Please wait a while and try again.";
-    }
-    return "The login was refused (" + result + ").";
-}
-
 if (isPost()) {
     if (!isOwnForm()) {
         message = staleForm;
@@ -25,7 +14,7 @@ if (isPost()) {
             var validator = Server.CreateObject("OrvoMembership.Validator");
             var result = validator.ValidateCredentials(posted("user"), posted("password"), url);
             if (result < 0) {
-                message = refusal(result);
+                message = refusal(result, "User name or password is wrong.");
                 mustChange = result == -4;
             } else if (isLoggedIn()) {
                 Response.Redirect(url || (mayUse(1) ? "/account/" : "/admin/members.asp"));

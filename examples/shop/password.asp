@@ -12,13 +12,19 @@ if (isPost()) {
     else {
         try {
             var validator = Server.CreateObject("OrvoMembership.Validator");
-            validator.ChangePassword(user, posted("old"), posted("new"));
-            var done = "Your password has been changed.";
-            if (!isLoggedIn()) goOn("/login.asp", done + " Please log in with the new one.");
-            // Session and filter know the old one; the login goes on with the new one.
-            Session("REMOTE_PASSWORD") = posted("new");
-            validator.ValidateCredentials(user, posted("new"), "");
-            goOn("/account/", done);
+            // ChangePassword calls every refusal a wrong password.
+            var result = validator.ValidatePassword(user, posted("old"));
+            if (result < 0 && result != -4) {
+                message = refusal(result, "The current password is not correct.");
+            } else {
+                validator.ChangePassword(user, posted("old"), posted("new"));
+                var done = "Your password has been changed.";
+                if (!isLoggedIn()) goOn("/login.asp", done + " Please log in with the new one.");
+                // Session and filter know the old one; the login goes on with the new one.
+                Session("REMOTE_PASSWORD") = posted("new");
+                validator.ValidateCredentials(user, posted("new"), "");
+                goOn("/account/", done);
+            }
         } catch (error) {
             // Who is not there is not told apart from a wrong password.
             message = error.number == -2147016656

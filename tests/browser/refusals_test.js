@@ -14,6 +14,14 @@ inTheShop('refusals', (tell) => {
             'This account is locked. Please ask an administrator.');
         assert.deepEqual(await visitor.cookies(), ['orvosession']);
         await visitor.picture('login locked');
+        await visitor.go('/password.asp');
+        await visitor.field('User name').fill('zeros');
+        await visitor.field('Current password').fill('shop-sample');
+        await visitor.field('New password').fill('a longer word');
+        await visitor.field('New password again').fill('a longer word');
+        await visitor.press('Change password');
+        assert.equal(await visitor.refusal(),
+            'This account is locked. Please ask an administrator.');
     });
 
     tell('an expired password is changed, and the new one logs in', async (visitor, shop) => {

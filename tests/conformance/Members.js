@@ -33,7 +33,7 @@ equal("a wrong password", validator.ValidatePassword("cn=Script\\, User", "secon
 
 raisesLike("a name that is taken", 0x8004044F - 0x100000000,
            /ERROR 0x8004044F\r\n METHOD: OrvoMembership\.Members\.CreateUser\r\n DESC: Unable to add user:'jsmith'\. The error is: \(68\) The specified entry already exists\./,
-           function () { members.CreateUser("jsmith", "x"); });
+           function () { members.CreateUser("jsmith", "first-secret"); });
 
 var rich = new ActiveXObject("OrvoMembership.Members").CreateUserWithAttributes(
     "\u0416\u0430\u0440 (new)*", "pass-word", arrayOf("sn", "OrvoRole", "OrvoUserType", "mail"),
@@ -73,7 +73,7 @@ raisesLike("criteria that are no array", 0x800A000D - 0x100000000,
            /METHOD: OrvoMembership\.Members\.GetOrvoUsers/,
            function () { members.GetOrvoUsers("cn=a*"); });
 raisesLike("a filter that cannot be read", 0x8007203E - 0x100000000,
-           /The following query failed: \(& \(objectClass=orvoPerson\)\(OrvoUserType=\*\)\(cn=\(\)\)/,
+           /The following query failed: \(& \(objectClass=orvo(Person|Member)\)\(OrvoUserType=\*\)\(cn=\(\)\)/,
            function () { members.GetOrvoUsers(arrayOf("cn=(")); });
 
 var columns = members.GetOrvoUsersEx(arrayOf("cn=jsmith"), arrayOf("SN", "OrvoUserType", "mail"));

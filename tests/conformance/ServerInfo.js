@@ -2,7 +2,8 @@
 
 function serverOf(info) {
     var server = info.GetServerName();
-    equal("the server's address", /^127\.0\.0\.1:\d+$/.test(server), true);
+    var address = /^(ldaps:\/\/)?127\.0\.0\.1:\d+(\/\?cafile=.+)?$/;
+    equal("the server's address", address.test(server), true);
     return server;
 }
 

@@ -1,5 +1,7 @@
 // Passwords, right and wrong.
 
+var info = new ActiveXObject("OrvoMembership.ServerInfo");
+info.SetConfiguration(siteFile);
 var validator = new ActiveXObject("OrvoMembership.Validator");
 validator.setServerInfo(siteFile);
 
@@ -12,11 +14,9 @@ equal("empty up to a NUL", validator.ValidatePassword("glee", "\0shop-sample"), 
 equal("nobody", validator.ValidatePassword("nobody", "shop-sample"), -1);
 equal("without a password of its own", validator.ValidatePassword("barest", "shop-sample"), -1);
 equal("beside the container",
-      validator.ValidatePassword("cn=orvo-service,ou=Services,o=Shop", "service-sample"), -1);
+      validator.ValidatePassword(info.GetMemScriptUser(), info.GetMemScriptCode()), -1);
 
 // A password that was changed, and an account that three wrong ones lock.
-var info = new ActiveXObject("OrvoMembership.ServerInfo");
-info.SetConfiguration(siteFile);
 var newcomer = new ActiveXObject("OrvoMembership.LdapAccess");
 newcomer.BindAs("cn=newcomer", info.GetMemScriptUser(), info.GetMemScriptCode(),
                 info.GetServerName(), info.GetUserContainer());

@@ -21,8 +21,8 @@ raises("wrong credentials", "8007052E",
        function () { bind("cn=jsmith", info.GetMemScriptUser(), "wrong"); });
 
 raises("no such entry", "80072030",
-       block("80072030", boundFail, "(32) There is no such entry. The nearest entry is " +
-             "'ou=Users,o=Shop'."),
+       block("80072030", boundFail, "(32) There is no such entry. The nearest entry is '" +
+             info.GetUserContainer() + "'."),
        function () { bind("cn=nobody"); });
 
 raises("an unreadable server", "8007203F",
@@ -42,7 +42,7 @@ raises("an unknown attribute", "8007200C",
 raises("insufficient rights", "80072098",
        block("80072098", access + "SetAttribValue", "(50) The rights are not sufficient."),
        function () {
-           bind("cn=glee", "cn=glee,ou=Users,o=Shop", "shop-sample")
+           bind("cn=glee", info.FullUserPath("glee"), "shop-sample")
                .SetAttribValue("OrvoUserType", 4);
        });
 
@@ -57,7 +57,8 @@ raises("a class that nobody has", "800A01AD", "Automation server can't create ob
 new ActiveXObject("OrvoMembership.Validator").setServerInfo(siteFile);
 raises("an account that is not there", "80072030",
        block("80072030", "OrvoMembership.Account.Init",
-             "(32) There is no such entry. The nearest entry is 'ou=Accounts,o=Shop'.",
+             "(32) There is no such entry. The nearest entry is '" + info.GetAccountContainer() +
+                 "'.",
              "Cannot bind with the administrator user, please check the administrator user in " +
              "LDAP"),
        function () { new ActiveXObject("OrvoMembership.Account").Init(77); });

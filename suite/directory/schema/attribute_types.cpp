@@ -113,7 +113,8 @@ AttributeDescription::AttributeDescription(std::string_view description) {
     std::sort(options.begin(), options.end());
 }
 
-AttributeTypes AttributeTypes::from_descriptions(std::span<const std::string> descriptions) {
+AttributeTypes AttributeTypes::from_descriptions(std::span<const std::string> descriptions,
+                                                 TimeForm times) {
     AttributeTypes result;
     std::unordered_map<std::string, Description> read;
     std::unordered_map<std::string, std::string> oid_of;
@@ -131,6 +132,7 @@ AttributeTypes AttributeTypes::from_descriptions(std::span<const std::string> de
     };
     for (auto& [oid, description] : read) {
         AttributeType& type = result.types_.emplace_back(description.type);
+        type.time_form = times;
         const Description* owner = &description;
         bool has_syntax = description.has_syntax;
         for (int depth = 0; owner && depth < deepest_inheritance; ++depth) {

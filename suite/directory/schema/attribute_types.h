@@ -10,6 +10,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "suite/directory/schema/generalized_time.h"
+
 namespace orvo::directory {
 
 // What an attribute's values are, as far as a caller can tell them apart.
@@ -19,6 +21,7 @@ struct AttributeType {
     std::string oid;
     std::vector<std::string> names;  // the first is the preferred one
     Syntax syntax = Syntax::text;
+    TimeForm time_form = TimeForm::whole_seconds;  // of a time, as the server takes it
     bool single_value = false;
     // Kept for the directory's own use; it comes only to those who ask for it by name (RFC 4512,
     // 3.4). Some servers do the same with what they construct for a reader and list without a
@@ -49,8 +52,10 @@ public:
 
     // From attribute type descriptions as a subschema entry lists them (RFC 4512, 4.1.2). A type
     // without a syntax or a matching rule of its own has its superior's. A description that cannot
-    // be read is left out: its attribute is then one that the schema does not know.
-    static AttributeTypes from_descriptions(std::span<const std::string> descriptions);
+    // be read is left out: its attribute is then one that the schema does not know. `times`: how
+    // the schema's server takes them.
+    static AttributeTypes from_descriptions(std::span<const std::string> descriptions,
+                                            TimeForm times = TimeForm::whole_seconds);
 
     bool empty() const { return types_.empty(); }
 

@@ -62,15 +62,16 @@ std::string encode_integer(const Variant& value) {
     return std::to_string(value.to<std::int64_t>());
 }
 
-std::string encode_time(const Variant& value) {
+std::string encode_time(TimeForm form, const Variant& value) {
     if (value.is_text()) {
         std::string text = to_utf8(value.text_view());
-        if (try_date(text)) return text;
+        if (const std::optional<Date> date = try_date(text))
+            return form == TimeForm::whole_seconds ? text : generalized_time(*date, form);
     }
-    return generalized_time(value.to<Date>());
+    return generalized_time(value.to<Date>(), form);
 }
 
-std::string encode_value(Syntax syntax, const Variant& value) {
+std::string encode_value(Syntax syntax, TimeForm times, const Variant& value) {
     if (std::optional<std::string> bytes = value.try_bytes()) return *bytes;
     switch (syntax) {
         case Syntax::integer:
@@ -78,7 +79,7 @@ std::string encode_value(Syntax syntax, const Variant& value) {
         case Syntax::boolean:
             return value.to<bool>() ? "TRUE" : "FALSE";
         case Syntax::time:
-            return encode_time(value);
+            return encode_time(times, value);
         case Syntax::text:
         case Syntax::bytes:
             break;
@@ -97,11 +98,11 @@ std::optional<Text> try_text(std::string_view bytes) {
     return text;
 }
 
-void append(std::vector<std::string>& values, Syntax syntax, const Variant& value) {
+void append(std::vector<std::string>& values, Syntax syntax, TimeForm times, const Variant& value) {
     if (value.is_empty()) return;
     if (value.is_null()) raise_runtime_error(runtime_error::invalid_use_of_null);
     if (value.is_text() && value.text_view().empty()) return;
-    std::string encoded = encode_value(syntax, value);
+    std::string encoded = encode_value(syntax, times, value);
     if (!encoded.empty()) values.push_back(std::move(encoded));
 }
 
@@ -145,12 +146,13 @@ Values decode_values(const AttributeType* type, std::span<const std::string> val
 
 std::vector<std::string> encode_values(const AttributeType* type, const Variant& value) {
     const Syntax syntax = type ? type->syntax : Syntax::text;
+    const TimeForm times = type ? type->time_form : TimeForm::whole_seconds;
     std::vector<std::string> result;
     if (!value.is_array() || value.try_bytes()) {
-        append(result, syntax, value);
+        append(result, syntax, times, value);
         return result;
     }
-    for (const Variant& element : value.to<Values>()) append(result, syntax, element);
+    for (const Variant& element : value.to<Values>()) append(result, syntax, times, element);
     return result;
 }
 

@@ -103,11 +103,12 @@ std::optional<Date> try_date(std::string_view text) {
     return utc;
 }
 
-std::string generalized_time(Date date) {
+std::string generalized_time(Date date, TimeForm form) {
     const DateParts parts = parts_of(date);
     char text[32];
-    std::snprintf(text, sizeof text, "%04d%02d%02d%02d%02d%02dZ", parts.year, parts.month,
-                  parts.day, parts.hour, parts.minute, parts.second);
+    std::snprintf(text, sizeof text, "%04d%02d%02d%02d%02d%02d%s", parts.year, parts.month,
+                  parts.day, parts.hour, parts.minute, parts.second,
+                  form == TimeForm::with_fraction ? ".0Z" : "Z");
     return text;
 }
 

@@ -13,7 +13,11 @@ namespace orvo::directory {
 // ordinary one. Nothing for other texts and for years outside 100 to 9999.
 std::optional<Date> try_date(std::string_view generalized_time);
 
-// The other way: "YYYYMMDDhhmmssZ", to the second. Raises 6 (overflow) for a date out of range.
-std::string generalized_time(Date date);
+// How a server wants them: most take both forms, some only the second.
+enum class TimeForm { whole_seconds, with_fraction };
+
+// The other way: "YYYYMMDDhhmmssZ" or "YYYYMMDDhhmmss.0Z", to the second. Raises 6 (overflow) for a
+// date out of range.
+std::string generalized_time(Date date, TimeForm form = TimeForm::whole_seconds);
 
 }  // namespace orvo::directory

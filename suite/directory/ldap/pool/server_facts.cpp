@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <utility>
 
+#include "suite/directory/ldap/wire/password_modify.h"
 #include "suite/directory/names/ascii.h"
 
 namespace orvo::directory::ldap {
 namespace {
 
-constexpr std::string_view password_modify = "1.3.6.1.4.1.4203.1.11.1";
+// The capability of every Active Directory, Samba's among them.
+constexpr std::string_view active_directory = "1.2.840.113556.1.4.800";
 
 const std::vector<std::string>& values_of(const EntryData& entry, std::string_view name) {
     static const std::vector<std::string> none;
@@ -17,18 +19,40 @@ const std::vector<std::string>& values_of(const EntryData& entry, std::string_vi
     return none;
 }
 
+bool has_value(const EntryData& entry, std::string_view name, std::string_view value) {
+    return std::ranges::count(values_of(entry, name), value) != 0;
+}
+
+// What a server shows of its make in its root entry.
+void judge(const EntryData& root, ServerFacts& facts) {
+    if (has_value(root, "supportedCapabilities", active_directory)) {
+        facts.password_writing = PasswordWriting::unicode_attribute;
+        facts.tells_own_change_from_reset = true;
+    } else if (has_value(root, "supportedExtension", password_modify_oid)) {
+        facts.tells_own_change_from_reset = has_value(root, "vendorName", "389 Project");
+    } else if (has_value(root, "objectClass", "OpenLDAProotDSE")) {
+        facts.password_writing = PasswordWriting::hashed_here;
+    } else if (!root.attributes.empty()) {
+        facts.password_writing = PasswordWriting::unknown;
+    }
+}
+
 }  // namespace
 
 FactsResult read_facts(Session& session) {
     FactsResult result;
-    const ReadResult root = session.read("", {"subschemaSubentry", "supportedExtension"});
+    const ReadResult root =
+        session.read("", {"objectClass", "subschemaSubentry", "supportedCapabilities",
+                          "supportedExtension", "vendorName"});
     static_cast<Result&>(result) = root;
     if (root.connection_failed()) return result;
 
     auto facts = std::make_shared<ServerFacts>();
-    const auto& extensions = values_of(root.entry, "supportedExtension");
-    facts->changes_passwords =
-        std::find(extensions.begin(), extensions.end(), password_modify) != extensions.end();
+    judge(root.entry, *facts);
+    // It takes no time without a fraction.
+    const TimeForm times = facts->password_writing == PasswordWriting::unicode_attribute
+                               ? TimeForm::with_fraction
+                               : TimeForm::whole_seconds;
 
     const auto& subschema = values_of(root.entry, "subschemaSubentry");
     SearchRequest request;
@@ -36,7 +60,7 @@ FactsResult read_facts(Session& session) {
     request.filter = "(objectClass=subschema)";
     request.attributes = {"attributeTypes", "objectClasses"};
     const Result read = session.search(request, [&](EntryData&& entry) {
-        facts->types = AttributeTypes::from_descriptions(values_of(entry, "attributeTypes"));
+        facts->types = AttributeTypes::from_descriptions(values_of(entry, "attributeTypes"), times);
         facts->classes = ObjectClasses::from_descriptions(values_of(entry, "objectClasses"));
     });
     static_cast<Result&>(result) = read;

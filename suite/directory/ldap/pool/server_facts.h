@@ -11,12 +11,23 @@
 
 namespace orvo::directory::ldap {
 
+// How a server takes a user's new password.
+enum class PasswordWriting {
+    modify_operation,   // Password Modify (RFC 3062); also tried on a server that shows nothing
+    unicode_attribute,  // `unicodePwd`: Active Directory and Samba
+    hashed_here,        // a hash as the value of `userPassword`: OpenLDAP without that operation
+    unknown,
+};
+
 // Immutable once made; shared by threads.
 struct ServerFacts {
     AttributeTypes types;
     ObjectClasses classes;
-    // Whether the server hashes passwords itself (Password Modify, RFC 3062).
-    bool changes_passwords = false;
+    PasswordWriting password_writing = PasswordWriting::modify_operation;
+    // Whether a password that users set themselves, with the former one, is something else to the
+    // server than one that another account sets for them: which they may have to change at once,
+    // say.
+    bool tells_own_change_from_reset = false;
 };
 
 struct FactsResult : Result {

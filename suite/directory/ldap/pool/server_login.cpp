@@ -2,6 +2,7 @@
 
 #include "suite/directory/ldap/wire/failures.h"
 #include "suite/directory/names/written_name.h"
+#include "suite/directory/policy/password_form.h"
 
 namespace orvo::directory::ldap {
 namespace {
@@ -22,6 +23,8 @@ ServerLogin::ServerLogin(ConnectionPool& pool, TextView server, TextView user, T
     if (!is_well_formed(password))
         raise_code(result_code::invalid_credentials,
                    "The password holds half of a surrogate pair.");
+    if (const auto why = unusable(*presented_))
+        raise_code(result_code::invalid_credentials, why->sentence);
     const Text name = full_name(user);
     // The client library would read on only as far as there.
     if (name.find(u'\0') != Text::npos)

@@ -94,6 +94,9 @@ public:
     std::shared_ptr<const ServerFacts> facts();
     std::shared_ptr<const ServerFacts> refreshed_facts();
 
+    // What the user works with now.
+    Secret password() const { return presented_ ? presented_->clone() : set_->password(); }
+
     const std::string& server_key() const { return set_->group().key(); }
     const std::string& user() const { return set_->user(); }
     const EntryKey& user_key() const { return set_->user_key(); }

@@ -3,11 +3,10 @@
 #include <algorithm>
 #include <utility>
 
-#include "suite/directory/ldap/provider/password_value.h"
+#include "suite/directory/ldap/provider/proven_password.h"
 #include "suite/directory/ldap/wire/failures.h"
 #include "suite/directory/names/written_name.h"
 #include "suite/directory/policy/password_attributes.h"
-#include "suite/directory/policy/password_hash.h"
 #include "suite/directory/schema/attribute_values.h"
 
 namespace orvo::directory::ldap {
@@ -29,12 +28,14 @@ std::vector<std::string> names_in(const Variant& attributes) {
 
 void LdapEntry::Bind(Text& server, Text& container, Text& common_name, Text& user, Text& password,
                      Variant& attributes) {
+    ProvenPassword::forget();
     login_.reset();
     facts_.reset();
     known_ = {};
     lists_read_.clear();
     name_.clear();
     ServerLogin login(client_.pool(), server, user, password, limits_);
+    server_ = server;
     const Text name = entry_name(common_name, container_name(container));
     require_whole(name);
     name_ = to_utf8(name);
@@ -121,7 +122,7 @@ void LdapEntry::SetValues(Text& name, Variant& value) {
     require_bound();
     require_whole(name);
     const std::string attribute = to_utf8(name);
-    if (is_password(attribute)) return write_password(attribute, value);
+    if (is_password(attribute)) return set_password(value);
     replace(attribute, encode_values(type_of(attribute), value));
 }
 
@@ -129,37 +130,17 @@ void LdapEntry::ClearValues(Text& name) {
     require_bound();
     require_whole(name);
     const std::string attribute = to_utf8(name);
-    if (is_password(attribute)) return write_password(attribute, Variant());
+    if (is_password(attribute)) return clear_password(attribute);
     replace(attribute, {});
-}
-
-void LdapEntry::write_password(const std::string& name, const Variant& value) {
-    const Secret password = password_in(value);
-    const bool server_hashes = !password.empty() && facts().changes_passwords;
-    Replacement replacement{name, {}};
-    if (!password.empty() && !server_hashes) replacement.values = {hashed_password(password)};
-    const NotedWrite noted(client_.writes(), key_);
-    bool may_be_done = false;
-    try {
-        check(login_->write_password(name_, password, [&](Session& session) {
-            Result result = server_hashes ? session.change_password(name_, password)
-                                          : session.modify(name_, {&replacement, 1});
-            may_be_done |= result.may_be_done();
-            return result;
-        }));
-    } catch (const Failure& failure) {
-        if (!may_be_done) throw;
-        throw Failure(failure.number, failure.source,
-                      failure.description + u" The password may have been changed all the same.");
-    }
 }
 
 void LdapEntry::replace(const std::string& name, std::vector<std::string> values) {
     if (name.empty()) raise_runtime_error(runtime_error::invalid_call);
     const Replacement replacement{name, std::move(values)};
     const NotedWrite noted(client_.writes(), key_);
-    check(login_->write(
-        name_, [&](Session& session) { return session.modify(name_, {&replacement, 1}); }));
+    check(login_->write(name_, [&](Session& session) {
+        return session.modify(name_, {&replacement, 1});
+    }));
 }
 
 void LdapEntry::require_bound() const {

@@ -47,9 +47,16 @@ public:
     // 91 before Bind and 5 for an empty name, as the writing operations do.
     Variant GetValues(Text& name) override;
 
-    // See encode_values for what may be given. "userPassword" takes a single value, which the
-    // server hashes (Password Modify) or which is hashed here: clear text is never stored.
+    // See encode_values for what may be given. "userPassword" takes a single value, which is set as
+    // the server takes passwords (PasswordWriting); clear text is never stored. An empty one is
+    // refused (result code 19), and so is any where no way is known (92) or where it would have to
+    // cross the net in clear text (13); nothing is changed then.
+    //
+    // A password is set by the user where the former one is known: of those who work as themselves,
+    // and of those whose password this thread has just checked (ProvenPassword). Where the server
+    // makes no difference, and it may be done otherwise, it is set by whom the entry is bound as.
     void SetValues(Text& name, Variant& value) override;
+    // An Active Directory clears no password (53).
     void ClearValues(Text& name) override;
 
     // See NewEntry for what may be given. An attribute given as an empty text is created with a
@@ -62,7 +69,9 @@ public:
     // removed again and the reason is raised; it says so where the entry cannot be removed. An
     // entry whose creation the server has not confirmed is never removed, for it may be somebody
     // else's: the failure then says that it may exist (without a password, where one was given). A
-    // server without that operation gets the entry with a hash.
+    // server without that operation gets the entry with a hash, an Active Directory with the
+    // password, as an account that may log in. Where no password can be set, SetValues says when,
+    // nothing is created.
     //
     // Raises 0x8004044F, "(68) The specified entry already exists.", for an entry that is there.
     void CreateChild(Variant& classes, Text& naming_attribute, Object& attributes) override;
@@ -100,10 +109,15 @@ private:
     std::optional<std::vector<std::string>> try_known(const std::string& name,
                                                       const AttributeType* type);
     bool is_first_reading(const std::string& list);
-    void write_password(const std::string& name, const Variant& value);
+    void set_password(const Variant& value);
+    void clear_password(const std::string& name);
+    PasswordWriting password_writing();
+    Result write_password(ServerLogin& login, const Secret& password, const Secret& former,
+                          bool& may_be_done);
+    Result change_own_password(const Secret& password, const Secret& former, bool& may_be_done);
     void replace(const std::string& name, std::vector<std::string> values);
     void require_known(const GivenAttribute& attribute);
-    void add(const std::string& name, const NewEntry& entry);
+    void add(const std::string& name, const NewEntry& entry, const Secret& created_with);
     void set_first_password(const std::string& name, const Secret& password);
     Text take_back(const std::string& name, TextView is_or_may_be);
     void require_bound() const;
@@ -111,6 +125,7 @@ private:
     Client& client_;
     std::optional<Limits> limits_;
     std::optional<ServerLogin> login_;  // set while bound
+    Text server_;
     std::string name_;
     EntryKey key_{""};
     Remembered known_;

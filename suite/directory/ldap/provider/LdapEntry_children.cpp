@@ -4,12 +4,35 @@
 #include "suite/directory/ldap/provider/new_entry.h"
 #include "suite/directory/ldap/provider/password_value.h"
 #include "suite/directory/ldap/wire/failures.h"
+#include "suite/directory/ldap/wire/unicode_password.h"
 #include "suite/directory/names/written_name.h"
 #include "suite/directory/policy/password_attributes.h"
 #include "suite/directory/policy/password_hash.h"
 
 namespace orvo::directory::ldap {
 namespace {
+
+// Of an Active Directory's account: an ordinary one that may log in. Without it, it may not.
+constexpr const char* user_account_control = "userAccountControl";
+constexpr const char* enabled_account = "512";
+
+// A password among the attributes of a new entry, unless it is empty: the last of them, which is
+// overwritten in the end.
+class SecretAttribute {
+public:
+    SecretAttribute(std::vector<Attribute>& attributes, const Secret& password) {
+        if (password.empty()) return;
+        attributes.push_back({unicode_password_attribute, {}});
+        value_ = &attributes.back().values.emplace_back(password.reveal());
+    }
+    ~SecretAttribute() {
+        if (value_) overwrite(value_->data(), value_->size());
+    }
+    SecretAttribute(const SecretAttribute&) = delete;
+
+private:
+    std::string* value_ = nullptr;
+};
 
 std::vector<Attribute> with_blanks(std::vector<Attribute> attributes,
                                    const std::vector<std::string>& names) {
@@ -26,14 +49,22 @@ void LdapEntry::CreateChild(Variant& classes, Text& naming_attribute, Object& at
     require_whole(naming_attribute);
     const ServerFacts& server = facts();
     NewEntry entry(given, classes, to_utf8(naming_attribute), server.types, server.classes);
-    if (!entry.password.empty() && !server.changes_passwords) {
+    const PasswordWriting way =
+        entry.password.empty() ? PasswordWriting::unknown : password_writing();
+    Secret created_with;
+    if (way == PasswordWriting::hashed_here) {
         entry.attributes.push_back({"userPassword", {hashed_password(entry.password)}});
+        entry.password = Secret();
+    } else if (way == PasswordWriting::unicode_attribute) {
+        created_with = unicode_password(entry.password);
+        if (!entry.find(user_account_control, server.types))
+            entry.attributes.push_back({user_account_control, {enabled_account}});
         entry.password = Secret();
     }
 
     const std::string name = to_utf8(entry.name_below(from_utf8(name_)));
     const NotedWrite noted(client_.writes(), EntryKey(name));
-    add(name, entry);
+    add(name, entry, created_with);
     if (!entry.password.empty()) set_first_password(name, entry.password);
 }
 
@@ -46,10 +77,11 @@ void LdapEntry::require_known(const GivenAttribute& attribute) {
         raise_code(result_code::undefined_attribute_type, quoted_name(attribute.name));
 }
 
-void LdapEntry::add(const std::string& name, const NewEntry& entry) {
+void LdapEntry::add(const std::string& name, const NewEntry& entry, const Secret& created_with) {
     bool may_be_done = false;
     const auto add_with = [&](const std::vector<std::string>& blanks) {
-        const std::vector<Attribute> attributes = with_blanks(entry.attributes, blanks);
+        std::vector<Attribute> attributes = with_blanks(entry.attributes, blanks);
+        const SecretAttribute secret(attributes, created_with);
         // Who was bound as a former entry of this name is not the new one.
         return login_->write_password(name, Secret(), [&](Session& session) {
             Result result = session.add(name, attributes);
@@ -73,10 +105,10 @@ void LdapEntry::add(const std::string& name, const NewEntry& entry) {
         check(result);
     } catch (const Failure& failure) {
         if (!may_be_done) throw;
-        throw Failure(failure.number, failure.source,
-                      failure.description + u" The entry " + from_utf8(quoted_name(name)) +
-                          (entry.password.empty() ? u" may exist."
-                                                  : u" may exist, without a password."));
+        throw Failure(
+            failure.number, failure.source,
+            failure.description + u" The entry " + from_utf8(quoted_name(name)) +
+                (entry.password.empty() ? u" may exist." : u" may exist, without a password."));
     }
 }
 

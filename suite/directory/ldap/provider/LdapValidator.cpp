@@ -4,9 +4,11 @@
 #include <utility>
 
 #include "suite/directory/ldap/pool/attempts.h"
+#include "suite/directory/ldap/provider/proven_password.h"
 #include "suite/directory/ldap/wire/failures.h"
 #include "suite/directory/ldap/wire/password_policy.h"
 #include "suite/directory/names/written_name.h"
+#include "suite/directory/policy/password_form.h"
 
 namespace orvo::directory::ldap {
 namespace {
@@ -42,8 +44,8 @@ void LdapValidator::read_container() {
 
 void LdapValidator::find_checks() {
     auto found = std::make_shared<CheckTarget>(*target_);
-    found->checks = client_.pool().checks_below(
-        ServerAddress::parse(found->server), found->container_name->key());
+    found->checks = client_.pool().checks_below(ServerAddress::parse(found->server),
+                                                found->container_name->key());
     target_ = std::move(found);
     client_.last_check_target().keep(target_);
 }
@@ -54,7 +56,9 @@ std::int32_t LdapValidator::Validate(Variant& path, Variant& password) {
     const TextView written = path.is_text() ? path.text_view() : converted;
     const Secret secret = secret_of(password);
     if (!target_->container_name) read_container();
-    if (secret.empty() || !is_well_formed(written)) return password_check::wrong;
+    ProvenPassword::forget();
+    if (secret.empty() || unusable(secret) || !is_well_formed(written))
+        return password_check::wrong;
     std::string name;
     if (is_plain_below(written, target_->container)) {
         name = to_utf8(written);
@@ -66,11 +70,13 @@ std::int32_t LdapValidator::Validate(Variant& path, Variant& password) {
 
     if (!target_->checks) find_checks();
     Attempts attempts(client_.pool(), target_->checks, {Effect::bind, name, limits_});
-    const BindResult bind = run(attempts, [&](Session& session) {
-        return session.bind(name, secret, Policy::asked);
-    });
+    const BindResult bind =
+        run(attempts, [&](Session& session) { return session.bind(name, secret, Policy::asked); });
     const std::optional<int> number = judged(bind.code, bind.message, policy_in(bind.controls));
     if (!number) check(bind);
+    if (*number == password_check::right || *number == password_check::expired)
+        ProvenPassword::note(target_->checks->group().key(), name, secret,
+                             client_.pool().clock().now());
     return *number;
 }
 

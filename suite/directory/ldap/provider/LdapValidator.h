@@ -13,8 +13,9 @@ namespace directory::ldap {
 
 // The check of credentials: one bind, which asks what the server's password policy says of the
 // account, on a connection on which nothing but such checks is ever done
-// (ConnectionPool::checks_below). It is sent once, to one server. Nothing is remembered of a check.
-// Used by one thread.
+// (ConnectionPool::checks_below). It is sent once, to one server. What is remembered of a check is
+// the password of one that is right, for a change that follows at once (ProvenPassword). Used by
+// one thread.
 class LdapValidator final : public DirectoryValidator {
 public:
     // `limits`: instead of those that the connection pool has for all.
@@ -26,10 +27,10 @@ public:
     void Open(Text& server, Text& user_container) override;
 
     // See the contract for the numbers. Both arguments are converted to text (94 for null). An
-    // empty password, and a path that is no name strictly below the user container, are wrong
-    // without asking the server. Raises 91 when not opened, the failures of result codes 89 and 34
-    // for a server and a user container that cannot be read, and the server's own failure where its
-    // answer says nothing about the account.
+    // empty password, one that `unusable` names, and a path that is no name strictly below the user
+    // container, are wrong without asking the server. Raises 91 when not opened, the failures of
+    // result codes 89 and 34 for a server and a user container that cannot be read, and the
+    // server's own failure where its answer says nothing about the account.
     std::int32_t Validate(Variant& path, Variant& password) override;
 
     void failed(const char* operation, const Failure& failure) const noexcept {

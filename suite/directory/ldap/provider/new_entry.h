@@ -58,8 +58,10 @@ struct NewEntry {
     // container it would be read as another (full_name).
     Text name_below(TextView container) const;
 
-private:
+    // Nothing where it is not among the attributes.
     Attribute* find(const std::string& name, const AttributeTypes& types);
+
+private:
     void append(const std::string& name, std::vector<std::string> values,
                 const AttributeTypes& types);
     void look_at_empty(const ObjectClasses& object_classes, const AttributeTypes& types);

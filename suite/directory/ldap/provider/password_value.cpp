@@ -5,21 +5,32 @@
 #include "platform/automation/failure.h"
 #include "platform/automation/values.h"
 #include "suite/directory/ldap/wire/failures.h"
+#include "suite/directory/policy/password_form.h"
 
 namespace orvo::directory::ldap {
 
-Secret password_in(const Variant& value) {
+namespace {
+
+Secret read(const Variant& value) {
     if (value.is_array() && !value.try_bytes()) {
         const Values values = value.to<Values>();
         if (values.count() == 0) return {};
         if (values.count() > 1) raise_runtime_error(runtime_error::type_mismatch);
-        return password_in(values[values.lower_bound()]);
+        return read(values[values.lower_bound()]);
     }
     if (std::optional<std::string> bytes = value.try_bytes()) return Secret::of_bytes(*bytes);
     if (!value.is_text()) return Secret(value.to<Text>());
     if (!is_well_formed(value.text_view()))
         raise_code(result_code::invalid_syntax, "A password cannot hold half of a surrogate pair.");
     return Secret(value.text_view());
+}
+
+}  // namespace
+
+Secret password_in(const Variant& value) {
+    Secret password = read(value);
+    if (const auto why = unusable(password)) raise_code(why->code, why->sentence);
+    return password;
 }
 
 }  // namespace orvo::directory::ldap

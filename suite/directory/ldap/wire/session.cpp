@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "suite/directory/ldap/wire/failures.h"
+#include "suite/directory/ldap/wire/unicode_password.h"
 
 namespace orvo::directory::ldap {
 namespace {
@@ -46,6 +47,26 @@ ReadResult Session::read(const std::string& name, const std::vector<std::string>
     });
     // An entry that may not be read is not there for its reader.
     if (result.ok() && !found) result.code = result_code::no_such_object;
+    return result;
+}
+
+Result Session::change_unicode_password(const std::string& name, const Secret& new_password,
+                                        const Secret& former_password) {
+    std::vector<Replacement> changes;
+    changes.reserve(2);
+    const auto append = [&](Change kind, const Secret& password) {
+        changes.push_back({unicode_password_attribute, {}, kind});
+        changes.back().values.emplace_back(unicode_password(password).reveal());
+    };
+    if (former_password.empty()) {
+        append(Change::replace, new_password);
+    } else {
+        append(Change::remove, former_password);
+        append(Change::add, new_password);
+    }
+    Result result = modify(name, changes);
+    for (Replacement& change : changes)
+        overwrite(change.values.front().data(), change.values.front().size());
     return result;
 }
 

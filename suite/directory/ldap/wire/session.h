@@ -126,10 +126,13 @@ struct SearchResult : Result {
 };
 
 // One change of an entry: the attribute's values are replaced by these; none removes the attribute,
-// also where the entry lacks it.
+// also where the entry lacks it. The other kinds remove or add just these values, which the server
+// refuses where they are not there or there already. The numbers are the protocol's.
+enum class Change { add = 0, remove = 1, replace = 2 };
 struct Replacement {
     std::string attribute;
     std::vector<std::string> values;
+    Change kind = Change::replace;
 };
 
 // One request after the other: each waits for its answer.
@@ -177,8 +180,14 @@ public:
     // All changes, or none of them.
     Result modify(const std::string& name, std::span<const Replacement> replacements);
 
-    // The Password Modify operation (RFC 3062).
-    Result change_password(const std::string& name, const Secret& new_password);
+    // The Password Modify operation (RFC 3062); with the former password, unless it is empty, the
+    // server does it only where that is the one.
+    Result change_password(const std::string& name, const Secret& new_password,
+                           const Secret& former_password = {});
+    // The password of an Active Directory's user (unicodePwd). With the former one it is the user's
+    // own change, whoever asks for it; with an empty one an administrator's.
+    Result change_unicode_password(const std::string& name, const Secret& new_password,
+                                   const Secret& former_password = {});
 
     // Whom the server takes this session for (RFC 4532): "dn:" and a name, empty for nobody.
     WhoAmIResult who_am_i();

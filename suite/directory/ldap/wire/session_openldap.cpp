@@ -32,6 +32,10 @@ std::string text_of(const berval& value) { return {value.bv_val, value.bv_len}; 
 // The library takes its input as pointers to characters that it does not change.
 char* unchanged(const std::string& text) { return const_cast<char*>(text.c_str()); }
 
+berval borrowed(const Secret& secret) {
+    return {secret.reveal().size(), const_cast<char*>(secret.reveal().data())};
+}
+
 // A list of texts as the library takes it.
 class TextList {
 public:
@@ -162,8 +166,9 @@ int scope_of(Scope scope) {
 }
 
 // What is done with an attribute's values, as the library takes it.
-struct Change {
-    Change(int operation, const std::string& attribute, const std::vector<std::string>& texts) {
+struct Modification {
+    Modification(int operation, const std::string& attribute,
+                 const std::vector<std::string>& texts) {
         for (const std::string& text : texts) values.push_back({text.size(), unchanged(text)});
         for (berval& value : values) pointers.push_back(&value);
         pointers.push_back(nullptr);
@@ -171,7 +176,7 @@ struct Change {
         modification.mod_type = unchanged(attribute);
         modification.mod_bvalues = values.empty() ? nullptr : pointers.data();
     }
-    Change(const Change&) = delete;
+    Modification(const Modification&) = delete;
 
     std::vector<berval> values;
     std::vector<berval*> pointers;
@@ -183,7 +188,7 @@ class ChangeList {
 public:
     void append(int operation, const std::string& attribute,
                 const std::vector<std::string>& values) {
-        changes_.push_back(std::make_unique<Change>(operation, attribute, values));
+        changes_.push_back(std::make_unique<Modification>(operation, attribute, values));
     }
     LDAPMod** get() {
         pointers_.clear();
@@ -193,7 +198,7 @@ public:
     }
 
 private:
-    std::vector<std::unique_ptr<Change>> changes_;
+    std::vector<std::unique_ptr<Modification>> changes_;
     std::vector<LDAPMod*> pointers_;
 };
 
@@ -267,7 +272,7 @@ void Session::set_limits(const Limits& limits) { connection_->limits = limits; }
 BindResult Session::bind(const std::string& name, const Secret& password, Policy policy) {
     LDAPControl ask{const_cast<char*>(policy_control), {0, nullptr}, 0};
     std::array<LDAPControl*, 2> controls = {&ask, nullptr};
-    berval credentials{password.reveal().size(), const_cast<char*>(password.reveal().data())};
+    berval credentials = borrowed(password);
     BindResult result;
     static_cast<Result&>(result) = connection_->ask_once(
         [&](LDAP* handle, int* request) {
@@ -348,17 +353,20 @@ Result Session::remove(const std::string& name) {
 Result Session::modify(const std::string& name, std::span<const Replacement> replacements) {
     ChangeList changes;
     for (const Replacement& replacement : replacements)
-        changes.append(LDAP_MOD_REPLACE, replacement.attribute, replacement.values);
+        changes.append(static_cast<int>(replacement.kind), replacement.attribute,
+                       replacement.values);
     return connection_->ask_once([&](LDAP* handle, int* request) {
         return ldap_modify_ext(handle, name.c_str(), changes.get(), nullptr, nullptr, request);
     });
 }
 
-Result Session::change_password(const std::string& name, const Secret& new_password) {
+Result Session::change_password(const std::string& name, const Secret& new_password,
+                                const Secret& former_password) {
     berval user{name.size(), unchanged(name)};
-    berval wanted{new_password.reveal().size(), const_cast<char*>(new_password.reveal().data())};
+    berval wanted = borrowed(new_password), former = borrowed(former_password);
+    berval* old = former_password.empty() ? nullptr : &former;
     return connection_->ask_once([&](LDAP* handle, int* request) {
-        return ldap_passwd(handle, &user, nullptr, &wanted, nullptr, nullptr, request);
+        return ldap_passwd(handle, &user, old, &wanted, nullptr, nullptr, request);
     });
 }
 

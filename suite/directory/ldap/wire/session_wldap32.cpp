@@ -92,8 +92,9 @@ ULONG scope_of(Scope scope) {
 }
 
 // What is done with an attribute's values, as the library takes it.
-struct Change {
-    Change(ULONG operation, const std::string& attribute, const std::vector<std::string>& texts)
+struct Modification {
+    Modification(ULONG operation, const std::string& attribute,
+                 const std::vector<std::string>& texts)
         : name(attribute) {
         for (const std::string& text : texts) values.push_back(borrowed(text));
         for (berval& value : values) pointers.push_back(&value);
@@ -102,7 +103,7 @@ struct Change {
         modification.mod_type = name.get();
         modification.mod_vals.modv_bvals = pointers.data();
     }
-    Change(const Change&) = delete;
+    Modification(const Modification&) = delete;
 
     Wide name;
     std::vector<berval> values;
@@ -115,7 +116,7 @@ class ChangeList {
 public:
     void append(ULONG operation, const std::string& attribute,
                 const std::vector<std::string>& values) {
-        changes_.push_back(std::make_unique<Change>(operation, attribute, values));
+        changes_.push_back(std::make_unique<Modification>(operation, attribute, values));
     }
     LDAPModW** get() {
         pointers_.clear();
@@ -125,7 +126,7 @@ public:
     }
 
 private:
-    std::vector<std::unique_ptr<Change>> changes_;
+    std::vector<std::unique_ptr<Modification>> changes_;
     std::vector<LDAPModW*> pointers_;
 };
 
@@ -270,15 +271,17 @@ Result Session::remove(const std::string& name) {
 Result Session::modify(const std::string& name, std::span<const Replacement> replacements) {
     ChangeList changes;
     for (const Replacement& replacement : replacements)
-        changes.append(LDAP_MOD_REPLACE, replacement.attribute, replacement.values);
+        changes.append(static_cast<ULONG>(replacement.kind), replacement.attribute,
+                       replacement.values);
     Wide entry(name);
     return connection_->ask_once([&](LDAP* handle, ULONG* request) {
         return ldap_modify_extW(handle, entry.get(), changes.get(), nullptr, nullptr, request);
     });
 }
 
-Result Session::change_password(const std::string& name, const Secret& new_password) {
-    const Secret value = password_modify_request(name, new_password);
+Result Session::change_password(const std::string& name, const Secret& new_password,
+                                const Secret& former_password) {
+    const Secret value = password_modify_request(name, new_password, former_password);
     berval data = borrowed(value.reveal());
     Wide oid(password_modify_oid);
     return connection_->ask_once([&](LDAP* handle, ULONG* request) {

@@ -118,6 +118,15 @@ TEST(EncodedValues, OfBooleansAreTrueAndFalse) {
     EXPECT_EQ(number_of_refusal(boolean, u"perhaps"), 13);
 }
 
+TEST(EncodedValues, OfTimesHaveTheFractionThatTheServerWants) {
+    AttributeType with_fraction = time;
+    with_fraction.time_form = TimeForm::with_fraction;
+    EXPECT_EQ(encode_values(&with_fraction, date_from_parts({2024, 2, 29, 12, 0, 0})),
+              (Encoded{"20240229120000.0Z"}));
+    EXPECT_EQ(encode_values(&with_fraction, u"202402291200+0100"), (Encoded{"20240229110000.0Z"}));
+    EXPECT_EQ(encode_values(&with_fraction, u"2/29/2024 12:00:00"), (Encoded{"20240229120000.0Z"}));
+}
+
 TEST(EncodedValues, OfTimesAreGeneralizedTimes) {
     EXPECT_EQ(encode_values(&time, date_from_parts({2024, 2, 29, 12, 0, 0})),
               (Encoded{"20240229120000Z"}));

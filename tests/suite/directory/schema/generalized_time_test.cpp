@@ -55,6 +55,11 @@ TEST(GeneralizedTime, IsWrittenInUtcToTheSecond) {
     EXPECT_EQ(generalized_time(date_from_parts({100, 1, 1, 0, 0, 0})), "01000101000000Z");
 }
 
+TEST(GeneralizedTime, IsWrittenWithAFractionForServersThatWantOne) {
+    EXPECT_EQ(generalized_time(date_from_parts({2024, 2, 29, 12, 34, 56}), TimeForm::with_fraction),
+              "20240229123456.0Z");
+}
+
 TEST(GeneralizedTime, OfADateOutOfRangeOverflows) {
     try {
         generalized_time(Date{3000000});

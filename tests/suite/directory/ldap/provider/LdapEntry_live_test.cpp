@@ -383,9 +383,9 @@ TEST_F(LdapEntryTest, TakesValuesForTextWhereTheSchemaMayNotBeRead) {
     EXPECT_EQ(values(entry_, u"OrvoUserType"), Variant(Values{u"2"}));
 }
 
-TEST_F(LdapEntryTest, RemovesAPasswordThatIsSetToNothing) {
+TEST_F(LdapEntryTest, RemovesAPasswordThatIsCleared) {
     bind_entry(entry_, server_.server(), root(), u"cn=djansen");
-    set(entry_, u"userPassword", Values{u""});
+    clear(entry_, u"userPassword");
     EXPECT_THAT(probe_.values(user(), "userPassword"), ElementsAre());
     EXPECT_EQ(failure_of([&] { set(entry_, u"userPassword", Values{u"a", u"b"}); }).number, 13);
     EXPECT_EQ(failure_of([&] { set(entry_, u"userPassword", Variant::null()); }).number, 94);

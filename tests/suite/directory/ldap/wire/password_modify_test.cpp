@@ -15,6 +15,18 @@ TEST(PasswordModify, CarriesTheUserAndTheNewPassword) {
               "pass");
 }
 
+TEST(PasswordModify, CarriesTheFormerPasswordBetweenThem) {
+    const Secret request = password_modify_request("cn=a", Secret(u"pass"), Secret(u"word1"));
+    EXPECT_EQ(request.reveal(),
+              "\x30\x13"
+              "\x80\x04"
+              "cn=a"
+              "\x81\x05"
+              "word1"
+              "\x82\x04"
+              "pass");
+}
+
 TEST(PasswordModify, CarriesAPasswordBeyondAsciiInUtf8) {
     const Secret request = password_modify_request("cn=a", Secret(u"gr\u00FC\u00DF"));
     EXPECT_EQ(request.reveal().substr(8), "\x82\x06gr\xC3\xBC\xC3\x9F");
