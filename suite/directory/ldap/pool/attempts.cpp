@@ -31,6 +31,19 @@ Failure bind_failure(const Result& bind) {
     return failure;
 }
 
+// That the credentials are no good, rather than that the server is not.
+bool says_wrong(const Result& bind) {
+    switch (bind.code) {
+        case result_code::invalid_credentials:
+        case result_code::no_such_object:
+        case result_code::invalid_name:
+        case result_code::inappropriate_authentication:
+            return true;
+        default:
+            return false;
+    }
+}
+
 }  // namespace
 
 void check_bind(const Result& bind) {
@@ -47,7 +60,8 @@ Attempts::Attempts(ConnectionPool& pool, ConnectionSetRef set, const Operation& 
 Session& Attempts::session() {
     if (!server_) choose_server();
     if (!lease_.has_connection()) {
-        refuse_refused();
+        if (const auto refusal = set_->refusal(lease_.settings(), pool_.clock().now()))
+            throw *refusal;
         // What is sent once is not sent into a connection that is closed.
         const bool is_sent_once = operation_.effect != Effect::none || is_presented_;
         const auto care = is_sent_once ? Lease::Care::sure : Lease::Care::usual;
@@ -64,18 +78,13 @@ Session& Attempts::session() {
     return lease_.connection().session;
 }
 
-void Attempts::refuse_refused() {
-    const auto refusal = [&] { return set_->refusal(lease_.settings(), pool_.clock().now()); };
-    if (!refusal()) return;
-    // The user may be changing the password at this moment, and the former one have been refused.
-    const std::lock_guard turn(set_->own_change());
-    if (const auto refused = refusal()) throw *refused;
-}
-
 void Attempts::choose_server() {
     const ServerGroup& group = set_->group();
-    if (!operation_.entry.empty() && tried_.empty())
-        server_ = group.last_written_on(operation_.entry);
+    if (tried_.empty()) {
+        // Where the user's own password has been changed, too: other servers may not know it yet.
+        if (!operation_.entry.empty()) server_ = group.last_written_on(EntryKey(operation_.entry));
+        if (!server_ && !set_->user().empty()) server_ = group.last_written_on(set_->user_key());
+    }
     if (!server_) server_ = group.choose(lease_.settings().failback_after, tried_);
 }
 
@@ -121,31 +130,33 @@ void Attempts::authenticate() {
 // As the set's user. A connection whose bind was not accepted is closed: its user is nobody now, or
 // not known.
 Result Attempts::bind() {
+    Clock::time_point at;
+    std::uint64_t mark = 0;
     const auto bind_once = [&](const Secret& password) {
-        const auto now = pool_.clock().now();
-        const std::uint64_t mark = pool_.writes().mark(set_->user_key());
+        at = pool_.clock().now();
+        mark = pool_.writes().mark(set_->user_key());
         const Result result = lease_.connection().session.bind(set_->user(), password);
         if (result.ok()) {
-            server_->note_answer(duration_cast<microseconds>(pool_.clock().now() - now));
-            set_->note_accepted(now, mark, lease_.generation());
+            note_answer(server_, pool_.clock().now() - at);
+            set_->note_accepted(at, mark, lease_.generation());
         } else if (result.connection_failed() || result.is_unavailable()) {
             note_failure(server_, result);
-        } else if (result.code != result_code::other) {
-            set_->note_refused(bind_failure(result), now, mark, lease_.generation());
-            pool_.remember_refusal(set_);
         }
         if (!result.ok()) lease_.close();
         return result;
     };
     const Secret password = set_->password();
     Result result = bind_once(password);
-    if (result.code == result_code::invalid_credentials) {
-        // The user may be changing it at this moment.
-        const std::lock_guard turn(set_->own_change());
-        if (!set_->has_password(password)) {
-            connect();
-            result = bind_once(set_->password());
-        }
+    if (!says_wrong(result)) return result;
+    // The user may be changing it at this moment.
+    const std::lock_guard turn(set_->own_change());
+    if (!set_->has_password(password)) {
+        connect();
+        result = bind_once(set_->password());
+    }
+    if (says_wrong(result)) {
+        set_->note_refused(bind_failure(result), at, mark, lease_.generation());
+        pool_.remember_refusal(set_);
     }
     return result;
 }
@@ -155,11 +166,9 @@ void Attempts::note_failure(const ServerRef& server, const Result& result) {
 }
 
 // A server that takes half of what it may is not waited for again while another one is up.
-void Attempts::note_answer(const ServerRef& server) {
-    const auto took = pool_.clock().now() - begin_;
+void Attempts::note_answer(const ServerRef& server, Clock::time_point::duration took) {
     server->note_answer(duration_cast<microseconds>(took));
-    const bool is_search = operation_.entry.empty();
-    if (!is_search && server->is_probed() && took > limits_.answer / 2)
+    if (server->is_probed() && took > limits_.answer / 2)
         pool_.servers().note_failure(
             *server, "An answer took " +
                          std::to_string(duration_cast<std::chrono::milliseconds>(took).count()) +
@@ -192,7 +201,12 @@ bool Attempts::again(const Result& result) {
         tried_.push_back(server);
         return is_repeatable && go_on(set_->group().choose_up(settings.failback_after, tried_));
     }
-    note_answer(server);
+    const auto took = pool_.clock().now() - begin_;
+    const bool is_search = operation_.entry.empty();
+    if (is_search)
+        server->note_answer(duration_cast<microseconds>(took));
+    else
+        note_answer(server, took);
     if (result.code == result_code::referral && operation_.effect == Effect::change) {
         tried_.push_back(server);
         const ServerRef master = set_->group().referred_to(result.referrals);
@@ -203,7 +217,7 @@ bool Attempts::again(const Result& result) {
         }
     }
     if (result.ok() && operation_.effect == Effect::change && !operation_.entry.empty())
-        set_->group().note_write(operation_.entry, server,
+        set_->group().note_write(EntryKey(operation_.entry), server,
                                  pool_.clock().now() + settings.replica_lag);
     lease_.release();
     return false;

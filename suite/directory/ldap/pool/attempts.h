@@ -48,18 +48,19 @@ public:
     // The server that the session is connected to.
     const ServerRef& server() { return lease_.connection().server; }
 
+    // The session was all that was wanted: the operation is over, and the connection idle.
+    void finish() { lease_.release(); }
     // Whether to try it again after this result. Otherwise the operation is over, and the
     // connection idle or closed.
     bool again(const Result& result);
 
 private:
-    void refuse_refused();
     void choose_server();
     void connect();
     void authenticate();
     Result bind();
     void note_failure(const ServerRef& server, const Result& result);
-    void note_answer(const ServerRef& server);
+    void note_answer(const ServerRef& server, Clock::time_point::duration took);
 
     ConnectionPool& pool_;
     const ConnectionSetRef set_;

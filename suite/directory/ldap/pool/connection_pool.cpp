@@ -103,18 +103,25 @@ void ConnectionPool::keep(const ConnectionSetRef& set) {
 
 void ConnectionPool::evict_idle(const PoolSettings& settings, Clock::time_point now,
                                 Dropped& dropped) {
-    const auto drop_first = [&] {
-        idle_.front().set->evict_all();
-        idle_places_.erase(idle_.front().set.get());
-        dropped.push_back(std::move(idle_.front().set));
-        idle_.pop_front();
-    };
     while (!idle_.empty() &&
-           (settings.maximum_size == 0 || now - idle_.front().used >= settings.idle))
-        drop_first();
+           (settings.maximum_size == 0 || now - idle_.front().used >= settings.idle)) {
+        idle_.front().set->evict_all();
+        dropped.push_back(drop(idle_.begin()));
+    }
     if (idle_.size() * settings.maximum_size <= settings.maximum_idle) return;
-    for (std::size_t count = count_idle(); count > settings.maximum_idle; --count)
-        while (!idle_.front().set->evict_oldest()) drop_first();
+    std::size_t count = count_idle();
+    while (count > settings.maximum_idle && !idle_.empty()) {
+        if (idle_.front().set->evict_oldest()) --count;
+        // Others take its connections meanwhile.
+        if (idle_.front().set->idle() == 0) dropped.push_back(drop(idle_.begin()));
+    }
+}
+
+ConnectionSetRef ConnectionPool::drop(IdleSets::iterator place) {
+    ConnectionSetRef set = std::move(place->set);
+    idle_places_.erase(set.get());
+    idle_.erase(place);
+    return set;
 }
 
 std::size_t ConnectionPool::count_idle() const {
@@ -124,13 +131,17 @@ std::size_t ConnectionPool::count_idle() const {
 }
 
 std::optional<Connection> ConnectionPool::take_from_others(const ServerRef& server) {
+    ConnectionSetRef dropped;
     const std::lock_guard lock(mutex_);
     const PoolSettings current = settings();
     if (count_idle() < current.maximum_idle) return std::nullopt;
     const auto now = clock_.now();
-    for (const Idle& idle : idle_) {
-        if (idle.set->use() != ConnectionSet::Use::as_user) continue;
-        if (auto given = idle.set->give_up_idle(server, current, now)) return given;
+    for (auto place = idle_.begin(); place != idle_.end(); ++place) {
+        if (place->set->use() != ConnectionSet::Use::as_user) continue;
+        auto given = place->set->give_up_idle(server, current, now);
+        if (!given) continue;
+        if (place->set->idle() == 0) dropped = drop(place);
+        return given;
     }
     return std::nullopt;
 }

@@ -88,6 +88,8 @@ private:
                                   std::shared_ptr<ServerGroup> group, const std::string& user,
                                   const Secret& password);
     void evict_idle(const PoolSettings& settings, Clock::time_point now, Dropped& dropped);
+    // Out of the sets with idle connections; the set's end may be the caller's.
+    ConnectionSetRef drop(IdleSets::iterator place);
     std::size_t count_idle() const;
     std::vector<ConnectionSetRef> all_sets() const;
 

@@ -21,8 +21,8 @@ public:
     // The set's generation when the place was taken.
     std::uint64_t generation() const { return generation_; }
 
-    // Takes an idle connection to the server, where there is one that looks alive. `is_sure`: also
-    // looks at one that was used a moment ago.
+    // Takes an idle connection to the server, where there is one that looks alive. One that was
+    // used a moment ago is looked at only with `sure`.
     enum class Care { usual, sure };
     bool take_idle(const ServerRef& server, Care care);
     // Takes one that was another user's, and looks alive, for it to be bound anew; see

@@ -6,13 +6,10 @@ namespace orvo::directory::ldap {
 
 std::optional<std::string> probe(const ServerHost& host, const Limits& limits) {
     Result result;
-    if (auto session = Session::try_connect(host, limits, result))
+    if (auto session = Session::try_connect(host, limits, result)) {
         result = session->read("", {"1.1"});
-    else if (result.ok())
-        result.code = result_code::connect_error;
-    const bool is_answer = !result.connection_failed() &&
-                           result.code != result_code::connect_error && !result.is_unavailable();
-    if (is_answer) return std::nullopt;
+        if (!result.connection_failed() && !result.is_unavailable()) return std::nullopt;
+    }
     return to_utf8(directory_failure(result.code, provider_name, result.message).description);
 }
 

@@ -20,9 +20,9 @@ void Prober::wake() {
     if (is_running_ || is_ending_) return;
     // One that has done its last round only has to end.
     if (thread_.joinable()) thread_.join();
+    thread_ = std::thread([this] { work(); });
     ++detail::live_objects();
     is_running_ = true;
-    thread_ = std::thread([this] { work(); });
 }
 
 void Prober::work() {

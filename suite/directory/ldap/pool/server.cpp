@@ -31,8 +31,9 @@ void Server::note_answer(std::chrono::microseconds took) {
     const auto former = latency_.load(std::memory_order_relaxed);
     latency_.store(former == 0 ? took.count() : former + (took.count() - former) / 8,
                    std::memory_order_relaxed);
-    if (is_up() || is_probed()) return;
+    if (is_up()) return;
     const std::lock_guard lock(mutex_);
+    if (condition_.load() == Condition::down) was_down_.store(true);
     become_up();
 }
 
@@ -40,20 +41,30 @@ bool Server::note_failure(const std::string& reason) {
     const std::lock_guard lock(mutex_);
     failures_.fetch_add(1, std::memory_order_relaxed);
     generation_.fetch_add(1);
+    last_failure_ = clock_.now();
     if (!is_up()) return false;
+    if (has_failed_) was_up_for_ = last_failure_ - since_;
     condition_.store(Condition::suspected);
     reason_ = reason;
-    since_ = next_probe_ = clock_.now();
+    since_ = next_probe_ = last_failure_;
     return true;
 }
 
-void Server::note_good_probe() {
+// A server that answers probes and fails its users over and over is left, too.
+void Server::note_good_probe(std::chrono::seconds failback_after) {
     const std::lock_guard lock(mutex_);
     const Condition former = condition_.load();
     next_probe_ = clock_.now() + shortest_pause;
     if (former == Condition::up) return;
-    if (former == Condition::down) was_down_.store(true);
+    const bool fails_again = has_failed_ && was_up_for_ < failback_after;
+    if (former == Condition::down || fails_again) was_down_.store(true);
+    has_failed_ = true;
     become_up();
+}
+
+Clock::time_point Server::last_failure() const {
+    const std::lock_guard lock(mutex_);
+    return last_failure_;
 }
 
 void Server::note_failed_probe(const std::string& reason, double jitter) {
@@ -62,6 +73,7 @@ void Server::note_failed_probe(const std::string& reason, double jitter) {
     generation_.fetch_add(1);
     if (condition_.exchange(Condition::down) != Condition::down) since_ = clock_.now();
     reason_ = reason;
+    last_failure_ = clock_.now();
     next_probe_ = clock_.now() + pause_after(failed_probes_, jitter);
 }
 

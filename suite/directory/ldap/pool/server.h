@@ -18,7 +18,9 @@ namespace orvo::directory::ldap {
 //
 //   up ── an operation failed ──> suspected ── a probe failed ──> down
 //   suspected ── a probe was answered ──> up
-//   down ── a probe was answered ──> up, but not steady before `failback_after` of good probes
+//   down ── a probe or an operation was answered ──> up, but not steady before `failback_after`
+//
+// One that is suspected again within `failback_after` of coming up is not steady at once either.
 class Server {
 public:
     Server(ServerHost host, const Clock& clock);
@@ -28,14 +30,14 @@ public:
     const std::string& url() const { return url_; }
     const Clock& clock() const { return clock_; }
 
-    // An operation was answered. Where nobody probes the server this is what brings it up.
+    // An operation was answered: a server that was not up is up.
     void note_answer(std::chrono::microseconds took);
     // An operation timed out, lost its connection or was refused because the server is busy or
     // closing. Connections of before are not used again (generation). True where the server was up
     // until now: it is to be probed at once.
     bool note_failure(const std::string& reason);
     // What came of a probe. `jitter`: 0 to 1, spreads the next one after a failure.
-    void note_good_probe();
+    void note_good_probe(std::chrono::seconds failback_after);
     void note_failed_probe(const std::string& reason, double jitter);
 
     // Whether there is another server to turn to, so that this one is probed when it fails.
@@ -46,7 +48,8 @@ public:
     std::optional<Clock::time_point> next_probe(std::chrono::seconds failback_after) const;
 
     bool is_up() const { return condition_.load() == ServerState::Condition::up; }
-    bool is_suspected() const { return condition_.load() == ServerState::Condition::suspected; }
+    // When an operation or a probe last failed.
+    Clock::time_point last_failure() const;
     // Up, and where it has been down, up again for so long.
     bool is_steady(std::chrono::seconds failback_after) const;
     // Changes with each failure; a connection is good for the generation it was opened in.
@@ -75,7 +78,10 @@ private:
     std::string reason_;
     Clock::time_point since_;
     Clock::time_point next_probe_;
-    int failed_probes_ = 0;  // one after the other
+    Clock::time_point last_failure_;
+    bool has_failed_ = false;
+    Clock::time_point::duration was_up_for_{};  // before the last failure
+    int failed_probes_ = 0;                     // one after the other
     StoredFacts facts_;
 };
 

@@ -49,11 +49,9 @@ ServerRef ServerGroup::choose(std::chrono::seconds failback_after,
                               std::span<const ServerRef> tried) const {
     if (ServerRef up = choose_up(failback_after, tried)) return up;
     ServerRef first;
-    for (const ServerRef& server : servers_) {
-        if (is_among(server, tried)) continue;
-        if (server->is_suspected()) return server;
-        if (!first) first = server;
-    }
+    for (const ServerRef& server : servers_)
+        if (!is_among(server, tried) && (!first || server->last_failure() < first->last_failure()))
+            first = server;
     return first;
 }
 
@@ -68,21 +66,23 @@ ServerRef ServerGroup::referred_to(std::span<const std::string> urls) const {
     return nullptr;
 }
 
-void ServerGroup::note_write(std::string_view entry, const ServerRef& server,
+void ServerGroup::note_write(const EntryKey& entry, const ServerRef& server,
                              Clock::time_point until) {
     if (servers_.size() < 2) return;
     const Clock::time_point now = server->clock().now();
     const std::lock_guard lock(mutex_);
-    std::erase_if(writes_, [&](const auto& write) { return write.second.until <= now; });
-    writes_.insert_or_assign(EntryKey(entry).loose, Write{server, until});
+    if (now >= prune_at_) {
+        std::erase_if(writes_, [&](const auto& write) { return write.second.until <= now; });
+        prune_at_ = until;
+    }
+    writes_.insert_or_assign(entry.loose, Write{server, until});
     has_writes_.store(true);
 }
 
-ServerRef ServerGroup::last_written_on(std::string_view entry) const {
+ServerRef ServerGroup::last_written_on(const EntryKey& entry) const {
     if (!has_writes_.load()) return nullptr;
-    const std::string key = EntryKey(entry).loose;
     const std::lock_guard lock(mutex_);
-    const auto found = writes_.find(key);
+    const auto found = writes_.find(entry.loose);
     if (found == writes_.end()) return nullptr;
     const auto& [server, until] = found->second;
     return server->clock().now() < until && server->is_up() ? server : nullptr;

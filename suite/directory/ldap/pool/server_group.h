@@ -7,11 +7,11 @@
 #include <mutex>
 #include <span>
 #include <string>
-#include <string_view>
 #include <unordered_map>
 #include <vector>
 
 #include "suite/directory/ldap/pool/server.h"
+#include "suite/directory/names/entry_key.h"
 
 namespace orvo::directory::ldap {
 
@@ -27,8 +27,8 @@ public:
     const std::vector<ServerRef>& servers() const { return servers_; }
 
     // The server that an operation goes to: the first that is steady, otherwise the first that is
-    // up; where none is, the first that is suspected, then the first of all. Those in `tried` are
-    // left out; null where that leaves none.
+    // up; where none is, the one that failed longest ago. Those in `tried` are left out; null where
+    // that leaves none.
     ServerRef choose(std::chrono::seconds failback_after,
                      std::span<const ServerRef> tried = {}) const;
     // The same among those that are up.
@@ -40,10 +40,10 @@ public:
 
     // This process has written to the entry of this name on the server: until `until` the entry is
     // read there (last_written_on), since the others may not have been told yet.
-    void note_write(std::string_view entry, const ServerRef& server, Clock::time_point until);
+    void note_write(const EntryKey& entry, const ServerRef& server, Clock::time_point until);
     // Where to read the entry of this name, for what this process has written to it to be seen;
     // null where any server will do, or that one is not up.
-    ServerRef last_written_on(std::string_view entry) const;
+    ServerRef last_written_on(const EntryKey& entry) const;
 
 private:
     struct Write {
@@ -56,6 +56,7 @@ private:
     std::atomic<bool> has_writes_ = false;
     mutable std::mutex mutex_;
     std::unordered_map<std::string, Write> writes_;  // by EntryKey::loose
+    Clock::time_point prune_at_;
 };
 
 }  // namespace orvo::directory::ldap

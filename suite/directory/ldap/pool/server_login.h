@@ -86,8 +86,15 @@ public:
 
     // Authenticates the user, and nothing else.
     void authenticate() {
-        search([](Session&) { return Result(); });
+        find_presented();
+        Attempts attempts(*pool_, set_, {Effect::none, {}, limits_});
+        if (presented_) attempts.present();
+        attempts.session();
+        presented_.reset();
+        attempts.finish();
     }
+    // Whether there is another server to turn to.
+    bool has_several_servers() const { return set_->group().servers().size() > 1; }
 
     // What the server knows, from the process's store or read now; `refreshed_facts` reads them
     // anew, at most once a minute: for an attribute that the stored schema does not know.

@@ -48,7 +48,7 @@ std::optional<Clock::time_point> Servers::probe_due(std::chrono::seconds failbac
             if (const auto reason = probe_(server->host()))
                 server->note_failed_probe(*reason, std::uniform_real_distribution<>(0, 1)(random_));
             else
-                server->note_good_probe();
+                server->note_good_probe(failback_after);
             due = server->next_probe(failback_after);
         }
         if (due && (!next || *due < *next)) next = due;

@@ -131,7 +131,10 @@ Text LdapEntry::take_back(const std::string& name, TextView is_or_may_be) {
     try {
         const Result removed =
             login_->write(name, [&](Session& session) { return session.remove(name); });
-        if (removed.ok() || removed.code == result_code::no_such_object) return {};
+        // Another server than the one that has it may not know the entry.
+        const bool is_gone =
+            removed.code == result_code::no_such_object && !login_->has_several_servers();
+        if (removed.ok() || is_gone) return {};
         why = directory_failure(removed.code, provider_name, removed.message).description;
     } catch (const Failure& failure) {  // the first failure is the one to raise
         why = failure.description;

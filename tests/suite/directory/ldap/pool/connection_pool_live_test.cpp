@@ -412,6 +412,18 @@ TEST_F(ConnectionPoolTest, ManyUsersLeaveNoMoreIdleConnectionsThanAllowed) {
     EXPECT_TRUE(comes_to(2));
 }
 
+TEST_F(ConnectionPoolTest, ManyThreadsMayWorkWhereNoConnectionMayBeIdle) {
+    use({u"MaximumIdle"}, {0});
+    std::atomic<int> wrong = 0;
+    in_threads(8, [&](int) {
+        ServerLogin login = this->login(service());
+        for (int round = 0; round < 200; ++round)
+            if (who_is(login) != "dn:" + server_.service_dn()) ++wrong;
+    });
+    EXPECT_EQ(wrong, 0);
+    EXPECT_TRUE(comes_to(0));
+}
+
 TEST_F(ConnectionPoolTest, WhereManyAreIdleTheLeastRecentlyUsedOneIsBoundAnew) {
     use({u"MaximumIdle"}, {2});
     ServerLogin one = login(user("jsmith")), other = login(user("djansen"));

@@ -129,15 +129,44 @@ TEST_F(ServersTest, AServerThatIsUpAgainServesWhereNoOtherIsUp) {
     EXPECT_EQ(chosen(), "dir02");
 }
 
-TEST_F(ServersTest, WhereNoneIsUpThoseOfWhichThatIsNotCertainComeFirst) {
-    servers_.note_failure(first_, "lost");
-    servers_.probe_due(failback_after);
-    servers_.note_failure(second_, "lost");
-    servers_.note_failure(*group_->servers()[2], "lost");
+TEST_F(ServersTest, WhereNoneIsUpTheOneThatFailedLongestAgoComesFirst) {
+    for (const ServerRef& server : group_->servers()) {
+        servers_.note_failure(*server, "lost");
+        clock_.advance(1ms);
+    }
+    EXPECT_EQ(chosen(), "dir01");
+    servers_.note_failure(first_, "lost again");
     EXPECT_EQ(chosen(), "dir02");
     const std::vector<ServerRef> tried = {group_->servers()[1], group_->servers()[2]};
     EXPECT_EQ(group_->choose(failback_after, tried)->host().name, "dir01");
     EXPECT_EQ(group_->choose_up(failback_after, tried), nullptr);
+}
+
+TEST_F(ServersTest, AServerThatIsDownIsUpWhenItAnswersAnOperationButNotSteady) {
+    servers_.note_failure(first_, "lost");
+    servers_.probe_due(failback_after);
+    first_.note_answer(1ms);
+    EXPECT_EQ(first_.state().condition, Condition::up);
+    EXPECT_EQ(chosen(), "dir02");
+    clock_.advance(10s);
+    EXPECT_EQ(chosen(), "dir01");
+}
+
+TEST_F(ServersTest, AServerThatAnswersProbesAndFailsItsUsersAgainIsLeftForAWhile) {
+    is_well_["dir01"] = true;
+    servers_.note_failure(first_, "busy");
+    servers_.probe_due(failback_after);
+    EXPECT_EQ(chosen(), "dir01") << "it was the first time";
+    clock_.advance(9s);
+    servers_.note_failure(first_, "busy");
+    servers_.probe_due(failback_after);
+    EXPECT_EQ(first_.state().condition, Condition::up);
+    EXPECT_EQ(chosen(), "dir02");
+    clock_.advance(10s);
+    EXPECT_EQ(chosen(), "dir01");
+    servers_.note_failure(first_, "busy");
+    servers_.probe_due(failback_after);
+    EXPECT_EQ(chosen(), "dir01") << "it had been up for long enough";
 }
 
 TEST_F(ServersTest, AFailureEndsTheGenerationOfAServersConnections) {
@@ -179,16 +208,17 @@ TEST_F(ServersTest, TwoAddressesWithOneServerShareWhatIsKnownOfIt) {
 
 TEST_F(ServersTest, WhatWasWrittenIsReadWhereItWasWrittenForAWhile) {
     const auto& servers = group_->servers();
-    group_->note_write("cn=a,o=Shop", servers[1], clock_.now() + 5s);
-    EXPECT_EQ(group_->last_written_on("CN=A, o=shop"), servers[1]);
-    EXPECT_EQ(group_->last_written_on("cn=b,o=Shop"), nullptr);
+    group_->note_write(EntryKey("cn=a,o=Shop"), servers[1], clock_.now() + 5s);
+    EXPECT_EQ(group_->last_written_on(EntryKey("CN=A, o=shop")), servers[1]);
+    EXPECT_EQ(group_->last_written_on(EntryKey("cn=b,o=Shop")), nullptr);
     servers_.note_failure(second_, "lost");
-    EXPECT_EQ(group_->last_written_on("cn=a,o=Shop"), nullptr) << "not from one that is not up";
+    EXPECT_EQ(group_->last_written_on(EntryKey("cn=a,o=Shop")), nullptr)
+        << "not from one that is not up";
     is_well_["dir02"] = true;
     servers_.probe_due(failback_after);
-    EXPECT_EQ(group_->last_written_on("cn=a,o=Shop"), servers[1]);
+    EXPECT_EQ(group_->last_written_on(EntryKey("cn=a,o=Shop")), servers[1]);
     clock_.advance(5s);
-    EXPECT_EQ(group_->last_written_on("cn=a,o=Shop"), nullptr);
+    EXPECT_EQ(group_->last_written_on(EntryKey("cn=a,o=Shop")), nullptr);
 }
 
 TEST_F(ServersTest, AReferralLeadsToAServerOfTheListAlone) {
