@@ -23,10 +23,15 @@ inline void overwrite(void* memory, std::size_t size) {
 class Secret {
 public:
     Secret() = default;
-    explicit Secret(TextView text) {
-        std::string bytes = to_utf8(text);
-        assign(bytes);
-        overwrite(bytes.data(), bytes.size());
+    explicit Secret(TextView text) : bytes_(std::make_unique<char[]>(text.size() * 3 + 1)) {
+        // By single characters: a longer text would leave copies behind as it grows.
+        while (!text.empty()) {
+            const bool is_pair = text.size() > 1 && (text[0] & 0xFC00) == 0xD800;
+            const std::string character = to_utf8(text.substr(0, is_pair ? 2 : 1));
+            std::memcpy(bytes_.get() + size_, character.data(), character.size());
+            size_ += character.size();
+            text.remove_prefix(is_pair ? 2 : 1);
+        }
     }
     static Secret of_bytes(std::string_view bytes) {
         Secret secret;

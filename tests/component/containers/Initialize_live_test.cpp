@@ -73,7 +73,7 @@ TEST_FRESH(InitializeLive, APoolParameterThatCannotBeUsedIsRefusedByName) {
     expect_refused([] { pool(list({u"MaximumSise"}), Values{1}); },
                    "There is no setting 'MaximumSise'. There are: MaximumSize, MaximumIdle, "
                    "WaitLimit, IdleLimit, AgeLimit, ConnectLimit, AnswerLimit, "
-                   "OperationLimit, PollLimit, RecheckAfter, FailbackAfter, ReplicaLag.");
+                   "OperationLimit, RecheckAfter, FailbackAfter, ReplicaLag.");
     expect_refused(
         [] {
             pool(list({u"MaximumSize", u"WaitLimit"}), Values{1, -1});

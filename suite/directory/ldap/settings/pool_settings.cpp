@@ -26,8 +26,6 @@ constexpr Row rows[] = {
      [](PoolSettings& s, std::int64_t n) { s.limits.answer = milliseconds(n); }},
     {{"OperationLimit", 1, 3'600'000},
      [](PoolSettings& s, std::int64_t n) { s.limits.operation = milliseconds(n); }},
-    {{"PollLimit", 0, 1000},
-     [](PoolSettings& s, std::int64_t n) { s.limits.poll = std::chrono::microseconds(n); }},
     {{"RecheckAfter", 0, 3600}, [](PoolSettings& s, std::int64_t n) { s.recheck = seconds(n); }},
     {{"FailbackAfter", 0, 86'400},
      [](PoolSettings& s, std::int64_t n) { s.failback_after = seconds(n); }},

@@ -43,7 +43,6 @@ struct PoolSettings {
 //   - ConnectLimit: milliseconds, 1 to 600000.
 //   - AnswerLimit: milliseconds, 1 to 600000.
 //   - OperationLimit: milliseconds, 1 to 3600000.
-//   - PollLimit: microseconds, 0 to 1000.
 //   - RecheckAfter: seconds, 0 to 3600.
 //   - FailbackAfter: seconds, 0 to 86400.
 //   - ReplicaLag: seconds, 0 to 3600.

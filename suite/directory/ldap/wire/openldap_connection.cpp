@@ -1,7 +1,6 @@
 #include "suite/directory/ldap/wire/openldap_connection.h"
 
 #include <ldap.h>
-#include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <openldap.h>
@@ -10,13 +9,18 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <ctime>
 #include <mutex>
 #include <system_error>
 #include <utility>
 
+#include "suite/directory/ldap/wire/certificate.h"
 #include "suite/directory/ldap/wire/deadline.h"
 #include "suite/directory/ldap/wire/openldap_transport.h"
+#include "suite/directory/ldap/wire/resolver.h"
+#include "suite/directory/names/ascii.h"
 #include "suite/directory/policy/result_codes.h"
 
 namespace orvo::directory::ldap::detail {
@@ -39,10 +43,6 @@ public:
 
 private:
     int descriptor_;
-};
-
-struct FreeAddresses {
-    void operator()(addrinfo* list) const { freeaddrinfo(list); }
 };
 
 timeval timeval_of(milliseconds limit) {
@@ -75,21 +75,27 @@ int connect_within(int descriptor, const addrinfo& address, const Deadline& dead
     }
 }
 
+// A server that is lost without a word is noticed: what was sent has to be acknowledged within the
+// limit of an answer, and a connection that is idle is asked for a sign of life after 30 seconds,
+// three times at most.
+void set_socket_options(int descriptor, const Limits& limits) {
+    const auto set = [descriptor](int level, int option, int value) {
+        ::setsockopt(descriptor, level, option, &value, sizeof value);
+    };
+    set(IPPROTO_TCP, TCP_NODELAY, 1);
+    set(IPPROTO_TCP, TCP_USER_TIMEOUT, static_cast<int>(limits.answer.count()));
+    set(SOL_SOCKET, SO_KEEPALIVE, 1);
+    set(IPPROTO_TCP, TCP_KEEPIDLE, 30);
+    set(IPPROTO_TCP, TCP_KEEPINTVL, 5);
+    set(IPPROTO_TCP, TCP_KEEPCNT, 3);
+}
+
 // A connected socket, which waits unless it is told otherwise; -1: `why` tells.
-int connected_socket(const ServerHost& host, const Deadline& deadline, Result& why) {
-    addrinfo hints{};
-    hints.ai_socktype = SOCK_STREAM;
-    hints.ai_flags = AI_NUMERICSERV;
-    addrinfo* found = nullptr;
-    const int error =
-        getaddrinfo(host.name.c_str(), std::to_string(host.port).c_str(), &hints, &found);
-    if (error != 0) {
-        why = {result_code::server_down, gai_strerror(error), {}};
-        return -1;
-    }
-    const std::unique_ptr<addrinfo, FreeAddresses> addresses(found);
+int connected_socket(const ServerHost& host, const Limits& limits, const Deadline& deadline,
+                     Result& why) {
+    const Addresses addresses = find_addresses(host, deadline, why);
     int reason = 0;
-    for (const addrinfo* address = found; address; address = address->ai_next) {
+    for (const addrinfo* address = addresses.get(); address; address = address->ai_next) {
         Socket socket(::socket(address->ai_family, SOCK_STREAM | SOCK_CLOEXEC, 0));
         if (socket.get() < 0) {
             reason = errno;
@@ -97,18 +103,22 @@ int connected_socket(const ServerHost& host, const Deadline& deadline, Result& w
         }
         reason = connect_within(socket.get(), *address, deadline);
         if (reason != 0) continue;
-        const int on = 1;
-        ::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-        ::setsockopt(socket.get(), SOL_SOCKET, SO_KEEPALIVE, &on, sizeof on);
+        set_socket_options(socket.get(), limits);
         return socket.detach();
     }
-    why = {reason == ETIMEDOUT ? result_code::timeout : result_code::server_down,
-           system_message(reason),
-           {}};
+    if (reason == ETIMEDOUT) {
+        why = {result_code::timeout, "there was no connection", {}};
+    } else if (addresses) {
+        why = {result_code::server_down, system_message(reason), {}};
+    }
     return -1;
 }
 
-int set_options(LDAP* handle, const ServerHost& host, const Deadline& deadline) {
+// Whether a server's certificate is to be verified. One that is not is only looked at, and nothing
+// is sent over its connection.
+enum class Verify { demanded, never };
+
+int set_options(LDAP* handle, const ServerHost& host, const Deadline& deadline, Verify verify) {
     const int version = LDAP_VERSION3;
     const int never = LDAP_DEREF_NEVER;
     const int unlimited = LDAP_NO_LIMIT;
@@ -122,7 +132,7 @@ int set_options(LDAP* handle, const ServerHost& host, const Deadline& deadline) 
     failed |= ldap_set_option(handle, LDAP_OPT_NETWORK_TIMEOUT, &network);
     if (host.security == Security::none || failed) return failed;
 
-    const int demand = LDAP_OPT_X_TLS_DEMAND;
+    const int demand = verify == Verify::never ? LDAP_OPT_X_TLS_NEVER : LDAP_OPT_X_TLS_DEMAND;
     const int tls_1_2 = LDAP_OPT_X_TLS_PROTOCOL_TLS1_2;
     const int client = 0;
     failed |= ldap_set_option(handle, LDAP_OPT_X_TLS_REQUIRE_CERT, &demand);
@@ -143,7 +153,7 @@ bool request_tls(LDAP* handle, const Deadline& deadline, Result& why) {
         why = client_result(handle, sent);
         return false;
     }
-    const Message answer = wait_for(handle, request, Wanted::all_messages, deadline.left(), why);
+    const Message answer = next_message(handle, request, deadline, why);
     if (!answer) return false;
     int code = LDAP_OTHER;
     char* message = nullptr;
@@ -158,13 +168,75 @@ bool request_tls(LDAP* handle, const Deadline& deadline, Result& why) {
     return code == LDAP_SUCCESS;
 }
 
-bool encrypt(LDAP* handle, const Deadline& deadline, Result& why) {
+bool agree_on_encryption(LDAP* handle, const Deadline& deadline, Result& why) {
     wait_until(handle, deadline.at());
     const int installed = ldap_install_tls(handle);
     never_wait(handle);
     if (installed == LDAP_SUCCESS) return true;
     why = client_result(handle, installed);
-    if (deadline.has_passed()) why = {result_code::timeout, "no encryption", {}};
+    return false;
+}
+
+// Before its encryption, if any.
+Handle connected(const ServerHost& host, const Limits& limits, const Deadline& deadline,
+                 Verify verify, Result& why) {
+    Socket socket(connected_socket(host, limits, deadline, why));
+    if (socket.get() < 0) return nullptr;
+    LDAP* made = nullptr;
+    const int initialised = ldap_init_fd(socket.get(), LDAP_PROTO_TCP, host.url().c_str(), &made);
+    Handle handle(made);
+    if (initialised != LDAP_SUCCESS) {
+        why = client_result(nullptr, initialised);
+        return nullptr;
+    }
+    socket.detach();
+    if (set_options(made, host, deadline, verify) != LDAP_OPT_SUCCESS ||
+        !add_transport(made, longest_message)) {
+        why = {result_code::local_error,
+               host.ca_file.empty() ? "The connection cannot be set up."
+                                    : "The certificates of '" + host.ca_file + "' cannot be used.",
+               {}};
+        return nullptr;
+    }
+    if (host.security == Security::start_tls && !request_tls(made, deadline, why)) return nullptr;
+    return handle;
+}
+
+// The name that a host's certificate has to have. The library takes "localhost" for this machine's
+// own.
+std::string expected_name(const ServerHost& host) {
+    std::array<char, 256> own{};
+    const bool is_local = ascii::equal_ignoring_case(host.name, "localhost");
+    return is_local && ::gethostname(own.data(), own.size() - 1) == 0 ? own.data() : host.name;
+}
+
+// The library does not say what it has against a certificate, nor does it keep one that it has
+// refused. So a second connection fetches it, and is closed.
+std::string objection(const ServerHost& host, const Limits& limits, const Deadline& deadline) {
+    Result ignored;
+    const Handle handle = connected(host, limits, deadline, Verify::never, ignored);
+    if (!handle || !agree_on_encryption(handle.get(), deadline, ignored)) return {};
+    berval certificate{};
+    if (ldap_get_option(handle.get(), LDAP_OPT_X_TLS_PEERCERT, &certificate) != LDAP_OPT_SUCCESS ||
+        !certificate.bv_val)
+        return {};
+    const std::unique_ptr<void, decltype(&ber_memfree)> held(certificate.bv_val, ber_memfree);
+    return objection_to({certificate.bv_val, certificate.bv_len}, expected_name(host),
+                        std::time(nullptr));
+}
+
+// False: `why` tells.
+bool encrypt(LDAP* handle, const ServerHost& host, const Limits& limits, const Deadline& deadline,
+             Result& why) {
+    if (agree_on_encryption(handle, deadline, why)) return true;
+    if (deadline.has_passed()) {
+        why = {result_code::timeout, "encryption was not agreed on", {}};
+    } else {
+        const std::string reason = objection(host, limits, deadline);
+        why = {result_code::connect_error,
+               reason.empty() ? "Encryption cannot be agreed on." : reason,
+               {}};
+    }
     return false;
 }
 
@@ -189,12 +261,14 @@ Result client_result(::ldap* handle, int library_code) {
     return result;
 }
 
-Message wait_for(::ldap* handle, int request, Wanted wanted, milliseconds limit, Result& why) {
-    timeval timeout = timeval_of(limit);
+Message next_message(::ldap* handle, int request, const Deadline& deadline, Result& why) {
+    const milliseconds limit = deadline.left();
+    const bool has_time = limit.count() > 0 && await_bytes(handle, limit);
+    timeval timeout = timeval_of(has_time ? deadline.left() : milliseconds(0));
     LDAPMessage* message = nullptr;
-    const int type =
-        ldap_result(handle, request, wanted == Wanted::all_messages ? LDAP_MSG_ALL : LDAP_MSG_ONE,
-                    &timeout, &message);
+    errno = 0;
+    const int type = ldap_result(handle, request, LDAP_MSG_ONE, &timeout, &message);
+    const bool is_too_long = errno == ERANGE;
     if (type > 0) return Message(message);
     if (type == 0) {
         ldap_abandon_ext(handle, request, nullptr, nullptr);
@@ -204,37 +278,25 @@ Message wait_for(::ldap* handle, int request, Wanted wanted, milliseconds limit,
     int code = LDAP_SERVER_DOWN;
     ldap_get_option(handle, LDAP_OPT_RESULT_CODE, &code);
     why = client_result(handle, code);
+    if (is_too_long)
+        why = {result_code::decoding_error,
+               "It is longer than " + std::to_string(longest_message >> 20) + " MiB.",
+               {}};
     return nullptr;
 }
 
-Handle open_connection(const ServerHost& host, const Limits& limits, Result& why) {
+Handle open_connection(const ServerHost& host, const Limits& limits, const Deadline& deadline,
+                       Result& why) {
     // The library's own first use is not made for several threads.
     static std::once_flag initialised_once;
     std::call_once(initialised_once, [] {
         int version = 0;
         ldap_get_option(nullptr, LDAP_OPT_PROTOCOL_VERSION, &version);
     });
-    const Deadline deadline(std::min(limits.connect, limits.answer));
-    Socket socket(connected_socket(host, deadline, why));
-    if (socket.get() < 0) return nullptr;
-    LDAP* made = nullptr;
-    const int initialised = ldap_init_fd(socket.get(), LDAP_PROTO_TCP, host.url().c_str(), &made);
-    Handle handle(made);
-    if (initialised != LDAP_SUCCESS) {
-        why = client_result(nullptr, initialised);
+    Handle handle = connected(host, limits, deadline, Verify::demanded, why);
+    if (handle && host.security != Security::none &&
+        !encrypt(handle.get(), host, limits, deadline, why))
         return nullptr;
-    }
-    socket.detach();
-    if (set_options(made, host, deadline) != LDAP_OPT_SUCCESS ||
-        !add_transport(made, longest_message)) {
-        why = {result_code::local_error,
-               host.ca_file.empty() ? "The connection cannot be set up."
-                                    : "The certificates of '" + host.ca_file + "' cannot be used.",
-               {}};
-        return nullptr;
-    }
-    if (host.security == Security::start_tls && !request_tls(made, deadline, why)) return nullptr;
-    if (host.security != Security::none && !encrypt(made, deadline, why)) return nullptr;
     return handle;
 }
 

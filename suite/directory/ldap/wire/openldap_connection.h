@@ -1,10 +1,11 @@
 #pragma once
 
-// How a connection comes about with OpenLDAP's client library. Private to the library's two
-// sources.
+// How a connection comes about with OpenLDAP's client library, and how it is waited for. Private to
+// the library's sources.
 
 #include <memory>
 
+#include "suite/directory/ldap/wire/deadline.h"
 #include "suite/directory/ldap/wire/session.h"
 
 struct ldap;
@@ -16,20 +17,20 @@ struct CloseHandle {
 };
 using Handle = std::unique_ptr<::ldap, CloseHandle>;
 
-// Connects to one host and encrypts the connection where it asks for it. Empty: `why` tells.
-Handle open_connection(const ServerHost& host, const Limits& limits, Result& why);
+// Connects to one host before the deadline and encrypts the connection where it asks for it. Empty:
+// `why` tells; with code 85 its message names what was not done in time.
+Handle open_connection(const ServerHost& host, const Limits& limits, const Deadline& deadline,
+                       Result& why);
 
 // The result of a client call that failed with the library's own code.
 Result client_result(::ldap* handle, int library_code);
 
-// Waits for the complete answer to a request, or for the next message of it; never longer than
-// `limit`. Empty: `why` tells, and the request is abandoned.
+// The next message of the answer to the connection's only request. Empty: `why` tells, and the
+// request is abandoned.
 struct FreeMessage {
     void operator()(void* message) const;
 };
 using Message = std::unique_ptr<void, FreeMessage>;
-enum class Wanted { one_message, all_messages };
-Message wait_for(::ldap* handle, int request, Wanted wanted, std::chrono::milliseconds limit,
-                 Result& why);
+Message next_message(::ldap* handle, int request, const Deadline& deadline, Result& why);
 
 }  // namespace orvo::directory::ldap::detail

@@ -3,12 +3,10 @@
 #include <fcntl.h>
 #include <ldap.h>
 #include <poll.h>
-#include <sched.h>
 #include <sys/socket.h>
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
@@ -28,17 +26,8 @@ constexpr int bytes_sent_option = 0x4F58;
 
 struct Awaited {
     std::chrono::milliseconds limit;
-    std::chrono::microseconds poll;
     bool is_timeout = false;
 };
-
-// So many answers are slept for after one that did not come in time, for each time that asking was
-// to take and took: whoever gives way on a busy machine may get the next turn late.
-constexpr int answers_slept_for = 15;
-constexpr int most_times = 100;
-
-// Who waits for an answer at this moment, in the whole process.
-std::atomic<int> waiting = 0;
 
 // The library keeps a pointer to one of these for each connection.
 struct ReadAhead {
@@ -47,7 +36,6 @@ struct ReadAhead {
     std::chrono::milliseconds receive_limit{0};  // that the socket has been given; 0: none
     bool is_writing = false;                     // the library still has some of a request to write
     std::uint64_t bytes_sent = 0;
-    int answers_to_sleep_for = 0;
     std::size_t begin = 0;
     std::size_t end = 0;
     std::array<char, 16384> buffer;
@@ -72,47 +60,17 @@ bool is_nothing_yet(ssize_t received) {
     return received < 0 && (errno == EAGAIN || errno == EWOULDBLOCK);
 }
 
-ssize_t receive_once(ReadAhead& ahead, int flags) {
-    return ::recv(ahead.descriptor, ahead.buffer.data(), ahead.buffer.size(), flags);
-}
-
-ssize_t receive_polling(ReadAhead& ahead, std::chrono::microseconds poll) {
-    const auto begin = steady_clock::now();
-    for (;;) {
-        const ssize_t received = receive_once(ahead, MSG_DONTWAIT);
-        const auto times = (steady_clock::now() - begin) / poll;
-        if (times > 0)
-            ahead.answers_to_sleep_for =
-                answers_slept_for * static_cast<int>(std::min<std::int64_t>(times, most_times));
-        if (times > 0 || !is_nothing_yet(received)) return received;
-        ::sched_yield();
-    }
-}
-
-ssize_t receive_sleeping(ReadAhead& ahead, std::chrono::milliseconds limit) {
-    if (ahead.receive_limit != limit) {
-        const timeval time{static_cast<time_t>(limit.count() / 1000),
-                           static_cast<suseconds_t>(limit.count() % 1000 * 1000)};
-        ::setsockopt(ahead.descriptor, SOL_SOCKET, SO_RCVTIMEO, &time, sizeof time);
-        ahead.receive_limit = limit;
-    }
-    return receive_once(ahead, 0);
-}
-
 // A failure and the connection's end show once more to who reads.
 void await(ReadAhead& ahead, Awaited& awaited) {
-    const bool is_alone = waiting.fetch_add(1, std::memory_order_relaxed) == 0;
-    ssize_t received = -1;
-    bool is_received = false;
-    if (ahead.answers_to_sleep_for > 0) {
-        --ahead.answers_to_sleep_for;
-    } else if (is_alone && awaited.poll.count() > 0) {
-        received = receive_polling(ahead, awaited.poll);
-        is_received = !is_nothing_yet(received);
+    if (ahead.receive_limit != awaited.limit) {
+        const auto count = awaited.limit.count();
+        const timeval time{static_cast<time_t>(count / 1000),
+                           static_cast<suseconds_t>(count % 1000 * 1000)};
+        ::setsockopt(ahead.descriptor, SOL_SOCKET, SO_RCVTIMEO, &time, sizeof time);
+        ahead.receive_limit = awaited.limit;
     }
-    if (!is_received) received = receive_sleeping(ahead, awaited.limit);
+    const ssize_t received = ::recv(ahead.descriptor, ahead.buffer.data(), ahead.buffer.size(), 0);
     awaited.is_timeout = is_nothing_yet(received);
-    waiting.fetch_sub(1, std::memory_order_relaxed);
     ahead.begin = 0;
     ahead.end = received > 0 ? static_cast<std::size_t>(received) : 0;
 }
@@ -193,6 +151,24 @@ int close(Sockbuf_IO_Desc*) { return 0; }
 
 Sockbuf_IO transport = {set_up, remove, control, read, write, close};
 
+int set_up_wiping(Sockbuf_IO_Desc*, void*) { return 0; }
+int remove_wiping(Sockbuf_IO_Desc*) { return 0; }
+int control_wiping(Sockbuf_IO_Desc* layer, int option, void* argument) {
+    return LBER_SBIOD_CTRL_NEXT(layer, option, argument);
+}
+ber_slen_t read_wiping(Sockbuf_IO_Desc* layer, void* target, ber_len_t wanted) {
+    return LBER_SBIOD_READ_NEXT(layer, target, wanted);
+}
+// What is not written yet is handed over again.
+ber_slen_t write_wiping(Sockbuf_IO_Desc* layer, void* bytes, ber_len_t count) {
+    const ber_slen_t written = LBER_SBIOD_WRITE_NEXT(layer, bytes, count);
+    if (written > 0) ::explicit_bzero(bytes, static_cast<std::size_t>(written));
+    return written;
+}
+
+Sockbuf_IO wiping = {set_up_wiping, remove_wiping, control_wiping,
+                     read_wiping,   write_wiping,  close};
+
 Sockbuf* connection_of(::ldap* handle) {
     Sockbuf* connection = nullptr;
     ldap_get_option(handle, LDAP_OPT_SOCKBUF, &connection);
@@ -210,7 +186,8 @@ bool add_transport(::ldap* handle, unsigned long longest_message) {
     ber_len_t longest = longest_message;
     return connection &&
            ber_sockbuf_ctrl(connection, LBER_SB_OPT_SET_MAX_INCOMING, &longest) == 1 &&
-           ber_sockbuf_add_io(connection, &transport, LBER_SBIOD_LEVEL_PROVIDER, nullptr) == 0;
+           ber_sockbuf_add_io(connection, &transport, LBER_SBIOD_LEVEL_PROVIDER, nullptr) == 0 &&
+           ber_sockbuf_add_io(connection, &wiping, LBER_SBIOD_LEVEL_APPLICATION, nullptr) == 0;
 }
 
 void wait_until(::ldap* handle, steady_clock::time_point deadline) {
@@ -224,11 +201,11 @@ void never_wait(::ldap* handle) {
     ::fcntl(descriptor, F_SETFL, ::fcntl(descriptor, F_GETFL) & ~O_NONBLOCK);
 }
 
-bool await_bytes(::ldap* handle, std::chrono::milliseconds limit, std::chrono::microseconds poll) {
+bool await_bytes(::ldap* handle, std::chrono::milliseconds limit) {
     Sockbuf* connection = connection_of(handle);
     // What has been received and, where it is encrypted, deciphered is not in the buffer any more.
     if (ber_sockbuf_ctrl(connection, LBER_SB_OPT_DATA_READY, nullptr) != 0) return true;
-    Awaited awaited{limit, poll};
+    Awaited awaited{limit};
     ber_sockbuf_ctrl(connection, await_option, &awaited);
     return !awaited.is_timeout;
 }

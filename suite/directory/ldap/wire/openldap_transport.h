@@ -1,19 +1,23 @@
 #pragma once
 
-// The lowest layer of an OpenLDAP connection, in place of the library's own. Private to the
-// library's sources.
+// The two layers of our own in an OpenLDAP connection. Private to the library's sources.
+//
+// The lowest one, in place of the library's, reads ahead (the library asks for each message in
+// several small pieces, of which each would be a system call); writing to a connection that the
+// server has closed is an error code instead of a signal that ends the process. The highest one,
+// above encryption, overwrites what has been written: a request may hold a password, and the
+// library frees its memory as it is.
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 
 struct ldap;
 
 namespace orvo::directory::ldap::detail {
 
-// Puts the layer in. It reads ahead (the library asks for each message in several small pieces, of
-// which each would be a system call), and writing to a connection that the server has closed is an
-// error code instead of a signal that ends the process. `longest_message` is the length from which
-// an incoming message is refused. False when the library refuses it.
+// Puts the layers in. `longest_message` is the length from which an incoming message is refused.
+// False when the library refuses.
 bool add_transport(::ldap* handle, unsigned long longest_message);
 
 // Until `deadline`, reading and writing wait for the server, and fail once it has passed. While
@@ -29,13 +33,7 @@ void never_wait(::ldap* handle);
 // call, where waiting and then reading are two. False when nothing came within `limit`, which is
 // not 0. Where the connection fails or ends, whoever reads next is told. Comes back at once where
 // the request has not been sent whole: the library sends the rest while it waits itself.
-//
-// Who waits alone in the process asks again and again for as long as `poll`, and gives way to other
-// threads in between, before it sleeps: a server that is near answers sooner than a sleeper wakes.
-// After an answer that took longer, a connection's next 15 are slept for, and 15 more for each
-// `poll` that asking took, 1500 at most; where others need the processor it takes longer than it
-// may.
-bool await_bytes(::ldap* handle, std::chrono::milliseconds limit, std::chrono::microseconds poll);
+bool await_bytes(::ldap* handle, std::chrono::milliseconds limit);
 
 // How much has been sent in all, encryption's own bytes included.
 std::uint64_t bytes_sent(::ldap* handle);

@@ -30,10 +30,6 @@ std::optional<std::string> try_next_page(std::span<const Control> controls) {
     return "";
 }
 
-std::chrono::milliseconds limit_of(const SearchRequest& request, const Limits& limits) {
-    return request.scope == Scope::base ? limits.answer : limits.operation;
-}
-
 SearchResult paged(Result result, std::span<const Control> controls) {
     if (!result.ok()) return {std::move(result), {}};
     std::optional<std::string> next = try_next_page(controls);

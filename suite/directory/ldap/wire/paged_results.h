@@ -22,9 +22,6 @@ std::string paged_results_value(int page_size, std::string_view page);
 // the server knows no pages. Nothing where the control cannot be read.
 std::optional<std::string> try_next_page(std::span<const Control> controls);
 
-// The limit that a search has.
-std::chrono::milliseconds limit_of(const SearchRequest& request, const Limits& limits);
-
 // What came of a search, and which page follows it.
 SearchResult paged(Result result, std::span<const Control> controls);
 

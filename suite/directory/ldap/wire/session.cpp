@@ -2,37 +2,132 @@
 
 #include <utility>
 
+#include "suite/directory/ldap/wire/client.h"
 #include "suite/directory/ldap/wire/failures.h"
+#include "suite/directory/ldap/wire/paged_results.h"
+#include "suite/directory/ldap/wire/password_modify.h"
 #include "suite/directory/ldap/wire/unicode_password.h"
 
 namespace orvo::directory::ldap {
 namespace {
 
-std::string reason_of(const ServerHost& host, const Result& why) {
-    return "'" + host.url() + "'" + (why.message.empty() ? "" : ": " + why.message);
+using detail::Outcome;
+using detail::Received;
+using std::chrono::milliseconds;
+
+constexpr std::string_view who_am_i_oid = "1.3.6.1.4.1.4203.1.11.3";
+
+using Take = std::function<void(EntryData&&)>;
+
+// How long an answer may take, and the setting that says so.
+struct TimeLimit {
+    milliseconds time;
+    const char* setting;
+
+    std::string words() const { return std::to_string(time.count()) + " ms (" + setting + ")"; }
+};
+
+TimeLimit answer_limit(const Limits& limits) { return {limits.answer, "AnswerLimit"}; }
+
+TimeLimit limit_of(const SearchRequest& request, const Limits& limits) {
+    if (request.scope == Scope::base) return answer_limit(limits);
+    return {limits.operation, "OperationLimit"};
+}
+
+TimeLimit connect_limit(const Limits& limits) {
+    if (limits.answer < limits.connect) return answer_limit(limits);
+    return {limits.connect, "ConnectLimit"};
 }
 
 }  // namespace
+
+struct Session::Connection {
+    std::unique_ptr<detail::Client> client;
+    ServerHost host;
+    Limits limits;
+    bool is_lost = false;
+
+    // One request and its whole answer. `send` is given a place for the request's number.
+    template <class Send>
+    Outcome ask(const TimeLimit& limit, Send send, const SearchRequest& search = {},
+                const Take& take = {}) {
+        Outcome outcome;
+        if (is_lost) {
+            outcome.result = {result_code::server_down, "The connection was lost before.", {}};
+            outcome.result.sent = false;
+            return outcome;
+        }
+        const std::optional<std::uint64_t> before = client->bytes_sent();
+        const Deadline deadline(limit.time);
+        int request = -1;
+        outcome.result = send(request);
+        if (outcome.result.ok()) receive(request, deadline, search, take, outcome);
+        if (outcome.result.code == result_code::timeout)
+            outcome.result.message =
+                "'" + host.url() + "' gave no complete answer within " + limit.words() + ".";
+        is_lost = outcome.result.connection_failed();
+        if (is_lost && before) outcome.result.sent = client->bytes_sent() != before;
+        return outcome;
+    }
+
+    template <class Send>
+    Outcome ask_once(Send send) {
+        return ask(answer_limit(limits), send);
+    }
+
+private:
+    void receive(int request, const Deadline& deadline, const SearchRequest& search,
+                 const Take& take, Outcome& outcome) {
+        EntryData entry;
+        for (;;) {
+            switch (client->receive(request, deadline, search.wanted, entry, outcome)) {
+                case Received::entry:
+                    if (take) take(std::move(entry));
+                    break;
+                case Received::nothing:
+                    break;
+                case Received::outcome:
+                    return;
+            }
+        }
+    }
+};
 
 void check(const Result& result) {
     if (!result.ok()) raise_code(result.code, result.message, result.nearest_entry);
 }
 
+Session::Session(std::unique_ptr<Connection> connection) : connection_(std::move(connection)) {}
+Session::Session(Session&&) noexcept = default;
+Session& Session::operator=(Session&&) noexcept = default;
+Session::~Session() = default;
+
+std::optional<Session> Session::try_connect(const ServerHost& host, const Limits& limits,
+                                            Result& why) {
+    const TimeLimit limit = connect_limit(limits);
+    if (auto client = detail::open_client(host, limits, Deadline(limit.time), why))
+        return Session(std::make_unique<Connection>(std::move(client), host, limits));
+    if (why.code == result_code::timeout) why.message += " within " + limit.words() + ".";
+    return std::nullopt;
+}
+
 Session Session::connect(const ServerHost& host, const Limits& limits) {
     Result why;
     if (std::optional<Session> session = try_connect(host, limits, why)) return std::move(*session);
-    raise_code(why.code, reason_of(host, why));
+    raise_code(why.code, "'" + host.url() + "'" + (why.message.empty() ? "" : ": " + why.message));
 }
 
-Session Session::connect(const ServerAddress& server, const Limits& limits) {
-    std::string reasons;
-    Result why;
-    for (const ServerHost& host : server.hosts()) {
-        if (std::optional<Session> session = try_connect(host, limits, why))
-            return std::move(*session);
-        reasons += (reasons.empty() ? "" : " ") + reason_of(host, why);
-    }
-    raise_code(why.code, reasons);
+bool Session::seems_open() const {
+    return !connection_->is_lost && connection_->client->seems_open();
+}
+
+void Session::set_limits(const Limits& limits) { connection_->limits = limits; }
+
+BindResult Session::bind(const std::string& name, const Secret& password, Policy policy) {
+    Outcome outcome = connection_->ask_once([&](int& request) {
+        return connection_->client->send_bind(name, password, policy, request);
+    });
+    return {std::move(outcome.result), std::move(outcome.controls)};
 }
 
 ReadResult Session::read(const std::string& name, const std::vector<std::string>& attributes) {
@@ -68,6 +163,54 @@ Result Session::change_unicode_password(const std::string& name, const Secret& n
     for (Replacement& change : changes)
         overwrite(change.values.front().data(), change.values.front().size());
     return result;
+}
+
+SearchResult Session::search(const SearchRequest& search, const Take& take) {
+    Outcome outcome = connection_->ask(
+        limit_of(search, connection_->limits),
+        [&](int& request) { return connection_->client->send_search(search, request); }, search,
+        take);
+    SearchResult result = paged(std::move(outcome.result), outcome.controls);
+    connection_->is_lost |= result.connection_failed();
+    return result;
+}
+
+Result Session::add(const std::string& name, std::span<const Attribute> attributes) {
+    return connection_
+        ->ask_once(
+            [&](int& request) { return connection_->client->send_add(name, attributes, request); })
+        .result;
+}
+
+Result Session::remove(const std::string& name) {
+    return connection_
+        ->ask_once([&](int& request) { return connection_->client->send_remove(name, request); })
+        .result;
+}
+
+Result Session::modify(const std::string& name, std::span<const Replacement> replacements) {
+    return connection_
+        ->ask_once([&](int& request) {
+            return connection_->client->send_modify(name, replacements, request);
+        })
+        .result;
+}
+
+Result Session::change_password(const std::string& name, const Secret& new_password,
+                                const Secret& former_password) {
+    const Secret value = password_modify_request(name, new_password, former_password);
+    return connection_
+        ->ask_once([&](int& request) {
+            return connection_->client->send_extended(password_modify_oid, &value, request);
+        })
+        .result;
+}
+
+WhoAmIResult Session::who_am_i() {
+    Outcome outcome = connection_->ask_once([&](int& request) {
+        return connection_->client->send_extended(who_am_i_oid, nullptr, request);
+    });
+    return {std::move(outcome.result), std::move(outcome.value)};
 }
 
 }  // namespace orvo::directory::ldap

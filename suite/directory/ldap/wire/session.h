@@ -4,8 +4,11 @@
 //
 // Everything above speaks UTF-8 bytes, names and result codes through this header; no header of a
 // client library is visible. A session is used by one thread at a time. Nothing here waits without
-// a limit, with one exception: resolving a host's name takes as long as the system's resolver does.
-// Passwords are overwritten on this side of the seam; the client library's own buffers are its own.
+// a limit; on Windows finding a host's address and StartTLS are the system's to limit.
+//
+// Passwords are overwritten once they have been sent: on this side of the seam, and in the requests
+// of OpenLDAP's library. What that keeps of a request of more than 4 KB, which it moves as it
+// grows, and what the library that Windows ships keeps, cannot be reached from here.
 //
 // A refusal by the server is a value (Result), so that a caller can tell the codes apart; `check`
 // turns it into a failure. Failures of the connection are codes of the client: 81 the connection is
@@ -35,9 +38,6 @@ struct Limits {
     std::chrono::milliseconds answer{3000};
     // For the complete answer to a search (of one with pages: for each page).
     std::chrono::milliseconds operation{15000};
-    // How long the only request of the process asks for its answer before it sleeps until it comes;
-    // 0: not at all. Where the client library waits by itself, on Windows, this does nothing.
-    std::chrono::microseconds poll{100};
 };
 
 // What came of one operation. Texts are the server's, or the client's for codes from 81.
@@ -62,13 +62,6 @@ struct Result {
 
 // Raises the failure of a result that is not `success`.
 void check(const Result& result);
-
-// What becomes of a request to a session whose connection has failed before.
-inline Result lost_before() {
-    Result result{81, "The connection was lost before.", {}};
-    result.sent = false;
-    return result;
-}
 
 // A control that came with an answer; `value` is BER, possibly empty.
 struct Control {
@@ -142,12 +135,9 @@ public:
     // 91 where that fails, 82 where the connection cannot be set up on this side, with the host's
     // URL and the reason in the description.
     static Session connect(const ServerHost& host, const Limits& limits = {});
-    // The same; nothing where it fails: `why` tells.
+    // The same; nothing where it fails: `why` tells, its message without the URL.
     static std::optional<Session> try_connect(const ServerHost& host, const Limits& limits,
                                               Result& why);
-    // Connects to the first host that answers. Raises the failure of the last host, with one reason
-    // for each host in its description.
-    static Session connect(const ServerAddress& server, const Limits& limits = {});
 
     Session(Session&& other) noexcept;
     Session& operator=(Session&& other) noexcept;

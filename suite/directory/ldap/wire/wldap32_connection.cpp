@@ -1,9 +1,8 @@
 #include "suite/directory/ldap/wire/wldap32_connection.h"
 
-#include <algorithm>
+#include <array>
 #include <utility>
 
-#include "suite/directory/ldap/wire/deadline.h"
 #include "suite/directory/policy/result_codes.h"
 
 namespace orvo::directory::ldap::detail {
@@ -21,13 +20,14 @@ l_timeval timeval_of(milliseconds limit) {
 ULONG exchange(LDAP* handle, milliseconds limit) {
     Wide base("");
     Wide filter("(objectClass=*)");
-    WideList nothing({"1.1"});
+    Wide nothing("1.1");
+    std::array<wchar_t*, 2> attributes = {nothing.get(), nullptr};
     ULONG request = 0;
     const ULONG sent = ldap_search_extW(handle, base.get(), LDAP_SCOPE_BASE, filter.get(),
-                                        nothing.get(), FALSE, nullptr, nullptr, 0, 0, &request);
+                                        attributes.data(), FALSE, nullptr, nullptr, 0, 0, &request);
     if (sent != LDAP_SUCCESS) return sent;
     Result why;
-    const Received answer = wait_for(handle, request, LDAP_MSG_ALL, limit, why);
+    const ReceivedMessage answer = next_message(handle, request, limit, why);
     return static_cast<ULONG>(answer.message ? 0 : why.code);
 }
 
@@ -35,10 +35,6 @@ ULONG exchange(LDAP* handle, milliseconds limit) {
 
 std::string narrow(const wchar_t* text) {
     return text ? to_utf8(reinterpret_cast<const char16_t*>(text)) : std::string();
-}
-
-berval borrowed(std::string_view bytes) {
-    return {static_cast<ULONG>(bytes.size()), const_cast<char*>(bytes.data())};
 }
 
 Result client_result(ULONG library_code) {
@@ -54,10 +50,10 @@ ULONG last_code(LDAP* handle) {
     return code;
 }
 
-Received wait_for(LDAP* handle, ULONG request, ULONG wanted, milliseconds limit, Result& why) {
+ReceivedMessage next_message(LDAP* handle, ULONG request, milliseconds limit, Result& why) {
     l_timeval timeout = timeval_of(limit);
     LDAPMessage* received = nullptr;
-    const ULONG type = ldap_result(handle, request, wanted, &timeout, &received);
+    const ULONG type = ldap_result(handle, request, LDAP_MSG_ONE, &timeout, &received);
     Message message(received);
     if (type == 0) {
         ldap_abandon(handle, request);
@@ -71,30 +67,7 @@ Received wait_for(LDAP* handle, ULONG request, ULONG wanted, milliseconds limit,
     return {std::move(message), type};
 }
 
-Result outcome_of(LDAP* handle, LDAPMessage* message, std::vector<Control>* controls) {
-    ULONG code = LDAP_OTHER;
-    wchar_t* nearest_text = nullptr;
-    wchar_t* message_text = nullptr;
-    wchar_t** referrals = nullptr;
-    LDAPControlW** received = nullptr;
-    const ULONG parsed = ldap_parse_resultW(handle, message, &code, &nearest_text, &message_text,
-                                            &referrals, controls ? &received : nullptr, FALSE);
-    const OwnedText nearest(nearest_text);
-    const OwnedText text(message_text);
-    if (parsed != LDAP_SUCCESS) return client_result(parsed);
-    Result result{static_cast<int>(code), narrow(text.get()), narrow(nearest.get())};
-    for (wchar_t** url = referrals; url && *url; ++url) result.referrals.push_back(narrow(*url));
-    if (referrals) ldap_value_freeW(referrals);
-    for (LDAPControlW** control = received; control && *control; ++control) {
-        const berval& value = (*control)->ldctl_value;
-        controls->push_back({narrow((*control)->ldctl_oid),
-                             value.bv_val ? std::string(value.bv_val, value.bv_len) : ""});
-    }
-    if (received) ldap_controls_freeW(received);
-    return result;
-}
-
-Handle open_connection(const ServerHost& host, const Limits& limits, Result& why) {
+Handle open_connection(const ServerHost& host, const Deadline& deadline, Result& why) {
     if (!host.ca_file.empty()) {
         why = {
             result_code::not_supported, "A certificate file cannot be named on this system.", {}};
@@ -115,7 +88,6 @@ Handle open_connection(const ServerHost& host, const Limits& limits, Result& why
     ldap_set_option(handle.get(), LDAP_OPT_TIMELIMIT, &unlimited);
     // A lost connection is the caller's to replace; a library without this option never does it.
     ldap_set_option(handle.get(), LDAP_OPT_AUTO_RECONNECT, LDAP_OPT_OFF);
-    const Deadline deadline(std::min(limits.connect, limits.answer));
     l_timeval limit = timeval_of(deadline.left());
     ULONG code = ldap_connect(handle.get(), &limit);
     if (code == LDAP_SUCCESS && host.security == Security::start_tls)
@@ -124,6 +96,7 @@ Handle open_connection(const ServerHost& host, const Limits& limits, Result& why
         code = exchange(handle.get(), deadline.left());
     if (code == LDAP_SUCCESS) return handle;
     why = client_result(code);
+    if (why.code == result_code::timeout) why.message = "there was no connection";
     return nullptr;
 }
 

@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "platform/automation/secret.h"
+#include "suite/directory/ldap/wire/deadline.h"
 #include "suite/directory/ldap/wire/session.h"
 
 namespace orvo::directory::ldap::detail {
@@ -43,23 +44,7 @@ private:
     Text text_;
 };
 
-class WideList {
-public:
-    explicit WideList(const std::vector<std::string>& texts) {
-        for (const std::string& text : texts) texts_.emplace_back(text);
-        for (Wide& text : texts_) pointers_.push_back(text.get());
-        pointers_.push_back(nullptr);
-    }
-    // Nothing for an empty list.
-    wchar_t** get() { return texts_.empty() ? nullptr : pointers_.data(); }
-
-private:
-    std::vector<Wide> texts_;
-    std::vector<wchar_t*> pointers_;
-};
-
 std::string narrow(const wchar_t* text);
-berval borrowed(std::string_view bytes);
 
 struct FreeText {
     void operator()(wchar_t* text) const { ldap_memfreeW(text); }
@@ -72,7 +57,7 @@ struct FreeMessage {
 using Message = std::unique_ptr<LDAPMessage, FreeMessage>;
 
 // A message and what it is; the type within the message is not set by every version of the library.
-struct Received {
+struct ReceivedMessage {
     Message message;
     ULONG type = 0;
 };
@@ -87,15 +72,14 @@ Result client_result(ULONG library_code);
 // The library's code for its last failure on this handle.
 ULONG last_code(LDAP* handle);
 
-// The next message of a request, or all of them. Empty: `why` tells, and the request is abandoned.
-Received wait_for(LDAP* handle, ULONG request, ULONG wanted, std::chrono::milliseconds limit,
-                  Result& why);
+// The next message of a request. Empty: `why` tells, and the request is abandoned.
+ReceivedMessage next_message(LDAP* handle, ULONG request, std::chrono::milliseconds limit,
+                             Result& why);
 
-// Takes the outcome out of the message that ends an operation.
-Result outcome_of(LDAP* handle, LDAPMessage* message, std::vector<Control>* controls = nullptr);
-
-// Connects to one host and encrypts the connection where it asks for it; a certificate is verified
-// against the system's store. Empty: `why` tells.
-Handle open_connection(const ServerHost& host, const Limits& limits, Result& why);
+// Connects to one host before the deadline and encrypts the connection where it asks for it; a
+// certificate is verified against the system's store. Empty: `why` tells; with code 85 its message
+// names what was not done in time. How long finding the address takes, and agreeing on encryption
+// by StartTLS, is the system's to limit.
+Handle open_connection(const ServerHost& host, const Deadline& deadline, Result& why);
 
 }  // namespace orvo::directory::ldap::detail

@@ -35,16 +35,15 @@ TEST(PoolSettings, HaveSensibleDefaults) {
     EXPECT_EQ(settings.limits.connect, 5s);
     EXPECT_EQ(settings.limits.answer, 3s);
     EXPECT_EQ(settings.limits.operation, 15s);
-    EXPECT_EQ(settings.limits.poll, 100us);
 }
 
 TEST(PoolSettings, TakeEachOfTheirNames) {
-    const PoolSettings settings = changed(
-        PoolSettings(),
-        Values{u"MaximumSize", u"MaximumIdle", u"WaitLimit", u"IdleLimit", u"AgeLimit",
-               u"ConnectLimit", u"AnswerLimit", u"OperationLimit", u"PollLimit", u"RecheckAfter",
-               u"FailbackAfter", u"ReplicaLag"},
-        Values{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12});
+    const PoolSettings settings =
+        changed(PoolSettings(),
+                Values{u"MaximumSize", u"MaximumIdle", u"WaitLimit", u"IdleLimit", u"AgeLimit",
+                       u"ConnectLimit", u"AnswerLimit", u"OperationLimit", u"RecheckAfter",
+                       u"FailbackAfter", u"ReplicaLag"},
+                Values{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11});
     EXPECT_EQ(settings.maximum_size, 1u);
     EXPECT_EQ(settings.maximum_idle, 2u);
     EXPECT_EQ(settings.wait, 3ms);
@@ -53,10 +52,9 @@ TEST(PoolSettings, TakeEachOfTheirNames) {
     EXPECT_EQ(settings.limits.connect, 6ms);
     EXPECT_EQ(settings.limits.answer, 7ms);
     EXPECT_EQ(settings.limits.operation, 8ms);
-    EXPECT_EQ(settings.limits.poll, 9us);
-    EXPECT_EQ(settings.recheck, 10s);
-    EXPECT_EQ(settings.failback_after, 11s);
-    EXPECT_EQ(settings.replica_lag, 12s);
+    EXPECT_EQ(settings.recheck, 9s);
+    EXPECT_EQ(settings.failback_after, 10s);
+    EXPECT_EQ(settings.replica_lag, 11s);
 }
 
 TEST(PoolSettings, KeepWhatIsNotNamed) {
@@ -80,20 +78,12 @@ TEST(PoolSettings, TakeNumbersOfEveryTypeInArraysOfAnyBounds) {
     }
 }
 
-TEST(PoolSettings, TakeAPollLimitFromNothingToAMillisecond) {
-    for (const std::int32_t number : {0, 1000})
-        EXPECT_EQ(changed(PoolSettings(), Values{u"PollLimit"}, Values{number}).limits.poll,
-                  std::chrono::microseconds(number));
-}
-
 TEST(PoolSettings, RefuseWhatTheyDoNotKnowOrCannotUse) {
     const std::string not_a_size =
         "The setting 'MaximumSize' has to be a whole number from 0 to 1000.";
-    const std::string not_a_poll =
-        "The setting 'PollLimit' has to be a whole number from 0 to 1000.";
     const std::string all =
         "There are: MaximumSize, MaximumIdle, WaitLimit, IdleLimit, AgeLimit, ConnectLimit, "
-        "AnswerLimit, OperationLimit, PollLimit, RecheckAfter, FailbackAfter, ReplicaLag.";
+        "AnswerLimit, OperationLimit, RecheckAfter, FailbackAfter, ReplicaLag.";
     struct Case {
         Variant names, values;
         std::string why;
@@ -119,8 +109,6 @@ TEST(PoolSettings, RefuseWhatTheyDoNotKnowOrCannotUse) {
         {Values{u"MaximumSize"}, Values{Variant::null()}, not_a_size},
         {Values{u"MaximumSize"}, Values{Variant(Values{1})}, not_a_size},
         {Values{u"MaximumSize"}, Values{date_from_parts({2031, 12, 31, 0, 0, 0})}, not_a_size},
-        {Values{u"PollLimit"}, Values{-1}, not_a_poll},
-        {Values{u"PollLimit"}, Values{1001}, not_a_poll},
         {Values{u"IdleLimit"}, Values{0},
          "The setting 'IdleLimit' has to be a whole number from 1 to 86400."},
         {Values{u"OperationLimit"}, Values{3600001},

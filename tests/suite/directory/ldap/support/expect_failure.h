@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdint>
+#include <string>
 
 #include "platform/automation/failure.h"
 
@@ -17,6 +19,14 @@ Failure failure_of(Action action) {
         return failure;
     }
     return Failure(0, u"", u"nothing was raised");
+}
+
+// How the description of a time-out begins.
+inline Text no_answer_of(const std::string& server, std::chrono::milliseconds limit,
+                         const std::string& setting = "AnswerLimit") {
+    return from_utf8("(85) The server did not answer in time. 'ldap://" + server +
+                     "' gave no complete answer within " + std::to_string(limit.count()) + " ms (" +
+                     setting + ").");
 }
 
 }  // namespace orvo

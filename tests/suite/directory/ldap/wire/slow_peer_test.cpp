@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <poll.h>
 #include <pthread.h>
 #include <sys/socket.h>
@@ -88,11 +89,14 @@ private:
     std::vector<int> waiting_;
 };
 
-void expect_not_connected(const FullQueue& queue, const Limits& limits, milliseconds limit) {
+void expect_not_connected(const FullQueue& queue, const Limits& limits, milliseconds limit,
+                          const std::string& setting) {
     const auto time = time_of([&] {
         const Failure failure = failure_of([&] { Session::connect(queue.host(), limits); });
         EXPECT_EQ(failure.number, error_number(0x8007203A));
-        EXPECT_NE(failure.description.find(u"(85) The server did not answer in time."), Text::npos);
+        EXPECT_EQ(to_utf8(failure.description), "(85) The server did not answer in time. '" +
+                                                    queue.host().url() +
+                                                    "': there was no connection within " + setting);
     });
     EXPECT_GE(time, limit - 10ms);
     EXPECT_LT(time, limit + 1s);
@@ -106,7 +110,6 @@ TEST(ASessionWithASlowPeer, SendsALargeRequestWholeBeforeItWaits) {
             const ssize_t count = ::recv(connection, bytes.data(), bytes.size(), 0);
             if (count <= 0) return;
             taken += static_cast<std::size_t>(count);
-            std::this_thread::sleep_for(1ms);
         }
         send(connection, modified(1));
         take_everything(connection);
@@ -139,14 +142,14 @@ TEST(ASessionWithASlowPeer, WaitsNeitherLongerNorShorterBecauseOfASignal) {
 
 TEST(ASessionWithASlowPeer, IsGivenUpWhereItIsNotConnectedInTime) {
     const FullQueue queue;
-    expect_not_connected(queue, Limits{500ms, 3s}, 500ms);
-    expect_not_connected(queue, Limits{3s, 500ms}, 500ms);
+    expect_not_connected(queue, Limits{500ms, 3s}, 500ms, "500 ms (ConnectLimit).");
+    expect_not_connected(queue, Limits{3s, 500ms}, 500ms, "500 ms (AnswerLimit).");
 }
 
 TEST(ASessionWithASlowPeer, IsGivenUpNoSoonerBecauseOfASignal) {
     const FullQueue queue;
     const Interruption interruption(200ms);
-    expect_not_connected(queue, Limits{500ms, 3s}, 500ms);
+    expect_not_connected(queue, Limits{500ms, 3s}, 500ms, "500 ms (ConnectLimit).");
 }
 
 TEST(ASessionWithASlowPeer, WaitsAsLongAsTheLatestLimitSays) {
@@ -178,13 +181,50 @@ TEST(ASessionWithASlowPeer, HasALimitForAnswersAndOneForSearches) {
     for (const auto& [name, ask] : answers) {
         Peer peer([](int connection) { take_everything(connection); });
         Session session = peer.session({3s, 100ms, 20s});
-        EXPECT_LT(time_of([&] { EXPECT_EQ(ask(session).code, 85); }), 10s) << name;
+        Result result;
+        EXPECT_LT(time_of([&] { result = ask(session); }), 10s) << name;
+        EXPECT_EQ(result.code, 85) << name;
+        EXPECT_EQ(result.message, "'ldap://" + peer.server() +
+                                      "' gave no complete answer within 100 ms (AnswerLimit).")
+            << name;
     }
     Peer peer([](int connection) { take_everything(connection); });
     Session session = peer.session({3s, 20s, 100ms});
-    EXPECT_LT(
-        time_of([&] { EXPECT_EQ(session.search(search_in(Scope::subtree), ignore).code, 85); }),
-        10s);
+    Result result;
+    EXPECT_LT(time_of([&] { result = session.search(search_in(Scope::subtree), ignore); }), 10s);
+    EXPECT_EQ(result.code, 85);
+    EXPECT_EQ(result.message, "'ldap://" + peer.server() +
+                                  "' gave no complete answer within 100 ms (OperationLimit).");
+}
+
+// The socket of this process that is connected to this port.
+int socket_to(int port) {
+    for (int descriptor = 3; descriptor < 1024; ++descriptor) {
+        sockaddr_in address{};
+        socklen_t size = sizeof address;
+        if (::getpeername(descriptor, reinterpret_cast<sockaddr*>(&address), &size) == 0 &&
+            address.sin_family == AF_INET && ntohs(address.sin_port) == port)
+            return descriptor;
+    }
+    return -1;
+}
+
+TEST(AConnection, IsGivenUpByTheSystemWhereNobodyAcknowledgesOrLives) {
+    Peer peer([](int connection) { take_everything(connection); });
+    const Session session = peer.session({3s, 2500ms});
+    const int descriptor = socket_to(peer.host().port);
+    ASSERT_GE(descriptor, 0);
+    const auto option = [descriptor](int level, int name) {
+        int value = -1;
+        socklen_t size = sizeof value;
+        ::getsockopt(descriptor, level, name, &value, &size);
+        return value;
+    };
+    EXPECT_EQ(option(IPPROTO_TCP, TCP_USER_TIMEOUT), 2500);
+    EXPECT_EQ(option(SOL_SOCKET, SO_KEEPALIVE), 1);
+    EXPECT_EQ(option(IPPROTO_TCP, TCP_KEEPIDLE), 30);
+    EXPECT_EQ(option(IPPROTO_TCP, TCP_KEEPINTVL), 5);
+    EXPECT_EQ(option(IPPROTO_TCP, TCP_KEEPCNT), 3);
 }
 
 // Closes so that the client's next write fails.

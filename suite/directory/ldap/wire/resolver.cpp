@@ -1,0 +1,112 @@
+#include "suite/directory/ldap/wire/resolver.h"
+
+#include <algorithm>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "suite/directory/policy/result_codes.h"
+
+namespace orvo::directory::ldap::detail {
+namespace {
+
+using std::chrono::milliseconds;
+
+addrinfo hints_with(int flags) {
+    addrinfo hints{};
+    hints.ai_socktype = SOCK_STREAM;
+    hints.ai_flags = AI_NUMERICSERV | flags;
+    return hints;
+}
+
+// A look-up and the texts that it reads.
+struct Lookup {
+    explicit Lookup(const ServerHost& host)
+        : name(host.name), port(std::to_string(host.port)), hints(hints_with(0)) {
+        request.ar_name = name.c_str();
+        request.ar_service = port.c_str();
+        request.ar_request = &hints;
+    }
+    Lookup(const Lookup&) = delete;
+    ~Lookup() { Addresses(request.ar_result); }
+    Addresses take() { return Addresses(std::exchange(request.ar_result, nullptr)); }
+
+    std::string name;
+    std::string port;
+    addrinfo hints;
+    gaicb request{};
+};
+
+// Look-ups that took too long and cannot be cancelled. The C library writes into them when it is
+// done, perhaps after the end of this module: the list itself is never freed.
+class Abandoned {
+public:
+    void add(std::unique_ptr<Lookup> lookup) {
+        const std::lock_guard lock(mutex_);
+        lookups_.push_back(std::move(lookup));
+    }
+    void free_those_done() {
+        const std::lock_guard lock(mutex_);
+        std::erase_if(lookups_, [](const std::unique_ptr<Lookup>& lookup) {
+            return gai_error(&lookup->request) != EAI_INPROGRESS;
+        });
+    }
+
+private:
+    std::mutex mutex_;
+    std::vector<std::unique_ptr<Lookup>> lookups_;
+};
+
+Abandoned& abandoned() {
+    static auto* const list = new Abandoned;
+    return *list;
+}
+
+int start(gaicb* lookup) {
+    gaicb* list[] = {lookup};
+    return getaddrinfo_a(GAI_NOWAIT, list, 1, nullptr);
+}
+
+int wait(gaicb* lookup, const timespec& limit) {
+    const gaicb* list[] = {lookup};
+    return gai_suspend(list, 1, &limit);
+}
+
+// 0, or an EAI_ number: EAI_INPROGRESS after the deadline.
+int run(Lookup& lookup, const Deadline& deadline, const Resolver& resolver) {
+    int error = resolver.start(&lookup.request);
+    if (error != 0) return error;
+    do {
+        const milliseconds left = deadline.left();
+        error =
+            resolver.wait(&lookup.request, {left.count() / 1000, left.count() % 1000 * 1000000});
+    } while (error == EAI_INTR);
+    return error == EAI_AGAIN ? EAI_INPROGRESS : gai_error(&lookup.request);
+}
+
+}  // namespace
+
+const Resolver system_resolver = {start, wait};
+
+Addresses find_addresses(const ServerHost& host, const Deadline& deadline, Result& why,
+                         const Resolver& resolver) {
+    const addrinfo numeric = hints_with(AI_NUMERICHOST);
+    addrinfo* found = nullptr;
+    if (getaddrinfo(host.name.c_str(), std::to_string(host.port).c_str(), &numeric, &found) == 0)
+        return Addresses(found);
+
+    abandoned().free_those_done();
+    auto lookup = std::make_unique<Lookup>(host);
+    const int error = run(*lookup, deadline, resolver);
+    if (error == 0) return lookup->take();
+    if (error != EAI_INPROGRESS) {
+        why = {result_code::server_down, gai_strerror(error), {}};
+        return nullptr;
+    }
+    if (gai_cancel(&lookup->request) == EAI_NOTCANCELED) abandoned().add(std::move(lookup));
+    why = {result_code::timeout, "its address was not found", {}};
+    return nullptr;
+}
+
+}  // namespace orvo::directory::ldap::detail
