@@ -59,8 +59,8 @@ struct KnownEntry {
     void forget_secrets();
 };
 
-// An entry as it was read, and when: it is shared, and the object that asked for it may go on with it
-// for as long as it is current.
+// An entry as it was read, and when: it is shared, and the object that asked for it may go on with
+// it for as long as it is current.
 struct Remembered {
     std::shared_ptr<const KnownEntry> entry;  // null: nothing
     Clock::time_point read_at;                // of its oldest part
@@ -68,8 +68,8 @@ struct Remembered {
 };
 
 // What was read of entries, for all of the process. Without room for entries (the default) what a
-// bind has fetched is kept for `bind_lasts`; with room, whatever was read is kept until it is as old
-// as allowed, the least recently used being evicted. What this process writes to an entry
+// bind has fetched is kept for `bind_lasts`; with room, whatever was read is kept until it is as
+// old as allowed, the least recently used being evicted. What this process writes to an entry
 // invalidates it at once; what others write is not seen before. Passwords are never kept.
 // Thread-safe.
 class EntryCache {

@@ -11,8 +11,8 @@
 namespace orvo {
 namespace directory::ldap {
 
-// A search below one container. Each acquires a connection of its user's from the pool; see Attempts
-// for what is done where a server fails. Used by one thread.
+// A search below one container. Each acquires a connection of its user's from the pool; see
+// Attempts for what is done where a server fails. Used by one thread.
 class LdapSearch final : public DirectorySearch {
 public:
     // `limits`: instead of those that the connection pool has for all.

@@ -29,8 +29,7 @@ constexpr Row rows[] = {
     {{"RecheckAfter", 0, 3600}, [](PoolSettings& s, std::int64_t n) { s.recheck = seconds(n); }},
     {{"FailbackAfter", 0, 86'400},
      [](PoolSettings& s, std::int64_t n) { s.failback_after = seconds(n); }},
-    {{"ReplicaLag", 0, 3600},
-     [](PoolSettings& s, std::int64_t n) { s.replica_lag = seconds(n); }},
+    {{"ReplicaLag", 0, 3600}, [](PoolSettings& s, std::int64_t n) { s.replica_lag = seconds(n); }},
 };
 
 }  // namespace

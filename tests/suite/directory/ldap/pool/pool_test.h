@@ -57,12 +57,13 @@ protected:
     static void clear(LdapEntry& entry, Text name) { entry.ClearValues(name); }
 
     ServerLogin login(const User& as) {
-        return ServerLogin(client_.pool(), from_utf8(server_.server()), from_utf8(as.name), from_utf8(as.password),
-                           std::nullopt);
+        return ServerLogin(client_.pool(), from_utf8(server_.server()), from_utf8(as.name),
+                           from_utf8(as.password), std::nullopt);
     }
     // The user whom the server takes the pooled connection of this login for.
     static std::string who_is(ServerLogin& login) {
-        const WhoAmIResult result = login.search([](Session& session) { return session.who_am_i(); });
+        const WhoAmIResult result =
+            login.search([](Session& session) { return session.who_am_i(); });
         return result.ok() ? result.identity : "failure " + std::to_string(result.code);
     }
 
