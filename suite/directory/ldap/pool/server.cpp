@@ -43,7 +43,8 @@ bool Server::note_failure(const std::string& reason) {
     generation_.fetch_add(1);
     last_failure_ = clock_.now();
     if (!is_up()) return false;
-    if (has_failed_) was_up_for_ = last_failure_ - since_;
+    ++failures_in_all_;
+    was_up_for_ = last_failure_ - since_;
     condition_.store(Condition::suspected);
     reason_ = reason;
     since_ = next_probe_ = last_failure_;
@@ -56,9 +57,8 @@ void Server::note_good_probe(std::chrono::seconds failback_after) {
     const Condition former = condition_.load();
     next_probe_ = clock_.now() + shortest_pause;
     if (former == Condition::up) return;
-    const bool fails_again = has_failed_ && was_up_for_ < failback_after;
+    const bool fails_again = failures_in_all_ > 1 && was_up_for_ < failback_after;
     if (former == Condition::down || fails_again) was_down_.store(true);
-    has_failed_ = true;
     become_up();
 }
 

@@ -17,7 +17,7 @@ namespace orvo::directory::ldap {
 // probes it while it is not up. Thread-safe.
 //
 //   up ── an operation failed ──> suspected ── a probe failed ──> down
-//   suspected ── a probe was answered ──> up
+//   suspected ── a probe or an operation was answered ──> up
 //   down ── a probe or an operation was answered ──> up, but not steady before `failback_after`
 //
 // One that is suspected again within `failback_after` of coming up is not steady at once either.
@@ -79,7 +79,7 @@ private:
     Clock::time_point since_;
     Clock::time_point next_probe_;
     Clock::time_point last_failure_;
-    bool has_failed_ = false;
+    int failures_in_all_ = 0;                   // how often it was up before one
     Clock::time_point::duration was_up_for_{};  // before the last failure
     int failed_probes_ = 0;                     // one after the other
     StoredFacts facts_;

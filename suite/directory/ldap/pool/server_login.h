@@ -62,8 +62,10 @@ public:
     template <class Perform>
     Result write_password(const std::string& name, const Secret& password, Perform perform) {
         const EntryKey entry(name);
+        find_presented();
+        const ConnectionSetRef own = set_;  // outlives its lock: set_ may be another meanwhile
         std::unique_lock<std::recursive_mutex> turn;
-        if (set_->user_key() == entry) turn = std::unique_lock(set_->own_change());
+        if (own->user_key() == entry) turn = std::unique_lock(own->own_change());
         bool may_be_done = false;
         const auto noted = [&](Session& session) {
             Result result = perform(session);

@@ -68,7 +68,8 @@ void LdapEntry::set_password(const Variant& value) {
         const bool is_change_first = former && facts().tells_own_change_from_reset;
         const Result result = is_change_first ? change() : set();
         if (!may_be_either || !may_another(result)) return result;
-        return is_change_first ? set() : change();
+        const Result other = is_change_first ? set() : change();
+        return may_another(other) ? result : other;
     });
 }
 
@@ -104,6 +105,12 @@ Result LdapEntry::change_own_password(const Secret& password, const Secret& form
     Text clear = from_utf8(former.reveal());
     ServerLogin own(client_.pool(), server_, from_utf8(name_), clear, limits_);
     overwrite(clear.data(), clear.size() * sizeof clear[0]);
+    try {
+        own.authenticate();
+    } catch (const Failure& refused) {  // an expired password is right, and logs nobody in
+        if (refused.number != number_of_code(result_code::invalid_credentials)) throw;
+        return {result_code::insufficient_access, "The user cannot log in to change it.", {}};
+    }
     return write_password(own, password, former, may_be_done);
 }
 

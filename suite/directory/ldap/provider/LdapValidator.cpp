@@ -52,11 +52,11 @@ void LdapValidator::find_checks() {
 
 std::int32_t LdapValidator::Validate(Variant& path, Variant& password) {
     if (!target_) raise_runtime_error(runtime_error::object_not_set);
+    ProvenPassword::forget();
     const Text converted = path.is_text() ? Text() : path.to<Text>();
     const TextView written = path.is_text() ? path.text_view() : converted;
     const Secret secret = secret_of(password);
     if (!target_->container_name) read_container();
-    ProvenPassword::forget();
     if (secret.empty() || unusable(secret) || !is_well_formed(written))
         return password_check::wrong;
     std::string name;

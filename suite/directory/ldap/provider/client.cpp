@@ -1,5 +1,7 @@
 #include "suite/directory/ldap/provider/client.h"
 
+#include <algorithm>
+
 #include "suite/directory/ldap/pool/probe.h"
 
 namespace orvo::directory::ldap {
@@ -9,7 +11,7 @@ Client::Client(const Clock& clock, Probing probing)
           clock,
           [this](const ServerHost& host) {
               Limits limits = pool_.settings().limits;
-              limits.answer /= 2;
+              limits.answer = std::max(limits.answer / 2, std::chrono::milliseconds(1));
               return probe(host, limits);
           },
           [this, probing] {

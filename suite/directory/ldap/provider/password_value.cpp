@@ -12,14 +12,23 @@ namespace orvo::directory::ldap {
 namespace {
 
 Secret read(const Variant& value) {
-    if (value.is_array() && !value.try_bytes()) {
+    if (std::optional<std::string> bytes = value.try_bytes()) {
+        Secret secret = Secret::of_bytes(*bytes);
+        overwrite(bytes->data(), bytes->size());
+        return secret;
+    }
+    if (value.is_array()) {
         const Values values = value.to<Values>();
         if (values.count() == 0) return {};
         if (values.count() > 1) raise_runtime_error(runtime_error::type_mismatch);
         return read(values[values.lower_bound()]);
     }
-    if (std::optional<std::string> bytes = value.try_bytes()) return Secret::of_bytes(*bytes);
-    if (!value.is_text()) return Secret(value.to<Text>());
+    if (!value.is_text()) {
+        Text text = value.to<Text>();
+        Secret secret{TextView(text)};
+        overwrite(text.data(), text.size() * sizeof text[0]);
+        return secret;
+    }
     if (!is_well_formed(value.text_view()))
         raise_code(result_code::invalid_syntax, "A password cannot hold half of a surrogate pair.");
     return Secret(value.text_view());

@@ -154,7 +154,10 @@ bool request_tls(LDAP* handle, const Deadline& deadline, Result& why) {
         return false;
     }
     const Message answer = next_message(handle, request, deadline, why);
-    if (!answer) return false;
+    if (!answer) {
+        if (why.code == result_code::timeout) why.message = "StartTLS was not answered";
+        return false;
+    }
     int code = LDAP_OTHER;
     char* message = nullptr;
     const int parsed = ldap_parse_result(handle, static_cast<LDAPMessage*>(answer.get()), &code,
