@@ -123,15 +123,16 @@ public:
         ChangeList<Library> changes(attributes);
         Wide entry(name);
         ULONG number = 0;
-        return sent(ldap_add_extW(get(), entry.get(), changes.get(), nullptr, nullptr, &number),
-                    number, request);
+        const ULONG code =
+            ldap_add_extW(get(), entry.get(), changes.get(), nullptr, nullptr, &number);
+        return sent(code, number, request);
     }
 
     Result send_remove(const std::string& name, int& request) override {
         Wide entry(name);
         ULONG number = 0;
-        return sent(ldap_delete_extW(get(), entry.get(), nullptr, nullptr, &number), number,
-                    request);
+        const ULONG code = ldap_delete_extW(get(), entry.get(), nullptr, nullptr, &number);
+        return sent(code, number, request);
     }
 
     Result send_modify(const std::string& name, std::span<const Replacement> replacements,
@@ -139,8 +140,9 @@ public:
         ChangeList<Library> changes(replacements);
         Wide entry(name);
         ULONG number = 0;
-        return sent(ldap_modify_extW(get(), entry.get(), changes.get(), nullptr, nullptr, &number),
-                    number, request);
+        const ULONG code =
+            ldap_modify_extW(get(), entry.get(), changes.get(), nullptr, nullptr, &number);
+        return sent(code, number, request);
     }
 
     Result send_extended(std::string_view oid, const Secret* value, int& request) override {
