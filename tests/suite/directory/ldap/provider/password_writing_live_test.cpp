@@ -3,8 +3,6 @@
 
 #include <gmock/gmock.h>
 
-#include <thread>
-
 #include "platform/abi/call.h"
 #include "platform/dictionary/dictionary.h"
 #include "suite/directory/ldap/provider/LdapEntry.h"
@@ -409,17 +407,6 @@ TEST_F(TellingServerTest, HasAnotherSetThePasswordOfThoseWhoMayNotDoItThemselves
     ASSERT_EQ(validator.Validate(path, own), 0);
     set(entry, u"other-service");
     EXPECT_EQ(LdapProbe(server_.url()).bind(server_.service_dn(), "other-service"), 0);
-}
-
-TEST_F(TellingServerTest, HasAnotherSetThePasswordOfThoseWhoseOwnHasExpired) {
-    ASSERT_EQ(probe_.replace("cn=default,ou=Policies,o=Shop", "pwdMaxAge", {"1"}), 0);
-    ASSERT_EQ(probe_.replace(djansen(), "userPassword", {"other-sample"}), 0);
-    while (raw_bind("other-sample") == 0) std::this_thread::yield();  // until it has expired
-    LdapEntry entry;
-    bind(entry);
-    ASSERT_EQ(checked(djansen(), u"other-sample"), -4);
-    set(entry, u"third-sample");
-    EXPECT_EQ(writer(), server_.service_dn());
 }
 
 }  // namespace
