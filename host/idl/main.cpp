@@ -8,8 +8,8 @@
 #include <string_view>
 
 #include "component/server/idl.h"
-#include "component/server/properties_page.h"
-#include "component/server/properties_script.h"
+#include "host/idl/properties_page.h"
+#include "host/idl/properties_script.h"
 
 int main(int argc, char** argv) {
     const std::string_view what = argc > 1 ? argv[1] : "";

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "component/server/properties_page.h"
-#include "component/server/properties_script.h"
 #include "tests/support/temp_folder.h"
 
 namespace orvo {
@@ -12,16 +10,6 @@ namespace {
 TEST(ComponentIdl, TheCommittedTextIsTheOneThatTheTablesGive) {
     EXPECT_EQ(content_of(ORVO_COMMITTED_IDL), component_idl())
         << "refresh it:\n    " << ORVO_REFRESH << " > " << ORVO_COMMITTED_IDL;
-}
-
-TEST(UserPropertiesPage, TheCommittedTextIsTheOneThatTheCatalogueGives) {
-    EXPECT_EQ(content_of(ORVO_COMMITTED_PAGE), user_properties_page())
-        << "refresh it:\n    " << ORVO_REFRESH << " --properties > " << ORVO_COMMITTED_PAGE;
-}
-
-TEST(UserPropertyList, TheCommittedTextIsTheOneThatTheCatalogueGives) {
-    EXPECT_EQ(content_of(ORVO_COMMITTED_LIST), user_property_list_script())
-        << "refresh it:\n    " << ORVO_REFRESH << " --property-list > " << ORVO_COMMITTED_LIST;
 }
 
 }  // namespace

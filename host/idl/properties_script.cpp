@@ -1,4 +1,4 @@
-#include "component/server/properties_script.h"
+#include "host/idl/properties_script.h"
 
 #include "component/entries/UserCatalogue.h"
 

@@ -1,4 +1,4 @@
-#include "component/server/properties_page.h"
+#include "host/idl/properties_page.h"
 
 #include "component/entries/UserCatalogue.h"
 
