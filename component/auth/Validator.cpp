@@ -1,8 +1,8 @@
 #include "component/auth/Validator.h"
 
 #include "component/common/Lib_ErrorHandling.h"
+#include "component/config/PMMCreator.h"
 #include "component/config/SharedServerInfo.h"
-#include "component/provider/PMMCreator.h"
 #include "platform/abi/call.h"
 
 namespace orvo {

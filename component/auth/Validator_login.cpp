@@ -5,6 +5,7 @@
 #include "component/common/Lib_ErrorHandling.h"
 #include "component/common/Lib_General.h"
 #include "component/common/OrvoMemErrors.h"
+#include "component/common/web_page.h"
 #include "component/config/SharedServerInfo.h"
 #include "component/entries/User_table.h"
 #include "platform/abi/late_call.h"
@@ -20,8 +21,8 @@ constexpr std::int32_t administrators_application = 10;
     throw Failure(membership_failed, login, description);
 }
 
-// What the user may log in to; empty for a user with no application at all. Every administrator is
-// given application 10 on top. Deliberate.
+// What the user may log in to; empty for a user with no application at all. Administrators have
+// application 10 by being administrators: it stands in no entry.
 Variant login_applications(const Ref<User>& user) {
     const Values apps = call<&User::OrvoApps>(user).to<Values>();
     const bool has_none = equals_number(apps[0], 0);
@@ -51,14 +52,11 @@ T global_setting(const Object& configuration, const char16_t* key, T otherwise) 
 }  // namespace
 
 void Validator::IObjectControl_Activate() {
-    constexpr const char16_t* source = u"OrvoMembership.Validator.IObjectControl_Activate";
     trapped(u"OrvoMembership.Validator.IObjectControl", [&] {
-        switch (Gen_GetIntrinsicState(u"Application")) {
-            case -1:
-                return LogError(source, u"No object context");
-            case -2:
-                return LogError(source, u"No items found in object context");
-        }
+        if (!runs_in_page(u"Application",
+                          {u"OrvoMembership.Validator.IObjectControl_Activate",
+                           u"No object context", u"No items found in object context"}))
+            return;
         m_oResponse = context_item(u"Response");
         m_oSession = context_item(u"Session");
         m_oRequest = context_item(u"Request");
@@ -104,10 +102,10 @@ Variant Validator::ValidateCredentials(Variant& iVarUserID, Variant& iVarPasswor
         const auto put = [&](const char16_t* name, const Variant& value) {
             late::put_value(m_oSession, value, {name});
         };
-        put(u"QUENDRAID", sNewGuid);
-        put(u"REMOTE_USER", iVarUserID);
-        put(u"REMOTE_ACCOUNT", info.FullUserPath(sUserId));
-        put(u"REMOTE_PASSWORD", iVarPassword);
+        put(session_guid, sNewGuid);
+        put(session_user, iVarUserID);
+        put(session_account, info.FullUserPath(sUserId));
+        put(session_password, iVarPassword);
         if (!applications.is_empty()) register_login(sUserId, applications);
         return lResult;
     });
@@ -125,7 +123,7 @@ void Validator::register_login(const Text& user, const Variant& applications) {
     const auto iMultiLogin = global_setting<std::int16_t>(configuration, u"MultiLogin", 1);
     const auto lMultiLoginTimeout =
         global_setting<std::int32_t>(configuration, u"MultiLoginTimeout", 10);
-    const Text guid = late::value_of(m_oSession, {u"QUENDRAID"}).to<Text>();
+    const Text guid = session_text(m_oSession, session_guid);
     const auto connector = Gen_GetComponent<FilterConnector>(filter_connector_progid);
     call<&FilterConnector::RegisterLogin>(connector, user, applications, guid, iMultiLogin,
                                           lMultiLoginTimeout);
@@ -146,8 +144,8 @@ Text Validator::UpdateAuthorizationFilter(Text& sUserId, Text& sPassword, Text& 
         const auto connector = item.is_object() ? Ref<FilterConnector>::try_from(item.to<Object>())
                                                 : Ref<FilterConnector>();
         if (!connector) {
-            // No error is pending: the login goes on with the GUID that the browser brought, if
-            // any. Deliberate.
+            // Without a pending error nothing is raised: the login goes on with the GUID that the
+            // browser brought, and tells itself where there is none.
             HandleError(source,
                         u"Authorization filter cannot be created. The filter is not installed or "
                         u"cannot be accessed.");

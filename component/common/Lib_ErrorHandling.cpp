@@ -100,19 +100,12 @@ namespace detail {
 BodyScope::BodyScope() : callers_(std::exchange(pending, nullptr)) {}
 BodyScope::~BodyScope() { pending = callers_; }
 
-void handle_current_exception(const Text& method, const Variant& info) {
-    Failure failure = current_failure(component_name);
+Failure caught() { return current_failure(component_name); }
+
+void handle(const Text& method, Failure failure, const Variant& info) {
     const PendingScope scope(failure);
     HandleError(method, info);
     throw failure;  // a number of 0 is nothing to HandleError, and still a failure
-}
-
-void handle_rephrased(const Text& method, const std::function<void(Failure&)>& rephrase) {
-    Failure failure = current_failure(component_name);
-    rephrase(failure);
-    const PendingScope scope(failure);
-    HandleError(method);
-    throw failure;
 }
 
 }  // namespace detail

@@ -3,8 +3,7 @@
 // The one way in which failures are reported: logged through the suite's log component and raised
 // again, with a description that tells number, method and cause.
 
-#include <functional>
-#include <type_traits>
+#include <utility>
 
 #include "platform/automation/failure.h"
 #include "platform/automation/variant.h"
@@ -24,8 +23,8 @@ struct ErrorRecord {
 // source and help stay. Where no error is pending nothing is logged and nothing is raised: a method
 // that hands over a message without a pending error returns quietly, which several rely on.
 //
-// The logged message holds the block twice, one inside the other, because the pending description
-// is replaced before the entry is formatted. That is deliberate.
+// The logged message holds the block twice, one inside the other: the pending description is
+// replaced before the entry is formatted, so that the entry shows what the caller is told.
 //
 // info: a line of information; left out, the block has no such line, while an empty text gives one.
 void HandleError(const Text& method, const Variant& info = Variant::missing());
@@ -57,12 +56,11 @@ private:
     Failure* callers_;
 };
 
-// Makes the exception being handled the pending error and hands it to HandleError.
-[[noreturn]] void handle_current_exception(const Text& method, const Variant& info);
-// The same, after `rephrase` had the chance to tell it in other words. Only those are logged here:
-// the cause is told by whoever raised it, as the directory provider does.
-[[noreturn]] void handle_rephrased(const Text& method,
-                                   const std::function<void(Failure&)>& rephrase);
+// The exception being handled, as a failure; one without a source is the component's.
+Failure caught();
+// Makes the failure the pending error, hands it to HandleError, and raises it in any case.
+[[noreturn]] void handle(const Text& method, Failure failure,
+                         const Variant& info = Variant::missing());
 
 }  // namespace detail
 
@@ -75,42 +73,42 @@ struct MethodName {
     constexpr MethodName(const char16_t* prefix, const char* name) : prefix(prefix), name(name) {}
 };
 
-// The frame of a public method: runs `body` and hands whatever it raises to HandleError under the
-// method's name. `info` is the line of information: a text, or a function that makes it and is
-// called only after a failure.
+// The frame of a public method: answers what `body` answers, and hands whatever it raises to
+// HandleError under the method's name.
 template <class Body>
 auto trapped(MethodName method, Body&& body) {
     const detail::BodyScope scope;
     try {
         return body();
     } catch (...) {
-        detail::handle_current_exception(method.text(), Variant::missing());
-    }
-}
-template <class Info, class Body>
-requires(!std::is_invocable_v<Info, Failure&>) auto trapped(MethodName method, Info&& info,
-                                                            Body&& body) {
-    const detail::BodyScope scope;
-    try {
-        return body();
-    } catch (...) {
-        if constexpr (std::is_invocable_v<Info>)
-            detail::handle_current_exception(method.text(), info());
-        else
-            detail::handle_current_exception(method.text(), info);
+        detail::handle(method.text(), detail::caught());
     }
 }
 
-// The frame of a method that tells some of its failures in its own words: `rephrase` may change the
-// failure that is pending, before HandleError gets it.
-template <class Rephrase, class Body>
-requires std::is_invocable_v<Rephrase, Failure&>
-auto trapped(MethodName method, Rephrase&& rephrase, Body&& body) {
+// The same with a line of information, which `info` makes. It is called only after a failure.
+template <class Info, class Body>
+auto trapped_with_info(MethodName method, Info&& info, Body&& body) {
     const detail::BodyScope scope;
     try {
         return body();
     } catch (...) {
-        detail::handle_rephrased(method.text(), rephrase);
+        Failure failure = detail::caught();
+        detail::handle(method.text(), std::move(failure), info());
+    }
+}
+
+// The same for a method that tells some of its failures in its own words: `reword` gets what the
+// body raised and may change it before it is handled. The former words are not logged here; who
+// raised the failure tells its cause, as the directory provider does.
+template <class Reword, class Body>
+auto trapped_rewording(MethodName method, Reword&& reword, Body&& body) {
+    const detail::BodyScope scope;
+    try {
+        return body();
+    } catch (...) {
+        Failure failure = detail::caught();
+        reword(failure);
+        detail::handle(method.text(), std::move(failure));
     }
 }
 

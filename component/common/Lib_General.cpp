@@ -38,7 +38,7 @@ Variant creation_info(const Text& progID) {
 }  // namespace
 
 Object Gen_GetComponent(const Text& progID) {
-    return trapped(
+    return trapped_with_info(
         u"Lib_General.Gen_GetComponent", [&] { return creation_info(progID); },
         [&]() -> Object {
             const Ref<ObjectContext> context = object_context();

@@ -1,28 +1,27 @@
 #include "component/config/Account.h"
 
 #include "component/common/Lib_ErrorHandling.h"
+#include "component/config/DirectoryAccount.h"
 #include "component/config/SharedServerInfo.h"
-#include "component/provider/PMMCreator.h"
 #include "platform/abi/call.h"
 #include "platform/automation/values.h"
 
 namespace orvo {
 
 void Account::Init(std::int16_t& iUserType) {
-    trapped(u"OrvoMembership.Account.Init",
-            u"Cannot bind with the administrator user, please check the administrator user in LDAP",
-            [&] {
-                ServerInfo& info = *shared_server_info();
-                Text user = info.script_user();
-                Text password = info.script_code();
-                entry_ = PMMCreator().GetPMMObject();
-                Text server = info.server_name();
-                Text container = info.account_container();
-                Text name = info.account_naming_attribute() + u"=" + decimal(iUserType);
-                Variant attributes = Values();
-                call<&DirectoryEntry::Bind>(entry_, server, container, name, user, password,
-                                            attributes);
-            });
+    const auto info_line = [] {
+        return u"Cannot bind with the administrator user, please check the administrator user in "
+               u"LDAP";
+    };
+    trapped_with_info(u"OrvoMembership.Account.Init", info_line, [&] {
+        ServerInfo& info = *shared_server_info();
+        Text user = info.script_user();
+        Text password = info.script_code();
+        PMMCreator provider;
+        entry_ = provider.GetPMMObject();
+        bind_entry(entry_, info.account_container(),
+                   info.account_naming_attribute() + u"=" + decimal(iUserType), user, password);
+    });
 }
 
 Variant Account::first_value(const char16_t* attribute) {

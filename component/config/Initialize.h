@@ -1,6 +1,6 @@
 #pragma once
 
-#include "component/provider/PMMCreator.h"
+#include "component/config/PMMCreator.h"
 
 namespace orvo {
 

@@ -27,8 +27,7 @@ void PMMAccessor::InitConfigFile(const Text& sSiteConfigFileName) {
         call<&Configuration::LoadSiteConfigurationFile>(configuration, sSiteConfigFileName);
         ServerInfo& info = *shared_server_info();
         info.LoadConfigFile(configuration);
-        bind_user_ = info.script_user();
-        bind_password_ = Secret(info.script_code());
+        account_ = {info.script_user(), Secret(info.script_code())};
     });
 }
 
@@ -36,14 +35,9 @@ Object PMMAccessor::GetLDAPUsers(std::int32_t productID) {
     return trapped(u"OrvoMembership.PMMAccessor.GetLDAPUsers", [&] {
         if (!factory_) raise_runtime_error(runtime_error::object_not_set);
         ServerInfo& info = *shared_server_info();
-        Text filter = u"(& (objectClass=" + element(info.GetUserClass(), 0).to<Text>() + u")" +
+        Text filter = u"(& (objectClass=" + info.first_user_class() + u")" +
                       application_filter(productID) + u")";
-        const auto search = factory_->GetPMMSearch();
-        Text server = info.server_name();
-        Text container = info.user_container();
-        Text user = bind_user_;
-        Text password = from_utf8(bind_password_.reveal());
-        call<&DirectorySearch::Connect>(search, server, container, user, password);
+        const auto search = account_.connected_search(*factory_, info.user_container());
         Variant columns = Values{u"CN"};
         return call<&DirectorySearch::Execute>(search, filter, columns, most_users);
     });

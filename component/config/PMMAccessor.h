@@ -2,8 +2,7 @@
 
 #include <optional>
 
-#include "component/provider/PMMCreator.h"
-#include "platform/automation/secret.h"
+#include "component/config/DirectoryAccount.h"
 
 namespace orvo {
 
@@ -19,8 +18,7 @@ public:
 
 private:
     std::optional<PMMCreator> factory_;
-    Text bind_user_;
-    Secret bind_password_;
+    DirectoryAccount account_;
 };
 
 // clang-format off

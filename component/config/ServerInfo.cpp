@@ -35,8 +35,8 @@ const ServerInfo::Setting ServerInfo::settings[] = {
 };
 
 void ServerInfo::CheckState() {
-    // No error is pending here, so this neither logs nor raises: a getter on an object that was not
-    // loaded answers its empty value. Deliberate.
+    // Without a pending error this neither logs nor raises: who asks before anything was loaded
+    // gets the empty value, which User::BindAs and PMMCreator test for.
     if (!is_loaded_)
         HandleError(u"OrvoMembership.ServerInfo.CheckState",
                     u"Configuration information was not loaded in memory.");
@@ -57,6 +57,7 @@ Variant ServerInfo::GetUserNamingAttribute() { return user_naming_attribute(); }
 Variant ServerInfo::GetProfileNamingAttribute() { return profile_naming_attribute(); }
 Variant ServerInfo::GetAccountNamingAttribute() { return account_naming_attribute(); }
 Variant ServerInfo::GetUserMandatoryAttributes() { return checked(user_mandatory_attributes_); }
+Text ServerInfo::first_user_class() { return element(GetUserClass(), 0).to<Text>(); }
 Variant ServerInfo::GetConfigFileName() { return configuration_file_name(); }
 Text ServerInfo::ConfigurationPath() { return configuration_path_; }
 
@@ -77,7 +78,8 @@ void ServerInfo::fill(const Setting& setting, const Ref<Configuration>& configur
 }
 
 void ServerInfo::LoadConfigFile(Ref<Configuration>& i_oConfiguration) {
-    trapped(u"OrvoMembership.ServerInfo.LoadConfig", u"Couldn't read a configuration value", [&] {
+    const auto info_line = [] { return u"Couldn't read a configuration value"; };
+    trapped_with_info(u"OrvoMembership.ServerInfo.LoadConfig", info_line, [&] {
         is_loaded_ = false;
         const std::span all(settings);
         for (const Setting& setting : all.first(all.size() - 1)) fill(setting, i_oConfiguration);

@@ -61,6 +61,9 @@ public:
     const Text& user_container() { return checked(full_user_container_); }
     const Text& account_container() { return checked(full_account_container_); }
     const Text& cookie_name() { return checked(cookie_name_); }
+    // The first of the user's classes. Raises 13 before anything was loaded, 9 where none is
+    // configured.
+    Text first_user_class();
     const Text& profile_class() { return checked(profile_class_); }
     const Text& user_naming_attribute() { return checked(user_naming_attribute_); }
     const Text& profile_naming_attribute() { return checked(profile_naming_attribute_); }

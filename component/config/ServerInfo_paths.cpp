@@ -28,7 +28,7 @@ Text ServerInfo::makeLDAPString(Text& iHost, Text& iContainer, Text& iObject) {
         CheckState();
         if (const auto scheme = iHost.find(u"//"); scheme != Text::npos) iHost.erase(0, scheme + 2);
         if (!iHost.empty() && iHost.back() == u'/') iHost.pop_back();
-        // The user naming attribute, for profiles and accounts too. Deliberate.
+        // For profiles and accounts, too: a container does not tell what its entries are.
         if (!iObject.empty() && iObject.find(u'=') == Text::npos)
             iObject = user_naming_attribute() + u"=" + iObject;
         Text path = u"LDAP://" + iHost + u"/" + (iObject.empty() ? u"" : iObject + u",");
@@ -43,7 +43,8 @@ Text ServerInfo::FullUserPath(Text& iUser) {
         path.reserve(user_naming_attribute().size() + iUser.size() + user_container().size() + 2);
         if (!iUser.empty()) {
             if (iUser.find(u'=') == Text::npos) path.append(user_naming_attribute()) += u'=';
-            // Without a root the container is empty and the path ends in ",". Deliberate.
+            // Without a root the container is empty and the path ends in ",", which no directory
+            // takes for a name: the bare "cn=jsmith" would be one.
             path.append(iUser) += u',';
         }
         return append_joined(path, user_container());

@@ -11,6 +11,13 @@ ServerInfo* shared_server_info() {
     return &info.get();
 }
 
+ServerInfo& settings_or_raise(std::int32_t number, const char16_t* source,
+                              const char16_t* description) {
+    ServerInfo* info = shared_server_info();
+    if (info == nullptr) throw Failure(number, source, description);
+    return *info;
+}
+
 void load_site_configuration() {
     auto configuration = Gen_GetComponent<Configuration>(u"Quendra.Configuration");
     Variant output;

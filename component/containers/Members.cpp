@@ -8,20 +8,21 @@
 #include "component/common/Lib_ErrorHandling.h"
 #include "component/common/Lib_General.h"
 #include "component/common/OrvoMemErrors.h"
+#include "component/common/web_page.h"
 #include "component/config/SharedServerInfo.h"
 #include "component/containers/record_fields.h"
 #include "platform/abi/create.h"
-#include "platform/abi/late_call.h"
 
 namespace orvo {
 namespace {
 
-// Reported by the deletion, too. Deliberate.
 constexpr const char16_t* create_user = u"OrvoMembership.Members.CreateUser";
+constexpr const char16_t* not_bound = u"Not bound to the Members Organizational Unit";
 
+// The creation is its source in the deletion, too: one failure, with one source, whatever needed
+// the binding.
 [[noreturn]] void raise_not_bound() {
-    throw Failure(emErrNotBoundToMembers, create_user,
-                  u"Not bound to the Members Organizational Unit");
+    throw Failure(emErrNotBoundToMembers, create_user, not_bound);
 }
 
 Ref<Dictionary> attributes_of_new_user(ServerInfo& info, const Text& name, const Text& password) {
@@ -63,19 +64,15 @@ Values value_list(const Variant& value) {
 void Members::IObjectControl_Activate() {
     trapped(u"OrvoMembership.Members.IObjectControl_Activate", [&] {
         mPMMCreator.emplace();
-        switch (Gen_GetIntrinsicState(u"Session")) {
-            case -1:
-                return;
-            case -2:
-                // The entry names the user's class, as it always did.
-                return LogError(u"OrvoMembership.User.IObjectControl_Activate",
-                                u"No session in objectcontext");
-        }
+        // Under the name of the user's activation, as profiles do; outside a page is no news here.
+        if (!runs_in_page(u"Session", {u"OrvoMembership.User.IObjectControl_Activate", nullptr,
+                                       u"No session in objectcontext"}))
+            return;
         load_site_configuration();
         const Object session = context_item(u"Session");
         mApplication = context_item(u"Application");
-        mUsername = late::value_of(session, {u"REMOTE_ACCOUNT"}).to<Text>();
-        mPassword = Secret(late::value_of(session, {u"REMOTE_PASSWORD"}).to<Text>());
+        mAccount.name = session_text(session, session_account);
+        mAccount.secret = session_secret(session);
     });
 }
 
@@ -87,48 +84,37 @@ void Members::setServerInfo(const Text& i_sConfigurationPath) {
 
 void Members::BindAs(Text& iUsername, Text& iPassword) {
     constexpr const char16_t* source = u"OrvoMembership.Members.BindAs";
-    const auto unbind = [&](Failure&) {
+    trapped(source, [&] {
+        mAccount = {iUsername, Secret(iPassword)};
         mContainer = nullptr;
-        return false;
-    };
-    trapped(source, unbind, [&] {
-        mUsername = iUsername;
-        mPassword = Secret(iPassword);
-        mContainer = nullptr;
-        // Asking for the settings makes them, so this cannot happen; it is tested all the same.
-        ServerInfo* info = shared_server_info();
-        if (info == nullptr)
-            throw Failure(emErrServerInfoNotCreated, source,
-                          u"Could not retrieve LDAP server information");
+        ServerInfo& info = settings_or_raise(emErrServerInfoNotCreated, source,
+                                             u"Could not retrieve LDAP server information");
         if (trimmed(iUsername).empty()) {
-            // No error is pending: this returns quietly, unbound. Deliberate.
+            // Without a pending error nothing is raised: CreateUser and DeleteUser, which bind
+            // first, go on from here to their own failure for an unbound container.
             HandleError(source, u"Cannot bind user with empty name.");
             return;
         }
-        mContainer = mPMMCreator->GetPMMObject();
-        Text server = info->server_name();
-        Text container = info->user_container();
-        Text name;
-        Variant attributes = Values();
-        call<&DirectoryEntry::Bind>(mContainer, server, container, name, iUsername, iPassword,
-                                    attributes);
+        auto container = mPMMCreator->GetPMMObject();
+        bind_entry(container, info.user_container(), Text(), iUsername, iPassword);
+        mContainer = std::move(container);
     });
 }
 
 void Members::bind_as_stored() {
-    Text user = mUsername;
-    Text password = from_utf8(mPassword.reveal());
+    Text user = mAccount.name;
+    Text password = mAccount.password_text();
     BindAs(user, password);
 }
 
 void Members::bind_as_stored(const Ref<User>& user, Text name) {
-    Text account = mUsername;
-    Text password = from_utf8(mPassword.reveal());
+    Text account = mAccount.name;
+    Text password = mAccount.password_text();
     call<&User::BindAs>(user, name, account, password);
 }
 
 Ref<User> Members::CreateUser(Text& iCommonName, Text& iPassword) {
-    const auto rephrase = [&](Failure& failure) {
+    const auto reword = [&](Failure& failure) {
         if (!contains_ignoring_case(failure.description,
                                     u"(68) The specified entry already exists."))
             return;
@@ -137,13 +123,13 @@ Ref<User> Members::CreateUser(Text& iCommonName, Text& iPassword) {
         failure.description =
             u"Unable to add user:'" + iCommonName + u"'. The error is: " + failure.description;
     };
-    return trapped(create_user, rephrase, [&] {
+    return trapped_rewording(create_user, reword, [&] {
         if (!mContainer) bind_as_stored();
-        ServerInfo* info = shared_server_info();
-        if (!mContainer || info == nullptr) raise_not_bound();
-        Object attributes = attributes_of_new_user(*info, iCommonName, iPassword).object();
-        Variant classes = Values{info->GetUserClass()};
-        Text naming_attribute = info->user_naming_attribute();
+        if (!mContainer) raise_not_bound();
+        ServerInfo& info = settings_or_raise(emErrNotBoundToMembers, create_user, not_bound);
+        Object attributes = attributes_of_new_user(info, iCommonName, iPassword).object();
+        Variant classes = Values{info.GetUserClass()};
+        Text naming_attribute = info.user_naming_attribute();
         call<&DirectoryEntry::CreateChild>(mContainer, classes, naming_attribute, attributes);
         auto user = Gen_GetComponent<User>(u"OrvoMembership.User");
         bind_as_stored(user, iCommonName);
@@ -152,10 +138,9 @@ Ref<User> Members::CreateUser(Text& iCommonName, Text& iPassword) {
 }
 
 Ref<User> Members::CreateUserOnFormsLogin(Text& iCommonName, Text& iPassword) {
-    ServerInfo* info = shared_server_info();
-    if (info == nullptr) raise_not_bound();
-    Text user = info->script_user();
-    Text password = info->script_code();
+    ServerInfo& info = settings_or_raise(emErrNotBoundToMembers, create_user, not_bound);
+    Text user = info.script_user();
+    Text password = info.script_code();
     BindAs(user, password);
     return CreateUser(iCommonName, iPassword);
 }
@@ -182,17 +167,17 @@ Ref<User> Members::CreateUserWithAttributes(const Text& i_sUsername, const Text&
 
 void Members::DeleteUser(Text& iCommonName) {
     constexpr const char16_t* source = u"OrvoMembership.Members.DeleteUser";
-    const auto rephrase = [&](Failure& failure) {
+    const auto reword = [&](Failure& failure) {
         if (failure.number != no_such_entry) return;
         failure.source = source;
         failure.description =
             u"User with common name '" + iCommonName + u"' doesn't exist in the directory";
     };
-    trapped(source, rephrase, [&] {
+    trapped_rewording(source, reword, [&] {
         bind_as_stored();
         if (!mContainer) raise_not_bound();
         ServerInfo& info = *shared_server_info();
-        Text class_name = element(info.GetUserClass(), 0).to<Text>();
+        Text class_name = info.first_user_class();
         Text entry_name =
             info.user_naming_attribute() + u"=" + iCommonName + u"," + info.user_container();
         call<&DirectoryEntry::DeleteChild>(mContainer, class_name, entry_name);
@@ -216,12 +201,13 @@ Variant Members::GetAttribValue(Text& iAttribName) {
 
 void Members::SetAttribValue(Text& iAttribName, Variant& iAttribValue) {
     constexpr const char16_t* source = u"OrvoMembership.Members.SetAttribValue";
-    const auto rephrase = [&](Failure& failure) {
+    const auto reword = [&](Failure& failure) {
         failure.source = source;
         failure.description = u"Error setting the value for attribute: " + iAttribName;
     };
-    trapped(source, rephrase,
-            [&] { call<&DirectoryEntry::SetValues>(mContainer, iAttribName, iAttribValue); });
+    trapped_rewording(source, reword, [&] {
+        call<&DirectoryEntry::SetValues>(mContainer, iAttribName, iAttribValue);
+    });
 }
 
 template struct detail::callee<Members>;

@@ -18,8 +18,9 @@ public:
     Members() { IObjectControl_Activate(); }
     ~Members() { IObjectControl_Deactivate(); }
 
-    // The credentials are kept whatever comes of it. A name that is empty or blank returns quietly
-    // and leaves the container unbound; what needs it fails then. Deliberate.
+    // The credentials are kept whatever comes of it. A name that is empty or blank, as a page has
+    // it before a login, returns quietly and leaves the container unbound; what needs it fails
+    // then.
     void BindAs(Text& iUsername, Text& iPassword);
     // Loads a site configuration file into the thread's shared settings; an empty path leaves them.
     void setServerInfo(const Text& i_sConfigurationPath);
@@ -46,8 +47,8 @@ public:
                         const Variant& iPageSize);
     Text GetLastPageValue();
     // Users who have the role themselves, or through their profile where they have none at all, as
-    // a record set of their own with BusinessPartnerID, mail, cn, givenName and sn. Deliberately
-    // without doing away with users who are found both ways.
+    // a record set of their own with BusinessPartnerID, mail, cn, givenName and sn. These are two
+    // searches: a user whose roles change between them may stand there twice.
     Object GetOrvoMembersHavingRole(std::int16_t& iRole, Text& iSortFields);
     Object GetOrvoMembersHavingRoleEx(std::int16_t& iRole, Variant& iCriteria, Text& iSortFields);
 
@@ -72,14 +73,12 @@ private:
     Ref<RecordSet> QueryMembersEx(Text& filter);
     static void AddUserToResultSet(RowFields& source, RowFields& target);
     static void CloseRecordSEt(const Ref<RecordSet>& records);
-    Ref<DirectorySearch> connected_search(const Variant& container);
     Text profiles_having(std::int16_t role);
     void bind_as_stored();
     void bind_as_stored(const Ref<User>& user, Text name);
 
     Ref<DirectoryEntry> mContainer;
-    Text mUsername;
-    Secret mPassword;
+    DirectoryAccount mAccount;
     std::optional<PMMCreator> mPMMCreator;
     Object mApplication;
     Text mLastPageValue;

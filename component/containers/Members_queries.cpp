@@ -27,8 +27,8 @@ Text filter_items(const Variant& criteria, Rewrite rewrite) {
     return items;
 }
 
-// "NOT" wherever it stands, in upper case alone: that a name with it is changed, too, is
-// deliberate.
+// "NOT" becomes "!" wherever it stands, in upper case alone. Nothing tells the operator from a part
+// of a value: callers write a name with it as "\4eOT" (docs/members.md).
 Text member_filter(const Variant& criteria) {
     return u"(OrvoUserType=*)" +
            filter_items(criteria, [](const Text& item) { return replaced(item, u"NOT", u"!"); });
@@ -73,29 +73,18 @@ void for_each_row(const Ref<RecordSet>& records, Visit visit) {
 
 }  // namespace
 
-Ref<DirectorySearch> Members::connected_search(const Variant& container_name) {
-    const auto search = mPMMCreator->GetPMMSearch();
-    Text server = shared_server_info()->server_name();
-    Text container = container_name.to<Text>();
-    Text user = mUsername;
-    Text password = from_utf8(mPassword.reveal());
-    call<&DirectorySearch::Connect>(search, server, container, user, password);
-    return search;
-}
-
 Ref<RecordSet> Members::QueryMembers(Text& filter, const Variant& page_size,
                                      const Variant& attributes) {
     constexpr const char16_t* source = u"OrvoMembership.Members.QueryMembers";
-    const auto rephrase = [&](Failure& failure) {
+    const auto reword = [&](Failure& failure) {
         failure.source = source;
         failure.description = u"The following query failed: " + filter;
     };
-    return trapped(source, rephrase, [&] {
+    return trapped_rewording(source, reword, [&] {
         ServerInfo& info = *shared_server_info();
         const Variant size = page_size.is_missing() ? Variant(usual_page_size) : page_size;
-        filter =
-            u"(& (objectClass=" + element(info.GetUserClass(), 0).to<Text>() + u")" + filter + u")";
-        const auto search = connected_search(info.GetUserContainer());
+        filter = u"(& (objectClass=" + info.first_user_class() + u")" + filter + u")";
+        const auto search = mAccount.connected_search(*mPMMCreator, info.user_container());
         Variant columns = attributes.is_missing() ? Variant(default_attributes()) : attributes;
         return Ref<RecordSet>::from(
             call<&DirectorySearch::Execute>(search, filter, columns, size.to<std::int16_t>()));
@@ -105,9 +94,8 @@ Ref<RecordSet> Members::QueryMembers(Text& filter, const Variant& page_size,
 Ref<RecordSet> Members::QueryMembersEx(Text& filter) {
     return trapped(u"OrvoMembership.Members.QueryMembersEx", [&] {
         ServerInfo& info = *shared_server_info();
-        const auto search = connected_search(info.GetUserContainer());
-        filter =
-            u"(&(objectClass=" + element(info.GetUserClass(), 0).to<Text>() + u")" + filter + u")";
+        const auto search = mAccount.connected_search(*mPMMCreator, info.user_container());
+        filter = u"(&(objectClass=" + info.first_user_class() + u")" + filter + u")";
         Variant columns =
             Values{u"cn", u"BusinessPartnerID", u"mail", u"givenName", u"sn", u"orvorole"};
         return Ref<RecordSet>::from(
@@ -133,7 +121,7 @@ Object Members::GetOrvoUsers(const Variant& iCriteria, const Text&, const Varian
 
 Object Members::GetOrvoUsersEx(const Variant& iCriteria, const Variant& i_vAttributeNames,
                                const Text&, const Variant& iPageSize) {
-    // Named as the plain search. Deliberate.
+    // Under the plain search's name, by which those who read the log know both.
     return trapped(u"OrvoMembership.Members.GetOrvoUsers", [&] {
         Text filter = member_filter(iCriteria);
         return QueryMembers(filter, iPageSize, i_vAttributeNames).object();
@@ -154,7 +142,7 @@ Object Members::GetOrvoMembersHavingRole(std::int16_t& iRole, Text& iSortFields)
 // The filter part for users of the profiles that have the role; empty where no profile has it.
 Text Members::profiles_having(std::int16_t role) {
     ServerInfo& info = *shared_server_info();
-    const auto search = connected_search(info.GetProfileContainer());
+    const auto search = mAccount.connected_search(*mPMMCreator, info.profile_container());
     Text filter =
         u"(&(objectClass=" + info.profile_class() + u")(OrvoRole=" + decimal(role) + u"))";
     Variant columns = Values{u"cn"};
@@ -175,9 +163,7 @@ Object Members::GetOrvoMembersHavingRoleEx(std::int16_t& iRole, Variant& iCriter
                                            Text& iSortFields) {
     constexpr const char16_t* source = u"OrvoMembership.Members.GetOrvoMembersHavingRoleEx";
     return trapped(source, [&] {
-        // Asking for the settings makes them, so this cannot happen; it is tested all the same.
-        if (shared_server_info() == nullptr)
-            throw Failure(emErrServerInfoNotCreated, source, u"ServerInfo not available");
+        settings_or_raise(emErrServerInfoNotCreated, source, u"ServerInfo not available");
         const Text user_part = u"(!OrvoUserType = 0)" + filter_items(iCriteria, std::identity());
         const auto result = new_result_set();
         RowFields target(result);

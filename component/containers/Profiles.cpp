@@ -3,10 +3,10 @@
 #include "component/common/Lib_ErrorHandling.h"
 #include "component/common/Lib_General.h"
 #include "component/common/OrvoMemErrors.h"
+#include "component/common/web_page.h"
 #include "component/config/SharedServerInfo.h"
 #include "platform/abi/call.h"
 #include "platform/abi/create.h"
-#include "platform/abi/late_call.h"
 #include "platform/automation/values.h"
 #include "platform/dictionary/contract.h"
 #include "platform/recordset/contract.h"
@@ -26,18 +26,14 @@ constexpr std::int32_t most_profiles = 1000;
 void Profiles::IObjectControl_Activate() {
     trapped(u"OrvoMembership.Profiles.IObjectControl", [&] {
         mPMMCreator.emplace();
-        // The entries name the user's class, as they always did.
-        constexpr const char16_t* source = u"OrvoMembership.User.IObjectControl_Activate";
-        switch (Gen_GetIntrinsicState(u"Session")) {
-            case -1:
-                return LogError(source, u"No objectcontext");
-            case -2:
-                return LogError(source, u"No Session object in ObjectContext");
-        }
+        // Under the name of the user's activation, as profiles do.
+        if (!runs_in_page(u"Session", {u"OrvoMembership.User.IObjectControl_Activate",
+                                       u"No objectcontext", u"No Session object in ObjectContext"}))
+            return;
         load_site_configuration();
         const Object session = context_item(u"Session");
-        Text user = late::value_of(session, {u"REMOTE_ACCOUNT"}).to<Text>();
-        Text password = late::value_of(session, {u"REMOTE_PASSWORD"}).to<Text>();
+        Text user = session_text(session, session_account);
+        Text password = session_text(session, session_password);
         BindAs(user, password);
     });
 }
@@ -45,38 +41,22 @@ void Profiles::IObjectControl_Activate() {
 void Profiles::BindAs(Text& iUsername, Text& iPwd) {
     constexpr const char16_t* source = u"OrvoMembership.Profiles.BindAs";
     trapped(source, [&] {
-        mUsername = iUsername;
-        mPassword = Secret(iPwd);
-        // Asking for the settings makes them, so this cannot happen; it is tested all the same.
-        ServerInfo* info = shared_server_info();
-        if (info == nullptr)
-            throw Failure(emErrServerInfoNotCreated, source,
-                          u"OrvoMembership.ServerInfo was not created");
+        mAccount = {iUsername, Secret(iPwd)};
+        ServerInfo& info = settings_or_raise(emErrServerInfoNotCreated, source,
+                                             u"OrvoMembership.ServerInfo was not created");
         mContainer = mPMMCreator->GetPMMObject();
-        Text server = info->server_name();
-        Text container = info->profile_container();
-        Text name;
-        Variant attributes = Values();
-        call<&DirectoryEntry::Bind>(mContainer, server, container, name, iUsername, iPwd,
-                                    attributes);
+        bind_entry(mContainer, info.profile_container(), Text(), iUsername, iPwd);
     });
 }
 
 Object Profiles::AsRecordset() {
     constexpr const char16_t* source = u"OrvoMembership.Profiles.AsRecordset";
     return trapped(source, [&] {
-        PMMCreator factory;
-        // As above.
-        ServerInfo* info = shared_server_info();
-        if (info == nullptr)
-            throw Failure(emErrServerInfoNotCreated, source, u"ServerInfo not available");
-        const auto search = factory.GetPMMSearch();
-        Text server = info->server_name();
-        Text container = info->profile_container();
-        Text user = mUsername;
-        Text password = from_utf8(mPassword.reveal());
-        call<&DirectorySearch::Connect>(search, server, container, user, password);
-        Text filter = u"(objectClass=" + info->profile_class() + u")";
+        PMMCreator provider;
+        ServerInfo& info =
+            settings_or_raise(emErrServerInfoNotCreated, source, u"ServerInfo not available");
+        const auto search = mAccount.connected_search(provider, info.profile_container());
+        Text filter = u"(objectClass=" + info.profile_class() + u")";
         Variant columns = Values{u"cn"};
         return call<&DirectorySearch::Execute>(search, filter, columns, most_profiles);
     });
@@ -84,8 +64,8 @@ Object Profiles::AsRecordset() {
 
 Ref<Profile> Profiles::bound_profile(Text& name) {
     auto profile = Gen_GetComponent<Profile>(u"OrvoMembership.Profile");
-    Text user = mUsername;
-    Text password = from_utf8(mPassword.reveal());
+    Text user = mAccount.name;
+    Text password = mAccount.password_text();
     call<&Profile::BindAs>(profile, name, user, password);
     return profile;
 }
@@ -111,13 +91,13 @@ bool Profiles::DeleteProfile(Text& iCommonName) {
 
 Ref<Profile> Profiles::CreateProfile(Text& iCommonName) {
     constexpr const char16_t* source = u"OrvoMembership.Profiles.CreateProfile";
-    const auto rephrase = [&](Failure& failure) {
+    const auto reword = [&](Failure& failure) {
         if (failure.number != entry_already_exists) return;
         failure.source = source;
         failure.description = u"Unable to add profile with profile name:'" + iCommonName +
                               u"'. The profile already exists.";
     };
-    return trapped(source, rephrase, [&] {
+    return trapped_rewording(source, reword, [&] {
         ServerInfo& info = *shared_server_info();
         if (!mContainer) {
             mPMMCreator.emplace();

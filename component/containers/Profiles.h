@@ -32,8 +32,7 @@ private:
     Ref<Profile> bound_profile(Text& name);
 
     Ref<DirectoryEntry> mContainer;
-    Text mUsername;
-    Secret mPassword;
+    DirectoryAccount mAccount;
     std::optional<PMMCreator> mPMMCreator;
 };
 

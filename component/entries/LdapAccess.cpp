@@ -37,10 +37,9 @@ void LdapAccess::ClearAttribValue(Text& iAttribName) {
 
 void LdapAccess::BindAs(Text& i_sCN, Text& i_sUsername, Text& i_sPwd, Text& i_sServer,
                         Text& i_sContainer) {
-    trapped(u"OrvoMembership.LDAPAccess.BindAs", [&] {
-        // Asking for the settings makes them, so this cannot happen; it is tested all the same.
-        if (shared_server_info() == nullptr)
-            throw Failure(emErrServerInfoNotCreated, u"OrvoMembership.LDAPAccess.BindAs",
+    constexpr const char16_t* source = u"OrvoMembership.LDAPAccess.BindAs";
+    trapped(source, [&] {
+        settings_or_raise(emErrServerInfoNotCreated, source,
                           u"No OrvoMembership.ServerInfo present. Create one and invoke "
                           u"SetServerInfo() first.");
         m_oPMMCreator.emplace();

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "component/config/ConfigurationContract.h"
-#include "component/provider/PMMCreator.h"
+#include "component/config/PMMCreator.h"
 #include "platform/abi/hosted.h"
 #include "platform/context/object_control.h"
 

@@ -4,9 +4,9 @@
 #include "component/common/Lib_ErrorHandling.h"
 #include "component/common/Lib_General.h"
 #include "component/common/OrvoMemErrors.h"
+#include "component/common/web_page.h"
 #include "component/config/SharedServerInfo.h"
 #include "platform/abi/call.h"
-#include "platform/abi/late_call.h"
 #include "platform/automation/values.h"
 #include "platform/recordset/contract.h"
 
@@ -21,14 +21,11 @@ constexpr std::int32_t most_users = 1000;
 void Profile::IObjectControl_Activate() {
     trapped(u"OrvoMembership.Profile.IObjectControl", [&] {
         m_oPMMCreator = {};
-        // The entries name the user's class, as they always did.
-        constexpr const char16_t* source = u"OrvoMembership.User.IObjectControl_Activate";
-        switch (Gen_GetIntrinsicState(u"Session")) {
-            case -1:
-                return LogError(source, u"No objectcontext");
-            case -2:
-                return LogError(source, u"No session in objectcontext");
-        }
+        // Profiles note under the name of the user's activation, which those who read the log
+        // know them by.
+        if (!runs_in_page(u"Session", {u"OrvoMembership.User.IObjectControl_Activate",
+                                       u"No objectcontext", u"No session in objectcontext"}))
+            return;
         m_oSession = context_item(u"Session");
         load_site_configuration();
     });
@@ -51,39 +48,34 @@ void Profile::ClearAttribValue(Text& iAttribName) {
 }
 
 void Profile::BindAs(Text& iCN, Text& iUsername, Text& iPwd) {
-    trapped(u"OrvoMembership.Profile.BindAs", [&] {
-        m_sUsername = iUsername;
-        m_sPwd = Secret(iPwd);
-        // Asking for the settings makes them, so this cannot happen; it is tested all the same.
-        ServerInfo* info = shared_server_info();
-        if (info == nullptr)
-            throw Failure(emErrServerInfoNotCreated, u"OrvoMembership.Profile.BindAs",
-                          u"No OrvoMembership.ServerInfo present. Create one and invoke "
-                          u"SetServerInfo() first.");
+    constexpr const char16_t* source = u"OrvoMembership.Profile.BindAs";
+    trapped(source, [&] {
+        m_account = {iUsername, Secret(iPwd)};
+        ServerInfo& info =
+            settings_or_raise(emErrServerInfoNotCreated, source,
+                              u"No OrvoMembership.ServerInfo present. Create one and invoke "
+                              u"SetServerInfo() first.");
         m_oPMMObject = m_oPMMCreator.GetPMMObject();
-        Text server = info->server_name();
-        Text container = info->profile_container();
-        Text name = info->profile_naming_attribute() + u"=" + iCN;
-        Variant attributes = Values();
-        call<&DirectoryEntry::Bind>(m_oPMMObject, server, container, name, iUsername, iPwd,
-                                    attributes);
+        bind_entry(m_oPMMObject, info.profile_container(),
+                   info.profile_naming_attribute() + u"=" + iCN, iUsername, iPwd);
     });
 }
 
 void Profile::Init(Text& iCN) {
     trapped(u"OrvoMembership.Profile.Init", [&] {
-        if (!m_sUsername.empty()) {
-            Text user = m_sUsername;
-            Text password = from_utf8(m_sPwd.reveal());
+        if (!m_account.name.empty()) {
+            Text user = m_account.name;
+            Text password = m_account.password_text();
             BindAs(iCN, user, password);
         } else if (!m_oSession) {
-            // No error is pending: this returns quietly, unbound. Deliberate.
+            // Without a pending error nothing is raised: whoever tries Init before there are
+            // credentials goes on, and is told by the first attribute that is asked for.
             HandleError(u"OrvoMembership.Profile.Init",
                         u"Init called but no webserver context was found and no credentials were "
                         u"supplied");
         } else {
-            Text user = late::value_of(m_oSession, {u"REMOTE_ACCOUNT"}).to<Text>();
-            Text password = late::value_of(m_oSession, {u"REMOTE_PASSWORD"}).to<Text>();
+            Text user = session_text(m_oSession, session_account);
+            Text password = session_text(m_oSession, session_password);
             BindAs(iCN, user, password);
         }
     });
@@ -91,14 +83,9 @@ void Profile::Init(Text& iCN) {
 
 Object Profile::search_users(const char16_t* attribute) {
     ServerInfo& info = *shared_server_info();
-    const auto search = m_oPMMCreator.GetPMMSearch();
-    Text server = info.server_name();
-    Text container = info.user_container();
-    Text user = m_sUsername;
-    Text password = from_utf8(m_sPwd.reveal());
-    call<&DirectorySearch::Connect>(search, server, container, user, password);
-    Text filter = u"(&(objectClass=" + element(info.GetUserClass(), 0).to<Text>() + u")(" +
-                  attribute + u"=" + Gen_EscapeQuotes(CN()) + u"))";
+    const auto search = m_account.connected_search(m_oPMMCreator, info.user_container());
+    Text filter = u"(&(objectClass=" + info.first_user_class() + u")(" + attribute + u"=" +
+                  Gen_EscapeQuotes(CN()) + u"))";
     Variant attributes = Values{info.GetUserNamingAttribute()};
     return call<&DirectorySearch::Execute>(search, filter, attributes, most_users);
 }
@@ -193,9 +180,9 @@ void Profile::write_apps() {
 
 bool Profile::HasRole(std::int16_t& iRoleID) {
     return trapped({class_prefix, "HasRole"}, [&] {
-        const Values roles = get_whole<3>().to<Values>();
-        return any_index16(0, roles.upper_bound(),
-                           [&](std::int32_t i) { return equals_number(roles[i], iRoleID); });
+        const Values held = get_whole<roles>().to<Values>();
+        return any_index16(0, held.upper_bound(),
+                           [&](std::int32_t i) { return equals_number(held[i], iRoleID); });
     });
 }
 
@@ -203,14 +190,14 @@ void Profile::AssignRole(std::int16_t& iRoleType, bool& iEnable) {
     trapped({class_prefix, "AssignRole"}, [&] {
         const bool bHas = HasRole(iRoleType);
         if (bHas == iEnable) return;
-        const Values roles = get_whole<3>().to<Values>();
-        Values changed(roles.lower_bound(), 0);
-        any_index16(roles.lower_bound(), roles.upper_bound(), [&](std::int32_t i) {
-            if (iEnable || !equals_number(roles[i], iRoleType)) changed.push_back(roles[i]);
+        const Values held = get_whole<roles>().to<Values>();
+        Values changed(held.lower_bound(), 0);
+        any_index16(held.lower_bound(), held.upper_bound(), [&](std::int32_t i) {
+            if (iEnable || !equals_number(held[i], iRoleType)) changed.push_back(held[i]);
             return false;
         });
         if (iEnable) changed.push_back(iRoleType);
-        put_whole<3>(std::move(changed));
+        put_whole<roles>(std::move(changed));
     });
 }
 

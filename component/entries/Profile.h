@@ -1,10 +1,7 @@
 #pragma once
 
-#include <optional>
-
-#include "component/provider/PMMCreator.h"
+#include "component/config/DirectoryAccount.h"
 #include "platform/abi/hosted.h"
-#include "platform/automation/secret.h"
 #include "platform/context/object_control.h"
 
 namespace orvo {
@@ -24,8 +21,8 @@ public:
     void BindAs(Text& iCN, Text& iUsername, Text& iPwd);
     // The users of this profile; those whose local-administration profile it is, where it has none.
     // At most 1000. A record set with the user naming attribute as its column. An apostrophe in the
-    // profile's name is doubled in the filter and nothing else is escaped; a directory that takes
-    // the filter as it stands finds nobody for such a profile. Deliberate.
+    // profile's name is doubled in the filter, for providers that quote the value, and nothing else
+    // is escaped; one that takes the filter as it stands finds nobody for such a profile.
     Object GetUsers();
     void ClearOrvoApps();
     bool HasRole(std::int16_t& iRoleID);
@@ -42,28 +39,29 @@ public:
     Text LanguageID();
     // An empty text removes the attribute.
     void put_LanguageID(const Text& value);
-    // Properties whose value is the attribute's whole value; `row` is one of `whole_values`.
-    template <std::size_t row>
-    Variant get_whole();
-    template <std::size_t row>
-    void put_whole(const Variant& value);
+    // Properties whose value is the attribute's whole value, by name.
+    struct WholeValue {
+        const char* name;
+        const char16_t* attribute;
+    };
+    static constexpr WholeValue catalog_ids{"OrvoCatalogIDs", u"OrvoCatalogIDs"};
+    static constexpr WholeValue dashboard_ids{"OrvoDashboardIDs", u"OrvoDashboardIDs"};
+    static constexpr WholeValue askbook_visibility{"AskbookVisibility", u"AskbookVisibility"};
+    static constexpr WholeValue roles{"Roles", u"OrvoRole"};
+    template <const WholeValue& property>
+    Variant get_whole() {
+        return whole(property);
+    }
+    template <const WholeValue& property>
+    void put_whole(const Variant& value) {
+        set_whole(property, value);
+    }
     Variant OrvoApps();
     void put_OrvoApps(const Variant& iApps);
 
     void IObjectControl_Activate() override;
     void IObjectControl_Deactivate() override {}
     bool IObjectControl_CanBePooled() override { return false; }
-
-    struct WholeValue {
-        const char* name;
-        const char16_t* attribute;
-    };
-    static constexpr WholeValue whole_values[] = {
-        {"OrvoCatalogIDs", u"OrvoCatalogIDs"},
-        {"OrvoDashboardIDs", u"OrvoDashboardIDs"},
-        {"AskbookVisibility", u"AskbookVisibility"},
-        {"Roles", u"OrvoRole"},
-    };
 
 private:
     Variant values(const char16_t* attribute);
@@ -75,20 +73,10 @@ private:
 
     PMMCreator m_oPMMCreator;
     Ref<DirectoryEntry> m_oPMMObject;
-    Text m_sUsername;
-    Secret m_sPwd;
+    DirectoryAccount m_account;
     Object m_oSession;
     Variant m_vApps;
 };
-
-template <std::size_t row>
-Variant Profile::get_whole() {
-    return whole(whole_values[row]);
-}
-template <std::size_t row>
-void Profile::put_whole(const Variant& value) {
-    set_whole(whole_values[row], value);
-}
 
 // clang-format off
 template <>
@@ -109,16 +97,17 @@ inline constexpr auto table_of<Profile> = describe<Profile>(
     put<&Profile::put_Locale>("Locale", "iLocale"),
     get<&Profile::LanguageID>("LanguageID"),
     put<&Profile::put_LanguageID>("LanguageID", "iLanguageID"),
-    get<&Profile::get_whole<0>>("OrvoCatalogIDs"),
-    put<&Profile::put_whole<0>>("OrvoCatalogIDs", "iCatalogIDs"),
-    get<&Profile::get_whole<1>>("OrvoDashboardIDs"),
-    put<&Profile::put_whole<1>>("OrvoDashboardIDs", "iDashboardIDs"),
-    get<&Profile::get_whole<2>>("AskbookVisibility"),
-    put<&Profile::put_whole<2>>("AskbookVisibility", "iVisibility"),
+    get<&Profile::get_whole<Profile::catalog_ids>>(Profile::catalog_ids.name),
+    put<&Profile::put_whole<Profile::catalog_ids>>(Profile::catalog_ids.name, "iCatalogIDs"),
+    get<&Profile::get_whole<Profile::dashboard_ids>>(Profile::dashboard_ids.name),
+    put<&Profile::put_whole<Profile::dashboard_ids>>(Profile::dashboard_ids.name, "iDashboardIDs"),
+    get<&Profile::get_whole<Profile::askbook_visibility>>(Profile::askbook_visibility.name),
+    put<&Profile::put_whole<Profile::askbook_visibility>>(Profile::askbook_visibility.name,
+                                                          "iVisibility"),
     get<&Profile::OrvoApps>("OrvoApps"),
     put<&Profile::put_OrvoApps>("OrvoApps", "iApps"),
-    get<&Profile::get_whole<3>>("Roles"),
-    put<&Profile::put_whole<3>>("Roles", "iRoles"));
+    get<&Profile::get_whole<Profile::roles>>(Profile::roles.name),
+    put<&Profile::put_whole<Profile::roles>>(Profile::roles.name, "iRoles"));
 // clang-format on
 
 extern template struct detail::callee<Profile>;

@@ -100,7 +100,7 @@ public:
     bool validate();
     // Raises emErrAppNoAccess when the application is not among the user's; an unbound user passes.
     void CheckAppUserAccess(const Text& iAppName, std::int16_t iAppID);
-    // One address serves every application: i_lAppID is ignored. Deliberate.
+    // An entry has room for one address, which serves every application: i_lAppID is ignored.
     Variant SetDefaultURL(std::int32_t i_lAppID, const Text& i_sURL);
     Text GetDefaultURL(std::int32_t i_lAppID);
 
@@ -132,8 +132,7 @@ private:
     std::optional<PMMCreator> factory_;
     bool profile_changed_ = false;
     Text cn_;
-    Text username_;
-    Secret password_;
+    DirectoryAccount bound_by_;
     Ref<Dictionary> readable_attributes_;
     Ref<Dictionary> writable_attributes_;
     Variant applications_;

@@ -50,10 +50,19 @@ Variant of_profile(const Ref<Profile>& profile) {
     return to_late(call<M>(profile));
 }
 
+// The place of the row of this name in a list of properties.
+template <class Row, std::size_t size>
+consteval std::size_t row_of(const Row (&list)[size], std::string_view name) {
+    for (std::size_t row = 0; row < size; ++row)
+        if (list[row].name == name) return row;
+    throw "the list has no property of this name";
+}
+
 }  // namespace detail
 
 // Names and attributes differ in places (Fax, Country, EMailAddress, ManagerEMail, the capital S of
-// "OrvoCatalogIDS"), and both Roles and OrvoRoles are "OrvoRole". Deliberate.
+// "OrvoCatalogIDS"), and both Roles and OrvoRoles are "OrvoRole": that is how the directories in
+// use have them.
 inline constexpr UserProperty user_catalogue[] = {
     {"PhoneNumber", PropertyType::text, u"PhoneNumber"},
     {"Fax", PropertyType::text, u"facsimiletelephonenumber"},
@@ -87,17 +96,17 @@ inline constexpr UserProperty user_catalogue[] = {
     {"LastName", PropertyType::text, u"sn"},
     {"FirstName", PropertyType::text, u"givenName"},
     {"OrvoCatalogIDs", PropertyType::whole, u"OrvoCatalogIDS", PropertyRule::id_list,
-     Fallback::when_zero, detail::of_profile<&Profile::get_whole<0>>},
+     Fallback::when_zero, detail::of_profile<&Profile::get_whole<Profile::catalog_ids>>},
     {"OrvoAddressIDs", PropertyType::whole, u"OrvoAddressIDs", PropertyRule::id_list},
     {"AskbookVisibility", PropertyType::whole, u"AskbookVisibility", PropertyRule::id_list,
-     Fallback::when_empty, detail::of_profile<&Profile::get_whole<2>>},
+     Fallback::when_empty, detail::of_profile<&Profile::get_whole<Profile::askbook_visibility>>},
     {"OrvoRoles", PropertyType::whole, u"OrvoRole", PropertyRule::id_list, Fallback::when_zero,
-     detail::of_profile<&Profile::get_whole<3>>},
+     detail::of_profile<&Profile::get_whole<Profile::roles>>},
     {"EmployeeNumber", PropertyType::text, u"EmployeeNumber", PropertyRule::in_out},
     {"ILSServer", PropertyType::text, u"ILSServer", PropertyRule::in_out},
     {"ManagerEMail", PropertyType::text, u"Manager", PropertyRule::in_out},
     {"OrvoDashboardIDs", PropertyType::whole, u"OrvoDashboardIDs", PropertyRule::id_list,
-     Fallback::when_zero, detail::of_profile<&Profile::get_whole<1>>},
+     Fallback::when_zero, detail::of_profile<&Profile::get_whole<Profile::dashboard_ids>>},
     {"ExcludedVexIDs", PropertyType::whole, u"ExcludedVexIDs"},
     {"ProfileCN", PropertyType::text, u"ProfileCN", PropertyRule::marks_profile_change},
     {"OrvoBillAddress", PropertyType::int32, u"OrvoBillAddress"},
@@ -125,15 +134,12 @@ inline constexpr UserProperty user_catalogue[] = {
      PropertyRule::id_list},
 };
 
-// The row of a property, by its name.
 consteval std::size_t property_row(std::string_view name) {
-    for (std::size_t row = 0; row < std::size(user_catalogue); ++row)
-        if (user_catalogue[row].name == name) return row;
-    throw "the catalogue has no property of this name";
+    return detail::row_of(user_catalogue, name);
 }
 
 // Boolean properties that ask for one type of user. Setting one makes the user one of that type,
-// whatever value is assigned. Deliberate.
+// whatever value is assigned: false would not tell which other type.
 struct UserTypeProperty {
     const char* name;
     std::int16_t type;
@@ -141,11 +147,8 @@ struct UserTypeProperty {
 inline constexpr UserTypeProperty user_types[] = {
     {"RegisteredUser", 1}, {"GuestUser", 2}, {"IsLocalAdmin", 3}, {"IsAdmin", 4}, {"NewMember", 0},
 };
-// The row of a type's property.
 consteval std::size_t user_type_row(std::string_view name) {
-    for (std::size_t row = 0; row < std::size(user_types); ++row)
-        if (user_types[row].name == name) return row;
-    throw "no such user type";
+    return detail::row_of(user_types, name);
 }
 
 // Boolean properties that ask for one role, and grant or withdraw it.
@@ -169,5 +172,6 @@ inline constexpr RoleProperty user_roles[] = {
     {"SalesRepresentativeRole", 25},
     // clang-format on
 };
+consteval std::size_t role_row(std::string_view name) { return detail::row_of(user_roles, name); }
 
 }  // namespace orvo

@@ -7,8 +7,9 @@
 namespace orvo {
 
 // Which attributes a user object may read and set. An empty list restricts nothing. Names have to
-// be written in lower case: they are looked up that way, so an entry with capitals locks its
-// attribute out. Deliberate.
+// be written in lower case, in which they are looked up: callers spell attributes as they like. An
+// entry with capitals is never found, and counts as an entry all the same, so that its attribute is
+// locked.
 struct UserPrivileges {
     Values readable;
     Values writable;

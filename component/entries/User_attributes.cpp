@@ -35,7 +35,7 @@ void User::CheckPrivs() {
 
 Variant User::GetAttribValue(Text& iAttribName) {
     constexpr const char16_t* source = u"OrvoMembership.User.GetAttribValue";
-    return trapped(
+    return trapped_with_info(
         source, [&] { return u"Attribute is: " + iAttribName; },
         [&]() -> Variant {
             if (!restricts(readable_attributes_))
@@ -49,7 +49,8 @@ Variant User::GetAttribValue(Text& iAttribName) {
                 }
                 return call<&Dictionary::Item>(readable_attributes_, key);
             }
-            // No error is pending: the refusal is quiet. Deliberate.
+            // Without a pending error nothing is raised: a page shows what its user may not read
+            // as empty.
             HandleError(source,
                         u"This user is not allowed to retrieve the attribute: " + iAttribName);
             return u"";
@@ -58,13 +59,13 @@ Variant User::GetAttribValue(Text& iAttribName) {
 
 void User::SetAttribValue(Text& iAttribName, Variant& iAttribValue) {
     constexpr const char16_t* source = u"OrvoMembership.User.SetAttribValue";
-    trapped(
+    trapped_with_info(
         source, [&] { return u"Attribute is: " + iAttribName; },
         [&] {
             Variant key = lower(iAttribName);
             const bool restricted = restricts(writable_attributes_);
             if (restricted && !call<&Dictionary::Exists>(writable_attributes_, key)) {
-                // Quiet as well.
+                // Quiet as well: a form may send back what its user may not change.
                 HandleError(source,
                             u"This user is not allowed to set the attribute: " + iAttribName);
                 return;
@@ -78,7 +79,8 @@ void User::SetAttribValue(Text& iAttribName, Variant& iAttribValue) {
 }
 
 void User::ClearAttribValue(Text& iAttribName) {
-    // Neither checked against the lists nor taken out of the cache. Deliberate.
+    // The lists speak of reading and setting alone. What was read before is the object's until the
+    // next bind (User.h).
     trapped(u"OrvoMembership.User.ClearAttribValue",
             [&] { call<&DirectoryEntry::ClearValues>(directory_object_, iAttribName); });
 }

@@ -1,9 +1,9 @@
 #include "component/common/Lib_ErrorHandling.h"
 #include "component/common/Lib_General.h"
 #include "component/common/OrvoMemErrors.h"
+#include "component/common/web_page.h"
 #include "component/config/SharedServerInfo.h"
-#include "component/containers/Members.h"
-#include "platform/abi/late_call.h"
+#include "component/entries/User_table.h"
 #include "platform/automation/values.h"
 
 namespace orvo {
@@ -12,22 +12,16 @@ void User::IObjectControl_Activate() {
     constexpr const char16_t* source = u"OrvoMembership.User.IObjectControl_Activate";
     trapped(source, [&] {
         factory_.emplace();
-        switch (Gen_GetIntrinsicState(u"Session")) {
-            case -1:
-                return LogError(source, u"No objectcontext");
-            case -2:
-                return LogError(source, u"No Session object in ObjectContext");
-        }
+        if (!runs_in_page(u"Session",
+                          {source, u"No objectcontext", u"No Session object in ObjectContext"}))
+            return;
         load_site_configuration();
         profile_changed_ = false;
         session_ = context_item(u"Session");
-        auto item = [&](const char16_t* name) {
-            return late::value_of(session_, {name}).to<Text>();
-        };
-        Text name = item(u"REMOTE_USER");
+        Text name = session_text(session_, session_user);
         if (name.empty()) return;
-        Text password = item(u"REMOTE_PASSWORD");
-        Text account = item(u"REMOTE_ACCOUNT");
+        Text password = session_text(session_, session_password);
+        Text account = session_text(session_, session_account);
         BindAs(name, account, password);
     });
 }
@@ -44,23 +38,19 @@ void User::BindAs(Text& iCommonName, Text& iUsername, Text& iPwd) {
         if (!factory_) factory_.emplace();
         directory_object_ = factory_->GetPMMObject();
         ServerInfo& info = *shared_server_info();
-        Text server = info.server_name();
-        Text container = info.user_container();
-        if (server.empty() || container.empty())
+        if (info.server_name().empty() || info.user_container().empty())
             throw Failure(emErrServerInfoNotCreated, u"OrvoMembership.User.BindAs",
                           u"No OrvoMembership.ServerInfo. Create ServerInfo first and invoke "
                           u"setServerInfo()");
         cn_ = iCommonName;
-        username_ = iUsername;
-        password_ = Secret(iPwd);
+        bound_by_ = {iUsername, Secret(iPwd)};
         if (iCommonName.empty())
             throw Failure(emErrUserDoesNotExist, u"OrvoMembership.User.BindAs",
                           u"Cannot bind to a user with an empty (cn) name, please fill in user "
                           u"name.");
-        Text name = info.user_naming_attribute() + u"=" + iCommonName;
-        Variant attributes = Values{u"cn", u"OrvoUserType", u"BusinessPartnerID"};
-        call<&DirectoryEntry::Bind>(directory_object_, server, container, name, iUsername, iPwd,
-                                    attributes);
+        bind_entry(directory_object_, info.user_container(),
+                   info.user_naming_attribute() + u"=" + iCommonName, iUsername, iPwd,
+                   Values{u"cn", u"OrvoUserType", u"BusinessPartnerID"});
         CheckPrivs();
         bind_profile(iUsername, iPwd);
         account_ = make<Account>();
@@ -83,20 +73,6 @@ void User::bind_profile(Text& user, Text& password) {
     Text again = get_property<ProfileCN>();
     call<&Profile::BindAs>(made, again, user, password);
     profile_ = std::move(made);
-}
-
-void User::BindToGuid(Text& iGUID, Text& iUsername, Text& iPassword) {
-    trapped(u"OrvoMembership.User.BindToGuid", [&] {
-        const auto members = Gen_GetComponent<Members>(u"OrvoMembership.Members");
-        call<&Members::BindAs>(members, iUsername, iPassword);
-        const Text configuration = shared_server_info()->ConfigurationPath();
-        call<&Members::setServerInfo>(members, configuration);
-        // The lookup binds the entry once to read its name, and this object is bound by it once
-        // more, so that it ends in the state that BindAs gives.
-        const auto found = call<&Members::GetUserFromGUID>(members, iGUID);
-        Text name = call<&User::CN>(found);
-        BindAs(name, iUsername, iPassword);
-    });
 }
 
 void User::setServerInfo(const Text& i_sConfigurationPath) {

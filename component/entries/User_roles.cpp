@@ -1,7 +1,5 @@
-#include "component/auth/Validator.h"
 #include "component/common/Index16.h"
 #include "component/common/Lib_ErrorHandling.h"
-#include "component/common/Lib_General.h"
 #include "component/common/OrvoMemErrors.h"
 #include "component/entries/User.h"
 #include "platform/automation/values.h"
@@ -11,6 +9,7 @@ namespace {
 
 constexpr const char16_t* class_prefix = u"OrvoMembership.User.";
 constexpr std::size_t Roles = property_row("Roles");
+constexpr std::size_t CreditCardUser = role_row("CreditCardUser");
 
 bool holds(const Values& list, std::int32_t number) {
     return any_index16(list.lower_bound(), list.upper_bound(),
@@ -20,9 +19,6 @@ bool holds(const Values& list, std::int32_t number) {
 bool is_empty(const Variant& value) {
     return value.is_empty() || (value.is_text() && value.text_view().empty());
 }
-
-// What the validator answers for a password that is right but has expired or is to be changed.
-constexpr std::int32_t right_but_expired = -4;
 
 }  // namespace
 
@@ -41,11 +37,11 @@ void User::assign_role_of(const RoleProperty& property, bool enable) {
 }
 
 bool User::InvoiceUser() {
-    return trapped({class_prefix, "InvoiceUser"}, [&] { return !get_role<0>(); });
+    return trapped({class_prefix, "InvoiceUser"}, [&] { return !get_role<CreditCardUser>(); });
 }
 
 void User::put_InvoiceUser(bool iValue) {
-    trapped({class_prefix, "InvoiceUser"}, [&] { put_role<0>(!iValue); });
+    trapped({class_prefix, "InvoiceUser"}, [&] { put_role<CreditCardUser>(!iValue); });
 }
 
 bool User::HasRole(std::int16_t& iRoleID) {
@@ -53,7 +49,7 @@ bool User::HasRole(std::int16_t& iRoleID) {
         Values roles = get_property<Roles>().to<Values>();
         if (roles.upper_bound() < 1 && profile_) {
             if (roles.count() == 0 || is_empty(roles[0]))
-                roles = call<&Profile::get_whole<3>>(profile_).to<Values>();
+                roles = call<&Profile::get_whole<Profile::roles>>(profile_).to<Values>();
         }
         return holds(roles, iRoleID);
     });
@@ -88,7 +84,8 @@ void User::AssignRole(std::int16_t& iRoleType, bool& iEnable) {
 
 Variant User::OrvoApps() {
     return trapped({class_prefix, "OrvoApps"}, [&]() -> Variant {
-        // Straight from the provider, past the privilege lists. Deliberate.
+        // Past the privilege lists: an object that may not read the attribute still says which
+        // applications the user has (CheckAppUserAccess, the login).
         Text name = u"OrvoApps";
         Values apps = call<&DirectoryEntry::GetValues>(directory_object_, name).to<Values>();
         if (equals_number(apps[0], 0) && profile_) return call<&Profile::OrvoApps>(profile_);
@@ -145,23 +142,6 @@ Variant User::SetDefaultURL(std::int32_t, const Text& i_sURL) {
 
 Text User::GetDefaultURL(std::int32_t) {
     return trapped({class_prefix, "GetDefaultURL"}, [&] { return text_of(u"DefaultURL"); });
-}
-
-void User::ChangePassword(Text& iOldPwd, Text& iNewPwd) {
-    trapped({class_prefix, "ChangePassword"}, [&] {
-        if (!directory_object_) return;
-        const auto validator = Gen_GetComponent<Validator>(u"OrvoMembership.Validator");
-        Variant user = CN();
-        Variant old = iOldPwd;
-        const auto result =
-            call<&Validator::ValidatePassword>(validator, user, old).to<std::int32_t>();
-        if (result < 0 && result != right_but_expired)
-            throw Failure(emErrPwdNotCorrect, u"OrvoMembership.User.ChangePassword",
-                          u"The current password is not correct");
-        Text name = u"userPassword";
-        Variant value = Values{iNewPwd};
-        SetAttribValue(name, value);
-    });
 }
 
 }  // namespace orvo

@@ -5,11 +5,11 @@
 #include "component/auth/Validator.h"
 #include "component/config/Initialize.h"
 #include "component/config/PMMAccessor.h"
+#include "component/config/PMMCreator.h"
 #include "component/config/ServerInfo.h"
 #include "component/containers/Members.h"
 #include "component/containers/Profiles.h"
 #include "component/entries/LdapAccess.h"
-#include "component/provider/PMMCreator.h"
 
 namespace orvo {
 

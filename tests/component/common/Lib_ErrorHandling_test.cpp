@@ -59,7 +59,8 @@ protected:
         trapped(u"Shop.Inner", [] { throw sample(); });
     }
     static void fail_twice() {
-        trapped(u"Shop.Outer", u"twice", [] { fail_once(); });
+        trapped_with_info(
+            u"Shop.Outer", [] { return u"twice"; }, [] { fail_once(); });
     }
 };
 
@@ -72,7 +73,12 @@ TEST_FRESH(ErrorHandling, WithoutAPendingErrorNothingIsWrittenAndNothingRaised) 
 
 TEST_FRESH(ErrorHandling, WhatABodyAnswersPassesThroughTheFrame) {
     EXPECT_EQ(trapped(u"Shop.Method", [] { return 5; }), 5);
-    EXPECT_EQ(trapped(u"Shop.Method", u"info", [] { return Text(u"t"); }), u"t");
+    EXPECT_EQ(trapped_with_info(
+                  u"Shop.Method", [] { return u"info"; }, [] { return Text(u"t"); }),
+              u"t");
+    EXPECT_EQ(trapped_rewording(
+                  u"Shop.Method", [](Failure&) {}, [] { return true; }),
+              true);
     EXPECT_THAT(log_.take(), IsEmpty());
 }
 
@@ -102,8 +108,10 @@ TEST_FRESH(ErrorHandling, TheLoggedMessageHoldsTheBlockTwice) {
 }
 
 TEST_FRESH(ErrorHandling, InformationStandsInBothBlocksOfTheEntryAndInTheRaisedOne) {
-    const Failure failure =
-        raised_by([] { trapped(u"Shop.Method", u"more", [] { throw sample(); }); });
+    const Failure failure = raised_by([] {
+        trapped_with_info(
+            u"Shop.Method", [] { return u"more"; }, [] { throw sample(); });
+    });
     EXPECT_EQ(to_utf8(failure.description),
               "\r\nERROR 0x80040323\r\n METHOD: Shop.Method\r\n DESC: Something broke.\r\n"
               " INFO: more.\r\n");
@@ -144,12 +152,12 @@ TEST_FRESH(ErrorHandling, EachLevelWritesAnEntryOfItsOwn) {
 }
 
 TEST_FRESH(ErrorHandling, AFailureToldInOtherWordsIsLoggedInTheseAlone) {
-    const auto rephrase = [](Failure& failure) {
+    const auto reword = [](Failure& failure) {
         failure.source = u"Shop.Method";
         failure.description = u"No such shop";
     };
     const Failure failure =
-        raised_by([&] { trapped(u"Shop.Method", rephrase, [] { throw sample(); }); });
+        raised_by([&] { trapped_rewording(u"Shop.Method", reword, [] { throw sample(); }); });
     const std::string told = block("80040323", "Shop.Method", "No such shop");
     expect_failure(failure, error_number(0x80040323), u"Shop.Method", told);
     EXPECT_THAT(log_.take(), ElementsAre(LogEntry{"LogMessage", "Shop.Method",
@@ -162,10 +170,10 @@ TEST_FRESH(ErrorHandling, TheInformationIsAskedForOnlyAfterAFailure) {
         ++asked;
         return Variant(u"late");
     };
-    trapped(u"Shop.Method", info, [] {});
+    trapped_with_info(u"Shop.Method", info, [] {});
     EXPECT_EQ(asked, 0);
     const Failure failure =
-        raised_by([&] { trapped(u"Shop.Method", info, [] { throw sample(); }); });
+        raised_by([&] { trapped_with_info(u"Shop.Method", info, [] { throw sample(); }); });
     EXPECT_EQ(asked, 1);
     EXPECT_EQ(to_utf8(failure.description),
               block("80040323", "Shop.Method", "Something broke", "late"));

@@ -19,7 +19,7 @@ static_assert(slot_of<&Profile::CN> == 17);
 static_assert(slot_of<&Profile::Locale> == 18);
 static_assert(slot_of<&Profile::put_LanguageID> == 21);
 static_assert(slot_of<&Profile::OrvoApps> == 28);
-static_assert(slot_of<&Profile::put_whole<3>> == 31);
+static_assert(slot_of<&Profile::put_whole<Profile::roles>> == 31);
 
 TEST_FRESH(ProfileTest, AttributesGoStraightToTheProvider) {
     directory_.answer(u"mail", Values{u"a@shop", u"b@shop"});
@@ -129,53 +129,40 @@ TEST_FRESH(ProfileTest, AFailingClearOfTheLanguageIsReportedUnderTheProperty) {
                    block("80072098", "OrvoMembership.Profile.LanguageID", "(50) no rights"));
 }
 
-struct Whole {
-    const char* property;
-    const char* attribute;
-};
-constexpr Whole wholes[] = {{"OrvoCatalogIDs", "OrvoCatalogIDs"},
-                            {"OrvoDashboardIDs", "OrvoDashboardIDs"},
-                            {"AskbookVisibility", "AskbookVisibility"},
-                            {"Roles", "OrvoRole"}};
-
-template <std::size_t... row>
-void for_each_whole(auto&& body, std::index_sequence<row...>) {
-    (body.template operator()<row>(), ...);
-}
-
 TEST_FRESH(ProfileTest, WholeValuesPassUnchangedInBothDirections) {
     const auto profile = bound();
     Profile direct;
     bind(direct);
-    static_assert(std::size(wholes) == std::size(Profile::whole_values));
-    for_each_whole(
-        [&]<std::size_t row>() {
-            const auto& [property, attribute] = wholes[row];
-            SCOPED_TRACE(property);
-            const Text late_name = from_utf8(property);
-            for (const Variant& values :
-                 {Variant(numbers({-1, 0, 5})), Variant(Values()), Variant(u"x"), Variant()}) {
-                directory_.answer(from_utf8(attribute), values);
-                journal_.clear();
-                EXPECT_EQ(direct.get_whole<row>(), values);
-                EXPECT_EQ((call<&Profile::get_whole<row>>(profile)), values);
-                EXPECT_EQ(late::get(profile.object(), late_name), values);
-                EXPECT_THAT(journal_.take(),
-                            testing::Each(std::string("GetValues(") + attribute + ")"));
-                direct.put_whole<row>(values);
-                call<&Profile::put_whole<row>>(profile, values);
-                late::put(profile.object(), late_name, values);
-                const std::string written =
-                    std::string("SetValues(") + attribute + ", " + shown(values) + ")";
-                EXPECT_THAT(journal_.take(), ElementsAre(written, written, written));
-            }
-            journal_.refuse_nth("SetValues", 1, no_rights());
-            expect_failure(raised_by([&] { direct.put_whole<row>(Values()); }),
-                           error_number(0x80072098), u"Its.Own",
-                           block("80072098", std::string("OrvoMembership.Profile.") + property,
-                                 "(50) no rights"));
-        },
-        std::make_index_sequence<std::size(wholes)>());
+    const auto check = [&]<const Profile::WholeValue & whole>(const char* property,
+                                                              const char* attribute) {
+        SCOPED_TRACE(property);
+        const Text late_name = from_utf8(property);
+        for (const Variant& values :
+             {Variant(numbers({-1, 0, 5})), Variant(Values()), Variant(u"x"), Variant()}) {
+            directory_.answer(from_utf8(attribute), values);
+            journal_.clear();
+            EXPECT_EQ(direct.get_whole<whole>(), values);
+            EXPECT_EQ((call<&Profile::get_whole<whole>>(profile)), values);
+            EXPECT_EQ(late::get(profile.object(), late_name), values);
+            EXPECT_THAT(journal_.take(),
+                        testing::Each(std::string("GetValues(") + attribute + ")"));
+            direct.put_whole<whole>(values);
+            call<&Profile::put_whole<whole>>(profile, values);
+            late::put(profile.object(), late_name, values);
+            const std::string written =
+                std::string("SetValues(") + attribute + ", " + shown(values) + ")";
+            EXPECT_THAT(journal_.take(), ElementsAre(written, written, written));
+        }
+        journal_.refuse_nth("SetValues", 1, no_rights());
+        expect_failure(
+            raised_by([&] { direct.put_whole<whole>(Values()); }), error_number(0x80072098),
+            u"Its.Own",
+            block("80072098", std::string("OrvoMembership.Profile.") + property, "(50) no rights"));
+    };
+    check.operator()<Profile::catalog_ids>("OrvoCatalogIDs", "OrvoCatalogIDs");
+    check.operator()<Profile::dashboard_ids>("OrvoDashboardIDs", "OrvoDashboardIDs");
+    check.operator()<Profile::askbook_visibility>("AskbookVisibility", "AskbookVisibility");
+    check.operator()<Profile::roles>("Roles", "OrvoRole");
 }
 
 TEST_FRESH(ProfileTest, ApplicationsAreReadWholeAndWrittenOrClearedWhenEmpty) {

@@ -21,7 +21,7 @@ static_assert(slot_of<&User::get_user_type<0>> == 140, "RegisteredUser");
 static_assert(slot_of<&User::put_user_type<4>> == 149, "NewMember");
 static_assert(slot_of<&User::InvoiceUser> == 150);
 static_assert(slot_of<&User::put_InvoiceUser> == 151);
-static_assert(slot_of<&User::get_role<0>> == 152);
+static_assert(slot_of<&User::get_role<role_row("CreditCardUser")>> == 152);
 
 TEST_FRESH(UserCatalogue, EachPropertyHasItsNameAndAttribute) {
     for (std::size_t row = 0; row < std::size(catalogue); ++row) {

@@ -247,8 +247,8 @@ TEST_FRESH(UserRoles, ARolePropertyIsAnsweredFromTheProfileAsHasRoleIs) {
     give_profile();
     answer_profile(u"OrvoRole", numbers({4}));
     bound_through_every_door([](Behind<User>& user) {
-        EXPECT_TRUE(user.call<&User::get_role<3>>()) << "ApproverRole";
-        EXPECT_FALSE(user.call<&User::get_role<4>>());
+        EXPECT_TRUE(user.call<&User::get_role<role_row("ApproverRole")>>());
+        EXPECT_FALSE(user.call<&User::get_role<role_row("FinancialRole")>>());
     });
 }
 
@@ -261,7 +261,7 @@ TEST_FRESH(UserRoles, AFailingRolePropertyShowsTheChainOfMethods) {
                   block("80072098", "OrvoMembership.User.Roles",
                         block("80072098", "OrvoMembership.User.GetAttribValue", "(50) no rights",
                               "Attribute is: OrvoRole")));
-        expect_failure(raised_by([&] { user.call<&User::get_role<7>>(); }),
+        expect_failure(raised_by([&] { user.call<&User::get_role<role_row("CanPublish")>>(); }),
                        error_number(0x80072098), u"Its.Own",
                        block("80072098", "OrvoMembership.User.CanPublish", chain));
     });

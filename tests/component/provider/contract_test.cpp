@@ -9,9 +9,9 @@
 #include "component/common/LogContract.h"
 #include "component/config/Account.h"
 #include "component/config/ConfigurationContract.h"
+#include "component/config/PMMCreator.h"
 #include "component/config/ServerInfo.h"
 #include "component/entries/LdapAccess.h"
-#include "component/provider/PMMCreator.h"
 
 namespace orvo {
 namespace {

@@ -1,4 +1,4 @@
-#include "component/provider/PMMCreator.h"
+#include "component/config/PMMCreator.h"
 
 #include "component/config/SharedServerInfo.h"
 #include "tests/component/component_test.h"

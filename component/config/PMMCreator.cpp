@@ -1,4 +1,4 @@
-#include "component/provider/PMMCreator.h"
+#include "component/config/PMMCreator.h"
 
 #include "component/common/Lib_ErrorHandling.h"
 #include "component/common/Lib_General.h"
@@ -16,8 +16,8 @@ constexpr const char16_t* source = u"OrvoMembership.PMMCreator.GetPMM";
 void PMMCreator::LoadModule() {
     if (module_) return;
     ServerInfo* info = shared_server_info();
-    // Neither message is ever seen: no error is pending when they are handed over. The call of the
-    // module that follows fails on the empty reference instead. Deliberate.
+    // Neither message is seen: no error is pending when they are handed over. Callers know a thread
+    // without a provider by the 91 (object not set) of the call that follows.
     if (info == nullptr) {
         HandleError(source, u"Serverinfo is not set unable to read the configuration");
         return;

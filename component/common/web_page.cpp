@@ -1,0 +1,25 @@
+#include "component/common/web_page.h"
+
+#include "component/common/Lib_ErrorHandling.h"
+#include "component/common/Lib_General.h"
+#include "platform/abi/late_call.h"
+
+namespace orvo {
+
+bool runs_in_page(const Text& item, const ActivationNotes& notes) {
+    const std::int16_t state = Gen_GetIntrinsicState(item);
+    if (state == 0) return true;
+    const char16_t* note = state == -1 ? notes.no_context : notes.no_item;
+    if (note) LogError(notes.method, note);
+    return false;
+}
+
+Text session_text(const Object& session, const char16_t* name) {
+    return late::value_of(session, {name}).to<Text>();
+}
+
+Secret session_secret(const Object& session) {
+    return Secret(session_text(session, session_password));
+}
+
+}  // namespace orvo

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "component/config/PMMCreator.h"
+#include "platform/automation/secret.h"
+#include "platform/automation/values.h"
+
+namespace orvo {
+
+// Who works in the directory: the full name of an entry, and its password. Used by one thread.
+//
+// Objects that take credentials keep them in one of these and work with it from then on. Nothing is
+// checked here: what is wrong with them the directory says, at the bind or the search.
+struct DirectoryAccount {
+    Text name = {};
+    Secret secret = {};
+
+    Text password_text() const { return from_utf8(secret.reveal()); }
+
+    // A search of the configured server below `container` (a full name), ready for Execute. Raises
+    // what the provider raises, and 91 where none is configured.
+    Ref<DirectorySearch> connected_search(PMMCreator& provider, Text container) const;
+};
+
+// Binds `entry` to the entry `name` ("cn=jsmith"; empty: the container itself) below `container` of
+// the configured server. `user` and `password` are in-out as the provider takes them;
+// `attributes`: the names of those to fetch at once. Raises what the provider raises.
+void bind_entry(const Ref<DirectoryEntry>& entry, Text container, Text name, Text& user,
+                Text& password, Variant attributes = Values());
+
+}  // namespace orvo
