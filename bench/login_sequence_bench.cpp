@@ -5,12 +5,14 @@
 // two connections that it keeps, the user's and the service account's, on two that it makes, or
 // with a connection for each of the four. Rounds alternate; "rate_to_raw" is how many logins are
 // done in the time of one of the raw client's. The server has a password policy, of which the
-// component's password check asks.
+// component's password check asks. "operations" are those that the server counts for one login,
+// "cpu_us" the microseconds of this process's processor time.
 
 #include <benchmark/benchmark.h>
 
 #include <random>
 
+#include "bench/counted_work.h"
 #include "bench/crew.h"
 #include "bench/many_buyers.h"
 #include "bench/provider_keeps.h"
@@ -110,18 +112,29 @@ void logins(benchmark::State& state, Keeps keeps, void (Visitor::*raw)(),
     const KeepsScope scope(keeps);
     Crew<Visitor> crew(static_cast<int>(state.range(0)));
     std::atomic<bool> is_wrong = false;
-    double raw_time = 0, own_time = 0;
+    double raw_time = 0, own_time = 0, raw_cpu = 0, own_cpu = 0;
+    long operations = 0;
+    ServerOperations server(many_buyers().shop);
     for (auto _ : state) {
+        const double before_raw = processor_time();
         raw_time += crew.run(rounds, [&](Visitor& visitor) { (visitor.*raw)(); });
+        raw_cpu += processor_time() - before_raw;
+        server.since();
+        const double before_own = processor_time();
         const double own = crew.run(rounds, [&](Visitor& visitor) {
             visitor.log_in();
             if (visitor.is_wrong) is_wrong = true;
         });
+        own_cpu += processor_time() - before_own;
+        operations += server.since();
         own_time += own;
         state.SetIterationTime(own);
     }
     if (is_wrong) state.SkipWithError("a login failed");
     const double done = static_cast<double>(state.iterations() * state.range(0) * rounds);
+    state.counters["operations"] = static_cast<double>(operations) / done;
+    state.counters["cpu_us"] = own_cpu / done * 1e6;
+    state.counters["raw_cpu_us"] = raw_cpu / done * 1e6;
     state.counters["logins_per_s"] = done / own_time;
     state.counters["raw_per_s"] = done / raw_time;
     state.counters["rate_to_raw"] = raw_time / own_time;

@@ -54,6 +54,8 @@ Attempts::Attempts(ConnectionPool& pool, ConnectionSetRef set, const Operation& 
     : pool_(pool),
       set_(std::move(set)),
       operation_(operation),
+      entry_(operation.entry.empty() ? std::nullopt
+                                     : std::make_optional<EntryKey>(operation.entry)),
       lease_(pool, set_),
       limits_(operation.limits.value_or(lease_.settings().limits)) {}
 
@@ -65,24 +67,31 @@ Session& Attempts::session() {
         // What is sent once is not sent into a connection that is closed.
         const bool is_sent_once = operation_.effect != Effect::none || is_presented_;
         const auto care = is_sent_once ? Lease::Care::sure : Lease::Care::usual;
-        is_new_ = !lease_.take_idle(server_, care);
-        const bool is_bound_first =
-            set_->use() == ConnectionSet::Use::as_user && !set_->user().empty();
-        if (is_new_ && !(is_bound_first && lease_.take_from_others(server_)))
+        const bool is_check = set_->use() == ConnectionSet::Use::password_checks;
+        const bool is_nobody = !is_check && set_->user().empty();
+        is_new_ = !lease_.take_idle(server_, care) &&
+                  (is_check || is_nobody || !lease_.take_checked(server_));
+        if (is_new_ && (is_nobody || !lease_.take_from_others(server_)))
             connect();
         else
             lease_.connection().session.set_limits(limits_);
         authenticate();
     }
+    lease_.connection().checked.reset();
     begin_ = pool_.clock().now();
+    if (operation_.effect == Effect::bind) mark_ = pool_.writes().mark(*entry_);
     return lease_.connection().session;
+}
+
+void Attempts::note_right(const Secret& password) {
+    lease_.connection().checked = CheckedLogin{*entry_, password.clone(), begin_, mark_};
 }
 
 void Attempts::choose_server() {
     const ServerGroup& group = set_->group();
     if (tried_.empty()) {
         // Where the user's own password has been changed, too: other servers may not know it yet.
-        if (!operation_.entry.empty()) server_ = group.last_written_on(EntryKey(operation_.entry));
+        if (entry_) server_ = group.last_written_on(*entry_);
         if (!server_ && !set_->user().empty()) server_ = group.last_written_on(set_->user_key());
     }
     if (!server_) server_ = group.choose(lease_.settings().failback_after, tried_);
@@ -202,7 +211,7 @@ bool Attempts::again(const Result& result) {
         return is_repeatable && go_on(set_->group().choose_up(settings.failback_after, tried_));
     }
     const auto took = pool_.clock().now() - begin_;
-    const bool is_search = operation_.entry.empty();
+    const bool is_search = !entry_;
     if (is_search)
         server->note_answer(duration_cast<microseconds>(took));
     else
@@ -216,9 +225,8 @@ bool Attempts::again(const Result& result) {
             return go_on(master);
         }
     }
-    if (result.ok() && operation_.effect == Effect::change && !operation_.entry.empty())
-        set_->group().note_write(EntryKey(operation_.entry), server,
-                                 pool_.clock().now() + settings.replica_lag);
+    if (result.ok() && operation_.effect == Effect::change && entry_)
+        set_->group().note_write(*entry_, server, pool_.clock().now() + settings.replica_lag);
     lease_.release();
     return false;
 }

@@ -48,6 +48,10 @@ public:
     // The server that the session is connected to.
     const ServerRef& server() { return lease_.connection().server; }
 
+    // For a password check, whose session has just found this password right: who logs in with it
+    // next goes on with the connection.
+    void note_right(const Secret& password);
+
     // The session was all that was wanted: the operation is over, and the connection idle.
     void finish() { lease_.release(); }
     // Whether to try it again after this result. Otherwise the operation is over, and the
@@ -65,11 +69,13 @@ private:
     ConnectionPool& pool_;
     const ConnectionSetRef set_;
     const Operation operation_;
+    const std::optional<EntryKey> entry_;
     Lease lease_;
     Limits limits_;
     bool is_presented_ = false;
     bool is_new_ = false;  // whether the connection was opened or taken over for this operation
     Clock::time_point begin_;
+    std::uint64_t mark_ = 0;        // of the entry, at the begin
     ServerRef server_;              // the one chosen
     std::vector<ServerRef> tried_;  // not to be tried again
     std::string reasons_;           // why servers could not be connected to

@@ -6,6 +6,15 @@
 
 namespace orvo::directory::ldap {
 
+// What a password check found right: whose password, asked when, and the write mark that the user's
+// entry had then.
+struct CheckedLogin {
+    EntryKey user;
+    Secret password;
+    Clock::time_point at;
+    std::uint64_t mark;
+};
+
 // A connection to a server, and since when it is one. Used by one thread at a time.
 struct Connection {
     Session session;
@@ -13,6 +22,8 @@ struct Connection {
     std::uint64_t server_generation;  // Server::generation when it was opened
     Clock::time_point opened;
     Clock::time_point used;  // when it was last released
+    // As whom a password check has just authenticated it; nothing where the password was not right.
+    std::optional<CheckedLogin> checked = {};
 
     // Whether it may be used again at all: neither too old nor idle for too long, and its server
     // has not failed since it was opened.

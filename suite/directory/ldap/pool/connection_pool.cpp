@@ -21,7 +21,7 @@ std::string key_of(std::string_view kind, const ServerGroup& group, const std::s
 
 }  // namespace
 
-ConnectionPool::ConnectionPool(const Clock& clock, const WriteMarks& writes, Servers& servers)
+ConnectionPool::ConnectionPool(const Clock& clock, WriteMarks& writes, Servers& servers)
     : clock_(clock), writes_(writes), servers_(servers) {}
 
 void ConnectionPool::configure(const Variant& names, const Variant& values) {
@@ -81,7 +81,7 @@ void ConnectionPool::tidy(ConnectionSet& set) {
         dropped.push_back(std::move(refused_.front().set));
         refused_.pop_front();
     }
-    evict_idle(current, now, dropped);
+    evict_unused(current, now, dropped);
 }
 
 void ConnectionPool::keep(const ConnectionSetRef& set) {
@@ -101,13 +101,18 @@ void ConnectionPool::keep(const ConnectionSetRef& set) {
     evict_idle(current, now, dropped);
 }
 
-void ConnectionPool::evict_idle(const PoolSettings& settings, Clock::time_point now,
-                                Dropped& dropped) {
+void ConnectionPool::evict_unused(const PoolSettings& settings, Clock::time_point now,
+                                  Dropped& dropped) {
     while (!idle_.empty() &&
            (settings.maximum_size == 0 || now - idle_.front().used >= settings.idle)) {
         idle_.front().set->evict_all();
         dropped.push_back(drop(idle_.begin()));
     }
+}
+
+void ConnectionPool::evict_idle(const PoolSettings& settings, Clock::time_point now,
+                                Dropped& dropped) {
+    evict_unused(settings, now, dropped);
     if (idle_.size() * settings.maximum_size <= settings.maximum_idle) return;
     std::size_t count = count_idle();
     while (count > settings.maximum_idle && !idle_.empty()) {
@@ -146,6 +151,24 @@ std::optional<Connection> ConnectionPool::take_from_others(const ServerRef& serv
     return std::nullopt;
 }
 
+std::optional<Connection> ConnectionPool::take_checked(ConnectionSet& user, const ServerRef& server,
+                                                       std::uint64_t generation) {
+    ConnectionSetRef dropped;
+    const std::lock_guard lock(mutex_);
+    const PoolSettings current = settings();
+    const auto now = clock_.now();
+    for (auto place = idle_.begin(); place != idle_.end(); ++place) {
+        if (place->set->use() != ConnectionSet::Use::password_checks) continue;
+        auto given = place->set->give_up_checked(server, user, current, now);
+        if (!given) continue;
+        if (place->set->idle() == 0) dropped = drop(place);
+        user.note_accepted(given->checked->at, given->checked->mark, generation);
+        given->checked.reset();
+        return given;
+    }
+    return std::nullopt;
+}
+
 void ConnectionPool::remember_refusal(const ConnectionSetRef& set) {
     Dropped dropped;
     const std::lock_guard lock(mutex_);
@@ -168,6 +191,8 @@ std::vector<ConnectionSetRef> ConnectionPool::all_sets() const {
 
 void ConnectionPool::password_changed(const EntryKey& entry, const Secret& password,
                                       const ConnectionSetRef& by) {
+    // First, so that no set which is found now takes a connection that was checked before.
+    writes_.note(entry);
     for (const ConnectionSetRef& set : all_sets()) {
         if (set->use() != ConnectionSet::Use::as_user || set->user().empty() ||
             !set->user_key().may_be(entry))

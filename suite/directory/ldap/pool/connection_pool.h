@@ -6,7 +6,8 @@
 // while waiting for another, so waiting always ends. There is a ConnectionSet for each user with
 // one password, and one for the password checks below each container, on each group of servers.
 // Users share no connection; where there are more users than connections may be idle, one that
-// somebody has not used for longest is bound anew, as another user, instead of being closed.
+// somebody has not used for longest is bound anew, as another user, instead of being closed. A
+// connection on which a user's password was just found right is the user's who logs in with it.
 //
 // A set lives as long as an object works with it, it has idle connections, or the server has just
 // refused its credentials. With PoolSettings::maximum_size 0 nothing is pooled: idle connections
@@ -34,7 +35,7 @@ using ConnectionSetRef = std::shared_ptr<ConnectionSet>;
 // Thread-safe. Nothing waits for a server under the pool's lock.
 class ConnectionPool {
 public:
-    ConnectionPool(const Clock& clock, const WriteMarks& writes, Servers& servers);
+    ConnectionPool(const Clock& clock, WriteMarks& writes, Servers& servers);
     ConnectionPool(const ConnectionPool&) = delete;
 
     const Clock& clock() const { return clock_; }
@@ -59,6 +60,10 @@ public:
     // be closed for a new one: the least recently used connection of another user to this server,
     // to be bound anew. Nothing where there are fewer.
     std::optional<Connection> take_from_others(const ServerRef& server);
+    // For a user who has no idle connection: one that a password check has authenticated with these
+    // credentials within RecheckAfter, which the set notes as accepted.
+    std::optional<Connection> take_checked(ConnectionSet& user, const ServerRef& server,
+                                           std::uint64_t generation);
     // The server has refused the set's credentials: they are remembered for RecheckAfter.
     void remember_refusal(const ConnectionSetRef& set);
 
@@ -87,6 +92,8 @@ private:
     ConnectionSetRef find_or_make(ConnectionSet::Use use, std::string key,
                                   std::shared_ptr<ServerGroup> group, const std::string& user,
                                   const Secret& password);
+    // What has been idle for too long; and what is too many, the least recently used first.
+    void evict_unused(const PoolSettings& settings, Clock::time_point now, Dropped& dropped);
     void evict_idle(const PoolSettings& settings, Clock::time_point now, Dropped& dropped);
     // Out of the sets with idle connections; the set's end may be the caller's.
     ConnectionSetRef drop(IdleSets::iterator place);
@@ -94,7 +101,7 @@ private:
     std::vector<ConnectionSetRef> all_sets() const;
 
     const Clock& clock_;
-    const WriteMarks& writes_;
+    WriteMarks& writes_;
     Servers& servers_;
 
     SharedSettings settings_;

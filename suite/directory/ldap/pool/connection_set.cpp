@@ -98,9 +98,27 @@ std::optional<Connection> ConnectionSet::take_idle(const ServerRef& server,
 std::optional<Connection> ConnectionSet::give_up_idle(const ServerRef& server,
                                                       const PoolSettings& settings,
                                                       Clock::time_point now) {
+    return give_up_first(server, settings, now, [](const Connection&) { return true; });
+}
+
+std::optional<Connection> ConnectionSet::give_up_checked(const ServerRef& server,
+                                                         const ConnectionSet& user,
+                                                         const PoolSettings& settings,
+                                                         Clock::time_point now) {
+    return give_up_first(server, settings, now, [&](const Connection& one) {
+        return one.checked && one.checked->user == user.user_key() &&
+               now - one.checked->at < settings.recheck &&
+               writes_.mark(user.user_key()) == one.checked->mark &&
+               user.has_password(one.checked->password);
+    });
+}
+
+std::optional<Connection> ConnectionSet::give_up_first(
+    const ServerRef& server, const PoolSettings& settings, Clock::time_point now,
+    const std::function<bool(const Connection&)>& fits) {
     const std::lock_guard lock(mutex_);
     const auto found = std::ranges::find_if(idle_, [&](const Connection& one) {
-        return one.server == server && one.is_usable(settings, now);
+        return one.server == server && one.is_usable(settings, now) && fits(one);
     });
     if (found == idle_.end()) return std::nullopt;
     std::optional<Connection> given(std::move(*found));

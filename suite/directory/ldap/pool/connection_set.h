@@ -4,6 +4,7 @@
 
 #include <condition_variable>
 #include <deque>
+#include <functional>
 #include <list>
 #include <memory>
 #include <mutex>
@@ -55,6 +56,10 @@ public:
     // first. Nothing where there is none that is usable.
     std::optional<Connection> give_up_idle(const ServerRef& server, const PoolSettings& settings,
                                            Clock::time_point now);
+    // For a user: an idle connection to this server that a password check has authenticated with
+    // the user's credentials, and what was accepted counts still (is_accepted).
+    std::optional<Connection> give_up_checked(const ServerRef& server, const ConnectionSet& user,
+                                              const PoolSettings& settings, Clock::time_point now);
     // Gives the place back without a connection.
     void release_place();
     // Gives the place back with its connection, which is idle from now on; or is closed, where the
@@ -105,6 +110,9 @@ private:
         std::optional<Failure> refusal;  // none: accepted
     };
 
+    std::optional<Connection> give_up_first(const ServerRef& server, const PoolSettings& settings,
+                                            Clock::time_point now,
+                                            const std::function<bool(const Connection&)>& fits);
     const Verdict* current_verdict(const PoolSettings& settings, Clock::time_point now) const;
     void wake_next();
     void end_generation(std::deque<Connection>& closing);

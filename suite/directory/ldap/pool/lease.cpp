@@ -37,6 +37,12 @@ bool Lease::take_from_others(const ServerRef& server) {
     return false;
 }
 
+bool Lease::take_checked(const ServerRef& server) {
+    while ((connection_ = pool_.take_checked(*set_, server, generation_)))
+        if (connection_->session.seems_open()) return true;
+    return false;
+}
+
 void Lease::release() {
     if (!connection_) return;
     has_place_ = false;

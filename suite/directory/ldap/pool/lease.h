@@ -28,6 +28,9 @@ public:
     // Takes one that was another user's, and looks alive, for it to be bound anew; see
     // ConnectionPool::take_from_others.
     bool take_from_others(const ServerRef& server);
+    // Takes one that a password check has just authenticated as the set's user; see
+    // ConnectionPool::take_checked.
+    bool take_checked(const ServerRef& server);
     // Takes this connection in place of the one that is there.
     void put(Connection connection) { connection_.emplace(std::move(connection)); }
     bool has_connection() const { return connection_.has_value(); }

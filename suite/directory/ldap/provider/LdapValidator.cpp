@@ -70,9 +70,13 @@ std::int32_t LdapValidator::Validate(Variant& path, Variant& password) {
 
     if (!target_->checks) find_checks();
     Attempts attempts(client_.pool(), target_->checks, {Effect::bind, name, limits_});
-    const BindResult bind =
-        run(attempts, [&](Session& session) { return session.bind(name, secret, Policy::asked); });
-    const std::optional<int> number = judged(bind.code, bind.message, policy_in(bind.controls));
+    std::optional<int> number;
+    const BindResult bind = run(attempts, [&](Session& session) {
+        BindResult answer = session.bind(name, secret, Policy::asked);
+        number = judged(answer.code, answer.message, policy_in(answer.controls));
+        if (number == password_check::right) attempts.note_right(secret);
+        return answer;
+    });
     if (!number) check(bind);
     if (*number == password_check::right || *number == password_check::expired)
         ProvenPassword::note(target_->checks->group().key(), name, secret,
