@@ -78,13 +78,13 @@ Session& Attempts::session() {
         authenticate();
     }
     lease_.connection().checked.reset();
-    begin_ = pool_.clock().now();
+    asked_at_ = pool_.clock().now();
     if (operation_.effect == Effect::bind) mark_ = pool_.writes().mark(*entry_);
     return lease_.connection().session;
 }
 
 void Attempts::note_right(const Secret& password) {
-    lease_.connection().checked = CheckedLogin{*entry_, password.clone(), begin_, mark_};
+    lease_.connection().checked = CheckedLogin{*entry_, password.clone(), asked_at_, mark_};
 }
 
 void Attempts::choose_server() {
@@ -124,6 +124,8 @@ void Attempts::authenticate() {
         !is_new_ && (!is_presented_ || set_->is_accepted(settings, pool_.clock().now()));
     // Nobody needs no bind: a new connection is nobody's.
     if (is_known || (set_->user().empty() && set_->password().empty())) return;
+    question_.emplace(*set_, settings, pool_.clock(), 2 * limits_.answer);
+    if (const auto refusal = set_->refusal(settings, pool_.clock().now())) throw *refusal;
     Result result = bind();
     while (result.connection_failed() && !result.sent) {
         tried_.push_back(server_);
@@ -133,40 +135,52 @@ void Attempts::authenticate() {
         connect();
         result = bind();
     }
+    question_.reset();
     check_bind(result);
 }
 
-// As the set's user. A connection whose bind was not accepted is closed: its user is nobody now, or
-// not known.
+// As the set's user.
 Result Attempts::bind() {
-    Clock::time_point at;
-    std::uint64_t mark = 0;
-    const auto bind_once = [&](const Secret& password) {
-        at = pool_.clock().now();
-        mark = pool_.writes().mark(set_->user_key());
-        const Result result = lease_.connection().session.bind(set_->user(), password);
-        if (result.ok()) {
-            note_answer(server_, pool_.clock().now() - at);
-            set_->note_accepted(at, mark, lease_.generation());
-        } else if (result.connection_failed() || result.is_unavailable()) {
-            note_failure(server_, result);
-        }
-        if (!result.ok()) lease_.close();
-        return result;
-    };
     const Secret password = set_->password();
     Result result = bind_once(password);
     if (!says_wrong(result)) return result;
-    // The user may be changing it at this moment.
-    const std::lock_guard turn(set_->own_change());
+    // The user may be changing it at this moment, and need a place for it, or an answer.
+    std::unique_lock turn(set_->own_change(), std::try_to_lock);
+    if (!turn) {
+        question_.reset();
+        lease_.release_place();
+        turn.lock();
+        lease_.acquire_place();
+    }
     if (!set_->has_password(password)) {
         connect();
         result = bind_once(set_->password());
     }
     if (says_wrong(result)) {
-        set_->note_refused(bind_failure(result), at, mark, lease_.generation());
+        set_->note_refused(bind_failure(result), asked_at_, mark_, lease_.generation());
         pool_.remember_refusal(set_);
     }
+    return result;
+}
+
+// A connection whose bind was not accepted is closed: its user is nobody now, or not known.
+Result Attempts::bind_once(const Secret& password) {
+    Connection& connection = lease_.connection();
+    // While the question was somebody else's.
+    if (server_->generation() != connection.server_generation) {
+        lease_.close();
+        return {result_code::server_down, "The server has failed meanwhile.", {}, {}, false};
+    }
+    asked_at_ = pool_.clock().now();
+    mark_ = pool_.writes().mark(set_->user_key());
+    Result result = connection.session.bind(set_->user(), password);
+    if (result.ok()) {
+        note_answer(server_, pool_.clock().now() - asked_at_);
+        set_->note_accepted(asked_at_, mark_, lease_.generation());
+        return result;
+    }
+    if (result.connection_failed() || result.is_unavailable()) note_failure(server_, result);
+    lease_.close();
     return result;
 }
 
@@ -193,8 +207,14 @@ bool Attempts::again(const Result& result) {
         return server_ != nullptr;
     };
 
+    const auto note_write = [&] {
+        if (operation_.effect == Effect::change && entry_)
+            set_->group().note_write(*entry_, server, pool_.clock().now() + settings.replica_lag);
+    };
+
     if (result.connection_failed()) {
         lease_.close();
+        if (result.may_be_done()) note_write();
         if (result.code == result_code::decoding_error) return false;
         note_failure(server, result);
         if (!is_repeatable && result.sent) return false;
@@ -210,7 +230,7 @@ bool Attempts::again(const Result& result) {
         tried_.push_back(server);
         return is_repeatable && go_on(set_->group().choose_up(settings.failback_after, tried_));
     }
-    const auto took = pool_.clock().now() - begin_;
+    const auto took = pool_.clock().now() - asked_at_;
     const bool is_search = !entry_;
     if (is_search)
         server->note_answer(duration_cast<microseconds>(took));
@@ -225,8 +245,7 @@ bool Attempts::again(const Result& result) {
             return go_on(master);
         }
     }
-    if (result.ok() && operation_.effect == Effect::change && entry_)
-        set_->group().note_write(*entry_, server, pool_.clock().now() + settings.replica_lag);
+    if (result.ok()) note_write();
     lease_.release();
     return false;
 }

@@ -63,6 +63,7 @@ private:
     void connect();
     void authenticate();
     Result bind();
+    Result bind_once(const Secret& password);
     void note_failure(const ServerRef& server, const Result& result);
     void note_answer(const ServerRef& server, Clock::time_point::duration took);
 
@@ -74,11 +75,13 @@ private:
     Limits limits_;
     bool is_presented_ = false;
     bool is_new_ = false;  // whether the connection was opened or taken over for this operation
-    Clock::time_point begin_;
-    std::uint64_t mark_ = 0;        // of the entry, at the begin
-    ServerRef server_;              // the one chosen
-    std::vector<ServerRef> tried_;  // not to be tried again
-    std::string reasons_;           // why servers could not be connected to
+    // When the operation or a bind was sent, and the write mark of the entry bound as.
+    Clock::time_point asked_at_;
+    std::uint64_t mark_ = 0;
+    ServerRef server_;                                 // the one chosen
+    std::vector<ServerRef> tried_;                     // not to be tried again
+    std::optional<ConnectionSet::Question> question_;  // while the user is authenticated
+    std::string reasons_;                              // why servers could not be connected to
 };
 
 // Runs an operation, from Session& to a kind of Result, as often as the rule allows. The result of

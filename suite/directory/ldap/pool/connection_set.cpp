@@ -223,6 +223,27 @@ std::optional<Failure> ConnectionSet::refusal(const PoolSettings& settings,
     return verdict ? verdict->refusal : std::nullopt;
 }
 
+ConnectionSet::Question::Question(ConnectionSet& set, const PoolSettings& settings,
+                                  const Clock& clock, std::chrono::milliseconds limit)
+    : set_(set) {
+    if (settings.recheck.count() == 0) return;
+    const auto is_answered = [&] { return set.current_verdict(settings, clock.now()) != nullptr; };
+    std::unique_lock lock(set.mutex_);
+    const bool is_over =
+        set.answered_.wait_for(lock, limit, [&] { return !set.is_asked_ || is_answered(); });
+    is_asked_ = is_over && !is_answered();
+    if (is_asked_) set.is_asked_ = true;
+}
+
+ConnectionSet::Question::~Question() {
+    if (!is_asked_) return;
+    {
+        const std::lock_guard lock(set_.mutex_);
+        set_.is_asked_ = false;
+    }
+    set_.answered_.notify_all();
+}
+
 void ConnectionSet::invalidate() {
     Closing closing;
     const std::lock_guard lock(mutex_);

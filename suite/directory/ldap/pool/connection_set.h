@@ -92,6 +92,20 @@ public:
     bool is_accepted(const PoolSettings& settings, Clock::time_point now) const;
     // Likewise, that it refused them: with which failure.
     std::optional<Failure> refusal(const PoolSettings& settings, Clock::time_point now) const;
+    // Somebody asks the server about credentials of which nothing is known. While one does, others
+    // who have the same question wait for the answer, at most for `limit`: an outdated password
+    // that many offer at once is one failure there. With RecheckAfter 0 everybody asks.
+    class Question {
+    public:
+        Question(ConnectionSet& set, const PoolSettings& settings, const Clock& clock,
+                 std::chrono::milliseconds limit);
+        Question(const Question&) = delete;
+        ~Question();
+
+    private:
+        ConnectionSet& set_;
+        bool is_asked_ = false;
+    };
     // What the server said of the credentials counts no more, and connections made until now are
     // not used again: the user's password or entry has changed.
     void invalidate();
@@ -131,6 +145,8 @@ private:
     std::uint64_t generation_ = 0;
     std::size_t leased_ = 0;       // places that are taken
     std::deque<Connection> idle_;  // the latest released last
+    bool is_asked_ = false;        // by a Question
+    std::condition_variable answered_;
     // Those who wait for a place, in the order in which they came.
     std::list<std::condition_variable> waiting_;
 };

@@ -12,14 +12,23 @@ constexpr std::chrono::milliseconds surely_open{100};
 
 Lease::Lease(ConnectionPool& pool, ConnectionSetRef set) : pool_(pool), set_(std::move(set)) {
     pool_.tidy(*set_);
-    generation_ = set_->acquire_place();
-    has_place_ = true;
+    acquire_place();
     settings_ = pool_.settings();
 }
 
 Lease::~Lease() {
+    if (has_place_) release_place();
+}
+
+void Lease::acquire_place() {
+    generation_ = set_->acquire_place();
+    has_place_ = true;
+}
+
+void Lease::release_place() {
     connection_.reset();
-    if (has_place_) set_->release_place();
+    has_place_ = false;
+    set_->release_place();
 }
 
 bool Lease::take_idle(const ServerRef& server, Care care) {

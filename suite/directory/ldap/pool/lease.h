@@ -21,6 +21,11 @@ public:
     // The set's generation when the place was taken.
     std::uint64_t generation() const { return generation_; }
 
+    // For who has to wait for somebody that may be waiting for a place: without one, and a
+    // connection, until `acquire_place`, which waits and raises as the constructor does.
+    void release_place();
+    void acquire_place();
+
     // Takes an idle connection to the server, where there is one that looks alive. One that was
     // used a moment ago is looked at only with `sure`.
     enum class Care { usual, sure };

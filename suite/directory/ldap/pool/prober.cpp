@@ -1,5 +1,7 @@
 #include "suite/directory/ldap/pool/prober.h"
 
+#include <system_error>
+
 #include "platform/abi/face.h"
 
 namespace orvo::directory::ldap {
@@ -20,7 +22,11 @@ void Prober::wake() {
     if (is_running_ || is_ending_) return;
     // One that has done its last round only has to end.
     if (thread_.joinable()) thread_.join();
-    thread_ = std::thread([this] { work(); });
+    try {
+        thread_ = std::thread([this] { work(); });
+    } catch (const std::system_error&) {
+        return;
+    }
     ++detail::live_objects();
     is_running_ = true;
 }

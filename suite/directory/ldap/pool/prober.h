@@ -22,7 +22,7 @@ public:
     Prober(const Prober&) = delete;
     ~Prober();
 
-    // A round is due now.
+    // A round is due now. Where the system gives no thread, nothing is done until the next call.
     void wake();
 
 private:

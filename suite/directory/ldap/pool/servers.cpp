@@ -41,19 +41,25 @@ std::vector<ServerRef> Servers::in_use() const {
 }
 
 std::optional<Clock::time_point> Servers::probe_due(std::chrono::seconds failback_after) {
-    std::optional<Clock::time_point> next;
-    for (const ServerRef& server : in_use()) {
-        auto due = server->next_probe(failback_after);
-        if (due && *due <= clock_.now()) {
-            if (const auto reason = probe_(server->host()))
-                server->note_failed_probe(*reason, std::uniform_real_distribution<>(0, 1)(random_));
-            else
-                server->note_good_probe(failback_after);
-            due = server->next_probe(failback_after);
+    const std::vector<ServerRef> servers = in_use();
+    ServerRef first;
+    const auto next_probe = [&] {
+        std::optional<Clock::time_point> next;
+        for (const ServerRef& server : servers) {
+            const auto due = server->next_probe(failback_after);
+            if (!due || (next && *next <= *due)) continue;
+            next = due;
+            first = server;
         }
-        if (due && (!next || *due < *next)) next = due;
-    }
-    return next;
+        return next;
+    };
+    const auto next = next_probe();
+    if (!next || *next > clock_.now()) return next;
+    if (const auto reason = probe_(first->host()))
+        first->note_failed_probe(*reason, std::uniform_real_distribution<>(0, 1)(random_));
+    else
+        first->note_good_probe(failback_after);
+    return next_probe();
 }
 
 std::vector<ServerState> Servers::states() const {

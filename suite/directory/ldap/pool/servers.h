@@ -31,9 +31,9 @@ public:
     std::shared_ptr<ServerGroup> group(const ServerAddress& address);
     // An operation on the server failed; see Server::note_failure.
     void note_failure(Server& server, const std::string& reason);
-    // Probes the servers for which it is time, of those whose group somebody holds, one after the
-    // other; returns when the next one is due, or nothing where none will be. Called by one thread
-    // at a time.
+    // Probes the server that has been due for longest, of those whose group somebody holds, if one
+    // is; returns when the next one is due, which may be now, or nothing where none will be. Called
+    // by one thread at a time.
     std::optional<Clock::time_point> probe_due(std::chrono::seconds failback_after);
     // Of all servers that somebody has worked with, in no order.
     std::vector<ServerState> states() const;

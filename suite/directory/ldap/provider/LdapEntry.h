@@ -119,7 +119,7 @@ private:
     void require_known(const GivenAttribute& attribute);
     void add(const std::string& name, const NewEntry& entry, const Secret& created_with);
     void set_first_password(const std::string& name, const Secret& password);
-    Text take_back(const std::string& name, TextView is_or_may_be);
+    Text remove_again(const std::string& name, TextView is_or_may_be);
     void require_bound() const;
 
     Client& client_;

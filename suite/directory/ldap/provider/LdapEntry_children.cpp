@@ -121,12 +121,12 @@ void LdapEntry::set_first_password(const std::string& name, const Secret& passwo
         check(result);
     } catch (const Failure& failure) {
         throw Failure(failure.number, failure.source,
-                      failure.description + take_back(name, is_refused ? u" is" : u" may be"));
+                      failure.description + remove_again(name, is_refused ? u" is" : u" may be"));
     }
 }
 
 // Empty once the entry is gone; otherwise a sentence to add to the failure that made it unwanted.
-Text LdapEntry::take_back(const std::string& name, TextView is_or_may_be) {
+Text LdapEntry::remove_again(const std::string& name, TextView is_or_may_be) {
     Text why;
     try {
         const Result removed =

@@ -1,10 +1,13 @@
 // When the server is asked about the credentials that a Bind presents.
 
 #include <deque>
+#include <mutex>
 #include <thread>
+#include <vector>
 
 #include "platform/abi/call.h"
 #include "platform/dictionary/dictionary.h"
+#include "suite/directory/ldap/pool/lease.h"
 #include "tests/suite/directory/ldap/pool/pool_test.h"
 
 namespace orvo::directory::ldap {
@@ -312,6 +315,19 @@ TEST_F(CredentialsTest, ThatWereRefusedAreNotOfferedToTheServerAgainForAMoment) 
     EXPECT_EQ(bind_result(djansen()), wrong_credentials);
     EXPECT_EQ(binds() - before, 2);
     EXPECT_EQ(bind_result(djansen("changed")), 0) << "another password is another matter";
+}
+
+// The one who has asked has given the place back to the one who changes the password.
+TEST_F(CredentialsTest, ThatAreWrongKeepNoPlaceFromWhoChangesThem) {
+    use({u"MaximumSize"}, {1});
+    const ConnectionSetRef set = set_of(djansen("outdated"));
+    const long before = binds();
+    std::unique_lock change(set->own_change());
+    std::thread other([&] { EXPECT_EQ(bind_result(djansen("outdated")), wrong_credentials); });
+    while (binds() == before) std::this_thread::yield();
+    EXPECT_EQ(failure_of([&] { const Lease lease(client_.pool(), set); }).number, 0);
+    change.unlock();
+    other.join();
 }
 
 TEST_F(CredentialsTest, ThatWereRefusedAreOfferedAgainOnceThisProcessHasWrittenToTheUser) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <thread>
 #include <vector>
 
@@ -147,6 +148,22 @@ TEST_F(FailoverTest, ManyWhoFindAServerSilentWaitOneLimitTogether) {
     EXPECT_LT(took, answer_limit * 5) << "idle connections to it are not tried one after another";
 }
 
+TEST_F(FailoverTest, ManyWhoLogInAtASilentServerWaitOneLimitAndOneOfThemFails) {
+    first_.proxy.fall_silent();
+    std::atomic<int> failed = 0;
+    const auto took = time_of([&] {
+        std::vector<std::thread> threads;
+        for (int thread = 0; thread < 8; ++thread)
+            threads.emplace_back([&] {
+                LdapEntry entry({}, client_);
+                if (failure_of([&] { bind(entry); }).number != 0) ++failed;
+            });
+        for (std::thread& thread : threads) thread.join();
+    });
+    EXPECT_EQ(failed, 1);
+    EXPECT_LT(took, answer_limit * 2);
+}
+
 TEST_F(FailoverTest, APasswordCheckWhoseAnswerIsMissingIsAFailureAndSentToNobodyElse) {
     EXPECT_EQ(checked(u"shop-sample"), 0);
     const long first = first_.counted("Bind"), second = second_.counted("Bind");
@@ -245,6 +262,39 @@ TEST_F(FailoverTest, WhatWasWrittenDuringAnAbsenceIsReadWhereItWasWritten) {
     EXPECT_GT(state(first_).operations, operations);
     clock_.advance(61s);
     EXPECT_NE(read(entry), Variant(Values{u"Manager"})) << "these two do not replicate";
+}
+
+TEST_F(FailoverTest, WhatMayHaveBeenWrittenIsReadWhereItWouldHaveBeen) {
+    use({u"FailbackAfter", u"ReplicaLag"}, {0, 60});
+    RewritingProxy second(second_.slapd.server(), "cn=nothing", "cn=nothing");
+    first_.proxy.refuse_and_reset();
+    LdapEntry entry({}, client_);
+    bind(entry, u"cn=djansen", from_utf8(first_.proxy.server() + " " + second.server()));
+    probe();
+    second.cut_answers(1, "Position");
+    EXPECT_EQ(failure_of([&] { write(entry, u"Position", u"Manager"); }).number, unreachable);
+    first_.proxy.pass_on();
+    clock_.advance(1300ms);
+    probe();
+    probe();
+    EXPECT_EQ(state(first_).condition, Condition::up);
+    EXPECT_EQ(read(entry), Variant(Values{u"Manager"})) << "the first has not heard of it";
+}
+
+TEST_F(FailoverTest, AnOutdatedPasswordIsOfferedOnceByManyWhoHaveItAtOnce) {
+    first_.proxy.slow_down(answer_limit / 5);
+    const long before = first_.counted("Bind");
+    std::vector<std::thread> threads;
+    for (int session = 0; session < 5; ++session)
+        threads.emplace_back([&] {
+            LdapEntry entry({}, client_);
+            EXPECT_EQ(failure_of([&] {
+                          bind_as(entry, u"cn=djansen,ou=Users,o=Shop", u"outdated");
+                      }).number,
+                      error_number(0x8007052E));
+        });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(first_.counted("Bind") - before, 1);
 }
 
 TEST_F(FailoverTest, WhoChangedTheOwnPasswordDuringAnAbsenceWorksOnWhereItIsKnown) {
