@@ -12,7 +12,9 @@
 
 namespace orvo {
 
-// One record. What is put is the record's own until Save, which stores all of it at once.
+// One record, for the thread that asked for it. What is put is the record's own until Save, which
+// stores all of it at once; a record that is released without it changes nothing. All raise what
+// the filter raises, which may be a store that is full or out of reach.
 class FilterUser {
 public:
     virtual Text GUID() = 0;
@@ -51,6 +53,7 @@ inline constexpr auto table_of<FilterUser> = describe<FilterUser>(
     method<&FilterUser::Save>("Save"));
 // clang-format on
 
+// Raises as a record does. GUIDs are compared exactly.
 class FilterConnector {
 public:
     // Nothing where the filter holds no record under this GUID.

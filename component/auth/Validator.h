@@ -7,7 +7,11 @@
 namespace orvo {
 
 // Checks a user's password against the directory and, in a web page, turns a right one into a
-// logged-in session. It takes the page's objects from the object context at activation.
+// logged-in session. It takes the page's objects from the object context at activation and holds
+// them until it is deactivated. Used by the thread that made it.
+//
+// What fails is logged and raised again by the member that was called; setServerInfo alone passes
+// failures on as they are.
 class Validator final : public ObjectControl {
 public:
     Validator() { IObjectControl_Activate(); }

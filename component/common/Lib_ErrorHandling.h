@@ -2,6 +2,9 @@
 
 // The one way in which failures are reported: logged through the suite's log component and raised
 // again, with a description that tells number, method and cause.
+//
+// The pending error is the thread's own: it exists while one of the frames below handles what its
+// body raised. A log object is made for each entry and released after it.
 
 #include <utility>
 

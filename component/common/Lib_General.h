@@ -6,6 +6,8 @@
 
 namespace orvo {
 
+// All work on the calling thread, whose application-server object is kept for the thread's life.
+
 // Creates a component by ProgID: inside the caller's object context where there is one, by plain
 // creation otherwise. Never answers an empty reference: a failure (the platform's number, 429 for
 // a class that is not known) is logged and raised through HandleError.

@@ -4,7 +4,8 @@
 
 namespace orvo {
 
-// A new identifier from the operating system. The call's result code is not checked.
+// A new identifier from the operating system. Any thread. The call's result code is not checked:
+// where it fails, the identifier is all zeros.
 abi::GUID Win32_CreateGuid();
 
 }  // namespace orvo

@@ -7,7 +7,9 @@
 
 namespace orvo {
 
-// level: 0 an error, 1 a note ("Not an actual error"). The results are discarded by callers.
+// level: 0 an error, 1 a note ("Not an actual error"). The results are discarded by callers, and
+// what a log raises never takes the place of what was to be logged. The component makes an object
+// for each entry, on the thread that reports.
 class Log {
 public:
     virtual Variant LogMessage(Text& source, Text& message, std::int32_t& level) = 0;

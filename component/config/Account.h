@@ -7,11 +7,12 @@ namespace orvo {
 
 // The operating-system account under which work for one type of user is done. Its name and password
 // stand in the account entry of that type, which is read as the configured script user. Values are
-// as stored.
+// as stored. Used by the thread that made it.
 class Account {
 public:
     // Binds to the entry named with the user type ("cn=2"); types are not checked against a list.
     void Init(std::int16_t& iUserType);
+    // Both raise 91 before Init, 9 or 13 for an answer of the provider without a first value.
     Variant NTUser();
     Variant NTPassword();
 

@@ -8,7 +8,8 @@
 namespace orvo {
 
 // Sections of keys and text values, loaded from files. Names of sections and keys are compared
-// without regard to case. A value that was loaded later replaces an earlier one.
+// without regard to case. A value that was loaded later replaces an earlier one. The component
+// makes an object for each use, on its own thread; a file that cannot be read is a failure.
 class Configuration {
 public:
     // The folder that holds the site's configuration file, without a separator at its end.

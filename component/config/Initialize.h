@@ -8,7 +8,8 @@ namespace orvo {
 // directory provider. Making one loads the site's configuration into the thread's shared settings.
 //
 // Names and values are arrays of equal length whose meaning belongs to the provider; they are
-// passed on untouched, and so are the provider's answers and failures.
+// passed on untouched, and so are the provider's answers and failures, which are neither logged nor
+// wrapped. Pool and cache are the process's; the object is for the thread that made it.
 class Initialize {
 public:
     Initialize();

@@ -7,7 +7,8 @@
 namespace orvo {
 
 // The membership layer for callers outside a web page: loads a named site configuration file and
-// lists the users of one application.
+// lists the users of one application. Keeps the service account as it was at the last
+// InitConfigFile. Used by the thread that made it.
 class PMMAccessor {
 public:
     // Loads the file into the thread's shared settings and takes the service account from them.

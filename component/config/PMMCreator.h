@@ -10,6 +10,9 @@ namespace orvo {
 //
 // Which provider it is, is always told by the thread's shared settings, never by a ServerInfo that
 // a calling object was given. Without one configured every call fails with 91 (object not set).
+//
+// Used by one thread, as what it makes is. What it answers is the caller's. A provider's failure is
+// logged and raised again under the one name GetPMM.
 class PMMCreator {
 public:
     Ref<DirectorySchema> GetPMMSchema();

@@ -12,7 +12,9 @@ namespace orvo {
 // attributes they have, and how the provider is implemented: section "MEMBERSHIP" of the site's
 // configuration. Texts are the configuration's own, neither trimmed nor checked.
 //
-// A getter on an object that was not loaded answers its empty value and raises nothing.
+// A getter on an object that was not loaded answers its empty value and raises nothing. Loading
+// raises what the configuration raised; what was read before that stays. Used by one thread;
+// nothing of a configuration is held after loading.
 class ServerInfo {
 public:
     Variant GetMemScriptUser();

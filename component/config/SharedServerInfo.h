@@ -6,7 +6,8 @@
 
 namespace orvo {
 
-// The thread's own settings, made on first use and kept for the life of the thread.
+// The thread's own settings, made on first use and kept for the life of the thread. Borrowed: they
+// are for this thread alone, and nobody else's to release.
 ServerInfo* shared_server_info();
 
 // The same for a method that has a failure of its own for a thread without settings, which it
@@ -16,7 +17,8 @@ ServerInfo& settings_or_raise(std::int32_t number, const char16_t* source,
                               const char16_t* description);
 
 // Loads the site's configuration into them: what an object does when it is activated. As loaded
-// values are kept, only the first activation on a thread fills them in full.
+// values are kept, only the first activation on a thread fills them in full. Raises what the
+// configuration raises, told by HandleError.
 void load_site_configuration();
 
 }  // namespace orvo

@@ -12,7 +12,10 @@ class RowFields;
 // and deleted with that account's rights. Users come back bound with the same account.
 //
 // What was done before a failure stays done: a user who was created stays when setting an attribute
-// of the new entry is refused.
+// of the new entry is refused. What fails is logged and raised again by each member that it passes
+// through, but for setServerInfo and CreateUserOnFormsLogin, which pass it on.
+//
+// Used by the thread that made it. Users and record sets that it answers are the caller's own.
 class Members final : public ObjectControl {
 public:
     Members() { IObjectControl_Activate(); }

@@ -6,6 +6,9 @@ namespace orvo {
 
 // The container that holds every profile. In a web page it binds itself with the session's account;
 // elsewhere BindAs comes first, but for CreateProfile and AsRecordset.
+//
+// Used by the thread that made it. Profiles and record sets that it answers are the caller's own.
+// What fails is logged and raised again by each member that it passes through.
 class Profiles final : public ObjectControl {
 public:
     Profiles() { IObjectControl_Activate(); }

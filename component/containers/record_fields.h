@@ -1,6 +1,7 @@
 #pragma once
 
-// Short words for a record set's fields.
+// Short words for a record set's fields. All raise what the record set raises, 3265 for a name that
+// no column has; they are used by the record set's thread.
 
 #include <utility>
 #include <vector>
@@ -16,13 +17,12 @@ inline Variant field_value(const Ref<RecordSet>& records, const char16_t* name) 
 }
 
 // The fields of one record set, for who goes from row to row: each is looked up once, at its first
-// use, and stands for the row that is current when it is asked.
+// use, and stands for the row that is current when it is asked. Holds the fields, not the rows.
 class RowFields {
 public:
     explicit RowFields(const Ref<RecordSet>& records)
         : fields_(call<&RecordSet::Fields>(records)) {}
 
-    // Raise 3265 for a name that no column has.
     Variant value(TextView name) { return call<&Field::Value>(field(name)); }
     void put_value(TextView name, const Variant& value) {
         call<&Field::SetValue>(field(name), value);

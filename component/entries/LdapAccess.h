@@ -14,6 +14,9 @@ namespace orvo {
 // Bind first (BindAs, or BindToConfig, which binds to the entry that holds the suite's directory
 // configuration): an attribute operation on an unbound object fails with 91 (object not set), and
 // so does GetAttributeName before BindToConfig. A further bind replaces the former one.
+//
+// Used by the thread that made it. What fails is logged and raised again by the member that was
+// called.
 class LdapAccess final : public ObjectControl {
 public:
     LdapAccess() { IObjectControl_Activate(); }

@@ -9,6 +9,9 @@ namespace orvo {
 // One profile entry: a named bundle of settings that users point to. Bind it (BindAs, or Init with
 // the best credentials at hand) before anything is read or written; on an unbound profile that
 // fails with 91 (object not set).
+//
+// Used by the thread that made it. In a web page it holds the session from its making on. What
+// fails is logged and raised again by the member that was called.
 class Profile final : public ObjectControl {
 public:
     Profile() { IObjectControl_Activate(); }

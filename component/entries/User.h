@@ -42,7 +42,11 @@ using property_argument = std::conditional_t<user_catalogue[row].rule == Propert
 // replaces the former one; a profile of the same name is kept.
 //
 // What was done before a failure stays done: a bind that the directory refuses leaves the new name
-// and credentials in place.
+// and credentials in place. What fails is logged and raised again by each member that it passes
+// through.
+//
+// Used by the thread that made it. It holds its entry, its profile and, in a web page, the session
+// until it is deactivated.
 class User final : public ObjectControl {
 public:
     User() { IObjectControl_Activate(); }

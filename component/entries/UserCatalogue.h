@@ -1,7 +1,7 @@
 #pragma once
 
 // The typed properties of a user: one row each. Getters, setters, slots, IDL and the documentation
-// page are made from these rows.
+// page are made from these rows, which are constants.
 
 #include "component/entries/Profile.h"
 #include "platform/abi/call.h"

@@ -7,6 +7,9 @@
 // pinned by test. All text arguments are in-out because the interface passes them by reference; a
 // provider leaves them as they are.
 //
+// Threads: an object is used by the thread that made it; a provider serves several threads at once.
+// Ownership: arguments stay the caller's, results are the caller's to release.
+//
 // Values: an attribute's values are an array of variants with lower bound 0. An attribute that the
 // entry lacks is an array with one empty element.
 //
