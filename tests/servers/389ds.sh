@@ -2,8 +2,8 @@
 # folders of this run; nothing of it is outside of $work.
 
 packages=(389-ds-base libnss3-tools openssl ldap-utils)
-scripts=(Accessor.js LdapAccess.js Members.js MustChange.js Passwords.js Profiles.js RecordSets.js
-    ServerInfo.js Validator.js failures.js user_properties.js)
+scripts=(Accessor.js Expired.js LdapAccess.js Members.js MustChange.js Passwords.js Profiles.js
+    RecordSets.js ServerInfo.js Validator.js failures.js user_properties.js)
 
 prepare() {
     local root=$work/server
