@@ -5,8 +5,8 @@
 
 #include "bench/memory_directory.h"
 #include "component/entries/LdapAccess.h"
-#include "platform/abi/call.h"
-#include "platform/abi/late_call.h"
+#include "platform/interfaces/call.h"
+#include "platform/interfaces/late_call.h"
 
 namespace orvo {
 namespace {

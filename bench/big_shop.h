@@ -4,8 +4,8 @@
 #include <memory>
 #include <string>
 
-#include "platform/abi/create.h"
-#include "platform/abi/late_call.h"
+#include "platform/interfaces/create.h"
+#include "platform/interfaces/late_call.h"
 #include "tests/support/slapd.h"
 #include "tests/support/temp_folder.h"
 

@@ -9,7 +9,7 @@
 
 #include "bench/big_shop.h"
 #include "bench/crew.h"
-#include "platform/automation/values.h"
+#include "platform/values/values.h"
 
 namespace orvo {
 namespace {

@@ -16,9 +16,9 @@
 
 #include "bench/crew.h"
 #include "bench/raw_client.h"
-#include "platform/abi/create.h"
-#include "platform/abi/late_call.h"
-#include "platform/context/context_scope.h"
+#include "platform/interfaces/create.h"
+#include "platform/interfaces/late_call.h"
+#include "platform/objects/context/context_scope.h"
 #include "tests/support/child_process.h"
 #include "tests/support/ldap_probe.h"
 #include "tests/support/recording/recording_page.h"

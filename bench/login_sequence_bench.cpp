@@ -17,7 +17,7 @@
 #include "bench/many_buyers.h"
 #include "bench/provider_keeps.h"
 #include "bench/raw_client.h"
-#include "platform/abi/late_call.h"
+#include "platform/interfaces/late_call.h"
 #include "tests/support/slapd.h"
 
 namespace orvo {

@@ -2,10 +2,10 @@
 
 // A provider and a configuration that answer from memory, so that the component's own cost shows.
 
-#include "component/config/ConfigurationContract.h"
-#include "component/provider/contract.h"
-#include "platform/abi/module.h"
-#include "platform/automation/values.h"
+#include "component/config/configuration_contract.h"
+#include "component/provider/directory_contract.h"
+#include "platform/module/local_class.h"
+#include "platform/values/values.h"
 
 namespace orvo {
 

@@ -17,8 +17,8 @@
 #include "bench/provider_keeps.h"
 #include "bench/raw_client.h"
 #include "component/auth/Validator.h"
-#include "platform/abi/call.h"
-#include "platform/abi/late_call.h"
+#include "platform/interfaces/call.h"
+#include "platform/interfaces/late_call.h"
 #include "tests/support/slapd.h"
 
 namespace orvo {

@@ -5,9 +5,9 @@
 
 #include "bench/memory_directory.h"
 #include "component/auth/Validator.h"
-#include "platform/abi/call.h"
-#include "platform/abi/create.h"
-#include "platform/abi/late_call.h"
+#include "platform/interfaces/call.h"
+#include "platform/interfaces/create.h"
+#include "platform/interfaces/late_call.h"
 
 namespace orvo {
 namespace {

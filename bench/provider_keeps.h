@@ -1,8 +1,8 @@
 #pragma once
 
-#include "component/provider/contract.h"
-#include "platform/abi/call.h"
-#include "platform/abi/create.h"
+#include "component/provider/directory_contract.h"
+#include "platform/interfaces/call.h"
+#include "platform/interfaces/create.h"
 
 namespace orvo {
 

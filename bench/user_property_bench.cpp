@@ -5,7 +5,7 @@
 
 #include "bench/memory_directory.h"
 #include "component/entries/User_table.h"
-#include "platform/abi/late_call.h"
+#include "platform/interfaces/late_call.h"
 
 namespace orvo {
 namespace {

@@ -12,9 +12,9 @@
 #include "bench/big_shop.h"
 #include "bench/counted_work.h"
 #include "bench/raw_search.h"
-#include "platform/abi/call.h"
-#include "platform/automation/values.h"
-#include "platform/recordset/contract.h"
+#include "platform/interfaces/call.h"
+#include "platform/objects/recordset/record_set_contract.h"
+#include "platform/values/values.h"
 #include "suite/directory/ldap/provider/LdapSearch.h"
 
 namespace orvo {

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "platform/abi/create.h"
-#include "platform/abi/late_call.h"
-#include "platform/automation/failure.h"
-#include "platform/automation/values.h"
+#include "platform/interfaces/create.h"
+#include "platform/interfaces/late_call.h"
+#include "platform/values/failure.h"
+#include "platform/values/values.h"
 
 namespace orvo::failover {
 namespace {

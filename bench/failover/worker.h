@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "bench/failover/ledger.h"
-#include "platform/automation/object.h"
-#include "platform/automation/text.h"
+#include "platform/values/object.h"
+#include "platform/values/text.h"
 
 namespace orvo::failover {
 

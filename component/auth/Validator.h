@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/abi/hosted.h"
-#include "platform/automation/variant.h"
-#include "platform/context/object_control.h"
+#include "platform/interfaces/hosted.h"
+#include "platform/objects/context/object_control.h"
+#include "platform/values/variant.h"
 
 namespace orvo {
 

@@ -1,5 +1,5 @@
-#include "component/auth/FilterContract.h"
 #include "component/auth/Validator.h"
+#include "component/auth/filter_contract.h"
 #include "component/common/GUIDGenerator.h"
 #include "component/common/Index16.h"
 #include "component/common/Lib_ErrorHandling.h"
@@ -8,7 +8,7 @@
 #include "component/common/web_page.h"
 #include "component/config/SharedServerInfo.h"
 #include "component/entries/User_table.h"
-#include "platform/abi/late_call.h"
+#include "platform/interfaces/late_call.h"
 
 namespace orvo {
 namespace {

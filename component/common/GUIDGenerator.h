@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/abi/guid.h"
-#include "platform/automation/text.h"
+#include "platform/values/guid.h"
+#include "platform/values/text.h"
 
 namespace orvo {
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <limits>
 
-#include "platform/automation/failure.h"
+#include "platform/values/failure.h"
 
 namespace orvo {
 

@@ -1,9 +1,9 @@
 #include "component/common/Lib_ErrorHandling.h"
 
 #include "component/common/Lib_General.h"
-#include "component/common/LogContract.h"
-#include "platform/abi/border.h"
-#include "platform/abi/call.h"
+#include "component/common/log_contract.h"
+#include "platform/interfaces/border.h"
+#include "platform/interfaces/call.h"
 
 namespace orvo {
 namespace {

@@ -8,8 +8,8 @@
 
 #include <utility>
 
-#include "platform/automation/failure.h"
-#include "platform/automation/variant.h"
+#include "platform/values/failure.h"
+#include "platform/values/variant.h"
 
 namespace orvo {
 

@@ -1,10 +1,10 @@
 #include "component/common/Lib_General.h"
 
 #include "component/common/Lib_ErrorHandling.h"
-#include "platform/abi/call.h"
-#include "platform/abi/create.h"
-#include "platform/abi/per_thread.h"
-#include "platform/context/contract.h"
+#include "platform/interfaces/call.h"
+#include "platform/interfaces/create.h"
+#include "platform/module/per_thread.h"
+#include "platform/objects/context/context_contract.h"
 
 namespace orvo {
 namespace {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/abi/ref.h"
-#include "platform/automation/object.h"
-#include "platform/automation/text.h"
+#include "platform/interfaces/ref.h"
+#include "platform/values/object.h"
+#include "platform/values/text.h"
 
 namespace orvo {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/abi/guid.h"
+#include "platform/values/guid.h"
 
 namespace orvo {
 

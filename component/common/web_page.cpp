@@ -2,7 +2,7 @@
 
 #include "component/common/Lib_ErrorHandling.h"
 #include "component/common/Lib_General.h"
-#include "platform/abi/late_call.h"
+#include "platform/interfaces/late_call.h"
 
 namespace orvo {
 

@@ -3,9 +3,9 @@
 // What the classes take from the web page that makes them: its object context's items, and what a
 // login left in the session.
 
-#include "platform/automation/object.h"
-#include "platform/automation/secret.h"
-#include "platform/automation/text.h"
+#include "platform/values/object.h"
+#include "platform/values/secret.h"
+#include "platform/values/text.h"
 
 namespace orvo {
 

@@ -3,8 +3,8 @@
 #include "component/common/Lib_ErrorHandling.h"
 #include "component/config/DirectoryAccount.h"
 #include "component/config/SharedServerInfo.h"
-#include "platform/abi/call.h"
-#include "platform/automation/values.h"
+#include "platform/interfaces/call.h"
+#include "platform/values/values.h"
 
 namespace orvo {
 

@@ -1,7 +1,7 @@
 #include "component/config/DirectoryAccount.h"
 
 #include "component/config/SharedServerInfo.h"
-#include "platform/abi/call.h"
+#include "platform/interfaces/call.h"
 
 namespace orvo {
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "component/config/PMMCreator.h"
-#include "platform/automation/secret.h"
-#include "platform/automation/values.h"
+#include "platform/values/secret.h"
+#include "platform/values/values.h"
 
 namespace orvo {
 

@@ -2,8 +2,8 @@
 
 #include "component/common/Lib_ErrorHandling.h"
 #include "component/config/SharedServerInfo.h"
-#include "platform/abi/call.h"
-#include "platform/abi/create.h"
+#include "platform/interfaces/call.h"
+#include "platform/interfaces/create.h"
 
 namespace orvo {
 namespace {

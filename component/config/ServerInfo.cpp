@@ -2,7 +2,7 @@
 
 #include "component/common/Lib_ErrorHandling.h"
 #include "component/common/Lib_General.h"
-#include "platform/abi/call.h"
+#include "platform/interfaces/call.h"
 
 namespace orvo {
 

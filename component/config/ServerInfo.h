@@ -2,9 +2,9 @@
 
 // The directory settings of the membership layer, read once and handed out.
 
-#include "component/config/ConfigurationContract.h"
-#include "platform/abi/hosted.h"
-#include "platform/automation/values.h"
+#include "component/config/configuration_contract.h"
+#include "platform/interfaces/hosted.h"
+#include "platform/values/values.h"
 
 namespace orvo {
 

@@ -1,8 +1,8 @@
 #include "component/config/SharedServerInfo.h"
 
 #include "component/common/Lib_General.h"
-#include "platform/abi/call.h"
-#include "platform/abi/per_thread.h"
+#include "platform/interfaces/call.h"
+#include "platform/module/per_thread.h"
 
 namespace orvo {
 

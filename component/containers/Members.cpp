@@ -11,7 +11,7 @@
 #include "component/common/web_page.h"
 #include "component/config/SharedServerInfo.h"
 #include "component/containers/record_fields.h"
-#include "platform/abi/create.h"
+#include "platform/interfaces/create.h"
 
 namespace orvo {
 namespace {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "component/entries/User_table.h"
-#include "platform/recordset/contract.h"
+#include "platform/objects/recordset/record_set_contract.h"
 
 namespace orvo {
 

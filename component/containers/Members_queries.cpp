@@ -6,7 +6,7 @@
 #include "component/config/SharedServerInfo.h"
 #include "component/containers/Members.h"
 #include "component/containers/record_fields.h"
-#include "platform/recordset/record_set.h"
+#include "platform/objects/recordset/record_set.h"
 
 namespace orvo {
 namespace {

@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/abi/call.h"
-#include "platform/recordset/contract.h"
+#include "platform/interfaces/call.h"
+#include "platform/objects/recordset/record_set_contract.h"
 
 namespace orvo {
 

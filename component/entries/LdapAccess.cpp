@@ -4,8 +4,8 @@
 #include "component/common/Lib_General.h"
 #include "component/common/OrvoMemErrors.h"
 #include "component/config/SharedServerInfo.h"
-#include "platform/abi/call.h"
-#include "platform/automation/values.h"
+#include "platform/interfaces/call.h"
+#include "platform/values/values.h"
 
 namespace orvo {
 namespace {

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "component/config/ConfigurationContract.h"
 #include "component/config/PMMCreator.h"
-#include "platform/abi/hosted.h"
-#include "platform/context/object_control.h"
+#include "component/config/configuration_contract.h"
+#include "platform/interfaces/hosted.h"
+#include "platform/objects/context/object_control.h"
 
 namespace orvo {
 

@@ -6,9 +6,9 @@
 #include "component/common/OrvoMemErrors.h"
 #include "component/common/web_page.h"
 #include "component/config/SharedServerInfo.h"
-#include "platform/abi/call.h"
-#include "platform/automation/values.h"
-#include "platform/recordset/contract.h"
+#include "platform/interfaces/call.h"
+#include "platform/objects/recordset/record_set_contract.h"
+#include "platform/values/values.h"
 
 namespace orvo {
 namespace {

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "component/config/DirectoryAccount.h"
-#include "platform/abi/hosted.h"
-#include "platform/context/object_control.h"
+#include "platform/interfaces/hosted.h"
+#include "platform/objects/context/object_control.h"
 
 namespace orvo {
 

@@ -3,8 +3,8 @@
 #include "component/config/Account.h"
 #include "component/entries/Profile.h"
 #include "component/entries/UserCatalogue.h"
-#include "platform/context/object_control.h"
-#include "platform/dictionary/contract.h"
+#include "platform/objects/context/object_control.h"
+#include "platform/objects/dictionary/dictionary_contract.h"
 
 namespace orvo {
 

@@ -4,7 +4,7 @@
 // page are made from these rows, which are constants.
 
 #include "component/entries/Profile.h"
-#include "platform/abi/call.h"
+#include "platform/interfaces/call.h"
 
 namespace orvo {
 

@@ -1,6 +1,6 @@
 #include "component/entries/UserPrivileges.h"
 
-#include "platform/abi/per_thread.h"
+#include "platform/module/per_thread.h"
 
 namespace orvo {
 namespace {

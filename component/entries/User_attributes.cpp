@@ -2,8 +2,8 @@
 #include "component/common/Lib_ErrorHandling.h"
 #include "component/entries/User.h"
 #include "component/entries/UserPrivileges.h"
-#include "platform/abi/create.h"
-#include "platform/automation/values.h"
+#include "platform/interfaces/create.h"
+#include "platform/values/values.h"
 
 namespace orvo {
 namespace {

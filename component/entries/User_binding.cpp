@@ -4,7 +4,7 @@
 #include "component/common/web_page.h"
 #include "component/config/SharedServerInfo.h"
 #include "component/entries/User_table.h"
-#include "platform/automation/values.h"
+#include "platform/values/values.h"
 
 namespace orvo {
 

@@ -1,6 +1,6 @@
 #include "component/common/Lib_ErrorHandling.h"
 #include "component/entries/User.h"
-#include "platform/automation/values.h"
+#include "platform/values/values.h"
 
 namespace orvo {
 namespace {

@@ -2,7 +2,7 @@
 #include "component/common/Lib_ErrorHandling.h"
 #include "component/common/OrvoMemErrors.h"
 #include "component/entries/User.h"
-#include "platform/automation/values.h"
+#include "platform/values/values.h"
 
 namespace orvo {
 namespace {

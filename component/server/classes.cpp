@@ -1,5 +1,5 @@
 #include "component/server/class_list.h"
-#include "platform/abi/module.h"
+#include "platform/module/module.h"
 
 namespace orvo {
 

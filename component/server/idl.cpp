@@ -3,7 +3,7 @@
 #include "component/common/OrvoMemErrors.h"
 #include "component/server/class_list.h"
 #include "component/server/idl_spelling.h"
-#include "platform/abi/idl.h"
+#include "platform/interfaces/idl.h"
 
 namespace orvo {
 namespace {

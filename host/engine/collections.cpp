@@ -3,8 +3,8 @@
 #include <span>
 
 #include "host/engine/passage.h"
-#include "platform/abi/enumerator.h"
-#include "platform/automation/array_shape.h"
+#include "platform/interfaces/enumerator.h"
+#include "platform/values/array_shape.h"
 
 namespace orvo::script {
 namespace {

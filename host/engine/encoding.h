@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/automation/text.h"
+#include "platform/values/text.h"
 
 namespace orvo::script {
 

@@ -2,7 +2,7 @@
 
 #include "host/engine/encoding.h"
 #include "host/engine/passage.h"
-#include "platform/abi/late_member.h"
+#include "platform/interfaces/late_member.h"
 
 namespace orvo::script {
 namespace {

@@ -4,7 +4,7 @@
 #include <cstdlib>
 
 #include "host/engine/encoding.h"
-#include "platform/abi/late_member.h"
+#include "platform/interfaces/late_member.h"
 
 namespace orvo::script {
 namespace {

@@ -15,8 +15,8 @@
 #include <vector>
 
 #include "host/engine/runtime.h"
-#include "platform/abi/border.h"
-#include "platform/automation/values.h"
+#include "platform/interfaces/border.h"
+#include "platform/values/values.h"
 
 namespace orvo::script {
 

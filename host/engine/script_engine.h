@@ -21,8 +21,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/automation/object.h"
-#include "platform/automation/variant.h"
+#include "platform/values/object.h"
+#include "platform/values/variant.h"
 
 namespace orvo::script {
 

@@ -4,8 +4,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/automation/failure.h"
-#include "platform/runtime/self_registration.h"
+#include "platform/linux/self_registration.h"
+#include "platform/values/failure.h"
 
 namespace {
 

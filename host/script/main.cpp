@@ -8,7 +8,7 @@
 
 #include "host/engine/script_engine.h"
 #include "host/script/script_host.h"
-#include "platform/abi/create.h"
+#include "platform/interfaces/create.h"
 
 namespace {
 

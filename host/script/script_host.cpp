@@ -5,8 +5,8 @@
 #include <iostream>
 #include <thread>
 
-#include "platform/abi/create.h"
-#include "platform/abi/enumerator.h"
+#include "platform/interfaces/create.h"
+#include "platform/interfaces/enumerator.h"
 
 namespace orvo {
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/abi/hosted.h"
-#include "platform/automation/text.h"
+#include "platform/interfaces/hosted.h"
+#include "platform/values/text.h"
 
 namespace orvo {
 

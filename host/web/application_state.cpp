@@ -1,6 +1,6 @@
 #include "host/web/application_state.h"
 
-#include "platform/automation/failure.h"
+#include "platform/values/failure.h"
 
 namespace orvo::web {
 namespace {

@@ -7,7 +7,7 @@
 
 #include "host/web/fields.h"
 #include "host/web/http_message.h"
-#include "platform/automation/date.h"
+#include "platform/values/date.h"
 
 namespace orvo::web {
 

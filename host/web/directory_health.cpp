@@ -2,11 +2,11 @@
 
 #include <array>
 
-#include "component/config/ConfigurationContract.h"
-#include "component/provider/contract.h"
-#include "platform/abi/call.h"
-#include "platform/abi/create.h"
-#include "platform/abi/late_call.h"
+#include "component/config/configuration_contract.h"
+#include "component/provider/directory_contract.h"
+#include "platform/interfaces/call.h"
+#include "platform/interfaces/create.h"
+#include "platform/interfaces/late_call.h"
 
 namespace orvo::web {
 namespace {

@@ -1,8 +1,8 @@
 #include "host/web/directory_setup.h"
 
-#include "platform/abi/create.h"
-#include "platform/abi/late_call.h"
-#include "platform/automation/values.h"
+#include "platform/interfaces/create.h"
+#include "platform/interfaces/late_call.h"
+#include "platform/values/values.h"
 
 namespace orvo::web {
 namespace {

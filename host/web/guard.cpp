@@ -1,9 +1,9 @@
 #include "host/web/guard.h"
 
-#include "component/auth/FilterContract.h"
+#include "component/auth/filter_contract.h"
 #include "host/web/encoding.h"
 #include "host/web/random_token.h"
-#include "platform/abi/call.h"
+#include "platform/interfaces/call.h"
 
 namespace orvo::web {
 namespace {

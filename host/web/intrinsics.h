@@ -6,10 +6,10 @@
 
 #include <optional>
 
-#include "platform/abi/interface.h"
-#include "platform/automation/date.h"
-#include "platform/automation/values.h"
-#include "platform/automation/variant.h"
+#include "platform/interfaces/interface.h"
+#include "platform/values/date.h"
+#include "platform/values/values.h"
+#include "platform/values/variant.h"
 
 namespace orvo::web {
 

@@ -7,7 +7,7 @@
 #include "host/web/options.h"
 #include "host/web/stop_signals.h"
 #include "host/web/web_app.h"
-#include "platform/automation/failure.h"
+#include "platform/values/failure.h"
 
 namespace {
 

@@ -3,10 +3,9 @@
 #include <algorithm>
 #include <thread>
 
-#include "platform/abi/late_call.h"
-#include "platform/abi/system.h"
-#include "platform/automation/failure.h"
-#include "platform/automation/values.h"
+#include "platform/interfaces/late_call.h"
+#include "platform/values/failure.h"
+#include "platform/values/values.h"
 
 namespace orvo::web {
 namespace {
@@ -23,7 +22,7 @@ bool serves_any_thread(const Object& object) {
             late::value_of(object);
         } catch (const Failure& failure) {
             // Any other failure shows that the call arrived.
-            serves = failure.number != abi::rpc_e_wrong_thread;
+            serves = failure.number != wrong_thread;
         }
     }).join();
     return serves;

@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "platform/automation/variant.h"
+#include "platform/values/variant.h"
 
 namespace orvo::web {
 

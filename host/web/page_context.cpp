@@ -1,6 +1,6 @@
 #include "host/web/page_context.h"
 
-#include "platform/automation/failure.h"
+#include "platform/values/failure.h"
 
 namespace orvo::web {
 namespace {

@@ -5,9 +5,9 @@
 #include "host/web/response_object.h"
 #include "host/web/server_object.h"
 #include "host/web/session_object.h"
-#include "platform/abi/create.h"
-#include "platform/automation/failure.h"
-#include "platform/context/context_scope.h"
+#include "platform/interfaces/create.h"
+#include "platform/objects/context/context_scope.h"
+#include "platform/values/failure.h"
 
 namespace orvo::web {
 namespace {

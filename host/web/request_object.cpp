@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "host/web/server_variables.h"
-#include "platform/abi/enumerator.h"
-#include "platform/automation/failure.h"
+#include "platform/interfaces/enumerator.h"
+#include "platform/values/failure.h"
 
 namespace orvo::web {
 
@@ -77,12 +77,12 @@ private:
 };
 
 // Fields of the page's request; keeps the request alive.
-class DictionaryObject final : public RequestDictionary {
+class FieldsObject final : public RequestDictionary {
 public:
     using MakeItem = Object (*)(const Fields::Field* field);
 
-    DictionaryObject(std::shared_ptr<PageContext> page, const Fields& fields, Text raw,
-                     MakeItem make_item)
+    FieldsObject(std::shared_ptr<PageContext> page, const Fields& fields, Text raw,
+                 MakeItem make_item)
         : page_(std::move(page)), fields_(fields), raw_(std::move(raw)), make_item_(make_item) {}
 
     Variant Item(const Variant& name) override {
@@ -146,7 +146,7 @@ template <>
 inline constexpr auto class_of<web::ReadCookieObject> =
     describe_class<web::ReadCookie>("Request.Cookie");
 template <>
-inline constexpr auto class_of<web::DictionaryObject> =
+inline constexpr auto class_of<web::FieldsObject> =
     describe_class<web::RequestDictionary>("Request.Fields");
 template <>
 inline constexpr auto class_of<web::VariablesObject> =
@@ -180,7 +180,7 @@ Variant RequestObject::Item(const Text& name) {
 Object RequestObject::QueryString() {
     if (!query_)
         query_ =
-            make<DictionaryObject>(page_, page_->query, from_utf8(page_->query_text), values_object)
+            make<FieldsObject>(page_, page_->query, from_utf8(page_->query_text), values_object)
                 .object();
     return query_;
 }
@@ -189,9 +189,9 @@ Object RequestObject::Form() {
     if (!form_) {
         const bool is_urlencoded =
             page_->request.header("Content-Type").starts_with("application/x-www-form-urlencoded");
-        form_ = make<DictionaryObject>(page_, page_->form,
-                                       is_urlencoded ? from_utf8(page_->request.body) : Text(),
-                                       values_object)
+        form_ = make<FieldsObject>(page_, page_->form,
+                                   is_urlencoded ? from_utf8(page_->request.body) : Text(),
+                                   values_object)
                     .object();
     }
     return form_;
@@ -210,7 +210,7 @@ Object RequestObject::Cookies() {
             all += cookie.name + u"=" + cookie.values.front();
         }
         cookies_ =
-            make<DictionaryObject>(page_, page_->cookies, std::move(all), cookie_object).object();
+            make<FieldsObject>(page_, page_->cookies, std::move(all), cookie_object).object();
     }
     return cookies_;
 }

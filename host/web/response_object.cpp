@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "host/web/write_cookies.h"
-#include "platform/automation/failure.h"
+#include "platform/values/failure.h"
 
 namespace orvo::web {
 namespace {

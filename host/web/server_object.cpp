@@ -2,8 +2,8 @@
 
 #include "host/web/encoding.h"
 #include "host/web/local_url.h"
-#include "platform/abi/create.h"
-#include "platform/automation/failure.h"
+#include "platform/interfaces/create.h"
+#include "platform/values/failure.h"
 
 namespace orvo::web {
 namespace {

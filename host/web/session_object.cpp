@@ -1,8 +1,8 @@
 #include "host/web/session_object.h"
 
 #include "host/web/random_token.h"
-#include "platform/abi/enumerator.h"
-#include "platform/automation/failure.h"
+#include "platform/interfaces/enumerator.h"
+#include "platform/values/failure.h"
 
 namespace orvo::web {
 

@@ -4,8 +4,8 @@
 
 #include "host/web/http_message.h"
 #include "host/web/local_url.h"
-#include "platform/automation/failure.h"
-#include "platform/automation/variant.h"
+#include "platform/values/failure.h"
+#include "platform/values/variant.h"
 #include "suite/configuration/ini_files.h"
 
 namespace orvo::web {

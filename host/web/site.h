@@ -25,7 +25,7 @@
 #include <filesystem>
 #include <vector>
 
-#include "platform/automation/text.h"
+#include "platform/values/text.h"
 
 namespace orvo::web {
 

@@ -2,14 +2,14 @@
 
 #include <algorithm>
 
-#include "component/auth/FilterContract.h"
-#include "component/config/ConfigurationContract.h"
+#include "component/auth/filter_contract.h"
+#include "component/config/configuration_contract.h"
 #include "host/web/encoding.h"
 #include "host/web/guard.h"
 #include "host/web/page_runner.h"
 #include "host/web/static_files.h"
-#include "platform/abi/call.h"
-#include "platform/abi/create.h"
+#include "platform/interfaces/call.h"
+#include "platform/interfaces/create.h"
 
 namespace orvo::web {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/abi/enumerator.h"
-#include "platform/automation/failure.h"
+#include "platform/interfaces/enumerator.h"
+#include "platform/values/failure.h"
 
 namespace orvo::web {
 

@@ -2,7 +2,7 @@
 
 #include "host/web/intrinsics.h"
 #include "host/web/page_context.h"
-#include "platform/abi/hosted.h"
+#include "platform/interfaces/hosted.h"
 
 namespace orvo::web {
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/automation/failure.h"
-#include "platform/automation/values.h"
+#include "platform/values/failure.h"
+#include "platform/values/values.h"
 #include "suite/authfilter/filter_user.h"
 #include "suite/authfilter/memory_store.h"
 

@@ -8,8 +8,8 @@
 #include <optional>
 #include <vector>
 
-#include "platform/automation/secret.h"
-#include "platform/automation/text.h"
+#include "platform/values/secret.h"
+#include "platform/values/text.h"
 
 namespace orvo::authfilter {
 

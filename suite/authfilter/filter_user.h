@@ -1,7 +1,7 @@
 #pragma once
 
-#include "component/auth/FilterContract.h"
-#include "platform/abi/hosted.h"
+#include "component/auth/filter_contract.h"
+#include "platform/interfaces/hosted.h"
 #include "suite/authfilter/filter_store.h"
 
 namespace orvo::authfilter {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/automation/failure.h"
+#include "platform/values/failure.h"
 #include "suite/directory/names/written_name.h"
 
 namespace orvo::authfilter {

@@ -22,8 +22,8 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/automation/failure.h"
-#include "platform/automation/text.h"
+#include "platform/values/failure.h"
+#include "platform/values/text.h"
 
 namespace orvo {
 

@@ -4,7 +4,7 @@
 #include <ranges>
 #include <system_error>
 
-#include "platform/automation/environment.h"
+#include "platform/values/environment.h"
 #include "suite/configuration/ini_files.h"
 
 namespace orvo {

@@ -6,8 +6,8 @@
 #include <memory>
 #include <vector>
 
-#include "component/config/ConfigurationContract.h"
-#include "platform/abi/hosted.h"
+#include "component/config/configuration_contract.h"
+#include "platform/interfaces/hosted.h"
 
 namespace orvo {
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "platform/automation/text.h"
+#include "platform/values/text.h"
 
 namespace orvo {
 

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <filesystem>
 
-#include "platform/automation/environment.h"
+#include "platform/values/environment.h"
 
 namespace orvo {
 

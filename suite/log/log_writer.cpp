@@ -13,7 +13,7 @@
 #include <string>
 #include <system_error>
 
-#include "platform/automation/failure.h"
+#include "platform/values/failure.h"
 
 namespace orvo {
 

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string_view>
 
-#include "platform/automation/text.h"
+#include "platform/values/text.h"
 #include "suite/log/log_target.h"
 
 namespace orvo {

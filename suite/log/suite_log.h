@@ -2,8 +2,8 @@
 
 // The suite's log component.
 
-#include "component/common/LogContract.h"
-#include "platform/abi/hosted.h"
+#include "component/common/log_contract.h"
+#include "platform/interfaces/hosted.h"
 #include "suite/log/log_entry.h"
 
 namespace orvo {

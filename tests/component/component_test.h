@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "component/config/SharedServerInfo.h"
-#include "platform/automation/values.h"
+#include "platform/values/values.h"
 #include "tests/support/recording/doors.h"
 #include "tests/support/recording/fresh_thread.h"
 #include "tests/support/recording/raised.h"

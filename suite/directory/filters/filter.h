@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/automation/text.h"
+#include "platform/values/text.h"
 
 namespace orvo::directory {
 

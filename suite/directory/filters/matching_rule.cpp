@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstdio>
 
-#include "platform/automation/text.h"
+#include "platform/values/text.h"
 #include "suite/directory/names/ascii.h"
 #include "suite/directory/names/distinguished_name.h"
 #include "suite/directory/schema/generalized_time.h"

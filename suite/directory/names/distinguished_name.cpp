@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/automation/text_forms.h"
+#include "platform/values/text_forms.h"
 #include "suite/directory/names/ascii.h"
 #include "suite/directory/names/naming_types.h"
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/automation/text.h"
+#include "platform/values/text.h"
 #include "suite/directory/names/ascii.h"
 
 namespace orvo::directory {

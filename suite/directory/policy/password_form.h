@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-#include "platform/automation/secret.h"
+#include "platform/values/secret.h"
 
 namespace orvo::directory {
 

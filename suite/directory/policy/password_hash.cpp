@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "platform/automation/failure.h"
+#include "platform/values/failure.h"
 #include "suite/directory/policy/result_codes.h"
 
 namespace orvo::directory {

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "platform/automation/secret.h"
+#include "platform/values/secret.h"
 
 namespace orvo::directory {
 

@@ -1,6 +1,6 @@
 // A system without a function that hashes passwords for a store.
 
-#include "platform/automation/failure.h"
+#include "platform/values/failure.h"
 #include "suite/directory/policy/password_hash.h"
 #include "suite/directory/policy/result_codes.h"
 

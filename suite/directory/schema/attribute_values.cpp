@@ -6,7 +6,7 @@
 #include <limits>
 #include <optional>
 
-#include "platform/automation/failure.h"
+#include "platform/values/failure.h"
 #include "suite/directory/names/ascii.h"
 #include "suite/directory/policy/result_codes.h"
 #include "suite/directory/schema/generalized_time.h"

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/automation/values.h"
-#include "platform/automation/variant.h"
+#include "platform/values/values.h"
+#include "platform/values/variant.h"
 #include "suite/directory/schema/attribute_types.h"
 
 namespace orvo::directory {

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/automation/date.h"
+#include "platform/values/date.h"
 
 namespace orvo::directory {
 

@@ -1,6 +1,6 @@
 #include "component/common/Lib_General.h"
 
-#include "platform/context/app_server.h"
+#include "platform/objects/context/app_server.h"
 #include "tests/component/component_test.h"
 
 namespace orvo {

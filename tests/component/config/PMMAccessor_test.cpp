@@ -1,7 +1,7 @@
 #include "component/config/PMMAccessor.h"
 
 #include "component/config/SharedServerInfo.h"
-#include "platform/recordset/builder.h"
+#include "platform/objects/recordset/builder.h"
 #include "tests/component/component_test.h"
 
 namespace orvo {

@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/abi/create.h"
-#include "platform/abi/late_call.h"
-#include "platform/automation/values.h"
+#include "platform/interfaces/create.h"
+#include "platform/interfaces/late_call.h"
+#include "platform/values/values.h"
 #include "tests/support/environment.h"
 #include "tests/support/ldap_probe.h"
 #include "tests/support/recording/fresh_thread.h"

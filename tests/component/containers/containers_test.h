@@ -2,8 +2,8 @@
 
 #include "component/common/OrvoMemErrors.h"
 #include "component/containers/Members.h"
-#include "platform/recordset/builder.h"
-#include "platform/recordset/record_set.h"
+#include "platform/objects/recordset/builder.h"
+#include "platform/objects/recordset/record_set.h"
 #include "tests/component/entries/user_test.h"
 
 namespace orvo {

@@ -1,4 +1,4 @@
-#include "platform/recordset/builder.h"
+#include "platform/objects/recordset/builder.h"
 #include "tests/component/entries/profile_test.h"
 
 namespace orvo {

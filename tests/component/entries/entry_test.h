@@ -5,7 +5,7 @@
 #include <map>
 
 #include "component/entries/Profile.h"
-#include "platform/dictionary/dictionary.h"
+#include "platform/objects/dictionary/dictionary.h"
 #include "tests/component/component_test.h"
 
 namespace orvo {

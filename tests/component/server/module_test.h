@@ -2,7 +2,7 @@
 
 #include <dlfcn.h>
 
-#include "platform/abi/create.h"
+#include "platform/interfaces/create.h"
 #include "tests/component/component_test.h"
 #include "tests/support/environment.h"
 #include "tests/support/temp_folder.h"

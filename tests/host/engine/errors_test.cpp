@@ -1,6 +1,6 @@
 // Failures: what scripts catch, and what their caller learns.
 
-#include "platform/automation/failure.h"
+#include "platform/values/failure.h"
 #include "tests/host/engine/script_test.h"
 
 namespace orvo::script {

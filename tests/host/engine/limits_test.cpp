@@ -1,7 +1,7 @@
 // What ends a script from outside: time, memory, depth, and being stopped.
 
-#include "platform/abi/late_call.h"
-#include "platform/automation/failure.h"
+#include "platform/interfaces/late_call.h"
+#include "platform/values/failure.h"
 #include "tests/host/engine/script_test.h"
 
 namespace orvo::script {

@@ -1,6 +1,6 @@
 // Automation objects as scripts see them.
 
-#include "platform/automation/failure.h"
+#include "platform/values/failure.h"
 #include "tests/host/engine/script_test.h"
 
 namespace orvo::script {

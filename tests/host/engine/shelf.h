@@ -5,9 +5,9 @@
 #include <functional>
 #include <map>
 
-#include "platform/abi/enumerator.h"
-#include "platform/abi/hosted.h"
-#include "platform/automation/values.h"
+#include "platform/interfaces/enumerator.h"
+#include "platform/interfaces/hosted.h"
+#include "platform/values/values.h"
 
 namespace orvo {
 

@@ -4,7 +4,7 @@
 
 #include <thread>
 
-#include "platform/automation/failure.h"
+#include "platform/values/failure.h"
 
 namespace orvo::web {
 namespace {

@@ -5,7 +5,7 @@
 #include <atomic>
 #include <stdexcept>
 
-#include "platform/automation/failure.h"
+#include "platform/values/failure.h"
 
 namespace orvo::web {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/abi/call.h"
-#include "platform/automation/values.h"
+#include "platform/interfaces/call.h"
+#include "platform/values/values.h"
 #include "suite/authfilter/filter_connector.h"
 #include "suite/authfilter/memory_store.h"
 #include "tests/host/web/test_site.h"

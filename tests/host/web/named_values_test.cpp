@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/abi/hosted.h"
-#include "platform/automation/failure.h"
-#include "platform/automation/values.h"
+#include "platform/interfaces/hosted.h"
+#include "platform/values/failure.h"
+#include "platform/values/values.h"
 
 namespace orvo::web {
 

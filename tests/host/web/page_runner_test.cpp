@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/abi/call.h"
-#include "platform/abi/create.h"
-#include "platform/abi/late_call.h"
+#include "platform/interfaces/call.h"
+#include "platform/interfaces/create.h"
+#include "platform/interfaces/late_call.h"
 #include "tests/host/web/test_site.h"
 
 namespace orvo::web {

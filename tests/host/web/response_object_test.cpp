@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "host/web/web_app.h"
-#include "platform/abi/enumerator.h"
-#include "platform/abi/late_call.h"
-#include "platform/automation/failure.h"
-#include "platform/automation/values.h"
+#include "platform/interfaces/enumerator.h"
+#include "platform/interfaces/late_call.h"
+#include "platform/values/failure.h"
+#include "platform/values/values.h"
 #include "tests/host/web/test_site.h"
 
 namespace orvo::web {

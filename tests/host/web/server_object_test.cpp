@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/abi/late_call.h"
-#include "platform/automation/failure.h"
+#include "platform/interfaces/late_call.h"
+#include "platform/values/failure.h"
 #include "tests/host/web/test_site.h"
 
 namespace orvo::web {

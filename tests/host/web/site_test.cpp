@@ -4,7 +4,7 @@
 
 #include <fstream>
 
-#include "platform/automation/failure.h"
+#include "platform/values/failure.h"
 #include "tests/support/temp_folder.h"
 
 namespace orvo::web {

@@ -6,8 +6,8 @@
 #include "host/web/page_cache.h"
 #include "host/web/page_context.h"
 #include "host/web/page_runner.h"
-#include "platform/abi/module.h"
-#include "platform/context/app_server.h"
+#include "platform/module/local_class.h"
+#include "platform/objects/context/app_server.h"
 #include "tests/support/temp_folder.h"
 
 namespace orvo::web {

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "component/auth/FilterContract.h"
-#include "platform/abi/call.h"
-#include "platform/automation/values.h"
+#include "component/auth/filter_contract.h"
+#include "platform/interfaces/call.h"
+#include "platform/values/values.h"
 #include "suite/authfilter/filter_connector.h"
 #include "tests/host/web/test_site.h"
 

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/abi/call.h"
-#include "platform/abi/late_call.h"
-#include "platform/automation/values.h"
+#include "platform/interfaces/call.h"
+#include "platform/interfaces/late_call.h"
+#include "platform/values/values.h"
 #include "suite/authfilter/memory_store.h"
 
 namespace orvo::authfilter {

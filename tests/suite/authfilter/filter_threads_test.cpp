@@ -6,8 +6,8 @@
 #include <barrier>
 #include <thread>
 
-#include "platform/abi/call.h"
-#include "platform/automation/values.h"
+#include "platform/interfaces/call.h"
+#include "platform/values/values.h"
 #include "suite/authfilter/filter_connector.h"
 #include "suite/authfilter/memory_store.h"
 

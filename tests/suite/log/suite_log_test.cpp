@@ -5,7 +5,7 @@
 
 #include <thread>
 
-#include "platform/automation/failure.h"
+#include "platform/values/failure.h"
 #include "tests/support/environment.h"
 #include "tests/support/temp_folder.h"
 

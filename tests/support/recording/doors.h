@@ -7,9 +7,9 @@
 #include <ostream>
 #include <tuple>
 
-#include "platform/abi/call.h"
-#include "platform/abi/hosted.h"
-#include "platform/abi/late_call.h"
+#include "platform/interfaces/call.h"
+#include "platform/interfaces/hosted.h"
+#include "platform/interfaces/late_call.h"
 
 namespace orvo {
 

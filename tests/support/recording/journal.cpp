@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/automation/values.h"
+#include "platform/values/values.h"
 
 namespace orvo {
 namespace {

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/automation/failure.h"
-#include "platform/automation/variant.h"
+#include "platform/values/failure.h"
+#include "platform/values/variant.h"
 
 namespace orvo {
 

@@ -5,7 +5,7 @@
 #include <optional>
 #include <utility>
 
-#include "platform/automation/failure.h"
+#include "platform/values/failure.h"
 
 namespace orvo {
 

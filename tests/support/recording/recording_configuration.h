@@ -3,8 +3,8 @@
 #include <map>
 #include <optional>
 
-#include "component/config/ConfigurationContract.h"
-#include "platform/abi/module.h"
+#include "component/config/configuration_contract.h"
+#include "platform/module/local_class.h"
 #include "tests/support/recording/journal.h"
 
 namespace orvo {

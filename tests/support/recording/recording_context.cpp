@@ -1,8 +1,8 @@
 #include "tests/support/recording/recording_context.h"
 
-#include "platform/abi/call.h"
-#include "platform/abi/create.h"
-#include "platform/context/app_server.h"
+#include "platform/interfaces/call.h"
+#include "platform/interfaces/create.h"
+#include "platform/objects/context/app_server.h"
 
 namespace orvo {
 

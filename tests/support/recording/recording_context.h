@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/abi/module.h"
-#include "platform/context/contract.h"
+#include "platform/module/local_class.h"
+#include "platform/objects/context/context_contract.h"
 #include "tests/support/recording/journal.h"
 
 namespace orvo {

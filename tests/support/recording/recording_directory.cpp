@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "platform/abi/call.h"
-#include "platform/dictionary/contract.h"
+#include "platform/interfaces/call.h"
+#include "platform/objects/dictionary/dictionary_contract.h"
 
 namespace orvo {
 namespace {

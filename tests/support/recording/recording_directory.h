@@ -3,8 +3,8 @@
 #include <deque>
 #include <optional>
 
-#include "component/provider/contract.h"
-#include "platform/abi/module.h"
+#include "component/provider/directory_contract.h"
+#include "platform/module/local_class.h"
 #include "tests/support/recording/journal.h"
 
 namespace orvo {

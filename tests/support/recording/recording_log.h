@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "component/common/LogContract.h"
-#include "platform/abi/module.h"
+#include "component/common/log_contract.h"
+#include "platform/module/local_class.h"
 
 namespace orvo {
 

@@ -1,6 +1,6 @@
 #include "tests/support/recording/recording_page.h"
 
-#include "platform/automation/values.h"
+#include "platform/values/values.h"
 
 namespace orvo {
 namespace {

@@ -4,8 +4,8 @@
 #include <optional>
 #include <set>
 
-#include "component/auth/FilterContract.h"
-#include "platform/abi/module.h"
+#include "component/auth/filter_contract.h"
+#include "platform/module/local_class.h"
 #include "tests/support/recording/journal.h"
 
 namespace orvo {

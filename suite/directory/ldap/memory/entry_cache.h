@@ -14,7 +14,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "platform/automation/variant.h"
+#include "platform/values/variant.h"
 #include "suite/directory/ldap/memory/write_marks.h"
 #include "suite/directory/ldap/settings/clock.h"
 #include "suite/directory/ldap/wire/session.h"

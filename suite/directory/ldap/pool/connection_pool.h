@@ -24,7 +24,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "platform/automation/variant.h"
+#include "platform/values/variant.h"
 #include "suite/directory/ldap/pool/connection_set.h"
 #include "suite/directory/ldap/pool/servers.h"
 

@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/automation/failure.h"
-#include "platform/automation/secret.h"
+#include "platform/values/failure.h"
+#include "platform/values/secret.h"
 #include "suite/directory/ldap/memory/write_marks.h"
 #include "suite/directory/ldap/pool/connection.h"
 #include "suite/directory/ldap/settings/shared_settings.h"

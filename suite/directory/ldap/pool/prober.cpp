@@ -2,7 +2,7 @@
 
 #include <system_error>
 
-#include "platform/abi/face.h"
+#include "platform/interfaces/face.h"
 
 namespace orvo::directory::ldap {
 

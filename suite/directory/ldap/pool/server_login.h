@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/automation/secret.h"
+#include "platform/values/secret.h"
 #include "suite/directory/ldap/pool/attempts.h"
 #include "suite/directory/ldap/pool/server_facts.h"
 #include "suite/directory/policy/result_codes.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "component/provider/contract.h"
-#include "platform/abi/hosted.h"
+#include "component/provider/directory_contract.h"
+#include "platform/interfaces/hosted.h"
 
 namespace orvo {
 namespace directory::ldap {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/recordset/builder.h"
+#include "platform/objects/recordset/builder.h"
 #include "suite/directory/filters/filter.h"
 #include "suite/directory/ldap/provider/entry_order.h"
 #include "suite/directory/ldap/provider/row_decoder.h"

@@ -2,8 +2,8 @@
 
 #include <optional>
 
-#include "component/provider/contract.h"
-#include "platform/abi/hosted.h"
+#include "component/provider/directory_contract.h"
+#include "platform/interfaces/hosted.h"
 #include "suite/directory/ldap/pool/server_login.h"
 #include "suite/directory/ldap/provider/client.h"
 #include "suite/directory/ldap/provider/failure_note.h"

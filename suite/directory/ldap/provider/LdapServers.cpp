@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/automation/date.h"
-#include "platform/recordset/builder.h"
+#include "platform/objects/recordset/builder.h"
+#include "platform/values/date.h"
 
 namespace orvo::directory::ldap {
 namespace {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/abi/hosted.h"
-#include "platform/abi/interface.h"
+#include "platform/interfaces/hosted.h"
+#include "platform/interfaces/interface.h"
 #include "suite/directory/ldap/provider/client.h"
 
 namespace orvo {

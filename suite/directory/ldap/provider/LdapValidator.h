@@ -3,8 +3,8 @@
 #include <memory>
 #include <optional>
 
-#include "component/provider/contract.h"
-#include "platform/abi/hosted.h"
+#include "component/provider/directory_contract.h"
+#include "platform/interfaces/hosted.h"
 #include "suite/directory/ldap/provider/client.h"
 #include "suite/directory/ldap/provider/failure_note.h"
 

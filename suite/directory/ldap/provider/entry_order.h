@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/automation/variant.h"
+#include "platform/values/variant.h"
 #include "suite/directory/ldap/wire/session.h"
 
 namespace orvo::directory::ldap {

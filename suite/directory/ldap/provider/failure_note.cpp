@@ -1,8 +1,8 @@
 #include "suite/directory/ldap/provider/failure_note.h"
 
-#include "component/common/LogContract.h"
-#include "platform/abi/call.h"
-#include "platform/abi/create.h"
+#include "component/common/log_contract.h"
+#include "platform/interfaces/call.h"
+#include "platform/interfaces/create.h"
 #include "suite/directory/ldap/wire/failures.h"
 #include "suite/log/log_entry.h"
 #include "suite/log/log_target.h"

@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-#include "platform/automation/failure.h"
+#include "platform/values/failure.h"
 
 namespace orvo::directory::ldap {
 

@@ -5,10 +5,10 @@
 #include <optional>
 #include <utility>
 
-#include "platform/abi/call.h"
-#include "platform/automation/failure.h"
-#include "platform/automation/values.h"
-#include "platform/dictionary/contract.h"
+#include "platform/interfaces/call.h"
+#include "platform/objects/dictionary/dictionary_contract.h"
+#include "platform/values/failure.h"
+#include "platform/values/values.h"
 #include "suite/directory/filters/filter.h"
 #include "suite/directory/ldap/provider/password_value.h"
 #include "suite/directory/ldap/wire/failures.h"

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/automation/object.h"
-#include "platform/automation/secret.h"
-#include "platform/automation/variant.h"
+#include "platform/values/object.h"
+#include "platform/values/secret.h"
+#include "platform/values/variant.h"
 #include "suite/directory/ldap/wire/session.h"
 #include "suite/directory/schema/attribute_types.h"
 #include "suite/directory/schema/object_classes.h"

@@ -2,8 +2,8 @@
 
 #include <optional>
 
-#include "platform/automation/failure.h"
-#include "platform/automation/values.h"
+#include "platform/values/failure.h"
+#include "platform/values/values.h"
 #include "suite/directory/ldap/wire/failures.h"
 #include "suite/directory/policy/password_form.h"
 

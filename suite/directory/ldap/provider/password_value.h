@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/automation/secret.h"
-#include "platform/automation/variant.h"
+#include "platform/values/secret.h"
+#include "platform/values/variant.h"
 
 namespace orvo::directory::ldap {
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/abi/per_thread.h"
+#include "platform/module/per_thread.h"
 
 namespace orvo::directory::ldap {
 namespace {

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/automation/secret.h"
+#include "platform/values/secret.h"
 #include "suite/directory/ldap/settings/clock.h"
 #include "suite/directory/names/entry_key.h"
 

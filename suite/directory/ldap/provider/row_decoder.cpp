@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/automation/values.h"
+#include "platform/values/values.h"
 #include "suite/directory/ldap/provider/entry_order.h"
 #include "suite/directory/ldap/wire/failures.h"
 #include "suite/directory/schema/attribute_values.h"

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/automation/variant.h"
+#include "platform/values/variant.h"
 #include "suite/directory/ldap/wire/session.h"
 #include "suite/directory/schema/attribute_types.h"
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/automation/values.h"
+#include "platform/values/values.h"
 #include "suite/directory/ldap/wire/failures.h"
 #include "suite/directory/names/ascii.h"
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/automation/variant.h"
+#include "platform/values/variant.h"
 
 namespace orvo::directory::ldap {
 

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <cstddef>
 
-#include "platform/automation/variant.h"
+#include "platform/values/variant.h"
 #include "suite/directory/ldap/wire/session.h"
 
 namespace orvo::directory::ldap {

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "platform/automation/secret.h"
+#include "platform/values/secret.h"
 
 namespace orvo::directory::ldap {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/automation/text.h"
+#include "platform/values/text.h"
 
 namespace orvo::directory::ldap {
 

@@ -23,7 +23,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/automation/secret.h"
+#include "platform/values/secret.h"
 #include "suite/directory/ldap/wire/server_address.h"
 
 namespace orvo::directory::ldap {

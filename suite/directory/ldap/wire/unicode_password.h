@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/automation/secret.h"
+#include "platform/values/secret.h"
 
 namespace orvo::directory::ldap {
 

@@ -16,7 +16,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/automation/secret.h"
+#include "platform/values/secret.h"
 #include "suite/directory/ldap/wire/deadline.h"
 #include "suite/directory/ldap/wire/session.h"
 

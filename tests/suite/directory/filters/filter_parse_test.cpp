@@ -3,7 +3,7 @@
 #include <string>
 
 #include "suite/directory/filters/filter.h"
-#include "tests/platform/automation/raises.h"
+#include "tests/platform/values/raises.h"
 #include "tests/suite/directory/filters/filter_texts.h"
 
 namespace orvo::directory {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/automation/failure.h"
+#include "platform/values/failure.h"
 #include "suite/directory/filters/filter_match.h"
 #include "tests/suite/directory/filters/filter_texts.h"
 

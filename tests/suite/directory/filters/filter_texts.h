@@ -5,7 +5,7 @@
 
 #include <string_view>
 
-#include "platform/automation/text.h"
+#include "platform/values/text.h"
 
 namespace orvo::directory {
 

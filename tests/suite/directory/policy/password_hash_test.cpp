@@ -3,7 +3,7 @@
 #include <crypt.h>
 #include <gmock/gmock.h>
 
-#include "platform/automation/failure.h"
+#include "platform/values/failure.h"
 
 namespace orvo::directory {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/automation/failure.h"
+#include "platform/values/failure.h"
 
 namespace orvo::directory {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <array>
 
-#include "platform/automation/values.h"
+#include "platform/values/values.h"
 #include "suite/directory/ldap/memory/write_marks.h"
 #include "tests/suite/directory/ldap/support/expect_failure.h"
 #include "tests/suite/directory/ldap/support/manual_clock.h"

@@ -7,7 +7,7 @@
 #include <thread>
 #include <vector>
 
-#include "platform/recordset/contract.h"
+#include "platform/objects/recordset/record_set_contract.h"
 #include "tests/suite/directory/ldap/pool/pool_test.h"
 #include "tests/suite/directory/ldap/support/rewriting_proxy.h"
 

@@ -5,8 +5,8 @@
 #include <thread>
 #include <vector>
 
-#include "platform/abi/call.h"
-#include "platform/dictionary/dictionary.h"
+#include "platform/interfaces/call.h"
+#include "platform/objects/dictionary/dictionary.h"
 #include "suite/directory/ldap/pool/lease.h"
 #include "tests/suite/directory/ldap/pool/pool_test.h"
 

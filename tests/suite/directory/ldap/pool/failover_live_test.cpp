@@ -6,8 +6,8 @@
 #include <thread>
 #include <vector>
 
-#include "platform/abi/late_call.h"
-#include "platform/automation/date.h"
+#include "platform/interfaces/late_call.h"
+#include "platform/values/date.h"
 #include "suite/directory/ldap/pool/probe.h"
 #include "suite/directory/ldap/provider/LdapEntry.h"
 #include "suite/directory/ldap/provider/LdapSearch.h"

@@ -6,7 +6,7 @@
 #include <thread>
 #include <utility>
 
-#include "platform/automation/values.h"
+#include "platform/values/values.h"
 #include "suite/directory/ldap/provider/LdapEntry.h"
 #include "suite/directory/ldap/provider/LdapSearch.h"
 #include "suite/directory/ldap/provider/LdapValidator.h"

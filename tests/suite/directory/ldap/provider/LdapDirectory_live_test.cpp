@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/abi/call.h"
-#include "platform/automation/values.h"
+#include "platform/interfaces/call.h"
+#include "platform/values/values.h"
 #include "tests/suite/directory/ldap/support/expect_failure.h"
 #include "tests/support/slapd.h"
 

@@ -2,10 +2,10 @@
 
 #include <map>
 
-#include "platform/abi/call.h"
-#include "platform/automation/values.h"
-#include "platform/dictionary/dictionary.h"
-#include "platform/recordset/contract.h"
+#include "platform/interfaces/call.h"
+#include "platform/objects/dictionary/dictionary.h"
+#include "platform/objects/recordset/record_set_contract.h"
+#include "platform/values/values.h"
 #include "suite/directory/ldap/provider/LdapEntry.h"
 #include "suite/directory/ldap/provider/LdapSearch.h"
 #include "tests/suite/directory/ldap/support/expect_failure.h"

@@ -6,7 +6,7 @@
 #include <thread>
 #include <vector>
 
-#include "platform/automation/values.h"
+#include "platform/values/values.h"
 #include "tests/suite/directory/ldap/support/bad_server.h"
 #include "tests/suite/directory/ldap/support/expect_failure.h"
 #include "tests/suite/directory/ldap/support/manual_clock.h"

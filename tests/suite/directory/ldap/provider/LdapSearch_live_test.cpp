@@ -5,9 +5,9 @@
 #include <chrono>
 #include <fstream>
 
-#include "platform/abi/call.h"
-#include "platform/automation/values.h"
-#include "platform/recordset/contract.h"
+#include "platform/interfaces/call.h"
+#include "platform/objects/recordset/record_set_contract.h"
+#include "platform/values/values.h"
 #include "suite/directory/ldap/provider/LdapDirectory.h"
 #include "suite/directory/ldap/provider/entry_order.h"
 #include "tests/suite/directory/ldap/support/bad_server.h"

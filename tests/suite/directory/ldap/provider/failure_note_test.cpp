@@ -2,9 +2,9 @@
 
 #include <gmock/gmock.h>
 
-#include "component/common/LogContract.h"
-#include "platform/abi/call.h"
-#include "platform/automation/values.h"
+#include "component/common/log_contract.h"
+#include "platform/interfaces/call.h"
+#include "platform/values/values.h"
 #include "suite/directory/ldap/provider/LdapDirectory.h"
 #include "tests/support/environment.h"
 #include "tests/support/recording/recording_log.h"

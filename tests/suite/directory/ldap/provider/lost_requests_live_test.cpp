@@ -2,9 +2,9 @@
 
 #include <gmock/gmock.h>
 
-#include "platform/abi/call.h"
-#include "platform/automation/values.h"
-#include "platform/dictionary/dictionary.h"
+#include "platform/interfaces/call.h"
+#include "platform/objects/dictionary/dictionary.h"
+#include "platform/values/values.h"
 #include "suite/directory/ldap/provider/LdapEntry.h"
 #include "suite/directory/ldap/wire/password_modify.h"
 #include "tests/suite/directory/ldap/support/expect_failure.h"

@@ -4,8 +4,8 @@
 
 #include <array>
 
-#include "platform/automation/failure.h"
-#include "platform/automation/values.h"
+#include "platform/values/failure.h"
+#include "platform/values/values.h"
 #include "suite/directory/names/written_name.h"
 #include "tests/suite/directory/ldap/support/expect_failure.h"
 

@@ -4,9 +4,9 @@
 #include <fstream>
 #include <set>
 
-#include "platform/abi/call.h"
-#include "platform/automation/values.h"
-#include "platform/recordset/contract.h"
+#include "platform/interfaces/call.h"
+#include "platform/objects/recordset/record_set_contract.h"
+#include "platform/values/values.h"
 #include "suite/directory/ldap/provider/LdapSearch.h"
 #include "suite/directory/names/written_name.h"
 #include "tests/support/slapd.h"

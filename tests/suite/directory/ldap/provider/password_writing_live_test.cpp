@@ -3,8 +3,8 @@
 
 #include <gmock/gmock.h>
 
-#include "platform/abi/call.h"
-#include "platform/dictionary/dictionary.h"
+#include "platform/interfaces/call.h"
+#include "platform/objects/dictionary/dictionary.h"
 #include "suite/directory/ldap/provider/LdapEntry.h"
 #include "suite/directory/ldap/provider/LdapValidator.h"
 #include "tests/suite/directory/ldap/support/bad_server.h"

@@ -2,8 +2,8 @@
 
 #include <gmock/gmock.h>
 
-#include "platform/automation/failure.h"
-#include "platform/automation/values.h"
+#include "platform/values/failure.h"
+#include "platform/values/values.h"
 #include "tests/suite/directory/ldap/support/expect_failure.h"
 
 namespace orvo::directory::ldap {

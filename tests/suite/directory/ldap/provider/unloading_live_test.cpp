@@ -6,10 +6,10 @@
 #include <chrono>
 #include <thread>
 
-#include "component/provider/contract.h"
-#include "platform/abi/call.h"
-#include "platform/abi/create.h"
-#include "platform/abi/system.h"
+#include "component/provider/directory_contract.h"
+#include "platform/interfaces/call.h"
+#include "platform/interfaces/create.h"
+#include "platform/system/automation.h"
 #include "tests/support/environment.h"
 #include "tests/support/ldap_probe.h"
 #include "tests/support/slapd.h"

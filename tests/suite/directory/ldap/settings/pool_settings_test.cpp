@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/automation/values.h"
+#include "platform/values/values.h"
 #include "suite/directory/ldap/provider/LdapEntry.h"
 #include "tests/suite/directory/ldap/support/expect_failure.h"
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/automation/failure.h"
+#include "platform/values/failure.h"
 
 namespace orvo {
 

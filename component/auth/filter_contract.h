@@ -1,0 +1,92 @@
+#pragma once
+
+// The web server's authorization filter, as the login sees it.
+//
+// The filter keeps a record for each login GUID (the value of the login cookie) with the
+// credentials of the user who logged in, and the live logins: which user may use which applications
+// under which GUID. Its connector lives in the web application object and is shared by all its
+// sessions: every operation may be called from any thread.
+
+#include "platform/interfaces/interface.h"
+#include "platform/values/variant.h"
+
+namespace orvo {
+
+// One record, for the thread that asked for it. What is put is the record's own until Save, which
+// stores all of it at once; a record that is released without it changes nothing. All raise what
+// the filter raises, which may be a store that is full or out of reach.
+class FilterUser {
+public:
+    virtual Text GUID() = 0;
+    virtual Text UserName() = 0;
+    virtual void put_UserName(const Text& name) = 0;
+    // The user's distinguished name.
+    virtual Text AccountPath() = 0;
+    virtual void put_AccountPath(const Text& path) = 0;
+    virtual Text Password() = 0;
+    virtual void put_Password(const Text& password) = 0;
+    virtual Text NTUser() = 0;
+    virtual void put_NTUser(const Text& user) = 0;
+    virtual Text NTPassword() = 0;
+    virtual void put_NTPassword(const Text& password) = 0;
+    virtual void Save() = 0;
+
+protected:
+    ~FilterUser() = default;
+};
+
+// clang-format off
+template <>
+inline constexpr auto table_of<FilterUser> = describe<FilterUser>(
+    "IFilterUser", "8e5a3c1d-7b64-4f5e-9a0c-2d1f6b7c8e01",
+    get<&FilterUser::GUID>("GUID"),
+    get<&FilterUser::UserName>("UserName"),
+    put<&FilterUser::put_UserName>("UserName", "name"),
+    get<&FilterUser::AccountPath>("AccountPath"),
+    put<&FilterUser::put_AccountPath>("AccountPath", "path"),
+    get<&FilterUser::Password>("Password"),
+    put<&FilterUser::put_Password>("Password", "password"),
+    get<&FilterUser::NTUser>("NTUser"),
+    put<&FilterUser::put_NTUser>("NTUser", "user"),
+    get<&FilterUser::NTPassword>("NTPassword"),
+    put<&FilterUser::put_NTPassword>("NTPassword", "password"),
+    method<&FilterUser::Save>("Save"));
+// clang-format on
+
+// Raises as a record does. GUIDs are compared exactly.
+class FilterConnector {
+public:
+    // Nothing where the filter holds no record under this GUID.
+    virtual Ref<FilterUser> FindUserByGUID(const Text& guid) = 0;
+    // A new record, which the filter holds from now on; nothing where it holds one already.
+    virtual Ref<FilterUser> CreateUserWithGUID(const Text& guid) = 0;
+    // Begins a login. `applications`: an array of numbers. multi_login: 0 a user has one live
+    // login, 1 any number. timeout: minutes without a request after which the login ends.
+    virtual bool RegisterLogin(const Text& user, const Variant& applications, const Text& guid,
+                               std::int16_t multi_login, std::int32_t timeout) = 0;
+    // Whether the GUID's login is alive and was registered with this application. The question
+    // counts as a request.
+    virtual bool IsLoggedIn(const Text& guid, std::int32_t application) = 0;
+    // Ends the GUID's login and forgets its record.
+    virtual void Logout(const Text& guid) = 0;
+
+protected:
+    ~FilterConnector() = default;
+};
+
+// clang-format off
+template <>
+inline constexpr auto table_of<FilterConnector> = describe<FilterConnector>(
+    "IFilterConnector", "8e5a3c1d-7b64-4f5e-9a0c-2d1f6b7c8e02",
+    method<&FilterConnector::FindUserByGUID>("FindUserByGUID", "guid"),
+    method<&FilterConnector::CreateUserWithGUID>("CreateUserWithGUID", "guid"),
+    method<&FilterConnector::RegisterLogin>("RegisterLogin", "user", "applications", "guid",
+                                            "multiLogin", "timeout"),
+    method<&FilterConnector::IsLoggedIn>("IsLoggedIn", "guid", "application"),
+    method<&FilterConnector::Logout>("Logout", "guid"));
+// clang-format on
+
+// Both the connector's ProgID and its name in the web application object.
+inline constexpr const char16_t* filter_connector_progid = u"TavikAuthFilter.Connector";
+
+}  // namespace orvo

@@ -1,0 +1,145 @@
+#pragma once
+
+// The directory provider's contract, as the component sees it.
+//
+// A provider is a component of its own, named by its ProgID in the settings. Its module object
+// makes the other three; identifiers and slot numbers are the provider's binary interface and are
+// pinned by test. All text arguments are in-out because the interface passes them by reference; a
+// provider leaves them as they are.
+//
+// Threads: an object is used by the thread that made it; a provider serves several threads at once.
+// Ownership: arguments stay the caller's, results are the caller's to release.
+//
+// Values: an attribute's values are an array of variants with lower bound 0. An attribute that the
+// entry lacks is an array with one empty element.
+//
+// Failures that callers tell apart (number, begin of the description):
+//   0x8004044F  "(68) The specified entry already exists."
+//   0x80072030  no such entry
+//   0x8007052E  wrong credentials
+//   0x8007203A  server unreachable
+//   0x80072098  insufficient rights
+
+#include "platform/interfaces/interface.h"
+#include "platform/values/values.h"
+#include "platform/values/variant.h"
+
+namespace orvo {
+
+// One entry or one container of the directory.
+class DirectoryEntry {
+public:
+    // Binds this object to the entry `common_name` ("cn=jsmith"; empty for the container itself)
+    // below `container`, with the rights of `user`. `attributes` (array of names) may be fetched
+    // at once; what a provider has not fetched here, which may be all of the entry, costs a round
+    // trip for each reading.
+    virtual void Bind(Text& server, Text& container, Text& common_name, Text& user, Text& password,
+                      Variant& attributes) = 0;
+    // All values of one attribute.
+    virtual Variant GetValues(Text& name) = 0;
+    // Replaces all values of one attribute, at once. `value` is an array or a single value.
+    virtual void SetValues(Text& name, Variant& value) = 0;
+    // Removes the attribute; an attribute that the entry lacks is no failure.
+    virtual void ClearValues(Text& name) = 0;
+    // Creates an entry below this one. `classes`: array with the object class (or list of them);
+    // `attributes`: a dictionary of attribute name to value, "objectClass" among them.
+    virtual void CreateChild(Variant& classes, Text& naming_attribute, Object& attributes) = 0;
+    // Deletes the entry whose full name is `entry_name`.
+    virtual void DeleteChild(Text& class_name, Text& entry_name) = 0;
+    virtual bool InitializeConnectionPool(Variant& names, Variant& values) = 0;
+    virtual bool InitializeCache(Variant& names, Variant& values) = 0;
+
+protected:
+    ~DirectoryEntry() = default;
+};
+
+// A search below one container.
+class DirectorySearch {
+public:
+    virtual void Connect(Text& server, Text& container, Text& user, Text& password) = 0;
+    // At most `maximum` entries, as a record set whose columns are `attributes`, in that order.
+    virtual Object Execute(Text& filter, Variant& attributes, std::int32_t maximum) = 0;
+
+protected:
+    ~DirectorySearch() = default;
+};
+
+// A check of credentials.
+class DirectoryValidator {
+public:
+    virtual void Open(Text& server, Text& user_container) = 0;
+    // `path`: the user's full distinguished name. 0: right; -1: wrong user or password; -2: account
+    // locked; -3: account disabled; -4: right, but expired or to be changed; -5: too many failures
+    // for now. A server that does not answer is a failure, never a negative result.
+    virtual std::int32_t Validate(Variant& path, Variant& password) = 0;
+
+protected:
+    ~DirectoryValidator() = default;
+};
+
+// The directory's schema. No operation of it is used by the component.
+class DirectorySchema {
+protected:
+    ~DirectorySchema() = default;
+};
+
+// The object that a provider's ProgID creates.
+class DirectoryModule {
+public:
+    virtual Ref<DirectorySchema> CreateSchema() = 0;
+    virtual Ref<DirectoryEntry> CreateEntry() = 0;
+    virtual Ref<DirectoryValidator> CreateValidator() = 0;
+    virtual Ref<DirectorySearch> CreateSearch() = 0;
+
+protected:
+    ~DirectoryModule() = default;
+};
+
+// clang-format off
+template <>
+inline constexpr auto table_of<DirectorySchema> =
+    describe<DirectorySchema>("IDirectorySchema", "5f118a9f-b82b-486d-a990-e84624c818c1");
+
+template <>
+inline constexpr auto table_of<DirectoryEntry> = describe<DirectoryEntry>(
+    "IDirectoryEntry", "33cc820f-121f-4221-b48e-57ebb11c6955",
+    reserved(1),
+    method<&DirectoryEntry::Bind>("Bind", "server", "container", "commonName", "user", "password",
+                                  "attributes"),
+    reserved(3),
+    method<&DirectoryEntry::GetValues>("GetValues", "name"),
+    method<&DirectoryEntry::SetValues>("SetValues", "name", "value"),
+    method<&DirectoryEntry::ClearValues>("ClearValues", "name"),
+    reserved(7),
+    method<&DirectoryEntry::CreateChild>("CreateChild", "classes", "namingAttribute", "attributes"),
+    method<&DirectoryEntry::DeleteChild>("DeleteChild", "className", "entryName"),
+    reserved(10),
+    method<&DirectoryEntry::InitializeConnectionPool>("InitializeConnectionPool", "names", "values"),
+    method<&DirectoryEntry::InitializeCache>("InitializeCache", "names", "values"));
+
+template <>
+inline constexpr auto table_of<DirectorySearch> = describe<DirectorySearch>(
+    "IDirectorySearch", "3f8f6be4-f403-45be-90a5-e0243c013656",
+    reserved(1),
+    method<&DirectorySearch::Connect>("Connect", "server", "container", "user", "password"),
+    method<&DirectorySearch::Execute>("Execute", "filter", "attributes", "maximum"));
+
+template <>
+inline constexpr auto table_of<DirectoryValidator> = describe<DirectoryValidator>(
+    "IDirectoryValidator", "356cfaf8-0d94-40af-b406-e521ee561f56",
+    reserved(1),
+    method<&DirectoryValidator::Open>("Open", "server", "userContainer"),
+    reserved(3),
+    method<&DirectoryValidator::Validate>("Validate", "path", "password"));
+
+template <>
+inline constexpr auto table_of<DirectoryModule> = describe<DirectoryModule>(
+    "IDirectoryModule", "ccf6fd6b-5048-43ca-a45f-c12b3584ab82",
+    reserved(1),
+    method<&DirectoryModule::CreateSchema>("CreateSchema"),
+    method<&DirectoryModule::CreateEntry>("CreateEntry"),
+    method<&DirectoryModule::CreateValidator>("CreateValidator"),
+    method<&DirectoryModule::CreateSearch>("CreateSearch"));
+// clang-format on
+
+}  // namespace orvo

@@ -1,0 +1,20 @@
+#pragma once
+
+// Arguments that a late-bound caller passes by reference: a variable of the caller's, of its type.
+
+#include "platform/system/automation.h"
+#include "platform/values/variant.h"
+
+namespace orvo::detail {
+
+// A caller's variant, which is no by-reference value, used where it stands.
+Variant* in_place(abi::VARIANT& variable);
+
+// Writes a value into the variable that a by-reference variant refers to, converted to its type;
+// leaves it alone when the value cannot be converted.
+void store_through_reference(abi::VARIANT& reference, const Variant& value);
+
+// What a caller passed, its references followed; `storage` where that takes a copy.
+const Variant& follow_reference(const abi::VARIANT& passed, Variant& storage);
+
+}  // namespace orvo::detail

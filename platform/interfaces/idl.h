@@ -1,0 +1,76 @@
+#pragma once
+
+// The description of interfaces as IDL text, read from their tables.
+
+#include <sstream>
+
+#include "platform/interfaces/hosted.h"
+
+namespace orvo {
+
+// Writes interfaces one by one. Members stand in slot order with the numbers that late binding
+// uses.
+class IdlWriter {
+public:
+    // What stands before all interfaces; `text` is written as it is.
+    void raw(std::string_view text) { out_ << text; }
+
+    // One interface, every member behind its slot number (a comment to IDL). Reserved slots are
+    // written as hidden members so that the slots behind them keep their places.
+    template <class I>
+    void write_interface() {
+        const auto& table = table_of<I>;
+        begin(table.name, table.iid, table.dispatch);
+        const detail::InterfaceInfo& info = detail::callee<I>::info();
+        std::size_t late = 0;
+        table.for_each([&]<auto M>(std::size_t index) {
+            if constexpr (std::is_null_pointer_v<std::remove_cv_t<decltype(M)>>)
+                hole(table.slots[index], table.rows[index]);
+            else
+                member<M>(table.slots[index], table.dispatch ? info.members[late++].id : 0,
+                          table.rows[index]);
+        });
+        end();
+    }
+
+    std::string text() const { return out_.str(); }
+
+private:
+    void begin(const char* name, const abi::IID& iid, bool dispatch);
+    void end();
+    void hole(std::size_t slot, const RowData& reserved);
+
+    template <auto M>
+    void member(std::size_t slot, abi::DISPID id, const RowData& row) {
+        using S = detail::signature_of<M>;
+        std::vector<std::string> parameters;
+        std::size_t index = 0;
+        auto add = [&]<class P>(std::type_identity<P>) {
+            const Parameter& named = row.parameters[index++];
+            parameters.push_back(parameter(detail::is_in_out<P>, named.may_be_missing,
+                                           crossing<detail::natural<P>>::idl(), named.name));
+        };
+        [&]<class... P>(std::type_identity<std::tuple<P...>>) {
+            (add(std::type_identity<P>{}), ...);
+        }(std::type_identity<typename S::parameters>{});
+        if constexpr (!std::is_void_v<typename S::result>)
+            if (row.shape != Shape::bare)
+                parameters.push_back("[out, retval] " +
+                                     crossing<detail::natural<typename S::result>>::idl() +
+                                     "* result");
+        line(slot, id, row.shape, row.is_hidden, row.name, parameters);
+    }
+
+    static std::string parameter(bool in_out, bool may_be_missing, const std::string& type,
+                                 const char* name);
+    void line(std::size_t slot, abi::DISPID id, Shape shape, bool hidden, const char* name,
+              const std::vector<std::string>& parameters);
+
+    std::ostringstream out_;
+    bool dispatch_ = true;
+};
+
+// "33CC820F-121F-4221-B48E-57EBB11C6955" as IDL's attributes take it.
+std::string idl_guid(const abi::GUID& id);
+
+}  // namespace orvo

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "platform/system/automation.h"
+
+namespace orvo::runtime {
+
+// Reads the default property of an object. `value` is the caller's to clear.
+abi::HRESULT read_default_value(abi::IDispatch* object, abi::VARIANT& value);
+
+}  // namespace orvo::runtime

@@ -1,0 +1,26 @@
+#pragma once
+
+// Calls of the runtime library beyond the platform's own, for platform/system/registration.h.
+
+#include <cstdint>
+
+#include "platform/system/automation.h"
+
+namespace orvo::runtime {
+
+#pragma GCC visibility push(default)
+extern "C" {
+
+// See ProcessRegistration. `cookie` is never 0.
+abi::HRESULT OrvoRegisterProcessClass(const char16_t* progid, const abi::CLSID& clsid,
+                                      abi::IUnknown* factory, std::uint32_t* cookie);
+void OrvoRevokeProcessClass(std::uint32_t cookie);
+
+// Manifests have been written or removed: what is known of them is read anew when it is next asked
+// for.
+void OrvoForgetManifests();
+
+}  // extern "C"
+#pragma GCC visibility pop
+
+}  // namespace orvo::runtime

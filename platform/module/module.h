@@ -1,0 +1,32 @@
+#pragma once
+
+// A module: a shared library whose classes others create by ProgID. It has exactly the four
+// standard exports (exports.cpp), and defines this_module().
+
+#include <span>
+
+#include "platform/interfaces/hosted.h"
+
+namespace orvo {
+
+// A class that a module offers for creation.
+struct ModuleClass {
+    const char* progid;
+    abi::CLSID clsid;
+    Object (*create)();
+};
+
+template <class C>
+constexpr ModuleClass module_class() {
+    return {class_of<C>.progid, class_of<C>.clsid, [] { return make<C>().object(); }};
+}
+
+struct ModuleDescription {
+    const char* name;  // its file name without the ending
+    std::span<const ModuleClass> classes;
+};
+
+// Which classes this module has; defined once in each module.
+const ModuleDescription& this_module();
+
+}  // namespace orvo

@@ -1,0 +1,24 @@
+#include "platform/objects/context/app_server.h"
+
+#include "platform/module/per_thread.h"
+
+namespace orvo {
+namespace {
+
+Ref<ObjectContext>& current_context() {
+    static PerThread<Ref<ObjectContext>> context;
+    return context.get();
+}
+
+}  // namespace
+
+Ref<ObjectContext> AppServerObject::GetObjectContext() { return current_context(); }
+
+Ref<ObjectContext> AppServerObject::Establish(const Ref<ObjectContext>& context) {
+    return std::exchange(current_context(), context);
+}
+
+template struct detail::callee<AppServer>;
+template struct detail::callee<ContextHost>;
+
+}  // namespace orvo

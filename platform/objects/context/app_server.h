@@ -1,0 +1,24 @@
+#pragma once
+
+#include "platform/interfaces/hosted.h"
+#include "platform/objects/context/context_contract.h"
+
+namespace orvo {
+
+// The application-server object. Each thread has a context of its own, or none; all objects of the
+// class answer the same one.
+class AppServerObject : public AppServer, public ContextHost {
+public:
+    Ref<ObjectContext> GetObjectContext() override;
+    Variant SafeRef(const Variant& object) override { return object; }
+    Ref<ObjectContext> Establish(const Ref<ObjectContext>& context) override;
+};
+
+extern template struct detail::callee<AppServer>;
+extern template struct detail::callee<ContextHost>;
+
+template <>
+inline constexpr auto class_of<AppServerObject> = describe_class<AppServer, ContextHost>(
+    "MTxAS.AppServer", "71e38f91-7e88-11cf-9ede-0080c78b7f89");
+
+}  // namespace orvo

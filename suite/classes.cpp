@@ -1,0 +1,22 @@
+#include "platform/module/module.h"
+#include "suite/authfilter/filter_connector.h"
+#include "suite/configuration/suite_configuration.h"
+#include "suite/directory/ldap/provider/LdapDirectory.h"
+#include "suite/directory/ldap/provider/LdapServers.h"
+#include "suite/log/suite_log.h"
+
+namespace orvo {
+
+const ModuleDescription& this_module() {
+    static constexpr ModuleClass classes[] = {
+        module_class<SuiteConfiguration>(),
+        module_class<SuiteLog>(),
+        module_class<directory::ldap::LdapDirectory>(),
+        module_class<directory::ldap::LdapServers>(),
+        module_class<authfilter::FilterConnectorObject>(),
+    };
+    static constexpr ModuleDescription description{"OrvoSuite", classes};
+    return description;
+}
+
+}  // namespace orvo
