@@ -1,5 +1,9 @@
 #include "platform/interfaces/by_reference.h"
 
+#include <cstring>
+
+#include "platform/system/vartypes.h"
+
 namespace orvo::detail {
 
 void store_through_reference(abi::VARIANT& reference, const Variant& value) {
@@ -16,41 +20,17 @@ void store_through_reference(abi::VARIANT& reference, const Variant& value) {
     if (abi::failed(abi::VariantChangeTypeEx(&converted, value.get(), abi::fixed_locale,
                                              abi::VARIANT_ALPHABOOL, type)))
         return;
-    abi::VARIANT old{};
-    old.vt = type;
+    if (type == abi::VT_DECIMAL) {
+        *static_cast<abi::DECIMAL*>(reference.byref) = abi::decimal_of(converted);
+        return;
+    }
     // Every by-value member of the union starts at the same place, as the referred-to variable
     // does.
-    auto exchange = [&]<class T>(T*) {
-        T now;
-        std::memcpy(&now, &converted.bVal, sizeof now);
-        std::memcpy(&old.bVal, reference.byref, sizeof now);
-        std::memcpy(reference.byref, &now, sizeof now);
-    };
-    switch (type) {
-        case abi::VT_I1:
-        case abi::VT_UI1:
-            exchange(static_cast<std::uint8_t*>(nullptr));
-            break;
-        case abi::VT_I2:
-        case abi::VT_UI2:
-        case abi::VT_BOOL:
-            exchange(static_cast<std::int16_t*>(nullptr));
-            break;
-        case abi::VT_I4:
-        case abi::VT_UI4:
-        case abi::VT_INT:
-        case abi::VT_UINT:
-        case abi::VT_R4:
-        case abi::VT_ERROR:
-            exchange(static_cast<std::int32_t*>(nullptr));
-            break;
-        case abi::VT_DECIMAL:
-            *static_cast<abi::DECIMAL*>(reference.byref) = abi::decimal_of(converted);
-            return;
-        default:
-            exchange(static_cast<std::int64_t*>(nullptr));
-            break;
-    }
+    const std::size_t size = type & abi::VT_ARRAY ? sizeof(void*) : abi::row_of(type).size;
+    abi::VARIANT old{};
+    old.vt = type;
+    std::memcpy(&old.llVal, reference.byref, size);
+    std::memcpy(reference.byref, &converted.llVal, size);
     abi::VariantClear(&old);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 // Arguments that a late-bound caller passes by reference: a variable of the caller's, of its type.
+// Everything here borrows from the caller for the length of the call, on the thread of the call.
 
 #include "platform/system/automation.h"
 #include "platform/values/variant.h"

@@ -5,6 +5,9 @@
 //
 //   call<&DirectoryEntry::Bind>(entry, server, container, name, user, password, attributes);
 //
+// Called on the object's own thread. Arguments stay the caller's; the result is the caller's own.
+// The caller keeps the object alive while the call lasts.
+//
 // Raises 91 (object not set) on an empty reference, and what the callee raised: its number, source,
 // description and help as the error object carries them.
 
@@ -14,61 +17,33 @@
 namespace orvo {
 namespace detail {
 
-// One argument on its way out; what an in-out argument brought back is in place afterwards. An
-// in-out variant is lent where it stands, so that one variable may be passed for two arguments.
+// One argument on its way out; what an in-out argument brought back is in place afterwards.
 template <class P>
 class outgoing {
-    using T = natural<P>;
-    using C = crossing<T>;
+    using C = crossing<natural<P>>;
 
 public:
-    explicit outgoing(const T& value) requires(!is_in_out<P>) {
-        if constexpr (std::is_same_v<T, Text>)
-            raw_ = C::give(value);
-        else if constexpr (std::is_same_v<T, Variant>)
-            raw_ = *value.get();
-        else if constexpr (requires { value.get(); })
-            raw_ = value.get();
-        else
-            raw_ = C::give(value);
-    }
-    explicit outgoing(T& value) requires(is_in_out<P>) : value_(&value) {
-        if constexpr (std::is_same_v<T, Text>)
-            raw_ = C::give(value);
-        else if constexpr (!std::is_same_v<T, Variant>)
-            raw_ = C::give(std::move(value));
-    }
-    ~outgoing() {
-        if constexpr (!is_in_out<P>) {
-            if constexpr (requires { C::drop(raw_); }) C::drop(raw_);
-        } else if constexpr (std::is_same_v<T, Text>) {
-            if (C::view(raw_) != *value_) *value_ = C::view(raw_);
-            abi::SysFreeString(raw_);
-        } else if constexpr (std::is_same_v<T, Variant>) {
-            // A callee has no business leaving a by-reference value: what that refers to is taken.
-            abi::VARIANT& left = *value_->lend();
-            if (!(left.vt & abi::VT_BYREF)) return;
-            const abi::VARIANT reference = std::exchange(left, {});
-            abi::VariantCopyInd(&left, &reference);
-        } else {
-            *value_ = C::take(raw_);
-        }
-    }
+    explicit outgoing(const natural<P>& value) : raw_(C::lend(value)) {}
+    ~outgoing() { C::drop(raw_); }
     outgoing(const outgoing&) = delete;
     outgoing& operator=(const outgoing&) = delete;
 
-    raw_argument<P> pass() {
-        if constexpr (is_in_out<P> && std::is_same_v<T, Variant>)
-            return value_->lend();
-        else if constexpr (is_in_out<P>)
-            return &raw_;
-        else
-            return raw_;
-    }
+    raw_argument<P> pass() { return raw_; }
 
 private:
-    typename C::raw raw_ = C::none;
-    T* value_ = nullptr;
+    typename C::raw raw_;
+};
+
+template <class P>
+requires is_in_out<P>
+class outgoing<P> {
+public:
+    explicit outgoing(natural<P>& value) : variable_(value) {}
+
+    raw_argument<P> pass() { return variable_.pass(); }
+
+private:
+    typename crossing<natural<P>>::variable variable_;
 };
 
 template <auto M, class S = std::remove_cv_t<decltype(M)>>

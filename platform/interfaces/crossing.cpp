@@ -1,6 +1,47 @@
 #include "platform/interfaces/crossing.h"
 
+#include "platform/interfaces/by_reference.h"
+
 namespace orvo {
+namespace detail {
+
+text_slot::text_slot(abi::BSTR& slot)
+    : slot_(slot), before_(slot), value_(crossing<Text>::copy(slot)) {}
+
+text_slot::~text_slot() {
+    if (slot_ != before_ || crossing<Text>::view(slot_) == value_) return;
+    slot_ = crossing<Text>::give(value_);
+    abi::SysFreeString(before_);
+}
+
+text_variable::text_variable(Text& value) : value_(value), raw_(crossing<Text>::give(value)) {}
+
+text_variable::~text_variable() {
+    if (crossing<Text>::view(raw_) != value_) value_ = crossing<Text>::view(raw_);
+    abi::SysFreeString(raw_);
+}
+
+variant_slot::variant_slot(abi::VARIANT& slot) : slot_(slot) {
+    if (slot.vt & abi::VT_BYREF) {
+        before_ = copied_ = Variant::copy_of(slot);
+        seen_ = &copied_;
+    } else {
+        seen_ = in_place(slot);
+    }
+}
+
+variant_slot::~variant_slot() {
+    if (seen_ == &copied_ && !(copied_ == before_)) store_through_reference(slot_, copied_);
+}
+
+variant_variable::~variant_variable() {
+    abi::VARIANT& left = *value_.lend();
+    if (!(left.vt & abi::VT_BYREF)) return;
+    const abi::VARIANT reference = std::exchange(left, {});
+    abi::VariantCopyInd(&left, &reference);
+}
+
+}  // namespace detail
 
 std::uint8_t crossing<std::uint8_t>::from_late(const Variant& value) {
     Variant converted;
@@ -15,6 +56,12 @@ Variant crossing<std::uint8_t>::to_late(std::uint8_t value) {
     raw.vt = abi::VT_UI1;
     raw.bVal = value;
     return Variant::attach(raw);
+}
+
+Variant* crossing<Variant>::in_place(abi::VARIANT& passed) {
+    constexpr auto by_reference = abi::VT_BYREF | abi::VT_VARIANT;
+    if (passed.vt != by_reference || passed.pvarVal->vt & abi::VT_BYREF) return nullptr;
+    return detail::in_place(*passed.pvarVal);
 }
 
 Values crossing<Values>::copy(raw value) {

@@ -3,20 +3,30 @@
 // How each type of value crosses a binary border. Conversion belongs to the type, never to a
 // method: a method that would need a thunk of its own is a missing type here.
 //
-//   raw        the binary form
-//   none       the empty binary form
-//   take       takes the content over; the binary form is left empty
-//   copy       a copy; the binary form keeps its own
-//   give       hands the content over in binary form, to be freed by the receiver
-//   idl        the type as IDL writes it
-//   from_late  converts what a late-bound caller passed, by the Automation rules
-//   to_late    what a late-bound caller receives, where a Variant cannot be made from the value
-//   drop       frees what `give` made for the length of one call, where that needs freeing
+// A type's `crossing` has these members; most of them come from detail::crossing_base:
+//
+//   raw             the binary form; `none` is the empty one
+//   take            takes the content over; the binary form is left empty
+//   copy            a copy; the binary form keeps its own
+//   give            hands the content over in binary form, to be freed by the receiver
+//   lend, drop      the binary form for the length of one call, and what frees it afterwards
+//   slot            holds an in-out argument of a caller's while a method of ours runs
+//   variable        holds a variable of ours while somebody else's method may change it
+//   left_out        what a method receives for an argument that its caller left out
+//   from_late       converts what a late-bound caller passed, by the Automation rules
+//   in_place        the value itself in what a late-bound caller passed, where it stands there
+//   to_late         what a late-bound caller receives
+//   answers_object  whether every value is an object or nothing
+//   idl             the type as IDL writes it
+//
+// All of it happens on the thread of the call. `from_late`, `take` and `copy` raise Failure for
+// what cannot be converted; nothing has changed its owner then.
 
 #include <optional>
 
 #include "platform/interfaces/ref.h"
 #include "platform/interfaces/table.h"
+#include "platform/system/vartypes.h"
 #include "platform/values/values.h"
 #include "platform/values/variant.h"
 
@@ -27,96 +37,198 @@ struct crossing;
 
 namespace detail {
 
-template <class T, class Raw>
-struct scalar_crossing {
+// Takes the caller's content over, and puts it back when the call ends, failed or not.
+template <class T>
+class taken_slot {
+    using C = crossing<T>;
+
+public:
+    explicit taken_slot(typename C::raw& slot) : slot_(slot), value_(C::take(slot)) {}
+    ~taken_slot() { slot_ = C::give(std::move(value_)); }
+    taken_slot(const taken_slot&) = delete;
+    taken_slot& operator=(const taken_slot&) = delete;
+
+    T& value() { return value_; }
+
+private:
+    typename C::raw& slot_;
+    T value_;
+};
+
+// Hands the content over and takes back what the callee left.
+template <class T>
+class given_variable {
+    using C = crossing<T>;
+
+public:
+    explicit given_variable(T& value) : value_(value), raw_(C::give(std::move(value))) {}
+    ~given_variable() { value_ = C::take(raw_); }
+    given_variable(const given_variable&) = delete;
+    given_variable& operator=(const given_variable&) = delete;
+
+    typename C::raw* pass() { return &raw_; }
+
+private:
+    T& value_;
+    typename C::raw raw_;
+};
+
+// A caller may pass one variable for two arguments: a text is written back only when it changed,
+// and not into a slot that was written as another argument's meanwhile.
+class text_slot {
+public:
+    explicit text_slot(abi::BSTR& slot);
+    ~text_slot();
+    text_slot(const text_slot&) = delete;
+    text_slot& operator=(const text_slot&) = delete;
+
+    Text& value() { return value_; }
+
+private:
+    abi::BSTR& slot_;
+    const abi::BSTR before_;
+    Text value_;
+};
+
+class text_variable {
+public:
+    explicit text_variable(Text& value);
+    ~text_variable();
+    text_variable(const text_variable&) = delete;
+    text_variable& operator=(const text_variable&) = delete;
+
+    abi::BSTR* pass() { return &raw_; }
+
+private:
+    Text& value_;
+    abi::BSTR raw_;
+};
+
+// Used where it stands, so that one variable may be passed for two arguments; only what a
+// by-reference value refers to is copied, and written back when it changed.
+class variant_slot {
+public:
+    explicit variant_slot(abi::VARIANT& slot);
+    ~variant_slot();
+    variant_slot(const variant_slot&) = delete;
+    variant_slot& operator=(const variant_slot&) = delete;
+
+    Variant& value() { return *seen_; }
+
+private:
+    abi::VARIANT& slot_;
+    Variant copied_;
+    Variant before_;
+    Variant* seen_;
+};
+
+// Lent where it stands. A callee has no business leaving a by-reference value: what that refers to
+// is taken.
+class variant_variable {
+public:
+    explicit variant_variable(Variant& value) : value_(value) {}
+    ~variant_variable();
+    variant_variable(const variant_variable&) = delete;
+    variant_variable& operator=(const variant_variable&) = delete;
+
+    abi::VARIANT* pass() { return value_.lend(); }
+
+private:
+    Variant& value_;
+};
+
+// What most types have in common. `type`: the type that the binary form has in a variant.
+template <class T, class Raw, abi::VARTYPE type>
+struct crossing_base {
     using raw = Raw;
-    static constexpr Raw none{};
-    static T take(Raw& value) { return copy(value); }
+    using slot = taken_slot<T>;
+    using variable = given_variable<T>;
+    static constexpr raw none{};
+    static constexpr bool answers_object = false;
+
+    static raw lend(const T& value) { return crossing<T>::give(value); }
+    static void drop(raw) {}
+    static T left_out(int) { return T{}; }
+    static T from_late(const Variant& value) { return value.to<T>(); }
+    static T* in_place(abi::VARIANT&) { return nullptr; }
+    static Variant to_late(T value) { return Variant(std::move(value)); }
+    static std::string idl() { return abi::row_of(type).idl; }
+};
+
+template <class T, class Raw, abi::VARTYPE type>
+struct number_crossing : crossing_base<T, Raw, type> {
+    static T take(Raw& value) { return static_cast<T>(value); }
     static T copy(Raw value) { return static_cast<T>(value); }
     static Raw give(T value) { return static_cast<Raw>(value); }
-    static T from_late(const Variant& value) { return value.to<T>(); }
+    static T left_out(int otherwise) { return static_cast<T>(otherwise); }
+};
+
+// A counted reference: R is Object or a Ref.
+template <class R>
+struct reference_crossing : crossing_base<R, abi::IUnknown*, abi::VT_DISPATCH> {
+    static constexpr bool answers_object = true;
+    static R copy(abi::IUnknown* value) { return R::share(value); }
+    static R take(abi::IUnknown*& value) { return R::attach(std::exchange(value, nullptr)); }
+    static abi::IUnknown* give(R value) { return value.detach(); }
+    static abi::IUnknown* lend(const R& value) { return value.get(); }
 };
 
 }  // namespace detail
 
 template <>
-struct crossing<std::int16_t> : detail::scalar_crossing<std::int16_t, std::int16_t> {
-    static std::string idl() { return "short"; }
-};
+struct crossing<std::int16_t> : detail::number_crossing<std::int16_t, std::int16_t, abi::VT_I2> {};
 template <>
-struct crossing<std::int32_t> : detail::scalar_crossing<std::int32_t, std::int32_t> {
-    static std::string idl() { return "long"; }
-};
+struct crossing<std::int32_t> : detail::number_crossing<std::int32_t, std::int32_t, abi::VT_I4> {};
 template <>
-struct crossing<std::int64_t> : detail::scalar_crossing<std::int64_t, std::int64_t> {
-    static std::string idl() { return "hyper"; }
-};
+struct crossing<std::int64_t> : detail::number_crossing<std::int64_t, std::int64_t, abi::VT_I8> {};
+template <>
+struct crossing<double> : detail::number_crossing<double, double, abi::VT_R8> {};
 // One unsigned byte.
 template <>
-struct crossing<std::uint8_t> : detail::scalar_crossing<std::uint8_t, std::uint8_t> {
+struct crossing<std::uint8_t> : detail::number_crossing<std::uint8_t, std::uint8_t, abi::VT_UI1> {
     static std::uint8_t from_late(const Variant& value);
     static Variant to_late(std::uint8_t value);
-    static std::string idl() { return "unsigned char"; }
 };
 template <>
-struct crossing<double> : detail::scalar_crossing<double, double> {
-    static std::string idl() { return "double"; }
-};
-template <>
-struct crossing<bool> : detail::scalar_crossing<bool, abi::VARIANT_BOOL> {
-    static bool copy(abi::VARIANT_BOOL value) { return value != 0; }
-    static bool take(abi::VARIANT_BOOL& value) { return value != 0; }
+struct crossing<bool> : detail::number_crossing<bool, abi::VARIANT_BOOL, abi::VT_BOOL> {
     static abi::VARIANT_BOOL give(bool value) {
         return value ? abi::variant_true : abi::variant_false;
     }
-    static std::string idl() { return "VARIANT_BOOL"; }
 };
 template <>
-struct crossing<Currency> {
-    using raw = abi::CY;
-    static constexpr raw none{};
+struct crossing<Currency> : detail::crossing_base<Currency, abi::CY, abi::VT_CY> {
     static Currency take(raw& value) { return {value.int64}; }
     static Currency copy(raw value) { return {value.int64}; }
     static raw give(Currency value) { return {value.units}; }
-    static Currency from_late(const Variant& value) { return value.to<Currency>(); }
-    static std::string idl() { return "CURRENCY"; }
 };
 template <>
-struct crossing<Date> {
-    using raw = abi::DATE;
-    static constexpr raw none{};
+struct crossing<Date> : detail::crossing_base<Date, abi::DATE, abi::VT_DATE> {
     static Date take(raw& value) { return {value}; }
     static Date copy(raw value) { return {value}; }
     static raw give(Date value) { return value.days; }
-    static Date from_late(const Variant& value) { return value.to<Date>(); }
-    static std::string idl() { return "DATE"; }
 };
 
 template <>
-struct crossing<Text> {
-    using raw = abi::BSTR;
-    static constexpr raw none = nullptr;
+struct crossing<Text> : detail::crossing_base<Text, abi::BSTR, abi::VT_BSTR> {
+    using slot = detail::text_slot;
+    using variable = detail::text_variable;
     static TextView view(raw value) { return {value, abi::SysStringLen(value)}; }
     static Text copy(raw value) { return Text(view(value)); }
     static Text take(raw& value) {
         Text text = copy(value);
-        abi::SysFreeString(value);
-        value = nullptr;
+        abi::SysFreeString(std::exchange(value, nullptr));
         return text;
     }
     static raw give(const Text& value) {
         return abi::SysAllocStringLen(value.data(), static_cast<std::uint32_t>(value.size()));
     }
     static void drop(raw value) { abi::SysFreeString(value); }
-    static Text from_late(const Variant& value) { return value.to<Text>(); }
-    static std::string idl() { return "BSTR"; }
 };
 
 // A text that may be left out: by slot a null pointer, which is not the empty text here.
 template <>
-struct crossing<std::optional<Text>> {
-    using raw = abi::BSTR;
-    static constexpr raw none = nullptr;
+struct crossing<std::optional<Text>>
+    : detail::crossing_base<std::optional<Text>, abi::BSTR, abi::VT_BSTR> {
     static std::optional<Text> copy(raw value) {
         if (value == nullptr) return {};
         return crossing<Text>::copy(value);
@@ -126,63 +238,46 @@ struct crossing<std::optional<Text>> {
     }
     static void drop(raw value) { abi::SysFreeString(value); }
     static std::optional<Text> from_late(const Variant& value) { return value.to<Text>(); }
-    static std::string idl() { return "BSTR"; }
 };
 
 template <>
-struct crossing<Variant> {
-    using raw = abi::VARIANT;
-    static constexpr raw none{};
+struct crossing<Variant> : detail::crossing_base<Variant, abi::VARIANT, abi::VT_VARIANT> {
+    using slot = detail::variant_slot;
+    using variable = detail::variant_variable;
     static Variant copy(const raw& value) { return Variant::copy_of(value); }
     static Variant take(raw& value) { return Variant::attach(value); }
-    static raw give(Variant&& value) {
+    static raw give(Variant value) {
         raw out{};
         value.detach(out);
         return out;
     }
-    static std::string idl() { return "VARIANT"; }
+    static raw lend(const Variant& value) { return *value.get(); }
+    static Variant left_out(int) { return Variant::missing(); }
+    static Variant from_late(const Variant& value) { return value; }
+    static Variant* in_place(abi::VARIANT& passed);
+    static Variant to_late(Variant value) { return value; }
 };
 
 template <>
-struct crossing<Values> {
-    using raw = abi::SAFEARRAY*;
-    static constexpr raw none = nullptr;
+struct crossing<Values> : detail::crossing_base<Values, abi::SAFEARRAY*, abi::VT_VARIANT> {
     static Values copy(raw value);
     static Values take(raw& value);
-    static raw give(Values&& value) { return value.detach(); }
-    static Values from_late(const Variant& value) { return value.to<Values>(); }
+    static raw give(Values value) { return value.detach(); }
+    static raw lend(const Values& value) { return value.get(); }
     static std::string idl() { return "SAFEARRAY(VARIANT)"; }
 };
 
 template <>
-struct crossing<Object> {
-    using raw = abi::IUnknown*;
-    static constexpr raw none = nullptr;
-    static Object copy(raw value) { return Object::share(value); }
-    static Object take(raw& value) { return Object::attach(std::exchange(value, nullptr)); }
-    static raw give(Object&& value) { return value.detach(); }
-    static Object from_late(const Variant& value) { return value.to<Object>(); }
-    static std::string idl() { return "IDispatch*"; }
-};
+struct crossing<Object> : detail::reference_crossing<Object> {};
 
 template <class I>
-struct crossing<Ref<I>> {
-    using raw = abi::IUnknown*;
-    static constexpr raw none = nullptr;
-    static Ref<I> copy(raw value) { return Ref<I>::share(value); }
-    static Ref<I> take(raw& value) { return Ref<I>::attach(std::exchange(value, nullptr)); }
-    static raw give(Ref<I>&& value) { return value.detach(); }
+struct crossing<Ref<I>> : detail::reference_crossing<Ref<I>> {
     static Ref<I> from_late(const Variant& value) { return Ref<I>::from(value.to<Object>()); }
+    static Variant to_late(const Ref<I>& value) { return Variant(value.object()); }
     static std::string idl() { return std::string(table_of<I>.name) + "*"; }
 };
 
 namespace detail {
-
-// Whether every value of the type is an object or nothing.
-template <class T>
-inline constexpr bool is_object_type = std::is_same_v<T, Object>;
-template <class I>
-inline constexpr bool is_object_type<Ref<I>> = true;
 
 template <class P>
 using natural = std::remove_cvref_t<P>;
@@ -205,16 +300,8 @@ decltype(auto) pass(T& value) {
 
 // Turns a result that a method returned into what a late-bound caller receives.
 template <class R>
-Variant to_late(R&& value) {
-    using T = natural<R>;
-    if constexpr (std::is_same_v<T, Variant>)
-        return std::forward<R>(value);
-    else if constexpr (requires { crossing<T>::to_late(value); })
-        return crossing<T>::to_late(value);
-    else if constexpr (requires { value.object(); })
-        return Variant(value.object());
-    else
-        return Variant(std::forward<R>(value));
+Variant to_late(R&& result) {
+    return crossing<natural<R>>::to_late(std::forward<R>(result));
 }
 
 }  // namespace detail

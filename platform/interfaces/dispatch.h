@@ -1,6 +1,8 @@
 #pragma once
 
-// Late binding: GetIDsOfNames and Invoke over an interface's table.
+// Late binding: GetIDsOfNames and Invoke over an interface's table. What is read from a table is
+// made once, never changes and may be read by any thread; calls are answered on the object's own
+// thread. The slots answer result codes and raise nothing; all else raises Failure.
 
 #include <vector>
 
@@ -53,37 +55,28 @@ struct InterfaceInfo {
 template <class P, std::size_t index>
 class late_argument {
     using T = natural<P>;
+    using C = crossing<T>;
 
 public:
     explicit late_argument(LateArguments& all) {
         abi::VARIANT* passed = all.values[index];
         all.converting = static_cast<int>(index);
         if (passed == nullptr) {
-            if constexpr (std::is_same_v<T, Variant>)
-                value_ = Variant::missing();
-            else if constexpr (std::is_convertible_v<int, T>)
-                value_ = static_cast<T>(all.row.parameters[index].otherwise);
+            value_ = C::left_out(all.row.parameters[index].otherwise);
             return;
         }
         if constexpr (is_in_out<P>) {
-            if constexpr (std::is_same_v<T, Variant>) {
-                constexpr auto by_reference = abi::VT_BYREF | abi::VT_VARIANT;
-                if (passed->vt == by_reference && !(passed->pvarVal->vt & abi::VT_BYREF)) {
-                    // Where it stands: the caller may pass the same variable once more.
-                    seen_ = in_place(*passed->pvarVal);
-                    return;
-                }
+            if (T* found = C::in_place(*passed)) {
+                seen_ = found;
+                return;
             }
-            if (passed->vt & abi::VT_BYREF) reference_ = passed;
         }
         Variant followed;
-        const Variant& seen = follow_reference(*passed, followed);
-        if constexpr (std::is_same_v<T, Variant>)
-            value_ = seen;
-        else
-            value_ = crossing<T>::from_late(seen);
+        value_ = C::from_late(follow_reference(*passed, followed));
         if constexpr (is_in_out<P>) {
-            if (reference_ != nullptr) before_ = value_;
+            if (!(passed->vt & abi::VT_BYREF)) return;
+            reference_ = passed;
+            before_ = value_;
         }
     }
     ~late_argument() {
@@ -101,7 +94,7 @@ private:
     struct nothing {};
     T value_{};
     T* seen_ = &value_;
-    std::conditional_t<is_in_out<P>, T, nothing> before_{};
+    [[no_unique_address]] std::conditional_t<is_in_out<P>, T, nothing> before_{};
     abi::VARIANT* reference_ = nullptr;
 };
 
@@ -128,6 +121,11 @@ struct late_thunk<M, R (I::*)(P...)> {
 template <auto M, class I, class R, class... P>
 struct late_thunk<M, R (I::*)(P...) const> : late_thunk<M, R (I::*)(P...)> {};
 
+template <class R>
+inline constexpr bool answers_object = crossing<natural<R>>::answers_object;
+template <>
+inline constexpr bool answers_object<void> = false;
+
 template <class I>
 const InterfaceInfo& callee<I>::info() {
     static const InterfaceInfo all = [] {
@@ -138,7 +136,7 @@ const InterfaceInfo& callee<I>::info() {
         table_of<I>.for_each([&]<auto M>(std::size_t index) {
             if constexpr (!std::is_null_pointer_v<std::remove_cv_t<decltype(M)>>)
                 made.add(table_of<I>.rows[index], &late_thunk<M>::invoke,
-                         is_object_type<natural<typename signature_of<M>::result>>);
+                         answers_object<typename signature_of<M>::result>);
         });
         made.finish();
         return made;

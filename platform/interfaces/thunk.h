@@ -1,10 +1,11 @@
 #pragma once
 
 // The callee's side: vtables made from an interface's table. Every thunk has the same four steps:
-// clear the out-slot, enter, call, turn any exception into a result code.
+// clear the out-slot, enter, call, turn any exception into a result code. A call from a thread to
+// which the object does not belong is refused at the second. In-arguments stay the caller's,
+// results become the caller's.
 
 #include "platform/interfaces/border.h"
-#include "platform/interfaces/by_reference.h"
 #include "platform/interfaces/crossing.h"
 #include "platform/interfaces/face.h"
 #include "platform/interfaces/standard_slots.h"
@@ -12,73 +13,48 @@
 namespace orvo::detail {
 
 // One argument that came in by slot; what the method did to an in-out argument is in the caller's
-// slot afterwards, also when the method failed. A caller may pass one variable for two arguments:
-// a variant is therefore used where it stands, and a text is written back only when it changed.
+// slot afterwards, also when the method failed.
 template <class P>
 class incoming {
     using T = natural<P>;
     using C = crossing<T>;
 
 public:
-    explicit incoming(typename C::raw value) requires(!is_in_out<P> && !std::is_same_v<T, Variant>)
-        : value_(C::copy(value)) {}
-    explicit incoming(const abi::VARIANT& value) requires(!is_in_out<P> &&
-                                                          std::is_same_v<T, Variant>)
-        : value_(C::copy(value)) {}
-    explicit incoming(typename C::raw* slot) requires(is_in_out<P>) : slot_(slot) {
-        if (slot == nullptr) return;
-        if constexpr (std::is_same_v<T, Text>) {
-            value_ = C::copy(*slot);
-            before_ = *slot;
-        } else if constexpr (std::is_same_v<T, Variant>) {
-            if (slot->vt & abi::VT_BYREF)
-                before_ = value_ = C::copy(*slot);
-            else
-                seen_ = in_place(*slot);
-        } else {
-            value_ = C::take(*slot);
-        }
-    }
-    ~incoming() {
-        if constexpr (is_in_out<P>) {
-            if (slot_ == nullptr) return;
-            if constexpr (std::is_same_v<T, Text>) {
-                // A slot with another text in it was written as the slot of another argument.
-                if (*slot_ != before_ || C::view(*slot_) == value_) return;
-                *slot_ = C::give(value_);
-                abi::SysFreeString(before_);
-            } else if constexpr (std::is_same_v<T, Variant>) {
-                if (seen_ == &value_ && !(value_ == before_))
-                    store_through_reference(*slot_, value_);
-            } else {
-                *slot_ = C::give(std::move(value_));
-            }
-        }
+    explicit incoming(const typename C::raw& value) : value_(C::copy(value)) {}
+    incoming(const incoming&) = delete;
+    incoming& operator=(const incoming&) = delete;
+
+    bool is_left_out() const { return false; }
+    void leave_out(const Parameter&) {}
+    T& value() { return value_; }
+
+private:
+    T value_;
+};
+
+template <class P>
+requires is_in_out<P>
+class incoming<P> {
+    using T = natural<P>;
+    using C = crossing<T>;
+
+public:
+    explicit incoming(typename C::raw* slot) {
+        if (slot != nullptr) slot_.emplace(*slot);
     }
     incoming(const incoming&) = delete;
     incoming& operator=(const incoming&) = delete;
 
-    bool is_null_slot() const {
-        if constexpr (is_in_out<P>)
-            return slot_ == nullptr;
-        else
-            return false;
+    bool is_left_out() const { return !slot_; }
+    void leave_out(const Parameter& parameter) {
+        if (!parameter.may_be_missing) raise_null_pointer(parameter.name);
+        left_out_.emplace(C::left_out(parameter.otherwise));
     }
-    void set_missing() {
-        if constexpr (std::is_same_v<T, Variant>) value_ = Variant::missing();
-    }
-    T& value() { return *seen_; }
+    T& value() { return slot_ ? slot_->value() : *left_out_; }
 
 private:
-    struct nothing {};
-    using Before = std::conditional_t<
-        !is_in_out<P>, nothing,
-        std::conditional_t<std::is_same_v<T, Text>, abi::BSTR,
-                           std::conditional_t<std::is_same_v<T, Variant>, Variant, nothing>>>;
-    T value_{};
-    T* seen_ = &value_;
-    [[no_unique_address]] Before before_{};
-    typename C::raw* slot_ = nullptr;
+    std::optional<typename C::slot> slot_;
+    std::optional<T> left_out_;
 };
 
 // The function in the slot of one row; `row` counts in the table of I.
@@ -94,18 +70,15 @@ struct vtable_thunk<M, row, R (I::*)(P...)> {
     static R run(I& target, raw_argument<P>... raw) {
         std::tuple<incoming<P>...> held{raw...};
         return [&]<std::size_t... i>(std::index_sequence<i...>)->R {
-            (check_slot<i>(std::get<i>(held)), ...);
+            (fill_in<i>(std::get<i>(held)), ...);
             return (target.*M)(pass<P>(std::get<i>(held).value())...);
         }
         (std::index_sequence_for<P...>{});
     }
 
     template <std::size_t i, class Held>
-    static void check_slot(Held& held) {
-        if (!held.is_null_slot()) return;
-        constexpr const Parameter& parameter = table_of<I>.rows[row].parameters[i];
-        if (!parameter.may_be_missing) raise_null_pointer(parameter.name);
-        held.set_missing();
+    static void fill_in(Held& held) {
+        if (held.is_left_out()) held.leave_out(table_of<I>.rows[row].parameters[i]);
     }
 
     static abi::HRESULT without_result(Face* face, raw_argument<P>... raw) noexcept {

@@ -7,47 +7,12 @@ namespace orvo::runtime {
 
 using namespace abi;
 
-std::size_t element_size(VARTYPE type) {
-    switch (type) {
-        case VT_I1:
-        case VT_UI1:
-            return 1;
-        case VT_I2:
-        case VT_UI2:
-        case VT_BOOL:
-            return 2;
-        case VT_I4:
-        case VT_UI4:
-        case VT_INT:
-        case VT_UINT:
-        case VT_R4:
-        case VT_ERROR:
-            return 4;
-        case VT_I8:
-        case VT_UI8:
-        case VT_R8:
-        case VT_CY:
-        case VT_DATE:
-            return 8;
-        case VT_BSTR:
-        case VT_DISPATCH:
-        case VT_UNKNOWN:
-            return sizeof(void*);
-        case VT_DECIMAL:
-            return sizeof(DECIMAL);
-        case VT_VARIANT:
-            return sizeof(VARIANT);
-        default:
-            return 0;
-    }
-}
-
 bool is_variant_type(VARTYPE type) {
-    VARTYPE kind = type & 0x0FFF;
-    VARTYPE form = type & 0xF000;
+    const VARTYPE form = type & 0xF000;
     if (form & ~(VT_ARRAY | VT_BYREF)) return false;
-    if (form) return element_size(kind) != 0;
-    return kind <= VT_NULL || (element_size(kind) != 0 && kind != VT_VARIANT);
+    const TypeRow& row = row_of(type & 0x0FFF);
+    if (form) return row.size != 0;
+    return row.content != Content::unknown && row.content != Content::variant;
 }
 
 Owned owned_by(const SAFEARRAY& array) {

@@ -1,15 +1,12 @@
 #pragma once
 
-// What a value of a given type is made of: its size, and what copying and clearing it takes.
+// What copying and clearing a value of a given type takes. Any thread.
 
 #include <cstddef>
 
-#include "platform/system/automation.h"
+#include "platform/system/vartypes.h"
 
 namespace orvo::runtime {
-
-// Bytes of one value; 0 for a type that cannot be an element of an array.
-std::size_t element_size(abi::VARTYPE type);
 
 // Whether VariantClear and its like know the type; by itself, as VT_ARRAY or as VT_BYREF.
 bool is_variant_type(abi::VARTYPE type);

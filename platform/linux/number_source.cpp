@@ -1,5 +1,6 @@
 #include "platform/linux/number.h"
 #include "platform/linux/number_text.h"
+#include "platform/system/vartypes.h"
 
 namespace orvo::runtime {
 
@@ -19,50 +20,26 @@ Scaled whole_unsigned(std::uint64_t value) { return {false, value, 0, false}; }
 bool number_of(const VARIANT& value, Number& number) {
     number = {};
     number.source = value.vt;
-    switch (value.vt) {
-        case VT_EMPTY:
+    switch (row_of(value.vt).content) {
+        case Content::nothing:
+            return value.vt == VT_EMPTY;
+        case Content::whole:
+        case Content::boolean:
+            number.exact = whole(integer_in(value));
             return true;
-        case VT_I1:
-            number.exact = whole(value.cVal);
+        case Content::natural:
+            number.exact = whole_unsigned(static_cast<std::uint64_t>(integer_in(value)));
             return true;
-        case VT_I2:
-        case VT_BOOL:
-            number.exact = whole(value.iVal);
-            return true;
-        case VT_I4:
-        case VT_INT:
-            number.exact = whole(value.lVal);
-            return true;
-        case VT_I8:
-            number.exact = whole(value.llVal);
-            return true;
-        case VT_UI1:
-            number.exact = whole_unsigned(value.bVal);
-            return true;
-        case VT_UI2:
-            number.exact = whole_unsigned(value.uiVal);
-            return true;
-        case VT_UI4:
-        case VT_UINT:
-            number.exact = whole_unsigned(value.ulVal);
-            return true;
-        case VT_UI8:
-            number.exact = whole_unsigned(value.ullVal);
-            return true;
-        case VT_CY:
+        case Content::currency:
             number.exact = scaled_of(value.cyVal);
             return true;
-        case VT_DECIMAL:
+        case Content::decimal:
             number.exact = scaled_of(decimal_of(value));
             return true;
-        case VT_R4:
+        case Content::real:
+        case Content::date:
             number.is_real = true;
-            number.real = value.fltVal;
-            return true;
-        case VT_R8:
-        case VT_DATE:
-            number.is_real = true;
-            number.real = value.dblVal;
+            number.real = real_in(value);
             return true;
         default:
             return false;

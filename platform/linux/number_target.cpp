@@ -4,6 +4,7 @@
 #include "platform/linux/date_text.h"
 #include "platform/linux/number.h"
 #include "platform/linux/number_format.h"
+#include "platform/system/vartypes.h"
 
 namespace orvo::runtime {
 
@@ -12,44 +13,6 @@ using namespace abi;
 namespace {
 
 constexpr double two_to_64 = 18446744073709551616.0;
-
-struct Integer {
-    int bits;
-    bool is_signed;
-};
-
-bool integer_type(VARTYPE type, Integer& integer) {
-    switch (type) {
-        case VT_I1:
-            integer = {8, true};
-            return true;
-        case VT_I2:
-            integer = {16, true};
-            return true;
-        case VT_I4:
-        case VT_INT:
-            integer = {32, true};
-            return true;
-        case VT_I8:
-            integer = {64, true};
-            return true;
-        case VT_UI1:
-            integer = {8, false};
-            return true;
-        case VT_UI2:
-            integer = {16, false};
-            return true;
-        case VT_UI4:
-        case VT_UINT:
-            integer = {32, false};
-            return true;
-        case VT_UI8:
-            integer = {64, false};
-            return true;
-        default:
-            return false;
-    }
-}
 
 // The number as a sign and 64 bits.
 bool rounded(const Number& number, bool& negative, std::uint64_t& magnitude) {
@@ -67,20 +30,22 @@ bool rounded(const Number& number, bool& negative, std::uint64_t& magnitude) {
     return whole == Wide{magnitude};
 }
 
-HRESULT put_integer(const Number& number, Integer integer, VARIANT& out) {
+HRESULT put_integer(const Number& number, const TypeRow& row, VARIANT& out) {
+    const int size_in_bits = 8 * row.size;
+    const bool is_signed = row.content == Content::whole;
     bool negative;
     std::uint64_t magnitude;
     if (!rounded(number, negative, magnitude)) return disp_e_overflow;
-    std::uint64_t largest = ~std::uint64_t{0} >> (64 - integer.bits + (integer.is_signed ? 1 : 0));
+    std::uint64_t largest = ~std::uint64_t{0} >> (64 - size_in_bits + (is_signed ? 1 : 0));
     // True has all bits set in any unsigned type; a pattern of all bits may be a negative number.
-    bool as_bits = (number.source == VT_BOOL && !integer.is_signed) ||
-                   (number.pattern_bits != 0 && number.pattern_bits <= integer.bits);
+    bool as_bits = (number.source == VT_BOOL && !is_signed) ||
+                   (number.pattern_bits != 0 && number.pattern_bits <= size_in_bits);
     if (!as_bits) {
-        std::uint64_t limit = !negative ? largest : integer.is_signed ? largest + 1 : 0;
+        std::uint64_t limit = !negative ? largest : is_signed ? largest + 1 : 0;
         if (magnitude > limit) return disp_e_overflow;
     }
     std::uint64_t bits = negative ? 0 - magnitude : magnitude;
-    std::memcpy(&out.llVal, &bits, static_cast<std::size_t>(integer.bits) / 8);
+    std::memcpy(&out.llVal, &bits, row.size);
     return s_ok;
 }
 
@@ -145,19 +110,20 @@ HRESULT put_boolean(const Number& number, VARIANT& out) {
 HRESULT put_number(const Number& number, VARTYPE type, VARIANT& out) {
     VariantInit(&out);
     out.vt = type;
-    if (Integer integer; integer_type(type, integer)) return put_integer(number, integer, out);
-    switch (type) {
-        case VT_R4:
-            return put_float(number, out);
-        case VT_R8:
-            return double_of(number, out.dblVal);
-        case VT_DATE:
+    const TypeRow& row = row_of(type);
+    switch (row.content) {
+        case Content::whole:
+        case Content::natural:
+            return put_integer(number, row, out);
+        case Content::real:
+            return type == VT_R4 ? put_float(number, out) : double_of(number, out.dblVal);
+        case Content::date:
             return put_date(number, out);
-        case VT_CY:
+        case Content::currency:
             return put_currency(number, out);
-        case VT_DECIMAL:
+        case Content::decimal:
             return put_decimal_number(number, out);
-        case VT_BOOL:
+        case Content::boolean:
             return put_boolean(number, out);
         default:
             return disp_e_typemismatch;

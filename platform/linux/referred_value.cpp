@@ -26,7 +26,7 @@ HRESULT borrow_referred(const VARIANT& from, VARIANT& value) {
     else if (type == VT_DECIMAL)
         put_decimal(value, *from.pdecVal);
     else
-        std::memcpy(&value.llVal, from.byref, element_size(type));
+        std::memcpy(&value.llVal, from.byref, row_of(type).size);
     return s_ok;
 }
 

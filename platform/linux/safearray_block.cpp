@@ -23,15 +23,13 @@ struct Shape {
 };
 
 std::uint16_t features_of(VARTYPE type) {
-    switch (type) {
-        case VT_BSTR:
+    switch (row_of(type).content) {
+        case Content::text:
             return FADF_HAVEVARTYPE | FADF_BSTR;
-        case VT_VARIANT:
+        case Content::variant:
             return FADF_HAVEVARTYPE | FADF_VARIANT;
-        case VT_DISPATCH:
-            return FADF_HAVEIID | FADF_DISPATCH;
-        case VT_UNKNOWN:
-            return FADF_HAVEIID | FADF_UNKNOWN;
+        case Content::object:
+            return FADF_HAVEIID | (type == VT_DISPATCH ? FADF_DISPATCH : FADF_UNKNOWN);
         default:
             return FADF_HAVEVARTYPE;
     }
@@ -77,7 +75,7 @@ SAFEARRAY* allocate(const Shape& shape, bool vector) {
 
 SAFEARRAY* make_array(VARTYPE type, std::uint16_t dimensions, const SAFEARRAYBOUND* stored_bounds,
                       bool vector) {
-    std::size_t size = element_size(type);
+    std::size_t size = row_of(type).size;
     if (size == 0) return nullptr;
     std::uint16_t features = features_of(type);
     if (vector) features |= FADF_CREATEVECTOR;

@@ -17,21 +17,15 @@ HRESULT duplicate(const VARIANT& from, VARIANT& to) {
     to = from;
     if (from.vt & VT_BYREF) return s_ok;
     if (from.vt & VT_ARRAY) return SafeArrayCopy(from.parray, &to.parray);
-    switch (from.vt) {
-        case VT_BSTR:
+    switch (row_of(from.vt).content) {
+        case Content::text:
             return copy_text(from.bstrVal, to.bstrVal) ? s_ok : e_outofmemory;
-        case VT_DISPATCH:
-        case VT_UNKNOWN:
+        case Content::object:
             if (from.punkVal) add_ref(from.punkVal);
             return s_ok;
         default:
             return s_ok;
     }
-}
-
-bool owns_nothing(VARTYPE type) {
-    return type < VT_BSTR || type == VT_BOOL || type == VT_ERROR || type == VT_DATE ||
-           (type >= VT_I1 && type <= VT_UINT);
 }
 
 }  // namespace
@@ -62,7 +56,7 @@ HRESULT VariantClear(VARIANT* value) {
 
 HRESULT VariantCopy(VARIANT* to, const VARIANT* from) {
     if (!to || !from) return e_invalidarg;
-    if (owns_nothing(from->vt) && owns_nothing(to->vt)) {
+    if (is_plain(from->vt) && is_plain(to->vt)) {
         *to = *from;
         return s_ok;
     }

@@ -3,7 +3,7 @@
 #include <cstring>
 #include <new>
 
-#include "platform/system/automation.h"
+#include "platform/system/vartypes.h"
 #include "platform/values/error_info.h"
 #include "platform/values/failure.h"
 
@@ -11,16 +11,6 @@ namespace orvo {
 namespace {
 
 static_assert(sizeof(Variant) == sizeof(abi::VARIANT) && alignof(Variant) == alignof(abi::VARIANT));
-
-// Whether a value of the type is nothing but its bytes: no memory and no reference behind it.
-bool is_plain(abi::VARTYPE type) {
-    constexpr std::uint32_t plain = 0xFF /* empty to date */ | 1u << abi::VT_ERROR |
-                                    1u << abi::VT_BOOL | 1u << abi::VT_DECIMAL | 1u << abi::VT_I1 |
-                                    1u << abi::VT_UI1 | 1u << abi::VT_UI2 | 1u << abi::VT_UI4 |
-                                    1u << abi::VT_I8 | 1u << abi::VT_UI8 | 1u << abi::VT_INT |
-                                    1u << abi::VT_UINT;
-    return type < 32 && (plain >> type & 1);
-}
 
 constexpr std::size_t longest_text = 0x3FFFFFFF;
 
@@ -35,7 +25,7 @@ const abi::VARIANT& Variant::raw() const {
 Variant::Variant() noexcept : storage_{} {}
 
 Variant::Variant(const Variant& other) : Variant() {
-    if (is_plain(other.raw().vt)) {
+    if (abi::is_plain(other.raw().vt)) {
         std::memcpy(storage_, other.storage_, sizeof storage_);
     } else {
         detail::check(abi::VariantCopy(&raw(), &other.raw()));
@@ -60,7 +50,7 @@ Variant& Variant::operator=(Variant&& other) noexcept {
 }
 
 Variant::~Variant() {
-    if (!is_plain(raw().vt)) abi::VariantClear(&raw());
+    if (!abi::is_plain(raw().vt)) abi::VariantClear(&raw());
 }
 
 Variant::Variant(std::int16_t value) : Variant() {
@@ -165,7 +155,7 @@ Variant Variant::attach(abi::VARIANT& taken) {
 
 Variant Variant::copy_of(const abi::VARIANT& value) {
     Variant copy;
-    if (is_plain(value.vt)) {
+    if (abi::is_plain(value.vt)) {
         std::memcpy(copy.storage_, &value, sizeof value);
     } else {
         detail::check(abi::VariantCopyInd(&copy.raw(), &value));

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "platform/system/automation.h"
+#include "platform/system/vartypes.h"
 #include "platform/values/array_view.h"
 #include "platform/values/failure.h"
 #include "platform/values/values.h"
@@ -42,35 +42,23 @@ bool Variant::operator==(const Variant& other) const {
     const abi::VARIANT& b = other.raw();
     if (a.vt != b.vt) return false;
     if (a.vt & abi::VT_ARRAY) return same_arrays(detail::array_of(a), detail::array_of(b));
-    switch (a.vt) {
-        case abi::VT_EMPTY:
-        case abi::VT_NULL:
+    switch (abi::row_of(a.vt).content) {
+        case abi::Content::nothing:
             return true;
-        case abi::VT_I1:
-        case abi::VT_UI1:
-            return a.bVal == b.bVal;
-        case abi::VT_I2:
-        case abi::VT_UI2:
-            return a.iVal == b.iVal;
-        case abi::VT_BOOL:
+        case abi::Content::whole:
+        case abi::Content::natural:
+        case abi::Content::code:
+            return abi::integer_in(a) == abi::integer_in(b);
+        case abi::Content::boolean:
             return (a.boolVal != abi::variant_false) == (b.boolVal != abi::variant_false);
-        case abi::VT_I4:
-        case abi::VT_UI4:
-        case abi::VT_INT:
-        case abi::VT_UINT:
-        case abi::VT_ERROR:
-            return a.lVal == b.lVal;
-        case abi::VT_R4:
-            return a.fltVal == b.fltVal;
-        case abi::VT_R8:
-        case abi::VT_DATE:
-            return a.dblVal == b.dblVal;
-        case abi::VT_BSTR:
+        case abi::Content::real:
+        case abi::Content::date:
+            return abi::real_in(a) == abi::real_in(b);
+        case abi::Content::text:
             return text_view() == other.text_view();
-        case abi::VT_DISPATCH:
-        case abi::VT_UNKNOWN:
+        case abi::Content::object:
             return Object::share(a.punkVal) == Object::share(b.punkVal);
-        case abi::VT_DECIMAL:
+        case abi::Content::decimal:
             return same_decimals(abi::decimal_of(a), abi::decimal_of(b));
         default:
             return a.llVal == b.llVal;

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <optional>
 
-#include "platform/system/automation.h"
+#include "platform/system/vartypes.h"
 #include "platform/values/failure.h"
 
 namespace orvo::dictionary {
@@ -12,30 +12,16 @@ namespace {
 
 std::optional<double> number_of(const Variant& key) {
     const abi::VARIANT& raw = *key.get();
-    switch (raw.vt) {
-        case abi::VT_I1:
-            return raw.cVal;
-        case abi::VT_UI1:
-            return raw.bVal;
-        case abi::VT_I2:
-            return raw.iVal;
-        case abi::VT_UI2:
-            return raw.uiVal;
-        case abi::VT_I4:
-        case abi::VT_INT:
-            return raw.lVal;
-        case abi::VT_UI4:
-        case abi::VT_UINT:
-            return raw.ulVal;
-        case abi::VT_R4:
-            return raw.fltVal;
-        case abi::VT_R8:
-        case abi::VT_DATE:
-            return raw.dblVal;
-        case abi::VT_I8:
-        case abi::VT_UI8:
-        case abi::VT_CY:
-        case abi::VT_DECIMAL:
+    switch (abi::row_of(raw.vt).content) {
+        case abi::Content::whole:
+            return static_cast<double>(abi::integer_in(raw));
+        case abi::Content::natural:
+            return static_cast<double>(static_cast<std::uint64_t>(abi::integer_in(raw)));
+        case abi::Content::real:
+        case abi::Content::date:
+            return abi::real_in(raw);
+        case abi::Content::currency:
+        case abi::Content::decimal:
             return key.to<double>();
         default:
             return {};

@@ -1,5 +1,7 @@
 #pragma once
 
+// A plain value.
+
 #include "platform/interfaces/crossing.h"
 
 namespace orvo {
@@ -14,12 +16,7 @@ struct LongPtr {
 };
 
 template <>
-struct crossing<LongPtr> {
-    using raw = std::int64_t;
-    static constexpr raw none = 0;
-    static LongPtr take(raw& value) { return value; }
-    static LongPtr copy(raw value) { return value; }
-    static raw give(LongPtr value) { return value.value; }
+struct crossing<LongPtr> : detail::number_crossing<LongPtr, std::int64_t, abi::VT_I8> {
     static LongPtr from_late(const Variant& value) { return value.to<std::int32_t>(); }
     static Variant to_late(LongPtr value) { return static_cast<std::int32_t>(value.value); }
     static std::string idl() { return "LONG_PTR"; }
