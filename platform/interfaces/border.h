@@ -1,7 +1,8 @@
 #pragma once
 
 // Failures at a binary border: from a C++ exception to a result code with the thread's error
-// object, and back.
+// object, and back. On the thread of the call; what reports is called in a handler and raises
+// nothing.
 
 #include "platform/system/automation.h"
 #include "platform/values/error_info.h"

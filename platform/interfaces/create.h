@@ -1,5 +1,7 @@
 #pragma once
 
+// Objects by name. The object belongs to the calling thread.
+
 #include "platform/interfaces/ref.h"
 #include "platform/values/object.h"
 #include "platform/values/text.h"

@@ -1,6 +1,7 @@
 #pragma once
 
-// Enumerators (IEnumVARIANT): what "For Each" walks through.
+// Enumerators (IEnumVARIANT): what "For Each" walks through. An enumerator owns its items and
+// belongs to the thread that made it, as any object does.
 
 #include <vector>
 

@@ -1,7 +1,8 @@
 #pragma once
 
 // An object as its callers see it: one small face per interface, each a vtable pointer and a way
-// back to the object.
+// back to the object. References are counted by any thread; the one that gives up the last one ends
+// the object. Nothing here fails.
 
 #include <atomic>
 #include <span>

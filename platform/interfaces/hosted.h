@@ -14,6 +14,9 @@
 //   void failed(const char* member, const Failure& failure) const noexcept;
 //
 // It is called while no error object is set yet, on the caller's thread.
+//
+// An object belongs to the thread that made it: any other is answered RPC_E_WRONG_THREAD, unless
+// the class is described as shared(). It owns its C++ object and ends with its last reference.
 
 #include "platform/interfaces/dispatch.h"
 #include "platform/interfaces/thunk.h"

@@ -1,6 +1,7 @@
 #pragma once
 
-// The description of interfaces as IDL text, read from their tables.
+// The description of interfaces as IDL text, read from their tables. One writer is used by one
+// thread; nothing fails but for want of memory.
 
 #include <sstream>
 

@@ -1,6 +1,7 @@
 #pragma once
 
 // Late binding by number: a caller that makes many calls asks for a member's number and kind once.
+// Threads and ownership are those of platform/interfaces/late_call.h.
 // All but the `try_` ones raise what platform/interfaces/late_call.h raises.
 
 #include <optional>

@@ -1,5 +1,7 @@
 #pragma once
 
+// References that know their interface. Threads and ownership are those of Object.
+
 #include "platform/system/automation.h"
 #include "platform/values/failure.h"
 #include "platform/values/object.h"

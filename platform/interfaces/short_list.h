@@ -1,7 +1,7 @@
 #pragma once
 
 // What one call takes along, its arguments or the characters of a name: nearly always a few, for
-// which no memory is asked for.
+// which no memory is asked for. Belongs to one call; raises nothing but for want of memory.
 
 #include <array>
 #include <cstddef>

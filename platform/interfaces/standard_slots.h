@@ -1,6 +1,7 @@
 #pragma once
 
-// The slots that every interface of an object has in front of its own.
+// The slots that every interface of an object has in front of its own. Callers of any thread are
+// answered; nothing is raised.
 
 #include "platform/interfaces/face.h"
 

@@ -10,6 +10,8 @@
 //
 // Direction and type of each argument come from the C++ signature: `Text&` is in-out, `Text` and
 // `const Text&` are in, the result is the return value. A row names the parameters, once each.
+//
+// Tables are constants: any thread reads them, and a mistake in one does not compile.
 
 #include <array>
 #include <cstddef>

@@ -1,7 +1,8 @@
 #pragma once
 
 // Dates as text: a double counts the days since 1899-12-30, its fraction is the time of day, as a
-// magnitude also before that day (-1.25 is 1899-12-29 06:00).
+// magnitude also before that day (-1.25 is 1899-12-29 06:00). Any thread; nothing is raised. What
+// is written stands in the caller's buffer, of which the view that is answered is a part.
 
 #include <chrono>
 #include <string_view>

@@ -1,5 +1,7 @@
 #pragma once
 
+// Called on the object's own thread; answers what the object answers, nothing is raised.
+
 #include "platform/system/automation.h"
 
 namespace orvo::runtime {

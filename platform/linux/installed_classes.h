@@ -1,7 +1,8 @@
 #pragma once
 
 // The classes of the modules on this system: the index that the process uses, read when it is first
-// needed and read anew when a lookup misses and something has changed since.
+// needed and read anew when a lookup misses and something has changed since. Raises nothing but for
+// want of memory.
 
 #include <atomic>
 #include <cstdint>

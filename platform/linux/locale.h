@@ -1,5 +1,7 @@
 #pragma once
 
+// Any thread; nothing fails.
+
 #include "platform/system/automation.h"
 
 namespace orvo::runtime {

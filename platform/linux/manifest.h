@@ -9,6 +9,8 @@
 // Blank lines and lines that begin with "#" say nothing. The module's path is relative to the
 // manifest's folder. Anything else makes the whole manifest unusable; it is then kept with the
 // reason, so that nobody wonders where a component has gone.
+//
+// Any thread. Nothing is raised but for want of memory: what is wrong with a file is its fault.
 
 #include <filesystem>
 #include <optional>

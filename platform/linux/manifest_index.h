@@ -1,6 +1,8 @@
 #pragma once
 
-// What all manifests of a search path say, as of one moment.
+// What all manifests of a search path say, as of one moment. The index owns what it says of
+// classes; their modules live as long as the process. Raises nothing but for want of memory: faults
+// are kept.
 
 #include <sys/stat.h>
 

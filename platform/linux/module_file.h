@@ -1,6 +1,7 @@
 #pragma once
 
-// Modules: shared objects that export DllGetClassObject.
+// Modules: shared objects that export DllGetClassObject. Failures are results with a reason;
+// nothing is raised but for want of memory.
 
 #include <atomic>
 #include <filesystem>

@@ -1,5 +1,7 @@
 #pragma once
 
+// Numbers between two types. Any thread; nothing is raised.
+
 #include <string_view>
 
 #include "platform/linux/scaled.h"

@@ -1,6 +1,7 @@
 #pragma once
 
-// Numbers as text, the same in every locale: "." before the fraction, no grouping.
+// Numbers as text, the same in every locale: "." before the fraction, no grouping. Any thread;
+// nothing fails. What is answered is a part of the caller's buffer.
 
 #include <cstdint>
 #include <string_view>

@@ -1,5 +1,7 @@
 #pragma once
 
+// Any thread; nothing is raised.
+
 #include <string_view>
 
 #include "platform/linux/scaled.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-// Classes that the program itself has registered.
+// Classes that the program itself has registered. Nothing is raised but for want of memory.
 
 #include <atomic>
 #include <memory>

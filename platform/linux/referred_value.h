@@ -1,5 +1,7 @@
 #pragma once
 
+// By-reference variants. Any thread; failures are results, nothing is raised.
+
 #include "platform/system/automation.h"
 
 namespace orvo::runtime {

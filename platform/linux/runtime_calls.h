@@ -1,6 +1,7 @@
 #pragma once
 
-// Calls of the runtime library beyond the platform's own, for platform/system/registration.h.
+// Calls of the runtime library beyond those of Automation, for platform/system/registration.h. Any
+// thread; failures are results, nothing is raised.
 
 #include <cstdint>
 

@@ -5,6 +5,8 @@
 // Before the structure lie 16 hidden bytes: the interface's identifier over all of them
 // (FADF_HAVEIID), or the type of the elements in the last four (FADF_HAVEVARTYPE). A vector's
 // elements follow its structure in the same block; those of other arrays have a block of their own.
+//
+// Any thread. Who makes an array owns it, and frees it here; nothing is raised.
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #pragma once
 
 // Exact decimal numbers, between text, currency, decimal and whole numbers: no detour over binary
-// fractions, so nothing is rounded twice.
+// fractions, so nothing is rounded twice. Plain values; any thread, nothing is raised.
 
 #include <cstdint>
 

@@ -1,5 +1,8 @@
 #pragma once
 
+// Where manifests lie. Any thread, while no other one changes the environment. Raises only what
+// std::filesystem raises where the current folder is gone and a relative path is given.
+
 #include <filesystem>
 #include <optional>
 #include <vector>

@@ -1,5 +1,7 @@
 #pragma once
 
+// Registering a module from outside, as a tool does. Any thread.
+
 #include <filesystem>
 
 namespace orvo::runtime {

@@ -1,5 +1,7 @@
 #pragma once
 
+// Any thread; failures are results, nothing is raised. The text is the caller's to free.
+
 #include "platform/system/automation.h"
 
 namespace orvo::runtime {

@@ -1,5 +1,7 @@
 #pragma once
 
+// For the calling thread alone. Without memory for an error object none is left.
+
 #include <string_view>
 
 namespace orvo::runtime {

@@ -1,5 +1,7 @@
 #pragma once
 
+// Class objects, and what keeps their module loaded.
+
 #include <functional>
 #include <string>
 

@@ -1,6 +1,7 @@
 #pragma once
 
-// Classes of a program itself.
+// Classes of a program itself. Any thread may register one, and create its objects for itself.
+// Raises Failure where the system refuses the registration.
 
 #include <functional>
 

@@ -1,7 +1,8 @@
 #pragma once
 
 // A module: a shared library whose classes others create by ProgID. It has exactly the four
-// standard exports (exports.cpp), and defines this_module().
+// standard exports (exports.cpp), and defines this_module(). Descriptions are constants, which any
+// thread reads; the exports answer result codes and raise nothing.
 
 #include <span>
 

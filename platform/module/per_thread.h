@@ -1,6 +1,7 @@
 #pragma once
 
-// State that a module keeps for each thread.
+// State that a module keeps for each thread. Any thread; raises std::bad_alloc where the system has
+// no room for one more.
 
 #include <memory>
 

@@ -7,6 +7,10 @@
 // the platform's own. Only platform/ includes this header; everything above it uses the C++ values
 // of platform/values and the interface tables of platform/interfaces.
 //
+// Any thread may make these calls, no two threads at once with the same array or variant. Nothing
+// is raised: a failure is one of the result codes below, or a null string or array. A string, array
+// or reference that a call gives out is its receiver's to free.
+//
 // A source that includes this header must not include Windows headers: both declare the same
 // functions.
 

@@ -7,6 +7,8 @@
 // `$XDG_DATA_HOME/orvo/components` (by default `~/.local/share/orvo/components`), then
 // `/usr/local/share/orvo/components` and `/usr/share/orvo/components`. The first that has a ProgID
 // wins. On Windows it is the registry.
+//
+// Any thread; two that register one module at the same time leave the entries of either.
 
 #include <span>
 #include <string>

@@ -1,7 +1,7 @@
 #pragma once
 
-// Arrays of any number of dimensions and any element type, looked at from outside. All raise 13 for
-// a value that is no array.
+// Arrays of any number of dimensions and any element type, looked at from outside. What is answered
+// are copies. All raise 13 for a value that is no array. Any thread that the value belongs to.
 
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,7 @@
 #pragma once
 
-// The system's arrays, as the values of this room read them.
+// The system's arrays, as the values of this room read them. A view borrows: it is good as long as
+// the variant that holds the array is neither changed nor gone. Failures are raised as Failure.
 
 #include <cstddef>
 

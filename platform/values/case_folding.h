@@ -1,5 +1,7 @@
 #pragma once
 
+// Which letters are the same without regard to case. Any thread; nothing fails.
+
 namespace orvo::detail {
 
 // Unicode's simple case folding of one UTF-16 unit, for the letters of the Latin (up to Extended-B,

@@ -1,5 +1,7 @@
 #pragma once
 
+// A plain value.
+
 #include <compare>
 #include <cstdint>
 

@@ -1,5 +1,7 @@
 #pragma once
 
+// Points in time, and their parts. Plain values; any thread.
+
 #include <compare>
 
 namespace orvo {

@@ -1,5 +1,7 @@
 #pragma once
 
+// Any thread, while no other one changes the environment. Nothing fails; the text is a copy.
+
 #include "platform/values/text.h"
 
 namespace orvo {

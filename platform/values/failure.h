@@ -1,6 +1,7 @@
 #pragma once
 
-// The one C++ exception of the house: an Automation error.
+// The one C++ exception of the house: an Automation error. A failure is a value that owns its
+// texts. The functions below keep no state: any thread may call them.
 
 #include <cstdint>
 #include <exception>

@@ -1,5 +1,9 @@
 #pragma once
 
+// References to objects. Different references may be used by different threads; whether the object
+// itself may is the object's affair (see docs/house.md). Nothing here raises; an object that fails
+// to say who it is counts as itself.
+
 #include <cstddef>
 #include <utility>
 

@@ -1,6 +1,7 @@
 #pragma once
 
-// ProgIDs as keys: compared without regard to case, and "Name" and "Name.1" are one.
+// ProgIDs as keys: compared without regard to case, and "Name" and "Name.1" are one. Any thread;
+// nothing fails.
 
 #include <cstdint>
 #include <string_view>

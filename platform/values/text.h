@@ -2,6 +2,8 @@
 
 // Text of the house: UTF-16 with a length, as an Automation string is. It may hold NULs.
 // UTF-8 is used only at the edges (directory wire, files, terminal, HTTP) and converted there.
+//
+// Any thread. Nothing fails but for want of memory.
 
 #include <string>
 #include <string_view>

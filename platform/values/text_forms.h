@@ -1,7 +1,8 @@
 #pragma once
 
 // Text brought to one form by the tables of Unicode: of libunistring, and on Windows of the system.
-// Kept apart from text.h so that nothing has to load them that only passes text on.
+// Kept apart from text.h so that nothing has to load them that only passes text on. Any thread;
+// nothing fails but for want of memory.
 
 #include "platform/values/text.h"
 

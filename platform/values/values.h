@@ -1,5 +1,7 @@
 #pragma once
 
+// Arrays of variants. One array is used by one thread at a time. Failures are raised as Failure.
+
 #include <cstdint>
 #include <initializer_list>
 #include <span>

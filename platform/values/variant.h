@@ -1,6 +1,9 @@
 #pragma once
 
 // A tagged Automation value, as an owning C++ value.
+//
+// One value is used by one thread at a time, and one that holds an object by the object's thread.
+// Failures are raised as Failure; an assignment that fails leaves the value as it was.
 
 #include <concepts>
 #include <cstddef>

@@ -1,7 +1,7 @@
 #pragma once
 
-// The keys of Windows' class registry (HKEY_CLASSES_ROOT), as texts. Failures are raised as Failure
-// with the system's error number as a result code.
+// The keys of Windows' class registry (HKEY_CLASSES_ROOT), as texts. Any thread. Failures are
+// raised as Failure with the system's error number as a result code.
 
 #include <optional>
 #include <string>

@@ -1,5 +1,8 @@
 #pragma once
 
+// Called on the thread that made the object. A context is held, by a reference for each thread,
+// until its host ends it or the thread ends.
+
 #include "platform/interfaces/hosted.h"
 #include "platform/objects/context/context_contract.h"
 

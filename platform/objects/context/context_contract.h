@@ -1,6 +1,7 @@
 #pragma once
 
-// The transaction server's application-server object and object context, as callers see them.
+// The transaction server's application-server object and object context, as callers see them. Both
+// speak of the calling thread's context, and are used by the thread that made them.
 
 #include "platform/interfaces/interface.h"
 #include "platform/values/variant.h"

@@ -1,5 +1,7 @@
 #pragma once
 
+// How a host gives its thread a context.
+
 #include <map>
 
 #include "platform/objects/context/context_contract.h"
@@ -10,8 +12,8 @@ namespace orvo {
 using ContextItems = std::map<Text, Object>;
 
 // While it lives, the calling thread runs in an object context with these items: the length of one
-// request or one script. Scopes nest; each is ended by the thread that began it.
-// Raises 429 where the application-server object cannot be created.
+// request or one script. It owns the items until it ends. Scopes nest; each is ended by the thread
+// that began it. Raises 429 where the application-server object cannot be created.
 class ContextScope {
 public:
     explicit ContextScope(ContextItems items);

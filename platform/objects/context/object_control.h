@@ -1,6 +1,7 @@
 #pragma once
 
-// What the transaction server calls on an object at each activation in a context.
+// What the transaction server calls on an object at each activation in a context, on the object's
+// own thread.
 
 #include "platform/interfaces/interface.h"
 

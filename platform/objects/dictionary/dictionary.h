@@ -1,5 +1,7 @@
 #pragma once
 
+// The dictionary of this house; what it promises stands in dictionary_contract.h.
+
 #include <list>
 #include <unordered_set>
 

@@ -7,6 +7,8 @@
 //
 // Keys: numbers and dates are equal by value, whatever their type (1 and 1.0, but not "1" and 1);
 // texts by the compare mode; objects are equal to themselves. An array is no key (5).
+//
+// A dictionary belongs to the thread that made it, and owns copies of its keys and items.
 
 #include "platform/interfaces/interface.h"
 #include "platform/values/variant.h"

@@ -1,5 +1,7 @@
 #pragma once
 
+// Keys of dictionaries. On the thread of the dictionary; texts are looked at where they stand.
+
 #include "platform/values/variant.h"
 
 namespace orvo::dictionary {

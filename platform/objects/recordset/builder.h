@@ -1,6 +1,7 @@
 #pragma once
 
-// How providers make record sets.
+// How providers make record sets. A builder is used by one thread at a time; the record set belongs
+// to the thread that opens it.
 
 #include <memory>
 

@@ -1,6 +1,7 @@
 #pragma once
 
-// Columns: what their types mean, and how values become theirs.
+// Columns: what their types mean, and how values become theirs. On the thread of the record set;
+// the default value of an object is read by a call of the object.
 
 #include <optional>
 #include <vector>

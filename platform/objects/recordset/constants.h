@@ -1,6 +1,6 @@
 #pragma once
 
-// The numbers of record sets, under the names by which their callers know them.
+// The numbers of record sets, under the names by which their callers know them. Constants.
 
 #include <cstdint>
 

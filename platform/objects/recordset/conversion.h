@@ -1,5 +1,7 @@
 #pragma once
 
+// Any thread that the value belongs to; nothing is raised.
+
 #include <optional>
 
 #include "platform/system/automation.h"

@@ -1,6 +1,7 @@
 #pragma once
 
-// Criteria of Find and Filter: comparisons of columns with values.
+// Criteria of Find and Filter: comparisons of columns with values. Once read they own what they
+// compare with and never change.
 
 #include "platform/objects/recordset/column.h"
 

@@ -1,5 +1,8 @@
 #pragma once
 
+// Belongs to the thread of its record set; shared by the record set and its fields, the store
+// beneath it by clones, too.
+
 #include "platform/objects/recordset/view.h"
 
 namespace orvo::recordset {

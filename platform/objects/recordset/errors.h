@@ -1,6 +1,6 @@
 #pragma once
 
-// The error numbers that record sets raise, with the platform's texts.
+// The error numbers that record sets raise, with the platform's texts. Any thread.
 
 #include "platform/values/failure.h"
 

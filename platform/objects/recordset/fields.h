@@ -1,5 +1,7 @@
 #pragma once
 
+// The fields of a record set; what they promise stands in fields_contract.h.
+
 #include "platform/interfaces/hosted.h"
 #include "platform/objects/recordset/cursor.h"
 #include "platform/objects/recordset/fields_contract.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-// A record set's fields, as callers see them.
+// A record set's fields, as callers see them; threads and ownership are the record set's.
 
 #include "platform/interfaces/interface.h"
 #include "platform/objects/recordset/constants.h"

@@ -1,6 +1,7 @@
 #pragma once
 
-// Records as one array or one text.
+// Records as one array or one text, which become the caller's. On the thread of the cursor; all
+// raise what moving the cursor raises.
 
 #include "platform/objects/recordset/cursor.h"
 

@@ -1,5 +1,7 @@
 #pragma once
 
+// The record set of this house; what it promises stands in record_set_contract.h.
+
 #include "platform/interfaces/hosted.h"
 #include "platform/objects/recordset/cursor.h"
 #include "platform/objects/recordset/record_set_contract.h"

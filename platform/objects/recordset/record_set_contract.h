@@ -8,6 +8,9 @@
 //
 // Errors: 3704 for nearly everything on a closed record set, 3021 where a current row is needed and
 // there is none, 3251 for changes of a read-only one.
+//
+// A record set, its clones and fields belong to the thread that made them, and own their values:
+// what is read is a copy.
 
 #include "platform/objects/recordset/fields_contract.h"
 

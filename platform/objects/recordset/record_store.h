@@ -1,5 +1,8 @@
 #pragma once
 
+// Where the values of a record set live. Used by one thread; nothing is raised but for want of
+// memory.
+
 #include <vector>
 
 #include "platform/objects/recordset/column.h"

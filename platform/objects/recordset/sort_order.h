@@ -1,5 +1,7 @@
 #pragma once
 
+// Read once, then a constant.
+
 #include "platform/objects/recordset/record_store.h"
 
 namespace orvo::recordset {

@@ -1,5 +1,7 @@
 #pragma once
 
+// Any thread that the values belong to; nothing fails: what has no order counts as equal.
+
 #include "platform/values/variant.h"
 
 namespace orvo::recordset {

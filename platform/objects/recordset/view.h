@@ -1,5 +1,7 @@
 #pragma once
 
+// Used by the thread of the record set; raises what its condition raises.
+
 #include <functional>
 #include <memory>
 
