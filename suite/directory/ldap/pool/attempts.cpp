@@ -62,19 +62,7 @@ Attempts::Attempts(ConnectionPool& pool, ConnectionSetRef set, const Operation& 
 Session& Attempts::session() {
     if (!server_) choose_server();
     if (!lease_.has_connection()) {
-        if (const auto refusal = set_->refusal(lease_.settings(), pool_.clock().now()))
-            throw *refusal;
-        // What is sent once is not sent into a connection that is closed.
-        const bool is_sent_once = operation_.effect != Effect::none || is_presented_;
-        const auto care = is_sent_once ? Lease::Care::sure : Lease::Care::usual;
-        const bool is_check = set_->use() == ConnectionSet::Use::password_checks;
-        const bool is_nobody = !is_check && set_->user().empty();
-        is_new_ = !lease_.take_idle(server_, care) &&
-                  (is_check || is_nobody || !lease_.take_checked(server_));
-        if (is_new_ && (is_nobody || !lease_.take_from_others(server_)))
-            connect();
-        else
-            lease_.connection().session.set_limits(limits_);
+        take_connection();
         authenticate();
     }
     lease_.connection().checked.reset();
@@ -83,8 +71,31 @@ Session& Attempts::session() {
     return lease_.connection().session;
 }
 
+void Attempts::take_connection() {
+    const PoolSettings& settings = lease_.settings();
+    const auto now = pool_.clock().now();
+    const bool is_user = set_->use() == ConnectionSet::Use::as_user && !set_->user().empty();
+    // One that was checked is the answer to what would be asked.
+    const bool is_asked = is_user && is_presented_ && !set_->is_accepted(settings, now);
+    const bool is_checked = is_asked && lease_.take_checked(server_);
+    if (!is_checked)
+        if (const auto refusal = set_->refusal(settings, now)) throw *refusal;
+    // What is sent once is not sent into a connection that is closed.
+    const bool is_sent_once = operation_.effect != Effect::none || is_presented_;
+    const auto care = is_sent_once ? Lease::Care::sure : Lease::Care::usual;
+    is_new_ = !is_checked && !lease_.take_idle(server_, care) &&
+              !(is_user && lease_.take_checked(server_));
+    const bool is_nobody = set_->use() == ConnectionSet::Use::as_user && !is_user;
+    if (is_new_ && (is_nobody || !lease_.take_from_others(server_)))
+        connect();
+    else
+        lease_.connection().session.set_limits(limits_);
+}
+
 void Attempts::note_right(const Secret& password) {
-    lease_.connection().checked = CheckedLogin{*entry_, password.clone(), asked_at_, mark_};
+    if (lease_.settings().recheck.count() == 0) return;
+    lease_.connection().checked =
+        CheckedLogin{std::string(operation_.entry), password.clone(), asked_at_, mark_};
 }
 
 void Attempts::choose_server() {
@@ -126,6 +137,10 @@ void Attempts::authenticate() {
     if (is_known || (set_->user().empty() && set_->password().empty())) return;
     question_.emplace(*set_, settings, pool_.clock(), 2 * limits_.answer);
     if (const auto refusal = set_->refusal(settings, pool_.clock().now())) throw *refusal;
+    if (!is_new_ && set_->is_accepted(settings, pool_.clock().now())) {
+        question_.reset();
+        return;
+    }
     Result result = bind();
     while (result.connection_failed() && !result.sent) {
         tried_.push_back(server_);
@@ -150,9 +165,10 @@ Result Attempts::bind() {
         question_.reset();
         lease_.release_place();
         turn.lock();
-        lease_.acquire_place();
     }
     if (!set_->has_password(password)) {
+        if (!lease_.has_place()) lease_.acquire_place();
+        is_new_ = true;
         connect();
         result = bind_once(set_->password());
     }
@@ -165,15 +181,17 @@ Result Attempts::bind() {
 
 // A connection whose bind was not accepted is closed: its user is nobody now, or not known.
 Result Attempts::bind_once(const Secret& password) {
-    Connection& connection = lease_.connection();
     // While the question was somebody else's.
-    if (server_->generation() != connection.server_generation) {
+    if (server_->generation() != lease_.connection().server_generation) {
         lease_.close();
-        return {result_code::server_down, "The server has failed meanwhile.", {}, {}, false};
+        if (!server_->is_up())
+            return {result_code::server_down, "The server has failed meanwhile.", {}, {}, false};
+        is_new_ = true;
+        connect();
     }
     asked_at_ = pool_.clock().now();
     mark_ = pool_.writes().mark(set_->user_key());
-    Result result = connection.session.bind(set_->user(), password);
+    Result result = lease_.connection().session.bind(set_->user(), password);
     if (result.ok()) {
         note_answer(server_, pool_.clock().now() - asked_at_);
         set_->note_accepted(asked_at_, mark_, lease_.generation());

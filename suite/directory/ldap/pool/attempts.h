@@ -43,7 +43,9 @@ public:
 
     // The session to try it on, which is authenticated as the set's user (one for password checks:
     // as anybody or nobody). Raises the failures of the servers where none can be reached, what a
-    // bind of the user's is refused with, and that of a bind whose answer got lost.
+    // bind of the user's is refused with, that of a bind whose answer got lost, and result code 51
+    // where a changed password needs another place and none becomes free. May wait twice the limit
+    // for an answer to somebody who asks the same (ConnectionSet::Question).
     Session& session();
     // The server that the session is connected to.
     const ServerRef& server() { return lease_.connection().server; }
@@ -60,6 +62,7 @@ public:
 
 private:
     void choose_server();
+    void take_connection();
     void connect();
     void authenticate();
     Result bind();

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <optional>
+#include <string>
+
 #include "suite/directory/ldap/pool/server_group.h"
 #include "suite/directory/ldap/settings/pool_settings.h"
 #include "suite/directory/ldap/wire/session.h"
@@ -7,9 +10,10 @@
 namespace orvo::directory::ldap {
 
 // What a password check found right: whose password, asked when, and the write mark that the user's
-// entry had then.
+// entry had then. Held until the next check below the same container that comes more than
+// RecheckAfter later, or the end of the connection.
 struct CheckedLogin {
-    EntryKey user;
+    std::string user;  // as the server was given it: it may tell names apart that are one here
     Secret password;
     Clock::time_point at;
     std::uint64_t mark;

@@ -88,7 +88,11 @@ void ConnectionPool::keep(const ConnectionSetRef& set) {
     Dropped dropped;
     const std::lock_guard lock(mutex_);
     const PoolSettings current = settings();
-    if (current.maximum_size == 0) return;
+    if (current.maximum_size == 0) {
+        // Switched off while the connection was in use.
+        if (set->use() == ConnectionSet::Use::password_checks) set->evict_all();
+        return;
+    }
     const auto now = clock_.now();
     const auto known = idle_places_.find(set.get());
     const auto place =

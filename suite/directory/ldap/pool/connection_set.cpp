@@ -106,8 +106,8 @@ std::optional<Connection> ConnectionSet::give_up_checked(const ServerRef& server
                                                          const PoolSettings& settings,
                                                          Clock::time_point now) {
     return give_up_first(server, settings, now, [&](const Connection& one) {
-        return one.checked && one.checked->user == user.user_key() &&
-               now - one.checked->at < settings.recheck &&
+        return one.checked && one.checked->user == user.user() &&
+               now - one.checked->at < settings.recheck && user.is_news(one.checked->at) &&
                writes_.mark(user.user_key()) == one.checked->mark &&
                user.has_password(one.checked->password);
     });
@@ -151,6 +151,8 @@ void ConnectionSet::evict_unusable(const PoolSettings& settings, Clock::time_poi
     Closing closing;
     const std::lock_guard lock(mutex_);
     while (!idle_.empty() && !idle_.front().is_usable(settings, now)) move_front(idle_, closing);
+    for (Connection& one : idle_)
+        if (one.checked && now - one.checked->at >= settings.recheck) one.checked.reset();
 }
 
 bool ConnectionSet::evict_oldest() {
@@ -190,7 +192,9 @@ Secret ConnectionSet::password() const {
 void ConnectionSet::note_accepted(Clock::time_point at, std::uint64_t mark,
                                   std::uint64_t generation) {
     const std::lock_guard lock(mutex_);
-    if (generation == generation_) verdict_ = Verdict{at, mark, std::nullopt};
+    if (generation != generation_) return;
+    verdict_ = Verdict{at, mark, std::nullopt};
+    ++verdicts_;
 }
 
 void ConnectionSet::note_refused(const Failure& failure, Clock::time_point at, std::uint64_t mark,
@@ -200,6 +204,12 @@ void ConnectionSet::note_refused(const Failure& failure, Clock::time_point at, s
     if (generation != generation_) return;
     end_generation(closing);
     verdict_ = Verdict{at, mark, failure};
+    ++verdicts_;
+}
+
+bool ConnectionSet::is_news(Clock::time_point at) const {
+    const std::lock_guard lock(mutex_);
+    return !verdict_ || verdict_->at < at;
 }
 
 const ConnectionSet::Verdict* ConnectionSet::current_verdict(const PoolSettings& settings,
@@ -227,8 +237,10 @@ ConnectionSet::Question::Question(ConnectionSet& set, const PoolSettings& settin
                                   const Clock& clock, std::chrono::milliseconds limit)
     : set_(set) {
     if (settings.recheck.count() == 0) return;
-    const auto is_answered = [&] { return set.current_verdict(settings, clock.now()) != nullptr; };
     std::unique_lock lock(set.mutex_);
+    const auto is_answered = [&, before = set.verdicts_] {
+        return set.verdicts_ != before || set.current_verdict(settings, clock.now()) != nullptr;
+    };
     const bool is_over =
         set.answered_.wait_for(lock, limit, [&] { return !set.is_asked_ || is_answered(); });
     is_asked_ = is_over && !is_answered();

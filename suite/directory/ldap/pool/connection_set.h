@@ -20,10 +20,10 @@
 
 namespace orvo::directory::ldap {
 
-// Connections that are authenticated as one user with one password, or that serve the password
-// checks of one container; never both, and never two users. Owns the idle ones, the places of all,
-// those who wait for a place, and what is known of the credentials. Thread-safe; nothing here waits
-// for a server.
+// Connections that are authenticated as one user with one password, or on which the passwords of
+// those below one container are checked. Owns the idle ones, the places of all, those who wait for
+// a place, and what is known of the credentials. Thread-safe; nothing here waits for a server but a
+// Question, for somebody else's answer.
 class ConnectionSet {
 public:
     enum class Use { as_user, password_checks };
@@ -57,7 +57,8 @@ public:
     std::optional<Connection> give_up_idle(const ServerRef& server, const PoolSettings& settings,
                                            Clock::time_point now);
     // For a user: an idle connection to this server that a password check has authenticated with
-    // the user's credentials, and what was accepted counts still (is_accepted).
+    // the user's credentials within RecheckAfter, while this process has not written to the user's
+    // entry since, and nothing later is known of them.
     std::optional<Connection> give_up_checked(const ServerRef& server, const ConnectionSet& user,
                                               const PoolSettings& settings, Clock::time_point now);
     // Gives the place back without a connection.
@@ -67,7 +68,8 @@ public:
     // idle now.
     bool release(Connection connection, std::uint64_t generation, const PoolSettings& settings,
                  Clock::time_point now);
-    // Closes idle connections that are not usable any more.
+    // Closes idle connections that are not usable any more, and forgets checks older than
+    // RecheckAfter.
     void evict_unusable(const PoolSettings& settings, Clock::time_point now);
     // Closes the idle connection that was released first. False where there is none.
     bool evict_oldest();
@@ -94,7 +96,8 @@ public:
     std::optional<Failure> refusal(const PoolSettings& settings, Clock::time_point now) const;
     // Somebody asks the server about credentials of which nothing is known. While one does, others
     // who have the same question wait for the answer, at most for `limit`: an outdated password
-    // that many offer at once is one failure there. With RecheckAfter 0 everybody asks.
+    // that many offer at once is one failure there. Who still waits then asks as well. With
+    // RecheckAfter 0 everybody asks.
     class Question {
     public:
         Question(ConnectionSet& set, const PoolSettings& settings, const Clock& clock,
@@ -127,6 +130,8 @@ private:
     std::optional<Connection> give_up_first(const ServerRef& server, const PoolSettings& settings,
                                             Clock::time_point now,
                                             const std::function<bool(const Connection&)>& fits);
+    // Whether nothing was asked about the credentials at this time or later.
+    bool is_news(Clock::time_point at) const;
     const Verdict* current_verdict(const PoolSettings& settings, Clock::time_point now) const;
     void wake_next();
     void end_generation(std::deque<Connection>& closing);
@@ -142,6 +147,7 @@ private:
     mutable std::mutex mutex_;  // for the rest
     Secret password_;
     std::optional<Verdict> verdict_;
+    std::uint64_t verdicts_ = 0;  // so far
     std::uint64_t generation_ = 0;
     std::size_t leased_ = 0;       // places that are taken
     std::deque<Connection> idle_;  // the latest released last

@@ -38,6 +38,7 @@ public:
     bool take_checked(const ServerRef& server);
     // Takes this connection in place of the one that is there.
     void put(Connection connection) { connection_.emplace(std::move(connection)); }
+    bool has_place() const { return has_place_; }
     bool has_connection() const { return connection_.has_value(); }
     Connection& connection() { return *connection_; }
     void close() { connection_.reset(); }

@@ -12,10 +12,10 @@ namespace orvo {
 namespace directory::ldap {
 
 // The check of credentials: one bind, which asks what the server's password policy says of the
-// account, on a connection on which nothing but such checks is ever done
-// (ConnectionPool::checks_below). It is sent once, to one server. What is remembered of a check is
-// the password of one that is right, for a change that follows at once (ProvenPassword). Used by
-// one thread.
+// account, on a connection for such checks (ConnectionPool::checks_below). It is sent once, to one
+// server. What is remembered of a check is the password of one that is right: for a change that
+// follows at once (ProvenPassword), and for a login that takes over the connection (CheckedLogin).
+// Used by one thread.
 class LdapValidator final : public DirectoryValidator {
 public:
     // `limits`: instead of those that the connection pool has for all.

@@ -37,6 +37,62 @@ TEST_F(CheckedLoginTest, CostsNeitherABindNorAConnection) {
     EXPECT_EQ(open_connections(), 1);
 }
 
+TEST_F(CheckedLoginTest, CostsNoBindEitherWhereTheUserHasAConnectionAlready) {
+    EXPECT_EQ(cost_of_login(jsmith), own_connection);
+    clock_.advance(6s);
+    EXPECT_EQ(checked(jsmith), 0);
+    EXPECT_EQ(cost_of_login(jsmith), nothing);
+}
+
+TEST_F(CheckedLoginTest, CountsMoreThanARefusalBeforeTheCheck) {
+    const User later{djansen.name, "later"};
+    EXPECT_EQ(bind_result(later), wrong_credentials);
+    ASSERT_EQ(probe_.replace(later.name, "userPassword", {"later"}), 0);
+    clock_.advance(1s);
+    EXPECT_EQ(checked(later), 0);
+    EXPECT_EQ(bind_result(later), 0);
+}
+
+TEST_F(CheckedLoginTest, CountsLessThanARefusalAfterTheCheck) {
+    EXPECT_EQ(checked(djansen), 0);
+    clock_.advance(1s);
+    const ConnectionSetRef set = set_of(djansen);
+    const std::uint64_t mark = client_.writes().mark(set->user_key());
+    set->note_refused(Failure(wrong_credentials, u"", u""), clock_.now(), mark, 0);
+    EXPECT_EQ(bind_result(djansen), wrong_credentials);
+}
+
+// Letters that are one where names are compared here, and two in the server.
+TEST_F(CheckedLoginTest, IsThatOfTheNameAsTheServerHasIt) {
+    const auto add = [&](const std::string& cn, const std::string& password) {
+        ASSERT_EQ(probe_.add(server_.user_dn(cn), {{"objectClass", {"orvoPerson"}},
+                                                   {"cn", {cn}},
+                                                   {"sn", {cn}},
+                                                   {"OrvoUserType", {"1"}},
+                                                   {"userPassword", {password}}}),
+                  0);
+    };
+    add("wei\u1E9E", "one");
+    add("wei\u00DF", "other");
+    EXPECT_EQ(checked({server_.user_dn("wei\u1E9E"), "one"}), 0);
+    EXPECT_EQ(bind_result({server_.user_dn("wei\u00DF"), "one"}), wrong_credentials);
+}
+
+// What was written while the server answered.
+TEST_F(CheckedLoginTest, IsOverWithAWriteDuringTheCheck) {
+    const ConnectionSetRef checks = client_.pool().checks_below(
+        ServerAddress::parse(from_utf8(server_.server())), "ou=users,o=shop");
+    Attempts attempts(client_.pool(), checks, {Effect::bind, jsmith.name});
+    const Secret password(from_utf8(jsmith.password));
+    run(attempts, [&](Session& session) {
+        Result result = session.bind(jsmith.name, password);
+        client_.writes().note(EntryKey(jsmith.name));
+        attempts.note_right(password);
+        return result;
+    });
+    EXPECT_EQ(cost_of_login(jsmith), own_connection);
+}
+
 TEST_F(CheckedLoginTest, IsThatOfTheSameUserAlone) {
     EXPECT_EQ(checked(jsmith), 0);
     EXPECT_EQ(cost_of_login(djansen), own_connection);

@@ -7,7 +7,6 @@
 
 #include "platform/interfaces/call.h"
 #include "platform/objects/dictionary/dictionary.h"
-#include "suite/directory/ldap/pool/lease.h"
 #include "tests/suite/directory/ldap/pool/pool_test.h"
 
 namespace orvo::directory::ldap {
@@ -317,19 +316,6 @@ TEST_F(CredentialsTest, ThatWereRefusedAreNotOfferedToTheServerAgainForAMoment) 
     EXPECT_EQ(bind_result(djansen("changed")), 0) << "another password is another matter";
 }
 
-// The one who has asked has given the place back to the one who changes the password.
-TEST_F(CredentialsTest, ThatAreWrongKeepNoPlaceFromWhoChangesThem) {
-    use({u"MaximumSize"}, {1});
-    const ConnectionSetRef set = set_of(djansen("outdated"));
-    const long before = binds();
-    std::unique_lock change(set->own_change());
-    std::thread other([&] { EXPECT_EQ(bind_result(djansen("outdated")), wrong_credentials); });
-    while (binds() == before) std::this_thread::yield();
-    EXPECT_EQ(failure_of([&] { const Lease lease(client_.pool(), set); }).number, 0);
-    change.unlock();
-    other.join();
-}
-
 TEST_F(CredentialsTest, ThatWereRefusedAreOfferedAgainOnceThisProcessHasWrittenToTheUser) {
     change_behind_our_back("changed");
     EXPECT_EQ(bind_result(djansen()), wrong_credentials);
@@ -359,7 +345,7 @@ TEST_F(CredentialsTest, InAPasswordCheckAreAlwaysAskedAbout) {
     EXPECT_EQ(checked(djansen("changed")), 0);
 }
 
-TEST_F(CredentialsTest, OfPasswordChecksAreBoundOnAConnectionThatServesNothingElse) {
+TEST_F(CredentialsTest, OfPasswordChecksAreBoundOnAConnectionThatIsNoUsers) {
     ServerLogin user = login(djansen()), nobody = login({"", ""});
     who_is(user);
     who_is(nobody);

@@ -281,22 +281,6 @@ TEST_F(FailoverTest, WhatMayHaveBeenWrittenIsReadWhereItWouldHaveBeen) {
     EXPECT_EQ(read(entry), Variant(Values{u"Manager"})) << "the first has not heard of it";
 }
 
-TEST_F(FailoverTest, AnOutdatedPasswordIsOfferedOnceByManyWhoHaveItAtOnce) {
-    first_.proxy.slow_down(answer_limit / 5);
-    const long before = first_.counted("Bind");
-    std::vector<std::thread> threads;
-    for (int session = 0; session < 5; ++session)
-        threads.emplace_back([&] {
-            LdapEntry entry({}, client_);
-            EXPECT_EQ(failure_of([&] {
-                          bind_as(entry, u"cn=djansen,ou=Users,o=Shop", u"outdated");
-                      }).number,
-                      error_number(0x8007052E));
-        });
-    for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(first_.counted("Bind") - before, 1);
-}
-
 TEST_F(FailoverTest, WhoChangedTheOwnPasswordDuringAnAbsenceWorksOnWhereItIsKnown) {
     use({u"FailbackAfter", u"ReplicaLag"}, {0, 60});
     const Text name = u"cn=djansen,ou=Users,o=Shop";
