@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "host/engine/adaptations.h"
-#include "host/engine/encoding.h"
+#include "host/engine/engine_text.h"
 #include "host/engine/passage.h"
 #include "host/engine/program.h"
 #include "host/engine/rewrite.h"

@@ -1,6 +1,6 @@
 // What scripts see of Automation objects: proxies whose traps make late-bound calls.
 
-#include "host/engine/encoding.h"
+#include "host/engine/engine_text.h"
 #include "host/engine/passage.h"
 #include "platform/interfaces/late_member.h"
 

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "host/engine/encoding.h"
+#include "host/engine/engine_text.h"
 #include "platform/interfaces/late_member.h"
 
 namespace orvo::script {

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <new>
 
-#include "host/engine/encoding.h"
+#include "host/engine/engine_text.h"
 #include "host/engine/passage.h"
 #include "host/engine/program.h"
 

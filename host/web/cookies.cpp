@@ -16,7 +16,7 @@ std::string_view without_blanks(std::string_view text) {
     return text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
-void add_cookies(std::string_view header, Fields& cookies, std::size_t& count) {
+void add_cookies(std::string_view header, RequestFields& cookies, std::size_t& count) {
     while (!header.empty()) {
         const auto end = header.find(';');
         const auto pair = without_blanks(header.substr(0, end));
@@ -44,8 +44,8 @@ std::string attribute(TextView text) {
 
 }  // namespace
 
-Fields cookies_of(const HttpRequest& request) {
-    Fields cookies;
+RequestFields cookies_of(const HttpRequest& request) {
+    RequestFields cookies;
     std::size_t count = 0;
     for (const auto& [name, value] : request.headers)
         if (equal_ascii_ignoring_case(name, "cookie")) add_cookies(value, cookies, count);

@@ -5,15 +5,15 @@
 #include <optional>
 #include <string>
 
-#include "host/web/fields.h"
 #include "host/web/http_message.h"
+#include "host/web/request_fields.h"
 #include "platform/values/date.h"
 
 namespace orvo::web {
 
 // The cookies of a request; of a name that comes twice the first one counts, as browsers send the
 // most specific one first. Raises Refusal.
-Fields cookies_of(const HttpRequest& request);
+RequestFields cookies_of(const HttpRequest& request);
 
 // A cookie that an answer sets. Unless a page says otherwise it lasts as long as the browser runs,
 // no script in the browser can read it, other sites' forms do not send it, and it never travels

@@ -10,8 +10,8 @@
 
 #include "host/web/application_state.h"
 #include "host/web/cookies.h"
-#include "host/web/fields.h"
 #include "host/web/http_message.h"
+#include "host/web/request_fields.h"
 #include "host/web/session_store.h"
 
 namespace orvo::web {
@@ -58,9 +58,9 @@ public:
     const std::string path;  // of the page, decoded
     const std::string_view query_text;
     const std::filesystem::path root;
-    const Fields query;
-    const Fields form;
-    const Fields cookies;
+    const RequestFields query;
+    const RequestFields form;
+    const RequestFields cookies;
     PageAnswer answer;
     ApplicationState::Holder application;
     PageControl* control = nullptr;

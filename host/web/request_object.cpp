@@ -63,7 +63,7 @@ public:
     }
     bool HasKeys() override { return !keys_.all().empty(); }
     Object NewEnum() override {
-        return names_of(keys_.all(), [](const Fields::Field& key) { return key.name; });
+        return names_of(keys_.all(), [](const RequestFields::Field& key) { return key.name; });
     }
     std::int32_t Count() override { return static_cast<std::int32_t>(keys_.all().size()); }
     Variant Key(const Variant& index) override {
@@ -73,16 +73,16 @@ public:
 
 private:
     const Text text_;
-    Fields keys_;
+    RequestFields keys_;
 };
 
 // Fields of the page's request; keeps the request alive.
-class FieldsObject final : public RequestDictionary {
+class RequestFieldsObject final : public RequestDictionary {
 public:
-    using MakeItem = Object (*)(const Fields::Field* field);
+    using MakeItem = Object (*)(const RequestFields::Field* field);
 
-    FieldsObject(std::shared_ptr<PageContext> page, const Fields& fields, Text raw,
-                 MakeItem make_item)
+    RequestFieldsObject(std::shared_ptr<PageContext> page, const RequestFields& fields, Text raw,
+                        MakeItem make_item)
         : page_(std::move(page)), fields_(fields), raw_(std::move(raw)), make_item_(make_item) {}
 
     Variant Item(const Variant& name) override {
@@ -92,7 +92,8 @@ public:
         return make_item_(fields_.find(name.to<Text>()));
     }
     Object NewEnum() override {
-        return names_of(fields_.all(), [](const Fields::Field& field) { return field.name; });
+        return names_of(fields_.all(),
+                        [](const RequestFields::Field& field) { return field.name; });
     }
     std::int32_t Count() override { return static_cast<std::int32_t>(fields_.all().size()); }
     Variant Key(const Variant& index) override {
@@ -103,7 +104,7 @@ public:
 
 private:
     const std::shared_ptr<PageContext> page_;
-    const Fields& fields_;
+    const RequestFields& fields_;
     const Text raw_;
     const MakeItem make_item_;
 };
@@ -146,7 +147,7 @@ template <>
 inline constexpr auto class_of<web::ReadCookieObject> =
     describe_class<web::ReadCookie>("Request.Cookie");
 template <>
-inline constexpr auto class_of<web::FieldsObject> =
+inline constexpr auto class_of<web::RequestFieldsObject> =
     describe_class<web::RequestDictionary>("Request.Fields");
 template <>
 inline constexpr auto class_of<web::VariablesObject> =
@@ -156,11 +157,11 @@ inline constexpr auto class_of<web::VariablesObject> =
 namespace orvo::web {
 namespace {
 
-Object values_object(const Fields::Field* field) {
+Object values_object(const RequestFields::Field* field) {
     return make<StringListObject>(field ? field->values : std::vector<Text>()).object();
 }
 
-Object cookie_object(const Fields::Field* field) {
+Object cookie_object(const RequestFields::Field* field) {
     return make<ReadCookieObject>(field ? field->values.front() : Text()).object();
 }
 
@@ -179,9 +180,9 @@ Variant RequestObject::Item(const Text& name) {
 
 Object RequestObject::QueryString() {
     if (!query_)
-        query_ =
-            make<FieldsObject>(page_, page_->query, from_utf8(page_->query_text), values_object)
-                .object();
+        query_ = make<RequestFieldsObject>(page_, page_->query, from_utf8(page_->query_text),
+                                           values_object)
+                     .object();
     return query_;
 }
 
@@ -189,9 +190,9 @@ Object RequestObject::Form() {
     if (!form_) {
         const bool is_urlencoded =
             page_->request.header("Content-Type").starts_with("application/x-www-form-urlencoded");
-        form_ = make<FieldsObject>(page_, page_->form,
-                                   is_urlencoded ? from_utf8(page_->request.body) : Text(),
-                                   values_object)
+        form_ = make<RequestFieldsObject>(page_, page_->form,
+                                          is_urlencoded ? from_utf8(page_->request.body) : Text(),
+                                          values_object)
                     .object();
     }
     return form_;
@@ -209,8 +210,8 @@ Object RequestObject::Cookies() {
             if (!all.empty()) all += u"; ";
             all += cookie.name + u"=" + cookie.values.front();
         }
-        cookies_ =
-            make<FieldsObject>(page_, page_->cookies, std::move(all), cookie_object).object();
+        cookies_ = make<RequestFieldsObject>(page_, page_->cookies, std::move(all), cookie_object)
+                       .object();
     }
     return cookies_;
 }

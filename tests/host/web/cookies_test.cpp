@@ -9,7 +9,7 @@ TEST(CookiesOfARequest, AreReadByName) {
     HttpRequest request;
     request.headers = {{"Cookie", "QUENDRAID=%7B1F%7D; other=a+b ;  x=\"q\"; =none; bare"},
                        {"cookie", "third=3; Other=second"}};
-    const Fields cookies = cookies_of(request);
+    const RequestFields cookies = cookies_of(request);
     ASSERT_EQ(cookies.all().size(), 4u);
     EXPECT_EQ(cookies.find(u"quendraid")->values.front(), u"{1F}");
     EXPECT_EQ(cookies.find(u"other")->values, std::vector<Text>{u"a b"}) << "the first one counts";

@@ -12,7 +12,7 @@ namespace orvo::web {
 struct HttpRequest;
 
 // Names in the order of their first value, without regard to case; a name may have several values.
-class Fields {
+class RequestFields {
 public:
     struct Field {
         Text name;
@@ -32,13 +32,13 @@ private:
 inline constexpr std::size_t most_fields = 500;
 
 // "a=1&b=2", of a query or a form. Raises Refusal.
-Fields parse_urlencoded(std::string_view text);
+RequestFields parse_urlencoded(std::string_view text);
 
 // The text fields of a form sent as multipart/form-data; files are passed over. Raises Refusal
 // (400) where the text is not what the content type says.
-Fields parse_multipart(std::string_view body, std::string_view content_type);
+RequestFields parse_multipart(std::string_view body, std::string_view content_type);
 
 // The form of a request, in either encoding; none where it has another content type.
-Fields form_of(const HttpRequest& request);
+RequestFields form_of(const HttpRequest& request);
 
 }  // namespace orvo::web

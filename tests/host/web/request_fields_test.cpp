@@ -1,4 +1,4 @@
-#include "host/web/fields.h"
+#include "host/web/request_fields.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 namespace orvo::web {
 namespace {
 
-std::string text_of(const Fields& fields) {
+std::string text_of(const RequestFields& fields) {
     std::string text;
     for (const auto& field : fields.all()) {
         text += to_utf8(field.name) + '=';

@@ -1,4 +1,4 @@
-#include "host/web/fields.h"
+#include "host/web/request_fields.h"
 
 #include <algorithm>
 
@@ -63,7 +63,7 @@ std::string parameter(std::string_view header, std::string_view name, bool& has_
     return {};
 }
 
-void read_part(std::string_view part, Fields& fields, Counter& counter) {
+void read_part(std::string_view part, RequestFields& fields, Counter& counter) {
     const auto end_of_headers = part.find("\r\n\r\n");
     if (end_of_headers == std::string_view::npos) refuse_multipart("a part has no header");
     std::string_view headers = part.substr(0, end_of_headers + 2);
@@ -90,7 +90,7 @@ void read_part(std::string_view part, Fields& fields, Counter& counter) {
 
 }  // namespace
 
-void Fields::add(Text name, Text value) {
+void RequestFields::add(Text name, Text value) {
     for (Field& field : fields_)
         if (equal_ignoring_case(field.name, name)) {
             field.values.push_back(std::move(value));
@@ -99,14 +99,14 @@ void Fields::add(Text name, Text value) {
     fields_.push_back({std::move(name), {std::move(value)}});
 }
 
-const Fields::Field* Fields::find(TextView name) const {
+const RequestFields::Field* RequestFields::find(TextView name) const {
     const auto found = std::ranges::find_if(
         fields_, [&](const Field& field) { return equal_ignoring_case(field.name, name); });
     return found == fields_.end() ? nullptr : &*found;
 }
 
-Fields parse_urlencoded(std::string_view text) {
-    Fields fields;
+RequestFields parse_urlencoded(std::string_view text) {
+    RequestFields fields;
     Counter counter;
     while (!text.empty()) {
         const auto end = text.find('&');
@@ -122,12 +122,12 @@ Fields parse_urlencoded(std::string_view text) {
     return fields;
 }
 
-Fields parse_multipart(std::string_view body, std::string_view content_type) {
+RequestFields parse_multipart(std::string_view body, std::string_view content_type) {
     bool has_boundary = false;
     const std::string boundary = parameter(content_type, "boundary", has_boundary);
     if (boundary.empty() || boundary.size() > 70) refuse_multipart("it has no usable boundary");
     const std::string delimiter = "\r\n--" + boundary;
-    Fields fields;
+    RequestFields fields;
     Counter counter;
     // The first delimiter may stand at the very beginning.
     std::size_t place = 0;
@@ -147,7 +147,7 @@ Fields parse_multipart(std::string_view body, std::string_view content_type) {
     return fields;
 }
 
-Fields form_of(const HttpRequest& request) {
+RequestFields form_of(const HttpRequest& request) {
     const std::string_view type = request.header("Content-Type");
     const auto media = without_blanks(type.substr(0, type.find(';')));
     if (equal_ascii_ignoring_case(media, "application/x-www-form-urlencoded"))

@@ -1,4 +1,4 @@
-#include "host/engine/encoding.h"
+#include "host/engine/engine_text.h"
 
 namespace orvo::script {
 namespace {
