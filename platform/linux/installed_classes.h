@@ -14,7 +14,7 @@
 
 namespace orvo::runtime {
 
-// Any thread. Nothing is called and no file is read while a reader could be waiting.
+// Any thread. The lock is held for look-ups alone: no class is called and no file is read under it.
 class InstalledClasses {
 public:
     // A hit: the class is known and its manifest can be used.

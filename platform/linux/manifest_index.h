@@ -43,8 +43,8 @@ public:
     // Faults of manifests and folders, one after the other; empty when there are none.
     const std::string& faults() const { return faults_; }
 
-    // Whether reading the folders now would give the same. True only if nothing can have changed:
-    // a file that changed at the moment it was read has the same time stamp before and after.
+    // Whether reading the folders now would certainly give the same. Not so for a moment after a
+    // file was written: one that is written twice within a tick of the clock keeps its time stamp.
     bool is_current(const std::vector<std::filesystem::path>& folders) const;
 
 private:

@@ -7,8 +7,8 @@
 namespace orvo {
 namespace {
 
-// A context without transactions and without security of its own: what is asked of it in these
-// matters is answered, and what is told is taken note of by nobody.
+// A context without transactions and without security: votes on a transaction have no effect, and
+// everybody is in every role.
 class HostContext : public ObjectContext {
 public:
     explicit HostContext(ContextItems items) {

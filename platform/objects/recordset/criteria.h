@@ -18,9 +18,9 @@ enum class Comparison : unsigned char {
     contains,
 };
 
-// One comparison. Texts are compared without regard to case. No value (Null, Empty) is only ever
-// equal to a clause's Null, and only unequal to it where there is a value. A cell that holds a list
-// matches when one of its elements does.
+// One comparison. Texts are compared without regard to case. A cell without a value (Null, Empty)
+// matches no comparison with a value; "= Null" holds for it, "<> Null" for every other cell. A cell
+// that holds a list matches when one of its elements does.
 class Clause {
 public:
     Clause(std::size_t column, Comparison comparison, Variant value)

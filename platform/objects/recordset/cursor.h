@@ -1,7 +1,7 @@
 #pragma once
 
-// Belongs to the thread of its record set; shared by the record set and its fields, the store
-// beneath it by clones, too.
+// A cursor belongs to the thread of its record set. The record set and its fields share one; each
+// clone has a cursor of its own over the same store.
 
 #include "platform/objects/recordset/view.h"
 
@@ -83,7 +83,7 @@ private:
     View::Condition read_filter(const Variant& filter) const;
     View::Condition marked(const Variant& bookmarks) const;
 
-    void begin();       // every use: open, and with the view as new as the store
+    void begin();       // every use: requires an open cursor and brings the view up to date
     void begin_move();  // every move: the edit is ended
     void synchronise();
     void go_to(std::int64_t place);

@@ -11,8 +11,9 @@ namespace orvo::recordset {
 
 // Which records of a store are seen, and in which order. Places count from 0.
 //
-// The view is as new as the version of the store that it has seen: changes made through the view's
-// owner are brought in one by one, those of clones by building the view anew.
+// A view remembers which version of the store it shows. Its owner brings its own changes in one by
+// one (insert, erase, move); when a clone has changed the store, the view is no longer current and
+// the owner rebuilds it.
 class View {
 public:
     using Condition = std::function<bool(const RecordStore&, RecordId)>;
