@@ -8,6 +8,7 @@ namespace orvo::runtime {
 namespace {
 
 constexpr int seconds_a_day = 86'400;
+constexpr double shortest_time = 1e-12;  // of a day; what is less comes from computing
 
 char* put(char* to, int number, int width) {
     for (int limit = 10, left = width - 1; left > 0; --left, limit *= 10)
@@ -50,6 +51,9 @@ bool is_legal_date(double date) { return date > earliest_date - 1.0 && date < la
 std::string_view format_date(double date, DateStyle style, DateBuffer& buffer) {
     double whole;
     double time = std::fabs(std::modf(date, &whole));
+    // What is shown is decided before rounding: a moment before midnight is a time of day.
+    const bool has_day = whole != 0;
+    const bool has_time = !has_day || time >= shortest_time;
     int serial = static_cast<int>(whole);
     int second = static_cast<int>(std::lround(time * seconds_a_day));
     if (second == seconds_a_day) {
@@ -60,9 +64,9 @@ std::string_view format_date(double date, DateStyle style, DateBuffer& buffer) {
             second = seconds_a_day - 1;
     }
     char* to = buffer.text;
-    if (serial != 0) to = put_day(to, serial, style);
-    if (serial != 0 && second != 0) *to++ = ' ';
-    if (serial == 0 || second != 0) to = put_time(to, second, style);
+    if (has_day) to = put_day(to, serial, style);
+    if (has_day && has_time) *to++ = ' ';
+    if (has_time) to = put_time(to, second, style);
     return {buffer.text, static_cast<std::size_t>(to - buffer.text)};
 }
 

@@ -188,8 +188,11 @@ TEST(DateToText, HasLeadingZerosAndTwentyFourHoursInTheInvariantLocale) {
 }
 
 TEST(DateToText, RoundsTheLastSecondIntoTheNextDay) {
-    EXPECT_EQ(changed(real(1.9999999, VT_DATE), VT_BSTR), "BSTR \"1/1/1900\"");
-    EXPECT_EQ(changed(real(-1.9999999, VT_DATE), VT_BSTR), "BSTR \"12:00:00 AM\"");
+    EXPECT_EQ(changed(real(1.9999999, VT_DATE), VT_BSTR), "BSTR \"1/1/1900 12:00:00 AM\"");
+    EXPECT_EQ(changed(real(-1.9999999, VT_DATE), VT_BSTR), "BSTR \"12/30/1899 12:00:00 AM\"");
+    EXPECT_EQ(changed(real(0.9999999, VT_DATE), VT_BSTR), "BSTR \"12:00:00 AM\"");
+    EXPECT_EQ(changed(real(37623.999999, VT_DATE), VT_BSTR), "BSTR \"1/3/2003 12:00:00 AM\"");
+    EXPECT_EQ(changed(real(37623.0000001, VT_DATE), VT_BSTR), "BSTR \"1/2/2003 12:00:00 AM\"");
     EXPECT_EQ(changed(real(2958465.9999999, VT_DATE), VT_BSTR), "BSTR \"12/31/9999 11:59:59 PM\"");
     EXPECT_EQ(changed(real(2958466, VT_DATE), VT_BSTR), "E_INVALIDARG");
 }
