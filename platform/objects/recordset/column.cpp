@@ -157,6 +157,22 @@ Variant coerced(const Column& column, const Variant& given) {
     return std::move(*converted);
 }
 
+Variant joined(const Column& column, const Variant& value, const Variant& added) {
+    const Variant more = coerced(column, added);
+    if (more.is_null() || value.is_null()) return more.is_null() ? value : more;
+    if (value.is_text()) return Text(value.text_view()) + Text(more.text_view());
+    return Variant::bytes(value.try_bytes().value_or("") + more.try_bytes().value_or(""));
+}
+
+Variant part_of(const Variant& value, std::size_t from, std::size_t length) {
+    if (value.is_text()) {
+        const TextView text = value.text_view();
+        return from < text.size() ? Variant(text.substr(from, length)) : Variant::null();
+    }
+    const std::string bytes = value.try_bytes().value_or("");
+    return from < bytes.size() ? Variant::bytes(bytes.substr(from, length)) : Variant::null();
+}
+
 std::int64_t actual_size(const Column& column, const Variant& value) {
     if (value.is_null() || value.is_empty()) return 0;
     const Type& type = type_of(column.type);

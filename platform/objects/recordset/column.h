@@ -36,6 +36,12 @@ Column described(Text name, std::int32_t type, std::int64_t size, std::int32_t a
 // 0x80040E21, as Field says.
 Variant coerced(const Column& column, const Variant& value);
 
+// Of a text or bytes: a value of the column with another one, as callers give it, behind it.
+Variant joined(const Column& column, const Variant& value, const Variant& added);
+
+// Of a text or bytes: at most `length` units from `from` on; Null where there is none.
+Variant part_of(const Variant& value, std::size_t from, std::size_t length);
+
 // As Field::ActualSize counts: texts of wide types in bytes, other texts in characters.
 std::int64_t actual_size(const Column& column, const Variant& value);
 

@@ -87,7 +87,12 @@ enum Position : std::int32_t { adPosUnknown = -1, adPosBOF = -2, adPosEOF = -3 }
 
 enum SearchDirection : std::int32_t { adSearchForward = 1, adSearchBackward = -1 };
 
-enum Affect : std::int32_t { adAffectCurrent = 1, adAffectGroup = 2, adAffectAll = 3 };
+enum Affect : std::int32_t {
+    adAffectCurrent = 1,
+    adAffectGroup = 2,
+    adAffectAll = 3,
+    adAffectAllChapters = 4,
+};
 
 enum RecordStatus : std::int32_t {
     adRecOK = 0,
@@ -97,7 +102,15 @@ enum RecordStatus : std::int32_t {
     adRecUnmodified = 8,
 };
 
-enum FilterGroup : std::int32_t { adFilterNone = 0, adFilterPendingRecords = 1 };
+enum FilterGroup : std::int32_t {
+    adFilterNone = 0,
+    adFilterPendingRecords = 1,
+    adFilterAffectedRecords = 2,
+    adFilterFetchedRecords = 3,
+    adFilterConflictingRecords = 5,
+};
+
+enum MarshalOptions : std::int32_t { adMarshalAll = 0, adMarshalModifiedOnly = 1 };
 
 // Where a search or a block of rows starts; bookmarks are other numbers.
 enum BookmarkPlace : std::int32_t {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/objects/recordset/conversion.h"
+#include "platform/values/text_order.h"
 #include "platform/values/values.h"
 
 namespace orvo::recordset {
@@ -42,8 +43,11 @@ bool Clause::holds_for_text(TextView cell) const {
             return equal_ignoring_case(cell, wanted);
         case Comparison::unequal:
             return !equal_ignoring_case(cell, wanted);
-        default:
-            return fits(comparison_, compare_ignoring_case(cell, wanted));
+        default: {
+            const int letters = compare_at(OrderLevel::letters, cell, wanted);
+            return fits(comparison_,
+                        letters != 0 ? letters : compare_at(OrderLevel::accents, cell, wanted));
+        }
     }
 }
 

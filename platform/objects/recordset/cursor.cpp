@@ -9,6 +9,21 @@
 #include "platform/values/values.h"
 
 namespace orvo::recordset {
+namespace {
+
+// The number of the group that a filter names; -1 where it names none.
+std::int32_t group_of(const Variant& filter) {
+    if (filter.is_text() || filter.is_array()) return -1;
+    const auto number = try_converted(filter, abi::VT_I4);
+    return number ? number->get()->lVal : -1;
+}
+
+bool shows_deleted(const Variant& filter) {
+    const std::int32_t group = group_of(filter);
+    return group == adFilterPendingRecords || group == adFilterAffectedRecords;
+}
+
+}  // namespace
 
 Cursor::Cursor(std::shared_ptr<RecordStore> store, bool is_updatable, Keeping keeping)
     : store_(std::move(store)) {
@@ -29,7 +44,8 @@ void Cursor::open(bool is_updatable, Keeping keeping) {
     SortOrder order = read_sort(sort_);
     View::Condition condition = read_filter(filter_);
     view_.emplace(store_);
-    if (!order.empty() || condition) view().set(std::move(order), std::move(condition));
+    if (!order.empty() || condition)
+        view().set(std::move(order), std::move(condition), shows_deleted(filter_));
     is_updatable_ = is_updatable;
     keeping_ = keeping;
     go_first();
@@ -39,6 +55,7 @@ void Cursor::close() {
     require_open();
     if (is_editing_ && keeping_ == Keeping::at_once) raise_runtime_error(not_allowed_here);
     end_edit();
+    affected_.clear();
     view_.reset();
     store_ = std::make_shared<RecordStore>();
     sort_.clear();
@@ -68,7 +85,7 @@ void Cursor::set_sort(const Text& order) {
     if (is_open()) {
         SortOrder read = read_sort(order);
         begin_move();
-        view().set(std::move(read), view().condition());
+        view().set(std::move(read), view().condition(), view().shows_deleted());
         go_first();
     }
     sort_ = order;
@@ -90,20 +107,30 @@ View::Condition Cursor::read_filter(const Variant& filter) const {
             [criteria = recordset::read_filter(filter.text_view(), columns())](
                 const RecordStore& store, RecordId id) { return criteria.match(store[id].values); };
     }
-    const auto group = try_converted(filter, abi::VT_I4);
-    if (group && group->get()->lVal == adFilterNone) return {};
-    if (group && group->get()->lVal == adFilterPendingRecords)
-        return [](const RecordStore& store, RecordId id) {
-            return store[id].status != adRecUnmodified;
-        };
-    raise_runtime_error(wrong_arguments);
+    switch (group_of(filter)) {
+        case adFilterNone:
+            return {};
+        case adFilterPendingRecords:
+            return [](const RecordStore& store, RecordId id) {
+                return store[id].status != adRecUnmodified;
+            };
+        case adFilterAffectedRecords:
+            return [ids = std::unordered_set<RecordId>(affected_.begin(), affected_.end())](
+                       const RecordStore&, RecordId id) { return ids.contains(id); };
+        case adFilterFetchedRecords:
+            return [](const RecordStore&, RecordId) { return true; };
+        case adFilterConflictingRecords:
+            return [](const RecordStore&, RecordId) { return false; };
+        default:
+            raise_runtime_error(wrong_arguments);
+    }
 }
 
 void Cursor::set_filter(const Variant& filter) {
     if (is_open()) {
         View::Condition read = read_filter(filter);
         begin_move();
-        view().set(view().order(), std::move(read));
+        view().set(view().order(), std::move(read), shows_deleted(filter));
         go_first();
     }
     filter_ = filter;
@@ -116,6 +143,7 @@ void Cursor::begin() {
 
 void Cursor::begin_move() {
     begin();
+    chunks_.reset();
     if (is_editing_) update();
 }
 

@@ -70,8 +70,13 @@ public:
     void update();
     void cancel_update();
     void erase(std::int32_t affected);
-    void update_batch();
-    void cancel_batch();
+    void update_batch(std::int32_t affected);
+    void cancel_batch(std::int32_t affected);
+    // Raises 3021 where there is no row that could be changed.
+    void require_current();
+    // A long value piece by piece.
+    void append_chunk(std::size_t column, const Variant& data);
+    Variant get_chunk(std::size_t column, std::int32_t length);
     std::int32_t edit_mode();
     std::int32_t status();
 
@@ -94,7 +99,14 @@ private:
     std::size_t place_of(const Variant& bookmark);
     std::optional<std::size_t> start_place(const Variant& start);
 
+    // Whose records Affect means; those of a batch that have no changes are among them.
+    std::vector<RecordId> affected_by(std::int32_t affected);
+    void note_affected(const std::vector<RecordId>& ids);
+    void after_batch();
+    bool is_on_record() const;
+
     void require_updatable() const;
+    void require_long(std::size_t column) const;
     void begin_edit();
     void end_edit();
     Variant unset_value(const Column& column) const;
@@ -117,6 +129,16 @@ private:
     bool is_editing_ = false;
     Edits edits_;
     At at_before_adding_ = At::eof;
+
+    std::vector<RecordId> affected_;  // by the last deletion, or end of a batch
+
+    // The value that is read or written in pieces at the moment.
+    struct Chunks {
+        std::size_t column;
+        bool is_written;
+        std::size_t read;  // units of it that were handed out
+    };
+    std::optional<Chunks> chunks_;
 };
 
 }  // namespace orvo::recordset

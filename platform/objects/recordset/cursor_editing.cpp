@@ -1,3 +1,5 @@
+#include <numeric>
+
 #include "platform/objects/recordset/cursor.h"
 #include "platform/objects/recordset/errors.h"
 
@@ -14,6 +16,7 @@ void Cursor::begin_edit() {
 
 void Cursor::end_edit() {
     edits_.clear();
+    chunks_.reset();
     is_editing_ = false;
 }
 
@@ -21,11 +24,20 @@ Variant Cursor::unset_value(const Column& column) const {
     return column.is_nullable() && column.form() != Form::any ? Variant::null() : Variant();
 }
 
+bool Cursor::is_on_record() const { return at_ == At::record && !(*store_)[record_].is_deleted(); }
+
+void Cursor::require_current() {
+    begin();
+    require_updatable();
+    if (!is_on_record() && at_ != At::new_record) raise_runtime_error(no_current_record);
+}
+
 Variant Cursor::value(std::size_t column) {
     begin();
+    if (chunks_ && chunks_->column != column) chunks_.reset();
     if (is_editing_ && edits_[column]) return *edits_[column];
     if (at_ == At::new_record) return unset_value(columns()[column]);
-    if (at_ != At::record) raise_runtime_error(no_current_record);
+    if (!is_on_record()) raise_runtime_error(no_current_record);
     return (*store_)[record_].values[column];
 }
 
@@ -38,10 +50,9 @@ Variant Cursor::original(std::size_t column) {
 }
 
 void Cursor::set_value(std::size_t column, const Variant& value) {
-    begin();
-    require_updatable();
-    if (at_ != At::record && at_ != At::new_record) raise_runtime_error(no_current_record);
+    require_current();
     Variant kept = coerced(columns()[column], value);
+    chunks_.reset();
     if (!is_editing_) begin_edit();
     edits_[column] = std::move(kept);
 }
@@ -108,44 +119,90 @@ void Cursor::erase(std::int32_t affected) {
     begin();
     require_updatable();
     if (at_ == At::new_record) raise_runtime_error(not_allowed_here);
-    if (affected == adAffectCurrent) {
-        if (at_ != At::record) raise_runtime_error(no_current_record);
-        end_edit();
-        store_->erase(record_, keeping_);
-        view().erase(place_);
-    } else if (affected == adAffectGroup && view().condition()) {
-        end_edit();
-        while (view().size() > 0) {
-            const std::size_t last = view().size() - 1;
-            store_->erase(view()[last], keeping_);
-            view().erase(last);
-        }
-        place_ = 0;
-    } else {
+    if (affected != adAffectCurrent && affected != adAffectGroup)
         raise_runtime_error(wrong_arguments);
-    }
+    if (affected == adAffectCurrent && !is_on_record()) raise_runtime_error(no_current_record);
+    const std::vector<RecordId> erased = affected_by(affected);
+    end_edit();
+    for (const RecordId id : erased) store_->erase(id, keeping_);
+    if (affected == adAffectCurrent && !view().shows_deleted())
+        view().erase(place_);
+    else
+        view().rebuild();
+    if (affected == adAffectGroup) place_ = 0;
+    affected_ = erased;
     at_ = At::gap;
 }
 
-void Cursor::update_batch() {
-    begin();
-    if (keeping_ != Keeping::as_batch) raise_runtime_error(not_capable);
-    update();
-    store_->accept_batch();
-    synchronise();
+std::vector<RecordId> Cursor::affected_by(std::int32_t affected) {
+    const bool has_criteria = filter_.is_text() && view().condition();
+    const auto seen = [&] {
+        std::vector<RecordId> ids(view().size());
+        for (std::size_t place = 0; place < ids.size(); ++place) ids[place] = view()[place];
+        return ids;
+    };
+    switch (affected) {
+        case adAffectCurrent:
+            if ((at_ != At::record && at_ != At::gap) || (*store_)[record_].is_gone())
+                raise_runtime_error(no_current_record);
+            return {record_};
+        case adAffectGroup:
+            if (!view().condition()) raise_runtime_error(wrong_arguments);
+            return seen();
+        case adAffectAll:
+        case adAffectAllChapters: {
+            if (affected == adAffectAll && has_criteria) return seen();
+            std::vector<RecordId> all(store_->size());
+            std::iota(all.begin(), all.end(), RecordId{0});
+            return all;
+        }
+        default:
+            raise_runtime_error(wrong_arguments);
+    }
 }
 
-void Cursor::cancel_batch() {
-    begin();
-    if (keeping_ != Keeping::as_batch) raise_runtime_error(not_capable);
-    if (is_editing_) cancel_update();
-    store_->take_batch_back();
+void Cursor::note_affected(const std::vector<RecordId>& ids) {
+    affected_.clear();
+    for (const RecordId id : ids)
+        if ((*store_)[id].status != adRecUnmodified) affected_.push_back(id);
+}
+
+// A record that was deleted under the cursor may be back.
+void Cursor::after_batch() {
     synchronise();
+    if (at_ != At::gap) return;
+    if (const auto place = view().find(record_)) go_to(static_cast<std::int64_t>(*place));
+}
+
+void Cursor::update_batch(std::int32_t affected) {
+    begin();
+    if (keeping_ != Keeping::as_batch) {
+        if (affected != adAffectCurrent) raise_runtime_error(not_capable);
+        require_current();
+        return update();
+    }
+    update();
+    const std::vector<RecordId> ids = affected_by(affected);
+    note_affected(ids);
+    store_->accept(ids);
+    after_batch();
+}
+
+void Cursor::cancel_batch(std::int32_t affected) {
+    begin();
+    if (keeping_ != Keeping::as_batch && affected != adAffectCurrent)
+        raise_runtime_error(not_capable);
+    if (is_editing_) cancel_update();
+    if (keeping_ != Keeping::as_batch) return;
+    const std::vector<RecordId> ids = affected_by(affected);
+    note_affected(ids);
+    store_->take_back(ids);
+    after_batch();
 }
 
 std::int32_t Cursor::edit_mode() {
     begin();
-    if (at_ == At::gap) return adEditDelete;
+    if (at_ == At::gap || (at_ == At::record && !is_on_record())) return adEditDelete;
     if (!is_editing_) return adEditNone;
     return at_ == At::new_record ? adEditAdd : adEditInProgress;
 }
@@ -163,6 +220,7 @@ std::int32_t Cursor::status() {
             raise_runtime_error(no_current_record);
     }
     const std::int32_t kept = (*store_)[record_].status;
+    if (kept & adRecDeleted) return adRecDeleted;
     return is_editing_ && kept == adRecUnmodified ? adRecModified : kept;
 }
 

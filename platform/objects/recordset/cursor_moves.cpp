@@ -185,7 +185,10 @@ std::vector<RecordId> Cursor::take(std::int32_t count, const Variant& start) {
     const std::size_t taken =
         count == adGetRowsRest ? left : std::min(left, static_cast<std::size_t>(count));
     std::vector<RecordId> records(taken);
-    for (std::size_t i = 0; i < taken; ++i) records[i] = view()[place_ + i];
+    for (std::size_t i = 0; i < taken; ++i) {
+        records[i] = view()[place_ + i];
+        if (record(records[i]).is_deleted()) raise_runtime_error(no_current_record);
+    }
     go_to(static_cast<std::int64_t>(place_ + taken));
     return records;
 }

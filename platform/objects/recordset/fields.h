@@ -33,6 +33,8 @@ public:
     void SetValue(const Variant& value) override { cursor_->set_value(index(), value); }
     std::uint8_t Precision() override { return column().precision; }
     std::uint8_t NumericScale() override { return column().scale; }
+    void AppendChunk(const Variant& data) override { cursor_->append_chunk(index(), data); }
+    Variant GetChunk(std::int32_t length) override { return cursor_->get_chunk(index(), length); }
     Variant OriginalValue() override { return cursor_->original(index()); }
     Variant UnderlyingValue() override { return cursor_->original(index()); }
     void SetPrecision(std::uint8_t precision) override { closed().precision = precision; }

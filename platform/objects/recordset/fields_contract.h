@@ -52,6 +52,12 @@ public:
     virtual void SetValue(const Variant& value) = 0;
     virtual std::uint8_t Precision() = 0;
     virtual std::uint8_t NumericScale() = 0;
+    // For columns of unlimited length (adFldLong); others raise 3219. The first piece replaces the
+    // value, each further one is added to it; reading begins at the value's beginning and goes on
+    // where it ended. Both begin anew when the row changes or another field's value is read or
+    // written in between. Reading answers Null where nothing is left.
+    virtual void AppendChunk(const Variant& data) = 0;
+    virtual Variant GetChunk(std::int32_t length) = 0;
     // The value before the edit in progress, or before the batch's first change.
     virtual Variant OriginalValue() = 0;
     virtual Variant UnderlyingValue() = 0;
@@ -81,7 +87,8 @@ inline constexpr auto table_of<Field> = describe<Field>(
     put<&Field::SetValue>("Value", "value").as_default(),
     get<&Field::Precision>("Precision").id(0x60030007),
     get<&Field::NumericScale>("NumericScale").id(0x60030008),
-    reserved(11, 12),  // AppendChunk, GetChunk
+    method<&Field::AppendChunk>("AppendChunk", "Data").id(1107),
+    method<&Field::GetChunk>("GetChunk", "Length").id(1108),
     get<&Field::OriginalValue>("OriginalValue").id(1104),
     get<&Field::UnderlyingValue>("UnderlyingValue").id(1105),
     reserved(15, 16),  // DataFormat

@@ -87,6 +87,11 @@ void RecordSetObject::SetCacheSize(std::int32_t size) {
     cache_size_ = size;
 }
 
+void RecordSetObject::SetMarshalOptions(std::int32_t options) {
+    require(options == adMarshalAll || options == adMarshalModifiedOnly);
+    marshal_options_ = options;
+}
+
 void RecordSetObject::SetMaxRecords(LongPtr maximum) {
     cursor_->require_closed();
     require(maximum >= 0);

@@ -63,13 +63,16 @@ public:
     void SetSort(const Text& order) override { cursor_->set_sort(order); }
     std::int32_t Status() override { return cursor_->status(); }
     std::int32_t State() override { return cursor_->is_open() ? adStateOpen : adStateClosed; }
-    void UpdateBatch(std::int32_t affected) override;
-    void CancelBatch(std::int32_t affected) override;
+    void UpdateBatch(std::int32_t affected) override { cursor_->update_batch(affected); }
+    void CancelBatch(std::int32_t affected) override { cursor_->cancel_batch(affected); }
     std::int32_t CursorLocation() override;
     void SetCursorLocation(std::int32_t location) override;
     bool Supports(std::int32_t options) override;
     Variant Collect(const Variant& index) override;
     void SetCollect(const Variant& index, const Variant& value) override;
+    std::int32_t MarshalOptions() override { return marshal_options_; }
+    void SetMarshalOptions(std::int32_t options) override;
+    void Cancel() override {}
     void Find(const Text& criteria, LongPtr skipped, std::int32_t direction,
               const Variant& start) override;
     Text GetString(std::int32_t format, std::int32_t rows,
@@ -89,6 +92,7 @@ private:
     std::int32_t cache_size_ = 1;
     std::int32_t page_size_ = 10;
     std::int64_t max_records_ = 0;
+    std::int32_t marshal_options_ = adMarshalAll;
     // What was asked for before the opening; nothing where it was left open.
     std::optional<std::int32_t> cursor_type_;
     std::optional<std::int32_t> lock_type_;

@@ -64,23 +64,30 @@ public:
                       std::int32_t lock_type, std::int32_t options) = 0;
     // Raises 3251: there is no source to ask again.
     virtual void Requery(std::int32_t options) = 0;
+    // Raises 3021 without a current row, and does nothing where no edit is in progress.
     virtual void Update(const Variant& fields, const Variant& values) = 0;
     virtual LongPtr AbsolutePage() = 0;
     virtual void SetAbsolutePage(LongPtr page) = 0;
     virtual std::int32_t EditMode() = 0;
     virtual Variant Filter() = 0;
-    // A criteria text, an array of bookmarks, adFilterNone or adFilterPendingRecords; the first row
-    // left becomes current. A criteria text reads `column op value`, joined by AND and OR, groups
-    // in parentheses; a group with OR may not be joined by AND (3001).
+    // A criteria text, an array of bookmarks or a group; the first row left becomes current. The
+    // groups of pending and affected records have deleted ones among them, whose values raise 3021;
+    // all records are fetched, and none is in conflict. A criteria text reads `column op value`,
+    // joined by AND and OR, groups in parentheses; a group with OR may not be joined by AND (3001).
     virtual void SetFilter(const Variant& criteria) = 0;
     virtual LongPtr PageCount() = 0;
     virtual std::int32_t PageSize() = 0;
     virtual void SetPageSize(std::int32_t size) = 0;
     virtual Text Sort() = 0;
-    // "column [ASC|DESC], …", texts without regard to case; "" is the order of adding.
+    // "column [ASC|DESC], …"; "" is the order of adding. Letters count first, then accents, then
+    // case (text_order.h).
     virtual void SetSort(const Text& order) = 0;
     virtual std::int32_t Status() = 0;
     virtual std::int32_t State() = 0;
+    // Make the changes of a batch final, or take them back: those of the current row, of the rows
+    // that a filter lets through, or of all. All are those that a criteria text lets through where
+    // there is one. Where changes are final at once, adAffectCurrent is Update or CancelUpdate, and
+    // anything else raises 3251.
     virtual void UpdateBatch(std::int32_t affected) = 0;
     virtual void CancelBatch(std::int32_t affected) = 0;
     virtual std::int32_t CursorLocation() = 0;
@@ -89,10 +96,15 @@ public:
     // A field's value, without the field in between.
     virtual Variant Collect(const Variant& index) = 0;
     virtual void SetCollect(const Variant& index, const Variant& value) = 0;
+    // Kept, and of no consequence: record sets are not marshalled by value.
+    virtual std::int32_t MarshalOptions() = 0;
+    virtual void SetMarshalOptions(std::int32_t options) = 0;
     // One `column op value`; begins at the current row, `skipped` rows on. Where none matches, the
     // end in the search's direction is reached.
     virtual void Find(const Text& criteria, LongPtr skipped, std::int32_t direction,
                       const Variant& start) = 0;
+    // Nothing is ever under way that could be ended.
+    virtual void Cancel() = 0;
     virtual Text GetString(std::int32_t format, std::int32_t rows,
                            const std::optional<Text>& column_delimiter,
                            const std::optional<Text>& row_delimiter,
@@ -172,11 +184,13 @@ inline constexpr auto table_of<RecordSet> = describe<RecordSet>(
     method<&RecordSet::Supports>("Supports", "CursorOptions").id(1036),
     get<&RecordSet::Collect>("Collect", "Index").id(-8),
     put<&RecordSet::SetCollect>("Collect", "Index", "value").id(-8),
-    reserved(59, 60),  // MarshalOptions
+    get<&RecordSet::MarshalOptions>("MarshalOptions").id(1053),
+    put<&RecordSet::SetMarshalOptions>("MarshalOptions", "options").id(1053),
     method<&RecordSet::Find>("Find", "Criteria", optional("SkipRecords"),
                              optional("SearchDirection", adSearchForward), optional("Start"))
         .id(1058),
-    reserved(62, 68),  // Cancel, DataSource, _xSave, ActiveCommand, StayInSync
+    method<&RecordSet::Cancel>("Cancel").id(1055),
+    reserved(63, 68),  // DataSource, _xSave, ActiveCommand, StayInSync
     method<&RecordSet::GetString>("GetString", optional("StringFormat", adClipString),
                                   optional("NumRows", -1), optional("ColumnDelimeter"),
                                   optional("RowDelimeter"), optional("NullExpr"))

@@ -38,7 +38,7 @@ void RecordSetObject::AddNew(const Variant& fields, const Variant& values) {
 }
 
 void RecordSetObject::Update(const Variant& fields, const Variant& values) {
-    cursor_->require_open();
+    cursor_->require_current();
     if (!fields.is_missing() && !fields.is_empty()) assign(fields, values);
     cursor_->update();
 }
@@ -47,16 +47,6 @@ Variant RecordSetObject::Collect(const Variant& index) { return cursor_->value(c
 
 void RecordSetObject::SetCollect(const Variant& index, const Variant& value) {
     cursor_->set_value(column(index), value);
-}
-
-void RecordSetObject::UpdateBatch(std::int32_t affected) {
-    if (affected != adAffectAll) raise_runtime_error(wrong_arguments);
-    cursor_->update_batch();
-}
-
-void RecordSetObject::CancelBatch(std::int32_t affected) {
-    if (affected != adAffectAll) raise_runtime_error(wrong_arguments);
-    cursor_->cancel_batch();
 }
 
 }  // namespace orvo

@@ -28,8 +28,9 @@ void RecordStore::erase(RecordId id, Keeping keeping) {
     ++version_;
 }
 
-void RecordStore::accept_batch() {
-    for (Record& record : records_) {
+void RecordStore::accept(const std::vector<RecordId>& ids) {
+    for (const RecordId id : ids) {
+        Record& record = records_[id];
         if (record.is_deleted()) {
             forget(record);
         } else {
@@ -40,11 +41,12 @@ void RecordStore::accept_batch() {
     ++version_;
 }
 
-void RecordStore::take_batch_back() {
-    for (Record& record : records_) {
+void RecordStore::take_back(const std::vector<RecordId>& ids) {
+    for (const RecordId id : ids) {
+        Record& record = records_[id];
         if (record.status == adRecNew) {
             forget(record);
-        } else if (!record.values.empty()) {
+        } else if (!record.is_gone()) {
             if (!record.before.empty()) record.values = std::move(record.before);
             record.before.clear();
             record.status = adRecUnmodified;

@@ -21,6 +21,8 @@ struct Record {
     std::int32_t status = adRecUnmodified;
 
     bool is_deleted() const { return status & adRecDeleted; }
+    // Deleted for good: nothing can bring it back.
+    bool is_gone() const { return values.empty(); }
 };
 
 // Whether changes are final at once, or can be taken back until the batch is accepted.
@@ -41,8 +43,9 @@ public:
     void change(RecordId id, Edits edits, Keeping keeping);
     void erase(RecordId id, Keeping keeping);
 
-    void accept_batch();
-    void take_batch_back();
+    // Of records of a batch: makes their changes final, or takes them back.
+    void accept(const std::vector<RecordId>& ids);
+    void take_back(const std::vector<RecordId>& ids);
 
 private:
     void forget(Record& record);

@@ -51,10 +51,11 @@ SortOrder::SortOrder(TextView text, const std::vector<Column>& columns) {
 bool SortOrder::is_before(const RecordStore& store, RecordId a, RecordId b) const {
     const std::vector<Variant>& left = store[a].values;
     const std::vector<Variant>& right = store[b].values;
-    for (const Key& key : keys_) {
-        const int order = compare_values(left[key.column], right[key.column]);
-        if (order != 0) return key.is_descending ? order > 0 : order < 0;
-    }
+    for (const OrderLevel level : order_levels)
+        for (const Key& key : keys_) {
+            const int order = compare_values(level, left[key.column], right[key.column]);
+            if (order != 0) return key.is_descending ? order > 0 : order < 0;
+        }
     return a < b;
 }
 

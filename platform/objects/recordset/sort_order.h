@@ -6,7 +6,9 @@
 
 namespace orvo::recordset {
 
-// An order of records: by one column after the other, and by their age among equals.
+// An order of records: by one column after the other, and by their age among equals. Accents count
+// where the letters of all columns are the same, case where the accents are, too: that somebody
+// spells a name in capitals does not keep the next column from putting people in order.
 class SortOrder {
 public:
     SortOrder() = default;

@@ -41,8 +41,9 @@ const Variant& first_of(const Variant& value, Variant& storage) {
     return storage;
 }
 
-int compare_single(const Variant& a, const Variant& b) {
-    if (a.is_text() && b.is_text()) return compare_ignoring_case(a.text_view(), b.text_view());
+int compare_single(OrderLevel level, const Variant& a, const Variant& b) {
+    if (a.is_text() && b.is_text()) return compare_at(level, a.text_view(), b.text_view());
+    if (level != OrderLevel::letters) return 0;
     const Rank rank = rank_of(a);
     if (rank != rank_of(b)) return compared<int>(rank, rank_of(b));
     return rank == number ? compare_numbers(a, b) : 0;
@@ -50,11 +51,11 @@ int compare_single(const Variant& a, const Variant& b) {
 
 }  // namespace
 
-int compare_values(const Variant& left, const Variant& right) {
-    if (!left.is_array() && !right.is_array()) return compare_single(left, right);
+int compare_values(OrderLevel level, const Variant& left, const Variant& right) {
+    if (!left.is_array() && !right.is_array()) return compare_single(level, left, right);
     Variant left_storage;
     Variant right_storage;
-    return compare_single(first_of(left, left_storage), first_of(right, right_storage));
+    return compare_single(level, first_of(left, left_storage), first_of(right, right_storage));
 }
 
 }  // namespace orvo::recordset

@@ -12,9 +12,10 @@ std::optional<std::size_t> View::find(RecordId id) const {
     return static_cast<std::size_t>(found - records_.begin());
 }
 
-void View::set(SortOrder order, Condition condition) {
+void View::set(SortOrder order, Condition condition, bool shows_deleted) {
     order_ = std::move(order);
     condition_ = std::move(condition);
+    shows_deleted_ = shows_deleted;
     rebuild();
 }
 
@@ -58,7 +59,9 @@ std::optional<std::size_t> View::move(std::size_t place) {
 }
 
 bool View::lets_through(RecordId id) const {
-    return !(*store_)[id].is_deleted() && (!condition_ || condition_(*store_, id));
+    const Record& record = (*store_)[id];
+    if (record.is_gone() || (record.is_deleted() && !shows_deleted_)) return false;
+    return !condition_ || condition_(*store_, id);
 }
 
 }  // namespace orvo::recordset

@@ -24,8 +24,9 @@ public:
     RecordId operator[](std::size_t place) const { return records_[place]; }
     std::optional<std::size_t> find(RecordId id) const;
 
-    // An empty condition lets all records through.
-    void set(SortOrder order, Condition condition);
+    // An empty condition lets all records through. Deleted records that can still be brought back
+    // are seen where `shows_deleted`.
+    void set(SortOrder order, Condition condition, bool shows_deleted = false);
     bool is_current() const { return seen_ == store_->version(); }
     void rebuild();
 
@@ -38,6 +39,7 @@ public:
 
     const SortOrder& order() const { return order_; }
     const Condition& condition() const { return condition_; }
+    bool shows_deleted() const { return shows_deleted_; }
 
 private:
     bool lets_through(RecordId id) const;
@@ -45,6 +47,7 @@ private:
     std::shared_ptr<RecordStore> store_;
     SortOrder order_;
     Condition condition_;
+    bool shows_deleted_ = false;
     std::vector<RecordId> records_;
     std::uint64_t seen_ = 0;
 };

@@ -116,6 +116,32 @@ TEST_F(EditingTest, UpdateWithoutAnEditDoesNothing) {
     EXPECT_THAT(names(), ElementsAre("Ann"));
 }
 
+TEST_F(EditingTest, UpdateNeedsARowThatCouldBeChanged) {
+    open_with({u"Ann"});
+    const auto clone = call<&RecordSet::Clone>(rs, adLockReadOnly);
+    EXPECT_EQ(number_raised([&] { call<&RecordSet::Update>(clone, missing, missing); }), 3251);
+    next();
+    EXPECT_EQ(number_raised([&] { update(); }), 3021);
+    previous();
+    erase();
+    EXPECT_EQ(number_raised([&] { update(); }), 3021);
+}
+
+TEST_F(EditingTest, CancelHasNothingToEnd) {
+    call<&RecordSet::Cancel>(rs);
+    open_with({u"Ann"});
+    put(u"name", u"Amy");
+    call<&RecordSet::Cancel>(rs);
+    EXPECT_EQ(edit_mode(), adEditInProgress);
+}
+
+TEST_F(EditingTest, MarshalOptionsAreKept) {
+    EXPECT_EQ(call<&RecordSet::MarshalOptions>(rs), adMarshalAll);
+    call<&RecordSet::SetMarshalOptions>(rs, adMarshalModifiedOnly);
+    EXPECT_EQ(call<&RecordSet::MarshalOptions>(rs), adMarshalModifiedOnly);
+    EXPECT_EQ(number_raised([&] { call<&RecordSet::SetMarshalOptions>(rs, 2); }), 3001);
+}
+
 TEST_F(EditingTest, CancellingANewRowMakesThePreviousOneCurrent) {
     open_with({u"Ann", u"Bob"});
     next();
@@ -202,7 +228,110 @@ TEST_F(EditingTest, ABatchRemembersItsChanges) {
     erase();
     add(4, u"Dee");
     filter(std::int32_t{adFilterPendingRecords});
-    EXPECT_THAT(names(), ElementsAre("Amy", "Dee"));
+    EXPECT_THAT(names(), ElementsAre("Amy", "gap", "Dee")) << "the deleted row is among them";
+    filter(std::int32_t{adFilterNone});
+    EXPECT_THAT(names(), ElementsAre("Amy", "Cid", "Dee"));
+}
+
+TEST_F(EditingTest, ADeletedRowOfABatchShowsItsOriginalAndNoValue) {
+    open_with({u"Ann", u"Bob"}, adLockBatchOptimistic);
+    call<&RecordSet::UpdateBatch>(rs, adAffectAll);
+    erase();
+    filter(std::int32_t{adFilterPendingRecords});
+    EXPECT_EQ(count(), 1);
+    EXPECT_EQ(status(), adRecDeleted);
+    EXPECT_EQ(edit_mode(), adEditDelete);
+    EXPECT_EQ(original(u"name"), Variant(u"Ann"));
+    EXPECT_EQ(number_raised([&] { get(u"name"); }), 3021);
+    EXPECT_EQ(number_raised([&] { put(u"name", u"Amy"); }), 3021);
+    EXPECT_EQ(number_raised([&] { erase(); }), 3021);
+    EXPECT_EQ(
+        number_raised([&] { call<&RecordSet::GetRows>(rs, adGetRowsRest, missing, missing); }),
+        3021);
+}
+
+TEST_F(EditingTest, TheCurrentRowsChangesAloneCanBeMadeFinalOrTakenBack) {
+    open_with({u"Ann", u"Bob", u"Cid"}, adLockBatchOptimistic);
+    call<&RecordSet::UpdateBatch>(rs, adAffectAll);
+    put(u"name", u"Amy");
+    next();
+    put(u"name", u"Ben");
+    next();
+    put(u"name", u"Cyd");
+    call<&RecordSet::UpdateBatch>(rs, adAffectCurrent);
+    EXPECT_EQ(status(), adRecUnmodified) << "the edit in progress is ended first";
+    first();
+    EXPECT_EQ(status(), adRecModified);
+    call<&RecordSet::CancelBatch>(rs, adAffectCurrent);
+    EXPECT_EQ(here(), "Ann");
+    EXPECT_EQ(status(), adRecUnmodified);
+    call<&RecordSet::CancelBatch>(rs, adAffectAll);
+    EXPECT_THAT(names(), ElementsAre("Ann", "Bob", "Cyd"));
+    EXPECT_EQ(number_raised([&] { call<&RecordSet::UpdateBatch>(rs, adAffectCurrent); }), 3021)
+        << "there is no row behind the last";
+}
+
+TEST_F(EditingTest, ADeletedRowIsBackWhenItsDeletionIsTakenBack) {
+    open_with({u"Ann", u"Bob"}, adLockBatchOptimistic);
+    call<&RecordSet::UpdateBatch>(rs, adAffectAll);
+    erase();
+    EXPECT_EQ(here(), "gap");
+    call<&RecordSet::CancelBatch>(rs, adAffectCurrent);
+    EXPECT_EQ(here(), "Ann");
+    erase();
+    call<&RecordSet::UpdateBatch>(rs, adAffectCurrent);
+    EXPECT_EQ(number_raised([&] { call<&RecordSet::CancelBatch>(rs, adAffectCurrent); }), 3021)
+        << "it is gone for good";
+    EXPECT_THAT(names(), ElementsAre("Bob"));
+}
+
+TEST_F(EditingTest, AFiltersRowsAreAGroupOfABatch) {
+    open_with({u"Ann", u"Bob", u"Cid"}, adLockBatchOptimistic);
+    EXPECT_EQ(number_raised([&] { call<&RecordSet::UpdateBatch>(rs, adAffectGroup); }), 3001)
+        << "there is no filter";
+    EXPECT_EQ(number_raised([&] { call<&RecordSet::UpdateBatch>(rs, 5); }), 3001);
+    filter(u"number >= 2");
+    call<&RecordSet::UpdateBatch>(rs, adAffectGroup);
+    filter(std::int32_t{adFilterPendingRecords});
+    EXPECT_THAT(names(), ElementsAre("Ann"));
+    filter(u"name = 'Bob'");
+    call<&RecordSet::UpdateBatch>(rs, adAffectAll);
+    filter(std::int32_t{adFilterPendingRecords});
+    EXPECT_THAT(names(), ElementsAre("Ann")) << "all are those that a criteria text lets through";
+    call<&RecordSet::UpdateBatch>(rs, adAffectAllChapters);
+    EXPECT_EQ(count(), 0);
+}
+
+TEST_F(EditingTest, TheLastAffectedRowsAreAGroup) {
+    open_with({u"Ann", u"Bob", u"Cid"}, adLockBatchOptimistic);
+    filter(std::int32_t{adFilterAffectedRecords});
+    EXPECT_EQ(count(), 0);
+    filter(std::int32_t{adFilterNone});
+    call<&RecordSet::UpdateBatch>(rs, adAffectAll);
+    filter(std::int32_t{adFilterAffectedRecords});
+    EXPECT_THAT(names(), ElementsAre("Ann", "Bob", "Cid"));
+    filter(std::int32_t{adFilterNone});
+    next();
+    put(u"name", u"Ben");
+    call<&RecordSet::UpdateBatch>(rs, adAffectAll);
+    filter(std::int32_t{adFilterAffectedRecords});
+    EXPECT_THAT(names(), ElementsAre("Ben")) << "what had no changes was not affected";
+    filter(std::int32_t{adFilterNone});
+    last();
+    erase();
+    filter(std::int32_t{adFilterAffectedRecords});
+    EXPECT_EQ(count(), 1);
+    EXPECT_EQ(status(), adRecDeleted);
+}
+
+TEST_F(EditingTest, AllRowsAreFetchedAndNoneIsInConflict) {
+    open_with({u"Ann", u"Bob"});
+    filter(std::int32_t{adFilterFetchedRecords});
+    EXPECT_THAT(names(), ElementsAre("Ann", "Bob"));
+    filter(std::int32_t{adFilterConflictingRecords});
+    EXPECT_EQ(count(), 0);
+    EXPECT_EQ(number_raised([&] { filter(4); }), 3001);
+    EXPECT_EQ(number_raised([&] { filter(6); }), 3001);
 }
 
 TEST_F(EditingTest, ABatchCanBeTakenBack) {
@@ -224,6 +353,15 @@ TEST_F(EditingTest, WithoutABatchItsMembersAreNotThere) {
     open_with({u"Ann"});
     EXPECT_EQ(number_raised([&] { call<&RecordSet::UpdateBatch>(rs, adAffectAll); }), 3251);
     EXPECT_EQ(number_raised([&] { call<&RecordSet::CancelBatch>(rs, adAffectAll); }), 3251);
+    put(u"name", u"Amy");
+    call<&RecordSet::CancelBatch>(rs, adAffectCurrent);
+    EXPECT_EQ(here(), "Ann") << "but for the current row, which is an edit like any other";
+    put(u"name", u"Amy");
+    call<&RecordSet::UpdateBatch>(rs, adAffectCurrent);
+    EXPECT_EQ(edit_mode(), adEditNone);
+    EXPECT_EQ(here(), "Amy");
+    call<&RecordSet::CancelBatch>(rs, adAffectCurrent);
+    EXPECT_EQ(here(), "Amy") << "there is nothing to cancel";
 }
 
 TEST_F(EditingTest, AChangedRowMovesToItsPlaceInTheOrder) {

@@ -44,6 +44,29 @@ TEST_F(Sort, OrdersTextsWithoutRegardToCase) {
     EXPECT_THAT(sorted(u"NAME desc"), ElementsAre("Dee", "cid", "bob", "Ann"));
 }
 
+TEST_F(Sort, PutsAccentsBesideTheirLetters) {
+    open_with({u"Zo\u00EB", u"\u00C9mile", u"Emma", u"Emil", u"emil", u"\u00E9mil", u"Emile"});
+    EXPECT_THAT(sorted(u"name"), ElementsAre("Emil", "emil", "\u00E9mil", "Emile", "\u00C9mile",
+                                             "Emma", "Zo\u00EB"));
+    EXPECT_THAT(sorted(u"name DESC"), ElementsAre("Zo\u00EB", "Emma", "\u00C9mile", "Emile",
+                                                  "\u00E9mil", "emil", "Emil"));
+    EXPECT_THAT(filtered(u"name > 'Emil' AND name < 'Emma'"),
+                ElementsAre("\u00C9mile", "Emile", "\u00E9mil"))
+        << "a filter sees the same order, but for case";
+}
+
+TEST_F(Sort, RegardsCaseOnlyWhereAllColumnsHaveTheSameLetters) {
+    open();
+    add(1, u"SMITH", u"Cid");
+    add(2, u"Smith", u"Bob");
+    add(3, u"smith", u"Ann");
+    add(4, u"Smith", u"cid");
+    sort(u"name, mail");
+    std::vector<std::int32_t> numbers;
+    for (first(); !eof(); next()) numbers.push_back(get(u"number").to<std::int32_t>());
+    EXPECT_THAT(numbers, ElementsAre(3, 2, 1, 4));
+}
+
 TEST_F(Sort, TakesSeveralColumns) {
     open();
     add(2, u"Ann");
@@ -228,7 +251,7 @@ TEST_F(Filter, RefusesWhatItCannotRead) {
     for (const char16_t* text : {u"name", u"(number = 1", u"number = 1)", u"number = 1 name = 'x'",
                                  u"number = 1 AND", u"number = 1ANDname = 'x'"})
         expect_failure(3001, u"ADODB.Recordset", wrong_arguments, [&] { filter(text); });
-    for (const std::int32_t group : {2, 3, 5, 99})
+    for (const std::int32_t group : {4, 6, 99})
         EXPECT_EQ(number_raised([&] { filter(group); }), 3001);
     EXPECT_EQ(count(), 1);
 }
