@@ -64,6 +64,11 @@ Variant* crossing<Variant>::in_place(abi::VARIANT& passed) {
     return detail::in_place(*passed.pvarVal);
 }
 
+Object crossing<Object>::from_late(const Variant& value) {
+    if (!value.is_object()) raise_runtime_error(runtime_error::type_mismatch);
+    return value.to<Object>();
+}
+
 Values crossing<Values>::copy(raw value) {
     if (value == nullptr) return {};
     abi::VARIANT borrowed{};

@@ -268,11 +268,16 @@ struct crossing<Values> : detail::crossing_base<Values, abi::SAFEARRAY*, abi::VT
 };
 
 template <>
-struct crossing<Object> : detail::reference_crossing<Object> {};
+struct crossing<Object> : detail::reference_crossing<Object> {
+    // Raises 13 for what is no object.
+    static Object from_late(const Variant& value);
+};
 
 template <class I>
 struct crossing<Ref<I>> : detail::reference_crossing<Ref<I>> {
-    static Ref<I> from_late(const Variant& value) { return Ref<I>::from(value.to<Object>()); }
+    static Ref<I> from_late(const Variant& value) {
+        return Ref<I>::from(crossing<Object>::from_late(value));
+    }
     static Variant to_late(const Ref<I>& value) { return Variant(value.object()); }
     static std::string idl() { return std::string(table_of<I>.name) + "*"; }
 };

@@ -4,6 +4,7 @@
 
 #include "platform/interfaces/border.h"
 #include "platform/interfaces/short_list.h"
+#include "platform/interfaces/standard_slots.h"
 #include "platform/system/type_library.h"
 #include "platform/values/case_folding.h"
 
@@ -26,12 +27,15 @@ std::uint32_t name_key(TextView name) {
     return key;
 }
 
-// Members' names are ASCII.
-bool is_named(const LateMember& member, TextView name) {
-    const std::string_view own = member.row->name;
+// Names of members and parameters are ASCII.
+bool is_same_name(std::string_view own, TextView name) {
     return std::ranges::equal(own, name, [](char a, char16_t b) {
         return folded(static_cast<unsigned char>(a)) == folded(b);
     });
+}
+
+bool is_named(const LateMember& member, TextView name) {
+    return is_same_name(member.row->name, name);
 }
 
 bool is_null_guid(const abi::IID* id) { return id == nullptr || *id == abi::IID{}; }
@@ -62,32 +66,91 @@ HRESULT conversion_code(const Failure& failure) {
             return abi::disp_e_overflow;
         case runtime_error::type_mismatch:
         case runtime_error::invalid_use_of_null:
+        case runtime_error::object_not_set:
             return abi::disp_e_typemismatch;
         default:
             return result_of_number(failure.number);
     }
 }
 
+// The arguments of one call by what they are for: those that stand in their places come first, then
+// those that name their parameter, and of an assignment the new value.
+class PassedArguments {
+public:
+    PassedArguments(abi::DISPPARAMS& passed, bool is_put)
+        : passed_(passed), placed_(passed.cArgs - passed.cNamedArgs) {
+        if (!is_put) return;
+        for (std::uint32_t i = 0; i < passed.cNamedArgs && value_ == nullptr; ++i)
+            if (passed.rgdispidNamedArgs[i] == abi::DISPID_PROPERTYPUT) value_ = &passed.rgvarg[i];
+        if (value_ != nullptr || placed_ == 0) return;
+        value_ = &passed.rgvarg[passed.cNamedArgs];  // not said to be the value: it stands last
+        --placed_;
+    }
+
+    std::size_t placed_count() const { return placed_; }
+    abi::VARIANT* placed(std::size_t index) const {
+        return &passed_.rgvarg[passed_.cArgs - 1 - index];
+    }
+    // Of an assignment; null where there is none.
+    abi::VARIANT* value() const { return value_; }
+    bool has_names() const { return passed_.cNamedArgs > (value_is_named() ? 1u : 0u); }
+    // Calls visit(number of the parameter, argument) until it answers a failure, which is answered.
+    template <class Visit>
+    HRESULT for_each_named(Visit visit) const {
+        for (std::uint32_t i = 0; i < passed_.cNamedArgs; ++i) {
+            if (&passed_.rgvarg[i] == value_) continue;
+            const HRESULT code = visit(passed_.rgdispidNamedArgs[i], &passed_.rgvarg[i]);
+            if (abi::failed(code)) return code;
+        }
+        return abi::s_ok;
+    }
+    std::uint32_t number_of(const abi::VARIANT* argument) const {
+        return static_cast<std::uint32_t>(argument - passed_.rgvarg);
+    }
+    // Those behind the first `taken` ones in their places.
+    abi::DISPPARAMS behind(std::size_t taken) const {
+        abi::DISPPARAMS rest = passed_;
+        rest.cArgs -= static_cast<std::uint32_t>(taken);
+        return rest;
+    }
+
+private:
+    bool value_is_named() const {
+        return value_ != nullptr && value_ < passed_.rgvarg + passed_.cNamedArgs;
+    }
+
+    abi::DISPPARAMS& passed_;
+    std::size_t placed_;
+    abi::VARIANT* value_ = nullptr;
+};
+
 class LateCall {
 public:
-    LateCall(Face& face, abi::DISPPARAMS& passed, bool is_put)
-        : face_(face), passed_(passed), is_put_(is_put) {}
+    LateCall(Face& face, const PassedArguments& passed) : face_(face), passed_(passed) {}
 
-    // Calls `member` with the first arguments that it has parameters for; `taken` of them were
-    // used. Answers a code that is no failure of the member itself, or raises.
-    HRESULT run(const LateMember& member, std::size_t taken, Variant& result,
+    // Calls `member` with the first `taken` arguments in their places, with the named ones and, as
+    // its last one, with `value` where that is not null. Answers a code that is no failure of the
+    // member itself, or raises.
+    HRESULT run(const LateMember& member, std::size_t taken, abi::VARIANT* value, Variant& result,
                 std::uint32_t* bad_argument) {
         const std::size_t arity = member.row->arity;
+        const std::size_t places = value != nullptr ? arity - 1 : arity;
         const ShortList<abi::VARIANT*> values(arity);
-        if (is_put_ && taken > 0) {  // the new value is the last parameter, whatever indices lack
-            for (std::size_t i = 0; i + 1 < taken; ++i) values[i] = argument(i);
-            values[arity - 1] = argument(taken - 1);
-        } else {
-            for (std::size_t i = 0; i < taken; ++i) values[i] = argument(i);
-        }
+        for (std::size_t i = 0; i < taken; ++i) values[i] = passed_.placed(i);
+        if (value != nullptr) values[arity - 1] = value;
+        const HRESULT named = passed_.for_each_named([&](abi::DISPID number, abi::VARIANT* given) {
+            const auto place = static_cast<std::size_t>(number);
+            if (number >= 0 && place < places && values[place] == nullptr) {
+                values[place] = given;
+                return abi::s_ok;
+            }
+            if (bad_argument != nullptr) *bad_argument = passed_.number_of(given);
+            return abi::disp_e_paramnotfound;
+        });
+        if (abi::failed(named)) return named;
         for (std::size_t i = 0; i < arity; ++i) {
             if (values[i] != nullptr && refers_to_nothing(*values[i])) {
-                if (bad_argument != nullptr) *bad_argument = place_of(values[i]);
+                if (bad_argument != nullptr) *bad_argument = passed_.number_of(values[i]);
                 return abi::e_invalidarg;
             }
             if (values[i] != nullptr && is_missing(*values[i])) values[i] = nullptr;
@@ -101,16 +164,13 @@ public:
         } catch (const Failure& failure) {
             if (arguments.converting < 0) throw;
             if (bad_argument != nullptr)
-                *bad_argument = place_of(values[static_cast<std::size_t>(arguments.converting)]);
+                *bad_argument =
+                    passed_.number_of(values[static_cast<std::size_t>(arguments.converting)]);
             return conversion_code(failure);
         }
     }
 
 private:
-    abi::VARIANT* argument(std::size_t index) { return &passed_.rgvarg[passed_.cArgs - 1 - index]; }
-    std::uint32_t place_of(const abi::VARIANT* value) const {
-        return static_cast<std::uint32_t>(value - passed_.rgvarg);
-    }
     static bool refers_to_nothing(const abi::VARIANT& value) {
         auto is_null = [](const abi::VARIANT& reference) {
             return reference.vt & abi::VT_BYREF && reference.byref == nullptr;
@@ -123,8 +183,7 @@ private:
     }
 
     Face& face_;
-    abi::DISPPARAMS& passed_;
-    bool is_put_;
+    const PassedArguments& passed_;
 };
 
 // What a call asks for: a member of one shape, or a member whose result's default member takes the
@@ -135,14 +194,17 @@ struct Plan {
     bool goes_on = false;
 };
 
+// The setter that an assignment asks for. One by reference (VBScript's Set) is for setters that
+// take references. One by value takes any, and so does one that leaves it open.
+const LateMember* setter_for(const InterfaceInfo& info, abi::DISPID id, std::uint16_t flags) {
+    if (flags & abi::DISPATCH_PROPERTYPUT)
+        if (const LateMember* setter = info.find(id, Shape::put)) return setter;
+    return info.find(id, Shape::put_reference);
+}
+
+// `count`: of the arguments in their places, without an assignment's value.
 Plan plan_call(const InterfaceInfo& info, abi::DISPID id, std::uint16_t flags, std::size_t count) {
-    const bool is_put = flags & (abi::DISPATCH_PROPERTYPUT | abi::DISPATCH_PROPERTYPUTREF);
-    if (is_put) {
-        const Shape asked = flags & abi::DISPATCH_PROPERTYPUT ? Shape::put : Shape::put_reference;
-        const Shape other = asked == Shape::put ? Shape::put_reference : Shape::put;
-        for (Shape shape : {asked, other})
-            if (const LateMember* member = info.find(id, shape)) return {member, count, false};
-    } else {
+    if (!(flags & (abi::DISPATCH_PROPERTYPUT | abi::DISPATCH_PROPERTYPUTREF))) {
         if (const LateMember* property = info.find(id, Shape::get)) {
             const std::size_t arity = property->row->arity;
             return {property, std::min(arity, count), count > arity};
@@ -150,10 +212,11 @@ Plan plan_call(const InterfaceInfo& info, abi::DISPID id, std::uint16_t flags, s
         // A method is not carried out with arguments that it has no parameters for.
         return {info.find(id, Shape::method), count, false};
     }
+    if (const LateMember* setter = setter_for(info, id, flags)) return {setter, count, false};
     // Without an index there is nothing to hand on: the property is read-only.
-    if (count < 2) return {};
+    if (count == 0) return {};
     if (const LateMember* holder = info.find(id, Shape::get))
-        return {holder, std::min(holder->row->arity, count - 1), true};
+        return {holder, std::min(holder->row->arity, count), true};
     return {};
 }
 
@@ -187,6 +250,19 @@ abi::DISPID InterfaceInfo::id_of(TextView name) const {
     return abi::DISPID_UNKNOWN;
 }
 
+abi::DISPID InterfaceInfo::parameter_of(abi::DISPID id, TextView name) const {
+    for (const LateMember& member : members) {
+        if (member.id != id) continue;
+        const bool is_setter =
+            member.row->shape == Shape::put || member.row->shape == Shape::put_reference;
+        const std::size_t count = member.row->arity - (is_setter ? 1 : 0);
+        for (std::size_t place = 0; place < count; ++place)
+            if (is_same_name(member.row->parameters[place].name, name))
+                return static_cast<abi::DISPID>(place);
+    }
+    return abi::DISPID_UNKNOWN;
+}
+
 const LateMember* InterfaceInfo::find(abi::DISPID id, Shape shape) const {
     const auto asked = static_cast<std::uint32_t>(id);
     for (const Key& key : std::ranges::equal_range(by_id, asked, {}, &Key::value))
@@ -214,9 +290,13 @@ HRESULT get_ids_of_names(Face* face, const abi::IID* reserved, const char16_t** 
     if (!is_null_guid(reserved)) return abi::disp_e_unknowninterface;
     if (names == nullptr || ids == nullptr) return abi::e_pointer;
     HRESULT code = abi::s_ok;
+    // The member's name, then those of parameters, which are known by their places.
     for (std::uint32_t i = 0; i < count; ++i) {
-        // Only the member has a number; parameters are passed by place.
-        ids[i] = i == 0 && names[0] != nullptr ? face->info->id_of(names[0]) : abi::DISPID_UNKNOWN;
+        if (names[i] == nullptr || (i > 0 && ids[0] == abi::DISPID_UNKNOWN))
+            ids[i] = abi::DISPID_UNKNOWN;
+        else
+            ids[i] =
+                i == 0 ? face->info->id_of(names[0]) : face->info->parameter_of(ids[0], names[i]);
         if (ids[i] == abi::DISPID_UNKNOWN) code = abi::disp_e_unknownname;
     }
     return code;
@@ -230,32 +310,33 @@ HRESULT invoke(Face* face, abi::DISPID id, const abi::IID* reserved, abi::LCID, 
     if (!face->core->is_called_at_home()) return abi::rpc_e_wrong_thread;
     abi::DISPPARAMS none{};
     if (passed == nullptr) passed = &none;
-    if ((passed->cArgs != 0 && passed->rgvarg == nullptr) ||
+    const bool is_put = flags & (abi::DISPATCH_PROPERTYPUT | abi::DISPATCH_PROPERTYPUTREF);
+    if (is_put && passed->cArgs == 0) return abi::disp_e_badparamcount;
+    if ((passed->cArgs != 0 && passed->rgvarg == nullptr) || passed->cNamedArgs > passed->cArgs ||
         (passed->cNamedArgs != 0 && passed->rgdispidNamedArgs == nullptr))
         return abi::e_invalidarg;
-    const bool is_put = flags & (abi::DISPATCH_PROPERTYPUT | abi::DISPATCH_PROPERTYPUTREF);
-    const bool names_the_value = is_put && passed->cNamedArgs == 1 &&
-                                 passed->rgdispidNamedArgs[0] == abi::DISPID_PROPERTYPUT;
-    if (passed->cNamedArgs != 0 && !names_the_value) return abi::disp_e_nonamedargs;
-    if (is_put && passed->cArgs == 0) return abi::disp_e_badparamcount;
+    const PassedArguments arguments(*passed, is_put);
+    if (is_put && arguments.value() == nullptr) return abi::disp_e_badparamcount;
 
-    const Plan plan = plan_call(*face->info, id, flags, passed->cArgs);
+    const Plan plan = plan_call(*face->info, id, flags, arguments.placed_count());
     if (plan.member == nullptr) return abi::disp_e_membernotfound;
-    if (plan.taken > plan.member->row->arity) return abi::disp_e_badparamcount;
+    if (plan.goes_on && arguments.has_names()) return abi::disp_e_nonamedargs;
+    abi::VARIANT* new_value = plan.goes_on ? nullptr : arguments.value();
+    if (plan.taken + (new_value != nullptr ? 1 : 0) > plan.member->row->arity)
+        return abi::disp_e_badparamcount;
     try {
         Variant value;
-        LateCall call(*face, *passed, is_put && !plan.goes_on);
-        const HRESULT code = call.run(*plan.member, plan.taken, value, bad_argument);
+        LateCall call(*face, arguments);
+        const HRESULT code = call.run(*plan.member, plan.taken, new_value, value, bad_argument);
         if (abi::failed(code)) return code;
         if (plan.goes_on) {
             const Object holder = as_object(value);
             if (!holder) return abi::disp_e_badparamcount;
-            abi::DISPPARAMS rest = *passed;
-            rest.cArgs -= static_cast<std::uint32_t>(plan.taken);
-            return invoke_default(holder, flags, rest, result, failure, bad_argument);
+            return invoke_default(holder, flags, arguments.behind(plan.taken), result, failure,
+                                  bad_argument);
         }
         if (result != nullptr) value.detach(*result);
-        return abi::s_ok;
+        return answered(abi::s_ok);
     } catch (...) {
         return report_current_exception_late(failure, *face->core, plan.member->row->name);
     }

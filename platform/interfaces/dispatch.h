@@ -39,6 +39,9 @@ struct InterfaceInfo {
     // By name in any case.
     abi::DISPID id_of(TextView name) const;
     const LateMember* find(abi::DISPID id, Shape shape) const;
+    // The place of a parameter of a member, by its name in any case; not of the value that a setter
+    // takes.
+    abi::DISPID parameter_of(abi::DISPID id, TextView name) const;
 
     // Every object of the class asks here for each call that a script makes: what is compared
     // stands together, and the members themselves are looked at only where it agrees.

@@ -41,9 +41,9 @@ void put_standard_slots(abi::Slot* slots, bool dispatch) {
     slots[abi::slot_invoke] = reinterpret_cast<abi::Slot>(&invoke);
 }
 
-abi::HRESULT reserved_slot() { return refused(abi::e_notimpl); }
+abi::HRESULT reserved_slot() { return answered(abi::e_notimpl); }
 
-abi::HRESULT refused(abi::HRESULT code) noexcept {
+abi::HRESULT answered(abi::HRESULT code) noexcept {
     abi::SetErrorInfo(0, nullptr);
     return code;
 }

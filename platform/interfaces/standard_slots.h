@@ -15,6 +15,6 @@ abi::HRESULT reserved_slot();
 
 // Answers a code that comes without an error object; one that an earlier call left is taken away,
 // so that nobody takes it for this call's.
-abi::HRESULT refused(abi::HRESULT code) noexcept;
+abi::HRESULT answered(abi::HRESULT code) noexcept;
 
 }  // namespace orvo::detail

@@ -15,6 +15,7 @@
 
 #include <array>
 #include <cstddef>
+#include <string_view>
 #include <tuple>
 #include <type_traits>
 
@@ -77,6 +78,8 @@ struct RowData {
     std::size_t arity = 0;
     abi::DISPID dispid = detail::automatic_id;
     bool is_hidden = false;
+    // What an object browser says of the member.
+    const char* help = "";
     // Of reserved slots: their numbers among the interface's own operations, counted from 1.
     int first_reserved = 0;
     int last_reserved = 0;
@@ -98,6 +101,12 @@ struct Row {
     constexpr Row hidden() const {
         Row row = *this;
         row.data.is_hidden = true;
+        return row;
+    }
+    // One sentence for people; a setter that follows its getter has the getter's.
+    constexpr Row help(const char* text) const {
+        Row row = *this;
+        row.data.help = text;
         return row;
     }
 };
@@ -200,6 +209,10 @@ consteval auto make_table(const char* name, abi::IID iid, bool dispatch, members
             for (const RowData& row : item.data) table.rows[index++] = row;
     };
     (copy(items), ...);
+    for (std::size_t i = 1; i < table.rows.size(); ++i)
+        if (*table.rows[i].help == '\0' &&
+            std::string_view(table.rows[i].name) == table.rows[i - 1].name)
+            table.rows[i].help = table.rows[i - 1].help;
 
     const std::size_t first = dispatch ? 7 : 3;
     std::size_t next = first;

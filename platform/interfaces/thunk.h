@@ -82,10 +82,10 @@ struct vtable_thunk<M, row, R (I::*)(P...)> {
     }
 
     static abi::HRESULT without_result(Face* face, raw_argument<P>... raw) noexcept {
-        if (!face->core->is_called_at_home()) return refused(abi::rpc_e_wrong_thread);
+        if (!face->core->is_called_at_home()) return answered(abi::rpc_e_wrong_thread);
         try {
             run(*static_cast<I*>(face->target), raw...);
-            return abi::s_ok;
+            return answered(abi::s_ok);
         } catch (...) {
             return report_current_exception(table_of<I>.iid, *face->core, name);
         }
@@ -93,12 +93,12 @@ struct vtable_thunk<M, row, R (I::*)(P...)> {
 
     template <class Raw>
     static abi::HRESULT with_result(Face* face, raw_argument<P>... raw, Raw* result) noexcept {
-        if (result == nullptr) return refused(abi::e_pointer);
+        if (result == nullptr) return answered(abi::e_pointer);
         *result = crossing<natural<R>>::none;
-        if (!face->core->is_called_at_home()) return refused(abi::rpc_e_wrong_thread);
+        if (!face->core->is_called_at_home()) return answered(abi::rpc_e_wrong_thread);
         try {
             *result = crossing<natural<R>>::give(run(*static_cast<I*>(face->target), raw...));
-            return abi::s_ok;
+            return answered(abi::s_ok);
         } catch (...) {
             return report_current_exception(table_of<I>.iid, *face->core, name);
         }

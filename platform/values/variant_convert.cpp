@@ -7,11 +7,22 @@
 namespace orvo {
 namespace {
 
+// Whether the system, or the object asked for its default value, said no more than that there is no
+// value of this kind to be had.
+bool is_refusal(abi::HRESULT result) {
+    constexpr std::uint32_t dispatch_facility = 0x80020000u;
+    const auto code = static_cast<std::uint32_t>(result);
+    return ((code & 0xFFFF0000u) == dispatch_facility && result != abi::disp_e_overflow) ||
+           result == abi::e_notimpl || result == abi::e_nointerface;
+}
+
 [[noreturn]] void raise_conversion(const abi::VARIANT& from, abi::HRESULT result) {
     if (from.vt == abi::VT_NULL) raise_runtime_error(runtime_error::invalid_use_of_null);
     if (from.vt == abi::VT_DISPATCH && !from.pdispVal) {
         raise_runtime_error(runtime_error::object_not_set);
     }
+    const bool is_object = from.vt == abi::VT_DISPATCH || from.vt == abi::VT_UNKNOWN;
+    if (is_object && is_refusal(result)) raise_runtime_error(runtime_error::type_mismatch);
     raise_runtime_error(number_of_result(result));
 }
 

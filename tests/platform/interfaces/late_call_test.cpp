@@ -1,7 +1,8 @@
 #include "platform/interfaces/late_call.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
+#include <algorithm>
 #include <thread>
 
 #include "platform/interfaces/call.h"
@@ -53,6 +54,36 @@ protected:
     }
     ~LateCall() override { abi::VariantClear(&result); }
 
+    abi::HRESULT invoke_with(abi::DISPID member, std::uint16_t flags, abi::DISPPARAMS params) {
+        static constexpr abi::IID none{};
+        abi::VariantClear(&result);
+        return abi::call_slot<abi::HRESULT, abi::DISPID, const abi::IID*, abi::LCID, std::uint16_t,
+                              abi::DISPPARAMS*, abi::VARIANT*, abi::EXCEPINFO*, std::uint32_t*>(
+            probe.get(), abi::slot_invoke, member, &none, 0x409, flags, &params, &result, nullptr,
+            &bad_argument);
+    }
+    // The first arguments have these names; those without stand behind them, the last one first.
+    abi::HRESULT named(const char16_t* member, std::vector<Variant> arguments,
+                       std::vector<abi::DISPID> names) {
+        std::vector<abi::VARIANT> raw;
+        for (const Variant& argument : arguments) raw.push_back(*argument.get());
+        return invoke_with(id(member), abi::DISPATCH_METHOD,
+                           {raw.data(), names.data(), static_cast<std::uint32_t>(raw.size()),
+                            static_cast<std::uint32_t>(names.size())});
+    }
+    Variant answer() const { return Variant::copy_of(result); }
+    std::vector<abi::DISPID> ids(std::vector<const char16_t*> names) {
+        static constexpr abi::IID none{};
+        std::vector<abi::DISPID> found(names.size());
+        const abi::HRESULT code = abi::call_slot<abi::HRESULT, const abi::IID*, const char16_t**,
+                                                 std::uint32_t, abi::LCID, abi::DISPID*>(
+            probe.get(), abi::slot_get_ids_of_names, &none, names.data(),
+            static_cast<std::uint32_t>(names.size()), 0, found.data());
+        const bool knows_all = std::ranges::count(found, abi::DISPID_UNKNOWN) == 0;
+        EXPECT_EQ(code, knows_all ? abi::s_ok : abi::disp_e_unknownname);
+        return found;
+    }
+
     static abi::VARIANT text(const char16_t* value) { return detached(Variant(value)); }
     static abi::VARIANT detached(Variant value) {
         abi::VARIANT raw{};
@@ -61,6 +92,7 @@ protected:
     }
 
     abi::VARIANT result{};
+    std::uint32_t bad_argument = 99;
 };
 
 TEST_F(LateCall, FindsMembersWithoutRegardToCase) {
@@ -147,9 +179,110 @@ TEST_F(LateCall, PutsWithAnIndexAndThroughTheDefaultMember) {
     abi::VARIANT key = text(u"q");
     EXPECT_EQ(invoke(abi::DISPID_VALUE, 4, {value, key}), abi::s_ok);
     EXPECT_EQ(late::get(probe, u"Name"), Variant(u"q=v"));
-    EXPECT_EQ(invoke(abi::DISPID_VALUE, 8, {value, key}), abi::s_ok) << "by reference too";
     abi::VariantClear(&value);
     abi::VariantClear(&key);
+}
+
+TEST_F(LateCall, SetsByReferenceOnlyWhatTakesReferences) {
+    abi::VARIANT object = detached(Variant(probe));
+    abi::VARIANT value = text(u"v");
+    EXPECT_EQ(invoke(id(u"Name"), abi::DISPATCH_PROPERTYPUTREF, {object}),
+              abi::disp_e_membernotfound);
+    EXPECT_EQ(invoke(id(u"Name"), abi::DISPATCH_PROPERTYPUTREF, {value}),
+              abi::disp_e_membernotfound);
+    EXPECT_EQ(late::get(probe, u"Name"), Variant(u"probe")) << "nothing was written";
+    constexpr std::uint16_t either = abi::DISPATCH_PROPERTYPUT | abi::DISPATCH_PROPERTYPUTREF;
+    EXPECT_EQ(invoke(id(u"Name"), either, {value}), abi::s_ok);
+    EXPECT_EQ(late::get(probe, u"Name"), Variant(u"v"));
+    abi::VariantClear(&object);
+    abi::VariantClear(&value);
+}
+
+TEST_F(LateCall, KnowsParametersByTheirNamesInAnyCase) {
+    EXPECT_THAT(ids({u"join", u"THIRD", u"first"}), testing::ElementsAre(id(u"Join"), 2, 0));
+    EXPECT_THAT(ids({u"Join", u"fourth", u"second"}),
+                testing::ElementsAre(id(u"Join"), abi::DISPID_UNKNOWN, 1));
+    EXPECT_THAT(ids({u"Nobody", u"first"}),
+                testing::ElementsAre(abi::DISPID_UNKNOWN, abi::DISPID_UNKNOWN));
+    EXPECT_THAT(ids({u"Item", u"key", u"value"}), testing::ElementsAre(0, 0, abi::DISPID_UNKNOWN))
+        << "the new value has no name";
+}
+
+TEST_F(LateCall, TakesNamedArgumentsInAnyOrder) {
+    EXPECT_EQ(named(u"Join", {u"c", u"a"}, {2, 0}), abi::s_ok);
+    EXPECT_EQ(answer(), Variant(u"a||c")) << "what is not named is left out";
+    EXPECT_EQ(named(u"Join", {u"b", u"a"}, {1}), abi::s_ok);
+    EXPECT_EQ(answer(), Variant(u"a|b|missing")) << "those in their places come first";
+    EXPECT_EQ(named(u"Join", {Variant::missing(), u"c", u"a"}, {1, 2}), abi::s_ok);
+    EXPECT_EQ(answer(), Variant(u"a||c"));
+}
+
+TEST_F(LateCall, NamesTheArgumentWhoseNameIsNoParametersOrAnothersToo) {
+    EXPECT_EQ(named(u"Join", {u"x", u"a"}, {3}), abi::disp_e_paramnotfound);
+    EXPECT_EQ(bad_argument, 0u);
+    EXPECT_EQ(named(u"Join", {u"c", u"x", u"a"}, {2, -1}), abi::disp_e_paramnotfound);
+    EXPECT_EQ(bad_argument, 1u);
+    EXPECT_EQ(named(u"Join", {u"x", u"a"}, {0}), abi::disp_e_paramnotfound)
+        << "it stands in its place already";
+    EXPECT_EQ(named(u"Join", {u"b", u"b"}, {1, 1}), abi::disp_e_paramnotfound);
+    EXPECT_EQ(named(u"Join", {u"b"}, {1}), abi::disp_e_paramnotoptional);
+    EXPECT_EQ(named(u"Crash", {u"b"}, {0}), abi::disp_e_paramnotfound);
+    EXPECT_EQ(named(u"Add", {u"abc", 1}, {1, 0}), abi::disp_e_typemismatch);
+    EXPECT_EQ(bad_argument, 0u);
+    EXPECT_EQ(named(u"Join", {u"a"}, {0, 1}), abi::e_invalidarg) << "more names than arguments";
+}
+
+TEST_F(LateCall, WritesNamedArgumentsBack) {
+    abi::BSTR name = abi::SysAllocString(u"Bo");
+    abi::VARIANT argument{};
+    argument.vt = abi::VT_BYREF | abi::VT_BSTR;
+    argument.pbstrVal = &name;
+    abi::DISPID place = 0;
+    ASSERT_EQ(invoke_with(id(u"Greet"), abi::DISPATCH_METHOD, {&argument, &place, 1, 1}),
+              abi::s_ok);
+    EXPECT_EQ(crossing<Text>::take(name), u"Bo!");
+}
+
+TEST_F(LateCall, TakesANamedIndexBesideTheNewValue) {
+    abi::VARIANT arguments[] = {text(u"v"), text(u"k")};
+    for (abi::DISPID value_place : {0, 1}) {
+        abi::DISPID names[] = {value_place == 0 ? abi::DISPID_PROPERTYPUT : 0,
+                               value_place == 0 ? 0 : abi::DISPID_PROPERTYPUT};
+        EXPECT_EQ(
+            invoke_with(abi::DISPID_VALUE, abi::DISPATCH_PROPERTYPUT, {arguments, names, 2, 2}),
+            abi::s_ok);
+        EXPECT_EQ(late::get(probe, u"Name"), Variant(value_place == 0 ? u"k=v" : u"v=k"));
+    }
+    abi::DISPID as_value[] = {abi::DISPID_PROPERTYPUT, 1};
+    EXPECT_EQ(
+        invoke_with(abi::DISPID_VALUE, abi::DISPATCH_PROPERTYPUT, {arguments, as_value, 2, 2}),
+        abi::disp_e_paramnotfound)
+        << "the new value's parameter is not there to be named";
+    for (abi::VARIANT& argument : arguments) abi::VariantClear(&argument);
+}
+
+TEST_F(LateCall, RefusesAnObjectWithoutAValueWhereOneIsWantedAndAValueWhereAnObjectIs) {
+    std::uint32_t bad = 99;
+    const Object valueless = make<Valueless>().object();
+    abi::VARIANT object = detached(Variant(valueless));
+    EXPECT_EQ(invoke(id(u"Greet"), 1, {object}, &bad), abi::disp_e_typemismatch);
+    EXPECT_EQ(bad, 0u);
+    abi::VariantClear(&object);
+    for (const Variant& wrong : {Variant(u"text"), Variant(1), Variant(), Variant::null()})
+        EXPECT_EQ(number_of([&] { late::call(valueless, u"Take", {wrong}); }), 13);
+    EXPECT_EQ(number_of([&] { late::call(probe, u"Greet", {Object()}); }), 13);
+}
+
+TEST_F(LateCall, ThatGoesWellLeavesNoErrorObjectOfAnEarlierOne) {
+    const auto left_after = [&](auto body) {
+        abi::SetErrorInfo(0, probe.get());
+        body();
+        Object left;
+        return abi::GetErrorInfo(0, left.put()) == abi::s_ok;
+    };
+    EXPECT_FALSE(left_after([&] { late::call(probe, u"Add", {1, 2}); }));
+    EXPECT_FALSE(left_after([&] { call<&Probe::Add>(Ref<Probe>::from(probe), 1, 2); }));
+    EXPECT_FALSE(left_after([&] { call<&Probe::SetName>(Ref<Probe>::from(probe), u"n"); }));
 }
 
 TEST_F(LateCall, DoesNotCarryOutAMethodWithTooManyArguments) {

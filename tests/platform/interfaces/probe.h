@@ -52,7 +52,7 @@ private:
 template <>
 inline constexpr auto table_of<Probe> = describe<Probe>(
     "IProbe", "0b5d7c9e-53a1-4a35-8d4b-5c1f6f1d2a01", method<&Probe::Add>("Add", "a", "b"),
-    method<&Probe::Greet>("Greet", "name"), reserved(3, 4), method<&Probe::Swap>("Swap", "a", "b"),
+    method<&Probe::Greet>("Greet", "name").help("Greets somebody."), reserved(3, 4), method<&Probe::Swap>("Swap", "a", "b"),
     method<&Probe::Echo>("Echo", "value"), method<&Probe::Not>("Not", "value"),
     method<&Probe::Half>("Half", "value"), method<&Probe::Twice>("Twice", "value"),
     method<&Probe::NextDay>("NextDay", "day"), method<&Probe::Reverse>("Reverse", "values"),
@@ -119,6 +119,18 @@ template <>
 inline constexpr auto class_of<Ring> = describe_class<Ring>("Test.Ring");
 
 inline Ref<Ring> Ring::Next() { return make<Ring>(); }
+
+// An object without a default member.
+class Valueless {
+public:
+    bool Take(const Object& object) { return static_cast<bool>(object); }
+};
+template <>
+inline constexpr auto table_of<Valueless> =
+    describe<Valueless>("IValueless", "0b5d7c9e-53a1-4a35-8d4b-5c1f6f1d2a06",
+                        method<&Valueless::Take>("Take", "object"));
+template <>
+inline constexpr auto class_of<Valueless> = describe_class<Valueless>("Test.Valueless");
 
 class SharedProbe : public Probe {};
 template <>
