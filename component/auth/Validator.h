@@ -61,10 +61,14 @@ template <>
 inline constexpr auto table_of<Validator> = describe<Validator>(
     "IValidator", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e715",
     method<&Validator::ValidateCredentials>("ValidateCredentials", "iVarUserID", "iVarPassword",
-                                            "iVarOriginalUrl"),
-    method<&Validator::ValidatePassword>("ValidatePassword", "iUserId", "iPassword"),
-    method<&Validator::setServerInfo>("setServerInfo", "i_sConfigurationPath"),
-    method<&Validator::ChangePassword>("ChangePassword", "username", "oldpassword", "newpassword"));
+                                            "iVarOriginalUrl")
+        .help("Logs a user in: negative where the check fails."),
+    method<&Validator::ValidatePassword>("ValidatePassword", "iUserId", "iPassword")
+        .help("Checks a password: negative where it is wrong."),
+    method<&Validator::setServerInfo>("setServerInfo", "i_sConfigurationPath")
+        .help("Loads a site configuration file."),
+    method<&Validator::ChangePassword>("ChangePassword", "username", "oldpassword", "newpassword")
+        .help("Changes a user's password."));
 // clang-format on
 
 extern template struct detail::callee<Validator>;

@@ -24,8 +24,10 @@ template <>
 inline constexpr auto table_of<Log> = describe<Log>(
     "IQuendraLog", "0621d2f8-6009-4f66-a855-2f8d3a15d601",
     reserved(1, 4),
-    method<&Log::LogMessage>("LogMessage", "source", "message", "level"),
-    method<&Log::LogMessageAlternate>("LogMessageAlternate", "source", "message", "level"));
+    method<&Log::LogMessage>("LogMessage", "source", "message", "level")
+        .help("Writes an entry: level 0 is an error, 1 a note."),
+    method<&Log::LogMessageAlternate>("LogMessageAlternate", "source", "message", "level")
+        .help("Writes an entry, as LogMessage does."));
 // clang-format on
 
 }  // namespace orvo

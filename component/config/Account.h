@@ -26,9 +26,10 @@ private:
 template <>
 inline constexpr auto table_of<Account> = describe<Account>(
     "IAccount", "022d2b72-1c79-4081-ae34-7690be8cb84d",
-    method<&Account::Init>("Init", "iUserType"),
-    get<&Account::NTUser>("NTUser"),
-    get<&Account::NTPassword>("NTPassword"));
+    method<&Account::Init>("Init", "iUserType")
+        .help("Binds to the service account of a type of users."),
+    get<&Account::NTUser>("NTUser").help("The account's name."),
+    get<&Account::NTPassword>("NTPassword").help("The account's password."));
 // clang-format on
 
 extern template struct detail::callee<Account>;

@@ -24,9 +24,11 @@ inline constexpr auto table_of<Initialize> = describe<Initialize>(
     "IInitialize", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e71a",
     method<&Initialize::InitializeConnectionPool>("InitializeConnectionPool",
                                                   "i_aPoolParameterNames",
-                                                  "i_aPoolParameterValues"),
+                                                  "i_aPoolParameterValues")
+        .help("Sets the provider's connection pool up."),
     method<&Initialize::InitializeCache>("InitializeCache", "i_aCacheParameterNames",
-                                         "i_aCacheParameterValues"));
+                                         "i_aCacheParameterValues")
+        .help("Sets the provider's cache up."));
 // clang-format on
 
 extern template struct detail::callee<Initialize>;

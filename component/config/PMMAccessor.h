@@ -26,8 +26,10 @@ private:
 template <>
 inline constexpr auto table_of<PMMAccessor> = describe<PMMAccessor>(
     "IPMMAccessor", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e71b",
-    method<&PMMAccessor::InitConfigFile>("InitConfigFile", "sSiteConfigFileName"),
-    method<&PMMAccessor::GetLDAPUsers>("GetLDAPUsers", "productID"));
+    method<&PMMAccessor::InitConfigFile>("InitConfigFile", "sSiteConfigFileName")
+        .help("Loads a site configuration file; comes first."),
+    method<&PMMAccessor::GetLDAPUsers>("GetLDAPUsers", "productID")
+        .help("The users of an application, as a record set."));
 // clang-format on
 
 extern template struct detail::callee<PMMAccessor>;

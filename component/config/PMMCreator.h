@@ -32,10 +32,12 @@ private:
 template <>
 inline constexpr auto table_of<PMMCreator> = describe<PMMCreator>(
     "IPMMCreator", "b6c8f471-05d1-4dc5-8502-73bbfc1c5006",
-    method<&PMMCreator::GetPMMSchema>("GetPMMSchema"),
-    method<&PMMCreator::GetPMMObject>("GetPMMObject"),
-    method<&PMMCreator::GetPMMSearch>("GetPMMSearch"),
-    method<&PMMCreator::GetPMMValidator>("GetPMMValidator"));
+    method<&PMMCreator::GetPMMSchema>("GetPMMSchema").help("The provider's object for the schema."),
+    method<&PMMCreator::GetPMMObject>("GetPMMObject")
+        .help("A provider's entry object, not yet bound."),
+    method<&PMMCreator::GetPMMSearch>("GetPMMSearch").help("A provider's search object."),
+    method<&PMMCreator::GetPMMValidator>("GetPMMValidator")
+        .help("A provider's password check, opened for the users."));
 // clang-format on
 
 extern template struct detail::callee<PMMCreator>;

@@ -113,28 +113,46 @@ private:
 template <>
 inline constexpr auto table_of<ServerInfo> = describe<ServerInfo>(
     "IServerInfo", "19041d22-35a4-4296-862c-dd49911e25a9",
-    method<&ServerInfo::GetMemScriptUser>("GetMemScriptUser"),
-    method<&ServerInfo::GetMemScriptCode>("GetMemScriptCode"),
-    method<&ServerInfo::GetServerName>("GetServerName"),
-    method<&ServerInfo::GetPMMImplementation>("GetPMMImplementation"),
-    method<&ServerInfo::GetProfileContainer>("GetProfileContainer"),
-    method<&ServerInfo::GetUserContainer>("GetUserContainer"),
-    method<&ServerInfo::GetAccountContainer>("GetAccountContainer"),
-    method<&ServerInfo::GetCookieName>("GetCookieName"),
-    method<&ServerInfo::GetProfileClass>("GetProfileClass"),
-    method<&ServerInfo::GetUserClass>("GetUserClass"),
-    method<&ServerInfo::GetAccountClass>("GetAccountClass"),
-    method<&ServerInfo::GetUserNamingAttribute>("GetUserNamingAttribute"),
-    method<&ServerInfo::GetProfileNamingAttribute>("GetProfileNamingAttribute"),
-    method<&ServerInfo::GetAccountNamingAttribute>("GetAccountNamingAttribute"),
-    method<&ServerInfo::GetUserMandatoryAttributes>("GetUserMandatoryAttributes"),
-    method<&ServerInfo::FullUserPath>("FullUserPath", "iUser"),
+    method<&ServerInfo::GetMemScriptUser>("GetMemScriptUser")
+        .help("The full name of the membership script account."),
+    method<&ServerInfo::GetMemScriptCode>("GetMemScriptCode")
+        .help("The password of the membership script account."),
+    method<&ServerInfo::GetServerName>("GetServerName").help("The directory server."),
+    method<&ServerInfo::GetPMMImplementation>("GetPMMImplementation")
+        .help("The ProgID of the directory provider."),
+    method<&ServerInfo::GetProfileContainer>("GetProfileContainer")
+        .help("The full name of the profiles' container."),
+    method<&ServerInfo::GetUserContainer>("GetUserContainer")
+        .help("The full name of the users' container."),
+    method<&ServerInfo::GetAccountContainer>("GetAccountContainer")
+        .help("The full name of the service accounts' container."),
+    method<&ServerInfo::GetCookieName>("GetCookieName").help("The name of the login cookie."),
+    method<&ServerInfo::GetProfileClass>("GetProfileClass").help("The object class of profiles."),
+    method<&ServerInfo::GetUserClass>("GetUserClass")
+        .help("The object classes of users, as an array."),
+    method<&ServerInfo::GetAccountClass>("GetAccountClass")
+        .help("The object class of service accounts."),
+    method<&ServerInfo::GetUserNamingAttribute>("GetUserNamingAttribute")
+        .help("The attribute that names users."),
+    method<&ServerInfo::GetProfileNamingAttribute>("GetProfileNamingAttribute")
+        .help("The attribute that names profiles."),
+    method<&ServerInfo::GetAccountNamingAttribute>("GetAccountNamingAttribute")
+        .help("The attribute that names service accounts."),
+    method<&ServerInfo::GetUserMandatoryAttributes>("GetUserMandatoryAttributes")
+        .help("What every new user must have, as an array."),
+    method<&ServerInfo::FullUserPath>("FullUserPath", "iUser")
+        .help("The distinguished name of a user."),
     method<&ServerInfo::makeLDAPString>("makeLDAPString", "iHost", "iContainer",
-                                        optional("iObject")),
-    method<&ServerInfo::LoadConfigFile>("LoadConfigFile", "i_oConfiguration"),
-    method<&ServerInfo::SetConfiguration>("SetConfiguration", "i_sConfigPath"),
-    method<&ServerInfo::GetConfigFileName>("GetConfigFileName"),
-    get<&ServerInfo::ConfigurationPath>("ConfigurationPath").as_default().hidden());
+                                        optional("iObject"))
+        .help("The directory URL of an object in a container."),
+    method<&ServerInfo::LoadConfigFile>("LoadConfigFile", "i_oConfiguration")
+        .help("Fills what is still empty from a configuration."),
+    method<&ServerInfo::SetConfiguration>("SetConfiguration", "i_sConfigPath")
+        .help("Fills what is still empty from a site file."),
+    method<&ServerInfo::GetConfigFileName>("GetConfigFileName")
+        .help("The configured name of the configuration file."),
+    get<&ServerInfo::ConfigurationPath>("ConfigurationPath").as_default().hidden()
+        .help("The path last given to SetConfiguration."));
 // clang-format on
 
 extern template struct detail::callee<ServerInfo>;

@@ -36,15 +36,22 @@ template <>
 inline constexpr auto table_of<Configuration> = describe<Configuration>(
     "IQuendraConfiguration", "a717e666-a0d2-453a-9357-9dcf856be20b",
     reserved(1, 2),
-    method<&Configuration::GetFolder>("GetFolder"),
-    method<&Configuration::LoadSiteConfigurationFile>("LoadSiteConfigurationFile", "path"),
-    method<&Configuration::LoadConfigurationFile>("LoadConfigurationFile", "path"),
+    method<&Configuration::GetFolder>("GetFolder")
+        .help("The folder that holds the site's configuration file."),
+    method<&Configuration::LoadSiteConfigurationFile>("LoadSiteConfigurationFile", "path")
+        .help("Loads a named site file and answers whether it could."),
+    method<&Configuration::LoadConfigurationFile>("LoadConfigurationFile", "path")
+        .help("Loads a site configuration file."),
     reserved(6),
-    method<&Configuration::ReadConfigValue>("ReadConfigValue", "section", "key"),
-    method<&Configuration::LoadSiteConfig>("LoadSiteConfig", "reload"),
-    method<&Configuration::GetValue2>("GetValue2", "section", "key", "value"),
+    method<&Configuration::ReadConfigValue>("ReadConfigValue", "section", "key")
+        .help("The value of a key; an empty value where there is none."),
+    method<&Configuration::LoadSiteConfig>("LoadSiteConfig", "reload")
+        .help("Loads the site's own file, for late-bound callers."),
+    method<&Configuration::GetValue2>("GetValue2", "section", "key", "value")
+        .help("Puts a key's value into the variable: 0, or 1 where there is none."),
     reserved(10, 21),
-    method<&Configuration::Initialize>("Initialize", "output"));
+    method<&Configuration::Initialize>("Initialize", "output")
+        .help("Loads the site's own file; the output has no meaning."));
 // clang-format on
 
 }  // namespace orvo

@@ -91,26 +91,37 @@ private:
 template <>
 inline constexpr auto table_of<Members> = describe<Members>(
     "IMembers", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e718",
-    method<&Members::BindAs>("BindAs", "iUsername", "iPassword"),
-    method<&Members::setServerInfo>("setServerInfo", "i_sConfigurationPath"),
-    method<&Members::CreateUserOnFormsLogin>("CreateUserOnFormsLogin", "iCommonName", "iPassword"),
-    method<&Members::CreateUser>("CreateUser", "iCommonName", "iPassword"),
-    method<&Members::DeleteUser>("DeleteUser", "iCommonName"),
-    method<&Members::GetUserFromGUID>("GetUserFromGUID", "iGUID"),
+    method<&Members::BindAs>("BindAs", "iUsername", "iPassword")
+        .help("Binds to the users' container."),
+    method<&Members::setServerInfo>("setServerInfo", "i_sConfigurationPath")
+        .help("Loads a site configuration file."),
+    method<&Members::CreateUserOnFormsLogin>("CreateUserOnFormsLogin", "iCommonName", "iPassword")
+        .help("Creates a user with the script account's rights."),
+    method<&Members::CreateUser>("CreateUser", "iCommonName", "iPassword").help("Creates a user."),
+    method<&Members::DeleteUser>("DeleteUser", "iCommonName").help("Deletes a user."),
+    method<&Members::GetUserFromGUID>("GetUserFromGUID", "iGUID")
+        .help("The user with this GUID, bound."),
     method<&Members::GetOrvoUsers>("GetOrvoUsers", optional("iCriteria"), optional("iSortFields"),
-                                   optional("iPageSize")),
-    method<&Members::GetLastPageValue>("GetLastPageValue"),
+                                   optional("iPageSize")).help("Searches users, page by page."),
+    method<&Members::GetLastPageValue>("GetLastPageValue")
+        .help("The bookmark that a full page left."),
     method<&Members::GetOrvoMembersHavingRole>("GetOrvoMembersHavingRole", "iRole",
-                                               optional("iSortFields")),
+                                               optional("iSortFields"))
+        .help("The users with a role, their own or their profile's."),
     method<&Members::GetOrvoMembersHavingRoleEx>("GetOrvoMembersHavingRoleEx", "iRole",
-                                                 optional("iCriteria"), optional("iSortFields")),
-    method<&Members::GetAttribValue>("GetAttribValue", "iAttribName"),
-    method<&Members::SetAttribValue>("SetAttribValue", "iAttribName", "iAttribValue"),
+                                                 optional("iCriteria"), optional("iSortFields"))
+        .help("The users with a role who meet criteria."),
+    method<&Members::GetAttribValue>("GetAttribValue", "iAttribName")
+        .help("An attribute of the container's own entry."),
+    method<&Members::SetAttribValue>("SetAttribValue", "iAttribName", "iAttribValue")
+        .help("Writes an attribute of the container's own entry."),
     method<&Members::CreateUserWithAttributes>("CreateUserWithAttributes", "i_sUsername",
-                                               "i_sPassword", "i_aAttrNames", "i_aAttrValues"),
+                                               "i_sPassword", "i_aAttrNames", "i_aAttrValues")
+        .help("Creates a user and writes its attributes."),
     method<&Members::GetOrvoUsersEx>("GetOrvoUsersEx", optional("iCriteria"),
                                      optional("i_vAttributeNames"), optional("iSortFields"),
-                                     optional("iPageSize")));
+                                     optional("iPageSize"))
+        .help("Searches users, with columns of one's own."));
 // clang-format on
 
 extern template struct detail::callee<Members>;

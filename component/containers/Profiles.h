@@ -43,10 +43,12 @@ private:
 template <>
 inline constexpr auto table_of<Profiles> = describe<Profiles>(
     "IProfiles", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e719",
-    method<&Profiles::AsRecordset>("AsRecordset"),
-    method<&Profiles::DeleteProfile>("DeleteProfile", "iCommonName"),
-    method<&Profiles::CreateProfile>("CreateProfile", "iCommonName"),
-    method<&Profiles::BindAs>("BindAs", "iUsername", "iPwd"));
+    method<&Profiles::AsRecordset>("AsRecordset").help("All profiles, as a record set."),
+    method<&Profiles::DeleteProfile>("DeleteProfile", "iCommonName")
+        .help("Deletes a profile without users; answers whether it did."),
+    method<&Profiles::CreateProfile>("CreateProfile", "iCommonName").help("Creates a profile."),
+    method<&Profiles::BindAs>("BindAs", "iUsername", "iPwd")
+        .help("Binds to the profiles' container."));
 // clang-format on
 
 extern template struct detail::callee<Profiles>;

@@ -50,13 +50,19 @@ private:
 template <>
 inline constexpr auto table_of<LdapAccess> = describe<LdapAccess>(
     "ILdapAccess", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e714",
-    method<&LdapAccess::GetAttribValue>("GetAttribValue", "iAttribName"),
-    method<&LdapAccess::SetAttribValue>("SetAttribValue", "iAttribName", "iAttribValue"),
-    method<&LdapAccess::ClearAttribValue>("ClearAttribValue", "iAttribName"),
+    method<&LdapAccess::GetAttribValue>("GetAttribValue", "iAttribName")
+        .help("The first value of an attribute."),
+    method<&LdapAccess::SetAttribValue>("SetAttribValue", "iAttribName", "iAttribValue")
+        .help("Writes an attribute."),
+    method<&LdapAccess::ClearAttribValue>("ClearAttribValue", "iAttribName")
+        .help("Removes an attribute."),
     method<&LdapAccess::BindAs>("BindAs", "i_sCN", "i_sUsername", "i_sPwd", "i_sServer",
-                                "i_sContainer"),
-    method<&LdapAccess::BindToConfig>("BindToConfig"),
-    method<&LdapAccess::GetAttributeName>("GetAttributeName", "iAttributeName"));
+                                "i_sContainer")
+        .help("Binds to an entry with the rights of a user."),
+    method<&LdapAccess::BindToConfig>("BindToConfig")
+        .help("Binds to the entry with the directory's configuration."),
+    method<&LdapAccess::GetAttributeName>("GetAttributeName", "iAttributeName")
+        .help("The directory's name of a logical attribute."));
 // clang-format on
 
 extern template struct detail::callee<LdapAccess>;

@@ -85,31 +85,42 @@ private:
 template <>
 inline constexpr auto table_of<Profile> = describe<Profile>(
     "IProfile", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e716",
-    method<&Profile::GetAttribValue>("GetAttribValue", "iAttribName"),
-    method<&Profile::SetAttribValue>("SetAttribValue", "iAttribName", "iAttribValue"),
-    method<&Profile::ClearAttribValue>("ClearAttribValue", "iAttribName"),
-    method<&Profile::BindAs>("BindAs", "iCN", "iUsername", "iPwd"),
-    method<&Profile::GetUsers>("GetUsers"),
-    method<&Profile::ClearOrvoApps>("ClearOrvoApps"),
-    method<&Profile::HasRole>("HasRole", "iRoleID"),
-    method<&Profile::AssignRole>("AssignRole", "iRoleType", "iEnable"),
-    method<&Profile::setServerInfo>("setServerInfo", "i_sConfigurationPath"),
-    method<&Profile::Init>("Init", "iCN"),
-    get<&Profile::CN>("CN"),
-    get<&Profile::Locale>("Locale"),
+    method<&Profile::GetAttribValue>("GetAttribValue", "iAttribName")
+        .help("All values of an attribute."),
+    method<&Profile::SetAttribValue>("SetAttribValue", "iAttribName", "iAttribValue")
+        .help("Writes an attribute."),
+    method<&Profile::ClearAttribValue>("ClearAttribValue", "iAttribName")
+        .help("Removes an attribute."),
+    method<&Profile::BindAs>("BindAs", "iCN", "iUsername", "iPwd")
+        .help("Binds to a profile with the rights of a user."),
+    method<&Profile::GetUsers>("GetUsers").help("The profile's users, as a record set."),
+    method<&Profile::ClearOrvoApps>("ClearOrvoApps").help("Removes the profile's applications."),
+    method<&Profile::HasRole>("HasRole", "iRoleID").help("Whether the profile has a role."),
+    method<&Profile::AssignRole>("AssignRole", "iRoleType", "iEnable")
+        .help("Grants or withdraws a role."),
+    method<&Profile::setServerInfo>("setServerInfo", "i_sConfigurationPath")
+        .help("Loads a site configuration file."),
+    method<&Profile::Init>("Init", "iCN")
+        .help("Binds with the credentials of the last bind or of the session."),
+    get<&Profile::CN>("CN").help("The common name."),
+    get<&Profile::Locale>("Locale").help("The number of the profile's locale."),
     put<&Profile::put_Locale>("Locale", "iLocale"),
-    get<&Profile::LanguageID>("LanguageID"),
+    get<&Profile::LanguageID>("LanguageID").help("The profile's language."),
     put<&Profile::put_LanguageID>("LanguageID", "iLanguageID"),
-    get<&Profile::get_whole<Profile::catalog_ids>>(Profile::catalog_ids.name),
+    get<&Profile::get_whole<Profile::catalog_ids>>(Profile::catalog_ids.name)
+        .help("The profile's catalogues, as an array."),
     put<&Profile::put_whole<Profile::catalog_ids>>(Profile::catalog_ids.name, "iCatalogIDs"),
-    get<&Profile::get_whole<Profile::dashboard_ids>>(Profile::dashboard_ids.name),
+    get<&Profile::get_whole<Profile::dashboard_ids>>(Profile::dashboard_ids.name)
+        .help("The profile's dashboards, as an array."),
     put<&Profile::put_whole<Profile::dashboard_ids>>(Profile::dashboard_ids.name, "iDashboardIDs"),
-    get<&Profile::get_whole<Profile::askbook_visibility>>(Profile::askbook_visibility.name),
+    get<&Profile::get_whole<Profile::askbook_visibility>>(Profile::askbook_visibility.name)
+        .help("The attribute AskbookVisibility, as an array."),
     put<&Profile::put_whole<Profile::askbook_visibility>>(Profile::askbook_visibility.name,
                                                           "iVisibility"),
-    get<&Profile::OrvoApps>("OrvoApps"),
+    get<&Profile::OrvoApps>("OrvoApps").help("The profile's applications, as an array."),
     put<&Profile::put_OrvoApps>("OrvoApps", "iApps"),
-    get<&Profile::get_whole<Profile::roles>>(Profile::roles.name),
+    get<&Profile::get_whole<Profile::roles>>(Profile::roles.name)
+        .help("The profile's roles, as an array."),
     put<&Profile::put_whole<Profile::roles>>(Profile::roles.name, "iRoles"));
 // clang-format on
 

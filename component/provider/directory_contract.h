@@ -105,41 +105,55 @@ inline constexpr auto table_of<DirectoryEntry> = describe<DirectoryEntry>(
     "IDirectoryEntry", "33cc820f-121f-4221-b48e-57ebb11c6955",
     reserved(1),
     method<&DirectoryEntry::Bind>("Bind", "server", "container", "commonName", "user", "password",
-                                  "attributes"),
+                                  "attributes")
+        .help("Binds to an entry, or with no common name to the container."),
     reserved(3),
-    method<&DirectoryEntry::GetValues>("GetValues", "name"),
-    method<&DirectoryEntry::SetValues>("SetValues", "name", "value"),
-    method<&DirectoryEntry::ClearValues>("ClearValues", "name"),
+    method<&DirectoryEntry::GetValues>("GetValues", "name")
+        .help("All values of an attribute, as an array."),
+    method<&DirectoryEntry::SetValues>("SetValues", "name", "value")
+        .help("Replaces all values of an attribute."),
+    method<&DirectoryEntry::ClearValues>("ClearValues", "name").help("Removes an attribute."),
     reserved(7),
-    method<&DirectoryEntry::CreateChild>("CreateChild", "classes", "namingAttribute", "attributes"),
-    method<&DirectoryEntry::DeleteChild>("DeleteChild", "className", "entryName"),
+    method<&DirectoryEntry::CreateChild>("CreateChild", "classes", "namingAttribute", "attributes")
+        .help("Creates an entry below this one."),
+    method<&DirectoryEntry::DeleteChild>("DeleteChild", "className", "entryName")
+        .help("Deletes the entry with this full name."),
     reserved(10),
-    method<&DirectoryEntry::InitializeConnectionPool>("InitializeConnectionPool", "names", "values"),
-    method<&DirectoryEntry::InitializeCache>("InitializeCache", "names", "values"));
+    method<&DirectoryEntry::InitializeConnectionPool>("InitializeConnectionPool", "names", "values")
+        .help("Sets the connection pool up."),
+    method<&DirectoryEntry::InitializeCache>("InitializeCache", "names", "values")
+        .help("Sets the cache up."));
 
 template <>
 inline constexpr auto table_of<DirectorySearch> = describe<DirectorySearch>(
     "IDirectorySearch", "3f8f6be4-f403-45be-90a5-e0243c013656",
     reserved(1),
-    method<&DirectorySearch::Connect>("Connect", "server", "container", "user", "password"),
-    method<&DirectorySearch::Execute>("Execute", "filter", "attributes", "maximum"));
+    method<&DirectorySearch::Connect>("Connect", "server", "container", "user", "password")
+        .help("Prepares searching below a container."),
+    method<&DirectorySearch::Execute>("Execute", "filter", "attributes", "maximum")
+        .help("Runs a filter: a record set of at most so many entries."));
 
 template <>
 inline constexpr auto table_of<DirectoryValidator> = describe<DirectoryValidator>(
     "IDirectoryValidator", "356cfaf8-0d94-40af-b406-e521ee561f56",
     reserved(1),
-    method<&DirectoryValidator::Open>("Open", "server", "userContainer"),
+    method<&DirectoryValidator::Open>("Open", "server", "userContainer")
+        .help("Prepares checking the users of a container."),
     reserved(3),
-    method<&DirectoryValidator::Validate>("Validate", "path", "password"));
+    method<&DirectoryValidator::Validate>("Validate", "path", "password")
+        .help("Checks a password: 0 is right, a negative number is not."));
 
 template <>
 inline constexpr auto table_of<DirectoryModule> = describe<DirectoryModule>(
     "IDirectoryModule", "ccf6fd6b-5048-43ca-a45f-c12b3584ab82",
     reserved(1),
-    method<&DirectoryModule::CreateSchema>("CreateSchema"),
-    method<&DirectoryModule::CreateEntry>("CreateEntry"),
-    method<&DirectoryModule::CreateValidator>("CreateValidator"),
-    method<&DirectoryModule::CreateSearch>("CreateSearch"));
+    method<&DirectoryModule::CreateSchema>("CreateSchema")
+        .help("A new object for the directory's schema."),
+    method<&DirectoryModule::CreateEntry>("CreateEntry")
+        .help("A new object for an entry, not yet bound."),
+    method<&DirectoryModule::CreateValidator>("CreateValidator")
+        .help("A new object that checks passwords."),
+    method<&DirectoryModule::CreateSearch>("CreateSearch").help("A new search."));
 // clang-format on
 
 }  // namespace orvo

@@ -1,6 +1,7 @@
 // Prints what is written from the component's tables.
 //
 //   orvo-idl                  the IDL (component/server/OrvoMembership.idl)
+//   orvo-idl --interfaces     that of others' interfaces (component/server/TavikPMMInterfaces.idl)
 //   orvo-idl --properties     the page of the user's properties (docs/user-properties.md)
 //   orvo-idl --property-list  their names for scripts (tests/conformance/user_catalogue.js.part)
 
@@ -15,12 +16,14 @@ int main(int argc, char** argv) {
     const std::string_view what = argc > 1 ? argv[1] : "";
     if (argc == 1)
         std::cout << orvo::component_idl();
+    else if (argc == 2 && what == "--interfaces")
+        std::cout << orvo::provider_idl();
     else if (argc == 2 && what == "--properties")
         std::cout << orvo::user_properties_page();
     else if (argc == 2 && what == "--property-list")
         std::cout << orvo::user_property_list_script();
     else {
-        std::cerr << "usage: orvo-idl [--properties | --property-list]\n";
+        std::cerr << "usage: orvo-idl [--interfaces | --properties | --property-list]\n";
         return 2;
     }
     return std::cout.flush().good() ? 0 : 1;

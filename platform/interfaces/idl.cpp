@@ -25,24 +25,31 @@ void IdlWriter::hole(std::size_t slot, const RowData& reserved) {
     }
 }
 
-std::string IdlWriter::parameter(bool in_out, bool may_be_missing, const std::string& type,
-                                 const char* name) {
-    return std::string(in_out ? "[in, out" : "[in") + (may_be_missing ? ", optional] " : "] ") +
-           type + (in_out ? "* " : " ") + name;
+std::string IdlWriter::parameter(bool in_out, const Parameter& named, const std::string& type) {
+    std::string attributes = in_out ? "[in, out" : "[in";
+    if (named.may_be_missing) {
+        attributes += ", optional";
+        if (type == "BSTR")
+            attributes += in_out ? ", defaultvalue(empty_text)" : ", defaultvalue(\"\")";
+        if (type == "short" || type == "long")
+            attributes += ", defaultvalue(" + std::to_string(named.otherwise) + ")";
+    }
+    return attributes + "] " + type + (in_out ? "* " : " ") + named.name;
 }
 
-void IdlWriter::line(std::size_t slot, abi::DISPID id, Shape shape, bool hidden, const char* name,
+void IdlWriter::line(std::size_t slot, abi::DISPID id, const RowData& row,
                      const std::vector<std::string>& parameters) {
     out_ << "        /* " << slot << " */ ";
     if (dispatch_) {
         out_ << "[id(" << id << ")";
-        if (shape == Shape::get) out_ << ", propget";
-        if (shape == Shape::put) out_ << ", propput";
-        if (shape == Shape::put_reference) out_ << ", propputref";
-        if (hidden) out_ << ", hidden";
+        if (row.shape == Shape::get) out_ << ", propget";
+        if (row.shape == Shape::put) out_ << ", propput";
+        if (row.shape == Shape::put_reference) out_ << ", propputref";
+        if (row.is_hidden) out_ << ", hidden";
+        if (*row.help != '\0') out_ << ", helpstring(\"" << row.help << "\")";
         out_ << "] ";
     }
-    out_ << "HRESULT " << name << '(';
+    out_ << "HRESULT " << row.name << '(';
     for (std::size_t i = 0; i < parameters.size(); ++i)
         out_ << (i == 0 ? "" : ", ") << parameters[i];
     out_ << ");\n";

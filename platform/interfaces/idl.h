@@ -10,7 +10,16 @@
 namespace orvo {
 
 // Writes interfaces one by one. Members stand in slot order with the numbers that late binding
-// uses.
+// uses. The default of an optional text by reference is written as `empty_text`, which the text is
+// to begin with:
+inline constexpr const char* idl_empty_text =
+    "// What widl takes for an empty text where the parameter is one by reference.\n"
+    "#ifdef __WIDL__\n"
+    "#define empty_text 0\n"
+    "#else\n"
+    "#define empty_text \"\"\n"
+    "#endif\n\n";
+
 class IdlWriter {
 public:
     // What stands before all interfaces; `text` is written as it is.
@@ -48,8 +57,8 @@ private:
         std::size_t index = 0;
         auto add = [&]<class P>(std::type_identity<P>) {
             const Parameter& named = row.parameters[index++];
-            parameters.push_back(parameter(detail::is_in_out<P>, named.may_be_missing,
-                                           crossing<detail::natural<P>>::idl(), named.name));
+            parameters.push_back(
+                parameter(detail::is_in_out<P>, named, crossing<detail::natural<P>>::idl()));
         };
         [&]<class... P>(std::type_identity<std::tuple<P...>>) {
             (add(std::type_identity<P>{}), ...);
@@ -59,12 +68,11 @@ private:
                 parameters.push_back("[out, retval] " +
                                      crossing<detail::natural<typename S::result>>::idl() +
                                      "* result");
-        line(slot, id, row.shape, row.is_hidden, row.name, parameters);
+        line(slot, id, row, parameters);
     }
 
-    static std::string parameter(bool in_out, bool may_be_missing, const std::string& type,
-                                 const char* name);
-    void line(std::size_t slot, abi::DISPID id, Shape shape, bool hidden, const char* name,
+    static std::string parameter(bool in_out, const Parameter& named, const std::string& type);
+    void line(std::size_t slot, abi::DISPID id, const RowData& row,
               const std::vector<std::string>& parameters);
 
     std::ostringstream out_;

@@ -89,7 +89,8 @@ private:
 
 }  // namespace
 
-void register_module(const std::u16string& module_name, std::span<const ClassEntry> classes) {
+void register_module(const std::u16string& module_name, std::span<const ClassEntry> classes,
+                     Scope) {
     path file = manifest_of(module_name);
     std::vector<ManifestClass> entries;
     for (const ClassEntry& entry : classes) {
@@ -114,7 +115,9 @@ void register_module(const std::u16string& module_name, std::span<const ClassEnt
     OrvoForgetManifests();
 }
 
-void unregister_module(const std::u16string& module_name) {
+void register_surrogate(const abi::GUID&, std::span<const ClassEntry>, Scope) {}
+
+void unregister_module(const std::u16string& module_name, Scope) {
     path file = manifest_of(module_name);
     if (unlink(file.c_str()) != 0 && errno != ENOENT && errno != ENOTDIR)
         refuse_with_system_error("The manifest " + file.string() + " cannot be removed", errno);

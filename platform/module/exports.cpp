@@ -1,4 +1,5 @@
-// The four exports of every module. Linked into each module as it stands.
+// The exports of every module: the four standard ones and, on Windows, one for a user's own
+// registration. Linked into each module as it stands.
 
 #include <deque>
 #include <vector>
@@ -45,8 +46,23 @@ std::vector<runtime::ClassEntry> class_entries() {
     return entries;
 }
 
+void register_all(runtime::Scope scope) {
+    const ModuleDescription& module = this_module();
+    const std::vector<runtime::ClassEntry> classes = class_entries();
+    runtime::register_module(from_utf8(module.name), classes, scope);
+    if (module.app_id != abi::GUID{}) runtime::register_surrogate(module.app_id, classes, scope);
+    runtime::register_type_libraries(classes, scope);
+}
+
+void unregister_all(runtime::Scope scope) {
+    runtime::unregister_type_libraries(scope);
+    runtime::unregister_module(from_utf8(this_module().name), scope);
+}
+
 }  // namespace
 }  // namespace orvo::detail
+
+using orvo::runtime::Scope;
 
 #ifndef _WIN32  // there, a definition file names the exports
 #pragma GCC visibility push(default)
@@ -67,19 +83,26 @@ orvo::abi::HRESULT DllCanUnloadNow() {
 }
 
 orvo::abi::HRESULT DllRegisterServer() {
-    return orvo::detail::reported([] {
-        orvo::runtime::register_module(orvo::from_utf8(orvo::this_module().name),
-                                       orvo::detail::class_entries());
-        orvo::runtime::register_type_library(orvo::detail::class_entries());
-    });
+    return orvo::detail::reported([] { orvo::detail::register_all(Scope::machine); });
 }
 
 orvo::abi::HRESULT DllUnregisterServer() {
-    return orvo::detail::reported([] {
-        orvo::runtime::unregister_type_library();
-        orvo::runtime::unregister_module(orvo::from_utf8(orvo::this_module().name));
+    return orvo::detail::reported([] { orvo::detail::unregister_all(Scope::machine); });
+}
+
+#ifdef _WIN32
+// `regsvr32 /n /i:user`, and with /u: the same for the calling user alone.
+orvo::abi::HRESULT DllInstall(std::int32_t install, const char16_t* command) {
+    return orvo::detail::reported([&] {
+        if (command == nullptr || !orvo::equal_ignoring_case(command, u"user"))
+            throw orvo::Failure(orvo::abi::e_invalidarg, {}, u"The only command is \"user\"");
+        if (install)
+            orvo::detail::register_all(Scope::user);
+        else
+            orvo::detail::unregister_all(Scope::user);
     });
 }
+#endif
 
 }  // extern "C"
 #ifndef _WIN32

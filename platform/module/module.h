@@ -1,7 +1,7 @@
 #pragma once
 
-// A module: a shared library whose classes others create by ProgID. It has exactly the four
-// standard exports (exports.cpp), and defines this_module(). Descriptions are constants, which any
+// A module: a shared library whose classes others create by ProgID. It has the standard exports
+// (exports.cpp) and no others, and defines this_module(). Descriptions are constants, which any
 // thread reads; the exports answer result codes and raise nothing.
 
 #include <span>
@@ -25,6 +25,9 @@ constexpr ModuleClass module_class() {
 struct ModuleDescription {
     const char* name;  // its file name without the ending
     std::span<const ModuleClass> classes;
+    // On Windows, of the application in which objects of the module stand alone, in a process of
+    // the system's; all zeros for a module whose objects always live in their callers' processes.
+    abi::GUID app_id = {};
 };
 
 // Which classes this module has; defined once in each module.

@@ -6,7 +6,7 @@
 // the folders of the environment variable ORVO_COMPONENTS (separated by ":"), then the user's
 // `$XDG_DATA_HOME/orvo/components` (by default `~/.local/share/orvo/components`), then
 // `/usr/local/share/orvo/components` and `/usr/share/orvo/components`. The first that has a ProgID
-// wins. On Windows it is the registry.
+// wins. On Windows it is the registry: the machine's, or that of the user who registers.
 //
 // Any thread; two that register one module at the same time leave the entries of either.
 
@@ -24,14 +24,24 @@ struct ClassEntry {
     std::u16string progid;
 };
 
+// Who finds the classes of a module on Windows. On Linux it makes no difference.
+enum class Scope : unsigned char { machine, user };
+
 // Makes the module that holds the calling code known with its classes; replaces what was known of
 // it. The manifest goes to the first folder of ORVO_COMPONENTS, otherwise to the user's folder.
 // `module_name` is the file name without its ending ("OrvoMembership").
 // Raises Failure (file and reason) when it cannot be written.
-void register_module(const std::u16string& module_name, std::span<const ClassEntry> classes);
+void register_module(const std::u16string& module_name, std::span<const ClassEntry> classes,
+                     Scope scope = Scope::machine);
 
-// Forgets the module; nothing happens when it is not known.
-void unregister_module(const std::u16string& module_name);
+// Lets the system make objects of these classes, which are registered already, in a process of
+// their own (an application with `app_id` and the system's surrogate). Nothing on Linux, where
+// there is no such process.
+void register_surrogate(const abi::GUID& app_id, std::span<const ClassEntry> classes,
+                        Scope scope = Scope::machine);
+
+// Forgets the module, and the application of its classes; nothing happens when it is not known.
+void unregister_module(const std::u16string& module_name, Scope scope = Scope::machine);
 
 // Registers a class for this process while the object lives; it is found before any module's.
 // `factory` (a class object with IClassFactory) is held until then. Any thread.

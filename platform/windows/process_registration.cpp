@@ -52,8 +52,8 @@ std::vector<std::u16string> remember(const std::u16string& progid, const std::u1
             throw Failure(abi::e_fail, {}, name + u" is registered for another class: " + *owner);
     }
     for (const std::u16string& name : names) {
-        set_class_key(name, unversioned, Life::until_restart);
-        set_class_key(name + u"\\CLSID", clsid, Life::until_restart);
+        set_class_key(name, unversioned, Scope::machine, Life::until_restart);
+        set_class_key(name + u"\\CLSID", clsid, Scope::machine, Life::until_restart);
     }
     return names;
 }

@@ -33,15 +33,16 @@ std::u16string own_module() {
     return name;
 }
 
-void set(const std::u16string& key, const std::u16string& value) { set_class_key(key, value); }
-
-void register_class(const std::u16string& module, const ClassEntry& entry) {
+void register_class(const std::u16string& module, const ClassEntry& entry, Scope scope) {
+    const auto set = [&](const std::u16string& key, const std::u16string& value) {
+        set_class_key(key, value, scope);
+    };
     std::u16string clsid = from_utf8(braced(entry.clsid));
     std::u16string versioned = entry.progid + u".1";
     std::u16string key = u"CLSID\\" + clsid;
     set(key, entry.progid);
     set(key + u"\\InprocServer32", module);
-    set_class_value(key + u"\\InprocServer32", u"ThreadingModel", u"Apartment");
+    set_class_value(key + u"\\InprocServer32", u"ThreadingModel", u"Apartment", scope);
     set(key + u"\\ProgID", versioned);
     set(key + u"\\VersionIndependentProgID", entry.progid);
     set(key + u"\\Programmable", u"");
@@ -53,30 +54,42 @@ void register_class(const std::u16string& module, const ClassEntry& entry) {
 }
 
 // A ProgID may have been given to another class since.
-void forget_progid(const std::optional<std::u16string>& progid, const std::u16string& clsid) {
+void forget_progid(const std::optional<std::u16string>& progid, const std::u16string& clsid,
+                   Scope scope) {
     if (!progid || progid->empty()) return;
-    std::optional<std::u16string> owner = class_key(*progid + u"\\CLSID");
-    if (owner && equal_ignoring_case(*owner, clsid)) remove_class_key(*progid);
+    std::optional<std::u16string> owner = class_key(*progid + u"\\CLSID", scope);
+    if (owner && equal_ignoring_case(*owner, clsid)) remove_class_key(*progid, scope);
 }
 
 }  // namespace
 
-void register_module(const std::u16string& module_name, std::span<const ClassEntry> classes) {
-    unregister_module(module_name);
+void register_module(const std::u16string& module_name, std::span<const ClassEntry> classes,
+                     Scope scope) {
+    unregister_module(module_name, scope);
     std::u16string module = own_module();
-    for (const ClassEntry& entry : classes) register_class(module, entry);
+    for (const ClassEntry& entry : classes) register_class(module, entry, scope);
+}
+
+void register_surrogate(const abi::GUID& app_id, std::span<const ClassEntry> classes, Scope scope) {
+    const std::u16string id = from_utf8(braced(app_id));
+    for (const ClassEntry& entry : classes)
+        set_class_value(u"CLSID\\" + from_utf8(braced(entry.clsid)), u"AppID", id, scope);
+    // Empty: the system's own surrogate.
+    set_class_value(u"AppID\\" + id, u"DllSurrogate", u"", scope);
 }
 
 // What is known of a module are the classes whose server is the module's file.
-void unregister_module(const std::u16string&) {
+void unregister_module(const std::u16string&, Scope scope) {
     std::u16string module = own_module();
-    for (const std::u16string& clsid : subkeys(u"CLSID")) {
+    for (const std::u16string& clsid : subkeys(u"CLSID", scope)) {
         std::u16string key = u"CLSID\\" + clsid;
-        std::optional<std::u16string> server = class_key(key + u"\\InprocServer32");
+        std::optional<std::u16string> server = class_key(key + u"\\InprocServer32", scope);
         if (!server || !equal_ignoring_case(*server, module)) continue;
-        forget_progid(class_key(key + u"\\ProgID"), clsid);
-        forget_progid(class_key(key + u"\\VersionIndependentProgID"), clsid);
-        remove_class_key(key);
+        forget_progid(class_key(key + u"\\ProgID", scope), clsid, scope);
+        forget_progid(class_key(key + u"\\VersionIndependentProgID", scope), clsid, scope);
+        const std::optional<std::u16string> app_id = class_value(key, u"AppID", scope);
+        if (app_id && !app_id->empty()) remove_class_key(u"AppID\\" + *app_id, scope);
+        remove_class_key(key, scope);
     }
 }
 

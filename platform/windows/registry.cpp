@@ -37,10 +37,14 @@ constexpr std::uint32_t type_text = 1;
 constexpr std::uint32_t option_volatile = 1;
 constexpr std::size_t longest_key_name = 256;
 
-// HKEY_CLASSES_ROOT
-HKEY__* root() {
-    return reinterpret_cast<HKEY__*>(
-        static_cast<std::intptr_t>(static_cast<std::int32_t>(0x80000000u)));
+// A key of a scope, as the system takes it: HKEY_CLASSES_ROOT, or HKEY_CURRENT_USER with the
+// classes below.
+HKEY__* root(Scope scope) {
+    const std::uint32_t number = scope == Scope::machine ? 0x80000000u : 0x80000001u;
+    return reinterpret_cast<HKEY__*>(static_cast<std::intptr_t>(static_cast<std::int32_t>(number)));
+}
+std::u16string path_of(const std::u16string& key, Scope scope) {
+    return scope == Scope::machine ? key : u"Software\\Classes\\" + key;
 }
 
 void check(std::int32_t error, const std::u16string& key) {
@@ -65,16 +69,18 @@ private:
 };
 
 // False when there is no such key.
-bool open(const std::u16string& key, Key& opened) {
-    std::int32_t error = RegOpenKeyExW(root(), key.c_str(), 0, key_read, opened.put());
+bool open(const std::u16string& key, Scope scope, Key& opened) {
+    std::int32_t error =
+        RegOpenKeyExW(root(scope), path_of(key, scope).c_str(), 0, key_read, opened.put());
     if (error == file_not_found) return false;
     check(error, key);
     return true;
 }
 
-void set(const std::u16string& key, const char16_t* name, const std::u16string& value, Life life) {
+void set(const std::u16string& key, const char16_t* name, const std::u16string& value, Scope scope,
+         Life life) {
     Key made;
-    check(RegCreateKeyExW(root(), key.c_str(), 0, nullptr,
+    check(RegCreateKeyExW(root(scope), path_of(key, scope).c_str(), 0, nullptr,
                           life == Life::until_restart ? option_volatile : 0, key_write, nullptr,
                           made.put(), nullptr),
           key);
@@ -85,23 +91,28 @@ void set(const std::u16string& key, const char16_t* name, const std::u16string& 
 
 }  // namespace
 
-void set_class_key(const std::u16string& key, const std::u16string& value, Life life) {
-    set(key, nullptr, value, life);
+void set_class_key(const std::u16string& key, const std::u16string& value, Scope scope, Life life) {
+    set(key, nullptr, value, scope, life);
 }
 
 void set_class_value(const std::u16string& key, const std::u16string& name,
-                     const std::u16string& value) {
-    set(key, name.c_str(), value, Life::lasting);
+                     const std::u16string& value, Scope scope) {
+    set(key, name.c_str(), value, scope, Life::lasting);
 }
 
-std::optional<std::u16string> class_key(const std::u16string& key) {
+std::optional<std::u16string> class_key(const std::u16string& key, Scope scope) {
+    return class_value(key, u"", scope);
+}
+
+std::optional<std::u16string> class_value(const std::u16string& key, const std::u16string& name,
+                                          Scope scope) {
     Key opened;
-    if (!open(key, opened)) return std::nullopt;
+    if (!open(key, scope, opened)) return std::nullopt;
     std::u16string value(256, u'\0');
     for (;;) {
         auto size = static_cast<std::uint32_t>(value.size() * 2);
         std::int32_t error =
-            RegQueryValueExW(opened.get(), nullptr, nullptr, nullptr, value.data(), &size);
+            RegQueryValueExW(opened.get(), name.c_str(), nullptr, nullptr, value.data(), &size);
         if (error == file_not_found) return u"";
         if (error != more_data) {
             check(error, key);
@@ -112,10 +123,10 @@ std::optional<std::u16string> class_key(const std::u16string& key) {
     }
 }
 
-std::vector<std::u16string> subkeys(const std::u16string& key) {
+std::vector<std::u16string> subkeys(const std::u16string& key, Scope scope) {
     std::vector<std::u16string> names;
     Key opened;
-    if (!open(key, opened)) return names;
+    if (!open(key, scope, opened)) return names;
     for (std::uint32_t i = 0;; ++i) {
         char16_t name[longest_key_name];
         std::uint32_t length = longest_key_name;
@@ -127,8 +138,8 @@ std::vector<std::u16string> subkeys(const std::u16string& key) {
     }
 }
 
-void remove_class_key(const std::u16string& key) {
-    std::int32_t error = RegDeleteTreeW(root(), key.c_str());
+void remove_class_key(const std::u16string& key, Scope scope) {
+    std::int32_t error = RegDeleteTreeW(root(scope), path_of(key, scope).c_str());
     if (error != file_not_found) check(error, key);
 }
 

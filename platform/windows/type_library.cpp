@@ -3,6 +3,8 @@
 
 #include "platform/system/type_library.h"
 
+#include <vector>
+
 #include "platform/values/error_info.h"
 #include "platform/values/guid.h"
 #include "platform/values/object.h"
@@ -15,8 +17,6 @@ std::int32_t GetModuleHandleExW(std::uint32_t flags, const void* address, void**
 std::uint32_t GetModuleFileNameW(void* module, char16_t* name, std::uint32_t capacity);
 void* FindResourceW(void* module, const char16_t* name, const char16_t* type);
 HRESULT LoadTypeLibEx(const char16_t* file, std::int32_t kind, IUnknown** library);
-HRESULT UnRegisterTypeLib(const GUID& id, std::uint16_t major, std::uint16_t minor, LCID locale,
-                          std::int32_t system);
 
 }  // extern "C"
 }  // namespace orvo::abi
@@ -24,13 +24,21 @@ HRESULT UnRegisterTypeLib(const GUID& id, std::uint16_t major, std::uint16_t min
 namespace orvo::runtime {
 namespace {
 
-// How LoadTypeLibEx treats what it loads.
-enum : std::int32_t { registers_it = 1, only_loads_it = 2 };
+// How LoadTypeLibEx treats what it loads: it loads it only.
+constexpr std::int32_t without_registering = 2;
 
 enum : std::size_t {
+    // Of a library.
+    slot_get_type_info_count = 3,
+    slot_get_type_info_at = 4,
     slot_get_type_info_of_guid = 6,
     slot_get_library_attributes = 7,
+    slot_get_documentation = 9,
     slot_release_library_attributes = 12,
+    // Of what it says of one type.
+    slot_get_type_attributes = 3,
+    slot_get_type_documentation = 12,
+    slot_release_type_attributes = 19,
 };
 
 struct LibraryAttributes {
@@ -41,6 +49,29 @@ struct LibraryAttributes {
     std::uint16_t minor;
     std::uint16_t flags;
 };
+
+struct TypeAttributes {
+    abi::GUID id;
+    abi::LCID locale;
+    std::uint32_t reserved;
+    std::int32_t constructor;
+    std::int32_t destructor;
+    char16_t* schema;
+    std::uint32_t instance_size;
+    std::int32_t kind;
+    std::uint16_t functions;
+    std::uint16_t variables;
+    std::uint16_t bases;
+    std::uint16_t vtable_size;
+    std::uint16_t alignment;
+    std::uint16_t flags;
+};
+
+constexpr std::uint16_t is_dual = 0x40;
+constexpr std::uint16_t is_for_automation = 0x100;
+
+// The system's own proxies and stubs, which read a type library.
+constexpr const char16_t* automation_marshaller = u"{00020424-0000-0000-C000-000000000046}";
 
 void check(abi::HRESULT code) {
     if (abi::failed(code)) detail::raise_result(code);
@@ -68,63 +99,148 @@ Text file_of(void* module) {
     }
 }
 
-// Empty for a module without a library.
-Object load_library(std::int32_t kind) {
-    void* module = this_module_handle();
-    const auto* first = reinterpret_cast<const char16_t*>(std::uintptr_t{1});
-    if (abi::FindResourceW(module, first, u"TYPELIB") == nullptr) return {};
-    Object library;
-    check(abi::LoadTypeLibEx(file_of(module).c_str(), kind, library.put()));
-    return library;
-}
+Text key_form(const abi::GUID& id) { return from_utf8(braced(id)); }
 
-LibraryAttributes attributes_of(const Object& library) {
-    LibraryAttributes* borrowed = nullptr;
-    check(abi::call_slot<abi::HRESULT, LibraryAttributes**>(
-        library.get(), slot_get_library_attributes, &borrowed));
-    const LibraryAttributes attributes = *borrowed;
-    abi::call_slot<void, LibraryAttributes*>(library.get(), slot_release_library_attributes,
-                                             borrowed);
+// Attributes that the library, or what it says of a type, lends for a moment.
+template <class Attributes>
+Attributes attributes_of(const Object& described, std::size_t get, std::size_t release) {
+    Attributes* borrowed = nullptr;
+    check(abi::call_slot<abi::HRESULT, Attributes**>(described.get(), get, &borrowed));
+    const Attributes attributes = *borrowed;
+    abi::call_slot<void, Attributes*>(described.get(), release, borrowed);
     return attributes;
 }
 
-Text key_form(const abi::GUID& id) { return from_utf8(braced(id)); }
+Text taken(abi::BSTR text) {
+    const Text value(text ? text : u"", abi::SysStringLen(text));
+    abi::SysFreeString(text);
+    return value;
+}
+
+// One library in the module's file, with the keys that are its own.
+class Library {
+public:
+    // `number`: of the resource, from 1. `file`: the module's.
+    Library(const Text& file, std::uint32_t number)
+        : place_(number == 1 ? file : file + u"\\" + decimal(number)),
+          folder_(file.substr(0, file.find_last_of(u"\\/"))) {
+        check(abi::LoadTypeLibEx(place_.c_str(), without_registering, library_.put()));
+        attributes_ = attributes_of<LibraryAttributes>(library_, slot_get_library_attributes,
+                                                       slot_release_library_attributes);
+    }
+
+    Text id() const { return key_form(attributes_.id); }
+    Text version() const { return decimal(attributes_.major) + u"." + decimal(attributes_.minor); }
+    Object try_type_info(const abi::IID& iid) const {
+        Object info;
+        abi::call_slot<abi::HRESULT, const abi::IID*, abi::IUnknown**>(
+            library_.get(), slot_get_type_info_of_guid, &iid, info.put());
+        return info;
+    }
+
+    void add_keys(Scope scope) const {
+        const Text key = version_key();
+        abi::BSTR description = nullptr;
+        check(abi::call_slot<abi::HRESULT, std::int32_t, abi::BSTR*, abi::BSTR*, std::uint32_t*,
+                             abi::BSTR*>(library_.get(), slot_get_documentation, -1, nullptr,
+                                         &description, nullptr, nullptr));
+        set_class_key(key, taken(description), scope);
+        set_class_key(place_key(), place_, scope);
+        set_class_key(key + u"\\FLAGS", decimal(attributes_.flags), scope);
+        set_class_key(key + u"\\HELPDIR", folder_, scope);
+        for_each_interface([&](const Text& interface_key, const Text& name) {
+            // Also seen by the user: an interface of the machine's is somebody's as well.
+            const auto owner = class_key(interface_key + u"\\TypeLib");
+            if (owner && !equal_ignoring_case(*owner, id())) return;
+            set_class_key(interface_key, name, scope);
+            set_class_key(interface_key + u"\\ProxyStubClsid", automation_marshaller, scope);
+            set_class_key(interface_key + u"\\ProxyStubClsid32", automation_marshaller, scope);
+            set_class_key(interface_key + u"\\TypeLib", id(), scope);
+            set_class_value(interface_key + u"\\TypeLib", u"Version", version(), scope);
+        });
+    }
+
+    void remove_keys(Scope scope) const {
+        const auto registered = class_key(place_key(), scope);
+        if (!registered || !equal_ignoring_case(*registered, place_)) return;
+        for_each_interface([&](const Text& interface_key, const Text&) {
+            const auto owner = class_key(interface_key + u"\\TypeLib", scope);
+            if (owner && equal_ignoring_case(*owner, id())) remove_class_key(interface_key, scope);
+        });
+        remove_class_key(version_key(), scope);
+        if (subkeys(library_key(), scope).empty()) remove_class_key(library_key(), scope);
+    }
+
+private:
+    Text library_key() const { return u"TypeLib\\" + id(); }
+    Text version_key() const { return library_key() + u"\\" + version(); }
+    Text place_key() const { return version_key() + u"\\0\\win64"; }
+
+    // Calls visit(key, name) for each interface that the system's marshaller can serve. 32-bit
+    // programs have keys of their own.
+    template <class Visit>
+    void for_each_interface(Visit visit) const {
+        const auto count = abi::call_slot<std::uint32_t>(library_.get(), slot_get_type_info_count);
+        for (std::uint32_t index = 0; index < count; ++index) {
+            Object info;
+            check(abi::call_slot<abi::HRESULT, std::uint32_t, abi::IUnknown**>(
+                library_.get(), slot_get_type_info_at, index, info.put()));
+            const auto type = attributes_of<TypeAttributes>(info, slot_get_type_attributes,
+                                                            slot_release_type_attributes);
+            if (!(type.flags & (is_dual | is_for_automation))) continue;
+            abi::BSTR name = nullptr;
+            check(abi::call_slot<abi::HRESULT, std::int32_t, abi::BSTR*, abi::BSTR*, std::uint32_t*,
+                                 abi::BSTR*>(info.get(), slot_get_type_documentation, -1, &name,
+                                             nullptr, nullptr, nullptr));
+            const Text called = taken(name);
+            for (const char16_t* root : {u"", u"Wow6432Node\\"})
+                visit(Text(root) + u"Interface\\" + key_form(type.id), called);
+        }
+    }
+
+    Text place_;
+    Text folder_;
+    Object library_;
+    LibraryAttributes attributes_;
+};
+
+// Those in the module's file; resources are numbered from 1.
+std::vector<Library> libraries() {
+    std::vector<Library> all;
+    void* module = this_module_handle();
+    for (std::uint32_t number = 1;
+         abi::FindResourceW(module, reinterpret_cast<const char16_t*>(std::uintptr_t{number}),
+                            u"TYPELIB") != nullptr;
+         ++number)
+        all.emplace_back(file_of(module), number);
+    return all;
+}
 
 }  // namespace
 
-void register_type_library(std::span<const ClassEntry> classes) {
-    const Object library = load_library(registers_it);
-    if (!library) return;
-    const LibraryAttributes attributes = attributes_of(library);
+void register_type_libraries(std::span<const ClassEntry> classes, Scope scope) {
+    const std::vector<Library> all = libraries();
+    for (const Library& library : all) library.add_keys(scope);
+    if (all.empty()) return;
     for (const ClassEntry& entry : classes) {
         const Text key = u"CLSID\\" + key_form(entry.clsid);
-        set_class_key(key + u"\\TypeLib", key_form(attributes.id));
-        set_class_key(key + u"\\Version",
-                      decimal(attributes.major) + u"." + decimal(attributes.minor));
+        set_class_key(key + u"\\TypeLib", all.front().id(), scope);
+        set_class_key(key + u"\\Version", all.front().version(), scope);
     }
 }
 
-void unregister_type_library() {
-    constexpr abi::HRESULT not_registered = abi::result(0x8002801C);
-    const Object library = load_library(only_loads_it);
-    if (!library) return;
-    const LibraryAttributes attributes = attributes_of(library);
-    const abi::HRESULT code = abi::UnRegisterTypeLib(
-        attributes.id, attributes.major, attributes.minor, attributes.locale, attributes.system);
-    if (code != not_registered) check(code);
+void unregister_type_libraries(Scope scope) {
+    for (const Library& library : libraries()) library.remove_keys(scope);
 }
 
 abi::IUnknown* try_type_info(const abi::IID& iid) noexcept {
     try {
-        const Object library = load_library(only_loads_it);
-        Object info;
-        if (library)
-            abi::call_slot<abi::HRESULT, const abi::IID*, abi::IUnknown**>(
-                library.get(), slot_get_type_info_of_guid, &iid, info.put());
-        return info.detach();
+        for (const Library& library : libraries())
+            if (Object info = library.try_type_info(iid)) return info.detach();
     } catch (const Failure&) {
-        return nullptr;  // a caller who asks gets no description then, and works without
+        // A caller who asks gets no description then, and works without.
     }
+    return nullptr;
 }
 
 }  // namespace orvo::runtime

@@ -15,7 +15,7 @@ TEST(IdlWriter, WritesMembersInSlotOrderWithTheirNumbers) {
     interface IProbe : IDispatch
     {
         /* 7 */ [id(1)] HRESULT Add([in] long a, [in] short b, [out, retval] long* result);
-        /* 8 */ [id(2)] HRESULT Greet([in, out] BSTR* name, [out, retval] BSTR* result);
+        /* 8 */ [id(2), helpstring("Greets somebody.")] HRESULT Greet([in, out] BSTR* name, [out, retval] BSTR* result);
         /* 9 */ [id(0x60010003), hidden, restricted] HRESULT Reserved3();
         /* 10 */ [id(0x60010004), hidden, restricted] HRESULT Reserved4();
         /* 11 */ [id(3)] HRESULT Swap([in, out] VARIANT* a, [in, out] VARIANT* b);
@@ -25,7 +25,7 @@ TEST(IdlWriter, WritesMembersInSlotOrderWithTheirNumbers) {
         /* 15 */ [id(7)] HRESULT Twice([in] CURRENCY value, [out, retval] CURRENCY* result);
         /* 16 */ [id(8)] HRESULT NextDay([in] DATE day, [out, retval] DATE* result);
         /* 17 */ [id(9)] HRESULT Reverse([in, out] SAFEARRAY(VARIANT)* values, [out, retval] SAFEARRAY(VARIANT)* result);
-        /* 18 */ [id(10)] HRESULT Join([in] BSTR first, [in, out, optional] BSTR* second, [in, optional] VARIANT third, [out, retval] BSTR* result);
+        /* 18 */ [id(10)] HRESULT Join([in] BSTR first, [in, out, optional, defaultvalue(empty_text)] BSTR* second, [in, optional] VARIANT third, [out, retval] BSTR* result);
         /* 19 */ [id(11)] HRESULT Fail([in] long number);
         /* 20 */ [id(12)] HRESULT FailBare();
         /* 21 */ [id(13)] HRESULT Crash();
