@@ -21,12 +21,13 @@ in_wine() { timeout 120 wine "$@" </dev/null; }
 # What a text program printed, with this system's line ends.
 in_wine_text() { in_wine "$@" 2>&1 | tr -d '\r'; }
 
-# The class registry, one line for each value: "key|name|data".
+# registry FILE [ROOT]: the class registry, or another part, one line for each value:
+# "key|name|data". Nothing of a part that is not there.
 registry() {
-    local file=$1.reg
-    in_wine reg export 'HKEY_CLASSES_ROOT' "$(wine_path "$file")" /y >/dev/null 2>&1
-    iconv -f UTF-16 -t UTF-8 "$file" | tr -d '\r' | awk '
-        /^\[/ { key = substr($0, 20, length($0) - 20); print key "||"; next }
+    local file=$1.reg root=${2:-HKEY_CLASSES_ROOT}
+    in_wine reg export "$root" "$(wine_path "$file")" /y >/dev/null 2>&1 || { : >"$1"; return; }
+    iconv -f UTF-16 -t UTF-8 "$file" | tr -d '\r' | awk -v skipped=$((${#root} + 3)) '
+        /^\[/ { key = substr($0, skipped, length($0) - skipped); print key "||"; next }
         /^@=/ { print key "|@|" substr($0, 3); next }
         /^"/ { at = index($0, "="); print key "|" substr($0, 1, at - 1) "|" substr($0, at + 1) }' \
         >"$1"

@@ -1,14 +1,18 @@
-// The registered type library, in the words of the IDL: one line for each member of each interface,
+// A registered type library, in the words of the IDL: one line for each member of each interface,
 // "<interface> <slot> <declaration>", and one for each error number.
 
 // The library's own number is defined here, not only declared.
 #include <initguid.h>
 
+#include <TavikPMMInterfaces.h>
+
 #include <cstdio>
 
 #include "check.h"
 
-void print_description();
+void print_description(const std::string& name);
+void register_library(const std::wstring& file);
+void unregister_library(const std::wstring& file);
 
 namespace {
 
@@ -56,7 +60,16 @@ std::string type_text(ITypeInfo* info, const TYPEDESC& type) {
     }
 }
 
-std::string parameter_flags(USHORT flags) {
+// The default that a caller's omission stands for.
+std::string default_text(const VARIANT& value) {
+    if (value.vt == VT_BSTR) return "\"" + narrow(value.bstrVal ? value.bstrVal : L"") + "\"";
+    AnyValue text;
+    VariantChangeType(text.put(), const_cast<VARIANT*>(&value), 0, VT_BSTR);
+    return narrow(text.text());
+}
+
+std::string parameter_flags(const PARAMDESC& parameter) {
+    const USHORT flags = parameter.wParamFlags;
     std::string text;
     auto add = [&](USHORT flag, const char* word) {
         if (flags & flag) text += (text.empty() ? "" : ", ") + std::string(word);
@@ -64,11 +77,13 @@ std::string parameter_flags(USHORT flags) {
     add(PARAMFLAG_FIN, "in");
     add(PARAMFLAG_FOUT, "out");
     add(PARAMFLAG_FOPT, "optional");
+    if (flags & PARAMFLAG_FHASDEFAULT)
+        text += ", defaultvalue(" + default_text(parameter.pparamdescex->varDefaultValue) + ")";
     add(PARAMFLAG_FRETVAL, "retval");
     return "[" + text + "]";
 }
 
-std::string member_flags(const FUNCDESC& member) {
+std::string member_flags(ITypeInfo* info, const FUNCDESC& member) {
     char id[32];
     std::snprintf(id, sizeof id, member.memid >= 0x60000000 ? "0x%lx" : "%ld", member.memid);
     std::string text = std::string("[id(") + id + ")";
@@ -77,6 +92,9 @@ std::string member_flags(const FUNCDESC& member) {
     if (member.invkind == INVOKE_PROPERTYPUTREF) text += ", propputref";
     if (member.wFuncFlags & FUNCFLAG_FHIDDEN) text += ", hidden";
     if (member.wFuncFlags & FUNCFLAG_FRESTRICTED) text += ", restricted";
+    Bstr help;
+    info->GetDocumentation(member.memid, nullptr, help.put(), nullptr, nullptr);
+    if (!help.text().empty()) text += ", helpstring(\"" + narrow(help.text()) + "\")";
     return text + "]";
 }
 
@@ -87,15 +105,15 @@ void print_member(ITypeInfo* info, const FUNCDESC& member) {
     auto name = [&](UINT index, const char* otherwise) {
         return index < count ? narrow(names[index]) : std::string(otherwise);
     };
-    std::string text = member_flags(member) + " " + type_text(info, member.elemdescFunc.tdesc) +
-                       " " + name(0, "(unnamed)") + "(";
+    std::string text = member_flags(info, member) + " " +
+                       type_text(info, member.elemdescFunc.tdesc) + " " + name(0, "(unnamed)") +
+                       "(";
     for (SHORT i = 0; i < member.cParams; ++i) {
         const ELEMDESC& parameter = member.lprgelemdescParam[i];
-        const USHORT flags = parameter.paramdesc.wParamFlags;
         // The new value of a property has no name, and GetNames tells the getter's.
         const bool is_new_value = member.invkind != INVOKE_FUNC &&
                                   member.invkind != INVOKE_PROPERTYGET && i + 1 == member.cParams;
-        text += (i == 0 ? "" : ", ") + parameter_flags(flags) + " " +
+        text += (i == 0 ? "" : ", ") + parameter_flags(parameter.paramdesc) + " " +
                 type_text(info, parameter.tdesc) + " " +
                 (is_new_value ? "value" : name(static_cast<UINT>(i) + 1, "(unnamed)"));
     }
@@ -155,10 +173,10 @@ void print_class(ITypeInfo* info) {
 
 }  // namespace
 
-void print_description() {
+void print_description(const std::string& name) {
+    const GUID id = name == "TavikPMMInterfaces" ? LIBID_TavikPMMInterfaces : LIBID_OrvoMembership;
     Held<ITypeLib> library;
-    check_result(LoadRegTypeLib(LIBID_OrvoMembership, 1, 0, 0, library.put()), S_OK,
-                 "the registered type library");
+    check_result(LoadRegTypeLib(id, 1, 0, 0, library.put()), S_OK, "the registered type library");
     if (!library.get()) return;
     for (UINT i = 0; i < library->GetTypeInfoCount(); ++i) {
         Held<ITypeInfo> info;
@@ -175,11 +193,26 @@ void print_description() {
             case TKIND_COCLASS:
                 print_class(info.get());
                 break;
-            case TKIND_RECORD:  // of no use but for the spelling of names
-                break;
             default:
                 check(false, "a type of an unexpected kind: " + name_of(info.get()));
                 break;
         }
     }
+}
+
+void register_library(const std::wstring& file) {
+    Held<ITypeLib> library;
+    check_result(LoadTypeLibEx(file.c_str(), REGKIND_REGISTER, library.put()), S_OK, "registering");
+}
+
+void unregister_library(const std::wstring& file) {
+    Held<ITypeLib> library;
+    check_result(LoadTypeLibEx(file.c_str(), REGKIND_NONE, library.put()), S_OK, "loading");
+    if (!library.get()) return;
+    TLIBATTR* attributes = nullptr;
+    library->GetLibAttr(&attributes);
+    check_result(UnRegisterTypeLib(attributes->guid, attributes->wMajorVerNum,
+                                   attributes->wMinorVerNum, attributes->lcid, attributes->syskind),
+                 S_OK, "unregistering");
+    library->ReleaseTLibAttr(attributes);
 }

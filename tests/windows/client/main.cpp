@@ -2,7 +2,8 @@
 //
 //   orvo-client calls SITE_FILE   calls by slot, and what errors carry
 //   orvo-client unloading         the module goes with its last object
-//   orvo-client description       prints the registered type library in the words of the IDL
+//   orvo-client register FILE     registers a type library as others do; unregister: takes it away
+//   orvo-client description NAME  prints a registered type library in the words of the IDL
 
 #include <cstdio>
 
@@ -10,7 +11,9 @@
 
 void check_calls(const std::wstring& site_file);
 void check_unloading();
-void print_description();
+void print_description(const std::string& name);
+void register_library(const std::wstring& file);
+void unregister_library(const std::wstring& file);
 
 namespace {
 
@@ -54,12 +57,18 @@ int main(int count, char** arguments) {
     if (command == "calls" && count == 3) {
         const std::string site = arguments[2];
         check_calls(std::wstring(site.begin(), site.end()));
+    } else if ((command == "register" || command == "unregister") && count == 3) {
+        const std::string file = arguments[2];
+        (command == "register" ? register_library
+                               : unregister_library)(std::wstring(file.begin(), file.end()));
     } else if (command == "unloading") {
         check_unloading();
-    } else if (command == "description") {
-        print_description();
+    } else if (command == "description" && count == 3) {
+        print_description(arguments[2]);
     } else {
-        std::puts("orvo-client calls SITE_FILE | unloading | description");
+        std::puts(
+            "orvo-client calls SITE_FILE | unloading | description NAME | register FILE | "
+            "unregister FILE");
         return 2;
     }
     CoUninitialize();

@@ -1,0 +1,188 @@
+#pragma once
+
+// What a header made from IDL takes from the system's headers, for Linux: the structures and calls
+// of Automation as liborvo-runtime has them, under the names that such a header uses.
+
+#include <cstdint>
+#include <cstring>
+
+#define interface struct
+#define MIDL_INTERFACE(id) struct
+#define STDMETHODCALLTYPE
+#define __RPC_USER
+#define BEGIN_INTERFACE
+#define END_INTERFACE
+#define EXTERN_C extern "C"
+#define OLESTR(text) u##text
+
+using LONG = std::int32_t;
+using ULONG = std::uint32_t;
+using UINT = std::uint32_t;
+using WORD = std::uint16_t;
+using USHORT = std::uint16_t;
+using BOOL = std::int32_t;
+using HRESULT = std::int32_t;
+using LCID = std::uint32_t;
+using DISPID = std::int32_t;
+using VARTYPE = std::uint16_t;
+using VARIANT_BOOL = std::int16_t;
+using DATE = double;
+using OLECHAR = char16_t;
+using BSTR = OLECHAR*;
+using LPOLESTR = OLECHAR*;
+using LPCOLESTR = const OLECHAR*;
+
+struct GUID {
+    std::uint32_t Data1;
+    std::uint16_t Data2;
+    std::uint16_t Data3;
+    std::uint8_t Data4[8];
+};
+using IID = GUID;
+using CLSID = GUID;
+using REFIID = const IID&;
+using REFCLSID = const CLSID&;
+using REFGUID = const GUID&;
+inline bool operator==(const GUID& a, const GUID& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+
+#ifdef INITGUID
+#define DEFINE_GUID(name, l, w1, w2, b1, b2, b3, b4, b5, b6, b7, b8) \
+    extern "C" const GUID name = {l, w1, w2, {b1, b2, b3, b4, b5, b6, b7, b8}}
+#else
+#define DEFINE_GUID(name, l, w1, w2, b1, b2, b3, b4, b5, b6, b7, b8) extern "C" const GUID name
+#endif
+
+constexpr HRESULT S_OK = 0;
+constexpr HRESULT S_FALSE = 1;
+constexpr HRESULT E_NOTIMPL = static_cast<HRESULT>(0x80004001);
+constexpr HRESULT E_NOINTERFACE = static_cast<HRESULT>(0x80004002);
+constexpr HRESULT E_POINTER = static_cast<HRESULT>(0x80004003);
+constexpr HRESULT CLASS_E_NOAGGREGATION = static_cast<HRESULT>(0x80040110);
+constexpr HRESULT CLASS_E_CLASSNOTAVAILABLE = static_cast<HRESULT>(0x80040111);
+constexpr HRESULT DISP_E_MEMBERNOTFOUND = static_cast<HRESULT>(0x80020003);
+constexpr HRESULT DISP_E_UNKNOWNNAME = static_cast<HRESULT>(0x80020006);
+constexpr HRESULT DISP_E_EXCEPTION = static_cast<HRESULT>(0x80020009);
+constexpr HRESULT DISP_E_BADPARAMCOUNT = static_cast<HRESULT>(0x8002000E);
+constexpr bool SUCCEEDED(HRESULT code) { return code >= 0; }
+constexpr bool FAILED(HRESULT code) { return code < 0; }
+
+constexpr VARIANT_BOOL VARIANT_TRUE = -1;
+constexpr DISPID DISPID_UNKNOWN = -1;
+constexpr WORD DISPATCH_METHOD = 1;
+constexpr WORD DISPATCH_PROPERTYGET = 2;
+constexpr WORD DISPATCH_PROPERTYPUT = 4;
+constexpr DISPID DISPID_PROPERTYPUT = -3;
+constexpr std::uint32_t CLSCTX_INPROC_SERVER = 1;
+constexpr LCID LOCALE_NEUTRAL = 0;
+
+enum : VARTYPE {
+    VT_EMPTY = 0,
+    VT_NULL = 1,
+    VT_I4 = 3,
+    VT_BSTR = 8,
+    VT_DISPATCH = 9,
+    VT_VARIANT = 12,
+    VT_ARRAY = 0x2000,
+    VT_BYREF = 0x4000,
+};
+
+struct SAFEARRAY;
+struct SAFEARRAYBOUND {
+    ULONG cElements;
+    LONG lLbound;
+};
+interface IUnknown;
+interface IDispatch;
+struct VARIANT {
+    VARTYPE vt;
+    WORD reserved[3];
+    union {
+        LONG lVal;
+        BSTR bstrVal;
+        IUnknown* punkVal;
+        IDispatch* pdispVal;
+        SAFEARRAY* parray;
+        VARIANT* pvarVal;
+        VARIANT_BOOL boolVal;
+        struct {
+            void* first;
+            void* second;
+        } whole;
+    };
+};
+using VARIANTARG = VARIANT;
+struct DISPPARAMS {
+    VARIANTARG* rgvarg;
+    DISPID* rgdispidNamedArgs;
+    UINT cArgs;
+    UINT cNamedArgs;
+};
+struct EXCEPINFO {
+    WORD wCode;
+    WORD wReserved;
+    BSTR bstrSource;
+    BSTR bstrDescription;
+    BSTR bstrHelpFile;
+    std::uint32_t dwHelpContext;
+    void* pvReserved;
+    HRESULT (*pfnDeferredFillIn)(EXCEPINFO*);
+    HRESULT scode;
+};
+
+interface IUnknown {
+    virtual HRESULT QueryInterface(REFIID, void**) = 0;
+    virtual ULONG AddRef() = 0;
+    virtual ULONG Release() = 0;
+};
+interface ITypeInfo;
+interface IDispatch : public IUnknown {
+    virtual HRESULT GetTypeInfoCount(UINT*) = 0;
+    virtual HRESULT GetTypeInfo(UINT, LCID, ITypeInfo**) = 0;
+    virtual HRESULT GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) = 0;
+    virtual HRESULT Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
+                           UINT*) = 0;
+};
+interface IClassFactory : public IUnknown {
+    virtual HRESULT CreateInstance(IUnknown*, REFIID, void**) = 0;
+    virtual HRESULT LockServer(BOOL) = 0;
+};
+interface ISupportErrorInfo : public IUnknown {
+    virtual HRESULT InterfaceSupportsErrorInfo(REFIID) = 0;
+};
+interface IErrorInfo : public IUnknown {};
+interface ICreateErrorInfo : public IUnknown {
+    virtual HRESULT SetGUID(REFGUID) = 0;
+    virtual HRESULT SetSource(LPOLESTR) = 0;
+    virtual HRESULT SetDescription(LPOLESTR) = 0;
+    virtual HRESULT SetHelpFile(LPOLESTR) = 0;
+    virtual HRESULT SetHelpContext(std::uint32_t) = 0;
+};
+
+DEFINE_GUID(IID_IUnknown, 0, 0, 0, 0xC0, 0, 0, 0, 0, 0, 0, 0x46);
+DEFINE_GUID(IID_IClassFactory, 1, 0, 0, 0xC0, 0, 0, 0, 0, 0, 0, 0x46);
+DEFINE_GUID(IID_IDispatch, 0x20400, 0, 0, 0xC0, 0, 0, 0, 0, 0, 0, 0x46);
+DEFINE_GUID(IID_ISupportErrorInfo, 0xDF0B3D60, 0x548F, 0x101B, 0x8E, 0x65, 0x08, 0x00, 0x2B, 0x2B,
+            0xD1, 0x19);
+DEFINE_GUID(IID_IErrorInfo, 0x1CF2B120, 0x547D, 0x101B, 0x8E, 0x65, 0x08, 0x00, 0x2B, 0x2B, 0xD1,
+            0x19);
+
+extern "C" {
+BSTR SysAllocStringLen(const OLECHAR* text, UINT length);
+void SysFreeString(BSTR text);
+UINT SysStringLen(BSTR text);
+void VariantInit(VARIANT* value);
+HRESULT VariantClear(VARIANT* value);
+HRESULT VariantCopyInd(VARIANT* to, const VARIANT* from);
+HRESULT VariantChangeTypeEx(VARIANT* to, const VARIANT* from, LCID locale, USHORT flags,
+                            VARTYPE type);
+SAFEARRAY* SafeArrayCreateVector(VARTYPE type, LONG lower, ULONG count);
+HRESULT SafeArrayGetLBound(SAFEARRAY* array, UINT dimension, LONG* bound);
+HRESULT SafeArrayGetUBound(SAFEARRAY* array, UINT dimension, LONG* bound);
+HRESULT SafeArrayGetElement(SAFEARRAY* array, LONG* indices, void* out);
+HRESULT SafeArrayPutElement(SAFEARRAY* array, LONG* indices, void* value);
+HRESULT CreateErrorInfo(ICreateErrorInfo** out);
+HRESULT SetErrorInfo(ULONG reserved, IErrorInfo* info);
+HRESULT CLSIDFromProgID(LPCOLESTR progid, CLSID* out);
+HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, std::uint32_t context, REFIID iid,
+                         void** out);
+}
