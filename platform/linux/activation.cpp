@@ -31,15 +31,17 @@ HRESULT guarded(Body body) noexcept {
     }
 }
 
-// A lookup that missed: a fault of a manifest is told, where there is one; it may be the reason.
+// A lookup that missed: the folders are told, and a fault of a manifest, which may be the reason.
 HRESULT missed(const InstalledClasses::Miss& miss, const std::string& what, HRESULT unknown) {
     if (miss.is_listed) {
         set_thread_error(what + " is listed in a manifest that cannot be used: " + miss.faults);
         return co_e_errorindll;
     }
-    set_thread_error(miss.faults.empty()
-                         ? ""
-                         : what + " is not known, and a manifest cannot be used: " + miss.faults);
+    std::string text = what + " is not known in ";
+    for (const std::filesystem::path& folder : miss.folders)
+        text += (&folder == &miss.folders.front() ? "" : ", ") + folder.string();
+    if (!miss.faults.empty()) text += ", and a manifest cannot be used: " + miss.faults;
+    set_thread_error(text);
     return unknown;
 }
 

@@ -85,8 +85,8 @@ template <class Key>
 InstalledClasses::Miss InstalledClasses::explained(const Key& key) const {
     std::shared_lock guard(lock_);
     const IndexedClass* entry = index_->find(key);
-    if (entry && !entry->module) return {true, entry->fault};
-    return {false, index_->faults()};
+    if (entry && !entry->module) return {true, entry->fault, {}};
+    return {false, index_->faults(), index_->folders()};
 }
 
 InstalledClasses::Miss InstalledClasses::explain(std::u16string_view progid) const {

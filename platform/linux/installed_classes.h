@@ -6,9 +6,11 @@
 
 #include <atomic>
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <mutex>
 #include <shared_mutex>
+#include <vector>
 
 #include "platform/linux/manifest_index.h"
 
@@ -34,6 +36,7 @@ public:
     struct Miss {
         bool is_listed;      // in a manifest that cannot be used
         std::string faults;  // of that manifest; otherwise of all, empty when there are none
+        std::vector<std::filesystem::path> folders;  // that were looked into
     };
     Miss explain(std::u16string_view progid) const;
     Miss explain(const abi::CLSID& clsid) const;

@@ -40,6 +40,8 @@ public:
     const IndexedClass* find(std::u16string_view progid) const;
     const IndexedClass* find(const abi::CLSID& clsid) const;
 
+    const std::vector<std::filesystem::path>& folders() const { return folders_; }
+
     // Faults of manifests and folders, one after the other; empty when there are none.
     const std::string& faults() const { return faults_; }
 

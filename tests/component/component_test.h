@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "component/config/SharedServerInfo.h"
+#include "platform/interfaces/create.h"
 #include "platform/values/values.h"
 #include "tests/support/recording/doors.h"
 #include "tests/support/recording/fresh_thread.h"
@@ -19,6 +20,16 @@ inline constexpr const char* type_mismatch = "Type mismatch";
 
 // What the provider refuses with, where a test only asks how a refusal travels.
 inline Failure no_rights() { return {error_number(0x80072098), u"Its.Own", u"(50) no rights"}; }
+
+// What a creation says of a class that nobody knows: the standard text, the name, and where it was
+// looked for.
+inline std::string cannot_create(const Text& progid) {
+    const std::string text = to_utf8(raised_by([&] { create_object(progid); }).description);
+    EXPECT_THAT(text,
+                testing::StartsWith("ActiveX component can't create object: The component \"" +
+                                    to_utf8(progid) + "\" is not known in /"));
+    return text;
+}
 
 // An array of 32-bit integers, as a directory answers numbers.
 inline Values numbers(std::initializer_list<int> elements) {

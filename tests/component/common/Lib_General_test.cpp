@@ -10,7 +10,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr const char* method = "Lib_General.Gen_GetComponent";
-constexpr const char* cannot_create = "ActiveX component can't create object";
 
 class GetComponent : public ComponentTest {};
 
@@ -47,29 +46,36 @@ TEST_FRESH(GetComponent, OutsideAContextAnUnknownClassRaises429AndSaysCreateObje
                    "\r\n"
                    "ERROR 0x1AD\r\n"
                    " METHOD: Lib_General.Gen_GetComponent\r\n"
-                   " DESC: ActiveX component can't create object.\r\n"
-                   " INFO: CreateObject(Nobody.Knows) failed.\r\n");
+                   " DESC: " +
+                       cannot_create(u"Nobody.Knows") +
+                       ".\r\n"
+                       " INFO: CreateObject(Nobody.Knows) failed.\r\n");
 }
 
 TEST_FRESH(GetComponent, InsideAContextAnUnknownClassSaysCreateInstanceAndTheNote) {
     const RecordingContext context(journal_);
-    expect_failure(raised_by([] { Gen_GetComponent(u"Nobody.Knows"); }), 429, u"Test.Context",
-                   "\r\n"
-                   "ERROR 0x1AD\r\n"
-                   " METHOD: Lib_General.Gen_GetComponent\r\n"
-                   " DESC: ActiveX component can't create object.\r\n"
-                   " INFO: CreateInstance(Nobody.Knows) failed.\r\n"
-                   "Note: Objects having 'Instancing=PublicNotCreatable' may only be instantiated "
-                   "with 'New', not with Gen_GetComponent().\r\n");
+    expect_failure(
+        raised_by([] { Gen_GetComponent(u"Nobody.Knows"); }), 429, u"Test.Context",
+        "\r\n"
+        "ERROR 0x1AD\r\n"
+        " METHOD: Lib_General.Gen_GetComponent\r\n"
+        " DESC: " +
+            cannot_create(u"Nobody.Knows") +
+            ".\r\n"
+            " INFO: CreateInstance(Nobody.Knows) failed.\r\n"
+            "Note: Objects having 'Instancing=PublicNotCreatable' may only be instantiated "
+            "with 'New', not with Gen_GetComponent().\r\n");
 }
 
 TEST_FRESH(GetComponent, AFailureIsLoggedOnce) {
     raised_by([] { Gen_GetComponent(u"Nobody.Knows"); });
     const std::string info = "CreateObject(Nobody.Knows) failed";
-    EXPECT_THAT(log_.take(),
-                ElementsAre(LogEntry{
-                    "LogMessage", "OrvoMembership",
-                    block("1AD", method, block("1AD", method, cannot_create, info), info), 0}));
+    EXPECT_THAT(
+        log_.take(),
+        ElementsAre(LogEntry{
+            "LogMessage", "OrvoMembership",
+            block("1AD", method, block("1AD", method, cannot_create(u"Nobody.Knows"), info), info),
+            0}));
 }
 
 TEST_FRESH(GetComponent, InsideAContextTheLogTooComesFromTheContext) {
@@ -82,10 +88,12 @@ TEST_FRESH(GetComponent, InsideAContextTheLogTooComesFromTheContext) {
 
 TEST_FRESH(GetComponent, AMissingLogGivesTheSameFailureAndNoEndlessChain) {
     log_.remove();
-    expect_failure(raised_by([] { Gen_GetComponent(u"Nobody.Knows"); }), 429, u"OrvoMembership",
-                   block("1AD", method, cannot_create, "CreateObject(Nobody.Knows) failed"));
-    expect_failure(raised_by([] { Gen_GetComponent(u"Quendra.Log"); }), 429, u"OrvoMembership",
-                   block("1AD", method, cannot_create, "CreateObject(Quendra.Log) failed"));
+    expect_failure(
+        raised_by([] { Gen_GetComponent(u"Nobody.Knows"); }), 429, u"OrvoMembership",
+        block("1AD", method, cannot_create(u"Nobody.Knows"), "CreateObject(Nobody.Knows) failed"));
+    expect_failure(
+        raised_by([] { Gen_GetComponent(u"Quendra.Log"); }), 429, u"OrvoMembership",
+        block("1AD", method, cannot_create(u"Quendra.Log"), "CreateObject(Quendra.Log) failed"));
 }
 
 TEST_FRESH(GetComponent, WhatAClassRaisesWhileItIsMadeKeepsItsNumberAndSource) {

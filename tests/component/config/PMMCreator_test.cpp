@@ -132,9 +132,11 @@ TEST_FRESH(PMMCreatorTest, AnImplementationThatIsNotThereRaises429InTwoBlocks) {
                            " DESC: \r\n"
                            "ERROR 0x1AD\r\n"
                            " METHOD: Lib_General.Gen_GetComponent\r\n"
-                           " DESC: ActiveX component can't create object.\r\n"
-                           " INFO: CreateObject(Missing.Directory) failed.\r\n"
-                           ".\r\n");
+                           " DESC: " +
+                               cannot_create(u"Missing.Directory") +
+                               ".\r\n"
+                               " INFO: CreateObject(Missing.Directory) failed.\r\n"
+                               ".\r\n");
         }
     });
 }

@@ -251,7 +251,7 @@ TEST_FRESH(SetConfiguration, WithoutTheComponentRaisesWhatGetComponentRaised) {
     Text path = u"site.ini";
     expect_failure(
         raised_by([&] { info.SetConfiguration(path); }), 429, u"OrvoMembership",
-        block("1AD", "Lib_General.Gen_GetComponent", "ActiveX component can't create object",
+        block("1AD", "Lib_General.Gen_GetComponent", cannot_create(u"Quendra.Configuration"),
               "CreateObject(Quendra.Configuration) failed"));
     EXPECT_FALSE(info.IsLoaded());
 }

@@ -63,7 +63,7 @@ TEST_FRESH(LdapAccessBinding, TheTransactionServerMayActivateItAgainAndDeactivat
 TEST_FRESH(LdapAccessBinding, WithoutTheConfigurationComponentCreationFailsAsItIsRaised) {
     configuration_.remove();
     const auto expected =
-        block("1AD", "Lib_General.Gen_GetComponent", "ActiveX component can't create object",
+        block("1AD", "Lib_General.Gen_GetComponent", cannot_create(u"Quendra.Configuration"),
               "CreateObject(Quendra.Configuration) failed");
     expect_failure(raised_by([] { LdapAccess(); }), 429, u"OrvoMembership", expected);
     expect_failure(raised_by([] { make<LdapAccess>(); }), 429, u"OrvoMembership", expected);
@@ -131,10 +131,12 @@ TEST_FRESH(LdapAccessBinding, AProviderThatIsNotThereRaises429InThreeBlocks) {
                        " DESC: \r\n"
                        "ERROR 0x1AD\r\n"
                        " METHOD: Lib_General.Gen_GetComponent\r\n"
-                       " DESC: ActiveX component can't create object.\r\n"
-                       " INFO: CreateObject(Missing.Directory) failed.\r\n"
-                       ".\r\n"
-                       ".\r\n");
+                       " DESC: " +
+                           cannot_create(u"Missing.Directory") +
+                           ".\r\n"
+                           " INFO: CreateObject(Missing.Directory) failed.\r\n"
+                           ".\r\n"
+                           ".\r\n");
         EXPECT_EQ(log_.take().size(), 3u) << "each level writes its own entry";
     });
 }

@@ -437,7 +437,7 @@ TEST_FRESH(UserAttributes, WithoutADictionaryTheBindEndsUnderCheckPrivs) {
     through_every_door([](Behind<User>& user) {
         expect_failure(raised_by([&] { bind(user); }), 429, u"OrvoMembership",
                        block("1AD", bind_as,
-                             block("1AD", check_privs, "ActiveX component can't create object")));
+                             block("1AD", check_privs, cannot_create(u"Scripting.Dictionary"))));
     });
 }
 

@@ -113,7 +113,7 @@ TEST_FRESH(Module, AfterUnregistrationItsClassesAreUnknown) {
     EXPECT_EQ(exported<abi::HRESULT()>("DllUnregisterServer")(), abi::s_ok);
     const Failure failure = raised_by([] { create_object(u"OrvoMembership.ServerInfo"); });
     EXPECT_EQ(failure.number, 429);
-    EXPECT_EQ(to_utf8(failure.description), "ActiveX component can't create object");
+    EXPECT_EQ(to_utf8(failure.description), cannot_create(u"OrvoMembership.ServerInfo"));
 }
 
 TEST_FRESH(Module, ObjectsOfOneThreadShareItsSettings) {
@@ -146,7 +146,7 @@ TEST_FRESH(Module, AConfigurationThatIsMissingSurfacesFromCreationWithItsBlock) 
     configuration_.remove();
     expect_failure(
         raised_by([] { create_object(u"OrvoMembership.LdapAccess"); }), 429, u"OrvoMembership",
-        block("1AD", "Lib_General.Gen_GetComponent", "ActiveX component can't create object",
+        block("1AD", "Lib_General.Gen_GetComponent", cannot_create(u"Quendra.Configuration"),
               "CreateObject(Quendra.Configuration) failed"));
 }
 

@@ -26,6 +26,12 @@ protected:
     static std::string other_line(const std::string& progid) {
         return std::string("class = ") + unknown_class_text + " " + progid + "\n";
     }
+    // The folders of the search path, as a failure tells them.
+    std::string searched() const {
+        return folder("front").string() + ", " + folder("second").string() + ", " +
+               (folder("home") / ".local/share/orvo/components").string() +
+               ", /usr/local/share/orvo/components, /usr/share/orvo/components";
+    }
     static HRESULT look_up(const char16_t* progid, CLSID& clsid) {
         return CLSIDFromProgID(progid, &clsid);
     }
@@ -127,17 +133,18 @@ TEST_F(ClassLookup, ReadsTheSearchPathAfreshWhenItMisses) {
     EXPECT_EQ(look_up(u"Sample.Third", clsid), s_ok);
 }
 
-TEST_F(ClassLookup, SaysNothingMoreOfANameThatNobodyKnows) {
+TEST_F(ClassLookup, TellsTheNameThatNobodyKnowsAndWhereItWasLookedFor) {
     Counted earlier;
     SetErrorInfo(0, &earlier);
     CLSID clsid{};
     EXPECT_EQ(look_up(u"Sample.Unknown", clsid), co_e_classstring);
-    IUnknown* error = nullptr;
-    EXPECT_EQ(GetErrorInfo(0, &error), s_false) << "an older error is not this failure's";
+    EXPECT_EQ(error_text(), "The component \"Sample.Unknown\" is not known in " + searched());
+    EXPECT_EQ(earlier.references, 1) << "an older error is not this failure's";
     void* object = nullptr;
     EXPECT_EQ(CoGetClassObject(sample_class, CLSCTX_INPROC_SERVER, nullptr, iid_unknown, &object),
               regdb_e_classnotreg);
-    EXPECT_EQ(GetErrorInfo(0, &error), s_false);
+    EXPECT_EQ(error_text(),
+              std::string("The class ") + sample_class_text + " is not known in " + searched());
 }
 
 struct BrokenManifest {
@@ -184,9 +191,9 @@ TEST_P(BrokenManifestLookup, TellsFileLineAndReason) {
     CLSID clsid{};
     EXPECT_EQ(look_up(u"Sample.Good", clsid), s_ok) << "the others can be used";
     EXPECT_EQ(look_up(u"Sample.Unknown", clsid), co_e_classstring);
-    EXPECT_EQ(error_text(),
-              "The component \"Sample.Unknown\" is not known, and a manifest cannot be used: " +
-                  file.string() + GetParam().reason);
+    EXPECT_EQ(error_text(), "The component \"Sample.Unknown\" is not known in " + searched() +
+                                ", and a manifest cannot be used: " + file.string() +
+                                GetParam().reason);
 }
 
 INSTANTIATE_TEST_SUITE_P(Every, BrokenManifestLookup, ::testing::ValuesIn(broken_manifests),
@@ -218,9 +225,9 @@ TEST_F(ClassLookup, TellsAManifestThatCannotBeRead) {
     std::filesystem::create_directory(file);
     CLSID clsid{};
     EXPECT_EQ(look_up(u"Sample.Unknown", clsid), co_e_classstring);
-    EXPECT_EQ(error_text(),
-              "The component \"Sample.Unknown\" is not known, and a manifest cannot be used: " +
-                  file.string() + ": it cannot be read: Is a directory");
+    EXPECT_EQ(error_text(), "The component \"Sample.Unknown\" is not known in " + searched() +
+                                ", and a manifest cannot be used: " + file.string() +
+                                ": it cannot be read: Is a directory");
 }
 
 TEST_F(ClassLookup, FindsTheProgramsOwnClassesFirstAndOnlyWhileTheyLast) {
