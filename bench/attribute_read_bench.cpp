@@ -13,14 +13,15 @@ namespace {
 
 template <class Entry, class BindAs>
 void bind(Entry& entry, BindAs bind_as) {
-    Text name = u"cn=jsmith", user, password, server, container;
+    Text name = u"cn=jsmith", user, server, container;
+    Secret password;
     bind_as(entry, name, user, password, server, container);
 }
 
 void by_cpp_call(benchmark::State& state) {
     const MemoryClasses classes;
     LdapAccess entry;
-    bind(entry, [](LdapAccess& bound, auto&... texts) { bound.BindAs(texts...); });
+    bind(entry, [](LdapAccess& bound, auto&... given) { bound.BindAs(given...); });
     Text name = u"mail";
     for (auto _ : state) benchmark::DoNotOptimize(entry.GetAttribValue(name));
 }
@@ -29,7 +30,7 @@ BENCHMARK(by_cpp_call)->Name("GetAttribValue, C++ call");
 void by_slot(benchmark::State& state) {
     const MemoryClasses classes;
     const auto entry = make<LdapAccess>();
-    bind(entry, [](auto& bound, auto&... texts) { call<&LdapAccess::BindAs>(bound, texts...); });
+    bind(entry, [](auto& bound, auto&... given) { call<&LdapAccess::BindAs>(bound, given...); });
     Text name = u"mail";
     for (auto _ : state) benchmark::DoNotOptimize(call<&LdapAccess::GetAttribValue>(entry, name));
 }
@@ -38,7 +39,7 @@ BENCHMARK(by_slot)->Name("GetAttribValue, by slot");
 void late_bound(benchmark::State& state) {
     const MemoryClasses classes;
     const auto entry = make<LdapAccess>();
-    bind(entry, [](auto& bound, auto&... texts) { call<&LdapAccess::BindAs>(bound, texts...); });
+    bind(entry, [](auto& bound, auto&... given) { call<&LdapAccess::BindAs>(bound, given...); });
     for (auto _ : state)
         benchmark::DoNotOptimize(late::call(entry.object(), u"GetAttribValue", {u"mail"}));
 }

@@ -11,7 +11,7 @@ namespace orvo {
 
 class MemoryEntry final : public DirectoryEntry {
 public:
-    void Bind(Text&, Text&, Text&, Text&, Text&, Variant&) override {}
+    void Bind(Text&, Text&, Text&, Text&, Secret&, Variant&) override {}
     Variant GetValues(Text& name) override {
         if (name == u"ProfileCN") return Values{Variant()};
         if (name == u"OrvoUserType") return Values{1};

@@ -20,7 +20,8 @@ struct BoundUser {
 
     BoundUser() {
         user = make<User>();
-        Text name = u"jsmith", account = u"cn=service", password = u"sample";
+        Text name = u"jsmith", account = u"cn=service";
+        Secret password(u"sample");
         call<&User::setServerInfo>(user, u"memory");
         call<&User::BindAs>(user, name, account, password);
     }
@@ -29,7 +30,8 @@ struct BoundUser {
 void read_by_cpp_call(benchmark::State& state) {
     const BoundUser bound;
     User user;
-    Text name = u"jsmith", account = u"cn=service", password = u"sample";
+    Text name = u"jsmith", account = u"cn=service";
+    Secret password(u"sample");
     user.BindAs(name, account, password);
     for (auto _ : state) benchmark::DoNotOptimize(user.get_property<SpendLimit>());
 }
@@ -51,7 +53,8 @@ BENCHMARK(read_late_bound)->Name("SpendLimit read, late bound");
 void write_by_cpp_call(benchmark::State& state) {
     const BoundUser bound;
     User user;
-    Text name = u"jsmith", account = u"cn=service", password = u"sample";
+    Text name = u"jsmith", account = u"cn=service";
+    Secret password(u"sample");
     user.BindAs(name, account, password);
     for (auto _ : state) user.put_property<SpendLimit>(limit);
 }

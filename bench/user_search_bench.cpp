@@ -43,7 +43,8 @@ void user_search(benchmark::State& state) {
     const RawConnection raw = raw_connection(server.url());
     directory::ldap::LdapSearch search;
     Text address = from_utf8(server.server()), container = u"ou=Users,o=Shop";
-    Text user = from_utf8(server.service_dn()), password = from_utf8(server.service_password());
+    Text user = from_utf8(server.service_dn());
+    Secret password = Secret::of_bytes(server.service_password());
     search.Connect(address, container, user, password);
     if (!raw_bind(raw, server.service_dn(), server.service_password()) ||
         provider_search(search) != rows_wanted)

@@ -2,6 +2,7 @@
 #include "component/common/Lib_ErrorHandling.h"
 #include "component/common/Lib_General.h"
 #include "component/common/OrvoMemErrors.h"
+#include "component/common/password_value.h"
 #include "component/entries/User_table.h"
 
 namespace orvo {
@@ -12,20 +13,23 @@ constexpr std::int32_t right_but_expired = -4;
 
 }  // namespace
 
-void User::ChangePassword(Text& iOldPwd, Text& iNewPwd) {
+void User::ChangePassword(Secret& iOldPwd, Secret& iNewPwd) {
     constexpr const char16_t* source = u"OrvoMembership.User.ChangePassword";
     trapped(source, [&] {
         if (!directory_object_) return;
         const auto validator = Gen_GetComponent<Validator>(u"OrvoMembership.Validator");
         Variant user = CN();
-        Variant old = iOldPwd;
+        PasswordValue old(iOldPwd);
         const auto result =
-            call<&Validator::ValidatePassword>(validator, user, old).to<std::int32_t>();
+            call<&Validator::ValidatePassword>(validator, user, old.value).to<std::int32_t>();
         if (result < 0 && result != right_but_expired)
             throw Failure(emErrPwdNotCorrect, source, u"The current password is not correct");
         Text name = u"userPassword";
-        Variant value = Values{iNewPwd};
-        SetAttribValue(name, value);
+        PasswordValue stored(iNewPwd);
+        Values one(0, 1);
+        one[0] = std::move(stored.value);
+        stored.value = std::move(one);
+        SetAttribValue(name, stored.value);
     });
 }
 

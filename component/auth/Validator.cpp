@@ -1,23 +1,24 @@
 #include "component/auth/Validator.h"
 
 #include "component/common/Lib_ErrorHandling.h"
+#include "component/common/password_value.h"
 #include "component/config/PMMCreator.h"
 #include "component/config/SharedServerInfo.h"
 #include "platform/interfaces/call.h"
 
 namespace orvo {
 
-std::int32_t Validator::CheckUserPassword(Text& sUserId, Variant sPassword) {
+std::int32_t Validator::CheckUserPassword(Text& sUserId, const Secret& sPassword) {
     const auto validator = PMMCreator().GetPMMValidator();
     Variant path = shared_server_info()->FullUserPath(sUserId);
-    return call<&DirectoryValidator::Validate>(validator, path, sPassword);
+    PasswordValue password(sPassword);
+    return call<&DirectoryValidator::Validate>(validator, path, password.value);
 }
 
 Variant Validator::ValidatePassword(Variant& iUserId, Variant& iPassword) {
     return trapped(u"OrvoMembership.Validator.ValidatePassword", [&] {
         Text user = iUserId.to<Text>();
-        return Variant(CheckUserPassword(
-            user, iPassword.is_text() ? iPassword : Variant(iPassword.to<Text>())));
+        return Variant(CheckUserPassword(user, iPassword.to<Secret>()));
     });
 }
 

@@ -2,6 +2,7 @@
 
 #include "platform/interfaces/hosted.h"
 #include "platform/objects/context/object_control.h"
+#include "platform/values/secret.h"
 #include "platform/values/variant.h"
 
 namespace orvo {
@@ -37,16 +38,15 @@ public:
     void setServerInfo(const Text& i_sConfigurationPath);
     // Opens the entry with the service account; the old password is checked by the user's own
     // ChangePassword, which raises emErrPwdNotCorrect.
-    void ChangePassword(Text& username, Text& oldpassword, Text& newpassword);
+    void ChangePassword(Text& username, Secret& oldpassword, Secret& newpassword);
 
     void IObjectControl_Activate() override;
     void IObjectControl_Deactivate() override;
     bool IObjectControl_CanBePooled() override { return false; }
 
 private:
-    // sPassword is a text; the provider may change it.
-    std::int32_t CheckUserPassword(Text& sUserId, Variant sPassword);
-    Text UpdateAuthorizationFilter(Text& sUserId, Text& sPassword, Text& sGuid);
+    std::int32_t CheckUserPassword(Text& sUserId, const Secret& sPassword);
+    Text UpdateAuthorizationFilter(Text& sUserId, Secret& sPassword, Text& sGuid);
     void set_cookie(const Text& name, const Text& guid);
     void register_login(const Text& user, const Variant& applications);
 

@@ -6,6 +6,7 @@
 #include "component/common/Lib_General.h"
 #include "component/common/OrvoMemErrors.h"
 #include "component/common/web_page.h"
+#include "component/config/DirectoryAccount.h"
 #include "component/config/SharedServerInfo.h"
 #include "component/entries/User_table.h"
 #include "platform/interfaces/late_call.h"
@@ -76,7 +77,7 @@ Variant Validator::ValidateCredentials(Variant& iVarUserID, Variant& iVarPasswor
                                        Variant& iVarOriginalUrl) {
     return trapped(login, [&]() -> Variant {
         Text sUserId = iVarUserID.to<Text>();
-        Text sPassword = iVarPassword.to<Text>();
+        Secret sPassword = iVarPassword.to<Secret>();
         iVarOriginalUrl.to<Text>();  // is not used, but must be one
         const std::int32_t lResult = CheckUserPassword(sUserId, sPassword);
         if (lResult < 0) return lResult;
@@ -129,7 +130,7 @@ void Validator::register_login(const Text& user, const Variant& applications) {
                                           lMultiLoginTimeout);
 }
 
-Text Validator::UpdateAuthorizationFilter(Text& sUserId, Text& sPassword, Text& sGuid) {
+Text Validator::UpdateAuthorizationFilter(Text& sUserId, Secret& sPassword, Text& sGuid) {
     constexpr const char16_t* source = u"OrvoMembership.Validator.UpdateAuthorizationFilter";
     return trapped(source, [&] {
         Text guid = sGuid;
@@ -137,7 +138,7 @@ Text Validator::UpdateAuthorizationFilter(Text& sUserId, Text& sPassword, Text& 
         Text path = shared_server_info()->FullUserPath(sUserId);
         call<&User::BindAs>(user, sUserId, path, sPassword);
         const Text nt_user = call<&User::NTUser>(user);
-        const Text nt_password = call<&User::NTPassword>(user);
+        const Secret nt_password = call<&User::NTPassword>(user);
         path = shared_server_info()->FullUserPath(sUserId);
 
         const Variant item = late::value_of(m_oApplication, {filter_connector_progid});
@@ -172,13 +173,11 @@ Text Validator::UpdateAuthorizationFilter(Text& sUserId, Text& sPassword, Text& 
     });
 }
 
-void Validator::ChangePassword(Text& username, Text& oldpassword, Text& newpassword) {
+void Validator::ChangePassword(Text& username, Secret& oldpassword, Secret& newpassword) {
     trapped(u"OrvoMembership.Validator.ChangePassword", [&] {
         const auto user = Gen_GetComponent<User>(u"OrvoMembership.User");
-        ServerInfo& info = *shared_server_info();
-        Text account = info.script_user();
-        Text code = info.script_code();
-        call<&User::BindAs>(user, username, account, code);
+        DirectoryAccount account = script_account();
+        call<&User::BindAs>(user, username, account.name, account.secret);
         call<&User::ChangePassword>(user, oldpassword, newpassword);
     });
 }

@@ -8,6 +8,7 @@
 // sessions: every operation may be called from any thread.
 
 #include "platform/interfaces/interface.h"
+#include "platform/values/secret.h"
 #include "platform/values/variant.h"
 
 namespace orvo {
@@ -23,12 +24,12 @@ public:
     // The user's distinguished name.
     virtual Text AccountPath() = 0;
     virtual void put_AccountPath(const Text& path) = 0;
-    virtual Text Password() = 0;
-    virtual void put_Password(const Text& password) = 0;
+    virtual Secret Password() = 0;
+    virtual void put_Password(const Secret& password) = 0;
     virtual Text NTUser() = 0;
     virtual void put_NTUser(const Text& user) = 0;
-    virtual Text NTPassword() = 0;
-    virtual void put_NTPassword(const Text& password) = 0;
+    virtual Secret NTPassword() = 0;
+    virtual void put_NTPassword(const Secret& password) = 0;
     virtual void Save() = 0;
 
 protected:

@@ -15,12 +15,12 @@ void Account::Init(std::int16_t& iUserType) {
     };
     trapped_with_info(u"OrvoMembership.Account.Init", info_line, [&] {
         ServerInfo& info = *shared_server_info();
-        Text user = info.script_user();
-        Text password = info.script_code();
+        DirectoryAccount account = script_account();
         PMMCreator provider;
         entry_ = provider.GetPMMObject();
         bind_entry(entry_, info.account_container(),
-                   info.account_naming_attribute() + u"=" + decimal(iUserType), user, password);
+                   info.account_naming_attribute() + u"=" + decimal(iUserType), account.name,
+                   account.secret);
     });
 }
 

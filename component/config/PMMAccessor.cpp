@@ -27,7 +27,7 @@ void PMMAccessor::InitConfigFile(const Text& sSiteConfigFileName) {
         call<&Configuration::LoadSiteConfigurationFile>(configuration, sSiteConfigFileName);
         ServerInfo& info = *shared_server_info();
         info.LoadConfigFile(configuration);
-        account_ = {info.script_user(), Secret(info.script_code())};
+        account_ = script_account();
     });
 }
 

@@ -1,16 +1,19 @@
 #include "component/config/ServerInfo.h"
 
+#include <variant>
+
 #include "component/common/Lib_ErrorHandling.h"
 #include "component/common/Lib_General.h"
+#include "component/common/password_value.h"
 #include "platform/interfaces/call.h"
 
 namespace orvo {
 
-// One key of section "MEMBERSHIP" and the field it fills: a text, or a list split at ",".
+// One key of section "MEMBERSHIP" and the field it fills: a text, a list split at ",", or a
+// password.
 struct ServerInfo::Setting {
     const char16_t* key;
-    Text ServerInfo::*text = nullptr;
-    Variant ServerInfo::*list = nullptr;
+    std::variant<Text ServerInfo::*, Variant ServerInfo::*, Secret ServerInfo::*> field;
 };
 
 // In the order in which they are read; the last one is read after the containers are composed.
@@ -19,13 +22,13 @@ const ServerInfo::Setting ServerInfo::settings[] = {
     {u"UserContainer", &ServerInfo::user_container_},
     {u"ProfileContainer", &ServerInfo::profile_container_},
     {u"AccountContainer", &ServerInfo::account_container_},
-    {u"UserClass", nullptr, &ServerInfo::user_classes_},
+    {u"UserClass", &ServerInfo::user_classes_},
     {u"ProfileClass", &ServerInfo::profile_class_},
     {u"AccountClass", &ServerInfo::account_class_},
     {u"ProfileNamingAttribute", &ServerInfo::profile_naming_attribute_},
     {u"UserNamingAttribute", &ServerInfo::user_naming_attribute_},
     {u"AccountNamingAttribute", &ServerInfo::account_naming_attribute_},
-    {u"UserMandatoryAttributes", nullptr, &ServerInfo::user_mandatory_attributes_},
+    {u"UserMandatoryAttributes", &ServerInfo::user_mandatory_attributes_},
     {u"MemScriptUser", &ServerInfo::script_user_},
     {u"MemScriptCode", &ServerInfo::script_code_},
     {u"CookieName", &ServerInfo::cookie_name_},
@@ -33,6 +36,24 @@ const ServerInfo::Setting ServerInfo::settings[] = {
     {u"ConfigFileName", &ServerInfo::configuration_file_name_},
     {u"PlugableModuleImplementation", &ServerInfo::provider_implementation_},
 };
+
+namespace {
+
+bool is_filled(const Variant& list) { return list.is_array(); }
+bool is_filled(const auto& text) { return !text.empty(); }
+
+template <class T>
+T read_as(const Variant& value) {
+    return value.to<T>();
+}
+template <>
+Variant read_as<Variant>(const Variant& value) {
+    Values list;
+    for (const Text& piece : split(value.to<Text>(), u",")) list.push_back(piece);
+    return list;
+}
+
+}  // namespace
 
 void ServerInfo::CheckState() {
     // Without a pending error this neither logs nor raises: who asks before anything was loaded
@@ -43,7 +64,7 @@ void ServerInfo::CheckState() {
 }
 
 Variant ServerInfo::GetMemScriptUser() { return script_user(); }
-Variant ServerInfo::GetMemScriptCode() { return script_code(); }
+Variant ServerInfo::GetMemScriptCode() { return password_value(script_code()); }
 Variant ServerInfo::GetServerName() { return server_name(); }
 Variant ServerInfo::GetPMMImplementation() { return provider_implementation(); }
 Variant ServerInfo::GetProfileContainer() { return profile_container(); }
@@ -62,19 +83,15 @@ Variant ServerInfo::GetConfigFileName() { return configuration_file_name(); }
 Text ServerInfo::ConfigurationPath() { return configuration_path_; }
 
 void ServerInfo::fill(const Setting& setting, const Ref<Configuration>& configuration) {
-    const bool is_filled =
-        setting.text != nullptr ? !(this->*setting.text).empty() : (this->*setting.list).is_array();
-    if (is_filled) return;
-    Text section = u"MEMBERSHIP";
-    Text key = setting.key;
-    Text value = call<&Configuration::ReadConfigValue>(configuration, section, key).to<Text>();
-    if (setting.text != nullptr) {
-        this->*setting.text = std::move(value);
-        return;
-    }
-    Values list;
-    for (Text& piece : split(value, u",")) list.push_back(std::move(piece));
-    this->*setting.list = std::move(list);
+    std::visit(
+        [&]<class T>(T ServerInfo::*field) {
+            T& filled = this->*field;
+            if (is_filled(filled)) return;
+            Text section = u"MEMBERSHIP";
+            Text key = setting.key;
+            filled = read_as<T>(call<&Configuration::ReadConfigValue>(configuration, section, key));
+        },
+        setting.field);
 }
 
 void ServerInfo::LoadConfigFile(Ref<Configuration>& i_oConfiguration) {

@@ -4,6 +4,7 @@
 
 #include "component/config/configuration_contract.h"
 #include "platform/interfaces/hosted.h"
+#include "platform/values/secret.h"
 #include "platform/values/values.h"
 
 namespace orvo {
@@ -56,7 +57,7 @@ public:
 
     // What the getters of one text answer, for the component itself.
     const Text& script_user() { return checked(full_script_user_); }
-    const Text& script_code() { return checked(script_code_); }
+    const Secret& script_code() { return checked(script_code_); }
     const Text& server_name() { return checked(server_name_); }
     const Text& provider_implementation() { return checked(provider_implementation_); }
     const Text& profile_container() { return checked(full_profile_container_); }
@@ -96,7 +97,7 @@ private:
     Text account_naming_attribute_;
     Variant user_mandatory_attributes_;
     Text script_user_;
-    Text script_code_;
+    Secret script_code_;
     Text cookie_name_;
     Text root_;
     Text configuration_file_name_;

@@ -8,6 +8,7 @@
 #include "component/common/Lib_ErrorHandling.h"
 #include "component/common/Lib_General.h"
 #include "component/common/OrvoMemErrors.h"
+#include "component/common/password_value.h"
 #include "component/common/web_page.h"
 #include "component/config/SharedServerInfo.h"
 #include "component/containers/record_fields.h"
@@ -25,14 +26,16 @@ constexpr const char16_t* not_bound = u"Not bound to the Members Organizational 
     throw Failure(emErrNotBoundToMembers, create_user, not_bound);
 }
 
-Ref<Dictionary> attributes_of_new_user(ServerInfo& info, const Text& name, const Text& password) {
+Ref<Dictionary> attributes_of_new_user(ServerInfo& info, const Text& name, const Secret& password) {
     auto attributes = Ref<Dictionary>::from(create_object(dictionary_progid));
     const auto add = [&](Variant key, Variant value) {
         call<&Dictionary::Add>(attributes, key, value);
     };
     add(u"cn", name);
     add(u"OrvoGUID", NewGUIDText());
-    add(u"userPassword", password);
+    Variant password_name = u"userPassword";
+    PasswordValue lent(password);
+    call<&Dictionary::Add>(attributes, password_name, lent.value);
     const Text naming_attribute = info.user_naming_attribute();
     if (naming_attribute != u"cn") add(naming_attribute, name);
     for (const Variant& mandatory : info.GetUserMandatoryAttributes().to<Values>())
@@ -71,8 +74,7 @@ void Members::IObjectControl_Activate() {
         load_site_configuration();
         const Object session = context_item(u"Session");
         mApplication = context_item(u"Application");
-        mAccount.name = session_text(session, session_account);
-        mAccount.secret = session_secret(session);
+        mAccount = account_of(session);
     });
 }
 
@@ -82,10 +84,10 @@ void Members::setServerInfo(const Text& i_sConfigurationPath) {
     shared_server_info()->SetConfiguration(path);
 }
 
-void Members::BindAs(Text& iUsername, Text& iPassword) {
+void Members::BindAs(Text& iUsername, Secret& iPassword) {
     constexpr const char16_t* source = u"OrvoMembership.Members.BindAs";
     trapped(source, [&] {
-        mAccount = {iUsername, Secret(iPassword)};
+        mAccount = {iUsername, iPassword.clone()};
         mContainer = nullptr;
         ServerInfo& info = settings_or_raise(emErrServerInfoNotCreated, source,
                                              u"Could not retrieve LDAP server information");
@@ -101,19 +103,13 @@ void Members::BindAs(Text& iUsername, Text& iPassword) {
     });
 }
 
-void Members::bind_as_stored() {
-    Text user = mAccount.name;
-    Text password = mAccount.password_text();
-    BindAs(user, password);
-}
+void Members::bind_as_stored() { BindAs(mAccount.name, mAccount.secret); }
 
 void Members::bind_as_stored(const Ref<User>& user, Text name) {
-    Text account = mAccount.name;
-    Text password = mAccount.password_text();
-    call<&User::BindAs>(user, name, account, password);
+    call<&User::BindAs>(user, name, mAccount.name, mAccount.secret);
 }
 
-Ref<User> Members::CreateUser(Text& iCommonName, Text& iPassword) {
+Ref<User> Members::CreateUser(Text& iCommonName, Secret& iPassword) {
     const auto reword = [&](Failure& failure) {
         if (!contains_ignoring_case(failure.description,
                                     u"(68) The specified entry already exists."))
@@ -137,20 +133,19 @@ Ref<User> Members::CreateUser(Text& iCommonName, Text& iPassword) {
     });
 }
 
-Ref<User> Members::CreateUserOnFormsLogin(Text& iCommonName, Text& iPassword) {
-    ServerInfo& info = settings_or_raise(emErrNotBoundToMembers, create_user, not_bound);
-    Text user = info.script_user();
-    Text password = info.script_code();
-    BindAs(user, password);
+Ref<User> Members::CreateUserOnFormsLogin(Text& iCommonName, Secret& iPassword) {
+    settings_or_raise(emErrNotBoundToMembers, create_user, not_bound);
+    DirectoryAccount account = script_account();
+    BindAs(account.name, account.secret);
     return CreateUser(iCommonName, iPassword);
 }
 
-Ref<User> Members::CreateUserWithAttributes(const Text& i_sUsername, const Text& i_sPassword,
+Ref<User> Members::CreateUserWithAttributes(const Text& i_sUsername, const Secret& i_sPassword,
                                             Variant& i_aAttrNames, Variant& i_aAttrValues) {
     constexpr const char16_t* source = u"OrvoMembership.Members.CreateUserWithAttributes";
     return trapped(source, [&] {
         Text name = i_sUsername;
-        Text password = i_sPassword;
+        Secret password = i_sPassword.clone();
         auto user = CreateUserOnFormsLogin(name, password);
         if (!user)
             throw Failure(membership_failed, source,

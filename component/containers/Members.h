@@ -24,16 +24,16 @@ public:
     // The credentials are kept whatever comes of it. A name that is empty or blank, as a page has
     // it before a login, returns quietly and leaves the container unbound; what needs it fails
     // then.
-    void BindAs(Text& iUsername, Text& iPassword);
+    void BindAs(Text& iUsername, Secret& iPassword);
     // Loads a site configuration file into the thread's shared settings; an empty path leaves them.
     void setServerInfo(const Text& i_sConfigurationPath);
 
     // For a registration page, where nobody is logged in: binds as the membership script account,
     // and stays bound so.
-    Ref<User> CreateUserOnFormsLogin(Text& iCommonName, Text& iPassword);
+    Ref<User> CreateUserOnFormsLogin(Text& iCommonName, Secret& iPassword);
     // Raises emErrNotBoundToMembers where there is no binding to be had, entry_already_exists for a
     // common name that is taken.
-    Ref<User> CreateUser(Text& iCommonName, Text& iPassword);
+    Ref<User> CreateUser(Text& iCommonName, Secret& iPassword);
     // Binds anew first, always. Raises no_such_entry for a user who is not there.
     void DeleteUser(Text& iCommonName);
     // Raises 3021 (no current record) for a GUID that nobody has. Of several, the first in the
@@ -61,7 +61,7 @@ public:
 
     // CreateUserOnFormsLogin, then one attribute after the other: names and values from index 0,
     // whatever the lower bound; a value is a single one or an array of them.
-    Ref<User> CreateUserWithAttributes(const Text& i_sUsername, const Text& i_sPassword,
+    Ref<User> CreateUserWithAttributes(const Text& i_sUsername, const Secret& i_sPassword,
                                        Variant& i_aAttrNames, Variant& i_aAttrValues);
     // GetOrvoUsers with columns of one's own, and without a bookmark.
     Object GetOrvoUsersEx(const Variant& iCriteria, const Variant& i_vAttributeNames,

@@ -32,16 +32,15 @@ void Profiles::IObjectControl_Activate() {
             return;
         load_site_configuration();
         const Object session = context_item(u"Session");
-        Text user = session_text(session, session_account);
-        Text password = session_text(session, session_password);
-        BindAs(user, password);
+        DirectoryAccount account = account_of(session);
+        BindAs(account.name, account.secret);
     });
 }
 
-void Profiles::BindAs(Text& iUsername, Text& iPwd) {
+void Profiles::BindAs(Text& iUsername, Secret& iPwd) {
     constexpr const char16_t* source = u"OrvoMembership.Profiles.BindAs";
     trapped(source, [&] {
-        mAccount = {iUsername, Secret(iPwd)};
+        mAccount = {iUsername, iPwd.clone()};
         ServerInfo& info = settings_or_raise(emErrServerInfoNotCreated, source,
                                              u"OrvoMembership.ServerInfo was not created");
         mContainer = mPMMCreator->GetPMMObject();
@@ -64,9 +63,7 @@ Object Profiles::AsRecordset() {
 
 Ref<Profile> Profiles::bound_profile(Text& name) {
     auto profile = Gen_GetComponent<Profile>(u"OrvoMembership.Profile");
-    Text user = mAccount.name;
-    Text password = mAccount.password_text();
-    call<&Profile::BindAs>(profile, name, user, password);
+    call<&Profile::BindAs>(profile, name, mAccount.name, mAccount.secret);
     return profile;
 }
 
@@ -102,9 +99,8 @@ Ref<Profile> Profiles::CreateProfile(Text& iCommonName) {
         if (!mContainer) {
             mPMMCreator.emplace();
             mContainer = mPMMCreator->GetPMMObject();
-            Text user = info.script_user();
-            Text password = info.script_code();
-            BindAs(user, password);
+            DirectoryAccount account = script_account();
+            BindAs(account.name, account.secret);
         }
         if (!mContainer) raise_not_bound(source);
         const auto attributes = Ref<Dictionary>::from(create_object(dictionary_progid));

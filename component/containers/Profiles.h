@@ -25,7 +25,7 @@ public:
     Ref<Profile> CreateProfile(Text& iCommonName);
     // The credentials are kept whatever comes of it, and a refused bind counts as a binding: what
     // needs one fails at the directory then. An empty name is the directory's to judge.
-    void BindAs(Text& iUsername, Text& iPwd);
+    void BindAs(Text& iUsername, Secret& iPwd);
 
     void IObjectControl_Activate() override;
     void IObjectControl_Deactivate() override {}

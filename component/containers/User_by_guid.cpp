@@ -5,7 +5,7 @@
 
 namespace orvo {
 
-void User::BindToGuid(Text& iGUID, Text& iUsername, Text& iPassword) {
+void User::BindToGuid(Text& iGUID, Text& iUsername, Secret& iPassword) {
     trapped(u"OrvoMembership.User.BindToGuid", [&] {
         const auto members = Gen_GetComponent<Members>(u"OrvoMembership.Members");
         call<&Members::BindAs>(members, iUsername, iPassword);

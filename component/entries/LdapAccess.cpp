@@ -3,6 +3,7 @@
 #include "component/common/Lib_ErrorHandling.h"
 #include "component/common/Lib_General.h"
 #include "component/common/OrvoMemErrors.h"
+#include "component/config/DirectoryAccount.h"
 #include "component/config/SharedServerInfo.h"
 #include "platform/interfaces/call.h"
 #include "platform/values/values.h"
@@ -35,7 +36,7 @@ void LdapAccess::ClearAttribValue(Text& iAttribName) {
             [&] { call<&DirectoryEntry::ClearValues>(m_oPMMObject, iAttribName); });
 }
 
-void LdapAccess::BindAs(Text& i_sCN, Text& i_sUsername, Text& i_sPwd, Text& i_sServer,
+void LdapAccess::BindAs(Text& i_sCN, Text& i_sUsername, Secret& i_sPwd, Text& i_sServer,
                         Text& i_sContainer) {
     constexpr const char16_t* source = u"OrvoMembership.LDAPAccess.BindAs";
     trapped(source, [&] {
@@ -59,11 +60,10 @@ void LdapAccess::BindToConfig() {
         call<&Configuration::LoadConfigurationFile>(m_oConfig,
                                                     folder + u"\\" + u"Config" + u"\\" + file);
         Text container = read_text(m_oConfig, u"ConfigDN", u"dn");
-        Text user = info.script_user();
-        Text password = info.script_code();
+        DirectoryAccount account = script_account();
         Text server = info.server_name();
         Text name;
-        BindAs(name, user, password, server, container);
+        BindAs(name, account.name, account.secret, server, container);
     });
 }
 

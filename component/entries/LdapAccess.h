@@ -27,7 +27,8 @@ public:
     Variant GetAttribValue(Text& iAttribName);
     void SetAttribValue(Text& iAttribName, Variant& iAttribValue);
     void ClearAttribValue(Text& iAttribName);
-    void BindAs(Text& i_sCN, Text& i_sUsername, Text& i_sPwd, Text& i_sServer, Text& i_sContainer);
+    void BindAs(Text& i_sCN, Text& i_sUsername, Secret& i_sPwd, Text& i_sServer,
+                Text& i_sContainer);
     void BindToConfig();
     // The directory's name of a logical attribute; what the configuration answers for a missing key
     // when the name is unknown.

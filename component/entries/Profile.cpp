@@ -47,10 +47,10 @@ void Profile::ClearAttribValue(Text& iAttribName) {
             [&] { call<&DirectoryEntry::ClearValues>(m_oPMMObject, iAttribName); });
 }
 
-void Profile::BindAs(Text& iCN, Text& iUsername, Text& iPwd) {
+void Profile::BindAs(Text& iCN, Text& iUsername, Secret& iPwd) {
     constexpr const char16_t* source = u"OrvoMembership.Profile.BindAs";
     trapped(source, [&] {
-        m_account = {iUsername, Secret(iPwd)};
+        m_account = {iUsername, iPwd.clone()};
         ServerInfo& info =
             settings_or_raise(emErrServerInfoNotCreated, source,
                               u"No OrvoMembership.ServerInfo present. Create one and invoke "
@@ -64,9 +64,7 @@ void Profile::BindAs(Text& iCN, Text& iUsername, Text& iPwd) {
 void Profile::Init(Text& iCN) {
     trapped(u"OrvoMembership.Profile.Init", [&] {
         if (!m_account.name.empty()) {
-            Text user = m_account.name;
-            Text password = m_account.password_text();
-            BindAs(iCN, user, password);
+            BindAs(iCN, m_account.name, m_account.secret);
         } else if (!m_oSession) {
             // Without a pending error nothing is raised: whoever tries Init before there are
             // credentials goes on, and is told by the first attribute that is asked for.
@@ -74,9 +72,8 @@ void Profile::Init(Text& iCN) {
                         u"Init called but no webserver context was found and no credentials were "
                         u"supplied");
         } else {
-            Text user = session_text(m_oSession, session_account);
-            Text password = session_text(m_oSession, session_password);
-            BindAs(iCN, user, password);
+            DirectoryAccount account = account_of(m_oSession);
+            BindAs(iCN, account.name, account.secret);
         }
     });
 }

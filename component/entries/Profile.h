@@ -21,7 +21,7 @@ public:
     Variant GetAttribValue(Text& iAttribName);
     void SetAttribValue(Text& iAttribName, Variant& iAttribValue);
     void ClearAttribValue(Text& iAttribName);
-    void BindAs(Text& iCN, Text& iUsername, Text& iPwd);
+    void BindAs(Text& iCN, Text& iUsername, Secret& iPwd);
     // The users of this profile; those whose local-administration profile it is, where it has none.
     // At most 1000. A record set with the user naming attribute as its column. An apostrophe in the
     // profile's name is doubled in the filter, for providers that quote the value, and nothing else

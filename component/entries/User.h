@@ -53,10 +53,10 @@ public:
     ~User() { IObjectControl_Deactivate(); }
 
     // Binding.
-    void BindAs(Text& iCommonName, Text& iUsername, Text& iPwd);
+    void BindAs(Text& iCommonName, Text& iUsername, Secret& iPwd);
     // The user whose OrvoGUID this is: finds the common name, then binds by it. Raises 3021 (no
     // current record) for a GUID that nobody has.
-    void BindToGuid(Text& iGUID, Text& iUsername, Text& iPassword);
+    void BindToGuid(Text& iGUID, Text& iUsername, Secret& iPassword);
     void setServerInfo(const Text& i_sConfigurationPath);
 
     // Attributes, by the directory's names, as the provider gives and takes them. A read or write
@@ -78,7 +78,7 @@ public:
     Text GUID();
     Ref<Profile> get_Profile();
     Text NTUser();
-    Text NTPassword();
+    Secret NTPassword();
     template <std::size_t row>
     bool get_user_type();
     template <std::size_t row>
@@ -109,7 +109,7 @@ public:
     Text GetDefaultURL(std::int32_t i_lAppID);
 
     // Raises emErrPwdNotCorrect when the old password is refused; does nothing on an unbound user.
-    void ChangePassword(Text& iOldPwd, Text& iNewPwd);
+    void ChangePassword(Secret& iOldPwd, Secret& iNewPwd);
 
     void IObjectControl_Activate() override;
     void IObjectControl_Deactivate() override;
@@ -117,7 +117,7 @@ public:
 
 private:
     void CheckPrivs();
-    void bind_profile(Text& user, Text& password);
+    void bind_profile(Text& user, Secret& password);
     void save_apps();
     bool holds_role(std::int16_t role);
 

@@ -20,7 +20,7 @@ void User::IObjectControl_Activate() {
         session_ = context_item(u"Session");
         Text name = session_text(session_, session_user);
         if (name.empty()) return;
-        Text password = session_text(session_, session_password);
+        Secret password = session_secret(session_);
         Text account = session_text(session_, session_account);
         BindAs(name, account, password);
     });
@@ -33,7 +33,7 @@ void User::IObjectControl_Deactivate() {
     profile_ = nullptr;
 }
 
-void User::BindAs(Text& iCommonName, Text& iUsername, Text& iPwd) {
+void User::BindAs(Text& iCommonName, Text& iUsername, Secret& iPwd) {
     trapped(u"OrvoMembership.User.BindAs", [&] {
         if (!factory_) factory_.emplace();
         directory_object_ = factory_->GetPMMObject();
@@ -43,7 +43,7 @@ void User::BindAs(Text& iCommonName, Text& iUsername, Text& iPwd) {
                           u"No OrvoMembership.ServerInfo. Create ServerInfo first and invoke "
                           u"setServerInfo()");
         cn_ = iCommonName;
-        bound_by_ = {iUsername, Secret(iPwd)};
+        bound_by_ = {iUsername, iPwd.clone()};
         if (iCommonName.empty())
             throw Failure(emErrUserDoesNotExist, u"OrvoMembership.User.BindAs",
                           u"Cannot bind to a user with an empty (cn) name, please fill in user "
@@ -59,7 +59,7 @@ void User::BindAs(Text& iCommonName, Text& iUsername, Text& iPwd) {
     });
 }
 
-void User::bind_profile(Text& user, Text& password) {
+void User::bind_profile(Text& user, Secret& password) {
     constexpr std::size_t ProfileCN = property_row("ProfileCN");
     const Text name = get_property<ProfileCN>();
     if (name.empty()) {

@@ -1,4 +1,5 @@
 #include "component/common/Lib_ErrorHandling.h"
+#include "component/common/password_value.h"
 #include "component/entries/User.h"
 #include "platform/values/values.h"
 
@@ -111,9 +112,10 @@ Text User::NTUser() {
                    [&] { return call<&Account::NTUser>(account_).to<Text>(); });
 }
 
-Text User::NTPassword() {
-    return trapped({class_prefix, "NTPassword"},
-                   [&] { return call<&Account::NTPassword>(account_).to<Text>(); });
+Secret User::NTPassword() {
+    return trapped({class_prefix, "NTPassword"}, [&] {
+        return PasswordValue(call<&Account::NTPassword>(account_)).value.to<Secret>();
+    });
 }
 
 bool User::is_of_type(const UserTypeProperty& property) {

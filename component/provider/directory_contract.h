@@ -21,6 +21,7 @@
 //   0x80072098  insufficient rights
 
 #include "platform/interfaces/interface.h"
+#include "platform/values/secret.h"
 #include "platform/values/values.h"
 #include "platform/values/variant.h"
 
@@ -33,8 +34,8 @@ public:
     // below `container`, with the rights of `user`. `attributes` (array of names) may be fetched
     // at once; what a provider has not fetched here, which may be all of the entry, costs a round
     // trip for each reading.
-    virtual void Bind(Text& server, Text& container, Text& common_name, Text& user, Text& password,
-                      Variant& attributes) = 0;
+    virtual void Bind(Text& server, Text& container, Text& common_name, Text& user,
+                      Secret& password, Variant& attributes) = 0;
     // All values of one attribute.
     virtual Variant GetValues(Text& name) = 0;
     // Replaces all values of one attribute, at once. `value` is an array or a single value.
@@ -56,7 +57,7 @@ protected:
 // A search below one container.
 class DirectorySearch {
 public:
-    virtual void Connect(Text& server, Text& container, Text& user, Text& password) = 0;
+    virtual void Connect(Text& server, Text& container, Text& user, Secret& password) = 0;
     // At most `maximum` entries, as a record set whose columns are `attributes`, in that order.
     virtual Object Execute(Text& filter, Variant& attributes, std::int32_t maximum) = 0;
 

@@ -30,7 +30,7 @@ void reach_directory() {
     Text container = setting(u"GetUserContainer");
     Text name;
     Text user = setting(u"GetMemScriptUser");
-    Text password = setting(u"GetMemScriptCode");
+    Secret password = late::get(settings, u"GetMemScriptCode").to<Secret>();
     Variant attributes = Values{};
     call<&DirectoryEntry::Bind>(entry, server, container, name, user, password, attributes);
 }

@@ -5,22 +5,6 @@
 namespace orvo {
 namespace detail {
 
-text_slot::text_slot(abi::BSTR& slot)
-    : slot_(slot), before_(slot), value_(crossing<Text>::copy(slot)) {}
-
-text_slot::~text_slot() {
-    if (slot_ != before_ || crossing<Text>::view(slot_) == value_) return;
-    slot_ = crossing<Text>::give(value_);
-    abi::SysFreeString(before_);
-}
-
-text_variable::text_variable(Text& value) : value_(value), raw_(crossing<Text>::give(value)) {}
-
-text_variable::~text_variable() {
-    if (crossing<Text>::view(raw_) != value_) value_ = crossing<Text>::view(raw_);
-    abi::SysFreeString(raw_);
-}
-
 variant_slot::variant_slot(abi::VARIANT& slot) : slot_(slot) {
     if (slot.vt & abi::VT_BYREF) {
         before_ = copied_ = Variant::copy_of(slot);
@@ -67,6 +51,31 @@ Variant* crossing<Variant>::in_place(abi::VARIANT& passed) {
 Object crossing<Object>::from_late(const Variant& value) {
     if (!value.is_object()) raise_runtime_error(runtime_error::type_mismatch);
     return value.to<Object>();
+}
+
+bool crossing<Secret>::holds(raw value, const Secret& secret) {
+    return secret.reveal([&](TextView text) { return crossing<Text>::view(value) == text; });
+}
+
+Secret crossing<Secret>::take(raw& value) {
+    Secret secret = copy(value);
+    drop(std::exchange(value, nullptr));
+    return secret;
+}
+
+abi::BSTR crossing<Secret>::give(const Secret& value) {
+    return value.reveal([](TextView text) {
+        return abi::SysAllocStringLen(text.data(), static_cast<std::uint32_t>(text.size()));
+    });
+}
+
+void crossing<Secret>::drop(raw value) {
+    if (value) overwrite(value, abi::SysStringByteLen(value));
+    abi::SysFreeString(value);
+}
+
+Variant crossing<Secret>::to_late(const Secret& value) {
+    return value.reveal([](TextView text) { return Variant(text); });
 }
 
 Values crossing<Values>::copy(raw value) {

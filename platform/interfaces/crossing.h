@@ -15,6 +15,8 @@
 //   left_out        what a method receives for an argument that its caller left out
 //   from_late       converts what a late-bound caller passed, by the Automation rules
 //   in_place        the value itself in what a late-bound caller passed, where it stands there
+//   discard         gets the copy, if any, that was made of what a late-bound caller passed
+//   remembered, is_unchanged   tell whether a late-bound caller's variable is to be written back
 //   to_late         what a late-bound caller receives
 //   answers_object  whether every value is an object or nothing
 //   idl             the type as IDL writes it
@@ -27,6 +29,7 @@
 #include "platform/interfaces/ref.h"
 #include "platform/interfaces/table.h"
 #include "platform/system/vartypes.h"
+#include "platform/values/secret.h"
 #include "platform/values/values.h"
 #include "platform/values/variant.h"
 
@@ -73,34 +76,48 @@ private:
     typename C::raw raw_;
 };
 
-// A caller may pass one variable for two arguments: a text is written back only when it changed,
-// and not into a slot that was written as another argument's meanwhile.
-class text_slot {
-public:
-    explicit text_slot(abi::BSTR& slot);
-    ~text_slot();
-    text_slot(const text_slot&) = delete;
-    text_slot& operator=(const text_slot&) = delete;
+// Strings: T is Text or Secret. A caller may pass one variable for two arguments: a string is
+// written back only when it changed, and not into a slot that was written as another argument's
+// meanwhile.
+template <class T>
+class string_slot {
+    using C = crossing<T>;
 
-    Text& value() { return value_; }
+public:
+    explicit string_slot(abi::BSTR& slot) : slot_(slot), before_(slot), value_(C::copy(slot)) {}
+    ~string_slot() {
+        if (slot_ != before_ || C::holds(slot_, value_)) return;
+        slot_ = C::give(value_);
+        C::drop(before_);
+    }
+    string_slot(const string_slot&) = delete;
+    string_slot& operator=(const string_slot&) = delete;
+
+    T& value() { return value_; }
 
 private:
     abi::BSTR& slot_;
     const abi::BSTR before_;
-    Text value_;
+    T value_;
 };
 
-class text_variable {
+template <class T>
+class string_variable {
+    using C = crossing<T>;
+
 public:
-    explicit text_variable(Text& value);
-    ~text_variable();
-    text_variable(const text_variable&) = delete;
-    text_variable& operator=(const text_variable&) = delete;
+    explicit string_variable(T& value) : value_(value), raw_(C::give(value)) {}
+    ~string_variable() {
+        if (!C::holds(raw_, value_)) value_ = C::copy(raw_);
+        C::drop(raw_);
+    }
+    string_variable(const string_variable&) = delete;
+    string_variable& operator=(const string_variable&) = delete;
 
     abi::BSTR* pass() { return &raw_; }
 
 private:
-    Text& value_;
+    T& value_;
     abi::BSTR raw_;
 };
 
@@ -151,6 +168,9 @@ struct crossing_base {
     static T left_out(int) { return T{}; }
     static T from_late(const Variant& value) { return value.to<T>(); }
     static T* in_place(abi::VARIANT&) { return nullptr; }
+    static T remembered(const T& value) { return value; }
+    static bool is_unchanged(const T& value, const T& before) { return value == before; }
+    static void discard(Variant&) {}
     static Variant to_late(T value) { return Variant(std::move(value)); }
     static std::string idl() { return abi::row_of(type).idl; }
 };
@@ -210,9 +230,10 @@ struct crossing<Date> : detail::crossing_base<Date, abi::DATE, abi::VT_DATE> {
 
 template <>
 struct crossing<Text> : detail::crossing_base<Text, abi::BSTR, abi::VT_BSTR> {
-    using slot = detail::text_slot;
-    using variable = detail::text_variable;
+    using slot = detail::string_slot<Text>;
+    using variable = detail::string_variable<Text>;
     static TextView view(raw value) { return {value, abi::SysStringLen(value)}; }
+    static bool holds(raw value, const Text& text) { return view(value) == text; }
     static Text copy(raw value) { return Text(view(value)); }
     static Text take(raw& value) {
         Text text = copy(value);
@@ -223,6 +244,25 @@ struct crossing<Text> : detail::crossing_base<Text, abi::BSTR, abi::VT_BSTR> {
         return abi::SysAllocStringLen(value.data(), static_cast<std::uint32_t>(value.size()));
     }
     static void drop(raw value) { abi::SysFreeString(value); }
+};
+
+// A password crosses as a text does, unit by unit. Copies of it that are made on the way are
+// overwritten before they are freed; what others own stays as it is.
+template <>
+struct crossing<Secret> : detail::crossing_base<Secret, abi::BSTR, abi::VT_BSTR> {
+    using slot = detail::string_slot<Secret>;
+    using variable = detail::string_variable<Secret>;
+    static bool holds(raw value, const Secret& secret);
+    static Secret copy(raw value) { return Secret(crossing<Text>::view(value)); }
+    static Secret take(raw& value);
+    static raw give(const Secret& value);
+    static void drop(raw value);
+    static Secret remembered(const Secret& value) { return value.clone(); }
+    static bool is_unchanged(const Secret& value, const Secret& before) {
+        return value.is_same_as(before);
+    }
+    static void discard(Variant& copy) { copy.wipe(); }
+    static Variant to_late(const Secret& value);
 };
 
 // A text that may be left out: by slot a null pointer, which is not the empty text here.

@@ -76,15 +76,16 @@ public:
         }
         Variant followed;
         value_ = C::from_late(follow_reference(*passed, followed));
+        C::discard(followed);
         if constexpr (is_in_out<P>) {
             if (!(passed->vt & abi::VT_BYREF)) return;
             reference_ = passed;
-            before_ = value_;
+            before_ = C::remembered(value_);
         }
     }
     ~late_argument() {
         if constexpr (is_in_out<P>) {
-            if (reference_ != nullptr && !(value_ == before_))
+            if (reference_ != nullptr && !C::is_unchanged(value_, before_))
                 store_through_reference(*reference_, to_late(std::move(value_)));
         }
     }

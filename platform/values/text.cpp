@@ -11,6 +11,9 @@ namespace {
 
 constexpr char32_t replacement = 0xFFFD;
 
+// What becomes of half a surrogate pair, which UTF-8 has no form for.
+enum class Halves { replaced, kept };
+
 void append_utf16(Text& out, char32_t point) {
     if (point < 0x10000) {
         out.push_back(static_cast<char16_t>(point));
@@ -50,10 +53,10 @@ struct Lead {
     unsigned char high = 0xBF;
 };
 
-Lead lead_of(unsigned char byte) {
+Lead lead_of(unsigned char byte, Halves halves) {
     if (byte >= 0xC2 && byte <= 0xDF) return {1};
     if (byte == 0xE0) return {2, 0xA0, 0xBF};
-    if (byte == 0xED) return {2, 0x80, 0x9F};
+    if (byte == 0xED && halves == Halves::replaced) return {2, 0x80, 0x9F};
     if (byte >= 0xE1 && byte <= 0xEF) return {2};
     if (byte == 0xF0) return {3, 0x90, 0xBF};
     if (byte == 0xF4) return {3, 0x80, 0x8F};
@@ -63,9 +66,9 @@ Lead lead_of(unsigned char byte) {
 
 // Reads one point of more than one byte. A sequence that breaks off is replaced as a whole, and
 // reading goes on at the byte that broke it.
-char32_t read_sequence(std::string_view bytes, std::size_t& at) {
+char32_t read_sequence(std::string_view bytes, std::size_t& at, Halves halves) {
     const auto first = static_cast<unsigned char>(bytes[at++]);
-    Lead lead = lead_of(first);
+    Lead lead = lead_of(first, halves);
     if (lead.tails == 0) return replacement;
     char32_t point = first & (0x3F >> lead.tails);
     for (; lead.tails > 0; --lead.tails) {
@@ -104,35 +107,42 @@ Text digits(Number number, Base... base) {
     return Text(std::begin(buffer), end);
 }
 
-}  // namespace
-
-Text from_utf8(std::string_view bytes) {
+Text text_of(std::string_view bytes, Halves halves) {
     auto out = ascii_beginning<Text>(bytes);
     out.reserve(bytes.size());
     for (std::size_t at = out.size(); at < bytes.size();) {
         if (static_cast<unsigned char>(bytes[at]) < 0x80) {
             out.push_back(static_cast<char16_t>(bytes[at++]));
         } else {
-            append_utf16(out, read_sequence(bytes, at));
+            append_utf16(out, read_sequence(bytes, at, halves));
         }
     }
     return out;
 }
 
-std::string to_utf8(TextView text) {
+std::string bytes_of(TextView text, Halves halves) {
     auto out = ascii_beginning<std::string>(text);
     out.reserve(text.size());
     for (std::size_t at = out.size(); at < text.size(); ++at) {
         char32_t point = text[at];
         if (is_high_surrogate(text[at]) && at + 1 < text.size() && is_low_surrogate(text[at + 1])) {
             point = 0x10000 + ((point & 0x3FF) << 10) + (text[++at] & 0x3FF);
-        } else if (is_high_surrogate(text[at]) || is_low_surrogate(text[at])) {
+        } else if (halves == Halves::replaced &&
+                   (is_high_surrogate(text[at]) || is_low_surrogate(text[at]))) {
             point = replacement;
         }
         append_utf8(out, point);
     }
     return out;
 }
+
+}  // namespace
+
+Text from_utf8(std::string_view bytes) { return text_of(bytes, Halves::replaced); }
+std::string to_utf8(TextView text) { return bytes_of(text, Halves::replaced); }
+
+Text from_utf8_with_halves(std::string_view bytes) { return text_of(bytes, Halves::kept); }
+std::string to_utf8_with_halves(TextView text) { return bytes_of(text, Halves::kept); }
 
 bool is_well_formed(TextView text) {
     bool has_halves = false;

@@ -23,6 +23,11 @@ std::string to_utf8(TextView text);
 // be another text's, too: names and passwords are to be looked at before.
 bool is_well_formed(TextView text);
 
+// As to_utf8 and from_utf8, but for halves of surrogate pairs: each is three bytes, which no other
+// program takes for UTF-8, so that every text comes back unit by unit.
+std::string to_utf8_with_halves(TextView text);
+Text from_utf8_with_halves(std::string_view bytes);
+
 // Equality and order without regard to case, by simple case folding of Latin, Greek and Cyrillic
 // letters; the same in every locale. `lower` gives the folded text: two texts are equal without
 // regard to case exactly when their lower forms are equal.

@@ -22,6 +22,7 @@ namespace orvo {
 namespace abi {
 struct VARIANT;
 }
+class Secret;
 class Values;
 
 // The tag of a value. Only what the house deals in has a name; others pass through untouched.
@@ -95,13 +96,17 @@ public:
     // The text held, without a copy; the empty view when this is not a text.
     TextView text_view() const;
 
+    // Overwrites the text, or those of a list of values, and becomes empty: for what held a
+    // password.
+    void wipe();
+
     // Conversion by the Automation rules, independent of locale. Raises 13 (type mismatch),
     // 6 (overflow), 94 (invalid use of null). An object is asked for its default value first; the
     // empty object has none and raises 91 (object variable not set).
-    // T: Text, bool, std::int16_t, std::int32_t, std::int64_t, double, Currency, Date, Object,
-    // Values. `to<Values>` takes one-dimensional arrays of any element type, anything else is a
-    // type mismatch (13). `to<Object>` takes objects, the empty one too; anything else raises 424
-    // (object required).
+    // T: Text, Secret, bool, std::int16_t, std::int32_t, std::int64_t, double, Currency, Date,
+    // Object, Values. `to<Values>` takes one-dimensional arrays of any element type, anything else
+    // is a type mismatch (13). `to<Object>` takes objects, the empty one too; anything else raises
+    // 424 (object required).
     template <class T>
     T to() const;
 
@@ -132,6 +137,8 @@ private:
 
 template <>
 Text Variant::to<Text>() const;
+template <>
+Secret Variant::to<Secret>() const;
 template <>
 bool Variant::to<bool>() const;
 template <>

@@ -5,6 +5,7 @@
 #include "platform/system/automation.h"
 #include "platform/values/array_view.h"
 #include "platform/values/failure.h"
+#include "platform/values/secret.h"
 #include "platform/values/values.h"
 #include "platform/values/variant.h"
 
@@ -34,6 +35,20 @@ Variant Variant::bytes(std::string_view content) {
     value.raw().vt = abi::VT_ARRAY | abi::VT_UI1;
     value.raw().parray = array;
     return value;
+}
+
+void Variant::wipe() {
+    const auto wipe_text = [](const abi::VARIANT& value) {
+        if (value.vt == abi::VT_BSTR && value.bstrVal)
+            overwrite(value.bstrVal, abi::SysStringByteLen(value.bstrVal));
+    };
+    wipe_text(raw());
+    if (raw().vt == (abi::VT_ARRAY | abi::VT_VARIANT)) {
+        const auto view = detail::array_of(raw());
+        for (std::size_t i = 0; i < view.size(); ++i)
+            wipe_text(static_cast<const abi::VARIANT*>(view.array->pvData)[i]);
+    }
+    *this = Variant();
 }
 
 std::optional<std::string> Variant::try_bytes() const {

@@ -1,6 +1,7 @@
 #include "platform/system/automation.h"
 #include "platform/values/array_view.h"
 #include "platform/values/failure.h"
+#include "platform/values/secret.h"
 #include "platform/values/values.h"
 #include "platform/values/variant.h"
 
@@ -48,6 +49,15 @@ template <>
 Text Variant::to<Text>() const {
     if (is_text()) return Text(text_view());
     return Text(converted(*this, abi::VT_BSTR).text_view());
+}
+
+template <>
+Secret Variant::to<Secret>() const {
+    if (is_text()) return Secret(text_view());
+    Variant text = converted(*this, abi::VT_BSTR);
+    Secret secret(text.text_view());
+    text.wipe();
+    return secret;
 }
 
 template <>

@@ -19,12 +19,12 @@ public:
     void put_UserName(const Text& name) override { record_.user_name = name; }
     Text AccountPath() override { return record_.account_path; }
     void put_AccountPath(const Text& path) override { record_.account_path = path; }
-    Text Password() override { return from_utf8(record_.password.reveal()); }
-    void put_Password(const Text& password) override { record_.password = Secret(password); }
+    Secret Password() override { return record_.password.clone(); }
+    void put_Password(const Secret& password) override { record_.password = password.clone(); }
     Text NTUser() override { return record_.nt_user; }
     void put_NTUser(const Text& user) override { record_.nt_user = user; }
-    Text NTPassword() override { return from_utf8(record_.nt_password.reveal()); }
-    void put_NTPassword(const Text& password) override { record_.nt_password = Secret(password); }
+    Secret NTPassword() override { return record_.nt_password.clone(); }
+    void put_NTPassword(const Secret& password) override { record_.nt_password = password.clone(); }
     void Save() override { store_.save(guid_, record_); }
 
 private:

@@ -415,7 +415,8 @@ TEST_FRESH(LoginTest, ActivationTakesThePagesObjectsAndLoadsTheSettings) {
 
 TEST_FRESH(LoginTest, ChangePasswordOpensTheEntryWithTheServiceAccount) {
     in_a_page([this](Behind<Validator>& validator, RecordingPage&) {
-        Text user = u"jsmith", old_password = u"old", new_password = u"new";
+        Text user = u"jsmith";
+        Secret old_password(u"old"), new_password(u"new");
         validator.call<&Validator::ChangePassword>(user, old_password, new_password);
         auto calls = journal_.take();
         std::erase_if(calls, [](const std::string& call) {
@@ -436,7 +437,8 @@ TEST_FRESH(LoginTest, ChangePasswordOpensTheEntryWithTheServiceAccount) {
 TEST_FRESH(LoginTest, AWrongOldPasswordIsReportedUnderBothNames) {
     directory_.verdict = -1;
     in_a_page([](Behind<Validator>& validator, RecordingPage&) {
-        Text user = u"jsmith", old_password = u"old", new_password = u"new";
+        Text user = u"jsmith";
+        Secret old_password(u"old"), new_password(u"new");
         const Failure failure = raised_by(
             [&] { validator.call<&Validator::ChangePassword>(user, old_password, new_password); });
         expect_failure(failure, error_number(0x80040325), u"OrvoMembership.User.ChangePassword",

@@ -229,7 +229,8 @@ TEST_FRESH(MembersTest, AUserWhoCannotBeBoundStaysCreated) {
 
 TEST_FRESH(MembersTest, OnAFormsLoginTheScriptAccountReplacesTheBinding) {
     bound_members_through_every_door([this](Behind<Members>& members) {
-        Text name = u"jsmith", password = u"s3cret";
+        Text name = u"jsmith";
+        Secret password(u"s3cret");
         ASSERT_TRUE(members.call<&Members::CreateUserOnFormsLogin>(name, password));
         const auto calls = journal_.take();
         EXPECT_EQ(calls[0], "CreateEntry()");
@@ -245,7 +246,8 @@ TEST_FRESH(MembersTest, OnAFormsLoginTheScriptAccountReplacesTheBinding) {
 TEST_FRESH(MembersTest, AFormsLoginThatCannotBindFailsAsTheBindDid) {
     members_through_every_door([this](Behind<Members>& members) {
         journal_.refuse("Bind", no_rights());
-        Text name = u"jsmith", password = u"s3cret";
+        Text name = u"jsmith";
+        Secret password(u"s3cret");
         expect_failure(
             raised_by([&] { members.call<&Members::CreateUserOnFormsLogin>(name, password); }),
             error_number(0x80072098), u"Its.Own", block("80072098", bind_as, "(50) no rights"));
@@ -260,7 +262,8 @@ TEST_FRESH(MembersTest, AttributesOfANewUserAreWrittenOneAfterTheOtherAsLists) {
         based_at_2[3] = u"d";
         Variant names = Values{u"sn", u"OrvoRole", u"Fax"};
         Variant values = Values{u"Smith", Values{2, 3}, std::move(based_at_2)};
-        const Text name = u"jsmith", password = u"s3cret";
+        const Text name = u"jsmith";
+        const Secret password(u"s3cret");
         ASSERT_TRUE(
             members.call<&Members::CreateUserWithAttributes>(name, password, names, values));
         auto calls = journal_.take();
@@ -275,7 +278,8 @@ TEST_FRESH(MembersTest, NamesFromOneOnAreReadFromZeroAllTheSame) {
         Values from_one(1, 1);
         from_one[1] = u"sn";
         Variant names = std::move(from_one), values = Values{u"a", u"b"};
-        const Text name = u"jsmith", password = u"s3cret";
+        const Text name = u"jsmith";
+        const Secret password(u"s3cret");
         expect_failure(raised_by([&] {
                            members.call<&Members::CreateUserWithAttributes>(name, password, names,
                                                                             values);
@@ -290,7 +294,8 @@ TEST_FRESH(MembersTest, AListOfValuesUpToTheHighestIndexIsTooLong) {
     members_through_every_door([](Behind<Members>& members) {
         Variant names = Values{u"sn"};
         Variant values = Values{Values(std::numeric_limits<std::int32_t>::max(), 1)};
-        const Text name = u"jsmith", password = u"s3cret";
+        const Text name = u"jsmith";
+        const Secret password(u"s3cret");
         EXPECT_EQ(raised_by([&] {
                       members.call<&Members::CreateUserWithAttributes>(name, password, names,
                                                                        values);
@@ -302,7 +307,8 @@ TEST_FRESH(MembersTest, AListOfValuesUpToTheHighestIndexIsTooLong) {
 TEST_FRESH(MembersTest, WhatIsNoListOfNamesOrValuesIsRefusedAfterTheCreation) {
     members_through_every_door([](Behind<Members>& members) {
         const auto attempt = [&](Variant names, Variant values) {
-            const Text name = u"jsmith", password = u"s3cret";
+            const Text name = u"jsmith";
+            const Secret password(u"s3cret");
             return raised_by([&] {
                        members.call<&Members::CreateUserWithAttributes>(name, password, names,
                                                                         values);
@@ -320,7 +326,8 @@ TEST_FRESH(MembersTest, ARefusedAttributeLeavesTheUserAndIsReportedUnderBothName
     members_through_every_door([this](Behind<Members>& members) {
         journal_.refuse_nth("SetValues", 2, no_rights());
         Variant names = Values{u"sn", u"mail", u"Fax"}, values = Values{u"a", u"b", u"c"};
-        const Text name = u"jsmith", password = u"s3cret";
+        const Text name = u"jsmith";
+        const Secret password(u"s3cret");
         const Failure failure = raised_by([&] {
             members.call<&Members::CreateUserWithAttributes>(name, password, names, values);
         });

@@ -22,7 +22,8 @@ constexpr const char* new_profile =
 class ProfilesTest : public ContainersTest {
 protected:
     static void bind(Behind<Profiles>& profiles, Text user = u"cn=web,o=Shop",
-                     Text password = u"web-code") {
+                     TextView web_code = u"web-code") {
+        Secret password(web_code);
         profiles.call<&Profiles::BindAs>(user, password);
     }
     static bool remove(Behind<Profiles>& profiles, Text name = u"sales") {

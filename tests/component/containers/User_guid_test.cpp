@@ -10,7 +10,8 @@ constexpr const char* bind_to_guid = "OrvoMembership.User.BindToGuid";
 class UserByGuid : public ContainersTest {
 protected:
     static void bind(Behind<User>& user, Text guid = u"0123") {
-        Text account = u"cn=web,o=Shop", password = u"web-code";
+        Text account = u"cn=web,o=Shop";
+        Secret password(u"web-code");
         user.call<&User::BindToGuid>(guid, account, password);
     }
 };

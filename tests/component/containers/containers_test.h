@@ -38,11 +38,13 @@ protected:
     static Variant no_criteria() { return Object(); }
 
     static void bind(Behind<Members>& members, Text user = u"cn=web,o=Shop",
-                     Text password = u"web-code") {
+                     TextView web_code = u"web-code") {
+        Secret password(web_code);
         members.call<&Members::BindAs>(user, password);
     }
     static Ref<User> create(Behind<Members>& members, Text name = u"jsmith",
-                            Text password = u"s3cret") {
+                            TextView s3cret = u"s3cret") {
+        Secret password(s3cret);
         return members.call<&Members::CreateUser>(name, password);
     }
 

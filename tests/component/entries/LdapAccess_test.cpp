@@ -13,7 +13,8 @@ protected:
     template <class Body>
     void through_every_door(Body body) {
         through_doors_to<LdapAccess>(body, [](Behind<LdapAccess>& entry) {
-            Text name = u"cn=jsmith", user, password, server = u"dir01", container = u"o=Shop";
+            Text name = u"cn=jsmith", user, server = u"dir01", container = u"o=Shop";
+            Secret password;
             entry.call<&LdapAccess::BindAs>(name, user, password, server, container);
         });
     }

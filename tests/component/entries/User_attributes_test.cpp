@@ -330,7 +330,8 @@ TEST_FRESH(UserAttributes, EachBindAsksForTheListsOfTheUserThatWasBound) {
     });
     load_settings();
     User user;
-    Text account, password;
+    Text account;
+    Secret password;
     for (Text name : {u"jsmith", u"mlee"}) user.BindAs(name, account, password);
     EXPECT_EQ(asked, (std::vector<Text>{u"jsmith", u"mlee"}));
 }
@@ -343,7 +344,8 @@ TEST_FRESH(UserAttributes, TheListsOfAnEmptyNameAreNeverAskedFor) {
     });
     load_settings();
     User user;
-    Text name, account, password;
+    Text name, account;
+    Secret password;
     EXPECT_EQ(raised_by([&] { user.BindAs(name, account, password); }).number,
               error_number(0x80040324));
     EXPECT_THAT(asked, IsEmpty());

@@ -25,11 +25,12 @@ TEST_FRESH(UserBinding, BindAsBindsAndReadsProfileNameAndUserTypeAndPreparesTheA
 
 TEST_FRESH(UserBinding, TheCallersVariablesStayAsTheyAre) {
     through_every_door([](Behind<User>& user) {
-        Text name = u"jsmith", account = u"cn=web,o=Shop", password = u"web-code";
+        Text name = u"jsmith", account = u"cn=web,o=Shop";
+        Secret password(u"web-code");
         user.call<&User::BindAs>(name, account, password);
         EXPECT_EQ(name, u"jsmith");
         EXPECT_EQ(account, u"cn=web,o=Shop");
-        EXPECT_EQ(password, u"web-code");
+        EXPECT_EQ(clear_text(password), u"web-code");
     });
 }
 
@@ -158,7 +159,8 @@ TEST_FRESH(UserBinding, SetServerInfoLoadsAFileIntoTheThreadsSettings) {
     configuration_.files[u"C:\\Shop\\site.ini"][u"MEMBERSHIP"] = shop();
     User user;
     forget();
-    Text name = u"jsmith", account, password;
+    Text name = u"jsmith", account;
+    Secret password;
     EXPECT_EQ(raised_by([&] { user.BindAs(name, account, password); }).number, 91);
     user.setServerInfo(u"C:\\Shop\\site.ini");
     EXPECT_EQ(shared_server_info()->ConfigurationPath(), u"C:\\Shop\\site.ini");

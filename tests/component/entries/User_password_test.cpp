@@ -10,10 +10,10 @@ class UserPassword : public UserTest {
 protected:
     UserPassword() { directory_.answer_of(jsmith, u"cn", Values{u"jsmith"}); }
     static void change(Behind<User>& user) {
-        Text before = u"old-code", after = u"new-code";
+        Secret before(u"old-code"), after(u"new-code");
         user.call<&User::ChangePassword>(before, after);
-        EXPECT_EQ(before, u"old-code");
-        EXPECT_EQ(after, u"new-code");
+        EXPECT_EQ(clear_text(before), u"old-code");
+        EXPECT_EQ(clear_text(after), u"new-code");
     }
     // Nobody sees a password but the provider.
     void expect_no_password_in_the_log() {

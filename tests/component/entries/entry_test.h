@@ -27,15 +27,18 @@ template <class Entry>
 class EntryTest : public ComponentTest {
 protected:
     static void bind(Behind<Entry>& entry, Text name = usual_name<Entry>,
-                     Text account = u"cn=web,o=Shop", Text password = u"web-code") {
+                     Text account = u"cn=web,o=Shop", TextView web_code = u"web-code") {
+        Secret password(web_code);
         entry.template call<&Entry::BindAs>(name, account, password);
     }
     static void bind(Entry& entry, Text name = usual_name<Entry>) {
-        Text account = u"cn=web,o=Shop", password = u"web-code";
+        Text account = u"cn=web,o=Shop";
+        Secret password(u"web-code");
         entry.BindAs(name, account, password);
     }
     static void bind(const Ref<Entry>& entry, Text name = usual_name<Entry>) {
-        Text account = u"cn=web,o=Shop", password = u"web-code";
+        Text account = u"cn=web,o=Shop";
+        Secret password(u"web-code");
         call<&Entry::BindAs>(entry, name, account, password);
     }
 

@@ -24,6 +24,24 @@ TEST(Secret, HoldsThePasswordInUtf8) {
     EXPECT_EQ(Secret::of_bytes("\xFF").reveal(), "\xFF");
 }
 
+TEST(Secret, KeepsEveryUnitOfAText) {
+    const Text texts[] = {u"",       u"plain",        u"\u00E9\u20AC\U0001F600",   Text(u"a\0b", 3),
+                          u"\xD800", u"\xDC00\xD800", u"x\xD83D\xDE00\xDE00\xD83D"};
+    for (const Text& text : texts) {
+        const Secret secret{TextView(text)};
+        EXPECT_EQ(secret.reveal([](TextView shown) { return Text(shown); }), text);
+        EXPECT_EQ(secret.clone().reveal([](TextView shown) { return Text(shown); }), text);
+        EXPECT_EQ(secret.is_well_formed(), is_well_formed(text));
+    }
+}
+
+TEST(Secret, WithHalfOfASurrogatePairIsNotTheOneWithItsReplacement) {
+    const Secret half(u"\xD800"), other_half(u"\xD801"), replaced(u"\uFFFD");
+    EXPECT_FALSE(half.is_same_as(replaced));
+    EXPECT_FALSE(half.is_same_as(other_half));
+    EXPECT_TRUE(half.is_same_as(half.clone()));
+}
+
 TEST(Secret, IsEmptyWithoutAPassword) {
     EXPECT_TRUE(Secret().empty());
     EXPECT_TRUE(Secret(u"").empty());

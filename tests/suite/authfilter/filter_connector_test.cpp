@@ -6,6 +6,7 @@
 #include "platform/interfaces/late_call.h"
 #include "platform/values/values.h"
 #include "suite/authfilter/memory_store.h"
+#include "tests/support/clear_text.h"
 
 namespace orvo::authfilter {
 namespace {
@@ -58,20 +59,20 @@ TEST_F(FilterConnectorTest, WhatIsPutIsPrivateUntilItIsSaved) {
     const auto user = create(u"g");
     call<&FilterUser::put_UserName>(user, u"smith");
     call<&FilterUser::put_AccountPath>(user, u"cn=smith,ou=Users,o=Shop");
-    call<&FilterUser::put_Password>(user, u"pässword");
+    call<&FilterUser::put_Password>(user, Secret(u"pässword"));
     call<&FilterUser::put_NTUser>(user, u"DOMAIN\\smith");
-    call<&FilterUser::put_NTPassword>(user, u"nt secret");
+    call<&FilterUser::put_NTPassword>(user, Secret(u"nt secret"));
     EXPECT_EQ(call<&FilterUser::UserName>(find(u"g")), u"");
-    EXPECT_EQ(call<&FilterUser::Password>(find(u"g")), u"");
+    EXPECT_EQ(clear_text(call<&FilterUser::Password>(find(u"g"))), u"");
 
     call<&FilterUser::Save>(user);
     const auto found = find(u"g");
     EXPECT_EQ(call<&FilterUser::GUID>(found), u"g");
     EXPECT_EQ(call<&FilterUser::UserName>(found), u"smith");
     EXPECT_EQ(call<&FilterUser::AccountPath>(found), u"cn=smith,ou=Users,o=Shop");
-    EXPECT_EQ(call<&FilterUser::Password>(found), u"pässword");
+    EXPECT_EQ(clear_text(call<&FilterUser::Password>(found)), u"pässword");
     EXPECT_EQ(call<&FilterUser::NTUser>(found), u"DOMAIN\\smith");
-    EXPECT_EQ(call<&FilterUser::NTPassword>(found), u"nt secret");
+    EXPECT_EQ(clear_text(call<&FilterUser::NTPassword>(found)), u"nt secret");
 }
 
 TEST_F(FilterConnectorTest, ARecordHandedOutKeepsWhatItHadWhenAnotherIsSaved) {

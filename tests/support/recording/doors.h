@@ -10,6 +10,7 @@
 #include "platform/interfaces/call.h"
 #include "platform/interfaces/hosted.h"
 #include "platform/interfaces/late_call.h"
+#include "tests/support/clear_text.h"
 
 namespace orvo {
 
@@ -51,7 +52,7 @@ private:
     template <auto M, class I, class R, class... P>
     struct Late<M, R (I::*)(P...)> {
         static R call(const Object& object, P... arguments) {
-            std::array<Variant, sizeof...(P)> values{detail::to_late(Copy<P>(arguments))...};
+            std::array<Variant, sizeof...(P)> values{detail::to_late(arguments)...};
             std::size_t index = 0;
             // What the member made of its arguments is handed back also when it failed.
             try {
@@ -66,8 +67,6 @@ private:
         }
 
     private:
-        template <class P_>
-        using Copy = detail::natural<P_>;
         static Text name() { return from_utf8(detail::place_of<M>::row().name); }
         template <class T>
         static T natural_of(const Variant& value) {

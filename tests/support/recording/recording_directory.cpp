@@ -4,6 +4,7 @@
 
 #include "platform/interfaces/call.h"
 #include "platform/objects/dictionary/dictionary_contract.h"
+#include "tests/support/clear_text.h"
 
 namespace orvo {
 namespace {
@@ -27,9 +28,11 @@ public:
     explicit EntryRecorder(RecordingDirectory& owner) : owner_(owner) { ++owner_.entries; }
     ~EntryRecorder() { --owner_.entries; }
 
-    void Bind(Text& server, Text& container, Text& common_name, Text& user, Text& password,
+    void Bind(Text& server, Text& container, Text& common_name, Text& user, Secret& password,
               Variant& attributes) override {
-        journal().call("Bind", {server, container, common_name, user, password, attributes});
+        owner_.passwords.push_back(clear_text(password));
+        journal().call("Bind",
+                       {server, container, common_name, user, clear_text(password), attributes});
         name_ = common_name.empty() ? container : common_name + u"," + container;
     }
     Variant GetValues(Text& name) override {
@@ -37,10 +40,15 @@ public:
         return owner_.values_of(name_, name);
     }
     void SetValues(Text& name, Variant& value) override {
+        if (name == u"userPassword") owner_.passwords.push_back(element(value, 0).to<Text>());
         journal().call("SetValues", {name, value});
     }
     void ClearValues(Text& name) override { journal().call("ClearValues", {name}); }
     void CreateChild(Variant& classes, Text& naming_attribute, Object& attributes) override {
+        const auto given = Ref<Dictionary>::from(attributes);
+        Variant key = u"userPassword";
+        if (call<&Dictionary::Exists>(given, key))
+            owner_.passwords.push_back(call<&Dictionary::Item>(given, key).to<Text>());
         journal().call("CreateChild", {classes, naming_attribute, contents_of(attributes)});
     }
     void DeleteChild(Text& class_name, Text& entry_name) override {
@@ -66,8 +74,9 @@ class SearchRecorder final : public DirectorySearch {
 public:
     explicit SearchRecorder(RecordingDirectory& owner) : owner_(owner) {}
 
-    void Connect(Text& server, Text& container, Text& user, Text& password) override {
-        owner_.journal().call("Connect", {server, container, user, password});
+    void Connect(Text& server, Text& container, Text& user, Secret& password) override {
+        owner_.passwords.push_back(clear_text(password));
+        owner_.journal().call("Connect", {server, container, user, clear_text(password)});
     }
     Object Execute(Text& filter, Variant& attributes, std::int32_t maximum) override {
         owner_.journal().call("Execute", {filter, attributes, maximum});
@@ -89,6 +98,7 @@ public:
         owner_.journal().call("Open", {server, user_container});
     }
     std::int32_t Validate(Variant& path, Variant& password) override {
+        owner_.passwords.push_back(password.to<Text>());
         owner_.journal().call("Validate", {path, password});
         return owner_.verdict;
     }

@@ -30,6 +30,8 @@ public:
     std::int32_t verdict = 0;  // what every check of credentials answers
     bool is_ready = true;      // what the initialisation of pool and cache answers
 
+    std::vector<Text> passwords;  // all that it was given, unit by unit
+
     int modules = 0;  // how many of the provider's module objects are in use
     int entries = 0;  // how many of its entry objects are
 

@@ -1,6 +1,7 @@
 #include "tests/support/recording/recording_page.h"
 
 #include "platform/values/values.h"
+#include "tests/support/clear_text.h"
 
 namespace orvo {
 namespace {
@@ -144,12 +145,14 @@ public:
     void put_UserName(const Text& name) override { note("UserName =", name); }
     Text AccountPath() override { return {}; }
     void put_AccountPath(const Text& path) override { note("AccountPath =", path); }
-    Text Password() override { return {}; }
-    void put_Password(const Text& password) override { note("Password =", password); }
+    Secret Password() override { return {}; }
+    void put_Password(const Secret& password) override { note("Password =", clear_text(password)); }
     Text NTUser() override { return {}; }
     void put_NTUser(const Text& user) override { note("NTUser =", user); }
-    Text NTPassword() override { return {}; }
-    void put_NTPassword(const Text& password) override { note("NTPassword =", password); }
+    Secret NTPassword() override { return {}; }
+    void put_NTPassword(const Secret& password) override {
+        note("NTPassword =", clear_text(password));
+    }
     void Save() override { filter_.journal().call("Save"); }
 
 private:

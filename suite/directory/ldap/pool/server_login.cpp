@@ -11,16 +11,19 @@ constexpr auto shortest_refresh = std::chrono::minutes(1);
 
 }  // namespace
 
-ServerLogin::ServerLogin(ConnectionPool& pool, TextView server, TextView user, TextView password,
-                         const std::optional<Limits>& limits)
-    : pool_(&pool), address_(ServerAddress::parse(server)), limits_(limits), presented_(password) {
+ServerLogin::ServerLogin(ConnectionPool& pool, TextView server, TextView user,
+                         const Secret& password, const std::optional<Limits>& limits)
+    : pool_(&pool),
+      address_(ServerAddress::parse(server)),
+      limits_(limits),
+      presented_(password.clone()) {
     if (presented_->empty() && !user.empty())
         raise_code(result_code::invalid_credentials, "A password is required.");
     // In UTF-8 they would be those of others.
     if (!is_well_formed(user))
         raise_code(result_code::invalid_credentials,
                    "The user's name holds half of a surrogate pair.");
-    if (!is_well_formed(password))
+    if (!password.is_well_formed())
         raise_code(result_code::invalid_credentials,
                    "The password holds half of a surrogate pair.");
     if (const auto why = unusable(*presented_))

@@ -37,7 +37,7 @@ public:
     // Raises 0x8007052E for a name with an empty password, which the server is not asked about (it
     // would take that for nobody and report success), also for a name with a NUL and for half of a
     // surrogate pair in either, and result code 89 for a server that cannot be read.
-    ServerLogin(ConnectionPool& pool, TextView server, TextView user, TextView password,
+    ServerLogin(ConnectionPool& pool, TextView server, TextView user, const Secret& password,
                 const std::optional<Limits>& limits);
 
     // Runs an operation, from Session& to a kind of Result, that reads this entry, or searches.

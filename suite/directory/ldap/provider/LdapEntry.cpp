@@ -26,7 +26,7 @@ std::vector<std::string> names_in(const Variant& attributes) {
 
 }  // namespace
 
-void LdapEntry::Bind(Text& server, Text& container, Text& common_name, Text& user, Text& password,
+void LdapEntry::Bind(Text& server, Text& container, Text& common_name, Text& user, Secret& password,
                      Variant& attributes) {
     ProvenPassword::forget();
     login_.reset();

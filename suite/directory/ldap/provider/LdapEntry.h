@@ -40,7 +40,7 @@ public:
     // from the top down with "/"). Both credentials empty: as nobody. Raises 0x8007052E for wrong
     // credentials, also for a name with an empty password, which the server is not asked about;
     // 0x80072030 for a missing entry; after any failure the object is unbound.
-    void Bind(Text& server, Text& container, Text& common_name, Text& user, Text& password,
+    void Bind(Text& server, Text& container, Text& common_name, Text& user, Secret& password,
               Variant& attributes) override;
 
     // The name may be any of the attribute's names or its number, in any case, with options. Raises

@@ -102,9 +102,7 @@ Result LdapEntry::change_own_password(const Secret& password, const Secret& form
                                       bool& may_be_done) {
     if (login_->user_key() == key_ || password_writing() == PasswordWriting::unicode_attribute)
         return write_password(*login_, password, former, may_be_done);
-    Text clear = from_utf8(former.reveal());
-    ServerLogin own(client_.pool(), server_, from_utf8(name_), clear, limits_);
-    overwrite(clear.data(), clear.size() * sizeof clear[0]);
+    ServerLogin own(client_.pool(), server_, from_utf8(name_), former, limits_);
     try {
         own.authenticate();
     } catch (const Failure& refused) {  // an expired password is right, and logs nobody in

@@ -20,7 +20,7 @@ constexpr int page_size = 10'000;
 
 }  // namespace
 
-void LdapSearch::Connect(Text& server, Text& container, Text& user, Text& password) {
+void LdapSearch::Connect(Text& server, Text& container, Text& user, Secret& password) {
     login_.reset();
     facts_.reset();
     base_.clear();

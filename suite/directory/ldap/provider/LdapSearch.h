@@ -24,7 +24,7 @@ public:
     // or from the top down with "/") is not looked at before the first search. Both credentials
     // empty: as nobody. Raises 0x8007052E for wrong credentials, also for a name with an empty
     // password, which the server is not asked about; after any failure the object is unconnected.
-    void Connect(Text& server, Text& container, Text& user, Text& password) override;
+    void Connect(Text& server, Text& container, Text& user, Secret& password) override;
 
     // The container's own entry and all below it that match, as a read-only record set, on its
     // first row. The filter is read as Filter::parse says; SearchCondition tells what

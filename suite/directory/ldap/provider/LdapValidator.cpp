@@ -11,19 +11,7 @@
 #include "suite/directory/policy/password_form.h"
 
 namespace orvo::directory::ldap {
-namespace {
-
-// Empty where it is no text that a password could be.
-Secret secret_of(const Variant& value) {
-    if (value.is_text())
-        return is_well_formed(value.text_view()) ? Secret(value.text_view()) : Secret();
-    Text text = value.to<Text>();
-    Secret secret{TextView(text)};
-    overwrite(text.data(), text.size() * sizeof text[0]);
-    return secret;
-}
-
-}  // namespace
+namespace {}  // namespace
 
 void LdapValidator::Open(Text& server, Text& user_container) {
     target_ = client_.last_check_target().find(server, user_container);
@@ -55,9 +43,9 @@ std::int32_t LdapValidator::Validate(Variant& path, Variant& password) {
     ProvenPassword::forget();
     const Text converted = path.is_text() ? Text() : path.to<Text>();
     const TextView written = path.is_text() ? path.text_view() : converted;
-    const Secret secret = secret_of(password);
+    const auto secret = password.to<Secret>();
     if (!target_->container_name) read_container();
-    if (secret.empty() || unusable(secret) || !is_well_formed(written))
+    if (secret.empty() || !secret.is_well_formed() || unusable(secret) || !is_well_formed(written))
         return password_check::wrong;
     std::string name;
     if (is_plain_below(written, target_->container)) {

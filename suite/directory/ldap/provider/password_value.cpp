@@ -23,15 +23,10 @@ Secret read(const Variant& value) {
         if (values.count() > 1) raise_runtime_error(runtime_error::type_mismatch);
         return read(values[values.lower_bound()]);
     }
-    if (!value.is_text()) {
-        Text text = value.to<Text>();
-        Secret secret{TextView(text)};
-        overwrite(text.data(), text.size() * sizeof text[0]);
-        return secret;
-    }
-    if (!is_well_formed(value.text_view()))
+    auto secret = value.to<Secret>();
+    if (!secret.is_well_formed())
         raise_code(result_code::invalid_syntax, "A password cannot hold half of a surrogate pair.");
-    return Secret(value.text_view());
+    return secret;
 }
 
 }  // namespace

@@ -295,7 +295,7 @@ TEST_F(ConnectionPoolTest, WorksAgainOnceTheServerIsBack) {
 TEST_F(ConnectionPoolTest, AReadingThatGetsLostIsDoneOnceMoreOnANewConnection) {
     RewritingProxy proxy(server_.server(), "cn=nothing", "cn=nothing");
     ServerLogin login(client_.pool(), from_utf8(proxy.server()), from_utf8(server_.service_dn()),
-                      from_utf8(server_.service_password()), std::nullopt);
+                      Secret::of_bytes(server_.service_password()), std::nullopt);
     who_is(login);
     proxy.cut_requests(1);
     EXPECT_EQ(who_is(login), "dn:cn=orvo-service,ou=Services,o=Shop");

@@ -55,10 +55,11 @@ protected:
         bind_as(entry, from_utf8(first_.slapd.service_dn()),
                 from_utf8(first_.slapd.service_password()), name, server);
     }
-    void bind_as(LdapEntry& entry, Text user, Text password, Text name = u"cn=djansen",
+    void bind_as(LdapEntry& entry, Text user, const Text& own, Text name = u"cn=djansen",
                  Text server = {}) const {
         if (server.empty()) server = servers();
         Text container = u"ou=Users,o=Shop";
+        Secret password{TextView(own)};
         Variant none = Values{};
         entry.Bind(server, container, name, user, password, none);
     }
@@ -117,7 +118,7 @@ TEST_F(FailoverTest, AReadingOfASilentServerIsAnsweredByTheNextAfterOneLimit) {
 
 TEST_F(FailoverTest, AServerThatTakesMoreThanHalfTheLimitIsNotWaitedForAgain) {
     ServerLogin login(client_.pool(), servers(), from_utf8(first_.slapd.service_dn()),
-                      from_utf8(first_.slapd.service_password()), std::nullopt);
+                      Secret::of_bytes(first_.slapd.service_password()), std::nullopt);
     const auto slow = [&](Session& session) {
         clock_.advance(answer_limit / 2 + 1ms);
         return session.who_am_i();
@@ -386,7 +387,7 @@ TEST_F(FailoverTest, SearchesGoOnAtTheNextServer) {
     LdapSearch search({}, client_);
     Text server = servers(), container = u"ou=Users,o=Shop";
     Text user = from_utf8(first_.slapd.service_dn());
-    Text password = from_utf8(first_.slapd.service_password());
+    Secret password = Secret::of_bytes(first_.slapd.service_password());
     search.Connect(server, container, user, password);
     first_.proxy.fall_silent();
     Text filter = u"(cn=djansen)";

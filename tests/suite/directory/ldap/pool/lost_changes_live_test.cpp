@@ -23,7 +23,8 @@ protected:
     // Through the proxy, everything that has to be known of the server included.
     void bind_through(LdapEntry& entry, const User& as, Text name) {
         Text server = from_utf8(proxy_.server()), container = u"ou=Users,o=Shop";
-        Text user = from_utf8(as.name), password = from_utf8(as.password);
+        Text user = from_utf8(as.name);
+        Secret password = Secret::of_bytes(as.password);
         Variant none = Values{};
         entry.Bind(server, container, name, user, password, none);
         values(entry, u"entryUUID");
@@ -126,7 +127,8 @@ TEST_F(LostChangesTest, SecretsAreReadAnewEachTime) {
     EXPECT_EQ(values(entry, u"userPassword").to<Values>()[0].try_bytes(), "{X}other");
 
     Text server = from_utf8(server_.server()), container = u"ou=Accounts,o=Shop", name = u"cn=1";
-    Text user = from_utf8(root.name), password = from_utf8(root.password);
+    Text user = from_utf8(root.name);
+    Secret password = Secret::of_bytes(root.password);
     Variant none = Values{};
     other.Bind(server, container, name, user, password, none);
     ASSERT_EQ(probe_.replace(account, "OrvoNTPassword", {"new"}), 0);

@@ -44,7 +44,8 @@ protected:
     void bind(LdapEntry& entry, const User& as, Text name = u"cn=djansen",
               Variant attributes = Values{}) const {
         Text server = from_utf8(server_.server()), container = u"ou=Users,o=Shop";
-        Text user = from_utf8(as.name), password = from_utf8(as.password);
+        Text user = from_utf8(as.name);
+        Secret password = Secret::of_bytes(as.password);
         entry.Bind(server, container, name, user, password, attributes);
     }
     // 0, or the failure's number.
@@ -58,7 +59,7 @@ protected:
 
     ServerLogin login(const User& as) {
         return ServerLogin(client_.pool(), from_utf8(server_.server()), from_utf8(as.name),
-                           from_utf8(as.password), std::nullopt);
+                           Secret::of_bytes(as.password), std::nullopt);
     }
     // The user whom the server takes the pooled connection of this login for.
     static std::string who_is(ServerLogin& login) {
@@ -73,7 +74,8 @@ protected:
     }
     void connect(LdapSearch& search, const User& as) const {
         Text server = from_utf8(server_.server()), container = u"ou=Users,o=Shop";
-        Text user = from_utf8(as.name), password = from_utf8(as.password);
+        Text user = from_utf8(as.name);
+        Secret password = Secret::of_bytes(as.password);
         search.Connect(server, container, user, password);
     }
 

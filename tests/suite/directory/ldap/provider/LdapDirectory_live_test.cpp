@@ -18,7 +18,7 @@ TEST(LdapDirectory, MakesObjectsThatWorkThroughTheirSlots) {
     Text container = u"ou=Users,o=Shop";
     Text name = u"cn=djansen";
     Text user = from_utf8(shop.service_dn());
-    Text password = from_utf8(shop.service_password());
+    Secret password = Secret::of_bytes(shop.service_password());
     Variant attributes = Values{u"sn"};
     call<&DirectoryEntry::Bind>(entry, server, container, name, user, password, attributes);
     Text attribute = u"sn";

@@ -61,7 +61,7 @@ protected:
     // An entry bound to the container of the users.
     LdapEntry& bound(const std::string& server, Text container = users) {
         Text address = from_utf8(server), name, user = from_utf8(server_.service_dn());
-        Text password = from_utf8(server_.service_password());
+        Secret password = Secret::of_bytes(server_.service_password());
         Variant nothing = Values{};
         entry_.Bind(address, container, name, user, password, nothing);
         return entry_;
@@ -71,7 +71,8 @@ protected:
     std::int32_t found(Text filter) {
         LdapSearch search{Limits{2s, 2s}};
         Text server = from_utf8(server_.server()), container = users;
-        Text user = from_utf8(server_.service_dn()), password = u"service-sample";
+        Text user = from_utf8(server_.service_dn());
+        Secret password(u"service-sample");
         search.Connect(server, container, user, password);
         Variant attributes = Values{u"cn"};
         const auto rows = Ref<RecordSet>::from(search.Execute(filter, attributes, 1000));
@@ -280,7 +281,8 @@ TEST_F(LdapEntryChildrenTest, RefusesANamingAttributeWithoutExactlyOneValue) {
 
 TEST_F(LdapEntryChildrenTest, TellsMissingRights) {
     Text address = from_utf8(server_.server()), container = users, name;
-    Text user_name = from_utf8(server_.user_dn("jsmith")), password = u"shop-sample";
+    Text user_name = from_utf8(server_.user_dn("jsmith"));
+    Secret password(u"shop-sample");
     Variant nothing = Values{};
     entry_.Bind(address, container, name, user_name, password, nothing);
     EXPECT_EQ(failure_of([&] { create(entry_, user(u"new")); }).number, error_number(0x80072098));
@@ -338,7 +340,8 @@ TEST(LdapEntryWithAPasswordPolicy, IsNotLeftBehindWhereTheFirstPasswordIsRefused
     LdapProbe probe(server.url(), server.root_dn(), server.root_password());
     LdapEntry container{Limits{2s, 2s}};
     Text address = from_utf8(server.server()), ou = users, name;
-    Text service = from_utf8(server.service_dn()), password = u"service-sample";
+    Text service = from_utf8(server.service_dn());
+    Secret password(u"service-sample");
     Variant nothing = Values{};
     container.Bind(address, ou, name, service, password, nothing);
 
@@ -356,7 +359,8 @@ TEST(LdapEntryThatMayNotBeDeleted, SaysThatTheEntryIsLeftWithoutAPassword) {
     PrivateSlapd server({.config = "restrict delete extended=1.3.6.1.4.1.4203.1.11.1"});
     LdapEntry container{Limits{2s, 2s}};
     Text address = from_utf8(server.server()), ou = users, name;
-    Text service = from_utf8(server.service_dn()), password = u"service-sample";
+    Text service = from_utf8(server.service_dn());
+    Secret password(u"service-sample");
     Variant nothing = Values{};
     container.Bind(address, ou, name, service, password, nothing);
     const Failure failure = failure_of([&] { create(container, user(u"new", u"secret")); });

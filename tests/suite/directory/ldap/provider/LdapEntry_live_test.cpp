@@ -30,7 +30,7 @@ void bind_entry(LdapEntry& entry, const std::string& server, const Login& login,
                 Variant attributes = Values{}, Text container = u"ou=Users,o=Shop") {
     Text server_text = from_utf8(server);
     Text user = from_utf8(login.user);
-    Text password = from_utf8(login.password);
+    Secret password = Secret::of_bytes(login.password);
     entry.Bind(server_text, container, common_name, user, password, attributes);
 }
 
@@ -163,10 +163,11 @@ TEST_F(LdapEntryTest, TakesAPasswordWithHalfOfASurrogatePairForWrong) {
     set(bound(), u"userPassword", u"\xFFFD");
     LdapEntry entry{Limits{2s, 2s}};
     Text server = from_utf8(server_.server()), container = u"ou=Users,o=Shop", name = u"cn=djansen";
-    Text djansen = from_utf8(user()), password = u"\xFFFD";
+    Text djansen = from_utf8(user());
+    Secret password(u"\xFFFD");
     Variant nothing = Values{};
     entry.Bind(server, container, name, djansen, password, nothing);
-    password = u"\xDE00";
+    password = Secret(u"\xDE00");
     const Failure failure =
         failure_of([&] { entry.Bind(server, container, name, djansen, password, nothing); });
     EXPECT_EQ(failure.number, error_number(0x8007052E));

@@ -35,7 +35,7 @@ void connect(LdapSearch& search, const std::string& server, const Login& login,
              Text container = u"ou=Users,o=Shop") {
     Text server_text = from_utf8(server);
     Text user = from_utf8(login.user);
-    Text password = from_utf8(login.password);
+    Secret password = Secret::of_bytes(login.password);
     search.Connect(server_text, container, user, password);
 }
 
@@ -267,7 +267,8 @@ TEST_F(LdapSearchTest, MustBeConnected) {
 TEST_F(LdapSearchTest, WorksThroughItsSlots) {
     const auto search = call<&DirectoryModule::CreateSearch>(make<LdapDirectory>());
     Text server = from_utf8(shop().server()), container = u"ou=Users,o=Shop";
-    Text user = from_utf8(service().user), password = from_utf8(service().password);
+    Text user = from_utf8(service().user);
+    Secret password = Secret::of_bytes(service().password);
     call<&DirectorySearch::Connect>(search, server, container, user, password);
     Text filter = u"(sn=Smith)";
     Variant attributes = Values{u"cn"};

@@ -183,7 +183,8 @@ TEST_F(EqualNamesTest, AWriteUnderANameThatIsReadByTheServerAloneIsSeenAtOnce) {
     bind_entry(reader, "cn=djansen", service());
     EXPECT_EQ(values(reader, u"sn"), Variant(Values{u"Jansen"}));
     Text server = from_utf8(server_.server()), container, name = u"cn=djansen;ou=Users;o=Shop";
-    Text account = from_utf8(service().name), password = from_utf8(service().password);
+    Text account = from_utf8(service().name);
+    Secret password = Secret::of_bytes(service().password);
     Variant nothing = Values{};
     writer.Bind(server, name, container, account, password, nothing);
     set(writer, u"sn", u"Changed");

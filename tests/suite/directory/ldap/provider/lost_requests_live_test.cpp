@@ -29,7 +29,8 @@ class LostRequestsTest : public testing::Test {
 protected:
     LostRequestsTest() {
         Text address = from_utf8(proxy_.server()), users = u"ou=Users,o=Shop", name;
-        Text user = from_utf8(server_.service_dn()), password = u"service-sample";
+        Text user = from_utf8(server_.service_dn());
+        Secret password(u"service-sample");
         Variant nothing = Values{};
         container_.Bind(address, users, name, user, password, nothing);
         // Once everything that has to be known of the server is, a creation begins at once.

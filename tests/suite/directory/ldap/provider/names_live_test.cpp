@@ -31,10 +31,11 @@ Text path(const Text& name) { return u"cn=" + name + u"," + users; }
 
 class NamesTest : public testing::Test {
 protected:
-    void bind(LdapEntry& entry, Text relative_name, Text user = u"", Text password = u"") {
+    void bind(LdapEntry& entry, Text relative_name, Text user = u"", TextView own = u"") {
+        Secret password(own);
         if (user.empty()) {
             user = from_utf8(server_.service_dn());
-            password = from_utf8(server_.service_password());
+            password = Secret::of_bytes(server_.service_password());
         }
         Text server = from_utf8(server_.server()), container = users;
         Variant nothing = Values{};
@@ -64,7 +65,8 @@ protected:
     std::int32_t found(const Text& name) {
         LdapSearch search{Limits{2s, 2s}};
         Text server = from_utf8(server_.server()), container = users;
-        Text user = from_utf8(server_.service_dn()), password = u"service-sample";
+        Text user = from_utf8(server_.service_dn());
+        Secret password(u"service-sample");
         search.Connect(server, container, user, password);
         const Filter filter{
             .kind = Filter::Kind::equality, .attribute = "cn", .value = to_utf8(name)};

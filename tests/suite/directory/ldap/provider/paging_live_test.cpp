@@ -138,7 +138,8 @@ protected:
     std::vector<Text> page(const Text& criteria, std::int32_t size) {
         LdapSearch search;
         Text server = from_utf8(server_->server()), container = u"ou=Users,o=Shop";
-        Text user = from_utf8(user_), password = from_utf8(password_);
+        Text user = from_utf8(user_);
+        Secret password = Secret::of_bytes(password_);
         search.Connect(server, container, user, password);
         Text filter = u"(& (objectClass=orvoPerson)(OrvoUserType=*)" + criteria + u")";
         Variant attributes = columns_;

@@ -82,7 +82,7 @@ protected:
     static void bind_as(LdapEntry& entry, const std::string& user, const std::string& password,
                         Text server, Text name) {
         Text container = u"ou=Users,o=Shop", user_text = from_utf8(user);
-        Text password_text = from_utf8(password);
+        Secret password_text = Secret::of_bytes(password);
         Variant none = Values{};
         entry.Bind(server, container, name, user_text, password_text, none);
     }
@@ -171,7 +171,8 @@ TEST(PasswordThatNobodyHas, IsWrongWithoutAskingTheServer) {
         EXPECT_EQ(validator.Validate(path, given), -1);
 
         LdapEntry entry;
-        Text name = u"cn=djansen", user = u"cn=djansen,ou=Users,o=Shop", own = password;
+        Text name = u"cn=djansen", user = u"cn=djansen,ou=Users,o=Shop";
+        Secret own{TextView(password)};
         Variant none = Values{};
         EXPECT_EQ(failure_of([&] { entry.Bind(address, container, name, user, own, none); }).number,
                   error_number(0x8007052E));
@@ -398,7 +399,8 @@ TEST_F(TellingServerTest, SeesThoseWhoMustChangeTheirPasswordDoSo) {
 TEST_F(TellingServerTest, HasAnotherSetThePasswordOfThoseWhoMayNotDoItThemselves) {
     LdapEntry entry;
     Text server = address(), container = u"ou=Services,o=Shop", name = u"cn=orvo-service";
-    Text root = from_utf8(server_.root_dn()), password = from_utf8(server_.root_password());
+    Text root = from_utf8(server_.root_dn());
+    Secret password = Secret::of_bytes(server_.root_password());
     Variant none = Values{};
     entry.Bind(server, container, name, root, password, none);
     LdapValidator validator{Limits{2s, 2s}};

@@ -26,7 +26,7 @@ protected:
         const auto directory = Ref<DirectoryModule>::from(create_object(u"OrvoDirectory.Ldap"));
         Text server = from_utf8(server_.server()), container = u"ou=Users,o=Shop";
         Text name = u"cn=djansen", user = from_utf8(server_.service_dn());
-        Text password = from_utf8(server_.service_password());
+        Secret password = Secret::of_bytes(server_.service_password());
         Variant names = Values{u"Entries"}, values = Values{10}, attributes = Values{u"sn"};
         const auto entry = call<&DirectoryModule::CreateEntry>(directory);
         call<&DirectoryEntry::InitializeCache>(entry, names, values);
