@@ -10,8 +10,8 @@ namespace {
 
 constexpr const char16_t* log_progid = u"Quendra.Log";
 
-// Chooses which of the log's two operations is called. It is set to false before every entry and
-// never to true; the switch is kept all the same.
+// Which of the log's two operations writes an entry: false, the first one, is set before each. A
+// site whose log needs the other one would set it here.
 thread_local bool UseAlternateLog = false;
 
 thread_local Failure* pending = nullptr;

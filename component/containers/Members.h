@@ -21,9 +21,9 @@ public:
     Members() { IObjectControl_Activate(); }
     ~Members() { IObjectControl_Deactivate(); }
 
-    // The credentials are kept whatever comes of it. A name that is empty or blank, as a page has
-    // it before a login, returns quietly and leaves the container unbound; what needs it fails
-    // then.
+    // The credentials are kept also when the bind is refused. A name that is empty or blank, as a
+    // page has it before a login, returns quietly and leaves the container unbound; what needs it
+    // fails then.
     void BindAs(Text& iUsername, Secret& iPassword);
     // Loads a site configuration file into the thread's shared settings; an empty path leaves them.
     void setServerInfo(const Text& i_sConfigurationPath);

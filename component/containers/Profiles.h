@@ -23,8 +23,8 @@ public:
     // An unbound object binds as the membership script account, and stays bound so. Raises
     // entry_already_exists for a name that is taken.
     Ref<Profile> CreateProfile(Text& iCommonName);
-    // The credentials are kept whatever comes of it, and a refused bind counts as a binding: what
-    // needs one fails at the directory then. An empty name is the directory's to judge.
+    // The credentials are kept also when the bind is refused. The object then counts as bound: what
+    // needs a binding goes on and fails at the directory. An empty name is passed on to it, too.
     void BindAs(Text& iUsername, Secret& iPwd);
 
     void IObjectControl_Activate() override;

@@ -16,8 +16,9 @@ inline Variant field_value(const Ref<RecordSet>& records, const char16_t* name) 
     return call<&Field::Value>(call<&Fields::Item>(call<&RecordSet::Fields>(records), name));
 }
 
-// The fields of one record set, for who goes from row to row: each is looked up once, at its first
-// use, and stands for the row that is current when it is asked. Holds the fields, not the rows.
+// The fields of one record set, for loops over its rows: each field is looked up by name once, at
+// its first use, and its value is that of the row which is current when it is asked. Holds the
+// fields, not the rows.
 class RowFields {
 public:
     explicit RowFields(const Ref<RecordSet>& records)

@@ -39,7 +39,8 @@ using property_argument = std::conditional_t<user_catalogue[row].rule == Propert
 
 // One user entry. Bind it first: by its common name (BindAs), or by the web session at activation.
 // On an unbound user attributes and properties fail with 91 (object not set). A further bind
-// replaces the former one; a profile of the same name is kept.
+// replaces the former one, but keeps the profile that it holds where the new user's has the same
+// name.
 //
 // What was done before a failure stays done: a bind that the directory refuses leaves the new name
 // and credentials in place. What fails is logged and raised again by each member that it passes
@@ -61,8 +62,8 @@ public:
 
     // Attributes, by the directory's names, as the provider gives and takes them. A read or write
     // that the privilege lists refuse returns quietly, a read with empty text. Clearing is never
-    // refused, and leaves what a restricted user object has read before visible until the next
-    // bind.
+    // refused. A restricted user object that has read an attribute goes on answering that value
+    // after it was cleared, until the next bind.
     Variant GetAttribValue(Text& iAttribName);
     void SetAttribValue(Text& iAttribName, Variant& iAttribValue);
     void ClearAttribValue(Text& iAttribName);
@@ -99,7 +100,7 @@ public:
     Variant OrvoApps();
     void put_OrvoApps(Variant& iApps);
     void ClearOrvoApps();
-    // Both always answer true.
+    // Both answer true, whatever they are asked.
     bool IsAppAccessAllowed(const Text& iAppName);
     bool validate();
     // Raises emErrAppNoAccess when the application is not among the user's; an unbound user passes.

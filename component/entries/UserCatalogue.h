@@ -21,8 +21,8 @@ enum class PropertyType {
 // When a property of the user's profile stands in for the user's own value.
 enum class Fallback {
     never,
-    when_zero,   // the first element equals 0; an empty one does
-    when_empty,  // there is no first value at all; a 0 is one
+    when_zero,   // the user's first element is 0 or empty
+    when_empty,  // the user has no value; a 0 counts as one
 };
 
 enum class PropertyRule {
