@@ -22,8 +22,8 @@ public:
     void ClearValues(Text&) override {}
     void CreateChild(Variant&, Text&, Object&) override {}
     void DeleteChild(Text&, Text&) override {}
-    bool InitializeConnectionPool(Variant&, Variant&) override { return false; }
-    bool InitializeCache(Variant&, Variant&) override { return false; }
+    Boolean InitializeConnectionPool(Variant&, Variant&) override { return false; }
+    Boolean InitializeCache(Variant&, Variant&) override { return false; }
 };
 
 class MemoryValidator final : public DirectoryValidator {

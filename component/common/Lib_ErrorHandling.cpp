@@ -77,15 +77,16 @@ void HandleError(const Text& method, const Variant& info) {
     UseAlternateLog = false;
     ErrorRecord rec = CaptureError(method, info);
     if (rec.Number == 0) return;
+    Failure formatted(rec.Number, std::move(rec.Source), std::move(rec.Description),
+                      std::move(rec.HelpFile), rec.HelpContext);
+    formatted.keeps_empty_source = true;
     try {
-        Failure formatted(rec.Number, rec.Source, rec.Description, rec.HelpFile, rec.HelpContext);
         const PendingScope scope(formatted);
         LogError(method, info);
     } catch (...) {
         // Logging never replaces the failure that is being reported.
     }
-    throw Failure(rec.Number, std::move(rec.Source), std::move(rec.Description),
-                  std::move(rec.HelpFile), rec.HelpContext);
+    throw formatted;
 }
 
 void LogError(const Text& method, const Variant& info) {
@@ -93,6 +94,16 @@ void LogError(const Text& method, const Variant& info) {
     if (is_logging) return;
     const LoggingScope scope;
     WriteErrorLog(0, method, info);
+}
+
+void log_current_exception(const Text& method, const Variant& info) {
+    Failure failure = detail::caught();
+    const PendingScope scope(failure);
+    try {
+        LogError(method, info);
+    } catch (...) {
+        // Nobody waits for the entry.
+    }
 }
 
 namespace detail {

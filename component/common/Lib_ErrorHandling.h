@@ -37,6 +37,10 @@ void HandleError(const Text& method, const Variant& info = Variant::missing());
 // or fails raises only while an error is pending.
 void LogError(const Text& method, const Variant& info = Variant::missing());
 
+// Writes the entry of the exception being handled, for who goes on without what failed: it is the
+// pending error while the entry is written. A log that is missing or fails is passed over.
+void log_current_exception(const Text& method, const Variant& info);
+
 // The block: an empty line, "ERROR 0x" and the number, " METHOD: ", " DESC: " and, where info was
 // given, " INFO: "; every line ended by CR LF.
 Text FormatErrorText(const Text& description, std::int32_t number, const Text& method,

@@ -7,16 +7,18 @@ namespace orvo {
 
 Initialize::Initialize() { load_site_configuration(); }
 
-bool Initialize::InitializeConnectionPool(Variant& i_aPoolParameterNames,
-                                          Variant& i_aPoolParameterValues) {
+Boolean Initialize::InitializeConnectionPool(Variant& i_aPoolParameterNames,
+                                             Variant& i_aPoolParameterValues) {
+    PMMCreator factory;
     return call<&DirectoryEntry::InitializeConnectionPool>(
-        PMMCreator().GetPMMObject(), i_aPoolParameterNames, i_aPoolParameterValues);
+        factory.GetPMMObject(), i_aPoolParameterNames, i_aPoolParameterValues);
 }
 
-bool Initialize::InitializeCache(Variant& i_aCacheParameterNames,
-                                 Variant& i_aCacheParameterValues) {
-    return call<&DirectoryEntry::InitializeCache>(PMMCreator().GetPMMObject(),
-                                                  i_aCacheParameterNames, i_aCacheParameterValues);
+Boolean Initialize::InitializeCache(Variant& i_aCacheParameterNames,
+                                    Variant& i_aCacheParameterValues) {
+    PMMCreator factory;
+    return call<&DirectoryEntry::InitializeCache>(factory.GetPMMObject(), i_aCacheParameterNames,
+                                                  i_aCacheParameterValues);
 }
 
 template struct detail::callee<Initialize>;

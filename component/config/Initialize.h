@@ -14,8 +14,9 @@ class Initialize {
 public:
     Initialize();
 
-    bool InitializeConnectionPool(Variant& i_aPoolParameterNames, Variant& i_aPoolParameterValues);
-    bool InitializeCache(Variant& i_aCacheParameterNames, Variant& i_aCacheParameterValues);
+    Boolean InitializeConnectionPool(Variant& i_aPoolParameterNames,
+                                     Variant& i_aPoolParameterValues);
+    Boolean InitializeCache(Variant& i_aCacheParameterNames, Variant& i_aCacheParameterValues);
 };
 
 // clang-format off

@@ -23,8 +23,10 @@ Text application_filter(std::int32_t application) {
 void PMMAccessor::InitConfigFile(const Text& sSiteConfigFileName) {
     trapped(u"OrvoMembership.PMMAccessor.Init", [&] {
         factory_.emplace();
-        auto configuration = Ref<Configuration>::from(create_object(u"Quendra.Configuration"));
-        call<&Configuration::LoadSiteConfigurationFile>(configuration, sSiteConfigFileName);
+        const Object made = create_object(u"Quendra.Configuration");
+        call<&SiteConfigurationLoader::LoadSiteConfigurationFile>(
+            Ref<SiteConfigurationLoader>::from(made), sSiteConfigFileName);
+        auto configuration = Ref<Configuration>::from(made);
         ServerInfo& info = *shared_server_info();
         info.LoadConfigFile(configuration);
         account_ = script_account();

@@ -2,6 +2,7 @@
 
 // The suite's configuration component ("Quendra.Configuration"), as the component sees it.
 
+#include "platform/interfaces/crossing.h"
 #include "platform/interfaces/interface.h"
 #include "platform/values/variant.h"
 
@@ -31,7 +32,24 @@ protected:
     ~Configuration() = default;
 };
 
+// The fourth operation as its callers see it: what it answers differs from component to component,
+// and nobody uses it.
+class SiteConfigurationLoader {
+public:
+    virtual UnusedAnswer LoadSiteConfigurationFile(const Text& path) = 0;
+
+protected:
+    ~SiteConfigurationLoader() = default;
+};
+
 // clang-format off
+template <>
+inline constexpr auto table_of<SiteConfigurationLoader> = describe<SiteConfigurationLoader>(
+    "IQuendraConfiguration", "a717e666-a0d2-453a-9357-9dcf856be20b",
+    reserved(1, 3),
+    method<&SiteConfigurationLoader::LoadSiteConfigurationFile>("LoadSiteConfigurationFile",
+                                                                "path"));
+
 template <>
 inline constexpr auto table_of<Configuration> = describe<Configuration>(
     "IQuendraConfiguration", "a717e666-a0d2-453a-9357-9dcf856be20b",

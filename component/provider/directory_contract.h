@@ -21,6 +21,7 @@
 //   0x80072098  insufficient rights
 
 #include "platform/interfaces/interface.h"
+#include "platform/values/boolean.h"
 #include "platform/values/secret.h"
 #include "platform/values/values.h"
 #include "platform/values/variant.h"
@@ -47,8 +48,8 @@ public:
     virtual void CreateChild(Variant& classes, Text& naming_attribute, Object& attributes) = 0;
     // Deletes the entry whose full name is `entry_name`.
     virtual void DeleteChild(Text& class_name, Text& entry_name) = 0;
-    virtual bool InitializeConnectionPool(Variant& names, Variant& values) = 0;
-    virtual bool InitializeCache(Variant& names, Variant& values) = 0;
+    virtual Boolean InitializeConnectionPool(Variant& names, Variant& values) = 0;
+    virtual Boolean InitializeCache(Variant& names, Variant& values) = 0;
 
 protected:
     ~DirectoryEntry() = default;

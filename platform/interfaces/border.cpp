@@ -9,7 +9,8 @@ namespace orvo {
 
 Failure current_failure(const char* source) noexcept {
     auto named = [&](Failure failure) {
-        if (failure.source.empty()) failure.source = from_utf8(source);
+        if (failure.source.empty() && !failure.keeps_empty_source)
+            failure.source = from_utf8(source);
         return failure;
     };
     try {

@@ -6,7 +6,8 @@
 //   call<&DirectoryEntry::Bind>(entry, server, container, name, user, password, attributes);
 //
 // Called on the object's own thread. Arguments stay the caller's; the result is the caller's own.
-// The caller keeps the object alive while the call lasts.
+// The call holds a reference of its own to the object, so that the one it was made through, a
+// field perhaps, may change meanwhile.
 //
 // Raises 91 (object not set) on an empty reference, and what the callee raised: its number, source,
 // description and help as the error object carries them.
@@ -51,7 +52,7 @@ struct caller;
 
 template <auto M, class I, class R, class... P>
 struct caller<M, R (I::*)(P...)> {
-    static R call(const Ref<I>& target, P... arguments) {
+    static R call(Ref<I> target, P... arguments) {
         if (!target) raise_runtime_error(runtime_error::object_not_set);
         return std::apply(
             [&](auto&&... argument) -> R {

@@ -42,6 +42,18 @@ Variant crossing<std::uint8_t>::to_late(std::uint8_t value) {
     return Variant::attach(raw);
 }
 
+Boolean crossing<Boolean>::from_late(const Variant& value) {
+    if (value.kind() == Kind::boolean) return Boolean::of(value.get()->boolVal);
+    return value.to<bool>();
+}
+
+Variant crossing<Boolean>::to_late(Boolean value) {
+    abi::VARIANT raw{};
+    raw.vt = abi::VT_BOOL;
+    raw.boolVal = value.number;
+    return Variant::attach(raw);
+}
+
 Variant* crossing<Variant>::in_place(abi::VARIANT& passed) {
     constexpr auto by_reference = abi::VT_BYREF | abi::VT_VARIANT;
     if (passed.vt != by_reference || passed.pvarVal->vt & abi::VT_BYREF) return nullptr;

@@ -29,6 +29,7 @@
 #include "platform/interfaces/ref.h"
 #include "platform/interfaces/table.h"
 #include "platform/system/vartypes.h"
+#include "platform/values/boolean.h"
 #include "platform/values/secret.h"
 #include "platform/values/values.h"
 #include "platform/values/variant.h"
@@ -216,6 +217,14 @@ struct crossing<bool> : detail::number_crossing<bool, abi::VARIANT_BOOL, abi::VT
     }
 };
 template <>
+struct crossing<Boolean> : detail::crossing_base<Boolean, abi::VARIANT_BOOL, abi::VT_BOOL> {
+    static Boolean take(raw& value) { return Boolean::of(value); }
+    static Boolean copy(raw value) { return Boolean::of(value); }
+    static raw give(Boolean value) { return value.number; }
+    static Boolean from_late(const Variant& value);
+    static Variant to_late(Boolean value);
+};
+template <>
 struct crossing<Currency> : detail::crossing_base<Currency, abi::CY, abi::VT_CY> {
     static Currency take(raw& value) { return {value.int64}; }
     static Currency copy(raw value) { return {value.int64}; }
@@ -296,6 +305,20 @@ struct crossing<Variant> : detail::crossing_base<Variant, abi::VARIANT, abi::VT_
     static Variant from_late(const Variant& value) { return value; }
     static Variant* in_place(abi::VARIANT& passed);
     static Variant to_late(Variant value) { return value; }
+};
+
+// The answer of a member that may answer anything and whose callers do not use it. They lend a
+// cleared variant, in which any type has room; what is written there other than a variant is too
+// short to reach the value behind the tag, so that clearing it frees nothing.
+struct UnusedAnswer {};
+template <>
+struct crossing<UnusedAnswer> {
+    using raw = abi::VARIANT;
+    static constexpr raw none{};
+    static UnusedAnswer take(raw& value) {
+        abi::VariantClear(&value);
+        return {};
+    }
 };
 
 template <>

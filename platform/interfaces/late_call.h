@@ -1,8 +1,9 @@
 #pragma once
 
 // Late-bound calls: members by name, arguments and results as variants, as a script makes them.
-// Called on the object's own thread; arguments are borrowed, results are the caller's own. All
-// raise 91 on an empty object, 438 for a member that the object lacks, and what the member raised.
+// Called on the object's own thread; arguments are borrowed, results are the caller's own. A call
+// holds a reference of its own to the object while it runs. All raise 91 on an empty object, 438
+// for a member that the object lacks, and what the member raised.
 
 #include <initializer_list>
 #include <span>

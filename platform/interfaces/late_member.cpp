@@ -17,7 +17,7 @@ void require(const Object& object) {
 }
 
 // `arguments` in Invoke's own order: the last one first.
-Variant invoke(const Object& object, abi::DISPID id, std::uint16_t flags,
+Variant invoke(Object object, abi::DISPID id, std::uint16_t flags,
                std::span<abi::VARIANT> arguments) {
     require(object);
     static constexpr abi::IID none{};
@@ -52,6 +52,7 @@ void lend_reversed(std::span<const Variant> values, const ShortList<abi::VARIANT
 
 std::optional<MemberId> try_member(const Object& object, TextView name) {
     require(object);
+    const Object held = object;
     static constexpr abi::IID none{};
     const ShortList<char16_t, 64> terminated(name.size() + 1);
     std::ranges::copy(name, terminated.all().begin());
@@ -59,7 +60,7 @@ std::optional<MemberId> try_member(const Object& object, TextView name) {
     abi::DISPID id = abi::DISPID_UNKNOWN;
     const HRESULT code = abi::call_slot<HRESULT, const abi::IID*, const char16_t**, std::uint32_t,
                                         abi::LCID, abi::DISPID*>(
-        object.get(), abi::slot_get_ids_of_names, &none, &names, 1, abi::fixed_locale, &id);
+        held.get(), abi::slot_get_ids_of_names, &none, &names, 1, abi::fixed_locale, &id);
     if (abi::failed(code)) return std::nullopt;
     return id;
 }

@@ -28,15 +28,22 @@ Text text_of(abi::IUnknown* info, std::size_t slot) {
     return taken(text);
 }
 
-[[noreturn]] void raise(HRESULT code, Text source, Text description, Text help_file,
-                        std::int32_t help_context) {
+Text standard_text(std::int32_t number) {
+    const TextView text = runtime_error_text(number);
+    return Text(text.empty() ? u"Automation error" : text);
+}
+
+// What an error object or an exception record says of a failure.
+[[noreturn]] void raise_told(HRESULT code, Text source, Text description, Text help_file,
+                             std::int32_t help_context) {
     // A code that came with a text stays itself, but for the run-time errors' own range.
     const bool run_time = (static_cast<std::uint32_t>(code) & 0xFFFF0000u) == 0x800A0000u;
     const std::int32_t number = description.empty() || run_time ? number_of_result(code) : code;
-    if (description.empty()) description = runtime_error_text(number);
-    if (description.empty()) description = u"Automation error";
-    throw Failure(number, std::move(source), std::move(description), std::move(help_file),
-                  help_context);
+    if (description.empty()) description = standard_text(number);
+    Failure failure(number, std::move(source), std::move(description), std::move(help_file),
+                    help_context);
+    failure.keeps_empty_source = true;
+    throw failure;
 }
 
 }  // namespace
@@ -78,17 +85,20 @@ void check(HRESULT result) {
     if (abi::failed(result)) raise_runtime_error(number_of_result(result));
 }
 
-void raise_bare_result(HRESULT code) { raise(code, {}, {}, {}, 0); }
+void raise_bare_result(HRESULT code) {
+    const std::int32_t number = number_of_result(code);
+    throw Failure(number, {}, standard_text(number));
+}
 
 void raise_result(HRESULT code) {
     Object info;
     if (abi::GetErrorInfo(0, info.put()) != abi::s_ok || !info) raise_bare_result(code);
     std::uint32_t help_context = 0;
     call_slot<HRESULT, std::uint32_t*>(info.get(), abi::slot_error_get_help_context, &help_context);
-    raise(code, text_of(info.get(), abi::slot_error_get_source),
-          text_of(info.get(), abi::slot_error_get_description),
-          text_of(info.get(), abi::slot_error_get_help_file),
-          static_cast<std::int32_t>(help_context));
+    raise_told(code, text_of(info.get(), abi::slot_error_get_source),
+               text_of(info.get(), abi::slot_error_get_description),
+               text_of(info.get(), abi::slot_error_get_help_file),
+               static_cast<std::int32_t>(help_context));
 }
 
 void raise_late_failure(HRESULT code, abi::EXCEPINFO& info) {
@@ -96,14 +106,13 @@ void raise_late_failure(HRESULT code, abi::EXCEPINFO& info) {
     Text source = taken(info.bstrSource);
     Text description = taken(info.bstrDescription);
     Text help_file = taken(info.bstrHelpFile);
-    if (code == abi::disp_e_exception) {
-        if (info.wCode != 0)
-            throw Failure(info.wCode, std::move(source), std::move(description),
-                          std::move(help_file), static_cast<std::int32_t>(info.dwHelpContext));
+    if (code != abi::disp_e_exception) raise_bare_result(code);
+    if (info.wCode != 0)
+        code = result_of_number(info.wCode);
+    else
         code = abi::failed(info.scode) ? info.scode : abi::e_fail;
-    }
-    raise(code, std::move(source), std::move(description), std::move(help_file),
-          static_cast<std::int32_t>(info.dwHelpContext));
+    raise_told(code, std::move(source), std::move(description), std::move(help_file),
+               static_cast<std::int32_t>(info.dwHelpContext));
 }
 
 }  // namespace orvo::detail

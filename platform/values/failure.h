@@ -14,13 +14,16 @@ namespace orvo {
 //
 // Numbers: run-time failures carry their small Automation numbers (91, 13, …) and cross a binary
 // border as 0x800A0000 + number; every other number is a result code and crosses as it is. A source
-// left empty is filled in with the component's name where the failure is handled or crosses.
+// left empty is filled in with the component's name where the failure is handled or crosses; one
+// that an error object left empty stays so.
 struct Failure : std::exception {
     Failure(std::int32_t number, Text source, Text description, Text help_file = {},
             std::int32_t help_context = 0);
 
     std::int32_t number;
     Text source;
+    // An empty source is what an error object said, and is not filled in.
+    bool keeps_empty_source = false;
     Text description;
     Text help_file;
     std::int32_t help_context;

@@ -190,6 +190,22 @@ TEST_FRESH(ErrorHandling, AFailureWithoutASourceIsTheComponents) {
     EXPECT_THAT(log_.take_sources(), ElementsAre("OrvoMembership"));
 }
 
+TEST_FRESH(ErrorHandling, AnErrorObjectsEmptySourceStaysEmpty) {
+    Failure nameless(5, {}, u"unreadable");
+    nameless.keeps_empty_source = true;
+    journal_.refuse("GetFolder", nameless);
+    const auto configuration = configuration_.make_one();
+    const auto by_slot = [&] { call<&Configuration::GetFolder>(configuration); };
+    const auto by_name = [&] { late::call(configuration.object(), u"GetFolder"); };
+    const auto handled_twice = [](auto body) {
+        return raised_by([&] { trapped(u"Shop.Outer", [&] { trapped(u"Shop.Inner", body); }); });
+    };
+    const auto told = block("5", "Shop.Outer", block("5", "Shop.Inner", "unreadable"));
+    expect_failure(handled_twice(by_slot), 5, u"", told);
+    expect_failure(handled_twice(by_name), 5, u"", told);
+    EXPECT_THAT(log_.take_sources(), ElementsAre("", "", "", ""));
+}
+
 TEST_FRESH(ErrorHandling, AnExceptionThatIsNoFailureBecomesOne) {
     const Failure failure = raised_by(
         [] { trapped(u"Shop.Method", [] { throw std::logic_error("a broken promise"); }); });
@@ -218,6 +234,18 @@ TEST_FRESH(ErrorHandling, ALogThatThrowsNeverReplacesTheFailure) {
     EXPECT_EQ(failure.help_file, u"help.chm");
     EXPECT_EQ(log_.take().size(), 1u) << "the log was asked";
     EXPECT_EQ(log_.alive, 0);
+}
+
+TEST_FRESH(ErrorHandling, WhatTheLogDoesToItsArgumentsStaysWithTheLog) {
+    log_.changes_arguments = true;
+    const std::string inner = block("80040323", "Shop.Inner", "Something broke");
+    const std::string outer = block("80040323", "Shop.Outer", inner, "twice");
+    expect_failure(raised_by(fail_twice), error_number(0x80040323), u"Some.Source", outer);
+    EXPECT_THAT(log_.take(),
+                ElementsAre(LogEntry{"LogMessage", "Some.Source",
+                                     block("80040323", "Shop.Inner", inner), 0},
+                            LogEntry{"LogMessage", "Some.Source",
+                                     block("80040323", "Shop.Outer", outer, "twice"), 0}));
 }
 
 TEST_FRESH(ErrorHandling, AMissingLogNeverReplacesTheFailure) {

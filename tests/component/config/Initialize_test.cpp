@@ -38,18 +38,35 @@ TEST_FRESH(InitializeTest, ItsCreationFailsAsTheConfigurationDid) {
 
 TEST_FRESH(InitializeTest, NamesAndValuesAreHandedToTheProviderAndItsAnswerBack) {
     through_every_door([this](Behind<Initialize>& initialize) {
-        for (const bool answer : {true, false}) {
-            directory_.is_ready = answer;
+        // True is usually -1; another number is not made one.
+        for (const std::int16_t answer : {-1, 0, 1, 256}) {
+            directory_.is_ready = Boolean::of(answer);
             Variant names = Values{u"Size", std::int32_t{3}}, values = u"anything";
-            EXPECT_EQ(initialize.call<&Initialize::InitializeConnectionPool>(names, values),
+            EXPECT_EQ(initialize.call<&Initialize::InitializeConnectionPool>(names, values).number,
                       answer);
             EXPECT_THAT(journal_.take(),
                         ElementsAre("new Test.Directory()", "CreateEntry()",
                                     "InitializeConnectionPool([Size, 3], anything)"));
-            EXPECT_EQ(initialize.call<&Initialize::InitializeCache>(names, values), answer);
+            EXPECT_EQ(initialize.call<&Initialize::InitializeCache>(names, values).number, answer);
             EXPECT_THAT(journal_.take(), ElementsAre("new Test.Directory()", "CreateEntry()",
                                                      "InitializeCache([Size, 3], anything)"));
         }
+    });
+}
+
+TEST_FRESH(InitializeTest, TheProvidersModuleLivesUntilTheOperationEnds) {
+    through_every_door([this](Behind<Initialize>& initialize) {
+        Variant names = Values{u"Size"}, values = Values{std::int32_t{3}};
+        int modules = 0;
+        const auto count = [&] { modules += directory_.modules; };
+        journal_.during("InitializeConnectionPool", count);
+        initialize.call<&Initialize::InitializeConnectionPool>(names, values);
+        EXPECT_EQ(modules, 1);
+        journal_.during("InitializeCache", count);
+        initialize.call<&Initialize::InitializeCache>(names, values);
+        EXPECT_EQ(modules, 2);
+        EXPECT_EQ(directory_.modules, 0);
+        EXPECT_EQ(directory_.entries, 0);
     });
 }
 

@@ -46,6 +46,88 @@ TEST_FRESH(AccessorTest, LoadsANamedSiteFileIntoTheSharedSettings) {
     });
 }
 
+// A configuration component whose fourth operation answers a T.
+template <class T>
+class Answering {
+public:
+    T LoadSiteConfigurationFile(const Text&) { return answer; }
+    Variant ReadConfigValue(Text&, Text& key) { return key; }
+
+    static inline T answer{};
+};
+
+}  // namespace
+
+// clang-format off
+template <class T>
+inline constexpr auto table_of<Answering<T>> = describe<Answering<T>>(
+    "IAnswering", "a717e666-a0d2-453a-9357-9dcf856be20b",
+    reserved(1, 3),
+    method<&Answering<T>::LoadSiteConfigurationFile>("LoadSiteConfigurationFile", "path"),
+    reserved(5, 6),
+    method<&Answering<T>::ReadConfigValue>("ReadConfigValue", "section", "key"));
+// clang-format on
+template <class T>
+inline constexpr auto class_of<Answering<T>> =
+    describe_class<Answering<T>>("Quendra.Configuration", "7e57ab1e-0000-4000-8000-0000000000f4");
+
+namespace {
+
+TEST_FRESH(AccessorTest, TheLoadingMayAnswerAnything) {
+    configuration_.remove();
+    const auto loads_with = [&]<class T>(T answer) {
+        Answering<T>::answer = answer;
+        const LocalClass component = local_class<Answering<T>>();
+        in_fresh_thread([] {
+            PMMAccessor accessor;
+            accessor.InitConfigFile(u"other.ini");
+            EXPECT_EQ(shared_server_info()->GetServerName(), Variant(u"LDAPServer"));
+        });
+    };
+    loads_with(Variant(u"a text that has to be freed"));
+    loads_with(Variant(Values{1, u"two"}));
+    loads_with(true);
+    loads_with(2.5);
+    for (const std::int32_t tag : {8, 9, 0x200C, 0x4008, -1}) loads_with(tag);
+    Answering<Variant>::answer = {};
+}
+
+TEST_FRESH(AccessorTest, ASecondFileBringsANewProviderAndItsServiceAccount) {
+    through_every_door([this](Behind<PMMAccessor>& accessor) {
+        membership().erase(u"MemScriptUser");
+        membership().erase(u"MemScriptCode");
+        initialise(accessor);
+        forget();
+        accessor.call<&PMMAccessor::GetLDAPUsers>(std::int32_t{7});
+        EXPECT_EQ(journal_.take()[2], "Connect(dir01:389, ou=Users,o=Shop, ,o=Shop, )");
+        membership() = shop();
+        initialise(accessor);
+        EXPECT_EQ(directory_.modules, 0) << "the first one's goes with its creator";
+        forget();
+        accessor.call<&PMMAccessor::GetLDAPUsers>(std::int32_t{7});
+        const auto calls = journal_.take();
+        EXPECT_EQ(calls[0], "new Test.Directory()");
+        EXPECT_EQ(calls[2], "Connect(dir01:389, ou=Users,o=Shop, cn=script,o=Shop, script-code)");
+    });
+}
+
+TEST_FRESH(AccessorTest, AFileThatCannotBeLoadedLeavesANewProviderAndTheFormerAccount) {
+    through_every_door([this](Behind<PMMAccessor>& accessor) {
+        initialise(accessor);
+        accessor.call<&PMMAccessor::GetLDAPUsers>(std::int32_t{7});
+        EXPECT_EQ(directory_.modules, 1);
+        journal_.refuse_nth("LoadSiteConfigurationFile", 1, {53, u"Its.Own", u"not there"});
+        raised_by([&] { initialise(accessor); });
+        EXPECT_EQ(directory_.modules, 0);
+        EXPECT_EQ(configuration_.alive, 0);
+        forget();
+        accessor.call<&PMMAccessor::GetLDAPUsers>(std::int32_t{7});
+        const auto calls = journal_.take();
+        EXPECT_EQ(calls[0], "new Test.Directory()");
+        EXPECT_EQ(calls[2], "Connect(dir01:389, ou=Users,o=Shop, cn=script,o=Shop, script-code)");
+    });
+}
+
 TEST_FRESH(AccessorTest, MakesTheConfigurationByItselfAlsoInAContext) {
     const RecordingContext context(journal_);
     PMMAccessor accessor;

@@ -45,6 +45,7 @@ static_assert(slot_of<&Log::LogMessage> == own(5));
 static_assert(slot_of<&Log::LogMessageAlternate> == own(6));
 
 static_assert(slot_of<&Configuration::LoadSiteConfigurationFile> == own(4));
+static_assert(slot_of<&SiteConfigurationLoader::LoadSiteConfigurationFile> == own(4));
 static_assert(slot_of<&Configuration::LoadConfigurationFile> == own(5));
 static_assert(slot_of<&Configuration::ReadConfigValue> == own(7));
 static_assert(slot_of<&Configuration::Initialize> == own(22));
@@ -102,6 +103,7 @@ TEST(Identifiers, OfTheProvidersInterfacesAreTheirTypeLibrarys) {
 TEST(Identifiers, OfTheSuitesComponentsAreTheirOwn) {
     EXPECT_EQ(identifier<Log>(), "0621D2F8-6009-4F66-A855-2F8D3A15D601");
     EXPECT_EQ(identifier<Configuration>(), "A717E666-A0D2-453A-9357-9DCF856BE20B");
+    EXPECT_EQ(identifier<SiteConfigurationLoader>(), identifier<Configuration>());
 }
 
 TEST(Identifiers, OfTheComponentsClassesAreThoseThatCallersWereBuiltWith) {

@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <thread>
 
 #include "platform/interfaces/call.h"
+#include "platform/interfaces/late_call.h"
 #include "tests/platform/interfaces/probe.h"
 
 namespace orvo {
@@ -12,6 +14,33 @@ static_assert(slot_of<&Probe::Add> == 7);
 static_assert(slot_of<&Probe::Greet> == 8);
 static_assert(slot_of<&Probe::Swap> == 11, "reserved slots keep their places");
 static_assert(slot_of<&Switch::Turn> == 3, "an interface without late binding starts at 3");
+
+// Does in its method what it was told to.
+class Errand {
+public:
+    explicit Errand(std::function<void()> work) : work_(std::move(work)) {}
+    std::int32_t Run() {
+        work_();
+        return ++runs_;
+    }
+
+private:
+    std::function<void()> work_;
+    std::int32_t runs_ = 0;
+};
+
+}  // namespace
+
+// clang-format off
+template <>
+inline constexpr auto table_of<Errand> = describe<Errand>(
+    "IErrand", "7e57ab1e-0000-4000-8000-0000000000f3",
+    method<&Errand::Run>("Run"));
+// clang-format on
+template <>
+inline constexpr auto class_of<Errand> = describe_class<Errand>("Test.Errand");
+
+namespace {
 
 template <class Body>
 Failure failure_of(Body body) {
@@ -70,6 +99,17 @@ TEST(SlotCall, OnNothingRaisesObjectNotSet) {
     EXPECT_EQ(failure.description, u"Object variable or With block variable not set");
 }
 
+TEST(SlotCall, HoldsTheObjectWhileItRuns) {
+    Ref<Errand> errand;
+    errand = make<Errand>([&] { errand = nullptr; });
+    EXPECT_EQ(call<&Errand::Run>(errand), 1);
+    EXPECT_FALSE(errand);
+    Object object;
+    object = make<Errand>([&] { object = nullptr; }).object();
+    EXPECT_EQ(late::call(object, u"Run"), Variant(1));
+    EXPECT_FALSE(object);
+}
+
 TEST(SlotCall, BringsAWholeFailureAcross) {
     const auto probe = make<SwitchedProbe>();
     const Failure failure =
@@ -94,6 +134,32 @@ TEST(SlotCall, CarriesRunTimeErrorsInTheirOwnRange) {
 TEST(SlotCall, AFailureWithoutASourceNamesTheClass) {
     const auto probe = make<SwitchedProbe>();
     EXPECT_EQ(failure_of([&] { call<&Probe::FailBare>(probe); }).source, u"Test.Probe");
+}
+
+TEST(SlotCall, AnEmptySourceThatAnErrorObjectHasStaysEmpty) {
+    Object made, readable;
+    ASSERT_EQ(abi::CreateErrorInfo(made.put()), abi::s_ok);
+    abi::call_slot<abi::HRESULT, const char16_t*>(made.get(), abi::slot_error_set_description,
+                                                  u"what?");
+    ASSERT_EQ(abi::query_interface(made.get(), abi::iid_error_info,
+                                   reinterpret_cast<void**>(readable.put())),
+              abi::s_ok);
+    abi::SetErrorInfo(0, readable.get());
+    const auto passed_on = [] {
+        try {
+            detail::raise_result(abi::e_fail);
+        } catch (...) {
+            return current_failure("Test.Class");
+        }
+    };
+    const Failure told = passed_on();
+    EXPECT_EQ(told.description, u"what?");
+    EXPECT_EQ(told.source, u"");
+    EXPECT_EQ(passed_on().source, u"Test.Class") << "without an error object";
+
+    const auto errand = make<Errand>([&] { throw told; });
+    EXPECT_EQ(failure_of([&] { call<&Errand::Run>(errand); }).source, u"");
+    EXPECT_EQ(failure_of([&] { late::call(errand.object(), u"Run"); }).source, u"");
 }
 
 TEST(SlotCall, AnExceptionThatIsNoFailureKeepsItsText) {

@@ -28,6 +28,7 @@ std::string shown(const Variant& value) {
 
 void Journal::call(const std::string& operation, std::initializer_list<Variant> arguments) {
     calls_.push_back(operation + "(" + joined(arguments) + ")");
+    act(operation);
     const auto refusal = refusals_.find(operation);
     if (refusal == refusals_.end()) return;
     auto& [failure, left] = refusal->second;
@@ -40,6 +41,14 @@ void Journal::call(const std::string& operation, std::initializer_list<Variant> 
     throw raised;
 }
 
+void Journal::act(const std::string& operation) {
+    const auto planned = actions_.find(operation);
+    if (planned == actions_.end() || --planned->second.left > 0) return;
+    const auto run = std::move(planned->second.run);
+    actions_.erase(planned);
+    run();
+}
+
 std::vector<std::string> Journal::take() { return std::exchange(calls_, {}); }
 
 void Journal::refuse(const std::string& operation, Failure failure) {
@@ -48,6 +57,10 @@ void Journal::refuse(const std::string& operation, Failure failure) {
 
 void Journal::refuse_nth(const std::string& operation, int nth, Failure failure) {
     refusals_.insert_or_assign(operation, Refusal{std::move(failure), nth});
+}
+
+void Journal::during_nth(const std::string& operation, int nth, std::function<void()> action) {
+    actions_.insert_or_assign(operation, Action{std::move(action), nth});
 }
 
 }  // namespace orvo

@@ -29,7 +29,9 @@ public:
     }
     Variant ReadConfigValue(Text& section, Text& key) override {
         journal().call("ReadConfigValue", {section, key});
-        return value_of(section, key);
+        Variant value = value_of(section, key);
+        if (owner_.changes_arguments) section = key = u"changed";
+        return value;
     }
     void Initialize(Variant& output) override {
         journal().call("Initialize");

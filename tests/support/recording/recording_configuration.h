@@ -23,6 +23,9 @@ public:
     // What a file adds when it is loaded; a file without an entry here adds nothing.
     std::map<Text, std::map<Text, Section>> files;
     Text folder = u"C:\\Site";
+    // Section and key are changed when a value was read, as a component may do with what it gets by
+    // reference.
+    bool changes_arguments = false;
 
     // A new object, for operations that take one.
     Ref<Configuration> make_one();

@@ -12,6 +12,8 @@ public:
 
     Variant CreateInstance(const Text& progid) override {
         owner_.journal().call("CreateInstance", {progid});
+        const auto instance = owner_.instances.find(progid);
+        if (instance != owner_.instances.end()) return instance->second;
         return create_object(progid);
     }
     void SetComplete() override {}

@@ -18,6 +18,8 @@ public:
 
     // The named items; a name that is not here is answered as Empty.
     std::map<Text, Variant> items;
+    // What CreateInstance answers for a ProgID, in place of a new object.
+    std::map<Text, Variant> instances;
 
     Journal& journal() { return journal_; }
 

@@ -11,6 +11,13 @@ namespace {
 
 constexpr abi::CLSID directory_clsid = guid("7e57ab1e-0000-4000-8000-000000000003");
 
+// Several directories are classes of their own.
+abi::CLSID clsid_of(const Text& progid) {
+    abi::CLSID clsid = directory_clsid;
+    clsid.Data1 += static_cast<std::uint32_t>(std::hash<Text>()(progid));
+    return clsid;
+}
+
 // "name=value" for each, in their order.
 Values contents_of(const Object& dictionary) {
     const auto attributes = Ref<Dictionary>::from(dictionary);
@@ -34,32 +41,44 @@ public:
         journal().call("Bind",
                        {server, container, common_name, user, clear_text(password), attributes});
         name_ = common_name.empty() ? container : common_name + u"," + container;
+        owner_.change(server, container, common_name, user, password, attributes);
     }
     Variant GetValues(Text& name) override {
         journal().call("GetValues", {name});
-        return owner_.values_of(name_, name);
+        Variant values = owner_.values_of(name_, name);
+        owner_.change(name);
+        return values;
     }
     void SetValues(Text& name, Variant& value) override {
         if (name == u"userPassword") owner_.passwords.push_back(element(value, 0).to<Text>());
         journal().call("SetValues", {name, value});
+        owner_.written = value;
+        owner_.change(name, value);
     }
-    void ClearValues(Text& name) override { journal().call("ClearValues", {name}); }
+    void ClearValues(Text& name) override {
+        journal().call("ClearValues", {name});
+        owner_.change(name);
+    }
     void CreateChild(Variant& classes, Text& naming_attribute, Object& attributes) override {
         const auto given = Ref<Dictionary>::from(attributes);
         Variant key = u"userPassword";
         if (call<&Dictionary::Exists>(given, key))
             owner_.passwords.push_back(call<&Dictionary::Item>(given, key).to<Text>());
         journal().call("CreateChild", {classes, naming_attribute, contents_of(attributes)});
+        owner_.change(classes, naming_attribute);
     }
     void DeleteChild(Text& class_name, Text& entry_name) override {
         journal().call("DeleteChild", {class_name, entry_name});
+        owner_.change(class_name, entry_name);
     }
-    bool InitializeConnectionPool(Variant& names, Variant& values) override {
+    Boolean InitializeConnectionPool(Variant& names, Variant& values) override {
         journal().call("InitializeConnectionPool", {names, values});
+        owner_.change(names, values);
         return owner_.is_ready;
     }
-    bool InitializeCache(Variant& names, Variant& values) override {
+    Boolean InitializeCache(Variant& names, Variant& values) override {
         journal().call("InitializeCache", {names, values});
+        owner_.change(names, values);
         return owner_.is_ready;
     }
 
@@ -72,14 +91,17 @@ private:
 
 class SearchRecorder final : public DirectorySearch {
 public:
-    explicit SearchRecorder(RecordingDirectory& owner) : owner_(owner) {}
+    explicit SearchRecorder(RecordingDirectory& owner) : owner_(owner) { ++owner_.searches; }
+    ~SearchRecorder() { --owner_.searches; }
 
     void Connect(Text& server, Text& container, Text& user, Secret& password) override {
         owner_.passwords.push_back(clear_text(password));
         owner_.journal().call("Connect", {server, container, user, clear_text(password)});
+        owner_.change(server, container, user, password);
     }
     Object Execute(Text& filter, Variant& attributes, std::int32_t maximum) override {
         owner_.journal().call("Execute", {filter, attributes, maximum});
+        owner_.change(filter, attributes);
         if (owner_.finds.empty()) return owner_.found;
         Object found = std::move(owner_.finds.front());
         owner_.finds.pop_front();
@@ -92,14 +114,17 @@ private:
 
 class ValidatorRecorder final : public DirectoryValidator {
 public:
-    explicit ValidatorRecorder(RecordingDirectory& owner) : owner_(owner) {}
+    explicit ValidatorRecorder(RecordingDirectory& owner) : owner_(owner) { ++owner_.validators; }
+    ~ValidatorRecorder() { --owner_.validators; }
 
     void Open(Text& server, Text& user_container) override {
         owner_.journal().call("Open", {server, user_container});
+        owner_.change(server, user_container);
     }
     std::int32_t Validate(Variant& path, Variant& password) override {
         owner_.passwords.push_back(password.to<Text>());
         owner_.journal().call("Validate", {path, password});
+        owner_.change(path, password);
         return owner_.verdict;
     }
 
@@ -156,7 +181,7 @@ Ref<DirectorySearch> ModuleRecorder::CreateSearch() {
 }
 
 RecordingDirectory::RecordingDirectory(Journal& journal, const Text& progid) : journal_(journal) {
-    class_.emplace(progid, directory_clsid, [this, name = "new " + to_utf8(progid)] {
+    class_.emplace(progid, clsid_of(progid), [this, name = "new " + to_utf8(progid)] {
         journal_.call(name);
         return make<ModuleRecorder>(*this).object();
     });

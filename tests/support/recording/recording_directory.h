@@ -5,6 +5,7 @@
 
 #include "component/provider/directory_contract.h"
 #include "platform/module/local_class.h"
+#include "tests/support/clear_text.h"
 #include "tests/support/recording/journal.h"
 
 namespace orvo {
@@ -28,16 +29,32 @@ public:
     Object found;              // what every search finds
     std::deque<Object> finds;  // what the next searches find, before it comes to that
     std::int32_t verdict = 0;  // what every check of credentials answers
-    bool is_ready = true;      // what the initialisation of pool and cache answers
+    Boolean is_ready = true;   // what the initialisation of pool and cache answers
 
     std::vector<Text> passwords;  // all that it was given, unit by unit
 
-    int modules = 0;  // how many of the provider's module objects are in use
-    int entries = 0;  // how many of its entry objects are
+    Variant written;  // what was last given to SetValues, with its types
+    // Every argument is changed, as a provider may do with what it gets by reference: a text gets
+    // a "!" at its end, a variant becomes the text "changed".
+    bool changes_arguments = false;
+
+    // How many of the provider's objects are in use.
+    int modules = 0;
+    int entries = 0;
+    int searches = 0;
+    int validators = 0;
 
     Journal& journal() { return journal_; }
 
+    void change(auto&... arguments) {
+        if (changes_arguments) (change_one(arguments), ...);
+    }
+
 private:
+    static void change_one(Text& argument) { argument += u'!'; }
+    static void change_one(Secret& argument) { argument = Secret(clear_text(argument) + u'!'); }
+    static void change_one(Variant& argument) { argument = u"changed"; }
+
     Journal& journal_;
     std::map<std::pair<Text, Text>, Variant> answers_;  // by entry and attribute, both lower case
     std::optional<LocalClass> class_;

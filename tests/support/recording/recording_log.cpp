@@ -26,9 +26,12 @@ public:
     }
 
 private:
-    Variant keep(const char* operation, const Text& source, const Text& message,
-                 std::int32_t level) {
+    Variant keep(const char* operation, Text& source, Text& message, std::int32_t& level) {
         entries_.push_back({operation, to_utf8(source), to_utf8(message), level});
+        if (owner_.changes_arguments) {
+            source = message = u"changed";
+            level = 7;
+        }
         if (owner_.throws) throw Failure(error_number(0x80040201), {}, u"The log is full");
         return {};
     }

@@ -31,6 +31,9 @@ public:
 
     // An entry is kept and then refused.
     bool throws = false;
+    // All three arguments are changed when the entry was kept, as a log may do with what it gets by
+    // reference.
+    bool changes_arguments = false;
     // There is no such component at all.
     void remove() { class_.reset(); }
 

@@ -147,12 +147,12 @@ void LdapEntry::require_bound() const {
     if (!login_) raise_runtime_error(runtime_error::object_not_set);
 }
 
-bool LdapEntry::InitializeConnectionPool(Variant& names, Variant& values) {
+Boolean LdapEntry::InitializeConnectionPool(Variant& names, Variant& values) {
     client_.pool().configure(names, values);
     return true;
 }
 
-bool LdapEntry::InitializeCache(Variant& names, Variant& values) {
+Boolean LdapEntry::InitializeCache(Variant& names, Variant& values) {
     client_.cache().configure(names, values);
     return true;
 }

@@ -87,8 +87,8 @@ public:
     // CacheSettings for names and values.
     // Need no Bind. What is named is set, all of it or, after a failure, nothing (result code 89);
     // the rest stays as it is.
-    bool InitializeConnectionPool(Variant& names, Variant& values) override;
-    bool InitializeCache(Variant& names, Variant& values) override;
+    Boolean InitializeConnectionPool(Variant& names, Variant& values) override;
+    Boolean InitializeCache(Variant& names, Variant& values) override;
 
     void failed(const char* operation, const Failure& failure) const noexcept {
         note_failure(operation, name_, failure);
