@@ -47,16 +47,22 @@ Object LdapSearch::Execute(Text& filter, Variant& attributes, std::int32_t maxim
     request.base = base_;
     request.scope = Scope::subtree;
     const Filter wanted = Filter::parse(filter, provider_name);
-    for (const Text& column : columns) request.attributes.push_back(to_utf8(column));
-    learn_types_of(request.attributes);
+    std::vector<std::string> names;
+    for (const Text& column : columns) names.push_back(to_utf8(column));
+    learn_types_of(names);
 
-    RowDecoder decoder(request.attributes, facts_->types);
+    RowDecoder decoder(names, facts_->types);
     SearchCondition condition(wanted, facts_->types);
     request.filter = condition.sent().text();
-    for (const std::string& name : condition.attributes())
-        if (std::none_of(request.attributes.begin(), request.attributes.end(),
-                         [&](const std::string& one) { return facts_->types.same(one, name); }))
-            request.attributes.push_back(name);
+    // A server is asked for each attribute once, however often it is a column.
+    const auto ask_for = [&](const std::vector<std::string>& attributes) {
+        for (const std::string& name : attributes)
+            if (std::none_of(request.attributes.begin(), request.attributes.end(),
+                             [&](const std::string& one) { return facts_->types.same(one, name); }))
+                request.attributes.push_back(name);
+    };
+    ask_for(names);
+    ask_for(condition.attributes());
     FirstRows rows(maximum > 0 ? static_cast<std::size_t>(maximum) : FirstRows::all,
                    [&](const EntryData& entry) { return decoder.row(entry); });
     request.wanted = [&](const std::string& name) {

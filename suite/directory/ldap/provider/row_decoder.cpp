@@ -1,7 +1,5 @@
 #include "suite/directory/ldap/provider/row_decoder.h"
 
-#include <algorithm>
-
 #include "platform/values/values.h"
 #include "suite/directory/ldap/provider/entry_order.h"
 #include "suite/directory/ldap/wire/failures.h"
@@ -28,16 +26,12 @@ std::vector<Text> column_names(const Variant& attributes) {
         for (const Variant& name : attributes.to<Values>()) names.push_back(name.to<Text>());
     }
     if (names.empty()) raise_code(result_code::parameter_error, "No attributes are asked for.");
-    for (auto name = names.begin(); name != names.end(); ++name) {
-        if (name->empty())
+    for (const Text& name : names) {
+        if (name.empty())
             raise_code(result_code::parameter_error, "The name of an attribute is empty.");
-        if (!is_well_formed(*name) || name->find(u'\0') != Text::npos)
+        if (!is_well_formed(name) || name.find(u'\0') != Text::npos)
             raise_code(result_code::parameter_error,
                        "The name of an attribute holds a NUL or half of a surrogate pair.");
-        if (std::any_of(names.begin(), name,
-                        [&](const Text& other) { return equal_ignoring_case(other, *name); }))
-            raise_code(result_code::parameter_error,
-                       "The attribute '" + to_utf8(*name) + "' is asked for twice.");
     }
     return names;
 }

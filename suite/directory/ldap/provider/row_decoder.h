@@ -13,9 +13,9 @@
 namespace orvo::directory::ldap {
 
 // The names that a caller asks for as columns, as they are spelled: an array of texts, or one text.
-// Raises result code 89 where there are none, for an empty name, for one that holds a NUL or half
-// of a surrogate pair, which would be another name, and for one that is there twice without regard
-// to case, which no record set can tell apart; 13 for anything else.
+// One that is there twice is two columns. Raises result code 89 where there are none, for an empty
+// name and for one that holds a NUL or half of a surrogate pair, which would be another name; 13
+// for anything else.
 std::vector<Text> column_names(const Variant& attributes);
 
 // Makes a row of an entry: for each column no value is Empty, one is itself, several are an array;
@@ -36,7 +36,7 @@ private:
         const AttributeType* type;
     };
     // A spelling of the server's, and the columns that it fills: none for a subtype that comes
-    // along, two where a caller asks for one attribute by two names.
+    // along, two where a caller asks for one attribute twice.
     struct Spelling {
         std::string name;
         std::vector<std::size_t> columns;
