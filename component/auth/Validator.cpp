@@ -9,7 +9,8 @@
 namespace orvo {
 
 std::int32_t Validator::CheckUserPassword(Text& sUserId, const Secret& sPassword) {
-    const auto validator = PMMCreator().GetPMMValidator();
+    PMMCreator factory;
+    const auto validator = factory.GetPMMValidator();
     Variant path = shared_server_info()->FullUserPath(sUserId);
     PasswordValue password(sPassword);
     return call<&DirectoryValidator::Validate>(validator, path, password.value);

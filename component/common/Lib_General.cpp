@@ -28,8 +28,17 @@ Ref<ObjectContext> object_context() {
     return server ? call<&AppServer::GetObjectContext>(server) : nullptr;
 }
 
+bool runs_in_context() {
+    // Asked while a failure is being told; not being able to tell must not take its place.
+    try {
+        return static_cast<bool>(object_context());
+    } catch (const Failure&) {
+        return false;
+    }
+}
+
 Variant creation_info(const Text& progID) {
-    if (!object_context()) return u"CreateObject(" + progID + u") failed";
+    if (!runs_in_context()) return u"CreateObject(" + progID + u") failed";
     return u"CreateInstance(" + progID +
            u") failed.\r\nNote: Objects having 'Instancing=PublicNotCreatable' may only be "
            u"instantiated with 'New', not with Gen_GetComponent()";

@@ -6,7 +6,8 @@
 namespace orvo {
 
 // Makes the objects of the configured directory provider. The provider's module is created at
-// first use and kept for the life of this object.
+// first use and kept for the life of this object. A method that makes one of its own keeps it to
+// its end: a provider's objects need not hold their module.
 //
 // Which provider it is, is always told by the thread's shared settings, never by a ServerInfo that
 // a calling object was given. Without one configured every call fails with 91 (object not set).

@@ -112,10 +112,10 @@ void ServerInfo::LoadConfigFile(Ref<Configuration>& i_oConfiguration) {
 }
 
 void ServerInfo::SetConfiguration(Text& i_sConfigPath) {
+    configuration_path_ = i_sConfigPath;
     auto configuration = Gen_GetComponent<Configuration>(u"Quendra.Configuration");
     call<&Configuration::LoadConfigurationFile>(configuration, i_sConfigPath);
     LoadConfigFile(configuration);
-    configuration_path_ = i_sConfigPath;
 }
 
 template struct detail::callee<ServerInfo>;

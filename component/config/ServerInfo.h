@@ -50,7 +50,8 @@ public:
     // The same from a site configuration file.
     void SetConfiguration(Text& i_sConfigPath);
     Variant GetConfigFileName();
-    // The path last given to SetConfiguration; the object's default value.
+    // The path last given to SetConfiguration, also one that could not be loaded; the object's
+    // default value.
     Text ConfigurationPath();
 
     bool IsLoaded() const { return is_loaded_; }

@@ -45,7 +45,8 @@ public:
     // an item becomes "!". Rows come in the provider's order, whatever the sort fields say.
     //
     // A page of as many rows as asked for leaves a bookmark: the last row's cn and "!", to go on
-    // with the criterion "cn>=" and the bookmark. A shorter page leaves the former one.
+    // with the criterion "cn>=" and the bookmark. A shorter page leaves the former one. With a page
+    // size of 0 no rows are a full page, which has no last row: that raises 3021.
     Object GetOrvoUsers(const Variant& iCriteria, const Text& iSortFields,
                         const Variant& iPageSize);
     Text GetLastPageValue();

@@ -202,12 +202,12 @@ void Members::AddUserToResultSet(RowFields& source, RowFields& target) {
     constexpr const char16_t* partner = u"BusinessPartnerID";
     try {
         target.put_value(partner, source.value(partner));
-    } catch (const Failure&) {
-        // A partner that is no 32-bit number is no reason to lose the row: it is noted, and 0.
+    } catch (...) {
+        // A partner that is no 32-bit number is no reason to lose the row: it is logged, and 0.
         target.put_value(partner, std::int32_t{0});
-        LogError(u"OrvoMembership.Members.AddUserToResultSet",
-                 u"Invalid BusinessPartnerID for user " + name_for_the_log(source) +
-                     u" -- value set to 0 in resultset");
+        log_current_exception(u"OrvoMembership.Members.AddUserToResultSet",
+                              u"Invalid BusinessPartnerID for user " + name_for_the_log(source) +
+                                  u" -- value set to 0 in resultset");
     }
     for (const char16_t* name : {u"mail", u"cn", u"sn", u"givenName"})
         target.put_value(name, source.value(name));

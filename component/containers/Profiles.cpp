@@ -80,8 +80,8 @@ bool Profiles::DeleteProfile(Text& iCommonName) {
             Text entry_name = info.profile_naming_attribute() + u"=" + iCommonName + u"," +
                               info.profile_container();
             call<&DirectoryEntry::DeleteChild>(mContainer, class_name, entry_name);
+            if (users) call<&RecordSet::Close>(users);
         }
-        if (users) call<&RecordSet::Close>(users);
         return is_unused;
     });
 }

@@ -47,10 +47,9 @@ void User::put_InvoiceUser(bool iValue) {
 bool User::HasRole(std::int16_t& iRoleID) {
     return trapped({class_prefix, "HasRole"}, [&] {
         Values roles = get_property<Roles>().to<Values>();
-        if (roles.upper_bound() < 1 && profile_) {
-            if (roles.count() == 0 || is_empty(roles[0]))
-                roles = call<&Profile::get_whole<Profile::roles>>(profile_).to<Values>();
-        }
+        // An array without elements has no first one to look at, and raises 9.
+        if (roles.upper_bound() < 1 && is_empty(roles[0]) && profile_)
+            roles = call<&Profile::get_whole<Profile::roles>>(profile_).to<Values>();
         return holds(roles, iRoleID);
     });
 }

@@ -80,6 +80,17 @@ TEST_FRESH(PasswordCheck, TwoChecksMakeTwoValidatorsAndKeepNothing) {
     });
 }
 
+TEST_FRESH(PasswordCheck, ModuleAndValidatorLiveUntilTheCheckEndsAndNoLonger) {
+    through_every_door([this](Behind<Validator>& validator) {
+        int modules = 0;
+        journal_.during("Validate", [&] { modules = directory_.modules; });
+        check(validator, u"jsmith", u"secret");
+        EXPECT_EQ(modules, 1);
+        EXPECT_EQ(directory_.modules, 0);
+        EXPECT_EQ(directory_.validators, 0);
+    });
+}
+
 TEST_FRESH(PasswordCheck, ANullIsAFailureOfTheCheckAndTheProviderIsNotAsked) {
     through_every_door([this](Behind<Validator>& validator) {
         const auto expected = block("5E", source, "Invalid use of Null");

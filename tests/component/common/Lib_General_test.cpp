@@ -67,6 +67,21 @@ TEST_FRESH(GetComponent, InsideAContextAnUnknownClassSaysCreateInstanceAndTheNot
             "with 'New', not with Gen_GetComponent().\r\n");
 }
 
+TEST_FRESH(GetComponent, NothingInPlaceOfAnObjectIsAFailure) {
+    RecordingContext context(journal_);
+    const std::string info =
+        "CreateInstance(Quendra.Configuration) failed.\r\nNote: Objects having "
+        "'Instancing=PublicNotCreatable' may only be instantiated with 'New', not with "
+        "Gen_GetComponent()";
+    context.instances[u"Quendra.Configuration"] = Object();
+    expect_failure(raised_by([] { Gen_GetComponent(u"Quendra.Configuration"); }), 429,
+                   u"OrvoMembership", block("1AD", method, cannot_create, info));
+    context.instances[u"Quendra.Configuration"] = Variant();
+    expect_failure(raised_by([] { Gen_GetComponent(u"Quendra.Configuration"); }), 424,
+                   u"OrvoMembership", block("1A8", method, "Object required", info));
+    EXPECT_EQ(log_.take().size(), 2u);
+}
+
 TEST_FRESH(GetComponent, AFailureIsLoggedOnce) {
     raised_by([] { Gen_GetComponent(u"Nobody.Knows"); });
     const std::string info = "CreateObject(Nobody.Knows) failed";
@@ -144,21 +159,21 @@ TEST_FRESH(IntrinsicState, IsMinusTwoWhenAskingFailsAndNeitherRaisesNorLogs) {
     EXPECT_THAT(log_.take(), IsEmpty());
 }
 
-// An application server that counts its objects and, when told to, says by a failure that the
-// caller runs in no context.
+// An application server that counts its objects and, when told to, answers a question with a
+// failure.
 class StubbornServer final : public AppServer {
 public:
     StubbornServer() { ++objects; }
     Ref<ObjectContext> GetObjectContext() override {
-        ++questions;
-        if (refuses) throw Failure(error_number(0x8004E004), {}, u"There is no object context");
+        if (++questions == refused_question)
+            throw Failure(error_number(0x8004E004), {}, u"There is no object context");
         return nullptr;
     }
     Variant SafeRef(const Variant& object) override { return object; }
 
     static inline int objects = 0;
     static inline int questions = 0;
-    static inline bool refuses = false;
+    static inline int refused_question = 0;
 };
 
 }  // namespace
@@ -171,10 +186,19 @@ namespace {
 
 TEST_FRESH(IntrinsicState, IsMinusOneWhenAskingForTheContextFails) {
     const LocalClass app_server = local_class<StubbornServer>();
-    StubbornServer::refuses = true;
+    StubbornServer::questions = 0;
+    StubbornServer::refused_question = 1;
     EXPECT_EQ(Gen_GetIntrinsicState(u"Session"), -1);
-    StubbornServer::refuses = false;
     EXPECT_THAT(log_.take(), IsEmpty());
+}
+
+TEST_FRESH(GetComponent, AFailureIsToldAlsoWhereAskingForTheContextAgainFails) {
+    const LocalClass app_server = local_class<StubbornServer>();
+    StubbornServer::questions = 0;
+    StubbornServer::refused_question = 2;
+    expect_failure(raised_by([] { Gen_GetComponent(u"Nobody.Knows"); }), 429, u"OrvoMembership",
+                   block("1AD", method, cannot_create, "CreateObject(Nobody.Knows) failed"));
+    EXPECT_EQ(log_.take().size(), 1u);
 }
 
 TEST_FRESH(IntrinsicState, OneApplicationServerServesTheThreadAsLongAsItLives) {

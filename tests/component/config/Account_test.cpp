@@ -105,6 +105,20 @@ TEST_FRESH(AccountTest, ARefusedBindTellsToCheckTheAdministrator) {
     });
 }
 
+TEST_FRESH(AccountTest, ARefusedInitLeavesANewEntryAndOneWithoutAProviderTheFormer) {
+    directory_.answer_of(u"an=2,ou=Accounts,o=Shop", u"OrvoNTUser", Values{u"SHOP\\web"});
+    through_every_door([this](Behind<Account>& account) {
+        bind(account, 2);
+        journal_.refuse_nth("CreateEntry", 1, no_rights());
+        raised_by([&] { bind(account, 3); });
+        EXPECT_EQ(account.call<&Account::NTUser>(), Variant(u"SHOP\\web")) << "type 2's still";
+        journal_.refuse_nth("Bind", 1, no_rights());
+        raised_by([&] { bind(account, 3); });
+        EXPECT_EQ(directory_.entries, 1);
+        EXPECT_EQ(account.call<&Account::NTUser>(), Variant()) << "of the entry that was not bound";
+    });
+}
+
 TEST_FRESH(AccountTest, WithoutAProviderInitFailsOnTheEmptyReference) {
     membership().erase(u"PlugableModuleImplementation");
     through_every_door([](Behind<Account>& account) {
@@ -119,11 +133,14 @@ TEST_FRESH(AccountTest, WithoutSettingsInitFailsOnTheEmptyReference) {
     EXPECT_EQ(raised_by([&] { account.Init(type); }).number, 91);
 }
 
-TEST_FRESH(AccountTest, TheEntryIsKeptUntilTheNextInitAndTheProvidersModuleIsNot) {
+TEST_FRESH(AccountTest, TheEntryIsKeptUntilTheNextInitAndTheProvidersModuleUntilThisOneEnds) {
     load_site_configuration();
     Account account;
     std::int16_t type = 1;
+    int modules = 0;
+    journal_.during("Bind", [&] { modules = directory_.modules; });
     account.Init(type);
+    EXPECT_EQ(modules, 1);
     EXPECT_EQ(directory_.modules, 0);
     EXPECT_EQ(directory_.entries, 1);
     account.Init(type);

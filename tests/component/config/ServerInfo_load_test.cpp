@@ -47,6 +47,14 @@ TEST_FRESH(LoadConfigFile, ReadsEveryKeyOnceInItsOrder) {
     EXPECT_EQ(journal_.take(), every_read);
 }
 
+TEST_FRESH(LoadConfigFile, WhatTheComponentDoesToItsArgumentsStaysWithTheComponent) {
+    configuration_.changes_arguments = true;
+    ServerInfo info;
+    load(info);
+    EXPECT_EQ(journal_.take(), every_read);
+    EXPECT_EQ(info.GetConfigFileName(), Variant(u"directory.ini"));
+}
+
 TEST_FRESH(LoadConfigFile, ReadsNothingAgainThatItHas) {
     ServerInfo info;
     load(info);
@@ -243,6 +251,18 @@ TEST_FRESH(SetConfiguration, GivesTheObjectThePathAsItsDefaultValue) {
     call<&ServerInfo::SetConfiguration>(info, path);
     EXPECT_EQ(late::value_of(info.object()), Variant(u"site.ini"));
     EXPECT_EQ(Variant(info.object()).to<Text>(), u"site.ini");
+}
+
+TEST_FRESH(SetConfiguration, APathThatCannotBeLoadedIsTheDefaultValueAllTheSame) {
+    const Ref<ServerInfo> info = make<ServerInfo>();
+    Text path = u"site.ini";
+    call<&ServerInfo::SetConfiguration>(info, path);
+    for (const char* step : {"LoadConfigurationFile", "new Quendra.Configuration"}) {
+        journal_.refuse_nth(step, 1, {53, u"Its.Own", u"not there"});
+        path = from_utf8(step);
+        raised_by([&] { call<&ServerInfo::SetConfiguration>(info, path); });
+        EXPECT_EQ(late::value_of(info.object()), Variant(path));
+    }
 }
 
 TEST_FRESH(SetConfiguration, WithoutTheComponentRaisesWhatGetComponentRaised) {

@@ -8,6 +8,7 @@ constexpr const char* get_users = "OrvoMembership.Members.GetOrvoUsers";
 constexpr const char* query_members = "OrvoMembership.Members.QueryMembers";
 constexpr const char* having_role = "OrvoMembership.Members.GetOrvoMembersHavingRole";
 constexpr const char* having_role_ex = "OrvoMembership.Members.GetOrvoMembersHavingRoleEx";
+constexpr const char* add_user = "OrvoMembership.Members.AddUserToResultSet";
 
 constexpr const char* connect_users =
     "Connect(dir01:389, ou=Users,o=Shop, cn=web,o=Shop, web-code)";
@@ -178,6 +179,50 @@ TEST_FRESH(MembersSearch, ThePageSizeIsConvertedTo16Bits) {
     });
 }
 
+TEST_FRESH(MembersSearch, PageSizesAtTheEndsOfTheirRange) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        const auto asks_for = [&](const Variant& page_size, int maximum) {
+            forget();
+            search(members, no_criteria(), page_size);
+            EXPECT_EQ(journal_.take().back(),
+                      execute("(& (objectClass=top)(OrvoUserType=*))", usual_columns, maximum));
+            EXPECT_EQ(members.call<&Members::GetLastPageValue>(), u"") << "no full page";
+        };
+        asks_for(std::int16_t{0}, 0);
+        asks_for(std::int32_t{-1}, -1);
+        asks_for(std::int32_t{32767}, 32767);
+        forget();
+        expect_failure(
+            raised_by([&] { search(members, no_criteria(), std::int32_t{32768}); }), 6,
+            from_utf8(query_members),
+            block("6", get_users,
+                  block("6", query_members,
+                        "The following query failed: (& (objectClass=top)(OrvoUserType=*))")));
+    });
+}
+
+// No rows are as many as were asked for: a full page, of which there is no last row.
+TEST_FRESH(MembersSearch, APageSizeOfZeroFailsWhereNobodyIsFound) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        directory_.found = users({});
+        expect_failure(raised_by([&] { search(members, no_criteria(), std::int16_t{0}); }), 3021,
+                       u"ADODB.Recordset", block("BCD", get_users, no_current_record));
+        EXPECT_NO_THROW(search(members, no_criteria(), std::int16_t{-1}));
+        EXPECT_NO_THROW(members.call<&Members::GetOrvoUsersEx>(no_criteria(), Variant::missing(),
+                                                               Text(), Variant(std::int16_t{0})));
+    });
+}
+
+TEST_FRESH(MembersSearch, MoreRowsThan16BitsCountAreAFailureOfTheSearch) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        RecordSetBuilder builder({u"cn"});
+        for (int i = 0; i < 32768; ++i) builder.add({u"anna"});
+        directory_.found = builder.open().object();
+        expect_failure(raised_by([&] { search(members, no_criteria(), std::int16_t{0}); }), 6,
+                       u"OrvoMembership", block("6", get_users, "Overflow"));
+    });
+}
+
 TEST_FRESH(MembersSearch, AProviderThatFindsNothingAtAllIsAnsweredWithNothing) {
     bound_members_through_every_door([this](Behind<Members>& members) {
         directory_.found = nullptr;
@@ -196,6 +241,15 @@ TEST_FRESH(MembersSearch, AFailureTellsTheFilterInPlaceOfTheProvidersWords) {
                                    "(& (objectClass=top)(OrvoUserType=*)(x))")));
         EXPECT_THAT(log_.take_sources(), ElementsAre(query_members, query_members))
             << "one entry of each method";
+    });
+}
+
+TEST_FRESH(MembersSearch, AColumnThatIsAskedForTwiceIsPassedOnTwice) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        members.call<&Members::GetOrvoUsersEx>(no_criteria(), Variant(Values{u"sn", u"cn", u"sn"}),
+                                               Text(), Variant::missing());
+        EXPECT_EQ(journal_.take().back(),
+                  execute("(& (objectClass=top)(OrvoUserType=*))", "[sn, cn, sn]"));
     });
 }
 
@@ -339,38 +393,52 @@ TEST_FRESH(MembersHavingRole, TheResultHasFiveColumnsOfItsOwn) {
     });
 }
 
-TEST_FRESH(MembersHavingRole, APartnerThatIsNoNumberBecomesZeroAndIsNoted) {
-    bound_members_through_every_door([this](Behind<Members>& members) {
+TEST_FRESH(MembersHavingRole, APartnerThatIsNoNumberBecomesZeroAndIsLoggedAsTheErrorItIs) {
+    const std::vector<Text> columns = {u"CN", u"BusinessPartnerID", u"mail", u"givenName", u"sn"};
+    const auto entry = [](const std::string& number, const std::string& text,
+                          const std::string& name) {
+        return LogEntry{
+            "LogMessage", "ADODB.Field",
+            block(number, add_user, text,
+                  "Invalid BusinessPartnerID for user " + name + " -- value set to 0 in resultset"),
+            0};
+    };
+    const auto wrong_type = [&](const std::string& name) {
+        return entry("D5D", "Application uses a value of the wrong type for the current operation.",
+                     name);
+    };
+    const auto too_large = [&](const std::string& name) {
+        return entry("80040E21",
+                     "Multiple-step operation generated errors. Check each status value.", name);
+    };
+    bound_members_through_every_door([&](Behind<Members>& members) {
+        directory_.finds = {profiles({}), records(columns, {{u"anna", u"none", u"", u"", u""},
+                                                            {u"bert", u"4711", u"", u"", u""},
+                                                            {u"carl", 5e9, u"", u"", u""}})};
+        const auto found = having(members, 7);
+        EXPECT_THAT(log_.take(), ElementsAre(wrong_type("anna"), too_large("carl")));
+        EXPECT_EQ(field_value(found, u"BusinessPartnerID"), Variant(std::int32_t{0}));
+
         directory_.finds = {profiles({}),
-                            records({u"CN", u"BusinessPartnerID", u"mail", u"givenName", u"sn"},
-                                    {{u"anna", u"none", u"", u"", u""},
-                                     {u"bert", u"4711", u"", u"", u""},
-                                     {Values{u"carl", u"karl"}, 5e9, u"", u"", u""}})};
-        log_.take();
-        const Failure failure = raised_by([&] { having(members, 7); });
-        EXPECT_EQ(failure.number, 3421) << "a name of two values is no text";
-        std::vector<std::string> notes;
-        for (const LogEntry& entry : log_.take())
-            if (entry.level == 1) notes.push_back(entry.message);
-        const char* add = "OrvoMembership.Members.AddUserToResultSet";
-        EXPECT_THAT(notes, ElementsAre(block("0", add, "Not an actual error",
-                                             "Invalid BusinessPartnerID for user anna -- value "
-                                             "set to 0 in resultset"),
-                                       block("0", add, "Not an actual error",
-                                             "Invalid BusinessPartnerID for user carl -- value "
-                                             "set to 0 in resultset")));
-        directory_.finds = {profiles({}),
-                            records({u"CN", u"BusinessPartnerID", u"mail", u"givenName", u"sn"},
-                                    {{Values(), u"none", u"", u"", u""}})};
+                            records(columns, {{Values{u"carl", u"karl"}, u"none", u"", u"", u""}})};
         EXPECT_EQ(raised_by([&] { having(members, 7); }).number, 3421)
-            << "of the name itself, not of the note";
-        EXPECT_EQ(log_.take().front().message,
-                  block("0", add, "Not an actual error",
-                        "Invalid BusinessPartnerID for user  -- value set to 0 in resultset"));
+            << "of the name itself, which is no text";
+        EXPECT_EQ(log_.take().front(), wrong_type("carl"));
+        directory_.finds = {profiles({}), records(columns, {{Values(), u"none", u"", u"", u""}})};
+        EXPECT_EQ(raised_by([&] { having(members, 7); }).number, 3421);
+        EXPECT_EQ(log_.take().front(), wrong_type(""));
+    });
+}
+
+TEST_FRESH(MembersHavingRole, APartnerThatIsNoNumberNeedsNoLog) {
+    bound_members_through_every_door([&](Behind<Members>& members) {
+        log_.throws = true;
         directory_.finds = {profiles({}),
                             records({u"CN", u"BusinessPartnerID", u"mail", u"givenName", u"sn"},
                                     {{u"anna", u"none", u"", u"", u""}})};
         EXPECT_EQ(field_value(having(members, 7), u"BusinessPartnerID"), Variant(std::int32_t{0}));
+        EXPECT_EQ(log_.take().size(), 1u) << "the log was asked";
+        log_.throws = false;
     });
 }
 
@@ -405,7 +473,10 @@ TEST_FRESH(MembersHavingRole, AColumnThatIsMissingFailsAtTheFirstRowUnlessItIsTh
         log_.take();
         directory_.finds = {profiles({}), without_partner()};
         const auto found = having(members, 7);
-        EXPECT_EQ(log_.take().size(), 2u) << "a note for each row";
+        EXPECT_THAT(log_.take(),
+                    testing::Each(testing::Field(
+                        &LogEntry::message, testing::StartsWith("\r\nERROR 0xCC1\r\n METHOD: " +
+                                                                std::string(add_user)))));
         EXPECT_EQ(field_value(found, u"BusinessPartnerID"), Variant(std::int32_t{0}));
 
         const std::vector<Text> without_name = {u"CN", u"BusinessPartnerID", u"mail", u"sn"};
@@ -468,6 +539,46 @@ TEST_FRESH(MembersHavingRole, SortFieldsSortTheMergedRows) {
     });
 }
 
+TEST_FRESH(MembersHavingRole, RowsCannotBeSortedByAColumnThatIsNotThere) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        directory_.finds = {profiles({}), users({u"bert", u"anna"})};
+        expect_failure(raised_by([&] { having(members, 7, u"nonsense"); }), 3265,
+                       u"ADODB.Recordset",
+                       block("CC1", having_role,
+                             block("CC1", having_role_ex,
+                                   "Item cannot be found in the collection corresponding to the "
+                                   "requested name or ordinal.")));
+    });
+}
+
+// Of two columns that fail in different ways, the one that is copied first tells which it is.
+TEST_FRESH(MembersHavingRole, MailNameSurnameAndGivenNameAreCopiedInThisOrder) {
+    struct Pair {
+        const char16_t* list;     // its value is a list, which is no text: 3421
+        const char16_t* missing;  // 3265
+        std::int32_t number;
+    };
+    const Pair pairs[] = {
+        {u"mail", u"cn", 3421}, {u"cn", u"mail", 3265},      {u"cn", u"sn", 3421},
+        {u"sn", u"cn", 3265},   {u"sn", u"givenName", 3421}, {u"givenName", u"sn", 3265},
+    };
+    for (const auto& [list, missing, number] : pairs) {
+        SCOPED_TRACE(to_utf8(Text(list) + u" before or behind " + missing));
+        bound_members_through_every_door([&](Behind<Members>& members) {
+            std::vector<Text> columns;
+            std::vector<Variant> row;
+            for (const char16_t* name :
+                 {u"BusinessPartnerID", u"mail", u"cn", u"sn", u"givenName"}) {
+                if (name == Text(missing)) continue;
+                columns.push_back(name);
+                row.push_back(name == Text(list) ? Variant(Values{u"a", u"b"}) : Variant(u"1"));
+            }
+            directory_.finds = {profiles({}), records(columns, {row})};
+            EXPECT_EQ(raised_by([&] { having(members, 7); }).number, number);
+        });
+    }
+}
+
 TEST_FRESH(MembersHavingRole, FailuresPassThroughBothFrames) {
     bound_members_through_every_door([this](Behind<Members>& members) {
         journal_.refuse_nth("Execute", 1, no_rights());
@@ -481,6 +592,41 @@ TEST_FRESH(MembersHavingRole, FailuresPassThroughBothFrames) {
                              block("80072098", having_role_ex,
                                    block("80072098", "OrvoMembership.Members.QueryMembersEx",
                                          "(50) no rights"))));
+    });
+}
+
+// A record set that cannot be closed.
+class StuckRecords final : public RecordSetObject {
+public:
+    void Close() override { throw Failure(3219, u"Its.Own", u"stuck"); }
+};
+
+}  // namespace
+
+template <>
+inline constexpr auto class_of<StuckRecords> = describe_class<RecordSet>("Test.StuckRecords");
+
+namespace {
+
+TEST_FRESH(MembersHavingRole, ARecordSetThatCannotBeClosedIsReportedUnderTheClosing) {
+    const auto stuck = [] {
+        const auto records = make<StuckRecords>();
+        call<&Fields::Append>(call<&RecordSet::Fields>(records), u"cn", adVarWChar, 255,
+                              adFldUnspecified, Variant::missing());
+        call<&RecordSet::Open>(records, Variant::missing(), Variant::missing(), adOpenUnspecified,
+                               adLockUnspecified, -1);
+        return records.object();
+    };
+    const auto told = block("C93", having_role,
+                            block("C93", having_role_ex,
+                                  block("C93", "OrvoMembership.Members.CloseRecordSEt", "stuck")));
+    bound_members_through_every_door([&](Behind<Members>& members) {
+        directory_.finds = {stuck()};
+        expect_failure(raised_by([&] { having(members, 7); }), 3219, u"Its.Own", told);
+        directory_.finds = {profiles({u"sales"}), stuck()};
+        expect_failure(raised_by([&] { having(members, 7); }), 3219, u"Its.Own", told);
+        directory_.finds = {profiles({}), stuck()};
+        expect_failure(raised_by([&] { having(members, 7); }), 3219, u"Its.Own", told);
     });
 }
 

@@ -57,6 +57,20 @@ TEST_FRESH(ProfilesTest, BindAsBindsTheContainerItself) {
     });
 }
 
+TEST_FRESH(ProfilesTest, WhatTheProviderDoesToTheCredentialsReachesTheCallerAndIsNotStored) {
+    profiles_through_every_door([this](Behind<Profiles>& profiles) {
+        directory_.changes_arguments = true;
+        Text user = u"cn=web,o=Shop", password = u"web-code";
+        profiles.call<&Profiles::BindAs>(user, password);
+        EXPECT_EQ(user, u"cn=web,o=Shop!");
+        EXPECT_EQ(password, u"web-code!");
+        directory_.changes_arguments = false;
+        forget();
+        create(profiles);
+        EXPECT_EQ(journal_.take().back(), bind_sales);
+    });
+}
+
 TEST_FRESH(ProfilesTest, AnEmptyNameIsTheDirectorysToJudge) {
     profiles_through_every_door([this](Behind<Profiles>& profiles) {
         bind(profiles, u"", u"");
@@ -115,7 +129,8 @@ TEST_FRESH(ProfilesTest, AProfileWithUsersStaysAndThatIsNoFailure) {
         EXPECT_FALSE(remove(profiles));
         EXPECT_THAT(journal_.take(),
                     testing::Not(testing::Contains(testing::StartsWith("Delete"))));
-        EXPECT_EQ(call<&RecordSet::State>(Ref<RecordSet>::from(directory_.found)), adStateClosed);
+        EXPECT_EQ(call<&RecordSet::State>(Ref<RecordSet>::from(directory_.found)), adStateOpen)
+            << "only the users of a profile that goes are closed";
         EXPECT_THAT(log_.take_sources(), testing::Each(activate)) << "notes of an activation";
     });
 }

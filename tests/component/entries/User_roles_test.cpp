@@ -49,8 +49,7 @@ TEST_FRESH(UserRoles, RolesAreComparedAsNumbersWhateverTheirTypeIs) {
 TEST_FRESH(UserRoles, AnEmptyOwnListIsAnsweredFromTheProfile) {
     give_profile();
     answer_profile(u"OrvoRole", numbers({2, 3}));
-    for (const Variant& own :
-         {Variant(Values{Variant()}), Variant(Values{u""}), Variant(Values())}) {
+    for (const Variant& own : {Variant(Values{Variant()}), Variant(Values{u""})}) {
         SCOPED_TRACE(shown(own));
         answer_roles(own);
         bound_through_every_door([](Behind<User>& user) {
@@ -73,8 +72,18 @@ TEST_FRESH(UserRoles, AnOwnListOfZeroOrOfSeveralIsNotAnsweredFromTheProfile) {
 
 TEST_FRESH(UserRoles, WithoutRolesAndWithoutAProfileNoRoleIsHeld) {
     bound_through_every_door([](Behind<User>& user) { EXPECT_FALSE(has(user, 3)); });
+}
+
+TEST_FRESH(UserRoles, AnArrayWithoutElementsHasNoFirstOneToLookAt) {
     answer_roles(Values());
-    bound_through_every_door([](Behind<User>& user) { EXPECT_FALSE(has(user, 0)); });
+    const auto expect_subscript = [](Behind<User>& user) {
+        expect_failure(raised_by([&] { has(user, 3); }), 9, u"OrvoMembership",
+                       block("9", "OrvoMembership.User.HasRole", "Subscript out of range"));
+    };
+    bound_through_every_door(expect_subscript);
+    give_profile();
+    answer_profile(u"OrvoRole", numbers({3}));
+    bound_through_every_door(expect_subscript);
 }
 
 TEST_FRESH(UserRoles, AListThatIsNoArrayFails) {
@@ -156,6 +165,40 @@ TEST_FRESH(UserRoles, AssignRoleWritesTheChangedListAndNothingWhereNothingChange
                             ElementsAre("GetValues(OrvoRole)", "GetValues(OrvoRole)", written));
             else
                 EXPECT_THAT(journal_.take(), ElementsAre("GetValues(OrvoRole)"));
+        });
+    }
+}
+
+TEST_FRESH(UserRoles, AWrittenListHasTheTypesAndBoundsOfWhatWasDoneToIt) {
+    const auto from_one = [](Values list) {
+        Values moved(1, list.count());
+        for (std::int32_t i = 0; i < list.count(); ++i) moved[i + 1] = list[i];
+        return moved;
+    };
+    const Variant three = std::int16_t{3}, none = std::int16_t{0};
+    struct Written {
+        Values before;
+        bool enable;
+        Values after;
+    };
+    const Written cases[] = {
+        // A new role is added as it was passed, to the list as it is.
+        {Values{u"2", 4.0}, true, Values{u"2", 4.0, three}},
+        {from_one(numbers({2, 4})), true, from_one(Values{2, 4, three})},
+        {numbers({0}), true, Values{three}},
+        {from_one(numbers({0})), true, from_one(Values{0, three})},
+        // A list without a role is a new one, of 32-bit integers from 0.
+        {Values{u"2", std::int16_t{3}, 4.0}, false, numbers({2, 4})},
+        {from_one(numbers({2, 3, 4})), false, numbers({2, 4})},
+        {numbers({3}), false, Values{none}},
+        {from_one(numbers({3})), false, Values{none}},
+    };
+    for (const auto& [before, enable, after] : cases) {
+        SCOPED_TRACE(shown(before) + (enable ? " with 3" : " without 3"));
+        answer_roles(before);
+        bound_through_every_door([&](Behind<User>& user) {
+            assign(user, 3, enable);
+            EXPECT_EQ(directory_.written, Variant(after));
         });
     }
 }
