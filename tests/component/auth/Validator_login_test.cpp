@@ -317,6 +317,88 @@ TEST_FRESH(LoginTest, AFilterThatMakesNoRecordLeavesTheGuidWithoutOne) {
     });
 }
 
+TEST_FRESH(LoginTest, TheFilterIsGivenWhatASecondUserReads) {
+    in_a_page([this](Behind<Validator>& validator, RecordingPage& page) {
+        page.cookies[u"ShopLogin"] = u"A1";
+        log_in(validator);
+        const auto calls = journal_.take();
+        EXPECT_EQ(std::ranges::count(calls, "CreateInstance(OrvoMembership.User)"), 1)
+            << "made by the context; the first one is not";
+        page.session_values.clear();
+        // The binds: the user, its account, the second user.
+        journal_.refuse_nth("Bind", 3, {error_number(0x80072098), u"Its.Own", u"(50) no rights"});
+        expect_failure(
+            raised_by([&] { log_in(validator); }), error_number(0x80072098), u"Its.Own",
+            block("80072098", login,
+                  block("80072098", update,
+                        block("80072098", "OrvoMembership.User.BindAs", "(50) no rights"))));
+        EXPECT_THAT(deeds(), ElementsAre("Validate(un=jsmith,ou=Users,o=Shop, s3cret)",
+                                         "Request.Cookies(ShopLogin)"));
+    });
+}
+
+TEST_FRESH(LoginTest, AllThreeArgumentsMustBeTextsBeforeThePasswordIsChecked) {
+    in_a_page([this](Behind<Validator>& validator, RecordingPage&) {
+        const std::pair<Variant, int> wrong[] = {{Variant::null(), 94}, {Values{u"a"}, 13}};
+        for (const auto& [value, number] : wrong) {
+            for (const int which : {0, 1, 2}) {
+                Variant arguments[] = {u"jsmith", u"s3cret", u"/shop"};
+                arguments[which] = value;
+                const Failure failure = raised_by([&] {
+                    validator.call<&Validator::ValidateCredentials>(arguments[0], arguments[1],
+                                                                    arguments[2]);
+                });
+                expect_failure(failure, number, u"OrvoMembership",
+                               block(to_utf8(hexadecimal(number)), login,
+                                     to_utf8(runtime_error_text(number))));
+                EXPECT_THAT(deeds(), IsEmpty());
+            }
+        }
+    });
+}
+
+TEST_FRESH(LoginTest, ApplicationsThatSixteenBitsCannotCountOverflow) {
+    Values apps(0, 32768);
+    for (Variant& app : apps) app = std::int32_t{3};
+    directory_.answer_of(jsmith, u"OrvoApps", apps);
+    in_a_page([this](Behind<Validator>& validator, RecordingPage& page) {
+        expect_failure(raised_by([&] { log_in(validator); }), 6, u"OrvoMembership",
+                       block("6", login, "Overflow"));
+        EXPECT_TRUE(page.session_values.empty());
+        EXPECT_THAT(deeds(), ElementsAre("Validate(un=jsmith,ou=Users,o=Shop, s3cret)"));
+    });
+}
+
+TEST_FRESH(LoginTest, APageWithoutAResponseFailsAfterTheUserWasBound) {
+    load_settings();
+    RecordingContext context(journal_);
+    RecordingPage page(journal_);
+    context.items = {{u"Request", page.request},
+                     {u"Response", Object()},
+                     {u"Session", page.session},
+                     {u"Application", page.application}};
+    for (const Door door : every_door) {
+        SCOPED_TRACE(testing::PrintToString(door));
+        Behind<Validator> validator(door);
+        forget();
+        expect_failure(
+            raised_by([&] { log_in(validator); }), error_number(0x8004044C), from_utf8(login),
+            block("8004044C", login, "No response object, session variables cannot be set"));
+        EXPECT_THAT(journal_.take(), Contains(bind_jsmith));
+        EXPECT_TRUE(page.session_values.empty());
+    }
+}
+
+TEST_FRESH(LoginTest, AMultiLoginThatIsNoNumberFailsTheRegistration) {
+    configuration_.sections[u"GLOBAL"] = {{u"MultiLogin", u"many"}};
+    in_a_page([this](Behind<Validator>& validator, RecordingPage& page) {
+        expect_failure(raised_by([&] { log_in(validator); }), 13, u"OrvoMembership",
+                       block("D", login, type_mismatch));
+        EXPECT_EQ(page.session_values.size(), 4u) << "the session was set up by then";
+        EXPECT_THAT(deeds_beginning("RegisterLogin"), IsEmpty());
+    });
+}
+
 TEST_FRESH(LoginTest, EachFailingStepLeavesWhatWasDoneBefore) {
     const Failure broken{error_number(0x80004005), u"Its.Own", u"broken"};
     struct Step {
@@ -409,6 +491,55 @@ TEST_FRESH(LoginTest, ActivationTakesThePagesObjectsAndLoadsTheSettings) {
                             "new Quendra.Configuration()", "Initialize()"));
     EXPECT_TRUE(shared_server_info()->IsLoaded());
     EXPECT_EQ(configuration_.alive, 0);
+}
+
+TEST_FRESH(LoginTest, DeactivationLetsGoOfThePageUntilTheNextActivation) {
+    load_settings();
+    RecordingContext context(journal_);
+    RecordingPage page(journal_);
+    context.items = {{u"Request", page.request},
+                     {u"Response", page.response},
+                     {u"Session", page.session},
+                     {u"Application", page.application}};
+    page.application_values[filter_connector_progid] = filter_.connector();
+    const auto references = [&] {
+        std::vector<std::uint32_t> counts;
+        for (const Object* item :
+             {&page.request, &page.response, &page.session, &page.application}) {
+            abi::add_ref(item->get());
+            counts.push_back(abi::release(item->get()));
+        }
+        return counts;
+    };
+    const auto log_in_by_slot = [](const Ref<Validator>& validator) {
+        Variant user = u"jsmith", password = u"s3cret", url = u"/shop";
+        return call<&Validator::ValidateCredentials>(validator, user, password, url);
+    };
+    const auto before = references();
+    const Ref<Validator> validator = make<Validator>();
+    const auto control = Ref<ObjectControl>::from(validator.object());
+    EXPECT_NE(references(), before);
+    call<&ObjectControl::IObjectControl_Deactivate>(control);
+    EXPECT_EQ(references(), before);
+    expect_failure(raised_by([&] { log_in_by_slot(validator); }), error_number(0x8004044C),
+                   from_utf8(login),
+                   block("8004044C", login, "No response object, session variables cannot be set"));
+    call<&ObjectControl::IObjectControl_Activate>(control);
+    EXPECT_EQ(log_in_by_slot(validator), Variant(std::int32_t{0}));
+    EXPECT_EQ(page.session_values.size(), 4u);
+}
+
+TEST_FRESH(LoginTest, WhatTheProviderDoesToThePasswordStaysWithTheProvider) {
+    in_a_page([this](Behind<Validator>& validator, RecordingPage& page) {
+        directory_.changes_arguments = true;
+        Variant user = u"jsmith", password = u"s3cret";
+        validator.call<&Validator::ValidatePassword>(user, password);
+        EXPECT_EQ(user, Variant(u"jsmith"));
+        EXPECT_EQ(password, Variant(u"s3cret"));
+        log_in(validator);
+        EXPECT_EQ(page.session_values[u"REMOTE_PASSWORD"], Variant(u"s3cret"));
+        directory_.changes_arguments = false;
+    });
 }
 
 // Changing a password.

@@ -1,5 +1,6 @@
 #include "component/common/GUIDGenerator.h"
 
+#include <dlfcn.h>
 #include <gmock/gmock.h>
 
 #include <set>
@@ -7,6 +8,20 @@
 #include "component/common/Lib_Win32.h"
 
 namespace orvo {
+namespace {
+
+bool system_makes_no_guids = false;
+
+}  // namespace
+
+// The system's own, unless it is to fail: a program's functions come before those of its libraries.
+extern "C" abi::HRESULT abi::CoCreateGuid(abi::GUID* out) {
+    if (system_makes_no_guids) return abi::e_fail;
+    static const auto real =
+        reinterpret_cast<decltype(&abi::CoCreateGuid)>(dlsym(RTLD_NEXT, "CoCreateGuid"));
+    return real(out);
+}
+
 namespace {
 
 using testing::MatchesRegex;
@@ -24,6 +39,12 @@ TEST(NewGUIDText, IsNewAtEachCall) {
     std::set<Text> seen;
     for (int i = 0; i < 1000; ++i) seen.insert(NewGUIDText());
     EXPECT_EQ(seen.size(), 1000u);
+}
+
+TEST(NewGUIDText, IsNotAskedWhetherTheSystemCouldMakeOne) {
+    system_makes_no_guids = true;
+    EXPECT_EQ(NewGUIDText(), Text(32, u'0'));
+    system_makes_no_guids = false;
 }
 
 TEST(FormatGUID, WritesThePartsInTheirOrder) {

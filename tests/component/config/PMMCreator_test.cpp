@@ -94,6 +94,26 @@ TEST_FRESH(PMMCreatorTest, TheImplementationIsReadWhenTheModuleIsFirstNeeded) {
     EXPECT_TRUE(creator.GetPMMObject());
 }
 
+TEST_FRESH(PMMCreatorTest, SettingsOfOnesOwnAreNeverUsed) {
+    RecordingDirectory other(journal_, u"Other.Directory");
+    configuration_.files[u"other.ini"][u"MEMBERSHIP"] = {
+        {u"PlugableModuleImplementation", u"Other.Directory"},
+        {u"LDAPServer", u"dir99"},
+        {u"UserContainer", u"ou=Other"}};
+    through_every_door([this](Behind<PMMCreator>& creator) {
+        ServerInfo own;
+        Text path = u"other.ini";
+        own.SetConfiguration(path);
+        EXPECT_EQ(own.GetPMMImplementation(), Variant(u"Other.Directory"));
+        // As setServerInfo of any class does; loaded values stay.
+        shared_server_info()->SetConfiguration(path);
+        forget();
+        creator.call<&PMMCreator::GetPMMValidator>();
+        EXPECT_THAT(journal_.take(), ElementsAre("new Test.Directory()", "CreateValidator()",
+                                                 "Open(dir01:389, ou=Users,o=Shop)"));
+    });
+}
+
 TEST_FRESH(PMMCreatorTest, WithoutAnImplementationEveryCallFailsOnTheEmptyReference) {
     for (const char16_t* nothing : {u"", u"   "}) {
         membership()[u"PlugableModuleImplementation"] = nothing;

@@ -1,9 +1,26 @@
 #include "component/config/ServerInfo.h"
+
+#include <dlfcn.h>
+
+#include <new>
+
 #include "tests/component/component_test.h"
+
+namespace {
+thread_local std::size_t too_large = 0;  // blocks of this size are refused; 0: none is
+}
+
+// The library's own, but for blocks that a test wants to have refused.
+void* operator new(std::size_t size) {
+    if (too_large != 0 && size >= too_large) throw std::bad_alloc();
+    static const auto real = reinterpret_cast<void* (*)(std::size_t)>(dlsym(RTLD_NEXT, "_Znwm"));
+    return real(size);
+}
 
 namespace orvo {
 namespace {
 
+using testing::ElementsAre;
 using testing::IsEmpty;
 
 // What is given, what comes out, and what the caller's variables hold afterwards.
@@ -78,6 +95,30 @@ TEST_FRESH(Paths, MakeLDAPStringBuildsADirectoryUrlAndChangesHostAndObject) {
             EXPECT_EQ(to_utf8(container), to_utf8(row.container)) << "the container is not changed";
         }
     });
+}
+
+// Nothing but a lack of memory makes either of them fail.
+TEST_FRESH(Paths, AFailureIsLoggedAndRaisedUnderTheOperationsName) {
+    ServerInfo info;
+    Text name(100'000, u'x'), container = u"o=Shop", object = u"jsmith";
+    const auto without_memory = [&](auto body) {
+        return raised_by([&] {
+            too_large = 2 * name.size();
+            try {
+                body();
+            } catch (...) {
+                too_large = 0;
+                throw;
+            }
+            too_large = 0;
+        });
+    };
+    expect_failure(without_memory([&] { info.makeLDAPString(name, container, object); }), 7,
+                   u"OrvoMembership",
+                   block("7", "OrvoMembership.ServerInfo.makeLDAPString", "Out of memory"));
+    expect_failure(without_memory([&] { info.FullUserPath(name); }), 7, u"OrvoMembership",
+                   block("7", "OrvoMembership.ServerInfo.FullUserPath", "Out of memory"));
+    EXPECT_THAT(log_.take_sources(), ElementsAre("OrvoMembership", "OrvoMembership"));
 }
 
 TEST_FRESH(Paths, MakeLDAPStringGoesWithoutANamingAttributeOnAFreshObject) {

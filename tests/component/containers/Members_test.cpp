@@ -93,6 +93,30 @@ TEST_FRESH(MembersTest, ARefusedBindLeavesTheContainerUnboundAndKeepsTheCredenti
     });
 }
 
+TEST_FRESH(MembersTest, WhatTheProviderDoesToTheCredentialsReachesTheCallerAndIsNotStored) {
+    members_through_every_door([this](Behind<Members>& members) {
+        directory_.changes_arguments = true;
+        Text user = u"cn=web,o=Shop", password = u"web-code";
+        members.call<&Members::BindAs>(user, password);
+        EXPECT_EQ(user, u"cn=web,o=Shop!");
+        EXPECT_EQ(password, u"web-code!");
+        directory_.changes_arguments = false;
+        create(members);
+        EXPECT_THAT(journal_.take(), testing::Contains(bind_new_user));
+    });
+}
+
+TEST_FRESH(MembersTest, AContainerThatIsLeftWhileItIsReadLivesUntilTheReadingReturns) {
+    directory_.answer(u"description", Values{u"All users"});
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        journal_.during("GetValues", [&] { bind(members, u""); });
+        Text name = u"description";
+        EXPECT_EQ(members.call<&Members::GetAttribValue>(name), Variant(Values{u"All users"}));
+        EXPECT_EQ(directory_.entries, 0);
+        EXPECT_EQ(raised_by([&] { members.call<&Members::GetAttribValue>(name); }).number, 91);
+    });
+}
+
 TEST_FRESH(MembersTest, SetServerInfoLoadsAFileAndAnEmptyPathLeavesTheSettings) {
     for (const Door door : every_door) {
         in_fresh_thread([&] {
@@ -370,6 +394,31 @@ TEST_FRESH(MembersTest, ADeletionWithoutABindingIsReportedUnderTheCreation) {
     });
 }
 
+TEST_FRESH(MembersTest, ADeletionThatCannotBindIsReportedUnderBothNamesAndDeletesNothing) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        journal_.refuse_nth("Bind", 1, no_rights());
+        Text name = u"jsmith";
+        expect_failure(
+            raised_by([&] { members.call<&Members::DeleteUser>(name); }), error_number(0x80072098),
+            u"Its.Own",
+            block("80072098", delete_user, block("80072098", bind_as, "(50) no rights")));
+        EXPECT_THAT(journal_.take(), ElementsAre("CreateEntry()", bind_container));
+    });
+}
+
+TEST_FRESH(MembersTest, AContainerThatIsNotThereIsToldAsAUserWhoIsNot) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        journal_.refuse_nth("Bind", 1,
+                            {error_number(0x80072030), u"Its.Own", u"(32) no such entry"});
+        Text name = u"jsmith";
+        expect_failure(raised_by([&] { members.call<&Members::DeleteUser>(name); }),
+                       error_number(0x80072030), from_utf8(delete_user),
+                       block("80072030", delete_user,
+                             "User with common name 'jsmith' doesn't exist in the directory"));
+        EXPECT_THAT(log_.take_sources(), ElementsAre("Its.Own", delete_user));
+    });
+}
+
 TEST_FRESH(MembersTest, ARefusedDeletionKeepsItsFailure) {
     journal_.refuse("DeleteChild", no_rights());
     bound_members_through_every_door([](Behind<Members>& members) {
@@ -398,6 +447,33 @@ TEST_FRESH(MembersTest, GetUserFromGUIDBindsTheFirstUserThatTheSearchFinds) {
     });
 }
 
+TEST_FRESH(MembersTest, GetUserFromGUIDNeedsNoBindingOfTheContainer) {
+    members_through_every_door([this](Behind<Members>& members) {
+        journal_.refuse_nth("Bind", 1, no_rights());
+        raised_by([&] { bind(members); });
+        forget();
+        directory_.found = users({u"jsmith"});
+        Text guid = u"0123";
+        members.call<&Members::GetUserFromGUID>(guid);
+        auto calls = journal_.take();
+        std::erase_if(calls, [](const auto& call) { return !call.starts_with("Bind"); });
+        EXPECT_THAT(calls, ElementsAre(bind_new_user, testing::HasSubstr("ou=Accounts")))
+            << "the user's and its account's, with the stored credentials";
+    });
+}
+
+TEST_FRESH(MembersTest, AFoundUserWhoCannotBeBoundIsReportedUnderBothNames) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        directory_.found = users({u"jsmith"});
+        journal_.refuse_nth("Bind", 1, no_rights());
+        Text guid = u"0123";
+        expect_failure(raised_by([&] { members.call<&Members::GetUserFromGUID>(guid); }),
+                       error_number(0x80072098), u"Its.Own",
+                       block("80072098", from_guid,
+                             block("80072098", "OrvoMembership.User.BindAs", "(50) no rights")));
+    });
+}
+
 TEST_FRESH(MembersTest, AnUnknownGUIDFailsOnTheMissingRecord) {
     directory_.found = users({});
     bound_members_through_every_door([](Behind<Members>& members) {
@@ -420,6 +496,20 @@ TEST_FRESH(MembersTest, AttributesOfTheContainerPassUnchanged) {
         members.call<&Members::SetAttribValue>(name, value);
         EXPECT_THAT(journal_.take(),
                     ElementsAre("GetValues(description)", "SetValues(description, x)"));
+    });
+}
+
+TEST_FRESH(MembersTest, WhatTheProviderDoesToNameAndValueReachesTheCaller) {
+    bound_members_through_every_door([this](Behind<Members>& members) {
+        directory_.changes_arguments = true;
+        Text read = u"mail", written = u"mail";
+        Variant value = Values{u"a@shop"};
+        members.call<&Members::GetAttribValue>(read);
+        members.call<&Members::SetAttribValue>(written, value);
+        EXPECT_EQ(read, u"mail!");
+        EXPECT_EQ(written, u"mail!");
+        EXPECT_EQ(value, Variant(u"changed"));
+        directory_.changes_arguments = false;
     });
 }
 

@@ -50,6 +50,17 @@ TEST_FRESH(UserByGuid, IsFoundThroughTheContainerAndThenBoundByName) {
     });
 }
 
+TEST_FRESH(UserByGuid, InAContextTheContainerIsCreatedThroughIt) {
+    directory_.answer(u"cn", Values{u"jsmith"});
+    directory_.found = users({u"jsmith"});
+    load_settings();
+    Behind<User> user(Door::slots);
+    const RecordingContext context(journal_);
+    forget();
+    bind(user);
+    EXPECT_EQ(journal_.take()[0], "CreateInstance(OrvoMembership.Members)");
+}
+
 TEST_FRESH(UserByGuid, AnUnknownGuidIsReportedUnderBothNames) {
     directory_.found = users({});
     through_every_door([](Behind<User>& user) {

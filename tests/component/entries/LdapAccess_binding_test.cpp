@@ -93,6 +93,20 @@ TEST_FRESH(LdapAccessBinding, BindAsBindsANewEntryOfTheProvider) {
     });
 }
 
+TEST_FRESH(LdapAccessBinding, WhatTheProviderDoesToTheArgumentsReachesTheCaller) {
+    directory_.changes_arguments = true;
+    through_every_door([](Behind<LdapAccess>& entry) {
+        Text name = u"cn=jsmith", user = u"cn=admin", password = u"secret", server = u"dir02",
+             container = u"ou=Staff";
+        entry.call<&LdapAccess::BindAs>(name, user, password, server, container);
+        EXPECT_EQ(name, u"cn=jsmith!");
+        EXPECT_EQ(user, u"cn=admin!");
+        EXPECT_EQ(password, u"secret!");
+        EXPECT_EQ(server, u"dir02!");
+        EXPECT_EQ(container, u"ou=Staff!");
+    });
+}
+
 TEST_FRESH(LdapAccessBinding, ASecondBindAsReplacesModuleAndEntry) {
     through_every_door([this](Behind<LdapAccess>& entry) {
         bind(entry);
@@ -234,6 +248,21 @@ TEST_FRESH(LdapAccessConfig, GetAttributeNameAnswersWhatTheConfigurationHasUncha
             ElementsAre("ReadConfigValue(Attributes, Phone)", "ReadConfigValue(Attributes, Count)",
                         "ReadConfigValue(Attributes, Unknown)", "ReadConfigValue(Attributes, 42)"));
     });
+}
+
+TEST_FRESH(LdapAccessConfig, TheConfigurationIsKeptWhateverIsBoundNext) {
+    through_every_door([this](Behind<LdapAccess>& entry) {
+        journal_.refuse_nth("Bind", 1, no_rights());
+        raised_by([&] { entry.call<&LdapAccess::BindToConfig>(); });
+        EXPECT_EQ(name_of(entry, u"Phone"), Variant(u"telephoneNumber")) << "though not bound";
+        bind(entry);
+        EXPECT_EQ(name_of(entry, u"Phone"), Variant(u"telephoneNumber"));
+        journal_.refuse_nth("GetFolder", 1, no_rights());
+        raised_by([&] { entry.call<&LdapAccess::BindToConfig>(); });
+        EXPECT_EQ(configuration_.alive, 1);
+        EXPECT_EQ(name_of(entry, u"Phone"), Variant()) << "of the new one, which loaded nothing";
+    });
+    EXPECT_EQ(configuration_.alive, 0);
 }
 
 TEST_FRESH(LdapAccessConfig, GetAttributeNameBeforeBindToConfigFailsUnderItsName) {

@@ -81,6 +81,19 @@ TEST_FRESH(LdapAccessTest, ClearingPassesTheNameOn) {
     });
 }
 
+TEST_FRESH(LdapAccessTest, WhatTheProviderDoesToNameAndValueReachesTheCaller) {
+    directory_.changes_arguments = true;
+    through_every_door([](Behind<LdapAccess>& entry) {
+        Text read = u"mail", written = u"mail", cleared = u"mail";
+        Variant value = Values{u"a@shop"};
+        entry.call<&LdapAccess::GetAttribValue>(read);
+        entry.call<&LdapAccess::SetAttribValue>(written, value);
+        entry.call<&LdapAccess::ClearAttribValue>(cleared);
+        for (const Text& name : {read, written, cleared}) EXPECT_EQ(name, u"mail!");
+        EXPECT_EQ(value, Variant(u"changed"));
+    });
+}
+
 TEST_FRESH(LdapAccessTest, WhatTheProviderRaisesArrivesUnderTheOperationsName) {
     for (const char* operation : {"GetValues", "SetValues", "ClearValues"})
         journal_.refuse(operation, {error_number(0x80072098), u"Its.Own", u"(50) no rights"});

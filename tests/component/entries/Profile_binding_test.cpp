@@ -107,10 +107,27 @@ TEST_FRESH(ProfileTest, InitAfterBindAsBindsWithTheStoredCredentialsAndNotTheSes
     }
 }
 
-TEST_FRESH(ProfileTest, CredentialsAreStoredEvenWhereTheBindFails) {
+TEST_FRESH(ProfileTest, CredentialsAreStoredBeforeAnythingCanFail) {
+    for (const char* step : {"new Test.Directory", "CreateEntry", "Bind"}) {
+        SCOPED_TRACE(step);
+        through_every_door([&](Behind<Profile>& profile) {
+            journal_.refuse_nth(step, 1, no_rights());
+            raised_by([&] { bind(profile); });
+            journal_.clear();
+            init(profile);
+            EXPECT_EQ(journal_.take().back(), bind_sales);
+        });
+    }
+}
+
+TEST_FRESH(ProfileTest, WhatTheProviderDoesToTheCredentialsReachesTheCallerAndIsNotStored) {
+    directory_.changes_arguments = true;
     through_every_door([this](Behind<Profile>& profile) {
-        journal_.refuse_nth("Bind", 1, no_rights());
-        raised_by([&] { bind(profile); });
+        Text name = u"sales", account = u"cn=web,o=Shop", password = u"web-code";
+        profile.call<&Profile::BindAs>(name, account, password);
+        EXPECT_EQ(name, u"sales");
+        EXPECT_EQ(account, u"cn=web,o=Shop!");
+        EXPECT_EQ(password, u"web-code!");
         journal_.clear();
         init(profile);
         EXPECT_EQ(journal_.take().back(), bind_sales);

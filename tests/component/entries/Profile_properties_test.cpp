@@ -39,6 +39,19 @@ TEST_FRESH(ProfileTest, AttributesGoStraightToTheProvider) {
     });
 }
 
+TEST_FRESH(ProfileTest, WhatTheProviderDoesToNameAndValueReachesTheCaller) {
+    directory_.changes_arguments = true;
+    bound_through_every_door([](Behind<Profile>& profile) {
+        Text read = u"mail", written = u"mail", cleared = u"mail";
+        Variant value = Values{u"a@shop"};
+        profile.call<&Profile::GetAttribValue>(read);
+        profile.call<&Profile::SetAttribValue>(written, value);
+        profile.call<&Profile::ClearAttribValue>(cleared);
+        for (const Text& name : {read, written, cleared}) EXPECT_EQ(name, u"mail!");
+        EXPECT_EQ(value, Variant(u"changed"));
+    });
+}
+
 TEST_FRESH(ProfileTest, RefusedAttributesAreReportedUnderTheirNamesAndClearingWithItsOwnSpelling) {
     for (const char* operation : {"GetValues", "SetValues", "ClearValues"})
         journal_.refuse(operation, no_rights());
@@ -180,6 +193,13 @@ TEST_FRESH(ProfileTest, ApplicationsAreReadWholeAndWrittenOrClearedWhenEmpty) {
     EXPECT_THAT(journal_.take(), ElementsAre("ClearValues(OrvoApps)", "ClearValues(OrvoApps)",
                                              "SetValues(OrvoApps, [4])", "SetValues(OrvoApps, [5])",
                                              "ClearValues(OrvoApps)", "ClearValues(OrvoApps)"));
+}
+
+TEST_FRESH(ProfileTest, AnArrayWithoutApplicationsIsWrittenAndDoesNotClear) {
+    const auto profile = bound();
+    call<&Profile::put_OrvoApps>(profile, Variant(Values()));
+    late::put(profile.object(), u"OrvoApps", u"");
+    EXPECT_THAT(journal_.take(), ElementsAre("SetValues(OrvoApps, [])", "SetValues(OrvoApps, )"));
 }
 
 TEST_FRESH(ProfileTest, FailingWritesOfApplicationsShowTheirChain) {

@@ -1,3 +1,4 @@
+#include "component/entries/UserPrivileges.h"
 #include "tests/component/entries/user_binding_test.h"
 
 namespace orvo {
@@ -146,6 +147,40 @@ TEST_FRESH(UserActivation, DeactivationDropsEntryAndProfileAndKeepsTheAccount) {
     EXPECT_EQ(call<&User::NTUser>(user), u"guest");
     bind(user);
     EXPECT_TRUE(call<&User::get_Profile>(user)) << "a bind makes a new factory";
+}
+
+TEST_FRESH(UserActivation, DeactivationKeepsThePrivilegeListsAndWhatWasRead) {
+    set_user_privilege_source([](const Text&) {
+        return UserPrivileges{.readable = {u"profilecn", u"orvousertype", u"mail"},
+                              .writable = {u"sn"}};
+    });
+    directory_.answer_of(jsmith, u"mail", Values{u"js@shop"});
+    load_settings();
+    const Ref<User> user = make<User>();
+    bind(user);
+    Text mail = u"mail", fax = u"fax", sn = u"sn";
+    call<&User::GetAttribValue>(user, mail);
+    call<&ObjectControl::IObjectControl_Deactivate>(Ref<ObjectControl>::from(user.object()));
+    forget();
+    EXPECT_EQ(call<&User::GetAttribValue>(user, mail), Variant(Values{u"js@shop"}));
+    EXPECT_EQ(call<&User::GetAttribValue>(user, fax), Variant(u"")) << "not to be read";
+    Variant value = u"x";
+    call<&User::SetAttribValue>(user, mail, value);  // not to be written
+    EXPECT_THAT(log_.take(), IsEmpty());
+    EXPECT_EQ(raised_by([&] { call<&User::SetAttribValue>(user, sn, value); }).number, 91);
+    EXPECT_THAT(journal_.take(), IsEmpty());
+}
+
+TEST_FRESH(UserActivation, EachActivationBringsANewProviderFactory) {
+    load_settings();
+    const Ref<User> user = make<User>();
+    bind(user);
+    EXPECT_EQ(directory_.modules, 1);
+    call<&ObjectControl::IObjectControl_Activate>(Ref<ObjectControl>::from(user.object()));
+    EXPECT_EQ(directory_.modules, 0);
+    forget();
+    bind(user);
+    EXPECT_EQ(journal_.take()[0], "new Test.Directory()");
 }
 
 TEST_FRESH(UserActivation, ReleasingTheObjectReleasesEverything) {

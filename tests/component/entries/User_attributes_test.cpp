@@ -85,6 +85,19 @@ TEST_FRESH(UserAttributes, TheCallersVariablesStayAsTheyAre) {
     });
 }
 
+TEST_FRESH(UserAttributes, WhatTheProviderDoesToNameAndValueReachesTheCaller) {
+    directory_.changes_arguments = true;
+    bound_through_every_door([](Behind<User>& user) {
+        Text read = u"mail", written = u"mail", cleared = u"mail";
+        Variant value = Values{u"a@shop"};
+        user.call<&User::GetAttribValue>(read);
+        user.call<&User::SetAttribValue>(written, value);
+        user.call<&User::ClearAttribValue>(cleared);
+        for (const Text& name : {read, written, cleared}) EXPECT_EQ(name, u"mail!");
+        EXPECT_EQ(value, Variant(u"changed"));
+    });
+}
+
 TEST_FRESH(UserAttributes, WhatTheProviderRaisesArrivesWithTheAttributesName) {
     bound_through_every_door([this](Behind<User>& user) {
         for (const char* operation : {"GetValues", "SetValues", "ClearValues"})

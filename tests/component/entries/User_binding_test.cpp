@@ -34,6 +34,22 @@ TEST_FRESH(UserBinding, TheCallersVariablesStayAsTheyAre) {
     });
 }
 
+TEST_FRESH(UserBinding, WhatTheProviderDoesToTheCredentialsGoesOnToTheProfileAndTheCaller) {
+    give_profile();
+    directory_.changes_arguments = true;
+    through_every_door([this](Behind<User>& user) {
+        Text name = u"jsmith", account = u"cn=web,o=Shop", password = u"web-code";
+        user.call<&User::BindAs>(name, account, password);
+        const auto calls = journal_.take();
+        EXPECT_THAT(calls, testing::Contains(bind_jsmith));
+        EXPECT_THAT(calls, testing::Contains("Bind(dir01:389, ou=Profiles,o=Shop, pn=sales, "
+                                             "cn=web,o=Shop!, web-code!, [])"));
+        EXPECT_EQ(name, u"jsmith");
+        EXPECT_EQ(account, u"cn=web,o=Shop!!");
+        EXPECT_EQ(password, u"web-code!!");
+    });
+}
+
 TEST_FRESH(UserBinding, TheNameIsJoinedWithNothingBetweenAndUnescaped) {
     through_every_door([this](Behind<User>& user) {
         bind(user, u" a,b=c ", u"", u"");
@@ -63,6 +79,18 @@ TEST_FRESH(UserBinding, AUserWithAProfileBindsItWithTheSameCredentials) {
                         "CreateEntry()", bind_sales, "GetValues(OrvoUserType)",
                         "new Test.Directory()", "CreateEntry()", bind_account));
         EXPECT_TRUE(user.call<&User::get_Profile>());
+    });
+}
+
+TEST_FRESH(UserBinding, TheProfileIsTheOneThatTheSecondReadingNames) {
+    through_every_door([this](Behind<User>& user) {
+        give_profile();
+        journal_.during_nth("GetValues", 2, [this] { give_profile(u"stock"); });
+        bind(user);
+        EXPECT_THAT(journal_.take(),
+                    testing::Contains("Bind(dir01:389, ou=Profiles,o=Shop, pn=stock, "
+                                      "cn=web,o=Shop, web-code, [])"));
+        EXPECT_EQ(call<&Profile::CN>(user.call<&User::get_Profile>()), u"stock");
     });
 }
 
@@ -150,6 +178,56 @@ TEST_FRESH(UserBinding, AnEmptyTextAsProfileNameIsNoProfile) {
         bind(user);
         EXPECT_FALSE(user.call<&User::get_Profile>());
     });
+}
+
+// A provider that calls back while it is called: what the user releases then, an entry, a profile,
+// an account, lives until its own method has returned.
+
+TEST_FRESH(UserBinding, IsReplacedByABindThatComesDuringIt) {
+    through_every_door([this](Behind<User>& user) {
+        journal_.during("Bind", [&] { bind(user, u"mlee"); });
+        bind(user);
+        directory_.answer_of(u"un=mlee,ou=Users,o=Shop", u"mail", Values{u"ml@shop"});
+        Text mail = u"mail";
+        EXPECT_EQ(user.call<&User::GetAttribValue>(mail), Variant(Values{u"ml@shop"}));
+    });
+}
+
+TEST_FRESH(UserBinding, MayComeDuringTheReadingWritingAndClearingOfAnAttribute) {
+    directory_.answer_of(jsmith, u"mail", Values{u"js@shop"});
+    bound_through_every_door([this](Behind<User>& user) {
+        Text mail = u"mail";
+        Variant value = u"new@shop";
+        journal_.during("GetValues", [&] { bind(user); });
+        EXPECT_EQ(user.call<&User::GetAttribValue>(mail), Variant(Values{u"js@shop"}));
+        journal_.during("SetValues", [&] { bind(user); });
+        user.call<&User::SetAttribValue>(mail, value);
+        EXPECT_EQ(directory_.written, Variant(u"new@shop"));
+        journal_.during("ClearValues", [&] { bind(user); });
+        user.call<&User::ClearAttribValue>(mail);
+        EXPECT_EQ(directory_.entries, 2) << "the user's and the account's";
+    });
+}
+
+TEST_FRESH(UserBinding, MayComeWhileTheAccountIsAsked) {
+    directory_.answer(u"OrvoNTUser", Values{u"guest"});
+    bound_through_every_door([this](Behind<User>& user) {
+        journal_.during("GetValues", [&] { bind(user); });
+        EXPECT_EQ(user.call<&User::NTUser>(), u"guest");
+    });
+}
+
+TEST_FRESH(UserBinding, FailsWhereTheUserIsDeactivatedWhileTheProfileIsAsked) {
+    give_profile();
+    load_settings();
+    const Ref<User> user = make<User>();
+    bind(user);
+    const auto control = Ref<ObjectControl>::from(user.object());
+    // The first value read is the profile's name, the second what the profile calls itself.
+    journal_.during_nth("GetValues", 2,
+                        [&] { call<&ObjectControl::IObjectControl_Deactivate>(control); });
+    EXPECT_EQ(raised_by([&] { bind(user); }).number, 91);
+    EXPECT_FALSE(call<&User::get_Profile>(user));
 }
 
 // Settings.

@@ -38,6 +38,24 @@ TEST_FRESH(UserPassword, ARightOldPasswordIsReplaced) {
     }
 }
 
+TEST_FRESH(UserPassword, TheOldPasswordIsCheckedForTheNameThatTheEntryCallsItself) {
+    directory_.answer_of(jsmith, u"cn", Values{u"John Smith", u"jsmith"});
+    bound_through_every_door([this](Behind<User>& user) {
+        change(user);
+        EXPECT_THAT(journal_.take(),
+                    testing::Contains("Validate(un=John Smith,ou=Users,o=Shop, old-code)"));
+    });
+}
+
+TEST_FRESH(UserPassword, AnEmptyNewPasswordIsTheProvidersToJudge) {
+    bound_through_every_door([this](Behind<User>& user) {
+        Text before = u"old-code", after;
+        user.call<&User::ChangePassword>(before, after);
+        EXPECT_EQ(journal_.take().back(), "SetValues(userPassword, [])");
+        EXPECT_EQ(directory_.written, Variant(Values{u""}));
+    });
+}
+
 TEST_FRESH(UserPassword, InAContextTheValidatorIsCreatedThroughIt) {
     load_settings();
     Behind<User> user(Door::slots);
