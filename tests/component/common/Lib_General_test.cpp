@@ -75,7 +75,8 @@ TEST_FRESH(GetComponent, NothingInPlaceOfAnObjectIsAFailure) {
         "Gen_GetComponent()";
     context.instances[u"Quendra.Configuration"] = Object();
     expect_failure(raised_by([] { Gen_GetComponent(u"Quendra.Configuration"); }), 429,
-                   u"OrvoMembership", block("1AD", method, cannot_create, info));
+                   u"OrvoMembership",
+                   block("1AD", method, "ActiveX component can't create object", info));
     context.instances[u"Quendra.Configuration"] = Variant();
     expect_failure(raised_by([] { Gen_GetComponent(u"Quendra.Configuration"); }), 424,
                    u"OrvoMembership", block("1A8", method, "Object required", info));
@@ -196,8 +197,9 @@ TEST_FRESH(GetComponent, AFailureIsToldAlsoWhereAskingForTheContextAgainFails) {
     const LocalClass app_server = local_class<StubbornServer>();
     StubbornServer::questions = 0;
     StubbornServer::refused_question = 2;
-    expect_failure(raised_by([] { Gen_GetComponent(u"Nobody.Knows"); }), 429, u"OrvoMembership",
-                   block("1AD", method, cannot_create, "CreateObject(Nobody.Knows) failed"));
+    expect_failure(
+        raised_by([] { Gen_GetComponent(u"Nobody.Knows"); }), 429, u"OrvoMembership",
+        block("1AD", method, cannot_create(u"Nobody.Knows"), "CreateObject(Nobody.Knows) failed"));
     EXPECT_EQ(log_.take().size(), 1u);
 }
 

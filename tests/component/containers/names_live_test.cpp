@@ -298,8 +298,7 @@ TEST_FRESH(ArgumentsLive, FortyThousandElementsAreMoreThanAnIndexCounts) {
     Values texts(0, many);
     for (std::int32_t i = 0; i < many; ++i) texts[i] = u"cn=a*";
     EXPECT_EQ(raised_by([&] { found(users, texts); }).number, 6);
-    const Object wide =
-        late::call(users, u"GetOrvoUsersEx", {list({u"cn=a"}), texts}).to<Object>();
+    const Object wide = late::call(users, u"GetOrvoUsersEx", {list({u"cn=a"}), texts}).to<Object>();
     EXPECT_EQ(late::get(late::get(wide, u"Fields").to<Object>(), u"Count"), Variant(many))
         << "columns are not counted with an index, and may be the same";
     EXPECT_EQ(everything(), before);
