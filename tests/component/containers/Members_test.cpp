@@ -96,10 +96,11 @@ TEST_FRESH(MembersTest, ARefusedBindLeavesTheContainerUnboundAndKeepsTheCredenti
 TEST_FRESH(MembersTest, WhatTheProviderDoesToTheCredentialsReachesTheCallerAndIsNotStored) {
     members_through_every_door([this](Behind<Members>& members) {
         directory_.changes_arguments = true;
-        Text user = u"cn=web,o=Shop", password = u"web-code";
+        Text user = u"cn=web,o=Shop";
+        Secret password(u"web-code");
         members.call<&Members::BindAs>(user, password);
         EXPECT_EQ(user, u"cn=web,o=Shop!");
-        EXPECT_EQ(password, u"web-code!");
+        EXPECT_EQ(clear_text(password), u"web-code!");
         directory_.changes_arguments = false;
         create(members);
         EXPECT_THAT(journal_.take(), testing::Contains(bind_new_user));

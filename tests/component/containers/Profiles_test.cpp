@@ -60,10 +60,11 @@ TEST_FRESH(ProfilesTest, BindAsBindsTheContainerItself) {
 TEST_FRESH(ProfilesTest, WhatTheProviderDoesToTheCredentialsReachesTheCallerAndIsNotStored) {
     profiles_through_every_door([this](Behind<Profiles>& profiles) {
         directory_.changes_arguments = true;
-        Text user = u"cn=web,o=Shop", password = u"web-code";
+        Text user = u"cn=web,o=Shop";
+        Secret password(u"web-code");
         profiles.call<&Profiles::BindAs>(user, password);
         EXPECT_EQ(user, u"cn=web,o=Shop!");
-        EXPECT_EQ(password, u"web-code!");
+        EXPECT_EQ(clear_text(password), u"web-code!");
         directory_.changes_arguments = false;
         forget();
         create(profiles);

@@ -96,12 +96,12 @@ TEST_FRESH(LdapAccessBinding, BindAsBindsANewEntryOfTheProvider) {
 TEST_FRESH(LdapAccessBinding, WhatTheProviderDoesToTheArgumentsReachesTheCaller) {
     directory_.changes_arguments = true;
     through_every_door([](Behind<LdapAccess>& entry) {
-        Text name = u"cn=jsmith", user = u"cn=admin", password = u"secret", server = u"dir02",
-             container = u"ou=Staff";
+        Text name = u"cn=jsmith", user = u"cn=admin", server = u"dir02", container = u"ou=Staff";
+        Secret password(u"secret");
         entry.call<&LdapAccess::BindAs>(name, user, password, server, container);
         EXPECT_EQ(name, u"cn=jsmith!");
         EXPECT_EQ(user, u"cn=admin!");
-        EXPECT_EQ(password, u"secret!");
+        EXPECT_EQ(clear_text(password), u"secret!");
         EXPECT_EQ(server, u"dir02!");
         EXPECT_EQ(container, u"ou=Staff!");
     });

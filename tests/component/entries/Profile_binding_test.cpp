@@ -123,11 +123,12 @@ TEST_FRESH(ProfileTest, CredentialsAreStoredBeforeAnythingCanFail) {
 TEST_FRESH(ProfileTest, WhatTheProviderDoesToTheCredentialsReachesTheCallerAndIsNotStored) {
     directory_.changes_arguments = true;
     through_every_door([this](Behind<Profile>& profile) {
-        Text name = u"sales", account = u"cn=web,o=Shop", password = u"web-code";
+        Text name = u"sales", account = u"cn=web,o=Shop";
+        Secret password(u"web-code");
         profile.call<&Profile::BindAs>(name, account, password);
         EXPECT_EQ(name, u"sales");
         EXPECT_EQ(account, u"cn=web,o=Shop!");
-        EXPECT_EQ(password, u"web-code!");
+        EXPECT_EQ(clear_text(password), u"web-code!");
         journal_.clear();
         init(profile);
         EXPECT_EQ(journal_.take().back(), bind_sales);

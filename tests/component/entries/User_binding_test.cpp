@@ -38,7 +38,8 @@ TEST_FRESH(UserBinding, WhatTheProviderDoesToTheCredentialsGoesOnToTheProfileAnd
     give_profile();
     directory_.changes_arguments = true;
     through_every_door([this](Behind<User>& user) {
-        Text name = u"jsmith", account = u"cn=web,o=Shop", password = u"web-code";
+        Text name = u"jsmith", account = u"cn=web,o=Shop";
+        Secret password(u"web-code");
         user.call<&User::BindAs>(name, account, password);
         const auto calls = journal_.take();
         EXPECT_THAT(calls, testing::Contains(bind_jsmith));
@@ -46,7 +47,7 @@ TEST_FRESH(UserBinding, WhatTheProviderDoesToTheCredentialsGoesOnToTheProfileAnd
                                              "cn=web,o=Shop!, web-code!, [])"));
         EXPECT_EQ(name, u"jsmith");
         EXPECT_EQ(account, u"cn=web,o=Shop!!");
-        EXPECT_EQ(password, u"web-code!!");
+        EXPECT_EQ(clear_text(password), u"web-code!!");
     });
 }
 

@@ -49,7 +49,7 @@ TEST_FRESH(UserPassword, TheOldPasswordIsCheckedForTheNameThatTheEntryCallsItsel
 
 TEST_FRESH(UserPassword, AnEmptyNewPasswordIsTheProvidersToJudge) {
     bound_through_every_door([this](Behind<User>& user) {
-        Text before = u"old-code", after;
+        Secret before(u"old-code"), after;
         user.call<&User::ChangePassword>(before, after);
         EXPECT_EQ(journal_.take().back(), "SetValues(userPassword, [])");
         EXPECT_EQ(directory_.written, Variant(Values{u""}));
