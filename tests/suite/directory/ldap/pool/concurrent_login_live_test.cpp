@@ -25,7 +25,7 @@ protected:
     std::int32_t login_result(const User& as, std::optional<Limits> limits = {}) {
         return failure_of([&] {
                    ServerLogin(client_.pool(), from_utf8(proxy_.server()), from_utf8(as.name),
-                               from_utf8(as.password), limits)
+                               Secret(from_utf8(as.password)), limits)
                        .authenticate();
                })
             .number;
@@ -87,7 +87,7 @@ TEST_F(ConcurrentLoginTest, DoNotWaitInTurnForAnswersThatAreOutdatedWhenTheyCome
     for (int session = 0; session < 5; ++session)
         threads.emplace_back([&] {
             ServerLogin(client.pool(), from_utf8(proxy_.server()), from_utf8(jsmith.name),
-                        from_utf8(jsmith.password), std::nullopt)
+                        Secret(from_utf8(jsmith.password)), std::nullopt)
                 .authenticate();
         });
     for (std::thread& thread : threads) thread.join();
