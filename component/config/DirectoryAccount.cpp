@@ -6,10 +6,12 @@
 
 namespace orvo {
 
-Ref<DirectorySearch> DirectoryAccount::connected_search(PMMCreator& provider, Text container) {
+Ref<DirectorySearch> DirectoryAccount::connected_search(PMMCreator& provider,
+                                                        Text container) const {
     auto search = provider.GetPMMSearch();
     Text server = shared_server_info()->server_name();
-    call<&DirectorySearch::Connect>(search, server, container, name, secret);
+    DirectoryAccount given = copy();
+    call<&DirectorySearch::Connect>(search, server, container, given.name, given.secret);
     return search;
 }
 

@@ -10,14 +10,15 @@ namespace orvo {
 //
 // Objects that take credentials keep them in one of these and work with it from then on. Nothing is
 // checked here: what is wrong with them the directory says, at the bind or the search. Providers
-// take both in-out; what one writes there stays in the account.
+// take both in-out and get copies: what one writes there changes no account.
 struct DirectoryAccount {
     Text name = {};
     Secret secret = {};
 
+    DirectoryAccount copy() const { return {name, secret.clone()}; }
     // A search of the configured server below `container` (a full name), ready for Execute. Raises
     // what the provider raises, and 91 where none is configured.
-    Ref<DirectorySearch> connected_search(PMMCreator& provider, Text container);
+    Ref<DirectorySearch> connected_search(PMMCreator& provider, Text container) const;
 };
 
 // The membership script account of the thread's settings.

@@ -103,10 +103,14 @@ void Members::BindAs(Text& iUsername, Secret& iPassword) {
     });
 }
 
-void Members::bind_as_stored() { BindAs(mAccount.name, mAccount.secret); }
+void Members::bind_as_stored() {
+    DirectoryAccount given = mAccount.copy();
+    BindAs(given.name, given.secret);
+}
 
 void Members::bind_as_stored(const Ref<User>& user, Text name) {
-    call<&User::BindAs>(user, name, mAccount.name, mAccount.secret);
+    DirectoryAccount given = mAccount.copy();
+    call<&User::BindAs>(user, name, given.name, given.secret);
 }
 
 Ref<User> Members::CreateUser(Text& iCommonName, Secret& iPassword) {

@@ -63,7 +63,8 @@ Object Profiles::AsRecordset() {
 
 Ref<Profile> Profiles::bound_profile(Text& name) {
     auto profile = Gen_GetComponent<Profile>(u"OrvoMembership.Profile");
-    call<&Profile::BindAs>(profile, name, mAccount.name, mAccount.secret);
+    DirectoryAccount given = mAccount.copy();
+    call<&Profile::BindAs>(profile, name, given.name, given.secret);
     return profile;
 }
 

@@ -64,7 +64,8 @@ void Profile::BindAs(Text& iCN, Text& iUsername, Secret& iPwd) {
 void Profile::Init(Text& iCN) {
     trapped(u"OrvoMembership.Profile.Init", [&] {
         if (!m_account.name.empty()) {
-            BindAs(iCN, m_account.name, m_account.secret);
+            DirectoryAccount given = m_account.copy();
+            BindAs(iCN, given.name, given.secret);
         } else if (!m_oSession) {
             // Without a pending error nothing is raised: whoever tries Init before there are
             // credentials goes on, and is told by the first attribute that is asked for.
