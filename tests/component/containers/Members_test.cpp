@@ -107,6 +107,19 @@ TEST_FRESH(MembersTest, WhatTheProviderDoesToTheCredentialsReachesTheCallerAndIs
     });
 }
 
+TEST_FRESH(MembersTest, WhatTheProviderDoesToTheStoredCredentialsIsNotStoredEither) {
+    members_through_every_door([this](Behind<Members>& members) {
+        bind(members);
+        directory_.changes_arguments = true;
+        members.call<&Members::GetOrvoUsers>(no_criteria(), Text(), Variant::missing());
+        create(members);
+        directory_.changes_arguments = false;
+        forget();
+        create(members);
+        EXPECT_THAT(journal_.take(), testing::Contains(bind_new_user));
+    });
+}
+
 TEST_FRESH(MembersTest, AContainerThatIsLeftWhileItIsReadLivesUntilTheReadingReturns) {
     directory_.answer(u"description", Values{u"All users"});
     bound_members_through_every_door([this](Behind<Members>& members) {
