@@ -3,18 +3,15 @@
 #include <algorithm>
 
 #include "platform/values/text.h"
-#include "platform/values/text_order.h"
 #include "suite/directory/names/ascii.h"
 
 namespace orvo::directory {
 namespace {
 
-// What ends the part of a key that does not regard case, and in it the letters where there are
-// accents; lower than all characters.
+// What ends the part of a key that does not regard case; lower than all characters.
 constexpr char end_of_folded = '\0';
-constexpr char end_of_letters = '\1';
-constexpr char lowest = '\2';
-constexpr int shift = 3;  // makes room for them; the octets of UTF-8 end at 0xF4
+constexpr char lowest = '\1';
+constexpr int shift = 2;  // makes room for both; the octets of UTF-8 end at 0xF4
 
 void append(std::string& key, std::string_view folded) {
     bool after_blank = true;
@@ -31,14 +28,7 @@ std::string folded_key(std::string_view value) {
                                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
     std::string key;
     key.reserve(2 * value.size() + 1);
-    if (is_ascii) {
-        append(key, ascii::lower(value));
-        return key;
-    }
-    const Text text = from_utf8(value);
-    append(key, to_utf8(letters_of(text)));
-    const Text accents = accents_of(text);
-    if (!accents.empty()) (key += end_of_letters) += to_utf8(accents);
+    append(key, is_ascii ? ascii::lower(value) : to_utf8(lower(from_utf8(value))));
     return key;
 }
 

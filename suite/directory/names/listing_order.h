@@ -4,9 +4,9 @@
 //
 // A caller that has seen the entry named x goes on with those from x + "!" on. So there must be
 // nothing between x and x + "!": "!" is the lowest of all characters here, lower than the blank,
-// and "Smith John" comes after "Smith!". It is the order of text_order.h, in which record sets are
-// sorted: letters first, accents where the letters are the same, then the spelling. Beyond that,
-// blanks in front do not count, and runs of blanks count as one.
+// and "Smith John" comes after "Smith!". Letters count without regard to case (as text.h's `lower`
+// folds them), otherwise characters come in the order of their numbers; blanks in front do not
+// count, runs of blanks count as one.
 
 #include <string>
 #include <string_view>
