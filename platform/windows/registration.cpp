@@ -1,4 +1,5 @@
 #include <cstdint>
+#include <set>
 
 #include "platform/system/registration.h"
 #include "platform/values/failure.h"
@@ -61,11 +62,29 @@ void forget_progid(const std::optional<std::u16string>& progid, const std::u16st
     if (owner && equal_ignoring_case(*owner, clsid)) remove_class_key(*progid, scope);
 }
 
+// What is known of a module are the classes whose server is the module's file. The AppIDs that they
+// had, which stay.
+std::set<std::u16string> remove_classes(Scope scope) {
+    std::set<std::u16string> app_ids;
+    const std::u16string module = own_module();
+    for (const std::u16string& clsid : subkeys(u"CLSID", scope)) {
+        std::u16string key = u"CLSID\\" + clsid;
+        std::optional<std::u16string> server = class_key(key + u"\\InprocServer32", scope);
+        if (!server || !equal_ignoring_case(*server, module)) continue;
+        forget_progid(class_key(key + u"\\ProgID", scope), clsid, scope);
+        forget_progid(class_key(key + u"\\VersionIndependentProgID", scope), clsid, scope);
+        const std::optional<std::u16string> app_id = class_value(key, u"AppID", scope);
+        if (app_id && !app_id->empty()) app_ids.insert(*app_id);
+        remove_class_key(key, scope);
+    }
+    return app_ids;
+}
+
 }  // namespace
 
-void register_module(const std::u16string& module_name, std::span<const ClassEntry> classes,
-                     Scope scope) {
-    unregister_module(module_name, scope);
+// An AppID keeps what the administrator has set there.
+void register_module(const std::u16string&, std::span<const ClassEntry> classes, Scope scope) {
+    remove_classes(scope);
     std::u16string module = own_module();
     for (const ClassEntry& entry : classes) register_class(module, entry, scope);
 }
@@ -78,19 +97,9 @@ void register_surrogate(const abi::GUID& app_id, std::span<const ClassEntry> cla
     set_class_value(u"AppID\\" + id, u"DllSurrogate", u"", scope);
 }
 
-// What is known of a module are the classes whose server is the module's file.
 void unregister_module(const std::u16string&, Scope scope) {
-    std::u16string module = own_module();
-    for (const std::u16string& clsid : subkeys(u"CLSID", scope)) {
-        std::u16string key = u"CLSID\\" + clsid;
-        std::optional<std::u16string> server = class_key(key + u"\\InprocServer32", scope);
-        if (!server || !equal_ignoring_case(*server, module)) continue;
-        forget_progid(class_key(key + u"\\ProgID", scope), clsid, scope);
-        forget_progid(class_key(key + u"\\VersionIndependentProgID", scope), clsid, scope);
-        const std::optional<std::u16string> app_id = class_value(key, u"AppID", scope);
-        if (app_id && !app_id->empty()) remove_class_key(u"AppID\\" + *app_id, scope);
-        remove_class_key(key, scope);
-    }
+    for (const std::u16string& app_id : remove_classes(scope))
+        remove_class_key(u"AppID\\" + app_id, scope);
 }
 
 }  // namespace orvo::runtime

@@ -149,9 +149,12 @@ public:
         set_class_key(key + u"\\FLAGS", decimal(attributes_.flags), scope);
         set_class_key(key + u"\\HELPDIR", folder_, scope);
         for_each_interface([&](const Text& interface_key, const Text& name) {
-            // Also seen by the user: an interface of the machine's is somebody's as well.
+            // Also seen by the user: an interface of the machine's is somebody's as well. One that
+            // has a marshaller of its own may name no library.
             const auto owner = class_key(interface_key + u"\\TypeLib");
-            if (owner && !equal_ignoring_case(*owner, id())) return;
+            const bool is_there =
+                class_key(interface_key) || class_key(interface_key + u"\\ProxyStubClsid32");
+            if (is_there && (!owner || !equal_ignoring_case(*owner, id()))) return;
             set_class_key(interface_key, name, scope);
             set_class_key(interface_key + u"\\ProxyStubClsid", automation_marshaller, scope);
             set_class_key(interface_key + u"\\ProxyStubClsid32", automation_marshaller, scope);
