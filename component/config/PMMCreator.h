@@ -7,7 +7,7 @@ namespace orvo {
 
 // Makes the objects of the configured directory provider. The provider's module is created at
 // first use and kept for the life of this object. A method that makes one of its own keeps it to
-// its end: a provider's objects need not hold their module.
+// its end; an entry or a record set that outlives the method has to hold its module itself.
 //
 // Which provider it is, is always told by the thread's shared settings, never by a ServerInfo that
 // a calling object was given. Without one configured every call fails with 91 (object not set).

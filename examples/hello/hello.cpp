@@ -6,7 +6,10 @@ using namespace orvo;
 
 class Greeter {
 public:
-    Text Greet(const Text& name) { return ++greetings_, word_ + u", " + name + u"!"; }
+    Text Greet(const Text& name) {
+        ++greetings_;
+        return word_ + u", " + name + u"!";
+    }
     std::int32_t Greetings() { return greetings_; }
     void put_Word(const Text& word) { word_ = word; }
 

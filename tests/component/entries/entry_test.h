@@ -10,7 +10,7 @@
 
 namespace orvo {
 
-// What the activation's entries name, those of a profile too. Deliberate.
+// What the activation's entries name, those of a profile too: who reads the log looks for it.
 inline constexpr const char* activate = "OrvoMembership.User.IObjectControl_Activate";
 
 inline constexpr const char* bind_sales =

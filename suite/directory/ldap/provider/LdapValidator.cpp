@@ -11,7 +11,6 @@
 #include "suite/directory/policy/password_form.h"
 
 namespace orvo::directory::ldap {
-namespace {}  // namespace
 
 void LdapValidator::Open(Text& server, Text& user_container) {
     target_ = client_.last_check_target().find(server, user_container);
