@@ -65,4 +65,12 @@ protected:
     LocalClass members_class_ = local_class<Members>();
 };
 
+// The calls of a search of the users container, bound with the usual account.
+inline constexpr const char* connect_users =
+    "Connect(dir01:389, ou=Users,o=Shop, cn=web,o=Shop, web-code)";
+inline std::string execute(const std::string& filter, const std::string& columns = usual_columns,
+                           int maximum = 1000) {
+    return "Execute(" + filter + ", " + columns + ", " + std::to_string(maximum) + ")";
+}
+
 }  // namespace orvo
