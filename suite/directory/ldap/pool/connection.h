@@ -10,8 +10,8 @@
 namespace orvo::directory::ldap {
 
 // What a password check found right: whose password, asked when, and the write mark that the user's
-// entry had then. Held until the next check below the same container that comes more than
-// RecheckAfter later, or the end of the connection.
+// entry had then. It ends with the next check on the same connection, with the first one below the
+// same container after RecheckAfter, and with the connection.
 struct CheckedLogin {
     std::string user;  // as the server was given it: it may tell names apart that are one here
     Secret password;
