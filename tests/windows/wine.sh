@@ -15,8 +15,20 @@ end_wine() { wineserver -k >/dev/null 2>&1 || true; }
 # A path of this system as programs under Wine take it.
 wine_path() { echo "Z:${1//\//\\}"; }
 
-# in_wine PROGRAM [argument...]: ends with the program's code, 124 when it takes too long.
-in_wine() { timeout 120 wine "$@" </dev/null; }
+# in_wine PROGRAM [argument...]: ends with the program's code, 124 when it takes too long. What it
+# prints comes once it has ended. Wine fails to start a program once in a thousand times, before
+# anything of it has run; then it is started again.
+in_wine() {
+    local said=$WINEPREFIX/said code attempt
+    for attempt in 1 2 3; do
+        code=0
+        timeout 120 wine "$@" </dev/null >"$said" 2>&1 || code=$?
+        grep -q '^ShellExecuteEx failed: Internal error' "$said" || break
+        echo "Wine could not start $1 (attempt $attempt)" >&2
+    done
+    cat "$said"
+    return "$code"
+}
 
 # What a text program printed, with this system's line ends.
 in_wine_text() { in_wine "$@" 2>&1 | tr -d '\r'; }
