@@ -61,10 +61,10 @@ struct Filter {
     //   itself. An asterisk is a wildcard, also where it comes from a name; only after ">=" and
     //   "<=", which have none, it stands for itself. Wildcards side by side are one.
     // - Apostrophes, quotes and whatever else have no meaning: they stay as they are.
-    // Anything else raises 0x8007203E (result code 87), from the given source, its description with
-    // the reason, the place (the count of UTF-16 units from 1, as scripts count characters) and the
-    // whole text; of a text that is too long, with its beginning.
-    static Filter parse(TextView text, TextView source);
+    // Anything else raises 0x8007203E (result code 87), its description with the reason, the place
+    // (the count of UTF-16 units from 1, as scripts count characters) and the whole text; of a text
+    // that is too long, with its beginning.
+    static Filter parse(TextView text);
 
     // The strict text (RFC 4515), in UTF-8; reading it gives an equal tree. Octets that would mean
     // something else, control characters, what is not UTF-8, and a blank at either end of a value

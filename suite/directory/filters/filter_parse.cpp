@@ -65,7 +65,7 @@ bool is_description(std::string_view text) {
 
 class Reader {
 public:
-    Reader(TextView text, TextView source) : text_(text), source_(source) {}
+    explicit Reader(TextView text) : text_(text) {}
 
     Filter read() {
         if (text_.size() > Filter::longest)
@@ -337,17 +337,16 @@ private:
         message += text_.size() > Filter::longest
                        ? Text(text_.substr(0, shown_of_long_text)) + u"...'."
                        : Text(text_) + u"'.";
-        throw directory_failure(filter_error, source_, to_utf8(message));
+        throw directory_failure(filter_error, {}, to_utf8(message));
     }
 
     TextView text_;
-    TextView source_;
     std::size_t position_ = 0;
     std::size_t depth_ = 0;
 };
 
 }  // namespace
 
-Filter Filter::parse(TextView text, TextView source) { return Reader(text, source).read(); }
+Filter Filter::parse(TextView text) { return Reader(text).read(); }
 
 }  // namespace orvo::directory

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "suite/directory/ldap/wire/failures.h"
+#include "suite/directory/policy/failures.h"
 
 namespace orvo::directory::ldap {
 namespace {
@@ -14,11 +14,11 @@ using std::chrono::microseconds;
 bool was_lost(const Result& result) { return result.code == result_code::server_down; }
 
 std::string reason_of(const Result& result) {
-    return to_utf8(directory_failure(result.code, provider_name, result.message).description);
+    return to_utf8(directory_failure(result.code, {}, result.message).description);
 }
 
 Failure bind_failure(const Result& bind) {
-    Failure failure = directory_failure(bind.code, provider_name, bind.message, bind.nearest_entry);
+    Failure failure = directory_failure(bind.code, {}, bind.message, bind.nearest_entry);
     switch (bind.code) {
         case result_code::no_such_object:
         case result_code::invalid_name:

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "suite/directory/ldap/wire/failures.h"
+#include "suite/directory/policy/failures.h"
 
 namespace orvo::directory::ldap {
 namespace {

@@ -1,6 +1,6 @@
 #include "suite/directory/ldap/pool/probe.h"
 
-#include "suite/directory/ldap/wire/failures.h"
+#include "suite/directory/policy/failures.h"
 
 namespace orvo::directory::ldap {
 
@@ -10,7 +10,7 @@ std::optional<std::string> probe(const ServerHost& host, const Limits& limits) {
         result = session->read("", {"1.1"});
         if (!result.connection_failed() && !result.is_unavailable()) return std::nullopt;
     }
-    return to_utf8(directory_failure(result.code, provider_name, result.message).description);
+    return to_utf8(directory_failure(result.code, {}, result.message).description);
 }
 
 }  // namespace orvo::directory::ldap

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "suite/directory/ldap/wire/failures.h"
 #include "suite/directory/names/ascii.h"
 #include "suite/directory/names/entry_key.h"
+#include "suite/directory/policy/failures.h"
 
 namespace orvo::directory::ldap {
 namespace {

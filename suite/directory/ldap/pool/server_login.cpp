@@ -1,7 +1,7 @@
 #include "suite/directory/ldap/pool/server_login.h"
 
-#include "suite/directory/ldap/wire/failures.h"
 #include "suite/directory/names/written_name.h"
+#include "suite/directory/policy/failures.h"
 #include "suite/directory/policy/password_form.h"
 
 namespace orvo::directory::ldap {

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "suite/directory/ldap/provider/proven_password.h"
-#include "suite/directory/ldap/wire/failures.h"
 #include "suite/directory/names/written_name.h"
+#include "suite/directory/policy/failures.h"
 #include "suite/directory/policy/password_attributes.h"
 #include "suite/directory/schema/attribute_values.h"
 

@@ -6,15 +6,17 @@
 
 #include "component/provider/directory_contract.h"
 #include "platform/interfaces/hosted.h"
+#include "suite/directory/entries/failure_note.h"
 #include "suite/directory/ldap/pool/server_login.h"
 #include "suite/directory/ldap/provider/client.h"
-#include "suite/directory/ldap/provider/failure_note.h"
 
 namespace orvo {
-namespace directory::ldap {
+namespace directory {
 
 struct GivenAttribute;
 struct NewEntry;
+
+namespace ldap {
 
 // One entry. Each operation acquires a connection of its user's from the pool; see Attempts for
 // what is done where a server fails. Used by one thread.
@@ -133,7 +135,8 @@ private:
     std::shared_ptr<const ServerFacts> facts_;
 };
 
-}  // namespace directory::ldap
+}  // namespace ldap
+}  // namespace directory
 
 template <>
 inline constexpr auto class_of<directory::ldap::LdapEntry> =

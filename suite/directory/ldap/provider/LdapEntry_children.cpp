@@ -1,11 +1,11 @@
 #include <utility>
 
+#include "suite/directory/entries/new_entry.h"
+#include "suite/directory/entries/password_value.h"
 #include "suite/directory/ldap/provider/LdapEntry.h"
-#include "suite/directory/ldap/provider/new_entry.h"
-#include "suite/directory/ldap/provider/password_value.h"
-#include "suite/directory/ldap/wire/failures.h"
 #include "suite/directory/ldap/wire/unicode_password.h"
 #include "suite/directory/names/written_name.h"
+#include "suite/directory/policy/failures.h"
 #include "suite/directory/policy/password_attributes.h"
 #include "suite/directory/policy/password_hash.h"
 
@@ -135,7 +135,7 @@ Text LdapEntry::remove_again(const std::string& name, TextView is_or_may_be) {
         const bool is_gone =
             removed.code == result_code::no_such_object && !login_->has_several_servers();
         if (removed.ok() || is_gone) return {};
-        why = directory_failure(removed.code, provider_name, removed.message).description;
+        why = directory_failure(removed.code, {}, removed.message).description;
     } catch (const Failure& failure) {  // the first failure is the one to raise
         why = failure.description;
     }

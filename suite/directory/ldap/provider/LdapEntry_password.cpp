@@ -1,9 +1,9 @@
 #include <algorithm>
 
+#include "suite/directory/entries/password_value.h"
 #include "suite/directory/ldap/provider/LdapEntry.h"
-#include "suite/directory/ldap/provider/password_value.h"
 #include "suite/directory/ldap/provider/proven_password.h"
-#include "suite/directory/ldap/wire/failures.h"
+#include "suite/directory/policy/failures.h"
 #include "suite/directory/policy/password_hash.h"
 
 namespace orvo::directory::ldap {

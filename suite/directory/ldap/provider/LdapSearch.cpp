@@ -4,13 +4,13 @@
 #include <utility>
 
 #include "platform/objects/recordset/builder.h"
+#include "suite/directory/entries/entry_order.h"
+#include "suite/directory/entries/row_decoder.h"
+#include "suite/directory/entries/search_condition.h"
 #include "suite/directory/filters/filter.h"
-#include "suite/directory/ldap/provider/entry_order.h"
-#include "suite/directory/ldap/provider/row_decoder.h"
-#include "suite/directory/ldap/provider/search_condition.h"
-#include "suite/directory/ldap/wire/failures.h"
 #include "suite/directory/ldap/wire/paged_results.h"
 #include "suite/directory/names/written_name.h"
+#include "suite/directory/policy/failures.h"
 
 namespace orvo::directory::ldap {
 namespace {
@@ -46,7 +46,7 @@ Object LdapSearch::Execute(Text& filter, Variant& attributes, std::int32_t maxim
     SearchRequest request;
     request.base = base_;
     request.scope = Scope::subtree;
-    const Filter wanted = Filter::parse(filter, provider_name);
+    const Filter wanted = Filter::parse(filter);
     std::vector<std::string> names;
     for (const Text& column : columns) names.push_back(to_utf8(column));
     learn_types_of(names);

@@ -5,9 +5,9 @@
 
 #include "suite/directory/ldap/pool/attempts.h"
 #include "suite/directory/ldap/provider/proven_password.h"
-#include "suite/directory/ldap/wire/failures.h"
 #include "suite/directory/ldap/wire/password_policy.h"
 #include "suite/directory/names/written_name.h"
+#include "suite/directory/policy/failures.h"
 #include "suite/directory/policy/password_form.h"
 
 namespace orvo::directory::ldap {

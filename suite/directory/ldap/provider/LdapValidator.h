@@ -5,8 +5,8 @@
 
 #include "component/provider/directory_contract.h"
 #include "platform/interfaces/hosted.h"
+#include "suite/directory/entries/failure_note.h"
 #include "suite/directory/ldap/provider/client.h"
-#include "suite/directory/ldap/provider/failure_note.h"
 
 namespace orvo {
 namespace directory::ldap {

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "platform/values/values.h"
-#include "suite/directory/ldap/wire/failures.h"
 #include "suite/directory/names/ascii.h"
+#include "suite/directory/policy/failures.h"
 
 namespace orvo::directory::ldap {
 namespace {

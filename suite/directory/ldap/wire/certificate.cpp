@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "suite/directory/ldap/wire/ber.h"
-#include "suite/directory/ldap/wire/failures.h"
 #include "suite/directory/names/ascii.h"
+#include "suite/directory/policy/failures.h"
 
 namespace orvo::directory::ldap::detail {
 namespace {

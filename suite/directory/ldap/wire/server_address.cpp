@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <string_view>
 
-#include "suite/directory/ldap/wire/failures.h"
 #include "suite/directory/names/ascii.h"
+#include "suite/directory/policy/failures.h"
 
 namespace orvo::directory::ldap {
 namespace {

@@ -3,10 +3,10 @@
 #include <utility>
 
 #include "suite/directory/ldap/wire/client.h"
-#include "suite/directory/ldap/wire/failures.h"
 #include "suite/directory/ldap/wire/paged_results.h"
 #include "suite/directory/ldap/wire/password_modify.h"
 #include "suite/directory/ldap/wire/unicode_password.h"
+#include "suite/directory/policy/failures.h"
 
 namespace orvo::directory::ldap {
 namespace {

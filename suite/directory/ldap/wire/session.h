@@ -24,6 +24,7 @@
 #include <vector>
 
 #include "platform/values/secret.h"
+#include "suite/directory/entries/entry_data.h"
 #include "suite/directory/ldap/wire/server_address.h"
 
 namespace orvo::directory::ldap {
@@ -77,18 +78,6 @@ struct BindResult : Result {
     std::vector<Control> controls;
 };
 
-// One attribute of an entry as the server sent it; `name` may carry options ("cn;lang-de").
-struct Attribute {
-    std::string name;
-    std::vector<std::string> values;
-};
-
-// One entry; attributes in the order of the answer.
-struct EntryData {
-    std::string name;
-    std::vector<Attribute> attributes;
-};
-
 struct WhoAmIResult : Result {
     std::string identity;
 };
@@ -96,8 +85,6 @@ struct WhoAmIResult : Result {
 struct ReadResult : Result {
     EntryData entry;
 };
-
-enum class Scope { base, one_level, subtree };
 
 struct SearchRequest {
     std::string base;
@@ -116,16 +103,6 @@ struct SearchRequest {
 
 struct SearchResult : Result {
     std::string next_page;  // the name of the page that follows; empty: none does
-};
-
-// One change of an entry: the attribute's values are replaced by these; none removes the attribute,
-// also where the entry lacks it. The other kinds remove or add just these values, which the server
-// refuses where they are not there or there already. The numbers are the protocol's.
-enum class Change { add = 0, remove = 1, replace = 2 };
-struct Replacement {
-    std::string attribute;
-    std::vector<std::string> values;
-    Change kind = Change::replace;
 };
 
 // One request after the other: each waits for its answer.

@@ -103,7 +103,7 @@ TEST(AFilter, FindsWhatADirectoryServerFinds) {
     ASSERT_GT(entries.size(), 200u);
     int with_result = 0;
     for (const char16_t* text : filters) {
-        const Filter filter = Filter::parse(text, u"Test");
+        const Filter filter = Filter::parse(text);
         const FilterMatcher matcher(filter, matching_of);
         std::vector<std::string> ours;
         for (const NamedEntry& one : entries)

@@ -173,7 +173,7 @@ constexpr Row rows[] = {
 };
 
 Truth evaluate(TextView filter, const MatchedEntry& entry) {
-    return FilterMatcher(Filter::parse(filter, u"Test"), matching_of).evaluate(entry);
+    return FilterMatcher(Filter::parse(filter), matching_of).evaluate(entry);
 }
 
 TEST(AFilterEvaluatedAgainstAnEntry, IsTrueFalseOrUndefined) {
@@ -183,7 +183,7 @@ TEST(AFilterEvaluatedAgainstAnEntry, IsTrueFalseOrUndefined) {
 
 TEST(AFilterEvaluatedAgainstAnEntry, MatchesOnlyWhereItIsTrue) {
     const auto matches = [](TextView filter) {
-        return FilterMatcher(Filter::parse(filter, u"Test"), matching_of).matches(john);
+        return FilterMatcher(Filter::parse(filter), matching_of).matches(john);
     };
     EXPECT_TRUE(matches(u"(cn=*)"));
     EXPECT_FALSE(matches(u"(mail=*)"));
@@ -193,7 +193,7 @@ TEST(AFilterEvaluatedAgainstAnEntry, MatchesOnlyWhereItIsTrue) {
 
 TEST(AFilterMatcher, OutlivesItsFilterAndServesManyEntries) {
     const auto matcher = [] {
-        const Filter filter = Filter::parse(u"(&(cn>=b)(!sn=x*))", u"Test");
+        const Filter filter = Filter::parse(u"(&(cn>=b)(!sn=x*))");
         return FilterMatcher(filter, matching_of);
     }();
     const auto evaluated = [&](PlainEntry::Attributes attributes) {

@@ -11,7 +11,7 @@ namespace {
 
 using Kind = Filter::Kind;
 
-Filter parse(TextView text) { return Filter::parse(text, u"Test"); }
+Filter parse(TextView text) { return Filter::parse(text); }
 
 Text refusal(TextView text) {
     return failure_of([&] { parse(text); }).description;
@@ -39,9 +39,8 @@ TEST(AFilter, ThatCannotBeReadIsRefusedWithThePlaceAndTheReason) {
 }
 
 TEST(AFilter, IsRefusedUnderTheCallersSource) {
-    const Failure failure = failure_of([] { Filter::parse(u"(& (cn=a)", u"OrvoDirectory.Ldap"); });
+    const Failure failure = failure_of([] { Filter::parse(u"(& (cn=a)"); });
     EXPECT_EQ(failure.number, error_number(0x8007203E));
-    EXPECT_EQ(failure.source, u"OrvoDirectory.Ldap");
     EXPECT_EQ(failure.description,
               u"(87) The search filter is not valid. Character 1: the parenthesis is not closed. "
               u"The filter is '(& (cn=a)'.");

@@ -16,7 +16,7 @@ TEST(ARandomFilterTree, IsReadBackFromItsText) {
     for (std::uint32_t seed = 1; seed <= 3000; ++seed) {
         const Filter filter = FilterDice(seed).tree(6);
         const std::string text = filter.text();
-        const Filter again = Filter::parse(from_utf8(text), u"Test");
+        const Filter again = Filter::parse(from_utf8(text));
         ASSERT_EQ(again, filter) << "seed " << seed << ": " << text;
         ASSERT_EQ(again.text(), text) << "seed " << seed;
     }
@@ -50,9 +50,9 @@ std::optional<AttributeMatching> any_rule(std::string_view name) {
 // refused as a filter is.
 bool survives(const Text& text) {
     try {
-        const Filter filter = Filter::parse(text, u"Test");
+        const Filter filter = Filter::parse(text);
         FilterMatcher(filter, any_rule).evaluate(AnyEntry());
-        EXPECT_EQ(Filter::parse(from_utf8(filter.text()), u"Test"), filter) << to_utf8(text);
+        EXPECT_EQ(Filter::parse(from_utf8(filter.text())), filter) << to_utf8(text);
         return true;
     } catch (const Failure& failure) {
         EXPECT_EQ(failure.number, error_number(0x8007203E)) << to_utf8(text);

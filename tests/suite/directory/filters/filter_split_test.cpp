@@ -17,7 +17,7 @@ bool is_kept(const Filter& item) {
            item.attribute == "cn";
 }
 
-SplitFilter split_text(TextView text) { return split(Filter::parse(text, u"Test"), is_kept); }
+SplitFilter split_text(TextView text) { return split(Filter::parse(text), is_kept); }
 
 TEST(ASplitFilter, IsSentAsItStandsWhereNothingIsKeptBack) {
     const SplitFilter whole = split_text(u"(&(a=b)(|(c>=d)(!(e=f))))");

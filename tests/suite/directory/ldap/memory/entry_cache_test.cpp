@@ -6,7 +6,7 @@
 
 #include "platform/values/values.h"
 #include "suite/directory/ldap/memory/write_marks.h"
-#include "tests/suite/directory/ldap/support/expect_failure.h"
+#include "tests/suite/directory/expect_failure.h"
 #include "tests/suite/directory/ldap/support/manual_clock.h"
 
 namespace orvo::directory::ldap {

@@ -13,7 +13,7 @@
 #include "suite/directory/ldap/provider/LdapSearch.h"
 #include "suite/directory/ldap/provider/LdapServers.h"
 #include "suite/directory/ldap/provider/LdapValidator.h"
-#include "tests/suite/directory/ldap/support/expect_failure.h"
+#include "tests/suite/directory/expect_failure.h"
 #include "tests/suite/directory/ldap/support/manual_clock.h"
 #include "tests/suite/directory/ldap/support/rewriting_proxy.h"
 #include "tests/support/faulty_proxy.h"

@@ -10,7 +10,7 @@
 #include "suite/directory/ldap/provider/LdapEntry.h"
 #include "suite/directory/ldap/provider/LdapSearch.h"
 #include "suite/directory/ldap/provider/LdapValidator.h"
-#include "tests/suite/directory/ldap/support/expect_failure.h"
+#include "tests/suite/directory/expect_failure.h"
 #include "tests/suite/directory/ldap/support/manual_clock.h"
 #include "tests/support/ldap_probe.h"
 #include "tests/support/slapd.h"

@@ -4,7 +4,7 @@
 
 #include "platform/interfaces/call.h"
 #include "platform/values/values.h"
-#include "tests/suite/directory/ldap/support/expect_failure.h"
+#include "tests/suite/directory/expect_failure.h"
 #include "tests/support/slapd.h"
 
 namespace orvo::directory::ldap {

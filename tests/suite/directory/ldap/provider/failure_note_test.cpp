@@ -1,4 +1,4 @@
-#include "suite/directory/ldap/provider/failure_note.h"
+#include "suite/directory/entries/failure_note.h"
 
 #include <gmock/gmock.h>
 

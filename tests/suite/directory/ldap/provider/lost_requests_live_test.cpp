@@ -7,7 +7,7 @@
 #include "platform/values/values.h"
 #include "suite/directory/ldap/provider/LdapEntry.h"
 #include "suite/directory/ldap/wire/password_modify.h"
-#include "tests/suite/directory/ldap/support/expect_failure.h"
+#include "tests/suite/directory/expect_failure.h"
 #include "tests/suite/directory/ldap/support/rewriting_proxy.h"
 #include "tests/support/ldap_probe.h"
 #include "tests/support/slapd.h"

@@ -13,7 +13,7 @@
 #include "suite/directory/ldap/provider/LdapSearch.h"
 #include "suite/directory/ldap/provider/LdapValidator.h"
 #include "suite/directory/names/written_name.h"
-#include "tests/suite/directory/ldap/support/expect_failure.h"
+#include "tests/suite/directory/expect_failure.h"
 #include "tests/support/ldap_probe.h"
 #include "tests/support/slapd.h"
 

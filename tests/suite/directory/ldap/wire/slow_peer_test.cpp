@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "suite/directory/ldap/wire/session.h"
-#include "tests/suite/directory/ldap/support/expect_failure.h"
+#include "tests/suite/directory/expect_failure.h"
 #include "tests/suite/directory/ldap/support/loopback.h"
 #include "tests/suite/directory/ldap/support/peer.h"
 

@@ -9,8 +9,8 @@
 
 #include "suite/directory/ldap/wire/certificate.h"
 #include "suite/directory/ldap/wire/session.h"
+#include "tests/suite/directory/expect_failure.h"
 #include "tests/suite/directory/ldap/support/bad_server.h"
-#include "tests/suite/directory/ldap/support/expect_failure.h"
 #include "tests/support/child_process.h"
 #include "tests/support/slapd.h"
 

@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "platform/values/variant.h"
-#include "suite/directory/ldap/wire/session.h"
+#include "suite/directory/entries/entry_data.h"
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 
 // The attribute at the front of an entry's own relative name, which is a part of `name`, and its
 // value without the escapes. `name` is a distinguished name as servers write them.
@@ -71,4 +71,4 @@ private:
     std::vector<Kept> kept_;  // once full, a heap with the last in order on top
 };
 
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory

@@ -1,15 +1,14 @@
 #pragma once
 
-// The failures of this provider; their source is "OrvoDirectory.Ldap".
+// The failures of a directory provider. They name no source: the class whose member they leave is
+// it ("OrvoDirectory.Ldap").
 
 #include <string>
 #include <string_view>
 
 #include "suite/directory/policy/result_codes.h"
 
-namespace orvo::directory::ldap {
-
-inline constexpr TextView provider_name = u"OrvoDirectory.Ldap";
+namespace orvo::directory {
 
 // Raises the failure of a result code; see directory_failure.
 [[noreturn]] void raise_code(int code, std::string_view message = {},
@@ -22,11 +21,8 @@ std::string quoted_name(std::string_view name);
 // and in UTF-8 it would be another name.
 void require_well_formed(TextView name);
 
-// The same, and also for a name that holds a NUL: the client library would read it only as far as
-// there, and take it for another name.
+// The same, and also for a name that holds a NUL: what reads it only as far as there would take it
+// for another name.
 void require_whole(TextView name);
 
-// Raises 445 (object doesn't support this action).
-[[noreturn]] void raise_unsupported();
-
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory

@@ -1,4 +1,4 @@
-#include "suite/directory/ldap/provider/new_entry.h"
+#include "suite/directory/entries/new_entry.h"
 
 #include <algorithm>
 #include <iterator>
@@ -9,14 +9,14 @@
 #include "platform/objects/dictionary/dictionary_contract.h"
 #include "platform/values/failure.h"
 #include "platform/values/values.h"
+#include "suite/directory/entries/password_value.h"
 #include "suite/directory/filters/filter.h"
-#include "suite/directory/ldap/provider/password_value.h"
-#include "suite/directory/ldap/wire/failures.h"
 #include "suite/directory/names/written_name.h"
+#include "suite/directory/policy/failures.h"
 #include "suite/directory/policy/password_attributes.h"
 #include "suite/directory/schema/attribute_values.h"
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 namespace {
 
 constexpr const char* object_class = "objectClass";
@@ -41,7 +41,7 @@ std::string_view trimmed(std::string_view text) {
 // Whether an item of a filter that is put together without escaping asks for just this value.
 bool is_itself_in_filter(TextView item, std::string_view value) {
     try {
-        const Filter read = Filter::parse(u"(" + Text(item) + u")", provider_name);
+        const Filter read = Filter::parse(u"(" + Text(item) + u")");
         return read.kind == Filter::Kind::equality && read.value == trimmed(value);
     } catch (const Failure&) {  // it cannot be read at all
         return false;
@@ -167,4 +167,4 @@ Text NewEntry::name_below(TextView container) const {
     return name;
 }
 
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory

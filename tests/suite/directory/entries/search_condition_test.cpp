@@ -1,10 +1,10 @@
-#include "suite/directory/ldap/provider/search_condition.h"
+#include "suite/directory/entries/search_condition.h"
 
 #include <gmock/gmock.h>
 
 #include <array>
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 namespace {
 
 using testing::ElementsAre;
@@ -24,14 +24,14 @@ const AttributeTypes& types() {
 }
 
 SearchCondition condition(TextView filter, const AttributeTypes& known = types()) {
-    return SearchCondition(Filter::parse(filter, u"Test"), known);
+    return SearchCondition(Filter::parse(filter), known);
 }
 
 TEST(ASearchCondition, LeavesToTheServerWhatItCanAnswer) {
     for (const char16_t* filter : {u"(&(cn=a*)(sn=b))", u"(profile>=m)", u"(role>=3)",
                                    u"(phone>=3)", u"(shoeSize>=4!)", u"(cn~=a!)"}) {
         const SearchCondition left = condition(filter);
-        EXPECT_EQ(left.sent().text(), Filter::parse(filter, u"Test").text());
+        EXPECT_EQ(left.sent().text(), Filter::parse(filter).text());
         EXPECT_THAT(left.attributes(), IsEmpty());
         EXPECT_TRUE(left.is_true_of({"cn=x", {}}));
     }
@@ -73,4 +73,4 @@ TEST(ASearchCondition, TellsByTheNameWhatItCannotBeTrueOf) {
 }
 
 }  // namespace
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory

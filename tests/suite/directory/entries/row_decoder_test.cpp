@@ -1,12 +1,12 @@
-#include "suite/directory/ldap/provider/row_decoder.h"
+#include "suite/directory/entries/row_decoder.h"
 
 #include <gmock/gmock.h>
 
 #include "platform/values/failure.h"
 #include "platform/values/values.h"
-#include "tests/suite/directory/ldap/support/expect_failure.h"
+#include "tests/suite/directory/expect_failure.h"
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 namespace {
 
 using testing::ElementsAre;
@@ -86,7 +86,6 @@ TEST(ColumnNames, AreRefusedWhereTheyCannotBeColumns) {
     const auto refused = [](const Variant& attributes) {
         const Failure failure = failure_of([&] { column_names(attributes); });
         EXPECT_EQ(failure.number, error_number(0x8007203F));
-        EXPECT_EQ(failure.source, u"OrvoDirectory.Ldap");
         return failure.description;
     };
     EXPECT_EQ(refused(Values{u"cn", u""}),
@@ -99,4 +98,4 @@ TEST(ColumnNames, AreRefusedWhereTheyCannotBeColumns) {
 }
 
 }  // namespace
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory

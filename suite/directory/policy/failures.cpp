@@ -1,9 +1,9 @@
-#include "suite/directory/ldap/wire/failures.h"
+#include "suite/directory/policy/failures.h"
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 
 void raise_code(int code, std::string_view message, std::string_view nearest_entry) {
-    throw directory_failure(code, provider_name, message, nearest_entry);
+    throw directory_failure(code, {}, message, nearest_entry);
 }
 
 std::string quoted_name(std::string_view name) {
@@ -25,9 +25,4 @@ void require_whole(TextView name) {
         raise_code(result_code::invalid_name, "A name cannot hold a NUL.");
 }
 
-void raise_unsupported() {
-    constexpr std::int32_t action_not_supported = 445;
-    throw Failure(action_not_supported, Text(provider_name), u"Object doesn't support this action");
-}
-
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory

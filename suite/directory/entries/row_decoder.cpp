@@ -1,11 +1,11 @@
-#include "suite/directory/ldap/provider/row_decoder.h"
+#include "suite/directory/entries/row_decoder.h"
 
 #include "platform/values/values.h"
-#include "suite/directory/ldap/provider/entry_order.h"
-#include "suite/directory/ldap/wire/failures.h"
+#include "suite/directory/entries/entry_order.h"
+#include "suite/directory/policy/failures.h"
 #include "suite/directory/schema/attribute_values.h"
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 namespace {
 
 Variant decoded(const AttributeType* type, const std::vector<std::string>& values) {
@@ -61,4 +61,4 @@ const RowDecoder::Spelling& RowDecoder::spelling_of(std::string_view name) {
     return added;
 }
 
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory

@@ -8,11 +8,11 @@
 #include "platform/values/object.h"
 #include "platform/values/secret.h"
 #include "platform/values/variant.h"
-#include "suite/directory/ldap/wire/session.h"
+#include "suite/directory/entries/entry_data.h"
 #include "suite/directory/schema/attribute_types.h"
 #include "suite/directory/schema/object_classes.h"
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 
 // An attribute and its value or array of values, untyped as yet.
 struct GivenAttribute {
@@ -68,4 +68,4 @@ private:
     void name_by(const std::string& naming_attribute, const AttributeTypes& types);
 };
 
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory

@@ -1,4 +1,4 @@
-#include "suite/directory/ldap/provider/entry_order.h"
+#include "suite/directory/entries/entry_order.h"
 
 #include <algorithm>
 #include <utility>
@@ -6,7 +6,7 @@
 #include "suite/directory/names/ascii.h"
 #include "suite/directory/names/listing_order.h"
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 namespace {
 
 // The value at the front, without its escapes (RFC 4514).
@@ -87,4 +87,4 @@ std::vector<FirstRows::Place> FirstRows::in_order() {
     return places;
 }
 
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory

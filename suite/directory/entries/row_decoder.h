@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "platform/values/variant.h"
-#include "suite/directory/ldap/wire/session.h"
+#include "suite/directory/entries/entry_data.h"
 #include "suite/directory/schema/attribute_types.h"
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 
 // The names that a caller asks for as columns, as they are spelled: an array of texts, or one text.
 // One that is there twice is two columns. Raises result code 89 where there are none, for an empty
@@ -49,4 +49,4 @@ private:
     std::vector<Spelling> spellings_;
 };
 
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory

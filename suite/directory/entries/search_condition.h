@@ -10,13 +10,13 @@
 #include <string_view>
 #include <vector>
 
+#include "suite/directory/entries/entry_data.h"
 #include "suite/directory/filters/filter_match.h"
 #include "suite/directory/filters/filter_split.h"
-#include "suite/directory/ldap/wire/session.h"
 #include "suite/directory/names/listing_order.h"
 #include "suite/directory/schema/attribute_types.h"
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 
 // Used by one thread.
 class SearchCondition {
@@ -49,4 +49,4 @@ private:
     std::vector<Bound> bounds_;           // all have to be reached
 };
 
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory

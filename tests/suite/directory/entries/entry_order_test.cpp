@@ -1,4 +1,4 @@
-#include "suite/directory/ldap/provider/entry_order.h"
+#include "suite/directory/entries/entry_order.h"
 
 #include <gmock/gmock.h>
 
@@ -6,7 +6,7 @@
 #include <random>
 #include <tuple>
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 namespace {
 
 using testing::ElementsAre;
@@ -110,4 +110,4 @@ TEST(FirstRows, CanBeginAgain) {
 }
 
 }  // namespace
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory

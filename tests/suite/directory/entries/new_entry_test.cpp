@@ -1,4 +1,4 @@
-#include "suite/directory/ldap/provider/new_entry.h"
+#include "suite/directory/entries/new_entry.h"
 
 #include <gmock/gmock.h>
 
@@ -7,9 +7,9 @@
 #include "platform/values/failure.h"
 #include "platform/values/values.h"
 #include "suite/directory/names/written_name.h"
-#include "tests/suite/directory/ldap/support/expect_failure.h"
+#include "tests/suite/directory/expect_failure.h"
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 
 bool operator==(const Attribute& one, const Attribute& other) {
     return one.name == other.name && one.values == other.values;
@@ -177,4 +177,4 @@ TEST(ANewEntry, IsRefusedWhereItsNameIsTooLongToLogInWith) {
 }
 
 }  // namespace
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory

@@ -1,13 +1,13 @@
-#include "suite/directory/ldap/provider/failure_note.h"
+#include "suite/directory/entries/failure_note.h"
 
 #include "component/common/log_contract.h"
 #include "platform/interfaces/call.h"
 #include "platform/interfaces/create.h"
-#include "suite/directory/ldap/wire/failures.h"
+#include "suite/directory/policy/failures.h"
 #include "suite/log/log_entry.h"
 #include "suite/log/log_target.h"
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 namespace {
 
 thread_local bool is_noting = false;
@@ -37,4 +37,4 @@ void note_failure(const char* operation, std::string_view entry, const Failure& 
     }
 }
 
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory

@@ -1,10 +1,10 @@
-#include "suite/directory/ldap/provider/search_condition.h"
+#include "suite/directory/entries/search_condition.h"
 
+#include "suite/directory/entries/entry_order.h"
 #include "suite/directory/filters/matching_rule.h"
-#include "suite/directory/ldap/provider/entry_order.h"
 #include "suite/directory/names/ascii.h"
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 namespace {
 
 using Kind = Filter::Kind;
@@ -104,4 +104,4 @@ bool SearchCondition::may_be_true_of(std::string_view name) {
     return true;
 }
 
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory

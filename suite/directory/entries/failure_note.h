@@ -6,7 +6,7 @@
 
 #include "platform/values/failure.h"
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 
 // Writes a note under the failure's source, while the failure is on its way to the caller, who may
 // tell it in other words:
@@ -19,4 +19,4 @@ namespace orvo::directory::ldap {
 // missing or fails changes nothing. Any thread.
 void note_failure(const char* operation, std::string_view entry, const Failure& failure) noexcept;
 
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory

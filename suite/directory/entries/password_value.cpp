@@ -1,13 +1,13 @@
-#include "suite/directory/ldap/provider/password_value.h"
+#include "suite/directory/entries/password_value.h"
 
 #include <optional>
 
 #include "platform/values/failure.h"
 #include "platform/values/values.h"
-#include "suite/directory/ldap/wire/failures.h"
+#include "suite/directory/policy/failures.h"
 #include "suite/directory/policy/password_form.h"
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 
 namespace {
 
@@ -37,4 +37,4 @@ Secret password_in(const Variant& value) {
     return password;
 }
 
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory
