@@ -49,41 +49,47 @@ char16_t base_of(char16_t small) {
     return small;
 }
 
-// Calls visit(letter, accent) for every letter, or other character, of the text; a mark that stands
-// behind its letter is an accent without a letter (0).
-template <class Visit>
-void for_each_letter(TextView text, Visit visit) {
+// Hands out the letters, or other characters, of the text one by one, and for each of them its
+// accent. A mark that stands behind its letter is an accent without a letter.
+template <class OnLetter, class OnAccent>
+void for_each_letter(TextView text, OnLetter on_letter, OnAccent on_accent) {
+    bool is_after_blank = true;
     for (const char16_t unit : text) {
         const char16_t small = detail::folded(unit);
-        if (small < 0x80) {
-            visit(small, no_accent);
-            continue;
-        }
+        const bool is_superfluous = unit == u' ' && is_after_blank;
+        is_after_blank = unit == u' ';
+        if (is_superfluous) continue;
         if (is_mark(small)) {
-            visit(u'\0', small);
+            on_accent(small);
             continue;
         }
-        const char16_t base = base_of(small);
-        const char16_t accent = base == small ? no_accent : small;
+        const char16_t base = small < 0x80 ? small : base_of(small);
         const auto both = std::ranges::find(ligatures, base, &Ligature::sign);
         if (both == std::end(ligatures)) {
-            visit(base, accent);
+            on_letter(base);
+            on_accent(base == small ? no_accent : small);
         } else {
-            visit(both->letters[0], small);
-            visit(both->letters[1], no_accent);
+            for (const char16_t letter : both->letters) on_letter(letter);
+            on_accent(small);
+            on_accent(no_accent);
         }
     }
 }
 
-bool is_ascii(TextView text) {
-    return std::ranges::all_of(text, [](char16_t unit) { return unit < 0x80; });
+// Whether folding the case leaves the letters of the text, as most often.
+bool is_plain(TextView text) {
+    bool is_after_blank = true;
+    return std::ranges::all_of(text, [&](char16_t unit) {
+        const bool is_superfluous = unit == u' ' && is_after_blank;
+        is_after_blank = unit == u' ';
+        return unit < 0x80 && !is_superfluous;
+    });
 }
 
+TextView without_ending(TextView text) { return text.substr(0, text.size() - ending_of(text)); }
+
 // In the order of characters: surrogates, of which those behind U+FFFF are made, come last.
-std::uint32_t place_of(char16_t unit) {
-    if (unit == u'!') return 0;
-    return (unit & 0xF800) == 0xD800 ? unit + 0x10000u : unit + 1u;
-}
+std::uint32_t place_of(char16_t unit) { return (unit & 0xF800) == 0xD800 ? unit + 0x10000u : unit; }
 
 template <class Place>
 int compared(TextView a, TextView b, Place place) {
@@ -95,36 +101,55 @@ int compared(TextView a, TextView b, Place place) {
     return place(*in_a) < place(*in_b) ? -1 : 1;
 }
 
+int compare_letters(TextView a, TextView b) {
+    const TextView left = without_ending(a);
+    const TextView right = without_ending(b);
+    if (is_plain(left) && is_plain(right)) return compared(left, right, detail::folded);
+    return compared(letters_of(a), letters_of(b), place_of);
+}
+
 }  // namespace
 
 Text letters_of(TextView text) {
     Text letters;
     letters.reserve(text.size());
-    for_each_letter(text, [&](char16_t letter, char16_t) {
-        if (letter != 0) letters += letter;
-    });
+    for_each_letter(
+        without_ending(text), [&](char16_t letter) { letters += letter; }, [](char16_t) {});
     return letters;
 }
 
 Text accents_of(TextView text) {
     Text accents;
-    if (is_ascii(text)) return accents;
-    for_each_letter(text, [&](char16_t, char16_t accent) { accents += accent; });
+    if (std::ranges::all_of(text, [](char16_t unit) { return unit < 0x80; })) return accents;
+    for_each_letter(
+        text, [](char16_t) {}, [&](char16_t accent) { accents += accent; });
     accents.erase(accents.find_last_not_of(no_accent) + 1);
     return accents;
 }
 
+std::size_t ending_of(TextView text) { return text.size() - (text.find_last_not_of(u'!') + 1); }
+
 int compare_at(OrderLevel level, TextView a, TextView b) {
-    const bool are_ascii = is_ascii(a) && is_ascii(b);
     switch (level) {
         case OrderLevel::letters:
-            if (are_ascii)
-                return compared(a, b, [](char16_t unit) { return place_of(detail::folded(unit)); });
-            return compared(letters_of(a), letters_of(b), place_of);
+            return compare_letters(a, b);
         case OrderLevel::accents:
-            return are_ascii ? 0 : compared(accents_of(a), accents_of(b), place_of);
+            return compared(accents_of(a), accents_of(b), place_of);
+        case OrderLevel::ending: {
+            const std::size_t left = ending_of(a);
+            const std::size_t right = ending_of(b);
+            return left < right ? -1 : left > right ? 1 : 0;
+        }
         case OrderLevel::spelling:
             return compared(a, b, place_of);
+    }
+    return 0;
+}
+
+int compare_up_to(OrderLevel last, TextView a, TextView b) {
+    for (const OrderLevel level : order_levels) {
+        if (level > last) break;
+        if (const int order = compare_at(level, a, b)) return order;
     }
     return 0;
 }

@@ -43,11 +43,8 @@ bool Clause::holds_for_text(TextView cell) const {
             return equal_ignoring_case(cell, wanted);
         case Comparison::unequal:
             return !equal_ignoring_case(cell, wanted);
-        default: {
-            const int letters = compare_at(OrderLevel::letters, cell, wanted);
-            return fits(comparison_,
-                        letters != 0 ? letters : compare_at(OrderLevel::accents, cell, wanted));
-        }
+        default:
+            return fits(comparison_, compare_up_to(OrderLevel::ending, cell, wanted));
     }
 }
 

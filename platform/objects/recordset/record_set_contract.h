@@ -80,7 +80,7 @@ public:
     virtual void SetPageSize(std::int32_t size) = 0;
     virtual Text Sort() = 0;
     // "column [ASC|DESC], …"; "" is the order of adding. Letters count first, then accents, then
-    // case (text_order.h).
+    // "!" at the end, then case (text_order.h).
     virtual void SetSort(const Text& order) = 0;
     virtual std::int32_t Status() = 0;
     virtual std::int32_t State() = 0;

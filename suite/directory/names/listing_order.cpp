@@ -2,51 +2,62 @@
 
 #include <algorithm>
 
-#include "platform/values/text.h"
+#include "platform/values/text_order.h"
 #include "suite/directory/names/ascii.h"
 
 namespace orvo::directory {
 namespace {
 
-// What ends the part of a key that does not regard case; lower than all characters.
-constexpr char end_of_folded = '\0';
-constexpr char lowest = '\1';
-constexpr int shift = 2;  // makes room for both; the octets of UTF-8 end at 0xF4
+// Ends each level of a key, and is lower than all octets of one.
+constexpr char end_of_level = '\0';
+constexpr char past_end_of_level = '\1';
 
-void append(std::string& key, std::string_view folded) {
-    bool after_blank = true;
-    for (const char c : folded) {
-        const bool is_blank = c == ' ';
-        if (is_blank && after_blank) continue;
-        after_blank = is_blank;
-        key += c == '!' ? lowest : static_cast<char>(c + shift);
-    }
+bool is_ascii(std::string_view value) {
+    return std::ranges::all_of(value, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
-std::string folded_key(std::string_view value) {
-    const bool is_ascii = std::all_of(value.begin(), value.end(),
-                                      [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+// What letters_of gives, without the detour.
+std::string ascii_letters(std::string_view name) {
+    std::string letters = ascii::lower(name);
+    const auto rest =
+        std::ranges::unique(letters, [](char a, char b) { return a == ' ' && b == ' '; });
+    letters.erase(rest.begin(), rest.end());
+    if (letters.starts_with(' ')) letters.erase(0, 1);
+    return letters;
+}
+
+// The levels before the spelling; the end of the last one is missing.
+std::string levels_of(std::string_view value) {
+    const std::string_view name = value.substr(0, value.find_last_not_of('!') + 1);
+    std::string letters;
+    std::string accents;
+    if (is_ascii(name)) {
+        letters = ascii_letters(name);
+    } else {
+        const Text text = from_utf8(name);
+        letters = to_utf8(letters_of(text));
+        accents = to_utf8(accents_of(text));
+    }
     std::string key;
-    key.reserve(2 * value.size() + 1);
-    append(key, is_ascii ? ascii::lower(value) : to_utf8(lower(from_utf8(value))));
-    return key;
+    key.reserve(2 * value.size() + 3);
+    for (const char c : letters) key += static_cast<char>(c + 1);  // above the end of a level
+    ((key += end_of_level) += accents) += end_of_level;
+    return key.append(value.size() - name.size(), '!');
 }
 
 }  // namespace
 
 std::string listing_key(std::string_view value) {
-    std::string key = folded_key(value);
-    key += end_of_folded;
+    std::string key = levels_of(value);
+    key += end_of_level;
     return key += value;
 }
 
-ListingBound::ListingBound(std::string_view value)
-    : is_after_(value.ends_with('!')), whole_(folded_key(value)) {
-    key_ = is_after_ ? listing_key(value.substr(0, value.size() - 1)) : whole_;
-}
-
-bool ListingBound::covers(std::string_view key) const {
-    return key.substr(0, key.find(end_of_folded)) <= whole_;
+ListingBound::ListingBound(std::string_view value) : first_(levels_of(value)), past_(first_) {
+    past_ += past_end_of_level;
+    if (!value.ends_with('!')) return;
+    first_ = listing_key(value.substr(0, value.size() - 1));
+    first_ += '\0';  // the next text after that
 }
 
 }  // namespace orvo::directory

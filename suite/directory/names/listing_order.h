@@ -1,12 +1,10 @@
 #pragma once
 
-// The order in which entries are listed, page after page.
+// The order in which entries are listed, page after page: that of text_order.h, in which record
+// sets are sorted, too.
 //
-// A caller that has seen the entry named x goes on with those from x + "!" on. So there must be
-// nothing between x and x + "!": "!" is the lowest of all characters here, lower than the blank,
-// and "Smith John" comes after "Smith!". Letters count without regard to case (as text.h's `lower`
-// folds them), otherwise characters come in the order of their numbers; blanks in front do not
-// count, runs of blanks count as one.
+// A caller that has seen the entry named x goes on with those from x + "!" on. In this order
+// nothing lies between the two but x in other spellings, so that is all that follows x.
 
 #include <string>
 #include <string_view>
@@ -14,25 +12,25 @@
 namespace orvo::directory {
 
 // A text whose octets are in the order of the values that keys are made of. Values that differ, if
-// only in case, have different keys, so that the order is the same every time.
+// only in their spelling, have different keys, so that the order is the same every time.
 std::string listing_key(std::string_view value);
 
-// The value of a ">=" or "<=" in this order.
+// The value of a ">=" or "<=" in this order. Letters, accents and "!" at the end count, the
+// spelling does not: ">= emil" and "<= emil" are both true of "emil" and "Emil", and of no others;
+// "Émil" is behind them. But ">=" x + "!" is true of all that is listed behind x, also of x in a
+// later spelling.
 class ListingBound {
 public:
     explicit ListingBound(std::string_view value);
 
-    // Whether the value with this key is at or beyond the bound, without regard to case. From x +
-    // "!" on are those after x, also where they differ from it in case alone.
-    bool is_reached_by(std::string_view key) const { return is_after_ ? key > key_ : key >= key_; }
-
-    // Whether the value with this key is at or before the bound, without regard to case.
-    bool covers(std::string_view key) const;
+    // Whether ">=" is true of the value with this key.
+    bool is_reached_by(std::string_view key) const { return key >= first_; }
+    // Whether "<=" is true of the value with this key.
+    bool covers(std::string_view key) const { return key < past_; }
 
 private:
-    bool is_after_;      // beyond key_, not at it
-    std::string key_;    // where the values at or beyond the bound begin
-    std::string whole_;  // the bound itself, without regard to case
+    std::string first_;
+    std::string past_;
 };
 
 }  // namespace orvo::directory

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <vector>
 
 #include "platform/values/text_forms.h"
@@ -9,17 +10,15 @@
 namespace orvo {
 namespace {
 
-int compare(TextView a, TextView b) {
-    for (const OrderLevel level : order_levels)
-        if (const int order = compare_at(level, a, b)) return order;
-    return 0;
-}
+int compare(TextView a, TextView b) { return compare_up_to(OrderLevel::spelling, a, b); }
 
 // Each before the next.
 const std::vector<Text> in_order = {
     u"",
-    u"!",
     u" ",
+    u"!",
+    u"!!",
+    Text(1, u'\0'),
     u"1",
     u"Aether",
     u"A\u00EBther",
@@ -28,10 +27,22 @@ const std::vector<Text> in_order = {
     u"Em",
     u"Em!",
     u"Em a",
+    u"Em!a",
+    u"  Emil",
     u"Emil",
     u"emil",
+    u"Emil!",
+    u"emil!",
+    u"Emil!!",
     u"\u00C9mil",
     u"\u00E9mil",
+    u"\u00E9mil!",
+    Text(u"\u00C9mil\0", 5),
+    u"Emil ",
+    u"Emil  A",
+    u"emil a",
+    u"\u00C9mil  a",
+    u"Emil B",
     u"Emile",
     u"Emil\u00E9",
     u"\u00C9mile",
@@ -63,6 +74,24 @@ TEST(TheOrderOfTexts, HasLettersBeforeAccentsBeforeCase) {
                                                          : i > j ? 1
                                                                  : 0)
                 << to_utf8(in_order[i]) << " " << to_utf8(in_order[j]);
+}
+
+TEST(TheOrderOfTexts, IsOneOrderWhateverTheTexts) {
+    std::mt19937 random(14);
+    constexpr char16_t units[] = {0,      u'!',   u' ',   u'e',   u'E',   0x00E9, 0x00C9,   0x0301,
+                                  0x00DF, 0x00E6, 0x0416, 0xD83D, 0xDE00, 0xFFFD, u'\u0001'};
+    std::vector<Text> texts(200);
+    for (Text& text : texts)
+        for (unsigned length = random() % 5; length > 0; --length)
+            text += units[random() % std::size(units)];
+    std::ranges::sort(texts, [](TextView a, TextView b) { return compare(a, b) < 0; });
+    for (std::size_t i = 0; i < texts.size(); ++i)
+        for (std::size_t j = i; j < texts.size(); ++j) {
+            EXPECT_EQ(compare(texts[i], texts[j]), texts[i] == texts[j] ? 0 : -1)
+                << i << " " << to_utf8_with_halves(texts[i]) << " " << j << " "
+                << to_utf8_with_halves(texts[j]);
+            EXPECT_EQ(compare(texts[j], texts[i]), texts[i] == texts[j] ? 0 : 1);
+        }
 }
 
 TEST(TheOrderOfTexts, SeesNoAccentsAndNoCaseAmongLetters) {

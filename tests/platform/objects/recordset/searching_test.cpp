@@ -55,6 +55,14 @@ TEST_F(Sort, PutsAccentsBesideTheirLetters) {
         << "a filter sees the same order, but for case";
 }
 
+TEST_F(Sort, PutsANameAndItWithAnExclamationMarkTogether) {
+    open_with({u"Emil B", u"\u00C9mil", u"Emil!", u"Emil!a", u"emil", u"Emil"});
+    EXPECT_THAT(sorted(u"name"),
+                ElementsAre("Emil", "emil", "Emil!", "\u00C9mil", "Emil B", "Emil!a"));
+    EXPECT_THAT(filtered(u"name >= 'emil!' AND name <= '\u00E9mil'"),
+                ElementsAre("Emil!", "\u00C9mil"));
+}
+
 TEST_F(Sort, RegardsCaseOnlyWhereAllColumnsHaveTheSameLetters) {
     open();
     add(1, u"SMITH", u"Cid");

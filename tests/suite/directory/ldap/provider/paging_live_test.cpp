@@ -6,6 +6,7 @@
 
 #include "platform/interfaces/call.h"
 #include "platform/objects/recordset/record_set_contract.h"
+#include "platform/values/text_order.h"
 #include "platform/values/values.h"
 #include "suite/directory/ldap/provider/LdapSearch.h"
 #include "suite/directory/names/written_name.h"
@@ -86,7 +87,15 @@ std::vector<User> tricky_users() {
                                  u"O'Neill",
                                  u"0",
                                  u"00",
-                                 u"9"})
+                                 u"9",
+                                 u"Emil",
+                                 u"Emil!",
+                                 u"\u00C9mil",
+                                 u"\u00C9mil!",
+                                 u"Emil\u00E9",
+                                 u"emile",
+                                 u"\u00C9mile!",
+                                 u"Emil!e"})
         users.push_back({name});
     // Other names of theirs come before and after their place.
     users.push_back({u"Nora", u"Lee", {}, {u"Aaron", u"zz top"}});
@@ -134,8 +143,7 @@ protected:
         delete users_;
     }
 
-    // The names of one page, as the component asks for it.
-    std::vector<Text> page(const Text& criteria, std::int32_t size) {
+    Ref<RecordSet> rows(const Text& criteria, std::int32_t size) {
         LdapSearch search;
         Text server = from_utf8(server_->server()), container = u"ou=Users,o=Shop";
         Text user = from_utf8(user_);
@@ -143,11 +151,19 @@ protected:
         search.Connect(server, container, user, password);
         Text filter = u"(& (objectClass=orvoPerson)(OrvoUserType=*)" + criteria + u")";
         Variant attributes = columns_;
-        const auto rows = Ref<RecordSet>::from(search.Execute(filter, attributes, size));
+        return Ref<RecordSet>::from(search.Execute(filter, attributes, size));
+    }
+
+    static std::vector<Text> names_of(const Ref<RecordSet>& rows) {
         std::vector<Text> names;
         for (; !call<&RecordSet::IsEof>(rows); call<&RecordSet::MoveNext>(rows))
             names.push_back(call<&RecordSet::Collect>(rows, Variant(u"CN")).to<Text>());
         return names;
+    }
+
+    // The names of one page, as the component asks for it.
+    std::vector<Text> page(const Text& criteria, std::int32_t size) {
+        return names_of(rows(criteria, size));
     }
 
     // All pages, one after the other. What would be read otherwise in a filter is escaped.
@@ -208,6 +224,16 @@ TEST_F(PagingTest, VisitsEveryUserExactlyOnceInTheSmallestPages) {
         EXPECT_THAT(walk(criteria, size), UnorderedElementsAreArray(tricky)) << size;
 }
 
+TEST_F(PagingTest, ListsUsersInTheOrderOfSortedRecordSets) {
+    const Ref<RecordSet> everyone = rows(u"(ProfileCN=Paging)", 3000);
+    const std::vector<Text> listed = names_of(everyone);
+    ASSERT_EQ(listed.size(), 3000u);
+    call<&RecordSet::SetSort>(everyone, u"CN DESC");
+    EXPECT_NE(names_of(everyone), listed);
+    call<&RecordSet::SetSort>(everyone, u"CN");
+    EXPECT_EQ(names_of(everyone), listed);
+}
+
 TEST_F(PagingTest, WorksForAnOrdinaryUser) {
     user_ = server_->user_dn("jsmith");
     password_ = server_->user_password();
@@ -238,7 +264,7 @@ TEST_F(PagingTest, ListsAUserOfSeveralCommonNamesOnceUnderTheOneInItsName) {
 }
 
 TEST_F(PagingTest, ComparesAlsoWhereTheComparisonIsNotTheWholeCondition) {
-    const auto before_b = [](const User& user) { return lower(user.name) < u"b"; };
+    const auto before_b = [](const User& user) { return letters_of(user.name) < u"b"; };
     const auto names = [&](auto condition) {
         return UnorderedElementsAreArray(expected(condition));
     };
