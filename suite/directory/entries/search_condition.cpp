@@ -1,6 +1,6 @@
 #include "suite/directory/entries/search_condition.h"
 
-#include "suite/directory/entries/entry_order.h"
+#include "suite/directory/entries/searched_entry.h"
 #include "suite/directory/filters/matching_rule.h"
 #include "suite/directory/names/ascii.h"
 
@@ -25,59 +25,27 @@ bool is_answered_here(const Filter& item, const AttributeTypes& types) {
     return is_listed(rule_of(*type)) && (type->ordering.empty() || is_for_a_page);
 }
 
+}  // namespace
+
+SplitFilter split_by_order(const Filter& filter, const AttributeTypes& types) {
+    return split(filter, [&](const Filter& item) { return is_answered_here(item, types); });
+}
+
 std::optional<AttributeMatching> matching_of(std::string_view attribute,
-                                             const AttributeTypes& types) {
-    if (types.empty()) return AttributeMatching{.listed = true};
+                                             const AttributeTypes& types, Bounds bounds) {
+    if (types.empty()) return AttributeMatching{.listed = bounds == Bounds::of_lists};
     const AttributeType* type = types.find(attribute);
     if (!type) return std::nullopt;
     const MatchingRule rule = rule_of(*type);
     return AttributeMatching{rule, !type->ordering.empty(), !type->substrings.empty(),
-                             is_listed(rule)};
+                             bounds == Bounds::of_lists && is_listed(rule)};
 }
 
-class SearchedEntry : public MatchedEntry {
-public:
-    SearchedEntry(const EntryData& entry, const AttributeTypes& types)
-        : entry_(entry), types_(types), naming_(naming_part(entry.name)) {}
-
-    void append_values(std::string_view attribute,
-                       std::vector<std::string_view>& values) const override {
-        for (const Attribute& held : entry_.attributes)
-            if (types_.same(held.name, attribute))
-                values.insert(values.end(), held.values.begin(), held.values.end());
-    }
-    void append_listed_values(std::string_view attribute,
-                              std::vector<std::string_view>& values) const override {
-        if (types_.same(naming_.attribute, attribute))
-            values.push_back(naming_.value);
-        else
-            append_values(attribute, values);
-    }
-    void append_attributes(std::vector<std::string_view>& names) const override {
-        for (const Attribute& held : entry_.attributes) names.push_back(held.name);
-    }
-    void append_name_values(std::string_view attribute,
-                            std::vector<std::string_view>& values) const override {
-        if (types_.same(naming_.attribute, attribute)) values.push_back(naming_.value);
-    }
-    void append_name_attributes(std::vector<std::string_view>& names) const override {
-        names.push_back(naming_.attribute);
-    }
-
-private:
-    const EntryData& entry_;
-    const AttributeTypes& types_;
-    NamingPart naming_;
-};
-
-}  // namespace
-
 SearchCondition::SearchCondition(const Filter& filter, const AttributeTypes& types)
-    : types_(types),
-      split_(split(filter, [&](const Filter& item) { return is_answered_here(item, types); })) {
+    : types_(types), split_(split_by_order(filter, types)) {
     if (!split_.kept) return;
     matcher_.emplace_back(*split_.kept, [&types](std::string_view attribute) {
-        return matching_of(attribute, types);
+        return matching_of(attribute, types, Bounds::of_lists);
     });
     for (const Filter& part : split_.kept->parts)
         if (part.kind == Kind::at_least)

@@ -18,6 +18,14 @@
 
 namespace orvo::directory {
 
+// The part of a filter that goes by the order of lists, kept back from the rest.
+SplitFilter split_by_order(const Filter& filter, const AttributeTypes& types);
+
+// What the schema says of the values of an attribute, for a FilterMatcher.
+enum class Bounds { of_rules, of_lists };  // what ">=" and "<=" on text go by
+std::optional<AttributeMatching> matching_of(std::string_view attribute,
+                                             const AttributeTypes& types, Bounds bounds);
+
 // Used by one thread.
 class SearchCondition {
 public:

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "suite/directory/ldap/memory/attribute_lookup.h"
-#include "suite/directory/ldap/settings/named_numbers.h"
 #include "suite/directory/names/ascii.h"
 #include "suite/directory/policy/password_attributes.h"
 
@@ -12,8 +11,6 @@ namespace orvo::directory::ldap {
 namespace {
 
 using std::chrono::milliseconds;
-
-constexpr NumberSetting numbers[] = {{"Entries", 0, 1'000'000}, {"TimeToLive", 1, 86'400}};
 
 // The lengths keep two keys apart whatever is in their parts.
 std::string text_of(const CacheKey& key) {
@@ -34,16 +31,6 @@ KnownEntry merged(KnownEntry known, KnownEntry later) {
 }
 
 }  // namespace
-
-CacheSettings changed(CacheSettings settings, const Variant& names, const Variant& values) {
-    for (const GivenNumber& given : read_numbers(names, values, numbers)) {
-        if (given.setting == 0)
-            settings.entries = static_cast<std::size_t>(given.number);
-        else
-            settings.time_to_live = std::chrono::seconds(given.number);
-    }
-    return settings;
-}
 
 std::optional<std::vector<std::string>> KnownEntry::try_values(const std::string& name,
                                                                const AttributeTypes& types) const {

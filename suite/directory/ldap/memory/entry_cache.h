@@ -15,24 +15,14 @@
 #include <vector>
 
 #include "platform/values/variant.h"
+#include "suite/directory/entries/entry_data.h"
 #include "suite/directory/ldap/memory/write_marks.h"
-#include "suite/directory/ldap/settings/clock.h"
-#include "suite/directory/ldap/wire/session.h"
 #include "suite/directory/names/entry_key.h"
 #include "suite/directory/schema/attribute_types.h"
+#include "suite/directory/settings/cache_settings.h"
+#include "suite/directory/settings/clock.h"
 
 namespace orvo::directory::ldap {
-
-struct CacheSettings {
-    std::size_t entries = 0;  // 0: none but what a bind has just fetched
-    std::chrono::seconds time_to_live{60};
-};
-
-// The settings changed by what InitializeCache is given; those that are not named stay. Raises what
-// read_numbers raises.
-//
-//   Entries       0 to 1000000          TimeToLive    seconds, 1 to 86400
-CacheSettings changed(CacheSettings settings, const Variant& names, const Variant& values);
 
 // Which entry, and who sees it so.
 struct CacheKey {

@@ -4,8 +4,8 @@
 #include <string>
 
 #include "suite/directory/ldap/pool/server_group.h"
-#include "suite/directory/ldap/settings/pool_settings.h"
 #include "suite/directory/ldap/wire/session.h"
+#include "suite/directory/settings/pool_settings.h"
 
 namespace orvo::directory::ldap {
 

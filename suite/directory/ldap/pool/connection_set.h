@@ -16,7 +16,7 @@
 #include "platform/values/secret.h"
 #include "suite/directory/ldap/memory/write_marks.h"
 #include "suite/directory/ldap/pool/connection.h"
-#include "suite/directory/ldap/settings/shared_settings.h"
+#include "suite/directory/settings/shared_settings.h"
 
 namespace orvo::directory::ldap {
 

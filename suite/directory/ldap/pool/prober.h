@@ -6,7 +6,7 @@
 #include <optional>
 #include <thread>
 
-#include "suite/directory/ldap/settings/clock.h"
+#include "suite/directory/settings/clock.h"
 
 namespace orvo::directory::ldap {
 

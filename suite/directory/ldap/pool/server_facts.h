@@ -4,10 +4,10 @@
 
 #include <memory>
 
-#include "suite/directory/ldap/settings/clock.h"
 #include "suite/directory/ldap/wire/session.h"
 #include "suite/directory/schema/attribute_types.h"
 #include "suite/directory/schema/object_classes.h"
+#include "suite/directory/settings/clock.h"
 
 namespace orvo::directory::ldap {
 

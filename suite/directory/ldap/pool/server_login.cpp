@@ -1,8 +1,6 @@
 #include "suite/directory/ldap/pool/server_login.h"
 
-#include "suite/directory/names/written_name.h"
-#include "suite/directory/policy/failures.h"
-#include "suite/directory/policy/password_form.h"
+#include "suite/directory/entries/login_name.h"
 
 namespace orvo::directory::ldap {
 namespace {
@@ -17,22 +15,7 @@ ServerLogin::ServerLogin(ConnectionPool& pool, TextView server, TextView user,
       address_(ServerAddress::parse(server)),
       limits_(limits),
       presented_(password.clone()) {
-    if (presented_->empty() && !user.empty())
-        raise_code(result_code::invalid_credentials, "A password is required.");
-    // In UTF-8 they would be those of others.
-    if (!is_well_formed(user))
-        raise_code(result_code::invalid_credentials,
-                   "The user's name holds half of a surrogate pair.");
-    if (!password.is_well_formed())
-        raise_code(result_code::invalid_credentials,
-                   "The password holds half of a surrogate pair.");
-    if (const auto why = unusable(*presented_))
-        raise_code(result_code::invalid_credentials, why->sentence);
-    const Text name = full_name(user);
-    // The client library would read on only as far as there.
-    if (name.find(u'\0') != Text::npos)
-        raise_code(result_code::invalid_credentials, "The user's name holds a NUL.");
-    set_ = pool_->set_of(address_, to_utf8(name), *presented_);
+    set_ = pool_->set_of(address_, login_name(user, *presented_), *presented_);
 }
 
 // Another object of the user may have changed the set's password since.

@@ -34,9 +34,8 @@ class ServerLogin {
 
 public:
     // `limits`: instead of those that the pool has for all. Both credentials empty: as nobody.
-    // Raises 0x8007052E for a name with an empty password, which the server is not asked about (it
-    // would take that for nobody and report success), also for a name with a NUL and for half of a
-    // surrogate pair in either, and result code 89 for a server that cannot be read.
+    // Raises 0x8007052E for what the server is not asked about (login_name), and result code 89 for
+    // a server that cannot be read.
     ServerLogin(ConnectionPool& pool, TextView server, TextView user, const Secret& password,
                 const std::optional<Limits>& limits);
 

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "suite/directory/ldap/settings/clock.h"
+#include "suite/directory/settings/clock.h"
 
 namespace orvo::directory::ldap {
 

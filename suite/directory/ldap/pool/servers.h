@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "suite/directory/ldap/pool/server_group.h"
-#include "suite/directory/ldap/settings/clock.h"
+#include "suite/directory/settings/clock.h"
 
 namespace orvo::directory::ldap {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "suite/directory/ldap/provider/proven_password.h"
+#include "suite/directory/entries/proven_password.h"
 #include "suite/directory/names/written_name.h"
 #include "suite/directory/policy/failures.h"
 #include "suite/directory/policy/password_attributes.h"

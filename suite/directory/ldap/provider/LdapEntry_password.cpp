@@ -1,8 +1,8 @@
 #include <algorithm>
 
 #include "suite/directory/entries/password_value.h"
+#include "suite/directory/entries/proven_password.h"
 #include "suite/directory/ldap/provider/LdapEntry.h"
-#include "suite/directory/ldap/provider/proven_password.h"
 #include "suite/directory/policy/failures.h"
 #include "suite/directory/policy/password_hash.h"
 

@@ -3,8 +3,8 @@
 #include <memory>
 #include <utility>
 
+#include "suite/directory/entries/proven_password.h"
 #include "suite/directory/ldap/pool/attempts.h"
-#include "suite/directory/ldap/provider/proven_password.h"
 #include "suite/directory/ldap/wire/password_policy.h"
 #include "suite/directory/names/written_name.h"
 #include "suite/directory/policy/failures.h"

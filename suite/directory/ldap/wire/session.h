@@ -15,7 +15,6 @@
 // gone, 84 an answer that cannot be read, 85 no answer in time. After any of these three the
 // session must be replaced: everything else that is asked of it fails with 81, unsent.
 
-#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -26,20 +25,9 @@
 #include "platform/values/secret.h"
 #include "suite/directory/entries/entry_data.h"
 #include "suite/directory/ldap/wire/server_address.h"
+#include "suite/directory/settings/limits.h"
 
 namespace orvo::directory::ldap {
-
-// How long a session waits.
-struct Limits {
-    // For a connection: finding the host's addresses, trying them one after another and agreeing on
-    // encryption take no longer than this and no longer than `answer`, all together.
-    std::chrono::milliseconds connect{5000};
-    // For the complete answer to a bind, a reading of one entry or a change; a search has
-    // `operation`.
-    std::chrono::milliseconds answer{3000};
-    // For the complete answer to a search (of one with pages: for each page).
-    std::chrono::milliseconds operation{15000};
-};
 
 // What came of one operation. Texts are the server's, or the client's for codes from 81.
 struct Result {

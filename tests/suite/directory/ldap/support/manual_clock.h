@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-#include "suite/directory/ldap/settings/clock.h"
+#include "suite/directory/settings/clock.h"
 
 namespace orvo::directory::ldap {
 

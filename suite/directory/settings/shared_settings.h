@@ -2,9 +2,9 @@
 
 #include <mutex>
 
-#include "suite/directory/ldap/settings/pool_settings.h"
+#include "suite/directory/settings/pool_settings.h"
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 
 // The settings of the pool as they are now. Thread-safe; takes no other lock.
 class SharedSettings {
@@ -24,4 +24,4 @@ private:
     PoolSettings settings_;
 };
 
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory

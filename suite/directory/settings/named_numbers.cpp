@@ -1,4 +1,4 @@
-#include "suite/directory/ldap/settings/named_numbers.h"
+#include "suite/directory/settings/named_numbers.h"
 
 #include <cmath>
 #include <optional>
@@ -8,7 +8,7 @@
 #include "suite/directory/names/ascii.h"
 #include "suite/directory/policy/failures.h"
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 namespace {
 
 [[noreturn]] void refuse(const std::string& why) { raise_code(result_code::parameter_error, why); }
@@ -94,4 +94,4 @@ std::vector<GivenNumber> read_numbers(const Variant& names, const Variant& value
     return given;
 }
 
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory

@@ -1,12 +1,12 @@
-#include "suite/directory/ldap/settings/pool_settings.h"
+#include "suite/directory/settings/pool_settings.h"
 
 #include <gtest/gtest.h>
 
 #include "platform/values/values.h"
-#include "suite/directory/ldap/provider/LdapEntry.h"
+#include "suite/directory/settings/shared_settings.h"
 #include "tests/suite/directory/expect_failure.h"
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 namespace {
 
 using namespace std::chrono_literals;
@@ -123,22 +123,21 @@ TEST(PoolSettings, RefuseWhatTheyDoNotKnowOrCannotUse) {
 }
 
 TEST(PoolSettings, ChangeAllTogetherOrNotAtAll) {
-    Client client(Clock::steady(), Client::Probing::by_caller);
-    LdapEntry entry({}, client);
+    SharedSettings shared;
     const auto initialize = [&](Values names, Values values) {
         Variant name_array = std::move(names), value_array = std::move(values);
-        return entry.InitializeConnectionPool(name_array, value_array);
+        shared.change(name_array, value_array);
     };
-    EXPECT_TRUE(initialize({u"MaximumSize", u"WaitLimit"}, {3, 100}));
+    initialize({u"MaximumSize", u"WaitLimit"}, {3, 100});
     EXPECT_EQ(failure_of([&] {
                   initialize({u"MaximumSize", u"WaitLimit", u"IdleLimit"}, {9, 900, -1});
               }).number,
               error_number(0x8007203F));
-    const PoolSettings settings = client.pool().settings();
+    const PoolSettings settings = shared.get();
     EXPECT_EQ(settings.maximum_size, 3u);
     EXPECT_EQ(settings.wait, 100ms);
     EXPECT_EQ(settings.idle, 30s);
 }
 
 }  // namespace
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory

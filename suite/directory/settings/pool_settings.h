@@ -4,9 +4,9 @@
 #include <cstddef>
 
 #include "platform/values/variant.h"
-#include "suite/directory/ldap/wire/session.h"
+#include "suite/directory/settings/limits.h"
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 
 // How the process keeps its connections, and when it turns to another server.
 struct PoolSettings {
@@ -48,4 +48,4 @@ struct PoolSettings {
 //   - ReplicaLag: seconds, 0 to 3600.
 PoolSettings changed(PoolSettings settings, const Variant& names, const Variant& values);
 
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory

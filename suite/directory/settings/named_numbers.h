@@ -9,7 +9,7 @@
 
 #include "platform/values/variant.h"
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 
 // A setting that may be given: a whole number between two others, both of them allowed.
 struct NumberSetting {
@@ -31,4 +31,4 @@ struct GivenNumber {
 std::vector<GivenNumber> read_numbers(const Variant& names, const Variant& values,
                                       std::span<const NumberSetting> settings);
 
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory

@@ -2,7 +2,7 @@
 
 #include <chrono>
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 
 // The time by which connections, servers and what was read grow old. Thread-safe.
 class Clock {
@@ -23,4 +23,4 @@ protected:
     ~Clock() = default;
 };
 
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory

@@ -1,10 +1,10 @@
-#include "suite/directory/ldap/provider/proven_password.h"
+#include "suite/directory/entries/proven_password.h"
 
 #include <utility>
 
 #include "platform/module/per_thread.h"
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 namespace {
 
 constexpr std::chrono::seconds lasts{5};
@@ -39,4 +39,4 @@ std::optional<Secret> ProvenPassword::take(const std::string& server_key, const 
     return std::move(last->password);
 }
 
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory

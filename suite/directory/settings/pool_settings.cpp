@@ -1,8 +1,8 @@
-#include "suite/directory/ldap/settings/pool_settings.h"
+#include "suite/directory/settings/pool_settings.h"
 
-#include "suite/directory/ldap/settings/named_numbers.h"
+#include "suite/directory/settings/named_numbers.h"
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 namespace {
 
 using std::chrono::milliseconds;
@@ -41,4 +41,4 @@ PoolSettings changed(PoolSettings settings, const Variant& names, const Variant&
     return settings;
 }
 
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory

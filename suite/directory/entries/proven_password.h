@@ -4,10 +4,10 @@
 #include <string>
 
 #include "platform/values/secret.h"
-#include "suite/directory/ldap/settings/clock.h"
 #include "suite/directory/names/entry_key.h"
+#include "suite/directory/settings/clock.h"
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 
 // The password that this thread's last check found right. Users who change their password prove the
 // old one by a check, and at once the new one is written, through an entry that may be bound as
@@ -24,4 +24,4 @@ public:
                                       Clock::time_point now);
 };
 
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory

@@ -1,0 +1,51 @@
+#pragma once
+
+// An entry that a search has found, as a filter looks at it.
+
+#include <string_view>
+#include <vector>
+
+#include "suite/directory/entries/entry_order.h"
+#include "suite/directory/filters/filter_match.h"
+#include "suite/directory/schema/attribute_types.h"
+
+namespace orvo::directory {
+
+// Keeps both; an attribute that names its entry counts, in the order of lists, with the value in
+// the name alone: each entry has one place in a list.
+class SearchedEntry final : public MatchedEntry {
+public:
+    SearchedEntry(const EntryData& entry, const AttributeTypes& types)
+        : entry_(entry), types_(types), naming_(naming_part(entry.name)) {}
+
+    void append_values(std::string_view attribute,
+                       std::vector<std::string_view>& values) const override {
+        for (const Attribute& held : entry_.attributes)
+            if (types_.same(held.name, attribute))
+                values.insert(values.end(), held.values.begin(), held.values.end());
+    }
+    void append_listed_values(std::string_view attribute,
+                              std::vector<std::string_view>& values) const override {
+        if (types_.same(naming_.attribute, attribute))
+            values.push_back(naming_.value);
+        else
+            append_values(attribute, values);
+    }
+    void append_attributes(std::vector<std::string_view>& names) const override {
+        for (const Attribute& held : entry_.attributes) names.push_back(held.name);
+    }
+    void append_name_values(std::string_view attribute,
+                            std::vector<std::string_view>& values) const override {
+        if (types_.same(naming_.attribute, attribute)) values.push_back(naming_.value);
+    }
+    void append_name_attributes(std::vector<std::string_view>& names) const override {
+        names.push_back(naming_.attribute);
+    }
+
+private:
+    const EntryData& entry_;
+    const AttributeTypes& types_;
+    NamingPart naming_;
+};
+
+}  // namespace orvo::directory
