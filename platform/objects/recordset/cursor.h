@@ -11,7 +11,8 @@ namespace orvo::recordset {
 // place in that view, and the edit in progress. All raise as RecordSet and Field say.
 //
 // The place is a record, before the first, behind the last, on a row being added, or in the gap
-// that a deleted record has left. Every move ends an edit by updating first.
+// left by a record that was deleted, or that the filter lets through no longer. Every move ends an
+// edit by updating first.
 class Cursor {
 public:
     Cursor() : store_(std::make_shared<RecordStore>()) {}
@@ -99,10 +100,13 @@ private:
     std::size_t place_of(const Variant& bookmark);
     std::optional<std::size_t> start_place(const Variant& start);
 
-    // Whose records Affect means; those of a batch that have no changes are among them.
-    std::vector<RecordId> affected_by(std::int32_t affected);
+    // The records that Affect means; those of a batch that have no changes are among them. Asked
+    // for after require_affected, which raises 3001 and 3021, and not on a row being added.
+    void require_affected(std::int32_t affected) const;
+    std::vector<RecordId> affected_by(std::int32_t affected) const;
     void note_affected(const std::vector<RecordId>& ids);
     void after_batch();
+    bool has_record() const;  // on it, or in the gap that it left
     bool is_on_record() const;
 
     void require_updatable() const;

@@ -24,6 +24,8 @@ Variant Cursor::unset_value(const Column& column) const {
     return column.is_nullable() && column.form() != Form::any ? Variant::null() : Variant();
 }
 
+bool Cursor::has_record() const { return at_ == At::record || at_ == At::gap; }
+
 bool Cursor::is_on_record() const { return at_ == At::record && !(*store_)[record_].is_deleted(); }
 
 void Cursor::require_current() {
@@ -122,7 +124,10 @@ void Cursor::erase(std::int32_t affected) {
     if (affected != adAffectCurrent && affected != adAffectGroup)
         raise_runtime_error(wrong_arguments);
     if (affected == adAffectCurrent && !is_on_record()) raise_runtime_error(no_current_record);
+    require_affected(affected);
     const std::vector<RecordId> erased = affected_by(affected);
+    affected_ = erased;
+    if (erased.empty()) return;
     end_edit();
     for (const RecordId id : erased) store_->erase(id, keeping_);
     if (affected == adAffectCurrent && !view().shows_deleted())
@@ -130,35 +135,38 @@ void Cursor::erase(std::int32_t affected) {
     else
         view().rebuild();
     if (affected == adAffectGroup) place_ = 0;
-    affected_ = erased;
+    record_ = erased.front();
     at_ = At::gap;
 }
 
-std::vector<RecordId> Cursor::affected_by(std::int32_t affected) {
-    const bool has_criteria = filter_.is_text() && view().condition();
-    const auto seen = [&] {
-        std::vector<RecordId> ids(view().size());
-        for (std::size_t place = 0; place < ids.size(); ++place) ids[place] = view()[place];
-        return ids;
-    };
+void Cursor::require_affected(std::int32_t affected) const {
     switch (affected) {
         case adAffectCurrent:
-            if ((at_ != At::record && at_ != At::gap) || (*store_)[record_].is_gone())
+            if (at_ != At::new_record && (!has_record() || (*store_)[record_].is_gone()))
                 raise_runtime_error(no_current_record);
-            return {record_};
+            return;
         case adAffectGroup:
-            if (!view().condition()) raise_runtime_error(wrong_arguments);
-            return seen();
+            if (!view_->condition()) raise_runtime_error(wrong_arguments);
+            return;
         case adAffectAll:
-        case adAffectAllChapters: {
-            if (affected == adAffectAll && has_criteria) return seen();
-            std::vector<RecordId> all(store_->size());
-            std::iota(all.begin(), all.end(), RecordId{0});
-            return all;
-        }
+        case adAffectAllChapters:
+            return;
         default:
             raise_runtime_error(wrong_arguments);
     }
+}
+
+std::vector<RecordId> Cursor::affected_by(std::int32_t affected) const {
+    if (affected == adAffectCurrent) return {record_};
+    const bool has_criteria = filter_.is_text() && view_->condition();
+    if (affected == adAffectGroup || (affected == adAffectAll && has_criteria)) {
+        std::vector<RecordId> seen(view_->size());
+        for (std::size_t place = 0; place < seen.size(); ++place) seen[place] = (*view_)[place];
+        return seen;
+    }
+    std::vector<RecordId> all(store_->size());
+    std::iota(all.begin(), all.end(), RecordId{0});
+    return all;
 }
 
 void Cursor::note_affected(const std::vector<RecordId>& ids) {
@@ -176,11 +184,13 @@ void Cursor::after_batch() {
 
 void Cursor::update_batch(std::int32_t affected) {
     begin();
+    require_updatable();
     if (keeping_ != Keeping::as_batch) {
         if (affected != adAffectCurrent) raise_runtime_error(not_capable);
         require_current();
         return update();
     }
+    require_affected(affected);
     update();
     const std::vector<RecordId> ids = affected_by(affected);
     note_affected(ids);
@@ -190,10 +200,14 @@ void Cursor::update_batch(std::int32_t affected) {
 
 void Cursor::cancel_batch(std::int32_t affected) {
     begin();
-    if (keeping_ != Keeping::as_batch && affected != adAffectCurrent)
+    require_updatable();
+    if (keeping_ == Keeping::as_batch)
+        require_affected(affected);
+    else if (affected != adAffectCurrent)
         raise_runtime_error(not_capable);
+    const bool is_of_new_record = at_ == At::new_record && affected == adAffectCurrent;
     if (is_editing_) cancel_update();
-    if (keeping_ != Keeping::as_batch) return;
+    if (keeping_ != Keeping::as_batch || is_of_new_record) return;
     const std::vector<RecordId> ids = affected_by(affected);
     note_affected(ids);
     store_->take_back(ids);
@@ -202,23 +216,15 @@ void Cursor::cancel_batch(std::int32_t affected) {
 
 std::int32_t Cursor::edit_mode() {
     begin();
-    if (at_ == At::gap || (at_ == At::record && !is_on_record())) return adEditDelete;
+    if (has_record() && (*store_)[record_].is_deleted()) return adEditDelete;
     if (!is_editing_) return adEditNone;
     return at_ == At::new_record ? adEditAdd : adEditInProgress;
 }
 
 std::int32_t Cursor::status() {
     begin();
-    switch (at_) {
-        case At::new_record:
-            return adRecNew;
-        case At::gap:
-            return adRecDeleted;
-        case At::record:
-            break;
-        default:
-            raise_runtime_error(no_current_record);
-    }
+    if (at_ == At::new_record) return adRecNew;
+    if (!has_record()) raise_runtime_error(no_current_record);
     const std::int32_t kept = (*store_)[record_].status;
     if (kept & adRecDeleted) return adRecDeleted;
     return is_editing_ && kept == adRecUnmodified ? adRecModified : kept;

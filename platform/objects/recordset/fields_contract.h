@@ -54,8 +54,8 @@ public:
     virtual std::uint8_t NumericScale() = 0;
     // For columns of unlimited length (adFldLong); others raise 3219. The first piece replaces the
     // value, each further one is added to it; reading begins at the value's beginning and goes on
-    // where it ended. Both begin anew when the row changes or another field's value is read or
-    // written in between. Reading answers Null where nothing is left.
+    // where it ended. Both begin anew when the row changes or another field's value (its present
+    // one, that is) is read or written in between. Reading answers Null where nothing is left.
     virtual void AppendChunk(const Variant& data) = 0;
     virtual Variant GetChunk(std::int32_t length) = 0;
     // The value before the edit in progress, or before the batch's first change.

@@ -82,12 +82,13 @@ public:
     // "column [ASC|DESC], …"; "" is the order of adding. Letters count first, then accents, then
     // "!" at the end, then case (text_order.h).
     virtual void SetSort(const Text& order) = 0;
+    // As EditMode, of a record that the filter lets through no longer what it still is.
     virtual std::int32_t Status() = 0;
     virtual std::int32_t State() = 0;
     // Make the changes of a batch final, or take them back: those of the current row, of the rows
     // that a filter lets through, or of all. All are those that a criteria text lets through where
-    // there is one. Where changes are final at once, adAffectCurrent is Update or CancelUpdate, and
-    // anything else raises 3251.
+    // there is one. To take back a row being added changes no other. Where changes are final at
+    // once, adAffectCurrent is Update or CancelUpdate, and anything else raises 3251.
     virtual void UpdateBatch(std::int32_t affected) = 0;
     virtual void CancelBatch(std::int32_t affected) = 0;
     virtual std::int32_t CursorLocation() = 0;

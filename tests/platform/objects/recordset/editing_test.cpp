@@ -285,6 +285,40 @@ TEST_F(EditingTest, ADeletedRowIsBackWhenItsDeletionIsTakenBack) {
     EXPECT_THAT(names(), ElementsAre("Bob"));
 }
 
+TEST_F(EditingTest, ABatchIsCheckedBeforeAnythingChanges) {
+    open_with({u"Ann", u"Bob"}, adLockBatchOptimistic);
+    put(u"name", u"Amy");
+    EXPECT_EQ(number_raised([&] { call<&RecordSet::UpdateBatch>(rs, 99); }), 3001);
+    EXPECT_EQ(number_raised([&] { call<&RecordSet::UpdateBatch>(rs, adAffectGroup); }), 3001);
+    EXPECT_EQ(number_raised([&] { call<&RecordSet::CancelBatch>(rs, 99); }), 3001);
+    EXPECT_EQ(number_raised([&] { call<&RecordSet::CancelBatch>(rs, adAffectGroup); }), 3001);
+    EXPECT_EQ(edit_mode(), adEditInProgress);
+    EXPECT_EQ(here(), "Amy");
+    EXPECT_EQ(number_raised([&] { erase(adAffectGroup); }), 3001);
+    EXPECT_EQ(edit_mode(), adEditInProgress);
+    filter(u"name = 'Zoe'");
+    erase(adAffectGroup);
+    EXPECT_EQ(edit_mode(), adEditNone) << "nothing was deleted";
+    EXPECT_EQ(here(), "empty");
+}
+
+TEST_F(EditingTest, TakingBackARowBeingAddedChangesNoOther) {
+    open_with({u"Ann", u"Bob"}, adLockBatchOptimistic);
+    call<&RecordSet::UpdateBatch>(rs, adAffectAll);
+    put(u"name", u"Amy");
+    add_new();
+    call<&RecordSet::CancelBatch>(rs, adAffectCurrent);
+    EXPECT_EQ(edit_mode(), adEditNone);
+    EXPECT_EQ(here(), "Amy");
+    EXPECT_EQ(status(), adRecModified) << "the row that was current before keeps its change";
+    EXPECT_EQ(count(), 2);
+    last();
+    next();
+    add_new();
+    call<&RecordSet::CancelBatch>(rs, adAffectCurrent);
+    EXPECT_EQ(here(), "EOF") << "there is no row to go back to, and none is needed";
+}
+
 TEST_F(EditingTest, AFiltersRowsAreAGroupOfABatch) {
     open_with({u"Ann", u"Bob", u"Cid"}, adLockBatchOptimistic);
     EXPECT_EQ(number_raised([&] { call<&RecordSet::UpdateBatch>(rs, adAffectGroup); }), 3001)
@@ -364,6 +398,24 @@ TEST_F(EditingTest, WithoutABatchItsMembersAreNotThere) {
     EXPECT_EQ(here(), "Amy") << "there is nothing to cancel";
 }
 
+TEST_F(EditingTest, AReadOnlySetHasNoBatch) {
+    open_with({u"Ann"}, adLockBatchOptimistic);
+    put(u"name", u"Amy");
+    update();
+    const auto clone = call<&RecordSet::Clone>(rs, adLockReadOnly);
+    for (const std::int32_t affected : {adAffectCurrent, adAffectAll}) {
+        EXPECT_EQ(number_raised([&] { call<&RecordSet::UpdateBatch>(clone, affected); }), 3251);
+        EXPECT_EQ(number_raised([&] { call<&RecordSet::CancelBatch>(clone, affected); }), 3251);
+    }
+    EXPECT_EQ(status(), adRecNew);
+    EXPECT_EQ(here(), "Amy");
+    rs = make<RecordSetObject>();
+    append(u"name", adVarWChar, 20);
+    open(adLockReadOnly);
+    EXPECT_EQ(number_raised([&] { call<&RecordSet::CancelBatch>(rs, adAffectCurrent); }), 3251);
+    EXPECT_EQ(number_raised([&] { call<&RecordSet::UpdateBatch>(rs, adAffectCurrent); }), 3251);
+}
+
 TEST_F(EditingTest, AChangedRowMovesToItsPlaceInTheOrder) {
     open_with({u"Ann", u"Bob", u"Cid"});
     sort(u"name");
@@ -382,6 +434,8 @@ TEST_F(EditingTest, ARowThatTheFilterNoLongerLetsThroughLeavesAGap) {
     put(u"number", 5);
     update();
     EXPECT_EQ(here(), "gap");
+    EXPECT_EQ(edit_mode(), adEditNone) << "it is not deleted";
+    EXPECT_EQ(status(), adRecUnmodified);
     next();
     EXPECT_EQ(here(), "Bob");
     add(9, u"Eve");
@@ -389,6 +443,26 @@ TEST_F(EditingTest, ARowThatTheFilterNoLongerLetsThroughLeavesAGap) {
     EXPECT_EQ(count(), 1);
     filter(std::int32_t{adFilterNone});
     EXPECT_THAT(names(), ElementsAre("Ann", "Bob", "Cid", "Eve"));
+}
+
+TEST_F(EditingTest, ARowInAGapIsStillWhatItIs) {
+    open_with({u"Ann", u"Bob", u"Cid"}, adLockBatchOptimistic);
+    call<&RecordSet::UpdateBatch>(rs, adAffectAll);
+    filter(u"number < 3");
+    put(u"number", 5);
+    update();
+    EXPECT_EQ(status(), adRecModified);
+    EXPECT_EQ(edit_mode(), adEditNone);
+    const auto clone = call<&RecordSet::Clone>(rs, adLockUnspecified);
+    call<&RecordSet::Delete>(clone, adAffectCurrent);
+    EXPECT_EQ(status(), adRecDeleted) << "now it is";
+    EXPECT_EQ(edit_mode(), adEditDelete);
+    call<&RecordSet::MoveFirst>(rs);
+    next();
+    EXPECT_EQ(here(), "EOF");
+    erase(adAffectGroup);
+    EXPECT_EQ(status(), adRecDeleted) << "of a group";
+    EXPECT_EQ(edit_mode(), adEditDelete);
 }
 
 }  // namespace
