@@ -1,6 +1,7 @@
 #include "component/config/Account.h"
 
 #include "component/common/Lib_ErrorHandling.h"
+#include "component/common/password_value.h"
 #include "component/config/DirectoryAccount.h"
 #include "component/config/SharedServerInfo.h"
 #include "platform/interfaces/call.h"
@@ -26,7 +27,8 @@ void Account::Init(std::int16_t& iUserType) {
 
 Variant Account::first_value(const char16_t* attribute) {
     Text name = attribute;
-    return element(call<&DirectoryEntry::GetValues>(entry_, name), 0);
+    const PasswordValue all(call<&DirectoryEntry::GetValues>(entry_, name));
+    return element(all.value, 0);
 }
 
 Variant Account::NTUser() {

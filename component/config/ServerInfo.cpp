@@ -43,14 +43,18 @@ bool is_filled(const Variant& list) { return list.is_array(); }
 bool is_filled(const auto& text) { return !text.empty(); }
 
 template <class T>
-T read_as(const Variant& value) {
+T read_as(Variant value) {
     return value.to<T>();
 }
 template <>
-Variant read_as<Variant>(const Variant& value) {
+Variant read_as<Variant>(Variant value) {
     Values list;
     for (const Text& piece : split(value.to<Text>(), u",")) list.push_back(piece);
     return list;
+}
+template <>
+Secret read_as<Secret>(Variant value) {
+    return PasswordValue(std::move(value)).value.to<Secret>();
 }
 
 }  // namespace

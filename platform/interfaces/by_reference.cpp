@@ -1,28 +1,28 @@
 #include "platform/interfaces/by_reference.h"
 
 #include <cstring>
+#include <utility>
 
 #include "platform/system/vartypes.h"
 
 namespace orvo::detail {
 
-void store_through_reference(abi::VARIANT& reference, const Variant& value) {
+Variant store_through_reference(abi::VARIANT& reference, Variant& value) {
     const auto type = static_cast<abi::VARTYPE>(reference.vt & ~abi::VT_BYREF);
     if (type == abi::VT_VARIANT) {
         abi::VARIANT& to = *reference.pvarVal;
-        if (to.vt & abi::VT_BYREF)
-            store_through_reference(to, value);
-        else
-            abi::VariantCopy(&to, value.get());
-        return;
+        if (to.vt & abi::VT_BYREF) return store_through_reference(to, value);
+        return std::exchange(*in_place(to), std::move(value));
     }
     abi::VARIANT converted{};
-    if (abi::failed(abi::VariantChangeTypeEx(&converted, value.get(), abi::fixed_locale,
-                                             abi::VARIANT_ALPHABOOL, type)))
-        return;
+    if (value.get()->vt == type)
+        value.detach(converted);
+    else if (abi::failed(abi::VariantChangeTypeEx(&converted, value.get(), abi::fixed_locale,
+                                                  abi::VARIANT_ALPHABOOL, type)))
+        return {};
     if (type == abi::VT_DECIMAL) {
         *static_cast<abi::DECIMAL*>(reference.byref) = abi::decimal_of(converted);
-        return;
+        return {};
     }
     // Every by-value member of the union starts at the same place, as the referred-to variable
     // does.
@@ -31,7 +31,7 @@ void store_through_reference(abi::VARIANT& reference, const Variant& value) {
     old.vt = type;
     std::memcpy(&old.llVal, reference.byref, size);
     std::memcpy(reference.byref, &converted.llVal, size);
-    abi::VariantClear(&old);
+    return Variant::attach(old);
 }
 
 Variant* in_place(abi::VARIANT& variable) {

@@ -12,8 +12,9 @@ namespace orvo::detail {
 Variant* in_place(abi::VARIANT& variable);
 
 // Writes a value into the variable that a by-reference variant refers to, converted to its type;
-// leaves it alone when the value cannot be converted.
-void store_through_reference(abi::VARIANT& reference, const Variant& value);
+// leaves it alone when the value cannot be converted. Answers what the variable held before. A
+// value of the variable's own type is moved there; any other stays the caller's.
+Variant store_through_reference(abi::VARIANT& reference, Variant& value);
 
 // What a caller passed, its references followed; `storage` where that takes a copy.
 const Variant& follow_reference(const abi::VARIANT& passed, Variant& storage);

@@ -15,7 +15,10 @@ variant_slot::variant_slot(abi::VARIANT& slot) : slot_(slot) {
 }
 
 variant_slot::~variant_slot() {
-    if (seen_ == &copied_ && !(copied_ == before_)) store_through_reference(slot_, copied_);
+    if (seen_ != &copied_) return;
+    if (!(copied_ == before_)) store_through_reference(slot_, copied_).wipe();
+    copied_.wipe();
+    before_.wipe();
 }
 
 variant_variable::~variant_variable() {

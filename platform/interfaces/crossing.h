@@ -15,7 +15,8 @@
 //   left_out        what a method receives for an argument that its caller left out
 //   from_late       converts what a late-bound caller passed, by the Automation rules
 //   in_place        the value itself in what a late-bound caller passed, where it stands there
-//   discard         gets the copy, if any, that was made of what a late-bound caller passed
+//   discard         gets a variant that a late-bound call made or replaced, and nobody needs
+//   forget          gets the value that a late-bound call was made with, when it has ended
 //   remembered, is_unchanged   tell whether a late-bound caller's variable is to be written back
 //   to_late         what a late-bound caller receives
 //   answers_object  whether every value is an object or nothing
@@ -123,7 +124,8 @@ private:
 };
 
 // Used where it stands, so that one variable may be passed for two arguments; only what a
-// by-reference value refers to is copied, and written back when it changed.
+// by-reference value refers to is copied, written back when it changed, and overwritten: it may be
+// a password.
 class variant_slot {
 public:
     explicit variant_slot(abi::VARIANT& slot);
@@ -171,7 +173,8 @@ struct crossing_base {
     static T* in_place(abi::VARIANT&) { return nullptr; }
     static T remembered(const T& value) { return value; }
     static bool is_unchanged(const T& value, const T& before) { return value == before; }
-    static void discard(Variant&) {}
+    static void discard(Variant) {}
+    static void forget(T&) {}
     static Variant to_late(T value) { return Variant(std::move(value)); }
     static std::string idl() { return abi::row_of(type).idl; }
 };
@@ -270,7 +273,7 @@ struct crossing<Secret> : detail::crossing_base<Secret, abi::BSTR, abi::VT_BSTR>
     static bool is_unchanged(const Secret& value, const Secret& before) {
         return value.is_same_as(before);
     }
-    static void discard(Variant& copy) { copy.wipe(); }
+    static void discard(Variant unneeded) { unneeded.wipe(); }
     static Variant to_late(const Secret& value);
 };
 
@@ -289,6 +292,7 @@ struct crossing<std::optional<Text>>
     static std::optional<Text> from_late(const Variant& value) { return value.to<Text>(); }
 };
 
+// A variant may hold a password, too, as a check of one takes it: copies are overwritten.
 template <>
 struct crossing<Variant> : detail::crossing_base<Variant, abi::VARIANT, abi::VT_VARIANT> {
     using slot = detail::variant_slot;
@@ -304,6 +308,8 @@ struct crossing<Variant> : detail::crossing_base<Variant, abi::VARIANT, abi::VT_
     static Variant left_out(int) { return Variant::missing(); }
     static Variant from_late(const Variant& value) { return value; }
     static Variant* in_place(abi::VARIANT& passed);
+    static void discard(Variant unneeded) { unneeded.wipe(); }
+    static void forget(Variant& copy) { copy.wipe(); }
     static Variant to_late(Variant value) { return value; }
 };
 

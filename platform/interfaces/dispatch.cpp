@@ -335,7 +335,10 @@ HRESULT invoke(Face* face, abi::DISPID id, const abi::IID* reserved, abi::LCID, 
             return invoke_default(holder, flags, arguments.behind(plan.taken), result, failure,
                                   bad_argument);
         }
-        if (result != nullptr) value.detach(*result);
+        if (result != nullptr)
+            value.detach(*result);
+        else
+            value.wipe();  // nobody asked for it, and it may be a password
         return answered(abi::s_ok);
     } catch (...) {
         return report_current_exception_late(failure, *face->core, plan.member->row->name);

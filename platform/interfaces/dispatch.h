@@ -76,7 +76,7 @@ public:
         }
         Variant followed;
         value_ = C::from_late(follow_reference(*passed, followed));
-        C::discard(followed);
+        C::discard(std::move(followed));
         if constexpr (is_in_out<P>) {
             if (!(passed->vt & abi::VT_BYREF)) return;
             reference_ = passed;
@@ -85,9 +85,14 @@ public:
     }
     ~late_argument() {
         if constexpr (is_in_out<P>) {
-            if (reference_ != nullptr && !C::is_unchanged(value_, before_))
-                store_through_reference(*reference_, to_late(std::move(value_)));
+            if (reference_ != nullptr && !C::is_unchanged(value_, before_)) {
+                Variant changed = to_late(std::move(value_));
+                C::discard(store_through_reference(*reference_, changed));
+                C::discard(std::move(changed));
+            }
+            C::forget(before_);
         }
+        C::forget(value_);
     }
     late_argument(const late_argument&) = delete;
     late_argument& operator=(const late_argument&) = delete;

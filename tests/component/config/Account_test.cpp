@@ -2,6 +2,7 @@
 
 #include "component/config/SharedServerInfo.h"
 #include "tests/component/component_test.h"
+#include "tests/support/releases.h"
 
 namespace orvo {
 namespace {
@@ -66,6 +67,20 @@ TEST_FRESH(AccountTest, ValuesAreReturnedAsTheyAreStored) {
         bind(account, 2);
         EXPECT_EQ(account.call<&Account::NTPassword>(), Variant(std::int32_t{42}));
     });
+}
+
+TEST_FRESH(AccountTest, WhatThePasswordsAttributeHeldIsOverwritten) {
+    const Text password = u"nt-secret-of-27-characters!";
+    directory_.answer(u"OrvoNTPassword", Values{password, password});
+    load_settings();
+    Account account;
+    std::int16_t type = 2;
+    account.Init(type);
+    const Releases releases;
+    const Variant answer = account.NTPassword();
+    EXPECT_THAT(releases.as_long_as(password),
+                ElementsAre(overwritten(password), overwritten(password)));
+    EXPECT_EQ(answer, Variant(password));
 }
 
 TEST_FRESH(AccountTest, BeforeInitNTUserAndNTPasswordFailUnderTheirOwnSources) {

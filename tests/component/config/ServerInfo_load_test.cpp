@@ -1,5 +1,6 @@
 #include "component/config/ServerInfo.h"
 #include "tests/component/component_test.h"
+#include "tests/support/releases.h"
 
 namespace orvo {
 namespace {
@@ -53,6 +54,18 @@ TEST_FRESH(LoadConfigFile, WhatTheComponentDoesToItsArgumentsStaysWithTheCompone
     load(info);
     EXPECT_EQ(journal_.take(), every_read);
     EXPECT_EQ(info.GetConfigFileName(), Variant(u"directory.ini"));
+}
+
+TEST_FRESH(LoadConfigFile, TheAnswerThatHoldsThePasswordIsOverwritten) {
+    const Text password = u"script-code-of-29-characters!";
+    membership()[u"MemScriptCode"] = password;
+    ServerInfo info;
+    {
+        const Releases releases;
+        load(info);
+        EXPECT_THAT(releases.as_long_as(password), ElementsAre(overwritten(password)));
+    }
+    EXPECT_EQ(info.GetMemScriptCode(), Variant(password));
 }
 
 TEST_FRESH(LoadConfigFile, ReadsNothingAgainThatItHas) {

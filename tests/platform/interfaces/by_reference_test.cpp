@@ -44,7 +44,8 @@ TEST(ByReference, AVariableIsWrittenAsWideAsItsTypeIs) {
         SCOPED_TRACE(type);
         Neighbourhood caller(width);
         abi::VARIANT reference = caller.reference(type);
-        detail::store_through_reference(reference, Variant(std::int32_t{1}));
+        Variant one = std::int32_t{1};
+        detail::store_through_reference(reference, one);
         // True is -1.
         EXPECT_EQ(std::abs(Variant::copy_of(reference).to<double>()), 1);
         for (std::size_t i = width; i < caller.memory.size(); ++i)
@@ -56,18 +57,22 @@ TEST(ByReference, AVariableIsWrittenAsWideAsItsTypeIs) {
 TEST(ByReference, WhatCannotBeConvertedLeavesTheVariableAlone) {
     Neighbourhood caller(4);
     abi::VARIANT reference = caller.reference(abi::VT_I4);
-    detail::store_through_reference(reference, Variant(u"no number"));
+    Variant text = u"no number";
+    EXPECT_TRUE(detail::store_through_reference(reference, text).is_empty());
+    EXPECT_EQ(text, Variant(u"no number"));
     EXPECT_EQ(Variant::copy_of(reference).to<std::int32_t>(), 0);
 }
 
-TEST(ByReference, TheTextThatAVariableHeldIsFreed) {
+TEST(ByReference, TheTextThatAVariableHeldIsAnsweredAndTheNewOneMovedThere) {
     abi::BSTR text = abi::SysAllocString(u"before");
     abi::VARIANT reference{};
     reference.vt = abi::VT_BYREF | abi::VT_BSTR;
     reference.pbstrVal = &text;
-    detail::store_through_reference(reference, Variant(u"after"));
+    Variant value = u"after";
+    EXPECT_EQ(detail::store_through_reference(reference, value), Variant(u"before"));
+    EXPECT_TRUE(value.is_empty());
     EXPECT_EQ(TextView(text, abi::SysStringLen(text)), u"after");
-    abi::SysFreeString(text);  // the leak checker sees the other one, if it is left
+    abi::SysFreeString(text);
 }
 
 }  // namespace

@@ -1,51 +1,21 @@
 // Passwords across the border, both ways, by slot and by name.
 
-#include <dlfcn.h>
 #include <gmock/gmock.h>
 
 #include "platform/interfaces/call.h"
 #include "platform/interfaces/hosted.h"
 #include "platform/interfaces/late_call.h"
 #include "tests/support/clear_text.h"
+#include "tests/support/releases.h"
 
 namespace orvo {
 namespace {
 
+using testing::AllOf;
+using testing::Each;
 using testing::ElementsAre;
-
-// Every string that is released while this lives, as it was then.
-class Releases {
-public:
-    Releases() { watching = this; }
-    ~Releases() { watching = nullptr; }
-
-    // Those of as many units as the password.
-    std::vector<Text> as_long_as(const Text& password) const {
-        std::vector<Text> found;
-        for (const Text& text : texts)
-            if (text.size() == password.size()) found.push_back(text);
-        return found;
-    }
-
-    static inline thread_local Releases* watching = nullptr;
-    std::vector<Text> texts;
-};
-
-}  // namespace
-
-namespace abi {
-
-// In front of the runtime's own, for all of this process.
-extern "C" void SysFreeString(BSTR text) {
-    static const auto release = reinterpret_cast<void (*)(BSTR)>(dlsym(RTLD_NEXT, "SysFreeString"));
-    if (Releases::watching && text)
-        Releases::watching->texts.emplace_back(text, SysStringLen(text));
-    release(text);
-}
-
-}  // namespace abi
-
-namespace {
+using testing::IsEmpty;
+using testing::Not;
 
 // Keeps a password.
 class Safe {
@@ -60,13 +30,19 @@ public:
         return are_equal;
     }
     Secret Kept() { return kept_.clone(); }
+    // What is kept, as a check of it takes it; a wrong one is taken away.
+    bool Check(Variant& password) {
+        const bool is_right = password.to<Secret>().is_same_as(kept_);
+        if (!is_right) password.wipe();
+        return is_right;
+    }
 
 private:
     Secret kept_;
 };
 
 const Text password = u"s3cret-of-17-unit";
-const Text overwritten(password.size(), u'\0');
+const Text wiped = overwritten(password);
 const Text halves = u"\xD800x\xDC00 \xDC00\xD800 \xD83D\xDE00 \xD83D";
 
 }  // namespace
@@ -75,7 +51,8 @@ template <>
 inline constexpr auto table_of<Safe> = describe<Safe>(
     "ISafe", "7e57ab1e-0000-4000-8000-000000000501", method<&Safe::Keep>("Keep", "password"),
     method<&Safe::Exchange>("Exchange", "password"),
-    method<&Safe::Compare>("Compare", "first", "second"), get<&Safe::Kept>("Kept"));
+    method<&Safe::Compare>("Compare", "first", "second"), get<&Safe::Kept>("Kept"),
+    method<&Safe::Check>("Check", "password"));
 template <>
 inline constexpr auto class_of<Safe> = describe_class<Safe>("Test.Safe");
 
@@ -128,7 +105,7 @@ TEST(SecretCrossing, WhatIsHandedOverForACallIsOverwrittenAfterIt) {
     const Secret secret(password);
     const Releases releases;
     call<&Safe::Keep>(safe, secret);
-    EXPECT_THAT(releases.as_long_as(password), ElementsAre(overwritten));
+    EXPECT_THAT(releases.as_long_as(password), ElementsAre(wiped));
 }
 
 TEST(SecretCrossing, WhatIsTakenOverIsOverwrittenWhenItWasRead) {
@@ -136,7 +113,7 @@ TEST(SecretCrossing, WhatIsTakenOverIsOverwrittenWhenItWasRead) {
     call<&Safe::Keep>(safe, Secret(password));
     const Releases releases;
     EXPECT_EQ(clear_text(call<&Safe::Kept>(safe)), password);
-    EXPECT_THAT(releases.as_long_as(password), ElementsAre(overwritten));
+    EXPECT_THAT(releases.as_long_as(password), ElementsAre(wiped));
 }
 
 TEST(SecretCrossing, AReplacedPasswordIsOverwrittenOnBothSides) {
@@ -146,32 +123,131 @@ TEST(SecretCrossing, AReplacedPasswordIsOverwrittenOnBothSides) {
     {
         const Releases releases;
         call<&Safe::Exchange>(safe, given);
-        EXPECT_THAT(releases.as_long_as(password), ElementsAre(overwritten, overwritten));
+        EXPECT_THAT(releases.as_long_as(password), ElementsAre(wiped, wiped));
     }
     EXPECT_EQ(clear_text(given), u"of another length");
 }
 
-TEST(SecretCrossing, ByNameTheCopyOfAVariableIsOverwrittenAndTheVariableStays) {
-    const auto safe = make<Safe>();
-    abi::BSTR variable = crossing<Text>::give(password);
-    abi::VARIANT argument{};
-    argument.vt = abi::VT_BYREF | abi::VT_BSTR;
-    argument.pbstrVal = &variable;
+// Calls a member by name with one argument, and asks for no result.
+abi::HRESULT call_by_name(const Ref<Safe>& safe, TextView name, abi::VARIANT argument) {
     abi::DISPPARAMS arguments{&argument, nullptr, 1, 0};
     const abi::IID none{};
-    const abi::DISPID keep = detail::callee<Safe>::info().id_of(u"Keep");
+    return abi::call_slot<abi::HRESULT, abi::DISPID, const abi::IID*, abi::LCID, std::uint16_t,
+                          abi::DISPPARAMS*, abi::VARIANT*, abi::EXCEPINFO*, std::uint32_t*>(
+        safe.get(), abi::slot_invoke, detail::callee<Safe>::info().id_of(name), &none, 0,
+        abi::DISPATCH_METHOD, &arguments, nullptr, nullptr, nullptr);
+}
+
+void check_by_slot(const Ref<Safe>& safe, abi::VARIANT& password) {
+    abi::VARIANT_BOOL is_right = abi::variant_false;
+    const auto code = abi::call_slot<abi::HRESULT, abi::VARIANT*, abi::VARIANT_BOOL*>(
+        safe.get(), slot_of<&Safe::Check>, &password, &is_right);
+    EXPECT_EQ(code, abi::s_ok);
+}
+
+// A caller's variable of a string type, and a by-reference argument for it.
+struct StringVariable {
+    explicit StringVariable(const Text& text) : value(crossing<Text>::give(text)) {
+        argument.vt = abi::VT_BYREF | abi::VT_BSTR;
+        argument.pbstrVal = &value;
+    }
+
+    abi::BSTR value;
+    abi::VARIANT argument{};
+};
+
+TEST(SecretCrossing, ByNameTheCopyOfAVariableIsOverwrittenAndTheVariableStays) {
+    const auto safe = make<Safe>();
+    StringVariable variable(password);
     {
         const Releases releases;
-        const auto code =
-            abi::call_slot<abi::HRESULT, abi::DISPID, const abi::IID*, abi::LCID, std::uint16_t,
-                           abi::DISPPARAMS*, abi::VARIANT*, abi::EXCEPINFO*, std::uint32_t*>(
-                safe.get(), abi::slot_invoke, keep, &none, 0, 1, &arguments, nullptr, nullptr,
-                nullptr);
-        EXPECT_EQ(code, abi::s_ok);
-        EXPECT_THAT(releases.as_long_as(password), ElementsAre(overwritten));
+        EXPECT_EQ(call_by_name(safe, u"Keep", variable.argument), abi::s_ok);
+        EXPECT_THAT(releases.as_long_as(password), ElementsAre(wiped));
     }
-    EXPECT_EQ(crossing<Text>::take(variable), password);
+    EXPECT_EQ(crossing<Text>::take(variable.value), password);
     EXPECT_EQ(clear_text(call<&Safe::Kept>(safe)), password);
+}
+
+TEST(SecretCrossing, ByNameAReplacedPasswordIsOverwrittenInAVariableOfEachType) {
+    const auto safe = make<Safe>();
+    call<&Safe::Keep>(safe, Secret(u"of another length"));
+    StringVariable string(password);
+    {
+        const Releases releases;
+        EXPECT_EQ(call_by_name(safe, u"Exchange", string.argument), abi::s_ok);
+        EXPECT_THAT(releases.as_long_as(password), ElementsAre(wiped, wiped))
+            << "the copy, and what the variable held";
+    }
+    EXPECT_EQ(crossing<Text>::take(string.value), u"of another length");
+
+    call<&Safe::Keep>(safe, Secret(u"of another length"));
+    Variant variant[] = {password};
+    const Releases releases;
+    late::call_by_reference(safe.object(), u"Exchange", variant);
+    EXPECT_THAT(releases.as_long_as(password), ElementsAre(wiped));
+    EXPECT_EQ(variant[0], Variant(u"of another length"));
+}
+
+TEST(SecretCrossing, ByNameAPasswordThatDoesNotFitTheVariableIsOverwritten) {
+    const auto safe = make<Safe>();
+    call<&Safe::Keep>(safe, Secret(password));
+    std::int32_t number = 4711;
+    abi::VARIANT argument{};
+    argument.vt = abi::VT_BYREF | abi::VT_I4;
+    argument.plVal = &number;
+    const Releases releases;
+    EXPECT_EQ(call_by_name(safe, u"Exchange", argument), abi::s_ok);
+    EXPECT_THAT(releases.as_long_as(password), ElementsAre(wiped));
+    EXPECT_EQ(number, 4711);
+}
+
+TEST(SecretCrossing, ByNameAPasswordThatNobodyAskedForIsOverwritten) {
+    const auto safe = make<Safe>();
+    call<&Safe::Keep>(safe, Secret(password));
+    abi::DISPPARAMS none{};
+    const abi::IID reserved{};
+    const Releases releases;
+    const auto code =
+        abi::call_slot<abi::HRESULT, abi::DISPID, const abi::IID*, abi::LCID, std::uint16_t,
+                       abi::DISPPARAMS*, abi::VARIANT*, abi::EXCEPINFO*, std::uint32_t*>(
+            safe.get(), abi::slot_invoke, detail::callee<Safe>::info().id_of(u"Kept"), &reserved, 0,
+            abi::DISPATCH_PROPERTYGET, &none, nullptr, nullptr, nullptr);
+    EXPECT_EQ(code, abi::s_ok);
+    EXPECT_THAT(releases.as_long_as(password), ElementsAre(wiped));
+}
+
+TEST(SecretInAVariant, EveryCopyOfAVariableIsOverwritten) {
+    const auto safe = make<Safe>();
+    call<&Safe::Keep>(safe, Secret(password));
+    StringVariable variable(password);
+    {
+        const Releases releases;
+        EXPECT_EQ(call_by_name(safe, u"Check", variable.argument), abi::s_ok);
+        EXPECT_THAT(releases.as_long_as(password), AllOf(Not(IsEmpty()), Each(wiped)));
+    }
+    {
+        const Releases releases;
+        check_by_slot(safe, variable.argument);
+        EXPECT_THAT(releases.as_long_as(password), AllOf(Not(IsEmpty()), Each(wiped)));
+    }
+    {
+        const Releases releases;
+        late::call(safe.object(), u"Check", {password});
+        // The argument itself is this test's own.
+        EXPECT_THAT(releases.as_long_as(password), ElementsAre(wiped, password));
+    }
+    EXPECT_EQ(crossing<Text>::take(variable.value), password);
+}
+
+TEST(SecretInAVariant, AReplacedOneIsOverwritten) {
+    const auto safe = make<Safe>();
+    StringVariable by_name(password), by_slot(password);
+    const Releases releases;
+    EXPECT_EQ(call_by_name(safe, u"Check", by_name.argument), abi::s_ok);
+    check_by_slot(safe, by_slot.argument);
+    EXPECT_THAT(releases.as_long_as(password), AllOf(Not(IsEmpty()), Each(wiped)));
+    EXPECT_EQ(crossing<Text>::take(by_name.value), u"");
+    EXPECT_EQ(crossing<Text>::take(by_slot.value), u"");
 }
 
 TEST(SecretValue, IsOverwrittenWhereItStandsAndInAList) {
@@ -181,7 +257,7 @@ TEST(SecretValue, IsOverwrittenWhereItStandsAndInAList) {
     list.wipe();
     EXPECT_TRUE(text.is_empty());
     EXPECT_TRUE(list.is_empty());
-    EXPECT_THAT(releases.as_long_as(password), ElementsAre(overwritten, overwritten, overwritten));
+    EXPECT_THAT(releases.as_long_as(password), ElementsAre(wiped, wiped, wiped));
 }
 
 }  // namespace
