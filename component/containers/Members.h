@@ -81,9 +81,9 @@ private:
     void bind_as_stored();
     void bind_as_stored(const Ref<User>& user, Text name);
 
+    std::optional<PMMCreator> mPMMCreator;  // in front of what it made, which is released first
     Ref<DirectoryEntry> mContainer;
     DirectoryAccount mAccount;
-    std::optional<PMMCreator> mPMMCreator;
     Object mApplication;
     Text mLastPageValue;
 };

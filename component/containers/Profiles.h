@@ -34,9 +34,9 @@ public:
 private:
     Ref<Profile> bound_profile(Text& name);
 
+    std::optional<PMMCreator> mPMMCreator;  // in front of what it made, which is released first
     Ref<DirectoryEntry> mContainer;
     DirectoryAccount mAccount;
-    std::optional<PMMCreator> mPMMCreator;
 };
 
 // clang-format off

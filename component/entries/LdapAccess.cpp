@@ -43,8 +43,10 @@ void LdapAccess::BindAs(Text& i_sCN, Text& i_sUsername, Secret& i_sPwd, Text& i_
         settings_or_raise(emErrServerInfoNotCreated, source,
                           u"No OrvoMembership.ServerInfo present. Create one and invoke "
                           u"SetServerInfo() first.");
-        m_oPMMCreator.emplace();
-        m_oPMMObject = m_oPMMCreator->GetPMMObject();
+        PMMCreator creator;
+        // The former entry goes before its creator does, which keeps its module.
+        m_oPMMObject = creator.GetPMMObject();
+        m_oPMMCreator = std::move(creator);
         Variant attributes = Values();
         call<&DirectoryEntry::Bind>(m_oPMMObject, i_sServer, i_sContainer, i_sCN, i_sUsername,
                                     i_sPwd, attributes);

@@ -9,6 +9,10 @@
 //
 // Threads: an object is used by the thread that made it; a provider serves several threads at once.
 // Ownership: arguments stay the caller's, results are the caller's to release.
+// Lifetimes: an object is held by its caller while a method of it runs, whatever becomes of the
+// variable that it was called through. The module is held until the method that needed it has
+// ended: a search or a check, which goes with that method, may rely on it. Entries and record sets
+// may stay in use after nobody else holds the module; one that needs it holds it itself.
 //
 // Values: an attribute's values are an array of variants with lower bound 0. An attribute that the
 // entry lacks is an array with one empty element.

@@ -14,10 +14,13 @@ constexpr IID iid_null{};
 HRESULT read_default_value(IDispatch* object, VARIANT& value) {
     DISPPARAMS no_arguments{};
     VariantInit(&value);
-    return call_slot<HRESULT, DISPID, const IID*, LCID, std::uint16_t, DISPPARAMS*, VARIANT*,
-                     EXCEPINFO*, std::uint32_t*>(object, slot_invoke, DISPID_VALUE, &iid_null,
-                                                 user_default_locale, DISPATCH_PROPERTYGET,
-                                                 &no_arguments, &value, nullptr, nullptr);
+    add_ref(object);
+    const HRESULT outcome = call_slot<HRESULT, DISPID, const IID*, LCID, std::uint16_t, DISPPARAMS*,
+                                      VARIANT*, EXCEPINFO*, std::uint32_t*>(
+        object, slot_invoke, DISPID_VALUE, &iid_null, user_default_locale, DISPATCH_PROPERTYGET,
+        &no_arguments, &value, nullptr, nullptr);
+    release(object);
+    return outcome;
 }
 
 }  // namespace orvo::runtime

@@ -6,7 +6,8 @@
 
 namespace orvo::runtime {
 
-// Reads the default property of an object. `value` is the caller's to clear.
+// Reads the default property of an object, which the call holds while it runs: it may change what
+// it was called through. `value` is the caller's to clear.
 abi::HRESULT read_default_value(abi::IDispatch* object, abi::VARIANT& value);
 
 }  // namespace orvo::runtime

@@ -1,7 +1,7 @@
 #include "platform/module/class_factory.h"
 
 #include "platform/interfaces/border.h"
-#include "platform/interfaces/face.h"
+#include "platform/interfaces/standard_slots.h"
 
 namespace orvo {
 namespace detail {
@@ -27,13 +27,13 @@ std::uint32_t constant_count(FactoryFace*) noexcept { return 1; }
 
 HRESULT create_instance(FactoryFace* self, abi::IUnknown* outer, const abi::IID* iid,
                         void** out) noexcept {
-    if (out == nullptr || iid == nullptr) return abi::e_pointer;
+    if (out == nullptr || iid == nullptr) return answered(abi::e_pointer);
     *out = nullptr;
-    if (outer != nullptr) return abi::class_e_noaggregation;
+    if (outer != nullptr) return answered(abi::class_e_noaggregation);
     const ClassFactory& factory = *reinterpret_cast<ClassFactory*>(self);
     try {
         const Object object = factory.create();
-        return abi::query_interface(object.get(), *iid, out);
+        return answered(abi::query_interface(object.get(), *iid, out));
     } catch (...) {
         return report_current_exception(*iid, factory.source());
     }

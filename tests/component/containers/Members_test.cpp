@@ -47,6 +47,12 @@ TEST_FRESH(MembersTest, BindAsBindsTheContainerItselfAndPreloadsNothing) {
     });
 }
 
+TEST_FRESH(MembersTest, TheContainersEntryIsReleasedBeforeTheModuleThatMadeIt) {
+    bound_members_through_every_door([](Behind<Members>& members) { bind(members); });
+    EXPECT_EQ(directory_.modules, 0);
+    EXPECT_EQ(directory_.orphans, 0);
+}
+
 TEST_FRESH(MembersTest, ABlankNameIsRefusedQuietlyAndItsCredentialsAreKept) {
     members_through_every_door([this](Behind<Members>& members) {
         for (const char16_t* blank : {u"", u"   "}) {

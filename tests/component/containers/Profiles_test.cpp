@@ -57,6 +57,12 @@ TEST_FRESH(ProfilesTest, BindAsBindsTheContainerItself) {
     });
 }
 
+TEST_FRESH(ProfilesTest, TheContainersEntryIsReleasedBeforeTheModuleThatMadeIt) {
+    bound_profiles_through_every_door([](Behind<Profiles>& profiles) { bind(profiles); });
+    EXPECT_EQ(directory_.modules, 0);
+    EXPECT_EQ(directory_.orphans, 0);
+}
+
 TEST_FRESH(ProfilesTest, WhatTheProviderDoesToTheCredentialsReachesTheCallerAndIsNotStored) {
     profiles_through_every_door([this](Behind<Profiles>& profiles) {
         directory_.changes_arguments = true;

@@ -123,6 +123,27 @@ TEST_FRESH(LdapAccessBinding, ASecondBindAsReplacesModuleAndEntry) {
     EXPECT_EQ(directory_.entries, 0);
 }
 
+TEST_FRESH(LdapAccessBinding, AnEntryIsReleasedBeforeTheModuleThatMadeIt) {
+    through_every_door([](Behind<LdapAccess>& entry) {
+        bind(entry);
+        bind(entry);
+    });
+    EXPECT_EQ(directory_.orphans, 0);
+}
+
+TEST_FRESH(LdapAccessBinding, WithoutANewEntryTheFormerOneStaysWithItsModule) {
+    directory_.answer_of(u"cn=jsmith,ou=Staff", u"mail", Values{u"john@shop"});
+    through_every_door([this](Behind<LdapAccess>& entry) {
+        bind(entry);
+        journal_.refuse_nth("CreateEntry", 1, no_rights());
+        raised_by([&] { bind(entry); });
+        Text mail = u"mail";
+        EXPECT_EQ(entry.call<&LdapAccess::GetAttribValue>(mail), Variant(u"john@shop"));
+        EXPECT_EQ(directory_.modules, 1);
+    });
+    EXPECT_EQ(directory_.orphans, 0);
+}
+
 TEST_FRESH(LdapAccessBinding, ARefusedBindIsReportedUnderBindAs) {
     journal_.refuse("Bind", {error_number(0x8007052E), u"Its.Own", u"(49) Invalid credentials"});
     through_every_door([this](Behind<LdapAccess>& entry) {

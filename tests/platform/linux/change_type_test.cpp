@@ -238,6 +238,22 @@ TEST(Conversion, OfAnObjectReadsItsDefaultValue) {
     EXPECT_EQ(object.references, 1);
 }
 
+TEST(Conversion, OfAnObjectHoldsItWhileItsDefaultValueIsRead) {
+    Counted object;
+    object.default_value = whole(17, VT_I4);
+    VARIANT variable{};
+    variable.vt = VT_DISPATCH;
+    variable.pdispVal = &object;
+    int held = 0;
+    object.during = [&] {
+        VariantClear(&variable);
+        held = object.references;
+    };
+    EXPECT_EQ(changed(variable, VT_BSTR), "BSTR \"17\"");
+    EXPECT_EQ(held, 1) << "by the conversion, as the variable has let go of it";
+    EXPECT_EQ(object.references, 0);
+}
+
 TEST(Conversion, OfAnObjectThatIsItsOwnDefaultValueEnds) {
     Counted object;
     object.default_value.vt = VT_DISPATCH;

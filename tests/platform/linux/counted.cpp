@@ -28,6 +28,7 @@ HRESULT invoke(Counted* self, DISPID id, const IID*, LCID locale, std::uint16_t 
     self->flags = flags;
     self->had_details = details != nullptr || wrong != nullptr;
     if (id != DISPID_VALUE || arguments->cArgs != 0) return disp_e_membernotfound;
+    if (self->during) self->during();
     if (failed(self->default_result)) return self->default_result;
     return VariantCopy(value, &self->default_value);
 }

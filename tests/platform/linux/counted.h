@@ -4,6 +4,7 @@
 // IDispatch with one default value.
 
 #include <atomic>
+#include <functional>
 
 #include "platform/system/automation.h"
 
@@ -18,6 +19,7 @@ struct Counted : abi::IDispatch {
     std::uint32_t locale = 0;
     std::uint16_t flags = 0;
     bool had_details = true;
+    std::function<void()> during;  // done while the default value is read
 
     Counted();
 };

@@ -1,5 +1,6 @@
 #include "tests/support/recording/recording_directory.h"
 
+#include <memory>
 #include <utility>
 
 #include "platform/interfaces/call.h"
@@ -30,10 +31,32 @@ Values contents_of(const Object& dictionary) {
 
 }  // namespace
 
+// There as long as the module is.
+using ModuleToken = std::shared_ptr<const bool>;
+
+// That an object of a module is in use.
+class InUse {
+public:
+    InUse(int& count, int& orphans, const ModuleToken& module)
+        : count_(count), orphans_(orphans), module_(module) {
+        ++count_;
+    }
+    ~InUse() {
+        --count_;
+        if (module_.expired()) ++orphans_;
+    }
+    InUse(const InUse&) = delete;
+
+private:
+    int& count_;
+    int& orphans_;
+    std::weak_ptr<const bool> module_;
+};
+
 class EntryRecorder final : public DirectoryEntry {
 public:
-    explicit EntryRecorder(RecordingDirectory& owner) : owner_(owner) { ++owner_.entries; }
-    ~EntryRecorder() { --owner_.entries; }
+    EntryRecorder(RecordingDirectory& owner, const ModuleToken& module)
+        : owner_(owner), in_use_(owner.entries, owner.orphans, module) {}
 
     void Bind(Text& server, Text& container, Text& common_name, Text& user, Secret& password,
               Variant& attributes) override {
@@ -86,13 +109,14 @@ private:
     Journal& journal() { return owner_.journal(); }
 
     RecordingDirectory& owner_;
+    const InUse in_use_;
     Text name_;
 };
 
 class SearchRecorder final : public DirectorySearch {
 public:
-    explicit SearchRecorder(RecordingDirectory& owner) : owner_(owner) { ++owner_.searches; }
-    ~SearchRecorder() { --owner_.searches; }
+    SearchRecorder(RecordingDirectory& owner, const ModuleToken& module)
+        : owner_(owner), in_use_(owner.searches, owner.orphans, module) {}
 
     void Connect(Text& server, Text& container, Text& user, Secret& password) override {
         owner_.passwords.push_back(clear_text(password));
@@ -110,12 +134,13 @@ public:
 
 private:
     RecordingDirectory& owner_;
+    const InUse in_use_;
 };
 
 class ValidatorRecorder final : public DirectoryValidator {
 public:
-    explicit ValidatorRecorder(RecordingDirectory& owner) : owner_(owner) { ++owner_.validators; }
-    ~ValidatorRecorder() { --owner_.validators; }
+    ValidatorRecorder(RecordingDirectory& owner, const ModuleToken& module)
+        : owner_(owner), in_use_(owner.validators, owner.orphans, module) {}
 
     void Open(Text& server, Text& user_container) override {
         owner_.journal().call("Open", {server, user_container});
@@ -130,6 +155,7 @@ public:
 
 private:
     RecordingDirectory& owner_;
+    const InUse in_use_;
 };
 
 class SchemaRecorder final : public DirectorySchema {};
@@ -146,6 +172,7 @@ public:
 
 private:
     RecordingDirectory& owner_;
+    const ModuleToken token_ = std::make_shared<const bool>(true);
 };
 
 template <>
@@ -169,15 +196,15 @@ Ref<DirectorySchema> ModuleRecorder::CreateSchema() {
 }
 Ref<DirectoryEntry> ModuleRecorder::CreateEntry() {
     owner_.journal().call("CreateEntry");
-    return make<EntryRecorder>(owner_);
+    return make<EntryRecorder>(owner_, token_);
 }
 Ref<DirectoryValidator> ModuleRecorder::CreateValidator() {
     owner_.journal().call("CreateValidator");
-    return make<ValidatorRecorder>(owner_);
+    return make<ValidatorRecorder>(owner_, token_);
 }
 Ref<DirectorySearch> ModuleRecorder::CreateSearch() {
     owner_.journal().call("CreateSearch");
-    return make<SearchRecorder>(owner_);
+    return make<SearchRecorder>(owner_, token_);
 }
 
 RecordingDirectory::RecordingDirectory(Journal& journal, const Text& progid) : journal_(journal) {

@@ -43,6 +43,8 @@ public:
     int entries = 0;
     int searches = 0;
     int validators = 0;
+    // How many entries, searches and validators were released after the module that made them.
+    int orphans = 0;
 
     Journal& journal() { return journal_; }
 
