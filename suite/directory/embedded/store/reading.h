@@ -1,0 +1,56 @@
+#pragma once
+
+// What one view of a directory's file shows.
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "suite/directory/entries/entry_data.h"
+#include "suite/directory/names/distinguished_name.h"
+
+namespace orvo::directory::embedded {
+
+struct Connection;
+class StoreFile;
+
+// The file as it was when the reading began, as long as this object lives. Used by one thread. Keep
+// it short: the log cannot be cut meanwhile. Whatever SQLite refuses is result code 80 with its
+// reason.
+class Reading {
+public:
+    explicit Reading(std::shared_ptr<StoreFile> file);
+    ~Reading();
+    Reading(const Reading&) = delete;
+    Reading& operator=(const Reading&) = delete;
+
+    // The whole entry, with operational attributes and password hashes; nothing where it is not
+    // there. Its name is as it was written, attributes are called as the schema prefers.
+    std::optional<EntryData> find(const DistinguishedName& name) const;
+    // The name as written of the nearest entry above a name; empty: none.
+    std::string nearest_above(const DistinguishedName& name) const;
+    bool has_children(const DistinguishedName& name) const;
+
+    // All entries, parents before their children, until `take` answers false.
+    void every_entry(const std::function<bool(EntryData&&)>& take) const;
+
+    // Empty where it is not set.
+    std::string setting(const std::string& name) const;
+
+protected:
+    struct Unbegun {};
+    Reading(std::shared_ptr<StoreFile> file, Unbegun) noexcept;
+
+    Connection& connection() const { return *connection_; }
+    StoreFile& file() const { return *file_; }
+    // Whoever has ended it, however that went, needs the connection no more.
+    void acquire_connection();
+    void release_connection() noexcept;
+
+private:
+    std::shared_ptr<StoreFile> file_;
+    std::unique_ptr<Connection> connection_;
+};
+
+}  // namespace orvo::directory::embedded

@@ -1,0 +1,95 @@
+#include "suite/directory/embedded/store/store.h"
+
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <map>
+#include <mutex>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include "suite/directory/embedded/store/new_file.h"
+#include "suite/directory/embedded/store/store_file.h"
+#include "suite/directory/embedded/store/tables.h"
+#include "suite/directory/policy/failures.h"
+
+namespace orvo::directory::embedded {
+namespace {
+
+[[noreturn]] void raise_unusable(const std::filesystem::path& file, const std::string& reason) {
+    raise_code(result_code::server_down, quoted_name(file.string()) + ": " + reason + ".");
+}
+
+struct FileIdentity {
+    dev_t device;
+    ino_t number;
+
+    auto operator<=>(const FileIdentity&) const = default;
+};
+
+FileIdentity identity_of(const std::filesystem::path& file) {
+    struct stat status;
+    if (::stat(file.c_str(), &status) != 0)
+        raise_unusable(file, std::generic_category().message(errno));
+    return {status.st_dev, status.st_ino};
+}
+
+// At a glance: another program's file may have a log that SQLite would bring in otherwise.
+void require_directory(const std::filesystem::path& file) {
+    Database database(file, Database::Access::glance);
+    if (database.number("PRAGMA application_id", 0) != application_id)
+        raise_unusable(file, "this is not the file of a directory");
+}
+
+void require_version(const std::filesystem::path& file) {
+    Database database(file);
+    const std::int64_t version = database.number("PRAGMA user_version", 0);
+    if (version > tables_version)
+        raise_unusable(file, "it has version " + std::to_string(version) +
+                                 ", and this program knows versions up to " +
+                                 std::to_string(tables_version));
+}
+
+}  // namespace
+
+void Store::create(const std::filesystem::path& file, const Schema& schema) {
+    NewFile made(file);
+    {
+        Database database(made.path());
+        database.execute("BEGIN");
+        create_tables(database, schema);
+        database.execute("COMMIT; PRAGMA journal_mode = WAL");
+    }
+    made.publish();
+}
+
+std::shared_ptr<Store> Store::open(const std::filesystem::path& file) {
+    static std::mutex mutex;
+    static std::map<FileIdentity, std::weak_ptr<StoreFile>> files;
+    const std::lock_guard lock(mutex);
+    std::erase_if(files, [](const auto& item) { return item.second.expired(); });
+    std::weak_ptr<StoreFile>& known = files[identity_of(file)];
+    if (auto opened = known.lock()) return std::make_shared<Store>(std::move(opened));
+    require_directory(file);
+    require_version(file);
+    auto opened = std::make_shared<StoreFile>(std::filesystem::absolute(file));
+    known = opened;
+    return std::make_shared<Store>(std::move(opened));
+}
+
+Store::Store(std::shared_ptr<StoreFile> file) : file_(std::move(file)) {}
+
+const std::filesystem::path& Store::path() const { return file_->path(); }
+
+std::shared_ptr<const Schema> Store::schema() const { return file_->schema(); }
+
+Reading Store::read() { return Reading(file_); }
+
+Writing Store::write(Durability durability, std::chrono::milliseconds wait) {
+    return Writing(file_, wait, durability);
+}
+
+std::uint64_t Store::version() const { return file_->version(); }
+
+}  // namespace orvo::directory::embedded
