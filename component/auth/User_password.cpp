@@ -4,6 +4,7 @@
 #include "component/common/OrvoMemErrors.h"
 #include "component/common/password_value.h"
 #include "component/entries/User_table.h"
+#include "platform/values/wiped.h"
 
 namespace orvo {
 namespace {
@@ -19,13 +20,13 @@ void User::ChangePassword(Secret& iOldPwd, Secret& iNewPwd) {
         if (!directory_object_) return;
         const auto validator = Gen_GetComponent<Validator>(u"OrvoMembership.Validator");
         Variant user = CN();
-        PasswordValue old(iOldPwd);
+        Wiped old(password_value(iOldPwd));
         const auto result =
             call<&Validator::ValidatePassword>(validator, user, old.value).to<std::int32_t>();
         if (result < 0 && result != right_but_expired)
             throw Failure(emErrPwdNotCorrect, source, u"The current password is not correct");
         Text name = u"userPassword";
-        PasswordValue stored(iNewPwd);
+        Wiped stored(password_value(iNewPwd));
         Values one(0, 1);
         one[0] = std::move(stored.value);
         stored.value = std::move(one);

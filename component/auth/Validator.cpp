@@ -5,6 +5,7 @@
 #include "component/config/PMMCreator.h"
 #include "component/config/SharedServerInfo.h"
 #include "platform/interfaces/call.h"
+#include "platform/values/wiped.h"
 
 namespace orvo {
 
@@ -12,7 +13,7 @@ std::int32_t Validator::CheckUserPassword(Text& sUserId, const Secret& sPassword
     PMMCreator factory;
     const auto validator = factory.GetPMMValidator();
     Variant path = shared_server_info()->FullUserPath(sUserId);
-    PasswordValue password(sPassword);
+    Wiped password(password_value(sPassword));
     return call<&DirectoryValidator::Validate>(validator, path, password.value);
 }
 

@@ -2,8 +2,8 @@
 
 #include "component/common/Lib_ErrorHandling.h"
 #include "component/common/Lib_General.h"
-#include "component/common/password_value.h"
 #include "platform/interfaces/late_call.h"
+#include "platform/values/wiped.h"
 
 namespace orvo {
 
@@ -20,7 +20,7 @@ Text session_text(const Object& session, const char16_t* name) {
 }
 
 Secret session_secret(const Object& session) {
-    return PasswordValue(late::value_of(session, {session_password})).value.to<Secret>();
+    return Wiped(late::value_of(session, {session_password})).value.to<Secret>();
 }
 
 }  // namespace orvo

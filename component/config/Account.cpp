@@ -1,11 +1,10 @@
 #include "component/config/Account.h"
 
 #include "component/common/Lib_ErrorHandling.h"
-#include "component/common/password_value.h"
 #include "component/config/DirectoryAccount.h"
 #include "component/config/SharedServerInfo.h"
 #include "platform/interfaces/call.h"
-#include "platform/values/values.h"
+#include "platform/values/wiped.h"
 
 namespace orvo {
 
@@ -27,7 +26,7 @@ void Account::Init(std::int16_t& iUserType) {
 
 Variant Account::first_value(const char16_t* attribute) {
     Text name = attribute;
-    const PasswordValue all(call<&DirectoryEntry::GetValues>(entry_, name));
+    const Wiped all(call<&DirectoryEntry::GetValues>(entry_, name));
     return element(all.value, 0);
 }
 

@@ -6,6 +6,7 @@
 #include "component/common/Lib_General.h"
 #include "component/common/password_value.h"
 #include "platform/interfaces/call.h"
+#include "platform/values/wiped.h"
 
 namespace orvo {
 
@@ -54,7 +55,7 @@ Variant read_as<Variant>(Variant value) {
 }
 template <>
 Secret read_as<Secret>(Variant value) {
-    return PasswordValue(std::move(value)).value.to<Secret>();
+    return Wiped(std::move(value)).value.to<Secret>();
 }
 
 }  // namespace

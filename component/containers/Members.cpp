@@ -13,6 +13,7 @@
 #include "component/config/SharedServerInfo.h"
 #include "component/containers/record_fields.h"
 #include "platform/interfaces/create.h"
+#include "platform/values/wiped.h"
 
 namespace orvo {
 namespace {
@@ -34,7 +35,7 @@ Ref<Dictionary> attributes_of_new_user(ServerInfo& info, const Text& name, const
     add(u"cn", name);
     add(u"OrvoGUID", NewGUIDText());
     Variant password_name = u"userPassword";
-    PasswordValue lent(password);
+    Wiped lent(password_value(password));
     call<&Dictionary::Add>(attributes, password_name, lent.value);
     const Text naming_attribute = info.user_naming_attribute();
     if (naming_attribute != u"cn") add(naming_attribute, name);

@@ -1,7 +1,7 @@
 #include "component/common/Lib_ErrorHandling.h"
-#include "component/common/password_value.h"
 #include "component/entries/User.h"
 #include "platform/values/values.h"
+#include "platform/values/wiped.h"
 
 namespace orvo {
 namespace {
@@ -113,9 +113,8 @@ Text User::NTUser() {
 }
 
 Secret User::NTPassword() {
-    return trapped({class_prefix, "NTPassword"}, [&] {
-        return PasswordValue(call<&Account::NTPassword>(account_)).value.to<Secret>();
-    });
+    return trapped({class_prefix, "NTPassword"},
+                   [&] { return Wiped(call<&Account::NTPassword>(account_)).value.to<Secret>(); });
 }
 
 bool User::is_of_type(const UserTypeProperty& property) {

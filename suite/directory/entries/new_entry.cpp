@@ -7,9 +7,11 @@
 
 #include "platform/interfaces/call.h"
 #include "platform/objects/dictionary/dictionary_contract.h"
+#include "platform/values/array_shape.h"
 #include "platform/values/failure.h"
 #include "platform/values/values.h"
-#include "suite/directory/entries/password_value.h"
+#include "platform/values/wiped.h"
+#include "suite/directory/entries/given_password.h"
 #include "suite/directory/filters/filter.h"
 #include "suite/directory/names/written_name.h"
 #include "suite/directory/policy/failures.h"
@@ -54,13 +56,15 @@ std::vector<GivenAttribute> given_attributes(const Object& dictionary) {
     if (!dictionary) raise_runtime_error(runtime_error::object_not_set);
     const auto entries = Ref<Dictionary>::from(dictionary);
     const Values names = call<&Dictionary::Keys>(entries).to<Values>();
-    const Values values = call<&Dictionary::Items>(entries).to<Values>();
+    const Wiped values(call<&Dictionary::Items>(entries));
     std::vector<GivenAttribute> given;
+    given.reserve(static_cast<std::size_t>(names.count()));
     for (std::int32_t index = 0; index < names.count(); ++index) {
         const Variant& name = names[names.lower_bound() + index];
         if (!name.is_text()) raise_runtime_error(runtime_error::type_mismatch);
         require_whole(name.text_view());
-        given.push_back({to_utf8(name.text_view()), values[values.lower_bound() + index]});
+        given.push_back(
+            {to_utf8(name.text_view()), element_at(values.value, static_cast<std::size_t>(index))});
     }
     return given;
 }

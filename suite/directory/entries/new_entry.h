@@ -14,8 +14,11 @@
 
 namespace orvo::directory {
 
-// An attribute and its value or array of values, untyped as yet.
+// An attribute and its value or array of values, untyped as yet. A password may be among them:
+// every copy is overwritten when it goes.
 struct GivenAttribute {
+    ~GivenAttribute() { value.wipe(); }
+
     std::string name;
     Variant value;
 };

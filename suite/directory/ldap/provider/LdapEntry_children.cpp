@@ -1,7 +1,7 @@
 #include <utility>
 
+#include "suite/directory/entries/given_password.h"
 #include "suite/directory/entries/new_entry.h"
-#include "suite/directory/entries/password_value.h"
 #include "suite/directory/ldap/provider/LdapEntry.h"
 #include "suite/directory/ldap/wire/unicode_password.h"
 #include "suite/directory/names/written_name.h"

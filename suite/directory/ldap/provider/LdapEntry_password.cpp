@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "suite/directory/entries/password_value.h"
+#include "suite/directory/entries/given_password.h"
 #include "suite/directory/entries/proven_password.h"
 #include "suite/directory/ldap/provider/LdapEntry.h"
 #include "suite/directory/policy/failures.h"

@@ -1,9 +1,10 @@
-#include "suite/directory/entries/password_value.h"
+#include "suite/directory/entries/given_password.h"
 
 #include <optional>
 
+#include "platform/values/array_shape.h"
 #include "platform/values/failure.h"
-#include "platform/values/values.h"
+#include "platform/values/wiped.h"
 #include "suite/directory/policy/failures.h"
 #include "suite/directory/policy/password_form.h"
 
@@ -18,10 +19,10 @@ Secret read(const Variant& value) {
         return secret;
     }
     if (value.is_array()) {
-        const Values values = value.to<Values>();
-        if (values.count() == 0) return {};
-        if (values.count() > 1) raise_runtime_error(runtime_error::type_mismatch);
-        return read(values[values.lower_bound()]);
+        const std::size_t count = element_count(value);
+        if (count > 1 || bounds_of(value).size() > 1)
+            raise_runtime_error(runtime_error::type_mismatch);
+        return count == 0 ? Secret() : read(Wiped(element_at(value, 0)).value);
     }
     auto secret = value.to<Secret>();
     if (!secret.is_well_formed())
