@@ -60,6 +60,7 @@ private:
 template <>
 inline constexpr auto table_of<Validator> = describe<Validator>(
     "IValidator", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e715",
+    about("Checks passwords, and logs users of web pages in."),
     method<&Validator::ValidateCredentials>("ValidateCredentials", "iVarUserID", "iVarPassword",
                                             "iVarOriginalUrl")
         .help("Logs a user in: negative where the check fails."),

@@ -23,6 +23,7 @@ protected:
 template <>
 inline constexpr auto table_of<Log> = describe<Log>(
     "IQuendraLog", "0621d2f8-6009-4f66-a855-2f8d3a15d601",
+    about("The log that the component writes to."),
     reserved(1, 4),
     method<&Log::LogMessage>("LogMessage", "source", "message", "level")
         .help("Writes an entry: level 0 is an error, 1 a note."),

@@ -26,6 +26,7 @@ private:
 template <>
 inline constexpr auto table_of<Account> = describe<Account>(
     "IAccount", "022d2b72-1c79-4081-ae34-7690be8cb84d",
+    about("The service account of a type of users."),
     method<&Account::Init>("Init", "iUserType")
         .help("Binds to the service account of a type of users."),
     get<&Account::NTUser>("NTUser").help("The account's name."),

@@ -23,6 +23,7 @@ public:
 template <>
 inline constexpr auto table_of<Initialize> = describe<Initialize>(
     "IInitialize", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e71a",
+    about("Sets the provider's connection pool and cache up."),
     method<&Initialize::InitializeConnectionPool>("InitializeConnectionPool",
                                                   "i_aPoolParameterNames",
                                                   "i_aPoolParameterValues")

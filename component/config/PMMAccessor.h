@@ -26,6 +26,7 @@ private:
 template <>
 inline constexpr auto table_of<PMMAccessor> = describe<PMMAccessor>(
     "IPMMAccessor", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e71b",
+    about("The users of an application, for callers outside web pages."),
     method<&PMMAccessor::InitConfigFile>("InitConfigFile", "sSiteConfigFileName")
         .help("Loads a site configuration file; comes first."),
     method<&PMMAccessor::GetLDAPUsers>("GetLDAPUsers", "productID")

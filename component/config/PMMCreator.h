@@ -33,6 +33,7 @@ private:
 template <>
 inline constexpr auto table_of<PMMCreator> = describe<PMMCreator>(
     "IPMMCreator", "b6c8f471-05d1-4dc5-8502-73bbfc1c5006",
+    about("Makes the objects of the configured directory provider."),
     method<&PMMCreator::GetPMMSchema>("GetPMMSchema").help("The provider's object for the schema."),
     method<&PMMCreator::GetPMMObject>("GetPMMObject")
         .help("A provider's entry object, not yet bound."),

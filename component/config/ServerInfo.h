@@ -115,6 +115,7 @@ private:
 template <>
 inline constexpr auto table_of<ServerInfo> = describe<ServerInfo>(
     "IServerInfo", "19041d22-35a4-4296-862c-dd49911e25a9",
+    about("The directory settings of a site."),
     method<&ServerInfo::GetMemScriptUser>("GetMemScriptUser")
         .help("The full name of the membership script account."),
     method<&ServerInfo::GetMemScriptCode>("GetMemScriptCode")

@@ -53,6 +53,7 @@ inline constexpr auto table_of<SiteConfigurationLoader> = describe<SiteConfigura
 template <>
 inline constexpr auto table_of<Configuration> = describe<Configuration>(
     "IQuendraConfiguration", "a717e666-a0d2-453a-9357-9dcf856be20b",
+    about("The site's configuration."),
     reserved(1, 2),
     method<&Configuration::GetFolder>("GetFolder")
         .help("The folder that holds the site's configuration file."),

@@ -92,6 +92,7 @@ private:
 template <>
 inline constexpr auto table_of<Members> = describe<Members>(
     "IMembers", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e718",
+    about("The container of all users: creating, finding, deleting."),
     method<&Members::BindAs>("BindAs", "iUsername", "iPassword")
         .help("Binds to the users' container."),
     method<&Members::setServerInfo>("setServerInfo", "i_sConfigurationPath")

@@ -43,6 +43,7 @@ private:
 template <>
 inline constexpr auto table_of<Profiles> = describe<Profiles>(
     "IProfiles", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e719",
+    about("The container of all profiles."),
     method<&Profiles::AsRecordset>("AsRecordset").help("All profiles, as a record set."),
     method<&Profiles::DeleteProfile>("DeleteProfile", "iCommonName")
         .help("Deletes a profile without users; answers whether it did."),

@@ -51,6 +51,7 @@ private:
 template <>
 inline constexpr auto table_of<LdapAccess> = describe<LdapAccess>(
     "ILdapAccess", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e714",
+    about("One entry of the directory, attribute by attribute."),
     method<&LdapAccess::GetAttribValue>("GetAttribValue", "iAttribName")
         .help("The first value of an attribute."),
     method<&LdapAccess::SetAttribValue>("SetAttribValue", "iAttribName", "iAttribValue")

@@ -85,6 +85,7 @@ private:
 template <>
 inline constexpr auto table_of<Profile> = describe<Profile>(
     "IProfile", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e716",
+    about("A profile: settings that users have in common."),
     method<&Profile::GetAttribValue>("GetAttribValue", "iAttribName")
         .help("All values of an attribute."),
     method<&Profile::SetAttribValue>("SetAttribValue", "iAttribName", "iAttribValue")

@@ -87,6 +87,7 @@ constexpr auto property_rows(Getter getter, Setter setter) {
 template <>
 inline constexpr auto table_of<User> = describe<User>(
     "IUser", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e717",
+    about("A user: attributes, typed properties, roles, applications, password."),
     method<&User::BindAs>("BindAs", "iCommonName", "iUsername", "iPwd")
         .help("Binds to a user by its common name."),
     method<&User::BindToGuid>("BindToGuid", "iGUID", "iUsername", "iPassword")

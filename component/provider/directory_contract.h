@@ -104,11 +104,13 @@ protected:
 // clang-format off
 template <>
 inline constexpr auto table_of<DirectorySchema> =
-    describe<DirectorySchema>("IDirectorySchema", "5f118a9f-b82b-486d-a990-e84624c818c1");
+    describe<DirectorySchema>("IDirectorySchema", "5f118a9f-b82b-486d-a990-e84624c818c1",
+                              about("The schema; callers hold it and ask it nothing."));
 
 template <>
 inline constexpr auto table_of<DirectoryEntry> = describe<DirectoryEntry>(
     "IDirectoryEntry", "33cc820f-121f-4221-b48e-57ebb11c6955",
+    about("One entry of the directory."),
     reserved(1),
     method<&DirectoryEntry::Bind>("Bind", "server", "container", "commonName", "user", "password",
                                   "attributes")
@@ -133,6 +135,7 @@ inline constexpr auto table_of<DirectoryEntry> = describe<DirectoryEntry>(
 template <>
 inline constexpr auto table_of<DirectorySearch> = describe<DirectorySearch>(
     "IDirectorySearch", "3f8f6be4-f403-45be-90a5-e0243c013656",
+    about("A search below a container."),
     reserved(1),
     method<&DirectorySearch::Connect>("Connect", "server", "container", "user", "password")
         .help("Prepares searching below a container."),
@@ -142,6 +145,7 @@ inline constexpr auto table_of<DirectorySearch> = describe<DirectorySearch>(
 template <>
 inline constexpr auto table_of<DirectoryValidator> = describe<DirectoryValidator>(
     "IDirectoryValidator", "356cfaf8-0d94-40af-b406-e521ee561f56",
+    about("Checks passwords."),
     reserved(1),
     method<&DirectoryValidator::Open>("Open", "server", "userContainer")
         .help("Prepares checking the users of a container."),
@@ -152,6 +156,7 @@ inline constexpr auto table_of<DirectoryValidator> = describe<DirectoryValidator
 template <>
 inline constexpr auto table_of<DirectoryModule> = describe<DirectoryModule>(
     "IDirectoryModule", "ccf6fd6b-5048-43ca-a45f-c12b3584ab82",
+    about("Makes the objects of a directory provider."),
     reserved(1),
     method<&DirectoryModule::CreateSchema>("CreateSchema")
         .help("A new object for the directory's schema."),

@@ -30,7 +30,8 @@ std::string head(const Library& library, const std::string& macros) {
 }
 
 std::string errors() {
-    std::string text = "    typedef enum OrvoMemErrors\n    {\n";
+    std::string text =
+        "    typedef [helpstring(\"Numbers of failures.\")] enum OrvoMemErrors\n    {\n";
     for (const MemError& error : mem_errors)
         text += std::string("        ") + error.name + " = " +
                 std::to_string(static_cast<std::int32_t>(error.value)) +

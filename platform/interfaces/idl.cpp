@@ -6,11 +6,15 @@ namespace orvo {
 
 std::string idl_guid(const abi::GUID& id) { return to_utf8(guid_text(id)); }
 
-void IdlWriter::begin(const char* name, const abi::IID& iid, bool dispatch) {
+std::string idl_help(std::string_view text) {
+    return text.empty() ? "" : ", helpstring(\"" + std::string(text) + "\")";
+}
+
+void IdlWriter::begin(const char* name, const abi::IID& iid, const char* about, bool dispatch) {
     dispatch_ = dispatch;
     out_ << "    [ object, uuid(" << idl_guid(iid) << ")"
-         << (dispatch ? ", dual, oleautomation" : "") << " ]\n    interface " << name << " : "
-         << (dispatch ? "IDispatch" : "IUnknown") << "\n    {\n";
+         << (dispatch ? ", dual, oleautomation" : "") << idl_help(about) << " ]\n    interface "
+         << name << " : " << (dispatch ? "IDispatch" : "IUnknown") << "\n    {\n";
 }
 
 void IdlWriter::end() { out_ << "    };\n"; }
@@ -46,8 +50,7 @@ void IdlWriter::line(std::size_t slot, abi::DISPID id, const RowData& row,
         if (row.shape == Shape::put) out_ << ", propput";
         if (row.shape == Shape::put_reference) out_ << ", propputref";
         if (row.is_hidden) out_ << ", hidden";
-        if (*row.help != '\0') out_ << ", helpstring(\"" << row.help << "\")";
-        out_ << "] ";
+        out_ << idl_help(row.help) << "] ";
     }
     out_ << "HRESULT " << row.name << '(';
     for (std::size_t i = 0; i < parameters.size(); ++i)

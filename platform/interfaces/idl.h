@@ -30,7 +30,7 @@ public:
     template <class I>
     void write_interface() {
         const auto& table = table_of<I>;
-        begin(table.name, table.iid, table.dispatch);
+        begin(table.name, table.iid, table.about, table.dispatch);
         const detail::InterfaceInfo& info = detail::callee<I>::info();
         std::size_t late = 0;
         table.for_each([&]<auto M>(std::size_t index) {
@@ -46,7 +46,7 @@ public:
     std::string text() const { return out_.str(); }
 
 private:
-    void begin(const char* name, const abi::IID& iid, bool dispatch);
+    void begin(const char* name, const abi::IID& iid, const char* about, bool dispatch);
     void end();
     void hole(std::size_t slot, const RowData& reserved);
 
@@ -78,6 +78,9 @@ private:
     std::ostringstream out_;
     bool dispatch_ = true;
 };
+
+// A help string among IDL's attributes, "helpstring(\"…\")" behind a comma; nothing for no text.
+std::string idl_help(std::string_view text);
 
 // "33CC820F-121F-4221-B48E-57EBB11C6955" as IDL's attributes take it.
 std::string idl_guid(const abi::GUID& id);

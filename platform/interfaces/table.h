@@ -121,6 +121,12 @@ constexpr RowGroup<M...> group(const Row<M>&... rows) {
     return {{rows.data...}};
 }
 
+// What an object browser says of the whole interface: one sentence, in front of the rows.
+struct About {
+    const char* text;
+};
+constexpr About about(const char* text) { return {text}; }
+
 // Slots `first` to `last`, counted among the interface's own operations from 1, that nobody calls.
 constexpr Row<nullptr> reserved(int first, int last) {
     Row<nullptr> row;
@@ -173,6 +179,7 @@ struct Table {
     std::array<RowData, sizeof...(M)> rows;
     std::array<std::size_t, sizeof...(M)> slots;  // of each row's first slot
     std::size_t slot_count;
+    const char* about;
 
     // Calls visit.operator()<member>(index) for each row, in order.
     template <class Visit>
@@ -196,14 +203,17 @@ template <auto M>
 members<M> members_in(const Row<M>&);
 template <auto... M>
 members<M...> members_in(const RowGroup<M...>&);
+members<> members_in(const About&);
 
 template <class I, auto... M, class... Items>
 consteval auto make_table(const char* name, abi::IID iid, bool dispatch, members<M...>,
                           const Items&... items) {
-    Table<I, M...> table{name, iid, dispatch, {}, {}, 0};
+    Table<I, M...> table{name, iid, dispatch, {}, {}, 0, ""};
     std::size_t index = 0;
     [[maybe_unused]] auto copy = [&](const auto& item) {
-        if constexpr (requires { item.data.shape; })
+        if constexpr (requires { item.text; })
+            table.about = item.text;
+        else if constexpr (requires { item.data.shape; })
             table.rows[index++] = item.data;
         else
             for (const RowData& row : item.data) table.rows[index++] = row;

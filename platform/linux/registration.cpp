@@ -115,7 +115,8 @@ void register_module(const std::u16string& module_name, std::span<const ClassEnt
     OrvoForgetManifests();
 }
 
-void register_surrogate(const abi::GUID&, std::span<const ClassEntry>, Scope) {}
+void register_surrogate(const abi::GUID&, const std::u16string&, std::span<const ClassEntry>,
+                        Scope) {}
 
 void unregister_module(const std::u16string& module_name, Scope) {
     path file = manifest_of(module_name);

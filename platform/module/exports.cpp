@@ -49,8 +49,10 @@ std::vector<runtime::ClassEntry> class_entries() {
 void register_all(runtime::Scope scope) {
     const ModuleDescription& module = this_module();
     const std::vector<runtime::ClassEntry> classes = class_entries();
-    runtime::register_module(from_utf8(module.name), classes, scope);
-    if (module.app_id != abi::GUID{}) runtime::register_surrogate(module.app_id, classes, scope);
+    const Text name = from_utf8(module.name);
+    runtime::register_module(name, classes, scope);
+    if (module.app_id != abi::GUID{})
+        runtime::register_surrogate(module.app_id, name, classes, scope);
     runtime::register_type_libraries(classes, scope);
 }
 

@@ -35,10 +35,10 @@ void register_module(const std::u16string& module_name, std::span<const ClassEnt
                      Scope scope = Scope::machine);
 
 // Lets the system make objects of these classes, which are registered already, in a process of
-// their own (an application with `app_id` and the system's surrogate). Nothing on Linux, where
-// there is no such process.
-void register_surrogate(const abi::GUID& app_id, std::span<const ClassEntry> classes,
-                        Scope scope = Scope::machine);
+// their own (an application with `app_id`, which administrators see by this name, and the system's
+// surrogate). Nothing on Linux, where there is no such process.
+void register_surrogate(const abi::GUID& app_id, const std::u16string& name,
+                        std::span<const ClassEntry> classes, Scope scope = Scope::machine);
 
 // Forgets the module, and the application of its classes; nothing happens when it is not known.
 void unregister_module(const std::u16string& module_name, Scope scope = Scope::machine);

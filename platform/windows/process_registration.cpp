@@ -37,7 +37,7 @@ Progids& progids() {
 }
 
 void forget(const std::vector<std::u16string>& names) {
-    for (const std::u16string& name : names) remove_class_key(name);
+    for (const std::u16string& name : names) remove_class_key(name, Scope::machine);
 }
 
 // Answers the names that are new. One that is there for the same class already stays as it is.
@@ -45,7 +45,7 @@ std::vector<std::u16string> remember(const std::u16string& progid, const std::u1
     std::u16string unversioned(version_independent(progid));
     std::vector<std::u16string> names;
     for (const std::u16string& name : {unversioned, unversioned + u".1"}) {
-        std::optional<std::u16string> owner = class_key(name + u"\\CLSID");
+        std::optional<std::u16string> owner = visible_class_key(name + u"\\CLSID");
         if (!owner)
             names.push_back(name);
         else if (!equal_ignoring_case(*owner, clsid))

@@ -89,10 +89,12 @@ void register_module(const std::u16string&, std::span<const ClassEntry> classes,
     for (const ClassEntry& entry : classes) register_class(module, entry, scope);
 }
 
-void register_surrogate(const abi::GUID& app_id, std::span<const ClassEntry> classes, Scope scope) {
+void register_surrogate(const abi::GUID& app_id, const std::u16string& name,
+                        std::span<const ClassEntry> classes, Scope scope) {
     const std::u16string id = from_utf8(braced(app_id));
     for (const ClassEntry& entry : classes)
         set_class_value(u"CLSID\\" + from_utf8(braced(entry.clsid)), u"AppID", id, scope);
+    set_class_key(u"AppID\\" + id, name, scope);
     // Empty: the system's own surrogate.
     set_class_value(u"AppID\\" + id, u"DllSurrogate", u"", scope);
 }

@@ -37,15 +37,22 @@ constexpr std::uint32_t type_text = 1;
 constexpr std::uint32_t option_volatile = 1;
 constexpr std::size_t longest_key_name = 256;
 
-// A key of a scope, as the system takes it: HKEY_CLASSES_ROOT, or HKEY_CURRENT_USER with the
-// classes below.
-HKEY__* root(Scope scope) {
-    const std::uint32_t number = scope == Scope::machine ? 0x80000000u : 0x80000001u;
+// The system's numbers for the roots of its registry.
+HKEY__* root(std::uint32_t number) {
     return reinterpret_cast<HKEY__*>(static_cast<std::intptr_t>(static_cast<std::int32_t>(number)));
 }
-std::u16string path_of(const std::u16string& key, Scope scope) {
-    return scope == Scope::machine ? key : u"Software\\Classes\\" + key;
+
+struct Place {
+    HKEY__* root;
+    std::u16string path;
+};
+
+Place place_of(const std::u16string& key, Scope scope) {
+    return {root(scope == Scope::machine ? 0x80000002u : 0x80000001u),
+            u"Software\\Classes\\" + key};
 }
+// HKEY_CLASSES_ROOT shows both parts.
+Place visible_place_of(const std::u16string& key) { return {root(0x80000000u), key}; }
 
 void check(std::int32_t error, const std::u16string& key) {
     if (error == success) return;
@@ -69,35 +76,51 @@ private:
 };
 
 // False when there is no such key.
-bool open(const std::u16string& key, Scope scope, Key& opened) {
-    std::int32_t error =
-        RegOpenKeyExW(root(scope), path_of(key, scope).c_str(), 0, key_read, opened.put());
+bool open(const Place& place, Key& opened) {
+    std::int32_t error = RegOpenKeyExW(place.root, place.path.c_str(), 0, key_read, opened.put());
     if (error == file_not_found) return false;
-    check(error, key);
+    check(error, place.path);
     return true;
 }
 
-void set(const std::u16string& key, const char16_t* name, const std::u16string& value, Scope scope,
-         Life life) {
+void set(const Place& place, const char16_t* name, const std::u16string& value, Life life) {
     Key made;
-    check(RegCreateKeyExW(root(scope), path_of(key, scope).c_str(), 0, nullptr,
+    check(RegCreateKeyExW(place.root, place.path.c_str(), 0, nullptr,
                           life == Life::until_restart ? option_volatile : 0, key_write, nullptr,
                           made.put(), nullptr),
-          key);
+          place.path);
     check(RegSetValueExW(made.get(), name, 0, type_text, value.c_str(),
                          static_cast<std::uint32_t>((value.size() + 1) * 2)),
-          key);
+          place.path);
+}
+
+std::optional<std::u16string> value_at(const Place& place, const std::u16string& name) {
+    Key opened;
+    if (!open(place, opened)) return std::nullopt;
+    std::u16string value(256, u'\0');
+    for (;;) {
+        auto size = static_cast<std::uint32_t>(value.size() * 2);
+        std::int32_t error =
+            RegQueryValueExW(opened.get(), name.c_str(), nullptr, nullptr, value.data(), &size);
+        if (error == file_not_found) return u"";
+        if (error != more_data) {
+            check(error, place.path);
+            value.resize(size / 2);
+            return value.substr(0, value.find(u'\0'));
+        }
+        value.resize(size / 2 + 1);
+    }
 }
 
 }  // namespace
 
 void set_class_key(const std::u16string& key, const std::u16string& value, Scope scope, Life life) {
-    set(key, nullptr, value, scope, life);
+    set(place_of(key, scope), nullptr, value, life);
 }
 
 void set_class_value(const std::u16string& key, const std::u16string& name,
                      const std::u16string& value, Scope scope) {
-    set(key, name.c_str(), value, scope, Life::lasting);
+    set(place_of(key, scope), name.c_str(), value, Life::lasting);
 }
 
 std::optional<std::u16string> class_key(const std::u16string& key, Scope scope) {
@@ -106,27 +129,17 @@ std::optional<std::u16string> class_key(const std::u16string& key, Scope scope) 
 
 std::optional<std::u16string> class_value(const std::u16string& key, const std::u16string& name,
                                           Scope scope) {
-    Key opened;
-    if (!open(key, scope, opened)) return std::nullopt;
-    std::u16string value(256, u'\0');
-    for (;;) {
-        auto size = static_cast<std::uint32_t>(value.size() * 2);
-        std::int32_t error =
-            RegQueryValueExW(opened.get(), name.c_str(), nullptr, nullptr, value.data(), &size);
-        if (error == file_not_found) return u"";
-        if (error != more_data) {
-            check(error, key);
-            value.resize(size / 2);
-            return value.substr(0, value.find(u'\0'));
-        }
-        value.resize(size / 2 + 1);
-    }
+    return value_at(place_of(key, scope), name);
+}
+
+std::optional<std::u16string> visible_class_key(const std::u16string& key) {
+    return value_at(visible_place_of(key), u"");
 }
 
 std::vector<std::u16string> subkeys(const std::u16string& key, Scope scope) {
     std::vector<std::u16string> names;
     Key opened;
-    if (!open(key, scope, opened)) return names;
+    if (!open(place_of(key, scope), opened)) return names;
     for (std::uint32_t i = 0;; ++i) {
         char16_t name[longest_key_name];
         std::uint32_t length = longest_key_name;
@@ -139,8 +152,9 @@ std::vector<std::u16string> subkeys(const std::u16string& key, Scope scope) {
 }
 
 void remove_class_key(const std::u16string& key, Scope scope) {
-    std::int32_t error = RegDeleteTreeW(root(scope), path_of(key, scope).c_str());
-    if (error != file_not_found) check(error, key);
+    const Place place = place_of(key, scope);
+    std::int32_t error = RegDeleteTreeW(place.root, place.path.c_str());
+    if (error != file_not_found) check(error, place.path);
 }
 
 }  // namespace orvo::runtime

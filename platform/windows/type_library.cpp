@@ -130,7 +130,10 @@ public:
     }
 
     Text id() const { return key_form(attributes_.id); }
-    Text version() const { return decimal(attributes_.major) + u"." + decimal(attributes_.minor); }
+    // As the system writes and looks for it.
+    Text version() const {
+        return lower(hexadecimal(attributes_.major) + u"." + hexadecimal(attributes_.minor));
+    }
     Object try_type_info(const abi::IID& iid) const {
         Object info;
         abi::call_slot<abi::HRESULT, const abi::IID*, abi::IUnknown**>(
@@ -151,9 +154,9 @@ public:
         for_each_interface([&](const Text& interface_key, const Text& name) {
             // Also seen by the user: an interface of the machine's is somebody's as well. One that
             // has a marshaller of its own may name no library.
-            const auto owner = class_key(interface_key + u"\\TypeLib");
-            const bool is_there =
-                class_key(interface_key) || class_key(interface_key + u"\\ProxyStubClsid32");
+            const auto owner = visible_class_key(interface_key + u"\\TypeLib");
+            const bool is_there = visible_class_key(interface_key) ||
+                                  visible_class_key(interface_key + u"\\ProxyStubClsid32");
             if (is_there && (!owner || !equal_ignoring_case(*owner, id()))) return;
             set_class_key(interface_key, name, scope);
             set_class_key(interface_key + u"\\ProxyStubClsid", automation_marshaller, scope);

@@ -1,5 +1,13 @@
 # Says of the IDL what `orvo-client description` says of the type library.
-/^    interface [A-Za-z]+ :/ { name = $2 }
+function help(line) {
+    return match(line, /helpstring\("[^"]*"\)/) ? substr(line, RSTART, RLENGTH) : ""
+}
+/^    \[ object/ { about = help($0) }
+/^    interface [A-Za-z]+ :/ {
+    name = $2
+    print "interface", name, about
+}
+/^    typedef .*enum/ { print "enum", $NF, help($0) }
 /^        \/\* [0-9]+ \*\// {
     slot = $2
     sub(/^ *\/\* [0-9]+ \*\/ /, "")

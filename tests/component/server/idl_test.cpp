@@ -58,6 +58,18 @@ TEST(EitherIdl, HasAHelpStringForEveryMember) {
     }
 }
 
+TEST(EitherIdl, HasAHelpStringForEveryInterfaceAndEnumeration) {
+    const std::regex told("helpstring\\(\"[A-Z][^\"]*\\.\"\\)");
+    for (const std::string& idl : {component_idl(), provider_idl()}) {
+        std::istringstream lines(idl);
+        for (std::string line; std::getline(lines, line);) {
+            const bool describes =
+                line.starts_with("    [ object") || line.starts_with("    typedef");
+            EXPECT_TRUE(!describes || std::regex_search(line, told)) << line;
+        }
+    }
+}
+
 // What is somebody else's is in a library of its own, and there alone.
 TEST(EitherIdl, DescribesAnInterfaceInOneLibraryOnly) {
     const auto interfaces_of = [](const std::string& idl) {

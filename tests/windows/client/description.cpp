@@ -1,5 +1,6 @@
 // A registered type library, in the words of the IDL: one line for each member of each interface,
-// "<interface> <slot> <declaration>", and one for each error number.
+// "<interface> <slot> <declaration>", one for each error number, and one for each interface and
+// enumeration with its help string.
 
 // The library's own number is defined here, not only declared.
 #include <initguid.h>
@@ -11,6 +12,7 @@
 #include "check.h"
 
 void print_description(const std::string& name);
+void find_library(const std::wstring& id, int major, int minor);
 void register_library(const std::wstring& file);
 void unregister_library(const std::wstring& file);
 
@@ -20,6 +22,12 @@ std::string name_of(ITypeInfo* info) {
     Bstr name;
     info->GetDocumentation(MEMBERID_NIL, name.put(), nullptr, nullptr, nullptr);
     return narrow(name.text());
+}
+
+std::string help_of(ITypeInfo* info, MEMBERID member) {
+    Bstr help;
+    info->GetDocumentation(member, nullptr, help.put(), nullptr, nullptr);
+    return help.text().empty() ? "" : "helpstring(\"" + narrow(help.text()) + "\")";
 }
 
 std::string type_text(ITypeInfo* info, const TYPEDESC& type) {
@@ -92,10 +100,8 @@ std::string member_flags(ITypeInfo* info, const FUNCDESC& member) {
     if (member.invkind == INVOKE_PROPERTYPUTREF) text += ", propputref";
     if (member.wFuncFlags & FUNCFLAG_FHIDDEN) text += ", hidden";
     if (member.wFuncFlags & FUNCFLAG_FRESTRICTED) text += ", restricted";
-    Bstr help;
-    info->GetDocumentation(member.memid, nullptr, help.put(), nullptr, nullptr);
-    if (!help.text().empty()) text += ", helpstring(\"" + narrow(help.text()) + "\")";
-    return text + "]";
+    const std::string help = help_of(info, member.memid);
+    return text + (help.empty() ? "" : ", ") + help + "]";
 }
 
 void print_member(ITypeInfo* info, const FUNCDESC& member) {
@@ -124,6 +130,7 @@ void print_member(ITypeInfo* info, const FUNCDESC& member) {
 
 // The members by slot of what the library lists as a late-bound interface.
 void print_interface(ITypeInfo* late) {
+    std::printf("interface %s %s\n", name_of(late).c_str(), help_of(late, MEMBERID_NIL).c_str());
     HREFTYPE reference = 0;
     Held<ITypeInfo> info;
     check_result(late->GetRefTypeOfImplType(static_cast<UINT>(-1), &reference), S_OK,
@@ -142,6 +149,7 @@ void print_interface(ITypeInfo* late) {
 }
 
 void print_constants(ITypeInfo* info) {
+    std::printf("enum %s %s\n", name_of(info).c_str(), help_of(info, MEMBERID_NIL).c_str());
     TYPEATTR* attributes = nullptr;
     info->GetTypeAttr(&attributes);
     for (UINT i = 0; i < attributes->cVars; ++i) {
@@ -172,6 +180,15 @@ void print_class(ITypeInfo* info) {
 }
 
 }  // namespace
+
+void find_library(const std::wstring& id, int major, int minor) {
+    GUID number;
+    check_result(CLSIDFromString(id.c_str(), &number), S_OK, "the library's number");
+    Held<ITypeLib> library;
+    check_result(LoadRegTypeLib(number, static_cast<WORD>(major), static_cast<WORD>(minor), 0,
+                                library.put()),
+                 S_OK, "the registered type library");
+}
 
 void print_description(const std::string& name) {
     const GUID id = name == "TavikPMMInterfaces" ? LIBID_TavikPMMInterfaces : LIBID_OrvoMembership;

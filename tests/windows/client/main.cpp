@@ -4,14 +4,17 @@
 //   orvo-client unloading         the module goes with its last object
 //   orvo-client register FILE     registers a type library as others do; unregister: takes it away
 //   orvo-client description NAME  prints a registered type library in the words of the IDL
+//   orvo-client library ID MAJOR MINOR  the system finds the type library by number and version
 
 #include <cstdio>
+#include <string>
 
 #include "check.h"
 
 void check_calls(const std::wstring& site_file);
 void check_unloading();
 void print_description(const std::string& name);
+void find_library(const std::wstring& id, int major, int minor);
 void register_library(const std::wstring& file);
 void unregister_library(const std::wstring& file);
 
@@ -65,10 +68,14 @@ int main(int count, char** arguments) {
         check_unloading();
     } else if (command == "description" && count == 3) {
         print_description(arguments[2]);
+    } else if (command == "library" && count == 5) {
+        const std::string id = arguments[2];
+        find_library(std::wstring(id.begin(), id.end()), std::stoi(arguments[3]),
+                     std::stoi(arguments[4]));
     } else {
         std::puts(
-            "orvo-client calls SITE_FILE | unloading | description NAME | register FILE | "
-            "unregister FILE");
+            "orvo-client calls SITE_FILE | unloading | description NAME | library ID MAJOR MINOR | "
+            "register FILE | unregister FILE");
         return 2;
     }
     CoUninitialize();
