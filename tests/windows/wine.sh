@@ -34,10 +34,15 @@ in_wine() {
 in_wine_text() { in_wine "$@" 2>&1 | tr -d '\r'; }
 
 # registry FILE [ROOT]: the class registry, or another part, one line for each value:
-# "key|name|data". Nothing of a part that is not there.
+# "key|name|data". Nothing of a part that is not there; fails where it cannot be read.
 registry() {
-    local file=$1.reg root=${2:-HKEY_CLASSES_ROOT}
-    in_wine reg export "$root" "$(wine_path "$file")" /y >/dev/null 2>&1 || { : >"$1"; return; }
+    local file=$1.reg root=${2:-HKEY_CLASSES_ROOT} said
+    if ! said=$(in_wine reg export "$root" "$(wine_path "$file")" /y 2>&1); then
+        : >"$1"
+        [[ $said != *'Unable to find the specified registry key'* ]] || return 0
+        echo "the registry's $root cannot be read: $said" >&2
+        return 1
+    fi
     iconv -f UTF-16 -t UTF-8 "$file" | tr -d '\r' | awk -v skipped=$((${#root} + 3)) '
         /^\[/ { key = substr($0, skipped, length($0) - skipped); print key "||"; next }
         /^@=/ { print key "|@|" substr($0, 3); next }
