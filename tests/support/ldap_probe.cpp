@@ -22,9 +22,9 @@ void expect_success(int result, const std::string& what) {
 }
 
 // One attribute with its values, in the shape that libldap takes.
-class Change {
+class ModifiedAttribute {
 public:
-    Change(int operation, std::string attribute, std::vector<std::string> values)
+    ModifiedAttribute(int operation, std::string attribute, std::vector<std::string> values)
         : attribute_(std::move(attribute)), values_(std::move(values)) {
         for (std::string& value : values_) bervals_.push_back({value.size(), value.data()});
         for (berval& value : bervals_) pointers_.push_back(&value);
@@ -33,8 +33,8 @@ public:
         mod_.mod_type = attribute_.data();
         mod_.mod_bvalues = pointers_.data();
     }
-    Change(const Change&) = delete;
-    Change& operator=(const Change&) = delete;
+    ModifiedAttribute(const ModifiedAttribute&) = delete;
+    ModifiedAttribute& operator=(const ModifiedAttribute&) = delete;
 
     LDAPMod* mod() { return &mod_; }
 
@@ -44,6 +44,21 @@ private:
     std::vector<berval> bervals_;
     std::vector<berval*> pointers_;
     LDAPMod mod_{};
+};
+
+class ModifiedAttributes {
+public:
+    void append(int operation, const std::string& attribute,
+                const std::vector<std::string>& values) {
+        attributes_.push_back(std::make_unique<ModifiedAttribute>(operation, attribute, values));
+        mods_.back() = attributes_.back()->mod();
+        mods_.push_back(nullptr);
+    }
+    LDAPMod** mods() { return mods_.data(); }
+
+private:
+    std::vector<std::unique_ptr<ModifiedAttribute>> attributes_;
+    std::vector<LDAPMod*> mods_ = {nullptr};
 };
 
 }  // namespace
@@ -150,22 +165,29 @@ int LdapProbe::search_result(const std::string& base, const std::string& filter)
 
 int LdapProbe::replace(const std::string& dn, const std::string& attribute,
                        const std::vector<std::string>& values) {
-    Change change(LDAP_MOD_REPLACE, attribute, values);
-    LDAPMod* mods[] = {change.mod(), nullptr};
-    return ldap_modify_ext_s(connection_, dn.c_str(), mods, nullptr, nullptr);
+    return modify(dn, {{LDAP_MOD_REPLACE, attribute, values}});
 }
 
 int LdapProbe::add(
     const std::string& dn,
     const std::vector<std::pair<std::string, std::vector<std::string>>>& attributes) {
-    std::vector<std::unique_ptr<Change>> changes;
-    std::vector<LDAPMod*> mods;
-    for (const auto& [name, values] : attributes) {
-        changes.push_back(std::make_unique<Change>(LDAP_MOD_ADD, name, values));
-        mods.push_back(changes.back()->mod());
-    }
-    mods.push_back(nullptr);
-    return ldap_add_ext_s(connection_, dn.c_str(), mods.data(), nullptr, nullptr);
+    ModifiedAttributes given;
+    for (const auto& [name, values] : attributes) given.append(LDAP_MOD_ADD, name, values);
+    return ldap_add_ext_s(connection_, dn.c_str(), given.mods(), nullptr, nullptr);
+}
+
+int LdapProbe::modify(const std::string& dn, const std::vector<Change>& changes) {
+    ModifiedAttributes given;
+    for (const Change& change : changes) given.append(change.kind, change.attribute, change.values);
+    return ldap_modify_ext_s(connection_, dn.c_str(), given.mods(), nullptr, nullptr);
+}
+
+std::string LdapProbe::last_sentence() {
+    char* sentence = nullptr;
+    ldap_get_option(connection_, LDAP_OPT_DIAGNOSTIC_MESSAGE, &sentence);
+    const std::string text = sentence ? sentence : "";
+    ldap_memfree(sentence);
+    return text;
 }
 
 int LdapProbe::remove(const std::string& dn) {

@@ -38,6 +38,15 @@ public:
     int add(const std::string& dn,
             const std::vector<std::pair<std::string, std::vector<std::string>>>& attributes);
     int remove(const std::string& dn);
+    // Several changes of one entry at once, each with the protocol's number of its kind.
+    struct Change {
+        int kind;
+        std::string attribute;
+        std::vector<std::string> values;
+    };
+    int modify(const std::string& dn, const std::vector<Change>& changes);
+    // What the server said about the last operation.
+    std::string last_sentence();
 
 private:
     ldap* connection_ = nullptr;

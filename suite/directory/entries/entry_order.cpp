@@ -3,31 +3,11 @@
 #include <algorithm>
 #include <utility>
 
-#include "suite/directory/names/ascii.h"
 #include "suite/directory/names/listing_order.h"
+#include "suite/directory/names/name_parts.h"
 
 namespace orvo::directory {
 namespace {
-
-// The value at the front, without its escapes (RFC 4514).
-std::string unescaped_value(std::string_view name) {
-    const std::size_t plain = name.find_first_of("\\,+");
-    std::string value(name.substr(0, plain));
-    for (std::size_t at = value.size(); at < name.size() && name[at] != ',' && name[at] != '+';) {
-        if (name[at] != '\\' || at + 1 == name.size()) {
-            value += name[at++];
-        } else if (at + 2 < name.size() && ascii::is_hexadecimal(name[at + 1]) &&
-                   ascii::is_hexadecimal(name[at + 2])) {
-            value += static_cast<char>(ascii::digit_value(name[at + 1]) * 16 +
-                                       ascii::digit_value(name[at + 2]));
-            at += 3;
-        } else {
-            value += name[at + 1];
-            at += 2;
-        }
-    }
-    return value;
-}
 
 // In the order of the texts themselves, as far as it goes.
 std::uint64_t first_octets(std::string_view text) {
@@ -42,7 +22,8 @@ std::uint64_t first_octets(std::string_view text) {
 NamingPart naming_part(std::string_view name) {
     const std::size_t sign = name.find('=');
     if (sign == std::string_view::npos) return {name, {}};
-    return {name.substr(0, sign), unescaped_value(name.substr(sign + 1))};
+    std::size_t value = sign + 1;
+    return {name.substr(0, sign), value_in_name(name, value)};
 }
 
 std::string order_key(std::string_view name) { return listing_key(naming_part(name).value); }

@@ -115,16 +115,34 @@ std::optional<std::string> integer_key(std::string_view text) {
     return (negative ? '0' : '2') + key;
 }
 
-std::optional<std::string> time_key(std::string_view text) {
+// The fraction of a time's seconds, cut out of it.
+std::string take_fraction_of_seconds(std::string& text) {
+    constexpr std::size_t behind_seconds = 14;
+    if (text.size() <= behind_seconds || text.find_first_of(".,") != behind_seconds) return {};
+    std::size_t end = behind_seconds + 1;
+    while (end < text.size() && ascii::is_digit(text[end])) ++end;
+    const std::string fraction = text.substr(behind_seconds + 1, end - behind_seconds - 1);
+    if (!fraction.empty()) text.erase(behind_seconds, end - behind_seconds);
+    return fraction;
+}
+
+// Seconds in thirteen places and the digits of their fraction.
+std::optional<std::string> time_key(std::string_view value) {
+    std::string text(value);
+    const std::string fraction = take_fraction_of_seconds(text);
     const std::optional<Date> date = try_date(text);
     if (!date) return std::nullopt;
     constexpr double day_before_every_date = -700'000;
     constexpr double milliseconds = 24.0 * 60 * 60 * 1000;
     const double day = std::trunc(date->days);
     const double time = std::abs(date->days - day);  // counts forward on every day
-    char key[32];
-    std::snprintf(key, sizeof key, "%016lld",
+    char digits[32];
+    std::snprintf(digits, sizeof digits, "%016lld",
                   std::llround((day - day_before_every_date + time) * milliseconds));
+    std::string key = digits;
+    constexpr std::size_t seconds = 13;
+    if (!fraction.empty()) key.replace(seconds, key.npos, fraction);
+    key.resize(std::max(seconds, key.find_last_not_of('0') + 1));
     return key;
 }
 

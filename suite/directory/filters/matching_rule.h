@@ -17,7 +17,7 @@ enum class MatchingRule {
     telephone,           // text without regard to case, blanks and hyphens
     integer,             // whole numbers of any length
     boolean,             // TRUE and FALSE
-    time,                // generalized times, to the millisecond
+    time,                // generalized times, with every digit of a fraction of seconds
     distinguished_name,  // as DistinguishedName compares them; without an order
     octets,              // as they are
 };

@@ -33,6 +33,9 @@ struct AttributeType {
     std::string equality = {};
     std::string ordering = {};
     std::string substrings = {};
+    std::string syntax_oid = {};  // the number alone, without a length; empty: the schema says none
+
+    const std::string& name() const { return names.empty() ? oid : names.front(); }
 };
 
 // An attribute description taken apart: "cn;lang-de" is the type "cn" with the option "lang-de".
@@ -58,6 +61,7 @@ public:
                                             TimeForm times = TimeForm::whole_seconds);
 
     bool empty() const { return types_.empty(); }
+    const std::deque<AttributeType>& all() const { return types_; }
 
     // By any of its names or its number, without regard to case, options set aside; nothing for an
     // attribute that the schema does not know.
