@@ -9,10 +9,6 @@ namespace {
 
 using Kind = Filter::Kind;
 
-MatchingRule rule_of(const AttributeType& type) {
-    return try_matching_rule(type.equality).value_or(matching_rule_of(type.syntax));
-}
-
 bool is_listed(MatchingRule rule) {
     return rule == MatchingRule::case_ignore || rule == MatchingRule::case_exact;
 }
@@ -22,7 +18,7 @@ bool is_answered_here(const Filter& item, const AttributeTypes& types) {
     const bool is_for_a_page = item.value.find('!') != std::string::npos;
     const AttributeType* type = types.find(item.attribute);
     if (!type) return types.empty() && is_for_a_page;
-    return is_listed(rule_of(*type)) && (type->ordering.empty() || is_for_a_page);
+    return is_listed(matching_rule_of(*type)) && (type->ordering.empty() || is_for_a_page);
 }
 
 }  // namespace
@@ -36,7 +32,7 @@ std::optional<AttributeMatching> matching_of(std::string_view attribute,
     if (types.empty()) return AttributeMatching{.listed = bounds == Bounds::of_lists};
     const AttributeType* type = types.find(attribute);
     if (!type) return std::nullopt;
-    const MatchingRule rule = rule_of(*type);
+    const MatchingRule rule = matching_rule_of(*type);
     return AttributeMatching{rule, !type->ordering.empty(), !type->substrings.empty(),
                              bounds == Bounds::of_lists && is_listed(rule)};
 }

@@ -9,36 +9,6 @@ namespace {
 
 using Kind = Filter::Kind;
 
-// Pieces are found from the front, each as early as possible; the last one at the end.
-bool has_pieces(std::string_view key, const std::vector<std::string>& pieces) {
-    const std::string& first = pieces.front();
-    const std::string& last = pieces.back();
-    if (!key.starts_with(first)) return false;
-    std::size_t at = first.size();
-    for (std::size_t i = 1; i + 1 < pieces.size(); ++i) {
-        at = key.find(pieces[i], at);
-        if (at == std::string_view::npos) return false;
-        at += pieces[i].size();
-    }
-    return key.size() - at >= last.size() && key.ends_with(last);
-}
-
-// The pieces as keys; an empty end stays empty. Nothing where one has no key.
-std::optional<std::vector<std::string>> keys_of_pieces(MatchingRule rule,
-                                                       const std::vector<std::string>& pieces) {
-    std::vector<std::string> keys(pieces.size());
-    for (std::size_t i = 0; i < pieces.size(); ++i) {
-        if (pieces[i].empty()) continue;
-        const Place place = i == 0                  ? Place::initial
-                            : i + 1 < pieces.size() ? Place::any
-                                                    : Place::final;
-        std::optional<std::string> key = piece_key(rule, pieces[i], place);
-        if (!key) return std::nullopt;
-        keys[i] = std::move(*key);
-    }
-    return keys;
-}
-
 // Whether a rule named by a filter can be used on values of the attribute.
 bool is_for(MatchingRule rule, const AttributeMatching& attribute) {
     return rule == attribute.rule || (is_text(rule) && is_text(attribute.rule));
@@ -97,7 +67,7 @@ void FilterMatcher::Node::prepare_item(const Filter& filter, const MatchingLooku
     if (undefined_ || kind_ == Kind::presence) return;
     rule_ = matching->rule;
     if (kind_ != Kind::substrings) return set_key(filter.value);
-    std::optional<std::vector<std::string>> keys = keys_of_pieces(rule_, filter.pieces);
+    std::optional<std::vector<std::string>> keys = piece_keys(rule_, filter.pieces);
     undefined_ = !keys;
     if (keys) pieces_ = std::move(*keys);
 }

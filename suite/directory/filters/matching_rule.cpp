@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <utility>
 
 #include "platform/values/text.h"
 #include "suite/directory/names/ascii.h"
@@ -164,6 +165,10 @@ MatchingRule matching_rule_of(Syntax syntax) {
     return MatchingRule::case_ignore;
 }
 
+MatchingRule matching_rule_of(const AttributeType& type) {
+    return try_matching_rule(type.equality).value_or(matching_rule_of(type.syntax));
+}
+
 std::optional<MatchingRule> try_matching_rule(std::string_view name) {
     for (const Row& row : rows)
         if (row.number == name || ascii::equal_ignoring_case(row.name, name)) return row.rule;
@@ -216,6 +221,35 @@ std::optional<std::string> piece_key(MatchingRule rule, std::string_view piece, 
     const bool before = place == Place::initial || text->front() == ' ';
     const bool after = place == Place::final || text->back() == ' ';
     return spaced(*text, before ? " " : "", after ? " " : "");
+}
+
+std::optional<std::vector<std::string>> piece_keys(MatchingRule rule,
+                                                   const std::vector<std::string>& pieces) {
+    std::vector<std::string> keys(pieces.size());
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        if (pieces[i].empty()) continue;
+        const Place place = i == 0                  ? Place::initial
+                            : i + 1 < pieces.size() ? Place::any
+                                                    : Place::final;
+        std::optional<std::string> key = piece_key(rule, pieces[i], place);
+        if (!key) return std::nullopt;
+        keys[i] = std::move(*key);
+    }
+    return keys;
+}
+
+// Pieces are found from the front, each as early as possible; the last one at the end.
+bool has_pieces(std::string_view key, const std::vector<std::string>& piece_keys) {
+    const std::string& first = piece_keys.front();
+    const std::string& last = piece_keys.back();
+    if (!key.starts_with(first)) return false;
+    std::size_t at = first.size();
+    for (std::size_t i = 1; i + 1 < piece_keys.size(); ++i) {
+        at = key.find(piece_keys[i], at);
+        if (at == std::string_view::npos) return false;
+        at += piece_keys[i].size();
+    }
+    return key.size() - at >= last.size() && key.ends_with(last);
 }
 
 }  // namespace orvo::directory

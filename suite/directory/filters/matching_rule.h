@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "suite/directory/schema/attribute_types.h"
 
@@ -24,6 +25,9 @@ enum class MatchingRule {
 
 // The rule for values of a syntax, where a schema says no more.
 MatchingRule matching_rule_of(Syntax syntax);
+// The rule for an attribute's values: its equality rule where that has a row above, else its
+// syntax's.
+MatchingRule matching_rule_of(const AttributeType& type);
 
 // A rule by its name or number in a filter, case-insensitively: the equality and ordering rules of
 // RFC 4517 that have a row above. Nothing for others.
@@ -41,5 +45,11 @@ std::optional<std::string> matching_key(MatchingRule rule, std::string_view valu
 // occurs in. Nothing for pieces that are not UTF-8.
 enum class Place { initial, any, final };
 std::optional<std::string> piece_key(MatchingRule rule, std::string_view piece, Place place);
+// The same for all pieces of a filter's item; an end that is empty stays empty.
+std::optional<std::vector<std::string>> piece_keys(MatchingRule rule,
+                                                   const std::vector<std::string>& pieces);
+// Whether the value with this key has these pieces one after another, the first at its beginning
+// and the last at its end.
+bool has_pieces(std::string_view key, const std::vector<std::string>& piece_keys);
 
 }  // namespace orvo::directory

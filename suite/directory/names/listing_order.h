@@ -23,6 +23,11 @@ class ListingBound {
 public:
     explicit ListingBound(std::string_view value);
 
+    // The keys for which ">=" is true begin at the first of these, those for which "<=" is true end
+    // before the second.
+    const std::string& first() const { return first_; }
+    const std::string& past() const { return past_; }
+
     // Whether ">=" is true of the value with this key.
     bool is_reached_by(std::string_view key) const { return key >= first_; }
     // Whether "<=" is true of the value with this key.

@@ -15,7 +15,7 @@ std::optional<MatchingRule> index_rule(const AttributeType* type) {
     if (!type || type->equality.empty() || type->is_operational) return std::nullopt;
     for (const std::string& name : type->names)
         if (is_secret(name)) return std::nullopt;
-    return try_matching_rule(type->equality).value_or(matching_rule_of(type->syntax));
+    return matching_rule_of(*type);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 // Numbers and sizes have seven bits in an octet, the lowest first; the highest bit says that more
 // follow.
 
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -20,9 +21,11 @@ namespace orvo::directory::embedded {
 // Attributes without values are left out. Gives new attributes their numbers.
 std::string encode(const std::vector<Attribute>& attributes, AttributeNames& names);
 
-// The attributes of the types `wanted`, options included; all where it is empty. Raises result code
-// 80 for octets that `encode` has not made.
+// Types whose attributes are decoded, options included; nothing: all.
+using WantedTypes = std::optional<std::set<AttributeNumber>>;
+
+// Raises result code 80 for octets that `encode` has not made.
 std::vector<Attribute> decode(std::string_view octets, const AttributeNames& names,
-                              const std::set<AttributeNumber>& wanted);
+                              const WantedTypes& wanted = {});
 
 }  // namespace orvo::directory::embedded

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "suite/directory/embedded/store/entry_form.h"
+#include "suite/directory/embedded/store/entry_search.h"
 #include "suite/directory/embedded/store/index_rows.h"
 #include "suite/directory/embedded/store/store_file.h"
 
@@ -40,7 +41,7 @@ std::optional<EntryData> Reading::find(const DistinguishedName& name) const {
     Query query =
         connection_->database.query("SELECT name, data FROM entry WHERE key = ?", name.key());
     if (!query.step()) return std::nullopt;
-    return EntryData{query.text(0), decode(query.octets(1), connection_->names, {})};
+    return EntryData{query.text(0), decode(query.octets(1), connection_->names)};
 }
 
 std::string Reading::nearest_above(const DistinguishedName& name) const {
@@ -61,7 +62,16 @@ bool Reading::has_children(const DistinguishedName& name) const {
 void Reading::every_entry(const std::function<bool(EntryData&&)>& take) const {
     Query query = connection_->database.query("SELECT name, data FROM entry ORDER BY id");
     while (query.step())
-        if (!take({query.text(0), decode(query.octets(1), connection_->names, {})})) return;
+        if (!take({query.text(0), decode(query.octets(1), connection_->names)})) return;
+}
+
+void Reading::search(const Selection& selection,
+                     const std::function<bool(EntryData&&)>& take) const {
+    EntrySearch(*connection_, selection).run(take);
+}
+
+std::vector<std::string> Reading::plan(const Selection& selection) const {
+    return EntrySearch(*connection_, selection).plan();
 }
 
 std::string Reading::setting(const std::string& name) const {

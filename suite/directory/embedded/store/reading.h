@@ -6,7 +6,9 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "suite/directory/embedded/store/selection.h"
 #include "suite/directory/entries/entry_data.h"
 #include "suite/directory/names/distinguished_name.h"
 
@@ -34,6 +36,15 @@ public:
 
     // All entries, parents before their children, until `take` answers false.
     void every_entry(const std::function<bool(EntryData&&)>& take) const;
+
+    // Hands over entries in the order of lists (order_key, the whole name among equals), until
+    // `take` answers false: all in the scope that the filter is true of and, in all likelihood,
+    // others, for callers evaluate it exactly. ">=" and "<=" that go by the order of lists
+    // (split_by_order) bound what their attribute names. `take` may read, and change nothing.
+    void search(const Selection& selection, const std::function<bool(EntryData&&)>& take) const;
+    // How `search` would find them, a line for each step, for tests and administrators; SQLite's
+    // own query plans are among them.
+    std::vector<std::string> plan(const Selection& selection) const;
 
     // Empty where it is not set.
     std::string setting(const std::string& name) const;

@@ -48,6 +48,12 @@ Query::~Query() {
 Query::Query(Query&& other) noexcept
     : database_(other.database_), statement_(std::exchange(other.statement_, nullptr)) {}
 
+Query& Query::operator=(Query&& other) noexcept {
+    std::swap(database_, other.database_);
+    std::swap(statement_, other.statement_);
+    return *this;
+}
+
 bool Query::step() {
     const int code = sqlite3_step(statement_);
     if (code == SQLITE_ROW) return true;

@@ -30,9 +30,7 @@ public:
     Query(Database& database, std::string_view sql);
     ~Query();
     Query(Query&& other) noexcept;
-    Query(const Query&) = delete;
-    Query& operator=(const Query&) = delete;
-    Query& operator=(Query&&) = delete;
+    Query& operator=(Query&& other) noexcept;
 
     template <class... Values>
     void bind(const Values&... values) {

@@ -7,8 +7,8 @@
 namespace orvo::directory::embedded {
 
 // A connection keeps up to 4 MiB of pages. The log is cut to 64 MiB when it begins anew.
-Connection::Connection(const std::filesystem::path& file, const Schema& schema)
-    : database(file), names(database, schema) {
+Connection::Connection(const std::filesystem::path& file, const Schema& of)
+    : schema(of), database(file), names(database, of) {
     database.execute(
         "PRAGMA cache_size = -4096; PRAGMA journal_size_limit = 67108864; PRAGMA synchronous = "
         "FULL");

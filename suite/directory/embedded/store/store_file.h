@@ -21,6 +21,7 @@ struct Connection {
     // `schema` must live as long.
     Connection(const std::filesystem::path& file, const Schema& schema);
 
+    const Schema& schema;
     Database database;
     AttributeNames names;
     bool is_synced = true;  // the WAL at each commit, not only at checkpoints

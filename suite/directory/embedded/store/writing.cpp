@@ -96,7 +96,7 @@ Writing::Stored Writing::stored(const std::string& key) {
     Query query = own.database.query("SELECT id, parent, name, data FROM entry WHERE key = ?", key);
     if (!query.step()) raise_code(result_code::no_such_object);
     return {query.integer(0), query.integer(1), listed_name(query.octets(2), own.names),
-            indexed_values(decode(query.octets(3), own.names, {}), own.names)};
+            indexed_values(decode(query.octets(3), own.names), own.names)};
 }
 
 void Writing::replace(const EntryData& entry) {

@@ -14,7 +14,10 @@ using testing::IsEmpty;
 
 class TheIndexRows : public testing::Test {
 protected:
-    TheIndexRows() { create_tables(database, schema); }
+    TheIndexRows() {
+        database.execute("BEGIN");
+        create_tables(database, schema);
+    }
 
     std::vector<std::string> of(const Attribute& attribute) {
         std::vector<std::string> rows;
