@@ -225,6 +225,16 @@ bool DistinguishedName::is_below(const DistinguishedName& ancestor) const {
     return escapes % 2 == 0;
 }
 
+DistinguishedName DistinguishedName::parent() const {
+    DistinguishedName above;
+    if (depth_ <= 1) return above;
+    std::size_t end = 0;
+    while (key_[end] != ',') end += key_[end] == '\\' ? 2 : 1;
+    above.key_ = key_.substr(end + 1);
+    above.depth_ = depth_ - 1;
+    return above;
+}
+
 std::string DistinguishedName::loose_key() const {
     std::string loose;
     std::size_t relative_name = 0;  // where it begins

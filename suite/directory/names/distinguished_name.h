@@ -29,6 +29,9 @@ public:
     // Whether this entry lies under `ancestor`, at any depth; no name is below itself.
     bool is_below(const DistinguishedName& ancestor) const;
 
+    // The name above this one; of the root itself, the root.
+    DistinguishedName parent() const;
+
     bool operator==(const DistinguishedName&) const = default;
 
     // The comparable form as one text, for keys. Not meant for a server.

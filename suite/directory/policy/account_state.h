@@ -46,6 +46,8 @@ struct AccountState {
 
     // While it is locked no password is right, and none needs to be looked at.
     bool is_locked(const PasswordRules& rules, Moment now) const;
+
+    bool operator==(const AccountState&) const = default;
 };
 
 // What comes of a login (a bind) of somebody whose entry has a password.

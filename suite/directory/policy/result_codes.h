@@ -33,6 +33,7 @@ inline constexpr int unavailable = 52;
 inline constexpr int unwilling_to_perform = 53;
 inline constexpr int naming_violation = 64;
 inline constexpr int object_class_violation = 65;
+inline constexpr int not_allowed_on_non_leaf = 66;
 inline constexpr int entry_already_exists = 68;
 inline constexpr int class_change_prohibited = 69;
 inline constexpr int other = 80;

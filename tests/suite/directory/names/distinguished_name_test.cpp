@@ -116,6 +116,12 @@ TEST(DistinguishedName, AnEntryIsBelowItsContainerAtAnyDepth) {
     EXPECT_TRUE(name(u"o=Shop").is_below(name(u"")));
 }
 
+TEST(DistinguishedName, TheParentIsTheRestBehindTheFirstPart) {
+    EXPECT_EQ(name(u"cn=a\\,b\\\\,ou=x\\,y+l=z,o=Shop").parent(), name(u"OU=x\\,Y+l=z,o=shop"));
+    EXPECT_EQ(name(u"o=Shop").parent(), name(u""));
+    EXPECT_EQ(name(u"").parent(), name(u""));
+}
+
 TEST(DistinguishedName, NothingElseIsBelowAContainer) {
     const DistinguishedName users = name(u"ou=Users,o=Shop");
     EXPECT_FALSE(users.is_below(users));

@@ -1,0 +1,161 @@
+#include "suite/directory/embedded/directory/directory.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <utility>
+#include <vector>
+
+#include "suite/directory/embedded/directory/entry_changes.h"
+#include "suite/directory/names/ascii.h"
+#include "suite/directory/policy/failures.h"
+#include "suite/directory/policy/password_hash.h"
+#include "suite/directory/policy/stored_password.h"
+
+namespace orvo::directory::embedded {
+namespace {
+
+constexpr const char* user_password = "userPassword";
+constexpr const char* policy_entry = "pwdPolicySubentry";
+
+}  // namespace
+
+const Attribute* find_attribute(const EntryData& entry, std::string_view name) {
+    for (const Attribute& attribute : entry.attributes)
+        if (ascii::equal_ignoring_case(attribute.name, name)) return &attribute;
+    return nullptr;
+}
+
+std::string_view stored_password(const EntryData& entry) {
+    const Attribute* held = find_attribute(entry, user_password);
+    return held && !held->values.empty() ? std::string_view(held->values.front()) : "";
+}
+
+Moment time_of_day() {
+    return std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
+}
+
+Directory::Directory(std::shared_ptr<Store> store, WallClock clock)
+    : store_(std::move(store)), key_(store_->path().string()), clock_(std::move(clock)) {}
+
+// A process works with one site, or with a few.
+std::shared_ptr<Directory> Directory::of(TextView server) {
+    constexpr std::size_t most_kept = 8;
+    static std::mutex mutex;
+    static std::vector<std::shared_ptr<Directory>> kept;  // the one used last in front
+    if (server.empty())
+        raise_code(result_code::parameter_error, "The server setting names no directory's file.");
+    const std::shared_ptr<Store> store = Store::open(std::filesystem::path(to_utf8(server)));
+    const std::lock_guard lock(mutex);
+    auto found = std::ranges::find(kept, store, [](const auto& known) { return known->store_; });
+    if (found == kept.end()) found = kept.insert(found, std::make_shared<Directory>(store));
+    std::rotate(kept.begin(), found, found + 1);
+    if (kept.size() > most_kept) kept.pop_back();
+    return kept.front();
+}
+
+SharedSettings& Directory::settings() {
+    static SharedSettings settings;
+    return settings;
+}
+
+std::shared_ptr<const AccessRules> Directory::access_rules(const Reading& reading) {
+    std::string text = reading.setting("access");
+    const std::lock_guard lock(mutex_);
+    if (!rules_ || rules_text_ != text) {
+        rules_ = std::make_shared<const AccessRules>(AccessRules::parse(text, store_->schema()));
+        rules_text_ = std::move(text);
+    }
+    return rules_;
+}
+
+std::optional<PasswordRules> Directory::password_rules(const Reading& reading,
+                                                       const EntryData& user) const {
+    const Attribute* own = find_attribute(user, policy_entry);
+    const std::string name =
+        own && !own->values.empty() ? own->values.front() : reading.setting("policy");
+    if (name.empty()) return std::nullopt;
+    const auto parsed = DistinguishedName::try_parse(from_utf8(name));
+    const std::optional<EntryData> entry = parsed ? reading.find(*parsed) : std::nullopt;
+    if (!entry) return std::nullopt;
+    return PasswordRules::from(*entry);
+}
+
+// Who offers a password, as one reading has shown it.
+struct Directory::Account {
+    DistinguishedName name;
+    EntryData entry;
+    std::string hash;
+    std::optional<PasswordRules> policy;
+};
+
+std::optional<Directory::Account> Directory::account(const std::string& name) {
+    const auto parsed = DistinguishedName::try_parse(from_utf8(name));
+    if (!parsed) return std::nullopt;
+    const Reading reading = read();
+    std::optional<EntryData> entry = reading.find(*parsed);
+    if (!entry) return std::nullopt;
+    std::string hash(stored_password(*entry));
+    const auto rules = access_rules(reading);
+    if (hash.empty() ||
+        !rules->allow(Identity::nobody(), Right::authenticate, *parsed, user_password))
+        return std::nullopt;
+    std::optional<PasswordRules> policy = password_rules(reading, *entry);
+    return Account{*parsed, std::move(*entry), std::move(hash), std::move(policy)};
+}
+
+BindAnswer Directory::bind(const std::string& name, const Secret& password, Proof proof) {
+    const std::optional<Account> account = this->account(name);
+    if (!account) {
+        imitate_check(password, HashCost::usual);
+        return {result_code::invalid_credentials};
+    }
+    const std::string& user = account->name.key();
+    const auto state = AccountState::from(account->entry);
+    bool is_right = false;
+    CredentialsRef credentials;
+    if (!account->policy || !state.is_locked(*account->policy, now())) {
+        if (proof == Proof::known) credentials = credentials_.find(user, password, account->hash);
+        is_right = credentials || is_hash_of(account->hash, password);
+    }
+    BindOutcome outcome;
+    if (account->policy)
+        outcome = outcome_of_bind(*account->policy, state, is_right, now());
+    else if (!is_right)
+        outcome.code = result_code::invalid_credentials;
+    std::string renewed;
+    if (is_right && !credentials && should_be_renewed(account->hash, HashCost::usual))
+        renewed = hashed_password(password);
+    if (!outcome.changes.empty() || !renewed.empty()) settle(*account, is_right, renewed, outcome);
+    BindAnswer answer{outcome.code, outcome.policy};
+    if (outcome.code != result_code::success) return answer;
+    const std::string& hash = renewed.empty() ? account->hash : renewed;
+    answer.credentials = credentials ? credentials : credentials_.add(user, password, hash);
+    return answer;
+}
+
+// Others may have failed, or changed the password, while the hash was computed: what is written
+// goes by what the entry says now.
+void Directory::settle(const Account& account, bool is_right, std::string& renewed,
+                       BindOutcome& outcome) {
+    Writing writing = write();
+    std::optional<EntryData> entry = writing.find(account.name);
+    if (!entry || stored_password(*entry) != account.hash) {
+        renewed.clear();
+        return;
+    }
+    if (account.policy) {
+        outcome = outcome_of_bind(*account.policy, AccountState::from(*entry), is_right, now());
+        carry_out(outcome.changes, *entry);
+    }
+    if (!renewed.empty()) {
+        const Replacement hash{user_password, {renewed}};
+        if (outcome.code == result_code::success)
+            carry_out({&hash, 1}, *entry);
+        else
+            renewed.clear();
+    }
+    writing.replace(*entry);
+    writing.commit();
+}
+
+}  // namespace orvo::directory::embedded

@@ -1,0 +1,150 @@
+// What comes of logins: hashes, failures that are counted, and objects that outlive a password.
+
+#include <gmock/gmock.h>
+
+#include <thread>
+
+#include "platform/values/values.h"
+#include "tests/suite/directory/embedded/directory/shop_fixture.h"
+
+namespace orvo::directory::embedded {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testing::StartsWith;
+
+constexpr std::int32_t wrong_credentials = error_number(0x8007052E);
+constexpr std::int32_t no_rights = error_number(0x80072098);
+
+// {SSHA} of "shop-sample" with the salt "saltsalt".
+const std::string imported = "{SSHA}8KzM4e8GmKXHhkfJYf9p/j2OIPpzYWx0c2FsdA==";
+
+class Logins : public AShop {};
+
+TEST_F(Logins, AnImportedHashIsReplacedAtTheFirstRightLoginAndNotBefore) {
+    put(user("jsmith"), "userPassword", {imported});
+    EXPECT_EQ(check(user("jsmith"), "another"), password_check::wrong);
+    EXPECT_THAT(stored(user("jsmith"), "userPassword"), testing::ElementsAre(imported));
+    EXPECT_EQ(check(user("jsmith"), "shop-sample"), password_check::right);
+    const auto renewed = stored(user("jsmith"), "userPassword");
+    ASSERT_THAT(renewed, SizeIs(1));
+    EXPECT_THAT(renewed.front(), StartsWith("{CRYPT}$y$"));
+    EXPECT_EQ(check(user("jsmith"), "shop-sample"), password_check::right);
+    EXPECT_EQ(stored(user("jsmith"), "userPassword"), renewed);
+}
+
+TEST_F(Logins, ARightOneWritesNothingAndWaitsForNoWriter) {
+    demand({{"pwdLockout", {"TRUE"}}, {"pwdMaxFailure", {"3"}}});
+    const Writing other = directory->store().write(Durability::process);
+    Variant names = Values{u"WaitLimit"}, limits = Values{0};
+    Directory::settings().change(names, limits);
+    EXPECT_EQ(check(user("jsmith"), "shop-sample"), password_check::right);
+    EXPECT_EQ(failure_of([&] { check(user("jsmith"), "another"); }).number,
+              error_number(0x8007200E))
+        << "the failure cannot be counted, so nobody is told that it is one";
+    limits = Values{5000};
+    Directory::settings().change(names, limits);
+}
+
+TEST_F(Logins, EveryFailureCountsOnceHoweverManyComeAtTheSameTime) {
+    demand({{"pwdLockout", {"TRUE"}}, {"pwdMaxFailure", {"100"}}});
+    std::vector<std::thread> guessers;
+    for (int thread = 0; thread < 4; ++thread)
+        guessers.emplace_back([&] {
+            for (int guess = 0; guess < 3; ++guess) check(user("jsmith"), "another");
+        });
+    for (std::thread& guesser : guessers) guesser.join();
+    EXPECT_THAT(stored(user("jsmith"), "pwdFailureTime"), SizeIs(12));
+    EXPECT_EQ(check(user("jsmith"), "shop-sample"), password_check::right);
+    EXPECT_THAT(stored(user("jsmith"), "pwdFailureTime"), IsEmpty());
+}
+
+TEST_F(Logins, ALockedAccountIsOpenAgainAfterItsTime) {
+    demand({{"pwdLockout", {"TRUE"}}, {"pwdMaxFailure", {"2"}}, {"pwdLockoutDuration", {"60"}}});
+    for (int guess = 0; guess < 2; ++guess)
+        EXPECT_EQ(check(user("jsmith"), "another"), password_check::wrong);
+    EXPECT_EQ(check(user("jsmith"), "shop-sample"), password_check::locked);
+    now = now.load() + 61s;
+    EXPECT_EQ(check(user("jsmith"), "shop-sample"), password_check::right);
+}
+
+TEST_F(Logins, ANameThatIsNobodysIsWrongLikeAWrongPassword) {
+    for (const std::string& name :
+         {user("nobody"), user(""), std::string("no name"), std::string("ou=Users,o=Shop")})
+        EXPECT_EQ(check(name, "shop-sample"), password_check::wrong) << name;
+}
+
+TEST_F(Logins, UsersWhoChangeTheirPasswordGoOnWithTheNewOne) {
+    Login one = login(user("jsmith"), "shop-sample"), other = login(user("jsmith"), "shop-sample");
+    one.set_password(user("jsmith"), Secret(u"changed-1"), std::nullopt);
+    EXPECT_EQ(one.read(user("jsmith")).name, user("jsmith"));
+    EXPECT_EQ(other.read(user("jsmith")).name, user("jsmith"));
+    EXPECT_EQ(failure_of([&] { login(user("jsmith"), "shop-sample"); }).number, wrong_credentials);
+    EXPECT_EQ(login(user("jsmith"), "changed-1").read(user("jsmith")).name, user("jsmith"));
+}
+
+TEST_F(Logins, ThoseWhosePasswordSomebodyElseHasSetAreOut) {
+    Login own = login(user("jsmith"), "shop-sample");
+    own.known(user("jsmith"));
+    service_login().set_password(user("jsmith"), Secret(u"changed-1"), std::nullopt);
+    EXPECT_EQ(failure_of([&] { own.known(user("jsmith")); }).number, wrong_credentials);
+    EXPECT_EQ(failure_of([&] { own.read(user("jsmith")); }).number, wrong_credentials);
+}
+
+TEST_F(Logins, WhoProvesTheFormerPasswordChangesItAsTheUser) {
+    Login own = login(user("jsmith"), "shop-sample"), administrator = service_login();
+    administrator.set_password(user("jsmith"), Secret(u"changed-1"), Secret(u"shop-sample"));
+    EXPECT_EQ(own.read(user("jsmith")).name, user("jsmith")) << "it was the user's own change";
+    administrator.set_password(user("jsmith"), Secret(u"changed-2"), Secret(u"not this one"));
+    EXPECT_EQ(failure_of([&] { own.read(user("jsmith")); }).number, wrong_credentials);
+}
+
+TEST_F(Logins, WhatUsersMayNotChangeAnAdministratorMaySet) {
+    demand({{"pwdAllowUserChange", {"FALSE"}}});
+    Login own = login(user("jsmith"), "shop-sample");
+    EXPECT_EQ(failure_of([&] {
+                  own.set_password(user("jsmith"), Secret(u"changed-1"), std::nullopt);
+              }).number,
+              no_rights);
+    service_login().set_password(user("jsmith"), Secret(u"changed-1"), Secret(u"shop-sample"));
+    EXPECT_EQ(check(user("jsmith"), "changed-1"), password_check::right);
+}
+
+TEST_F(Logins, WhoHasToChangeThePasswordDoesNothingElse) {
+    demand({{"pwdMustChange", {"TRUE"}}});
+    put(user("jsmith"), "pwdReset", {"TRUE"});
+    EXPECT_EQ(check(user("jsmith"), "shop-sample"), password_check::expired);
+    Login own = login(user("jsmith"), "shop-sample");
+    const Failure refused = failure_of([&] { own.read(user("jsmith")); });
+    EXPECT_EQ(refused.number, no_rights);
+    EXPECT_EQ(to_utf8(refused.description),
+              "(50) The rights are not sufficient. Operations are restricted to "
+              "bind/unbind/abandon/StartTLS/modify password");
+    own.set_password(user("jsmith"), Secret(u"changed-2"), std::nullopt);
+    EXPECT_EQ(own.read(user("jsmith")).name, user("jsmith"));
+}
+
+TEST_F(Logins, AUserWhoIsDeletedIsOutAtOnce) {
+    Login own = login(user("jsmith"), "shop-sample");
+    own.known(user("jsmith"));
+    service_login().remove(user("jsmith"));
+    EXPECT_EQ(failure_of([&] { own.known(user("jsmith")); }).number, wrong_credentials);
+}
+
+TEST_F(Logins, ARefusedFirstPasswordLeavesNoEntry) {
+    demand({{"pwdMinLength", {"8"}}, {"pwdCheckQuality", {"1"}}});
+    Login administrator = service_login();
+    const EntryData tina{user("tina"), {{"objectClass", {"orvoPerson"}}, {"cn", {"tina"}}}};
+    EXPECT_EQ(failure_of([&] { administrator.add(tina, Secret(u"short")); }).number,
+              error_number(0x8007202F));
+    EXPECT_THAT(stored(user("tina"), "cn"), IsEmpty());
+    administrator.add(tina, Secret(u"long enough"));
+    EXPECT_EQ(check(user("tina"), "long enough"), password_check::right);
+    EXPECT_THAT(stored(user("tina"), "creatorsName"), testing::ElementsAre(service));
+    EXPECT_THAT(stored(user("tina"), "structuralObjectClass"), testing::ElementsAre("orvoPerson"));
+}
+
+}  // namespace
+}  // namespace orvo::directory::embedded
