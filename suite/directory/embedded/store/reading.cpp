@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "suite/directory/embedded/store/check.h"
 #include "suite/directory/embedded/store/entry_form.h"
 #include "suite/directory/embedded/store/entry_search.h"
 #include "suite/directory/embedded/store/index_rows.h"
@@ -73,6 +74,8 @@ void Reading::search(const Selection& selection,
 std::vector<std::string> Reading::plan(const Selection& selection) const {
     return EntrySearch(*connection_, selection).plan();
 }
+
+std::vector<std::string> Reading::problems() const { return problems_of(*connection_); }
 
 std::string Reading::setting(const std::string& name) const {
     Query query =

@@ -49,6 +49,10 @@ public:
     // Empty where it is not set.
     std::string setting(const std::string& name) const;
 
+    // What is wrong with the file, a sentence each: what SQLite finds, names against keys, parents,
+    // and what the indexes hold against the entries. Reads everything.
+    std::vector<std::string> problems() const;
+
 protected:
     struct Unbegun {};
     Reading(std::shared_ptr<StoreFile> file, Unbegun) noexcept;

@@ -9,6 +9,7 @@
 #include <system_error>
 #include <utility>
 
+#include "suite/directory/embedded/store/migration.h"
 #include "suite/directory/embedded/store/new_file.h"
 #include "suite/directory/embedded/store/store_file.h"
 #include "suite/directory/embedded/store/tables.h"
@@ -42,15 +43,6 @@ void require_directory(const std::filesystem::path& file) {
         raise_unusable(file, "this is not the file of a directory");
 }
 
-void require_version(const std::filesystem::path& file) {
-    Database database(file);
-    const std::int64_t version = database.number("PRAGMA user_version", 0);
-    if (version > tables_version)
-        raise_unusable(file, "it has version " + std::to_string(version) +
-                                 ", and this program knows versions up to " +
-                                 std::to_string(tables_version));
-}
-
 }  // namespace
 
 void Store::create(const std::filesystem::path& file, const Schema& schema) {
@@ -72,7 +64,7 @@ std::shared_ptr<Store> Store::open(const std::filesystem::path& file) {
     std::weak_ptr<StoreFile>& known = files[identity_of(file)];
     if (auto opened = known.lock()) return std::make_shared<Store>(std::move(opened));
     require_directory(file);
-    require_version(file);
+    migrate(file, migration_steps());
     auto opened = std::make_shared<StoreFile>(std::filesystem::absolute(file));
     known = opened;
     return std::make_shared<Store>(std::move(opened));
@@ -88,6 +80,11 @@ Reading Store::read() { return Reading(file_); }
 
 Writing Store::write(Durability durability, std::chrono::milliseconds wait) {
     return Writing(file_, wait, durability);
+}
+
+void Store::backup(const std::filesystem::path& to, const Progress& tell) {
+    Database source(file_->path());
+    copy_database(source, to, tell);
 }
 
 std::uint64_t Store::version() const { return file_->version(); }

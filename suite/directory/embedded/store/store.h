@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <memory>
 
+#include "suite/directory/embedded/store/backup.h"
 #include "suite/directory/embedded/store/reading.h"
 #include "suite/directory/embedded/store/writing.h"
 #include "suite/directory/schema/schema.h"
@@ -27,7 +28,7 @@ public:
 
     // The store of a file; what is open of it is one for the process. Raises 81 with the file and
     // the reason where it is not there, cannot be opened, is no directory (nothing is written
-    // then) or one of a newer version.
+    // then) or one of a newer version. A file of an older version is migrated (migration.h).
     static std::shared_ptr<Store> open(const std::filesystem::path& file);
 
     explicit Store(std::shared_ptr<StoreFile> file);
@@ -39,6 +40,10 @@ public:
     // `wait`: that it waits for other writers, here and in other processes.
     Writing write(Durability durability = Durability::full,
                   std::chrono::milliseconds wait = std::chrono::seconds(5));
+
+    // Copies the store as it is now to a new file of mode 0600, while others read and write. Raises
+    // 80 where the copy cannot be made, or something of that name is there.
+    void backup(const std::filesystem::path& to, const Progress& tell);
 
     // Changes with every commit, also of other processes: what was derived from the store is
     // current as long as it is the same, while the store is open.

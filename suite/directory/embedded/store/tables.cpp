@@ -47,12 +47,14 @@ std::vector<std::string> read_descriptions(Database& database, DescriptionKind k
 
 }  // namespace
 
+std::span<const MigrationStep> migration_steps() { return {}; }
+
 void create_tables(Database& database, const Schema& schema) {
     database.execute(tables);
     write_descriptions(database, attribute_type, schema.attribute_types);
     write_descriptions(database, object_class, schema.object_classes);
     database.execute("PRAGMA application_id = " + std::to_string(application_id));
-    database.execute("PRAGMA user_version = " + std::to_string(tables_version));
+    database.execute("PRAGMA user_version = " + std::to_string(migration_steps().size() + 1));
 }
 
 std::shared_ptr<const Schema> read_schema(Database& database) {
