@@ -83,8 +83,9 @@ ShopPair::ShopPair(Sightings& sightings) {
             }));
         both += (server == preferred ? "" : " ") + proxies_.back()->server();
     }
-    site_.write("site.ini", replaced(content_of(source / "examples/site.ini"),
-                                     "LDAPServer=@SERVER@", "LDAPServer=" + both));
+    const std::string site = replaced(content_of(source / "examples/site.ini"),
+                                      "OrvoDirectory.Embedded", "OrvoDirectory.Ldap");
+    site_.write("site.ini", replaced(site, "LDAPServer=@SERVER@", "LDAPServer=" + both));
     std::filesystem::copy(source / "examples/Config", site_.path() / "Config");
 }
 

@@ -29,7 +29,8 @@ prepare() {
         ! grep -q 'Skipping entry' "$work/import.log" ||
         { tail -n 20 "$work/import.log" >&2; fail "the entries could not be loaded"; }
 
-    sed "s|@SERVER@|ldaps://127.0.0.1:$tls_port/?cafile=$work/tls/ca.pem|" \
+    sed -e 's/OrvoDirectory.Embedded/OrvoDirectory.Ldap/' \
+        -e "s|@SERVER@|ldaps://127.0.0.1:$tls_port/?cafile=$work/tls/ca.pem|" \
         "$source_tree/examples/site.ini" >"$work/site.ini"
 }
 

@@ -39,7 +39,8 @@ prepare() {
     samba-tool group addmembers 'Domain Admins' orvo-service "${database[@]}" >>"$work/load.log"
 
     sed -i "s/o=Shop/$root/" "$work"/Config/*
-    sed -e "s|@SERVER@|ldaps://$address/?cafile=$work/tls/ca.pem|" \
+    sed -e 's/OrvoDirectory.Embedded/OrvoDirectory.Ldap/' \
+        -e "s|@SERVER@|ldaps://$address/?cafile=$work/tls/ca.pem|" \
         -e "s/^LDAPRoot=.*/LDAPRoot=$root/" \
         -e 's/^UserClass=.*/UserClass=orvoMember,user,organizationalPerson,person,top/' \
         "$source_tree/examples/site.ini" >"$work/site.ini"
