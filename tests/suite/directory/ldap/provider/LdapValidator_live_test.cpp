@@ -35,13 +35,6 @@ PrivateSlapd& shop() {
     return server;
 }
 
-TEST(LdapValidator, KnowsTheRightPassword) {
-    EXPECT_EQ(checked(shop().server(), user_path("djansen"), u"shop-sample"), 0);
-    EXPECT_EQ(checked(shop().server(), u"CN=DJansen, OU=users, O=shop", u"shop-sample"), 0);
-    EXPECT_EQ(checked(shop().server(), user_path("djansen"), u"shop-sample", u"o=Shop/ou=Users"),
-              0);
-}
-
 TEST(LdapValidator, ChecksUsersOfServersInTurn) {
     PrivateSlapd other;
     LdapProbe probe(other.url(), other.root_dn(), other.root_password());
@@ -50,24 +43,6 @@ TEST(LdapValidator, ChecksUsersOfServersInTurn) {
         EXPECT_EQ(checked(shop().server(), user_path("djansen"), u"shop-sample"), 0);
         EXPECT_EQ(checked(other.server(), user_path("djansen"), u"long-enough"), 0);
     }
-}
-
-TEST(LdapValidator, DoesNotTellAWrongUserFromAWrongPassword) {
-    EXPECT_EQ(checked(shop().server(), user_path("djansen"), u"Shop-sample"), -1);
-    EXPECT_EQ(checked(shop().server(), user_path("nobody"), u"shop-sample"), -1);
-}
-
-TEST(LdapValidator, ChecksTheSameObjectAgainAndAgain) {
-    LdapValidator validator;
-    Text server = from_utf8(shop().server());
-    Text container = users;
-    validator.Open(server, container);
-    Variant path = user_path("djansen");
-    Variant right = u"shop-sample";
-    Variant wrong = u"wrong";
-    EXPECT_EQ(validator.Validate(path, right), 0);
-    EXPECT_EQ(validator.Validate(path, wrong), -1);
-    EXPECT_EQ(validator.Validate(path, right), 0);
 }
 
 TEST(LdapValidator, RefusesWithoutAskingTheServer) {
@@ -90,28 +65,6 @@ TEST(LdapValidator, RefusesWithoutAskingTheServer) {
     EXPECT_EQ(server.connections(), 0);
 }
 
-TEST(LdapValidator, KnowsUsersWhoseNamesWereNotEscaped) {
-    for (const char* name :
-         {"Smith, John", "Research+Development", "#1 Buyer", "back\\slash", "O'Brien",
-          "Temp (night) *", "Ann \"Andy\" <Smith>; =", "Ελένη Ελλάδα", "😀 Emoji"}) {
-        EXPECT_EQ(checked(shop().server(), user_path(name), u"shop-sample"), 0) << name;
-        EXPECT_EQ(checked(shop().server(), user_path(name), u"wrong"), -1) << name;
-    }
-    EXPECT_EQ(checked(shop().server(), u"cn=djansen" + Text(1, u'\0') + u"x,ou=Users,o=Shop",
-                      u"shop-sample"),
-              -1);
-}
-
-TEST(LdapValidator, ConvertsItsArguments) {
-    LdapProbe probe(shop().url(), shop().root_dn(), shop().root_password());
-    ASSERT_EQ(probe.replace(shop().user_dn("admin"), "userPassword", {"4711"}), 0);
-    EXPECT_EQ(checked(shop().server(), user_path("admin"), std::int32_t(4711)), 0);
-    EXPECT_EQ(checked(shop().server(), user_path("admin"), std::int32_t(4712)), -1);
-    EXPECT_EQ(
-        failure_of([&] { checked(shop().server(), user_path("admin"), Variant::null()); }).number,
-        94);
-}
-
 TEST(LdapValidator, TakesAnUnreachableServerForAFailure) {
     const std::string server = refused_server();
     const Failure failure =
@@ -129,54 +82,12 @@ TEST(LdapValidator, TakesASilentServerForAFailure) {
     EXPECT_EQ(failure.description, no_answer_of(server.server(), 500ms));
 }
 
-TEST(LdapValidator, MustBeOpened) {
-    LdapValidator validator;
-    Variant path = user_path("djansen");
-    Variant password = u"shop-sample";
-    EXPECT_EQ(failure_of([&] { validator.Validate(path, password); }).number, 91);
-}
-
 TEST(LdapValidator, LooksAtItsServerOnlyToAskIt) {
     const std::string server = "dir01:99999999";
     EXPECT_EQ(checked(server, user_path("djansen"), u""), -1);
     EXPECT_EQ(checked(server, u"cn=djansen,ou=Nowhere,o=Shop", u"shop-sample"), -1);
     EXPECT_EQ(failure_of([&] { checked(server, user_path("djansen"), u"shop-sample"); }).number,
               error_number(0x8007203F));
-}
-
-TEST(LdapValidator, SaysThatItsContainerCannotBeRead) {
-    const Failure failure = failure_of(
-        [] { checked(shop().server(), user_path("djansen"), u"shop-sample", u"Users"); });
-    EXPECT_EQ(failure.number, error_number(0x80072032));
-    EXPECT_EQ(failure.description, u"(34) The distinguished name is not valid. Users");
-}
-
-TEST(LdapValidator, TellsALockedAccount) {
-    PrivateSlapd server({.password_policy = true});
-    const Text user = user_path("djansen");
-    for (int attempt = 0; attempt < 3; ++attempt)
-        EXPECT_EQ(checked(server.server(), user, u"wrong"), -1);
-    EXPECT_EQ(checked(server.server(), user, u"shop-sample"), -2);
-    EXPECT_EQ(checked(server.server(), user, u"wrong"), -2);
-    EXPECT_EQ(checked(server.server(), user_path("admin"), u"shop-sample"), 0);
-}
-
-TEST(LdapValidator, TellsARightPasswordThatMustBeChanged) {
-    PrivateSlapd server({.password_policy = true});
-    LdapProbe probe(server.url(), server.root_dn(), server.root_password());
-    ASSERT_EQ(probe.replace(server.user_dn("djansen"), "pwdReset", {"TRUE"}), 0);
-    EXPECT_EQ(checked(server.server(), user_path("djansen"), u"shop-sample"), -4);
-    EXPECT_EQ(checked(server.server(), user_path("djansen"), u"wrong"), -1);
-}
-
-TEST(LdapValidator, TellsARightPasswordThatHasExpired) {
-    PrivateSlapd server({.password_policy = true});
-    LdapProbe probe(server.url(), server.root_dn(), server.root_password());
-    ASSERT_EQ(probe.replace("cn=default,ou=Policies,o=Shop", "pwdMaxAge", {"1"}), 0);
-    ASSERT_EQ(probe.replace(server.user_dn("djansen"), "userPassword", {"long-enough"}), 0);
-    std::this_thread::sleep_for(2100ms);
-    EXPECT_EQ(checked(server.server(), user_path("djansen"), u"long-enough"), -4);
-    EXPECT_EQ(checked(server.server(), user_path("djansen"), u"wrong"), -1);
 }
 
 TEST(LdapValidator, CostsOneConnectionAndOneBind) {

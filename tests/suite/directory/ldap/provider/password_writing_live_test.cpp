@@ -46,8 +46,6 @@ SlapdOptions of_389(const TempFolder& folder) {
     return {.password_policy = true, .config = shown_in_root(folder, "vendorName: 389 Project")};
 }
 
-SlapdOptions with_policy(const TempFolder&) { return {.password_policy = true}; }
-
 SlapdOptions showing_nothing(const TempFolder&) {
     return {.config = "database frontend\naccess to dn.base=\"\" by * none\n"};
 }
@@ -75,9 +73,6 @@ protected:
 
     void bind(LdapEntry& entry, const Text& name = u"cn=djansen") const {
         bind_as(entry, server_.service_dn(), server_.service_password(), address(), name);
-    }
-    void bind_as_oneself(LdapEntry& entry) const {
-        bind_as(entry, djansen(), server_.user_password(), address(), u"cn=djansen");
     }
     static void bind_as(LdapEntry& entry, const std::string& user, const std::string& password,
                         Text server, Text name) {
@@ -123,42 +118,6 @@ protected:
     PrivateSlapd server_;
     LdapProbe probe_{server_.url(), server_.root_dn(), server_.root_password()};
 };
-
-TEST_F(PasswordWritingTest, RefusesAnEmptyPasswordAndChangesNothing) {
-    LdapEntry entry;
-    bind(entry);
-    const auto before = stored();
-    for (const Variant& nothing : {Variant(u""), Variant(), Variant(Values{}), Variant(Values{u""}),
-                                   Variant(Values{Variant()})}) {
-        const Failure failure = failure_of([&] { set(entry, nothing); });
-        EXPECT_EQ(failure.number, error_number(0x8007202F));
-        EXPECT_EQ(failure.description,
-                  u"(19) The value violates a constraint. A new password cannot be empty.");
-    }
-    EXPECT_EQ(stored(), before);
-    clear(entry);
-    EXPECT_THAT(stored(), IsEmpty()) << "whoever wants to take it away says so";
-}
-
-TEST_F(PasswordWritingTest, RefusesAPasswordThatNobodyCouldLogInWith) {
-    LdapEntry entry, users;
-    bind(entry);
-    bind(users, u"");
-    const auto before = stored();
-    const std::pair<Text, Text> refusals[] = {
-        {with_nul,
-         u"(21) The value does not have the attribute's syntax. A password cannot hold a NUL."},
-        {too_long,
-         u"(19) The value violates a constraint. A password cannot have more than 65536 bytes."}};
-    for (const auto& [password, description] : refusals) {
-        EXPECT_EQ(failure_of([&] { set(entry, password); }).description, description);
-        EXPECT_EQ(failure_of([&] { create(users, password); }).description, description);
-    }
-    EXPECT_EQ(stored(), before);
-    EXPECT_THAT(probe_.find("ou=Users,o=Shop", "(cn=new)"), IsEmpty());
-    set(entry, Text(65'536, u'x'));
-    EXPECT_EQ(raw_bind(std::string(65'536, 'x')), 0);
-}
 
 TEST(PasswordThatNobodyHas, IsWrongWithoutAskingTheServer) {
     BadServer silent({});
@@ -317,55 +276,6 @@ TEST_F(ActiveDirectoryTest, GetsTimesWithAFraction) {
         EXPECT_EQ(entry.GetValues(name), Variant(Values{date_from_parts({2031, 12, 31, 0, 0, 0})}));
         entry.ClearValues(name);
     }
-}
-
-// A policy that wants the former password with the new one.
-class SafeModifyTest : public PasswordWritingTest {
-protected:
-    SafeModifyTest() : PasswordWritingTest(with_policy) {
-        const std::string policy = "cn=default,ou=Policies,o=Shop";
-        EXPECT_EQ(probe_.replace(policy, "pwdSafeModify", {"TRUE"}), 0);
-        EXPECT_EQ(probe_.replace(policy, "pwdMustChange", {"FALSE"}), 0);
-    }
-    static void expect_refused(LdapEntry& entry) {
-        EXPECT_EQ(failure_of([&] { set(entry, u"other-sample"); }).number,
-                  error_number(0x80072098));
-    }
-};
-
-TEST_F(SafeModifyTest, LetsUsersChangeThePasswordThatTheyProvedAMomentAgo) {
-    LdapEntry entry;
-    bind(entry);
-    expect_refused(entry);
-    ASSERT_EQ(checked(djansen(), u"shop-sample"), 0);
-    set(entry, u"other-sample");
-    EXPECT_EQ(raw_bind("other-sample"), 0);
-    expect_refused(entry);
-}
-
-TEST_F(SafeModifyTest, LetsUsersChangeThePasswordThatTheyWorkWith) {
-    LdapEntry entry;
-    bind_as_oneself(entry);
-    set(entry, u"other-sample");
-    EXPECT_EQ(raw_bind("other-sample"), 0);
-    set(entry, u"third-sample");
-    EXPECT_EQ(raw_bind("third-sample"), 0);
-}
-
-TEST_F(SafeModifyTest, TakesNothingForProofButTheRightPasswordOfThisUserJustNow) {
-    LdapEntry entry;
-    bind(entry);
-    ASSERT_EQ(checked(server_.user_dn("jsmith"), u"shop-sample"), 0);
-    expect_refused(entry);
-    ASSERT_EQ(checked(djansen(), u"shop-sample"), 0);
-    ASSERT_EQ(checked(djansen(), u"wrong"), -1);
-    expect_refused(entry);
-    ASSERT_EQ(checked(djansen(), u"shop-sample"), 0);
-    ASSERT_EQ(checked(djansen(), u""), -1);
-    expect_refused(entry);
-    ASSERT_EQ(checked(djansen(), u"shop-sample"), 0);
-    bind(entry);
-    expect_refused(entry);
 }
 
 // A server that tells users from administrators: a password that the latter have set is to be

@@ -1,23 +1,14 @@
-#include <gmock/gmock.h>
-
 #include <algorithm>
-#include <fstream>
-#include <set>
+#include <sstream>
 
-#include "platform/interfaces/call.h"
-#include "platform/objects/recordset/record_set_contract.h"
 #include "platform/values/text_order.h"
-#include "platform/values/values.h"
-#include "suite/directory/ldap/provider/LdapSearch.h"
 #include "suite/directory/names/written_name.h"
-#include "tests/support/slapd.h"
+#include "tests/suite/directory/provider/provider_test.h"
 #include "tests/support/temp_folder.h"
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::UnorderedElementsAreArray;
 
 struct User {
@@ -118,43 +109,34 @@ std::vector<User> many_users() {
     return users;
 }
 
-class PagingTest : public testing::Test {
+std::string ldif_of(const std::vector<User>& users) {
+    std::ostringstream out;
+    for (const User& user : users) {
+        write(out, "dn", entry_name(u"cn=" + escaped_value(user.name), u"ou=Users,o=Shop"));
+        out << "objectClass: orvoPerson\nobjectClass: top\nOrvoUserType: 1\n"
+               "ProfileCN: Paging\n";
+        write(out, "cn", user.name);
+        for (const Text& name : user.more_names) write(out, "cn", name);
+        write(out, "sn", user.sn);
+        if (!user.mail.empty()) write(out, "mail", user.mail);
+        out << "\n";
+    }
+    return out.str();
+}
+
+class PagingTest : public ProviderTest {
 protected:
-    static void SetUpTestSuite() {
-        users_ = new std::vector<User>(many_users());
-        TempFolder folder;
-        const std::filesystem::path file = folder.path() / "users.ldif";
-        std::ofstream out(file);
-        for (const User& user : *users_) {
-            write(out, "dn", entry_name(u"cn=" + escaped_value(user.name), u"ou=Users,o=Shop"));
-            out << "objectClass: orvoPerson\nobjectClass: top\nOrvoUserType: 1\n"
-                   "ProfileCN: Paging\n";
-            write(out, "cn", user.name);
-            for (const Text& name : user.more_names) write(out, "cn", name);
-            write(out, "sn", user.sn);
-            if (!user.mail.empty()) write(out, "mail", user.mail);
-            out << "\n";
-        }
-        out.close();
-        server_ = new PrivateSlapd({.ldif = {file}});
-    }
-    static void TearDownTestSuite() {
-        delete server_;
-        delete users_;
+    PagingTest()
+        : ProviderTest(Shared{{.ldif = {folder_.write("users.ldif", ldif_of(many_users()))}}}) {}
+
+    Rows rows(const Text& criteria, std::int32_t size) {
+        const Search search = new_search();
+        connect(search, login_);
+        return execute(search, u"(& (objectClass=orvoPerson)(OrvoUserType=*)" + criteria + u")",
+                       columns_, size);
     }
 
-    Ref<RecordSet> rows(const Text& criteria, std::int32_t size) {
-        LdapSearch search;
-        Text server = from_utf8(server_->server()), container = u"ou=Users,o=Shop";
-        Text user = from_utf8(user_);
-        Secret password = Secret::of_bytes(password_);
-        search.Connect(server, container, user, password);
-        Text filter = u"(& (objectClass=orvoPerson)(OrvoUserType=*)" + criteria + u")";
-        Variant attributes = columns_;
-        return Ref<RecordSet>::from(search.Execute(filter, attributes, size));
-    }
-
-    static std::vector<Text> names_of(const Ref<RecordSet>& rows) {
+    static std::vector<Text> names_of(const Rows& rows) {
         std::vector<Text> names;
         for (; !call<&RecordSet::IsEof>(rows); call<&RecordSet::MoveNext>(rows))
             names.push_back(call<&RecordSet::Collect>(rows, Variant(u"CN")).to<Text>());
@@ -186,21 +168,22 @@ protected:
     template <class Condition>
     std::vector<Text> expected(Condition condition) {
         std::vector<Text> names;
-        for (const User& user : *users_)
+        for (const User& user : many_users())
             if (condition(user)) names.push_back(user.name);
         return names;
     }
 
-    static inline PrivateSlapd* server_ = nullptr;
-    static inline std::vector<User>* users_ = nullptr;
-    std::string user_ = server_->service_dn();
-    std::string password_ = server_->service_password();
+    Login login_ = service();
     Variant columns_ = Values{u"CN", u"BusinessPartnerID", u"mail", u"givenName", u"sn"};
+
+private:
+    static inline TempFolder folder_;
 };
+FOR_EVERY_DIRECTORY(PagingTest);
 
 const auto everybody = [](const User&) { return true; };
 
-TEST_F(PagingTest, VisitsEveryUserExactlyOnceWhateverTheSizeOfAPage) {
+TEST_P(PagingTest, VisitsEveryUserExactlyOnceWhateverTheSizeOfAPage) {
     const std::vector<Text> names = expected(everybody);
     ASSERT_EQ(names.size(), 3000u);
     std::vector<Text> in_order;
@@ -212,7 +195,7 @@ TEST_F(PagingTest, VisitsEveryUserExactlyOnceWhateverTheSizeOfAPage) {
     }
 }
 
-TEST_F(PagingTest, VisitsEveryUserExactlyOnceInTheSmallestPages) {
+TEST_P(PagingTest, VisitsEveryUserExactlyOnceInTheSmallestPages) {
     std::vector<Text> tricky;
     for (const User& user : tricky_users()) tricky.push_back(user.name);
     const Text criteria =
@@ -224,8 +207,8 @@ TEST_F(PagingTest, VisitsEveryUserExactlyOnceInTheSmallestPages) {
         EXPECT_THAT(walk(criteria, size), UnorderedElementsAreArray(tricky)) << size;
 }
 
-TEST_F(PagingTest, ListsUsersInTheOrderOfSortedRecordSets) {
-    const Ref<RecordSet> everyone = rows(u"(ProfileCN=Paging)", 3000);
+TEST_P(PagingTest, ListsUsersInTheOrderOfSortedRecordSets) {
+    const Rows everyone = rows(u"(ProfileCN=Paging)", 3000);
     const std::vector<Text> listed = names_of(everyone);
     ASSERT_EQ(listed.size(), 3000u);
     call<&RecordSet::SetSort>(everyone, u"CN DESC");
@@ -234,13 +217,12 @@ TEST_F(PagingTest, ListsUsersInTheOrderOfSortedRecordSets) {
     EXPECT_EQ(names_of(everyone), listed);
 }
 
-TEST_F(PagingTest, WorksForAnOrdinaryUser) {
-    user_ = server_->user_dn("jsmith");
-    password_ = server_->user_password();
+TEST_P(PagingTest, WorksForAnOrdinaryUser) {
+    login_ = user("jsmith");
     EXPECT_THAT(walk(u"(ProfileCN=Paging)", 500), UnorderedElementsAreArray(expected(everybody)));
 }
 
-TEST_F(PagingTest, WorksTogetherWithOtherCriteria) {
+TEST_P(PagingTest, WorksTogetherWithOtherCriteria) {
     EXPECT_THAT(walk(u"(ProfileCN=Paging)(sn=lee)", 100),
                 UnorderedElementsAreArray(expected([](auto& user) { return user.sn == u"Lee"; })));
     EXPECT_THAT(walk(u"(ProfileCN=Paging)(! mail=*)", 300),
@@ -252,18 +234,18 @@ TEST_F(PagingTest, WorksTogetherWithOtherCriteria) {
                 })));
 }
 
-TEST_F(PagingTest, DoesNotDependOnTheColumns) {
+TEST_P(PagingTest, DoesNotDependOnTheColumns) {
     columns_ = Values{u"sn", u"commonName", u"CN"};
     EXPECT_THAT(walk(u"(ProfileCN=Paging)", 1000), UnorderedElementsAreArray(expected(everybody)));
 }
 
-TEST_F(PagingTest, ListsAUserOfSeveralCommonNamesOnceUnderTheOneInItsName) {
+TEST_P(PagingTest, ListsAUserOfSeveralCommonNamesOnceUnderTheOneInItsName) {
     EXPECT_THAT(page(u"(ProfileCN=Paging)(cn>=nor!)(cn<=nora~)", 10),
                 ElementsAre(u"Nora", u"nora b"));
     EXPECT_THAT(page(u"(ProfileCN=Paging)(cn=aaron)", 10), ElementsAre(u"Nora"));
 }
 
-TEST_F(PagingTest, ComparesAlsoWhereTheComparisonIsNotTheWholeCondition) {
+TEST_P(PagingTest, ComparesAlsoWhereTheComparisonIsNotTheWholeCondition) {
     const auto before_b = [](const User& user) { return letters_of(user.name) < u"b"; };
     const auto names = [&](auto condition) {
         return UnorderedElementsAreArray(expected(condition));
@@ -280,4 +262,4 @@ TEST_F(PagingTest, ComparesAlsoWhereTheComparisonIsNotTheWholeCondition) {
 }
 
 }  // namespace
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory

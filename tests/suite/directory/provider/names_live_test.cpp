@@ -1,104 +1,34 @@
 // Plain names of users through creation, search, password check, bind as the user and deletion.
 
-#include <gmock/gmock.h>
-
-#include <map>
-
-#include "platform/interfaces/call.h"
-#include "platform/objects/dictionary/dictionary.h"
-#include "platform/objects/recordset/record_set_contract.h"
-#include "platform/values/values.h"
 #include "suite/directory/filters/filter.h"
-#include "suite/directory/ldap/provider/LdapEntry.h"
-#include "suite/directory/ldap/provider/LdapSearch.h"
-#include "suite/directory/ldap/provider/LdapValidator.h"
 #include "suite/directory/names/written_name.h"
-#include "tests/suite/directory/expect_failure.h"
-#include "tests/support/ldap_probe.h"
-#include "tests/support/slapd.h"
+#include "tests/suite/directory/provider/provider_test.h"
 
-namespace orvo::directory::ldap {
+namespace orvo::directory {
 namespace {
-
-using namespace std::chrono_literals;
-using testing::ElementsAre;
-using testing::IsEmpty;
-
-constexpr const char16_t* users = u"ou=Users,o=Shop";
 
 // As the component puts it together.
 Text path(const Text& name) { return u"cn=" + name + u"," + users; }
 
-class NamesTest : public testing::Test {
+class NamesTest : public ProviderTest {
 protected:
-    void bind(LdapEntry& entry, Text relative_name, Text user = u"", TextView own = u"") {
-        Secret password(own);
-        if (user.empty()) {
-            user = from_utf8(server_.service_dn());
-            password = Secret::of_bytes(server_.service_password());
-        }
-        Text server = from_utf8(server_.server()), container = users;
-        Variant nothing = Values{};
-        entry.Bind(server, container, relative_name, user, password, nothing);
-    }
     void create(const Text& name) {
-        const auto given = make<DictionaryObject>();
-        const std::pair<Text, Text> attributes[] = {
-            {u"cn", name}, {u"userPassword", u"secret"}, {u"objectClass", u"orvoPerson"}};
-        for (const auto& [attribute, value] : attributes) {
-            Variant key = attribute, item = value;
-            call<&Dictionary::Add>(given, key, item);
-        }
-        LdapEntry container{Limits{2s, 2s}};
-        bind(container, u"");
-        Variant classes = u"orvoPerson";
-        Text naming = u"cn";
-        Object dictionary = given.object();
-        container.CreateChild(classes, naming, dictionary);
+        directory::create(
+            bound(u""),
+            {{u"cn", name}, {u"userPassword", u"secret"}, {u"objectClass", u"orvoPerson"}}, u"cn",
+            u"orvoPerson");
     }
-    void remove(Text path) {
-        LdapEntry container{Limits{2s, 2s}};
-        bind(container, u"");
-        Text class_name = u"orvoPerson";
-        container.DeleteChild(class_name, path);
-    }
+    void remove(const Text& path) { directory::remove(bound(u""), path); }
     std::int32_t found(const Text& name) {
-        LdapSearch search{Limits{2s, 2s}};
-        Text server = from_utf8(server_.server()), container = users;
-        Text user = from_utf8(server_.service_dn());
-        Secret password(u"service-sample");
-        search.Connect(server, container, user, password);
         const Filter filter{
             .kind = Filter::Kind::equality, .attribute = "cn", .value = to_utf8(name)};
-        Text condition = from_utf8(filter.text());
-        Variant attributes = Values{u"cn"};
-        const auto rows = Ref<RecordSet>::from(search.Execute(condition, attributes, 1000));
-        return call<&RecordSet::RecordCount>(rows);
+        return ProviderTest::found(from_utf8(filter.text()));
     }
-    std::int32_t checked(const Text& path, const Text& password) {
-        LdapValidator validator(Limits{2s, 2s});
-        Text server = from_utf8(server_.server()), container = users;
-        validator.Open(server, container);
-        Variant path_value = path, password_value = password;
-        return validator.Validate(path_value, password_value);
-    }
-    static Variant cn_of(LdapEntry& entry) {
-        Text cn = u"cn";
-        return entry.GetValues(cn);
-    }
-    // Every entry of the shop with the number of its last change.
-    std::map<std::string, std::vector<std::string>> everything() {
-        std::map<std::string, std::vector<std::string>> entries;
-        for (const std::string& name : probe_.find("o=Shop", "(objectClass=*)"))
-            entries[name] = probe_.values(name, "entryCSN");
-        return entries;
-    }
-
-    PrivateSlapd server_;
-    LdapProbe probe_{server_.url(), server_.root_dn(), server_.root_password()};
+    static Variant cn_of(const Entry& entry) { return values(entry, u"cn"); }
 };
+FOR_EVERY_DIRECTORY(NamesTest);
 
-TEST_F(NamesTest, WorkEverywhereWhateverIsInThem) {
+TEST_P(NamesTest, WorkEverywhereWhateverIsInThem) {
     const Text names[] = {u"Miller, John",
                           u"a+b",
                           u"a=b",
@@ -150,25 +80,24 @@ TEST_F(NamesTest, WorkEverywhereWhateverIsInThem) {
                           Text(200, u'x'),
                           Text(60, u','),
                           Text(50, u'\u65E5')};
-    const auto before = everything();
+    const auto before = shop_.everything();
     for (const Text& name : names) {
         SCOPED_TRACE(to_utf8(name));
         create(name);
-        EXPECT_EQ(everything().size(), before.size() + 1);
+        EXPECT_EQ(shop_.everything().size(), before.size() + 1);
         EXPECT_EQ(found(name), 1);
         EXPECT_EQ(checked(path(name), u"secret"), 0);
         EXPECT_EQ(checked(path(name), u"wrong"), -1);
-        LdapEntry entry, own;
-        bind(entry, u"cn=" + name);
+        const Entry entry = bound(u"cn=" + name), own = new_entry();
         EXPECT_EQ(cn_of(entry), Variant(Values{name}));
-        bind(own, u"cn=" + name, path(name), u"secret");
+        bind(own, path(name), Secret(u"secret"), u"cn=" + name);
         EXPECT_EQ(cn_of(own), Variant(Values{name}));
         remove(path(name));
-        EXPECT_EQ(everything(), before);
+        EXPECT_EQ(shop_.everything(), before);
     }
 }
 
-TEST_F(NamesTest, ThatNobodyCouldLogInWithAreRefusedAtCreation) {
+TEST_P(NamesTest, ThatNobodyCouldLogInWithAreRefusedAtCreation) {
     const std::pair<Text, TextView> names[] = {
         {u"R&D <core>, team=blue", u"cn=R&D \\<core\\>, team=blue,ou=Users,o=Shop"},
         {u"He said \"x\", a=b", u"cn=He said \\\"x\\\", a=b,ou=Users,o=Shop"},
@@ -176,31 +105,31 @@ TEST_F(NamesTest, ThatNobodyCouldLogInWithAreRefusedAtCreation) {
         {u"a, b, c=d", u"cn=a\\, b, c=d,ou=Users,o=Shop"},
         {u"a\\", u"cn=a\\,ou=Users,o=Shop"},
         {u"\\", u"cn=\\,ou=Users,o=Shop"}};
-    const auto before = everything();
+    const auto before = shop_.everything();
     for (const auto& [name, read] : names) {
-        const Failure failure = failure_of([&] { create(name); });
+        const Failure failure = refusal_of([&] { create(name); });
         EXPECT_EQ(failure.number, error_number(0x80072032)) << to_utf8(name);
         EXPECT_EQ(to_utf8(failure.description),
                   to_utf8(u"(34) The distinguished name is not valid. Nobody could log in as 'cn=" +
                           name + u"': with its container it is read as '" + Text(read) + u"'."));
     }
-    EXPECT_EQ(everything(), before);
+    EXPECT_EQ(shop_.everything(), before);
 }
 
-TEST_F(NamesTest, OfAnotherEntryWhereTheyAreNotEscapedAreRefusedAtCreation) {
-    const auto before = everything();
+TEST_P(NamesTest, OfAnotherEntryWhereTheyAreNotEscapedAreRefusedAtCreation) {
+    const auto before = shop_.everything();
     for (const char16_t* name : {u"a,cn=jsmith", u"a+sn=b", u"Smith\\, John", u"Smith\\2C John",
                                  u"#6A736D697468", u"jsmith,ou=Users,o=Shop", u" "}) {
-        const Failure failure = failure_of([&] { create(name); });
+        const Failure failure = refusal_of([&] { create(name); });
         EXPECT_EQ(failure.number, error_number(0x80072032)) << to_utf8(name);
         EXPECT_EQ(failure.description, u"(34) The distinguished name is not valid. The name '" +
                                            Text(name) +
                                            u"' could be taken for that of another entry.");
     }
-    EXPECT_EQ(everything(), before);
+    EXPECT_EQ(shop_.everything(), before);
 }
 
-TEST_F(NamesTest, ThatAreTooLongForTheServerAreRefusedAtCreation) {
+TEST_P(NamesTest, ThatAreTooLongForTheServerAreRefusedAtCreation) {
     const std::pair<std::size_t, TextView> refusals[] = {
         {300, u"(80) The server met an error of another kind. The name may be too long for it."},
         {1'000, u"(80) The server met an error of another kind. The name may be too long for it."},
@@ -208,51 +137,50 @@ TEST_F(NamesTest, ThatAreTooLongForTheServerAreRefusedAtCreation) {
         {100'000,
          u"(34) The distinguished name is not valid. With its container it has more than "
          u"8192 characters."}};
-    const auto before = everything();
+    const auto before = shop_.everything();
     for (const auto& [length, description] : refusals)
-        EXPECT_EQ(failure_of([&] { create(Text(length, u'x')); }).description, description);
-    EXPECT_EQ(everything(), before);
+        EXPECT_EQ(refusal_of([&] { create(Text(length, u'x')); }).description, description);
+    EXPECT_EQ(shop_.everything(), before);
 }
 
 // Sent to the server, such a half would be U+FFFD, and the name that of another user.
-TEST_F(NamesTest, WithHalfOfASurrogatePairAreNobodys) {
+TEST_P(NamesTest, WithHalfOfASurrogatePairAreNobodys) {
     create(u"\xFFFD");
-    const auto before = everything();
+    const auto before = shop_.everything();
     const TextView description =
         u"(34) The distinguished name is not valid. A name cannot hold half of a surrogate pair.";
     for (const Text name : {u"\xD83D", u"\xDE00"}) {
-        EXPECT_EQ(failure_of([&] { create(name); }).description, description);
-        EXPECT_EQ(failure_of([&] { remove(path(name)); }).description, description);
+        EXPECT_EQ(refusal_of([&] { create(name); }).description, description);
+        EXPECT_EQ(refusal_of([&] { remove(path(name)); }).description, description);
         EXPECT_EQ(checked(path(name), u"secret"), -1);
-        LdapEntry entry;
-        EXPECT_EQ(failure_of([&] { bind(entry, u"cn=" + name); }).description, description);
+        EXPECT_EQ(refusal_of([&] { bound(u"cn=" + name); }).description, description);
         const Failure refused =
-            failure_of([&] { bind(entry, u"cn=\xFFFD", path(name), u"secret"); });
+            refusal_of([&] { bind(new_entry(), path(name), Secret(u"secret"), u"cn=\xFFFD"); });
         EXPECT_EQ(refused.number, error_number(0x8007052E));
         EXPECT_EQ(refused.description,
                   u"(49) The user name or the password is wrong. The user's name holds half of a "
                   u"surrogate pair.");
     }
-    EXPECT_EQ(everything(), before);
+    EXPECT_EQ(shop_.everything(), before);
     EXPECT_EQ(checked(path(u"\xFFFD"), u"secret"), 0);
 }
 
-TEST_F(NamesTest, FoldTheirBlanksAsTheServerDoes) {
+TEST_P(NamesTest, FoldTheirBlanksAsTheServerDoes) {
     create(u" new  name ");
-    EXPECT_THAT(probe_.values(server_.user_dn("new name"), "cn"), ElementsAre(" new  name "));
-    EXPECT_EQ(failure_of([&] { create(u"new name"); }).number, error_number(0x8004044F));
+    EXPECT_THAT(shop_.values(shop_.user_dn("new name"), "cn"), ElementsAre(" new  name "));
+    EXPECT_EQ(refusal_of([&] { create(u"new name"); }).number, error_number(0x8004044F));
     EXPECT_EQ(checked(path(u"New Name"), u"secret"), 0);
     remove(path(u"new name"));
-    EXPECT_THAT(probe_.find("ou=Users,o=Shop", "(cn=new name)"), IsEmpty());
+    EXPECT_THAT(shop_.find("ou=Users,o=Shop", "(cn=new name)"), IsEmpty());
 }
 
 // Such entries come from other programs.
-TEST_F(NamesTest, ThatCanBeReadWithTheirContainerAloneHaveTheirPasswordChecked) {
+TEST_P(NamesTest, ThatCanBeReadWithTheirContainerAloneHaveTheirPasswordChecked) {
     for (const char16_t* name : {u"R&D <core>, team=blue", u"He said \"x\", a=b", u"a\\", u"\\"}) {
         const std::string entry = to_utf8(u"cn=" + escaped_value(name) + u"," + users);
-        ASSERT_EQ(probe_.add(entry, {{"objectClass", {"orvoPerson"}},
-                                     {"cn", {to_utf8(name)}},
-                                     {"userPassword", {"secret"}}}),
+        ASSERT_EQ(shop_.add(entry, {{"objectClass", {"orvoPerson"}},
+                                    {"cn", {to_utf8(name)}},
+                                    {"userPassword", {"secret"}}}),
                   0);
         EXPECT_EQ(checked(path(name), u"secret"), 0) << to_utf8(name);
         EXPECT_EQ(checked(path(name), u"wrong"), -1) << to_utf8(name);
@@ -262,4 +190,4 @@ TEST_F(NamesTest, ThatCanBeReadWithTheirContainerAloneHaveTheirPasswordChecked) 
 }
 
 }  // namespace
-}  // namespace orvo::directory::ldap
+}  // namespace orvo::directory
