@@ -48,7 +48,8 @@ TEST(AnAccount, IsReadFromItsEntry) {
     EXPECT_THAT(state.history, ElementsAre("4", "5"));
     EXPECT_EQ(state.start_time, "6");
     EXPECT_EQ(state.end_time, "7");
-    EXPECT_EQ(AccountState::from({}).reset, std::nullopt);
+    EXPECT_EQ(AccountState::from({}), AccountState());
+    EXPECT_FALSE(state == AccountState());
 }
 
 TEST(ARightLogin, WritesNothing) {
