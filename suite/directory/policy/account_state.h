@@ -43,7 +43,6 @@ struct AccountState {
     std::string end_time;
 
     static AccountState from(const EntryData& user);
-    bool operator==(const AccountState&) const = default;
 
     // While it is locked no password is right, and none needs to be looked at.
     bool is_locked(const PasswordRules& rules, Moment now) const;
