@@ -74,7 +74,8 @@ Identity Login::identity(const Reading& reading) const {
 // Users who have to change their password do that first.
 void Login::require_unrestricted(const Reading& reading, const Identity& who) const {
     if (who.is_nobody() || !AccountState::from(who.entry()).reset.value_or(false)) return;
-    if (directory_->password_rules(reading, who.entry()))
+    const std::optional<PasswordRules> policy = directory_->password_rules(reading, who.entry());
+    if (policy && policy->must_change)
         refuse_access("Operations are restricted to bind/unbind/abandon/StartTLS/modify password");
 }
 

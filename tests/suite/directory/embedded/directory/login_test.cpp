@@ -126,6 +126,13 @@ TEST_F(Logins, WhoHasToChangeThePasswordDoesNothingElse) {
     EXPECT_EQ(own.read(user("jsmith")).name, user("jsmith"));
 }
 
+TEST_F(Logins, AResetPasswordHoldsNobodyBackWhereThePolicyDoesNotMindIt) {
+    demand({{"pwdLockout", {"TRUE"}}});
+    put(user("jsmith"), "pwdReset", {"TRUE"});
+    EXPECT_EQ(check(user("jsmith"), "shop-sample"), password_check::right);
+    EXPECT_EQ(login(user("jsmith"), "shop-sample").read(user("jsmith")).name, user("jsmith"));
+}
+
 TEST_F(Logins, AUserWhoIsDeletedIsOutAtOnce) {
     Login own = login(user("jsmith"), "shop-sample");
     own.known(user("jsmith"));
