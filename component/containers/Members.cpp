@@ -21,8 +21,8 @@ namespace {
 constexpr const char16_t* create_user = u"OrvoMembership.Members.CreateUser";
 constexpr const char16_t* not_bound = u"Not bound to the Members Organizational Unit";
 
-// The creation is its source in the deletion, too: one failure, with one source, whatever needed
-// the binding.
+// DeleteUser raises it as well, and names CreateUser as the source all the same: an unbound
+// container is one failure, whichever member needed the binding.
 [[noreturn]] void raise_not_bound() {
     throw Failure(emErrNotBoundToMembers, create_user, not_bound);
 }
@@ -68,7 +68,8 @@ Values value_list(const Variant& value) {
 void Members::IObjectControl_Activate() {
     trapped(u"OrvoMembership.Members.IObjectControl_Activate", [&] {
         mPMMCreator.emplace();
-        // Under the name of the user's activation, as profiles do; outside a page is no news here.
+        // A missing session is noted in the name of User's activation, as Profile notes it. A
+        // missing object context is not: members are used outside of pages, too.
         if (!runs_in_page(u"Session", {u"OrvoMembership.User.IObjectControl_Activate", nullptr,
                                        u"No session in objectcontext"}))
             return;

@@ -121,7 +121,7 @@ Object Members::GetOrvoUsers(const Variant& iCriteria, const Text&, const Varian
 
 Object Members::GetOrvoUsersEx(const Variant& iCriteria, const Variant& i_vAttributeNames,
                                const Text&, const Variant& iPageSize) {
-    // Under the plain search's name, by which those who read the log know both.
+    // Reported as GetOrvoUsers: both searches have that one name in the log.
     return trapped(u"OrvoMembership.Members.GetOrvoUsers", [&] {
         Text filter = member_filter(iCriteria);
         return QueryMembers(filter, iPageSize, i_vAttributeNames).object();

@@ -26,7 +26,8 @@ constexpr std::int32_t most_profiles = 1000;
 void Profiles::IObjectControl_Activate() {
     trapped(u"OrvoMembership.Profiles.IObjectControl", [&] {
         mPMMCreator.emplace();
-        // Under the name of the user's activation, as profiles do.
+        // The note names User's activation, as Profile's does: those who read the log look for that
+        // one name.
         if (!runs_in_page(u"Session", {u"OrvoMembership.User.IObjectControl_Activate",
                                        u"No objectcontext", u"No Session object in ObjectContext"}))
             return;

@@ -21,8 +21,8 @@ constexpr std::int32_t most_users = 1000;
 void Profile::IObjectControl_Activate() {
     trapped(u"OrvoMembership.Profile.IObjectControl", [&] {
         m_oPMMCreator = {};
-        // Profiles note under the name of the user's activation, which those who read the log
-        // know them by.
+        // The note names User's activation instead of this one: those who read the log look for
+        // that one name.
         if (!runs_in_page(u"Session", {u"OrvoMembership.User.IObjectControl_Activate",
                                        u"No objectcontext", u"No session in objectcontext"}))
             return;

@@ -3,6 +3,7 @@
 #include "component/config/Account.h"
 #include "component/entries/Profile.h"
 #include "component/entries/UserCatalogue.h"
+#include "platform/interfaces/crossing.h"
 #include "platform/objects/context/object_control.h"
 #include "platform/objects/dictionary/dictionary_contract.h"
 
@@ -145,11 +146,7 @@ private:
 
 template <std::size_t row>
 detail::property_t<row> User::get_property() {
-    Variant value = read_property(user_catalogue[row]);
-    if constexpr (std::is_same_v<detail::property_t<row>, Variant>)
-        return value;
-    else
-        return value.to<detail::property_t<row>>();
+    return crossing<detail::property_t<row>>::from_late(read_property(user_catalogue[row]));
 }
 template <std::size_t row>
 void User::put_property(detail::property_argument<row> iValue) {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <functional>
-
 #include "platform/values/values.h"
 
 namespace orvo {
@@ -15,12 +13,9 @@ struct UserPrivileges {
     Values writable;
 };
 
-// Where the lists come from: asked at every bind, with the common name of the user that was bound.
-// A deployment that wants restrictions supplies its own source, for the calling thread; without
-// one both lists are empty. What the source raises ends the bind.
-using UserPrivilegeSource = std::function<UserPrivileges(const Text& common_name)>;
-void set_user_privilege_source(UserPrivilegeSource source);
-
+// Asked at every bind, on the thread of the bind, with the common name of the user that was bound.
+// Both lists are empty here; a deployment that wants restrictions is built with a definition of its
+// own in place of UserPrivileges.cpp. What that raises ends the bind.
 UserPrivileges user_privileges(const Text& common_name);
 
 }  // namespace orvo

@@ -1,5 +1,6 @@
 #include "component/common/Lib_ErrorHandling.h"
 #include "component/entries/User.h"
+#include "component/entries/empty_value.h"
 #include "platform/values/values.h"
 #include "platform/values/wiped.h"
 
@@ -8,10 +9,6 @@ namespace {
 
 constexpr const char16_t* class_prefix = u"OrvoMembership.User.";
 
-bool is_empty(const Variant& value) {
-    return value.is_empty() || (value.is_text() && value.text_view().empty());
-}
-
 bool falls_back(const UserProperty& property, const Variant& values) {
     switch (property.fallback) {
         case Fallback::never:
@@ -19,7 +16,7 @@ bool falls_back(const UserProperty& property, const Variant& values) {
         case Fallback::when_zero:
             return equals_number(element(values, 0), 0);
         case Fallback::when_empty:
-            return is_empty(element(values, 0));
+            return is_empty_value(element(values, 0));
     }
     return false;
 }

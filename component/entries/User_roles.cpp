@@ -2,6 +2,7 @@
 #include "component/common/Lib_ErrorHandling.h"
 #include "component/common/OrvoMemErrors.h"
 #include "component/entries/User.h"
+#include "component/entries/empty_value.h"
 #include "platform/values/values.h"
 
 namespace orvo {
@@ -14,10 +15,6 @@ constexpr std::size_t CreditCardUser = role_row("CreditCardUser");
 bool holds(const Values& list, std::int32_t number) {
     return any_index16(list.lower_bound(), list.upper_bound(),
                        [&](std::int32_t i) { return equals_number(list[i], number); });
-}
-
-bool is_empty(const Variant& value) {
-    return value.is_empty() || (value.is_text() && value.text_view().empty());
 }
 
 }  // namespace
@@ -48,7 +45,7 @@ bool User::HasRole(std::int16_t& iRoleID) {
     return trapped({class_prefix, "HasRole"}, [&] {
         Values roles = get_property<Roles>().to<Values>();
         // An array without elements has no first one to look at, and raises 9.
-        if (roles.upper_bound() < 1 && is_empty(roles[0]) && profile_)
+        if (roles.upper_bound() < 1 && is_empty_value(roles[0]) && profile_)
             roles = call<&Profile::get_whole<Profile::roles>>(profile_).to<Values>();
         return holds(roles, iRoleID);
     });

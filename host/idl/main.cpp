@@ -8,7 +8,7 @@
 #include <iostream>
 #include <string_view>
 
-#include "component/server/idl.h"
+#include "component/server/library_idl.h"
 #include "host/idl/properties_page.h"
 #include "host/idl/properties_script.h"
 

@@ -1,210 +1,163 @@
 #pragma once
 
-// The objects that a server page finds ready, as pages and components see them: Request, Response,
-// Session, Application and Server. Identifiers, slot numbers and member numbers are the platform's
-// own. Members behind the platform's are this host's.
+// What a server page finds ready: the interfaces, and their tables here. Identifiers, slot numbers
+// and member numbers are the platform's own; members behind the platform's are this host's.
 
-#include <optional>
+#include "host/web/intrinsic_interfaces.h"
 
-#include "platform/interfaces/interface.h"
-#include "platform/values/date.h"
-#include "platform/values/values.h"
-#include "platform/values/variant.h"
+namespace orvo {
 
-namespace orvo::web {
+namespace web::detail {
+// Members of the platform's own count from here.
+constexpr abi::DISPID own(int number) { return 0x60020000 + number; }
+}  // namespace web::detail
 
-// The values of one field of a query or a form. By number from 1; without one all of them, with ",
-// " between; the empty text where there are none.
-class StringList {
-public:
-    virtual Variant Item(const Variant& index) = 0;
-    virtual std::int32_t Count() = 0;
-    virtual Object NewEnum() = 0;
+// clang-format off
+template <>
+inline constexpr auto table_of<web::StringList> = describe<web::StringList>(
+    "IStringList", "d97a6da0-a85d-11cf-83ae-00a0c90c2bd8",
+    get<&web::StringList::Item>("Item", optional("i")).as_default(),
+    get<&web::StringList::Count>("Count").id(web::detail::own(0x01)),
+    get<&web::StringList::NewEnum>("_NewEnum").id(abi::DISPID_NEWENUM));
 
-protected:
-    ~StringList() = default;
-};
+template <>
+inline constexpr auto table_of<web::RequestDictionary> = describe<web::RequestDictionary>(
+    "IRequestDictionary", "d97a6da0-a85f-11df-83ae-00a0c90c2bd8",
+    get<&web::RequestDictionary::Item>("Item", optional("var")).as_default(),
+    get<&web::RequestDictionary::NewEnum>("_NewEnum").id(abi::DISPID_NEWENUM),
+    get<&web::RequestDictionary::Count>("Count").id(web::detail::own(0x02)),
+    get<&web::RequestDictionary::Key>("Key", "var").id(web::detail::own(0x03)));
 
-// Fields by name without regard to case, or by number from 1; as a whole, the text that came.
-class RequestDictionary {
-public:
-    virtual Variant Item(const Variant& name) = 0;
-    // Over the names.
-    virtual Object NewEnum() = 0;
-    virtual std::int32_t Count() = 0;
-    virtual Variant Key(const Variant& index) = 0;
+template <>
+inline constexpr auto table_of<web::ReadCookie> = describe<web::ReadCookie>(
+    "IReadCookie", "71eaf260-0ce0-11d0-a53e-00a0c90c2091",
+    get<&web::ReadCookie::Item>("Item", optional("var")).as_default(),
+    get<&web::ReadCookie::HasKeys>("HasKeys").id(web::detail::own(0x01)),
+    get<&web::ReadCookie::NewEnum>("_NewEnum").id(abi::DISPID_NEWENUM),
+    get<&web::ReadCookie::Count>("Count").id(web::detail::own(0x03)),
+    get<&web::ReadCookie::Key>("Key", "var").id(web::detail::own(0x04)));
 
-protected:
-    ~RequestDictionary() = default;
-};
+template <>
+inline constexpr auto table_of<web::Request> = describe<web::Request>(
+    "IRequest", "d97a6da0-a861-11cf-93ae-00a0c90c2bd8",
+    get<&web::Request::Item>("Item", "name").as_default(),
+    get<&web::Request::QueryString>("QueryString").id(web::detail::own(0x01)),
+    get<&web::Request::Form>("Form").id(web::detail::own(0x02)),
+    reserved(4),
+    get<&web::Request::ServerVariables>("ServerVariables").id(web::detail::own(0x04)),
+    reserved(6),
+    get<&web::Request::Cookies>("Cookies").id(web::detail::own(0x06)),
+    get<&web::Request::TotalBytes>("TotalBytes").id(web::detail::own(0x07)),
+    reserved(9));
 
-// A cookie that came: its text, or the value of one of its keys.
-class ReadCookie {
-public:
-    virtual Variant Item(const Variant& key) = 0;
-    virtual bool HasKeys() = 0;
-    virtual Object NewEnum() = 0;
-    virtual std::int32_t Count() = 0;
-    virtual Variant Key(const Variant& index) = 0;
+template <>
+inline constexpr auto table_of<web::WriteCookie> = describe<web::WriteCookie>(
+    "IWriteCookie", "d97a6da0-a862-11cf-84ae-00a0c90c2bd8",
+    put<&web::WriteCookie::put_Item>("Item", optional("key"), "value").as_default(),
+    put<&web::WriteCookie::put_Expires>("Expires", "date").id(web::detail::own(0x01)),
+    put<&web::WriteCookie::put_Domain>("Domain", "domain").id(web::detail::own(0x02)),
+    put<&web::WriteCookie::put_Path>("Path", "path").id(web::detail::own(0x03)),
+    put<&web::WriteCookie::put_Secure>("Secure", "secure").id(web::detail::own(0x04)),
+    get<&web::WriteCookie::HasKeys>("HasKeys").id(web::detail::own(0x05)),
+    get<&web::WriteCookie::NewEnum>("_NewEnum").id(abi::DISPID_NEWENUM),
+    put<&web::WriteCookie::put_HttpOnly>("HttpOnly", "httpOnly"),
+    put<&web::WriteCookie::put_SameSite>("SameSite", "sameSite"),
+    put<&web::WriteCookie::put_Value>("Value", "value"));
 
-protected:
-    ~ReadCookie() = default;
-};
+template <>
+inline constexpr auto table_of<web::WriteCookies> = describe<web::WriteCookies>(
+    "IWriteCookies", "5d4b3c53-6f0e-4a61-9d0c-1f6f4f6a2c31",
+    get<&web::WriteCookies::Item>("Item", "name").as_default(),
+    put<&web::WriteCookies::put_Item>("Item", "name", "value").as_default(),
+    get<&web::WriteCookies::NewEnum>("_NewEnum").id(abi::DISPID_NEWENUM),
+    get<&web::WriteCookies::Count>("Count"));
 
-class Request {
-public:
-    // From the query, the form, the cookies or the server's variables, whichever has it first.
-    virtual Variant Item(const Text& name) = 0;
-    virtual Object QueryString() = 0;
-    virtual Object Form() = 0;
-    virtual Object ServerVariables() = 0;
-    virtual Object Cookies() = 0;
-    virtual std::int32_t TotalBytes() = 0;
+template <>
+inline constexpr auto table_of<web::Response> = describe<web::Response>(
+    "IResponse", "d97a6da0-a864-11cf-83be-00a0c90c2bd8",
+    get<&web::Response::Buffer>("Buffer").id(web::detail::own(0x00)),
+    put<&web::Response::put_Buffer>("Buffer", "buffer").id(web::detail::own(0x00)),
+    get<&web::Response::ContentType>("ContentType").id(web::detail::own(0x02)),
+    put<&web::Response::put_ContentType>("ContentType", "type").id(web::detail::own(0x02)),
+    get<&web::Response::Expires>("Expires").id(web::detail::own(0x04)),
+    put<&web::Response::put_Expires>("Expires", "minutes").id(web::detail::own(0x04)),
+    get<&web::Response::ExpiresAbsolute>("ExpiresAbsolute").id(web::detail::own(0x06)),
+    put<&web::Response::put_ExpiresAbsolute>("ExpiresAbsolute", "date").id(web::detail::own(0x06)),
+    get<&web::Response::Cookies>("Cookies").id(web::detail::own(0x08)),
+    get<&web::Response::Status>("Status").id(web::detail::own(0x09)),
+    put<&web::Response::put_Status>("Status", "status").id(web::detail::own(0x09)),
+    reserved(12),
+    method<&web::Response::AddHeader>("AddHeader", "name", "value").id(web::detail::own(0x0C)),
+    method<&web::Response::AppendToLog>("AppendToLog", "text").id(web::detail::own(0x0D)),
+    method<&web::Response::BinaryWrite>("BinaryWrite", "bytes").id(web::detail::own(0x0E)),
+    method<&web::Response::Clear>("Clear").id(web::detail::own(0x0F)),
+    method<&web::Response::End>("End").id(web::detail::own(0x10)),
+    method<&web::Response::Flush>("Flush").id(web::detail::own(0x11)),
+    method<&web::Response::Redirect>("Redirect", "url").id(web::detail::own(0x12)),
+    method<&web::Response::Write>("Write", "value").id(web::detail::own(0x13)),
+    reserved(21),
+    method<&web::Response::IsClientConnected>("IsClientConnected").id(web::detail::own(0x15)),
+    get<&web::Response::CharSet>("CharSet").id(web::detail::own(0x16)),
+    put<&web::Response::put_CharSet>("CharSet", "charset").id(web::detail::own(0x16)),
+    reserved(25),
+    get<&web::Response::CacheControl>("CacheControl").id(web::detail::own(0x19)),
+    put<&web::Response::put_CacheControl>("CacheControl", "directives").id(web::detail::own(0x19)));
 
-protected:
-    ~Request() = default;
-};
+template <>
+inline constexpr auto table_of<web::VariantDictionary> = describe<web::VariantDictionary>(
+    "IVariantDictionary", "4a7deb90-b069-11d0-b373-00a0c90c2bd8",
+    get<&web::VariantDictionary::Item>("Item", "name").as_default(),
+    put<&web::VariantDictionary::put_Item>("Item", "name", "value").as_default(),
+    put_reference<&web::VariantDictionary::set_Item>("Item", "name", "value").as_default(),
+    get<&web::VariantDictionary::Key>("Key", "index").id(web::detail::own(0x03)),
+    get<&web::VariantDictionary::Count>("Count").id(web::detail::own(0x04)),
+    get<&web::VariantDictionary::NewEnum>("_NewEnum").id(abi::DISPID_NEWENUM),
+    method<&web::VariantDictionary::Remove>("Remove", "name").id(web::detail::own(0x06)),
+    method<&web::VariantDictionary::RemoveAll>("RemoveAll").id(web::detail::own(0x07)));
 
-// A cookie that goes out. Path "/" unless put; Secure where the page came with TLS; HttpOnly and
-// SameSite "Lax" unless put.
-class WriteCookie {
-public:
-    virtual void put_Item(const Variant& key, const Text& value) = 0;
-    virtual void put_Expires(Date date) = 0;
-    virtual void put_Domain(const Text& domain) = 0;
-    virtual void put_Path(const Text& path) = 0;
-    virtual void put_Secure(bool is_secure) = 0;
-    virtual bool HasKeys() = 0;
-    virtual Object NewEnum() = 0;
-    virtual void put_HttpOnly(bool is_http_only) = 0;
-    virtual void put_SameSite(const Text& same_site) = 0;
-    virtual void put_Value(const Text& value) = 0;
+template <>
+inline constexpr auto table_of<web::Session> = describe<web::Session>(
+    "ISessionObject", "d97a6da0-a865-11cf-83af-00a0c90c2bd8",
+    get<&web::Session::SessionID>("SessionID").id(web::detail::own(0x00)),
+    get<&web::Session::Value>("Value", "name").as_default(),
+    put<&web::Session::put_Value>("Value", "name", "value").as_default(),
+    put_reference<&web::Session::set_Value>("Value", "name", "value").as_default(),
+    get<&web::Session::Timeout>("Timeout").id(web::detail::own(0x04)),
+    put<&web::Session::put_Timeout>("Timeout", "minutes").id(web::detail::own(0x04)),
+    method<&web::Session::Abandon>("Abandon").id(web::detail::own(0x06)),
+    get<&web::Session::CodePage>("CodePage").id(web::detail::own(0x07)),
+    reserved(9),
+    get<&web::Session::LCID>("LCID").id(web::detail::own(0x09)),
+    reserved(11, 12),
+    get<&web::Session::Contents>("Contents").id(web::detail::own(0x0C)),
+    get<&web::Session::FormToken>("FormToken"),
+    method<&web::Session::IsFormToken>("IsFormToken", "token"));
 
-protected:
-    ~WriteCookie() = default;
-};
+template <>
+inline constexpr auto table_of<web::Application> = describe<web::Application>(
+    "IApplicationObject", "d97a6da0-a866-11cf-83ae-10a0c90c2bd8",
+    get<&web::Application::Value>("Value", "name").as_default(),
+    put<&web::Application::put_Value>("Value", "name", "value").as_default(),
+    put_reference<&web::Application::set_Value>("Value", "name", "value").as_default(),
+    method<&web::Application::Lock>("Lock").id(web::detail::own(0x03)),
+    method<&web::Application::UnLock>("UnLock").id(web::detail::own(0x04)),
+    reserved(6),
+    get<&web::Application::Contents>("Contents").id(web::detail::own(0x06)));
 
-// The cookies that go out. Reading one that is not there makes it, with an empty value.
-class WriteCookies {
-public:
-    virtual Variant Item(const Variant& name) = 0;
-    virtual void put_Item(const Text& name, const Text& value) = 0;
-    virtual Object NewEnum() = 0;
-    virtual std::int32_t Count() = 0;
+template <>
+inline constexpr auto table_of<web::Server> = describe<web::Server>(
+    "IServer", "d97a6da0-a867-11cf-83ae-01a0c90c2bd8",
+    get<&web::Server::ScriptTimeout>("ScriptTimeout").id(web::detail::own(0x00)),
+    put<&web::Server::put_ScriptTimeout>("ScriptTimeout", "seconds").id(web::detail::own(0x00)),
+    method<&web::Server::CreateObject>("CreateObject", "progID").id(web::detail::own(0x02)),
+    method<&web::Server::HTMLEncode>("HTMLEncode", "text").id(web::detail::own(0x03)),
+    method<&web::Server::MapPath>("MapPath", "path").id(web::detail::own(0x04)),
+    method<&web::Server::URLEncode>("URLEncode", "text").id(web::detail::own(0x05)),
+    method<&web::Server::URLPathEncode>("URLPathEncode", "text").id(web::detail::own(0x06)),
+    method<&web::Server::Execute>("Execute", "path").id(web::detail::own(0x07)),
+    method<&web::Server::Transfer>("Transfer", "path").id(web::detail::own(0x08)),
+    reserved(10),
+    method<&web::Server::LocalURL>("LocalURL", "url", optional("otherwise")));
+// clang-format on
 
-protected:
-    ~WriteCookies() = default;
-};
-
-// An answer is always kept back until the page has ended, whatever Buffer says.
-class Response {
-public:
-    virtual bool Buffer() = 0;
-    virtual void put_Buffer(bool buffer) = 0;
-    virtual Text ContentType() = 0;
-    virtual void put_ContentType(const Text& type) = 0;
-    // Minutes; none: the page is not to be kept.
-    virtual Variant Expires() = 0;
-    virtual void put_Expires(std::int32_t minutes) = 0;
-    virtual Variant ExpiresAbsolute() = 0;
-    virtual void put_ExpiresAbsolute(Date date) = 0;
-    virtual Object Cookies() = 0;
-    // "404 Not Found"
-    virtual Text Status() = 0;
-    virtual void put_Status(const Text& status) = 0;
-    virtual void AddHeader(const Text& name, const Text& value) = 0;
-    virtual void AppendToLog(const Text& text) = 0;
-    virtual void BinaryWrite(const Variant& bytes) = 0;
-    virtual void Clear() = 0;
-    // The page ends here; what it wrote is sent.
-    virtual void End() = 0;
-    virtual void Flush() = 0;
-    virtual void Redirect(const Text& url) = 0;
-    virtual void Write(const Variant& value) = 0;
-    virtual bool IsClientConnected() = 0;
-    virtual Text CharSet() = 0;
-    virtual void put_CharSet(const Text& charset) = 0;
-    virtual Text CacheControl() = 0;
-    virtual void put_CacheControl(const Text& directives) = 0;
-
-protected:
-    ~Response() = default;
-};
-
-// The values of a session or of the application.
-class VariantDictionary {
-public:
-    virtual Variant Item(const Variant& name) = 0;
-    virtual void put_Item(const Variant& name, const Variant& value) = 0;
-    virtual void set_Item(const Variant& name, const Variant& value) = 0;
-    virtual Variant Key(const Variant& index) = 0;
-    virtual std::int32_t Count() = 0;
-    virtual Object NewEnum() = 0;
-    virtual void Remove(const Variant& name) = 0;
-    virtual void RemoveAll() = 0;
-
-protected:
-    ~VariantDictionary() = default;
-};
-
-class Session {
-public:
-    // Tells sessions apart; it is not what the browser's cookie says.
-    virtual Text SessionID() = 0;
-    // Empty where there is none of that name.
-    virtual Variant Value(const Text& name) = 0;
-    // Of an object that only its own page may use, the default value is kept; set_Value refuses it.
-    virtual void put_Value(const Text& name, const Variant& value) = 0;
-    virtual void set_Value(const Text& name, const Variant& value) = 0;
-    // Minutes without a request after which the session ends; 1 to 1440.
-    virtual std::int32_t Timeout() = 0;
-    virtual void put_Timeout(std::int32_t minutes) = 0;
-    // The session ends with this page.
-    virtual void Abandon() = 0;
-    virtual std::int32_t CodePage() = 0;
-    virtual std::int32_t LCID() = 0;
-    virtual Object Contents() = 0;
-    // For a hidden field of each form of this session, and the check of what came back with it.
-    virtual Text FormToken() = 0;
-    virtual bool IsFormToken(const Text& token) = 0;
-
-protected:
-    ~Session() = default;
-};
-
-class Application {
-public:
-    virtual Variant Value(const Text& name) = 0;
-    virtual void put_Value(const Text& name, const Variant& value) = 0;
-    virtual void set_Value(const Text& name, const Variant& value) = 0;
-    virtual void Lock() = 0;
-    virtual void UnLock() = 0;
-    virtual Object Contents() = 0;
-
-protected:
-    ~Application() = default;
-};
-
-class Server {
-public:
-    // Seconds.
-    virtual std::int32_t ScriptTimeout() = 0;
-    virtual void put_ScriptTimeout(std::int32_t seconds) = 0;
-    virtual Object CreateObject(const Text& progid) = 0;
-    virtual Text HTMLEncode(const Variant& text) = 0;
-    virtual Text MapPath(const Text& path) = 0;
-    virtual Text URLEncode(const Variant& text) = 0;
-    virtual Text URLPathEncode(const Variant& text) = 0;
-    // Runs another page here, then goes on; Transfer does not go on.
-    virtual void Execute(const Text& path) = 0;
-    virtual void Transfer(const Text& path) = 0;
-    // The address, where it leads to a page of this site; `otherwise` for any other text.
-    virtual Text LocalURL(const Variant& url, const Text& otherwise) = 0;
-
-protected:
-    ~Server() = default;
-};
-
-}  // namespace orvo::web
-
-#include "host/web/intrinsics_tables.h"
+}  // namespace orvo

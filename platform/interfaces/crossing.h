@@ -313,9 +313,11 @@ struct crossing<Variant> : detail::crossing_base<Variant, abi::VARIANT, abi::VT_
     static Variant to_late(Variant value) { return value; }
 };
 
-// The answer of a member that may answer anything and whose callers do not use it. They lend a
-// cleared variant, in which any type has room; what is written there other than a variant is too
-// short to reach the value behind the tag, so that clearing it frees nothing.
+// The answer of a member that each implementation declares with a type of its own, and that no
+// caller uses. The caller lends a cleared variant, in which an answer of any type has room, and
+// clears it after the call. An answer that is a variant is freed by that. Any other is at most
+// eight bytes long: it covers the tag, but not the value behind it, which stays zero, so that there
+// is nothing to free whatever the tag has become.
 struct UnusedAnswer {};
 template <>
 struct crossing<UnusedAnswer> {

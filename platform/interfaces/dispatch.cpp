@@ -16,8 +16,8 @@ using abi::HRESULT;
 // Ids that nobody prescribed count from here, in slot order; members of one name share theirs.
 constexpr abi::DISPID first_own_id = 1;
 
-// Arguments that are handed on from one default member to the next reach one that takes them, or
-// there is none: an object may answer itself.
+// How many default members, each the one of the former's result, a call may be handed on through.
+// An object that is its own default value would hand it on for ever.
 constexpr int most_handed_on = 64;
 
 // The same for names that are equal without regard to case (FNV-1a, 32 bits).

@@ -2,7 +2,7 @@
 
 #include "component/config/SharedServerInfo.h"
 #include "tests/component/component_test.h"
-#include "tests/support/releases.h"
+#include "tests/platform/releases.h"
 
 namespace orvo {
 namespace {

@@ -1,6 +1,6 @@
 #include "component/config/ServerInfo.h"
 #include "tests/component/component_test.h"
-#include "tests/support/releases.h"
+#include "tests/platform/releases.h"
 
 namespace orvo {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "tests/support/recording/raised.h"
+#include "tests/support/raised.h"
 
 namespace orvo {
 namespace {

@@ -1,4 +1,4 @@
-#include "component/entries/UserPrivileges.h"
+#include "tests/component/entries/given_privileges.h"
 #include "tests/component/entries/user_binding_test.h"
 
 namespace orvo {

@@ -1,6 +1,5 @@
-#include "component/entries/UserPrivileges.h"
-
 #include "component/common/Lib_ErrorHandling.h"
+#include "tests/component/entries/given_privileges.h"
 #include "tests/component/entries/user_test.h"
 
 namespace orvo {

@@ -1,6 +1,5 @@
 #include "tests/component/entries/user_catalogue_test.h"
-
-#include "component/entries/UserPrivileges.h"
+#include "tests/component/entries/given_privileges.h"
 
 namespace orvo {
 namespace {

@@ -1,6 +1,6 @@
 #include <set>
 
-#include "component/entries/UserPrivileges.h"
+#include "tests/component/entries/given_privileges.h"
 #include "tests/component/entries/user_catalogue_test.h"
 
 namespace orvo {

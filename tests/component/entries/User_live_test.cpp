@@ -10,8 +10,8 @@
 #include "platform/values/values.h"
 #include "tests/support/environment.h"
 #include "tests/support/ldap_probe.h"
+#include "tests/support/raised.h"
 #include "tests/support/recording/fresh_thread.h"
-#include "tests/support/recording/raised.h"
 #include "tests/support/slapd.h"
 #include "tests/support/temp_folder.h"
 

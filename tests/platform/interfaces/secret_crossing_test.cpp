@@ -5,8 +5,8 @@
 #include "platform/interfaces/call.h"
 #include "platform/interfaces/hosted.h"
 #include "platform/interfaces/late_call.h"
+#include "tests/platform/releases.h"
 #include "tests/support/clear_text.h"
-#include "tests/support/releases.h"
 
 namespace orvo {
 namespace {

@@ -6,6 +6,7 @@
 #include "platform/interfaces/call.h"
 #include "platform/interfaces/late_call.h"
 #include "tests/platform/interfaces/probe.h"
+#include "tests/support/raised.h"
 
 namespace orvo {
 namespace {
@@ -41,17 +42,6 @@ template <>
 inline constexpr auto class_of<Errand> = describe_class<Errand>("Test.Errand");
 
 namespace {
-
-template <class Body>
-Failure failure_of(Body body) {
-    try {
-        body();
-    } catch (const Failure& failure) {
-        return failure;
-    }
-    ADD_FAILURE() << "nothing was raised";
-    return Failure(0, {}, {});
-}
 
 TEST(SlotCall, CarriesScalarsBothWays) {
     const auto probe = make<SwitchedProbe>();
@@ -94,7 +84,7 @@ TEST(SlotCall, CarriesTextsWithNulsInside) {
 }
 
 TEST(SlotCall, OnNothingRaisesObjectNotSet) {
-    const Failure failure = failure_of([] { call<&Probe::Counted>(Ref<Probe>()); });
+    const Failure failure = raised_by([] { call<&Probe::Counted>(Ref<Probe>()); });
     EXPECT_EQ(failure.number, 91);
     EXPECT_EQ(failure.description, u"Object variable or With block variable not set");
 }
@@ -112,8 +102,7 @@ TEST(SlotCall, HoldsTheObjectWhileItRuns) {
 
 TEST(SlotCall, BringsAWholeFailureAcross) {
     const auto probe = make<SwitchedProbe>();
-    const Failure failure =
-        failure_of([&] { call<&Probe::Fail>(probe, error_number(0x80040321)); });
+    const Failure failure = raised_by([&] { call<&Probe::Fail>(probe, error_number(0x80040321)); });
     EXPECT_EQ(failure.number, error_number(0x80040321));
     EXPECT_EQ(failure.source, u"Probe.Source");
     EXPECT_EQ(failure.description, u"It failed");
@@ -123,8 +112,8 @@ TEST(SlotCall, BringsAWholeFailureAcross) {
 
 TEST(SlotCall, CarriesRunTimeErrorsInTheirOwnRange) {
     const auto probe = make<SwitchedProbe>();
-    EXPECT_EQ(failure_of([&] { call<&Probe::Fail>(probe, 13); }).number, 13);
-    EXPECT_EQ(failure_of([&] { call<&Probe::Fail>(probe, 3021); }).number, 3021);
+    EXPECT_EQ(raised_by([&] { call<&Probe::Fail>(probe, 13); }).number, 13);
+    EXPECT_EQ(raised_by([&] { call<&Probe::Fail>(probe, 3021); }).number, 3021);
 
     using Fail = abi::HRESULT (*)(abi::IUnknown*, std::int32_t);
     const auto raw = reinterpret_cast<Fail>(probe.get()->slots[slot_of<&Probe::Fail>]);
@@ -133,7 +122,7 @@ TEST(SlotCall, CarriesRunTimeErrorsInTheirOwnRange) {
 
 TEST(SlotCall, AFailureWithoutASourceNamesTheClass) {
     const auto probe = make<SwitchedProbe>();
-    EXPECT_EQ(failure_of([&] { call<&Probe::FailBare>(probe); }).source, u"Test.Probe");
+    EXPECT_EQ(raised_by([&] { call<&Probe::FailBare>(probe); }).source, u"Test.Probe");
 }
 
 TEST(SlotCall, AnEmptySourceThatAnErrorObjectHasStaysEmpty) {
@@ -158,13 +147,13 @@ TEST(SlotCall, AnEmptySourceThatAnErrorObjectHasStaysEmpty) {
     EXPECT_EQ(passed_on().source, u"Test.Class") << "without an error object";
 
     const auto errand = make<Errand>([&] { throw told; });
-    EXPECT_EQ(failure_of([&] { call<&Errand::Run>(errand); }).source, u"");
-    EXPECT_EQ(failure_of([&] { late::call(errand.object(), u"Run"); }).source, u"");
+    EXPECT_EQ(raised_by([&] { call<&Errand::Run>(errand); }).source, u"");
+    EXPECT_EQ(raised_by([&] { late::call(errand.object(), u"Run"); }).source, u"");
 }
 
 TEST(SlotCall, AnExceptionThatIsNoFailureKeepsItsText) {
     const auto probe = make<SwitchedProbe>();
-    const Failure failure = failure_of([&] { call<&Probe::Crash>(probe); });
+    const Failure failure = raised_by([&] { call<&Probe::Crash>(probe); });
     EXPECT_EQ(failure.number, abi::e_unexpected);
     EXPECT_EQ(failure.description, u"out of cheese");
 }
@@ -175,7 +164,7 @@ TEST(SlotCall, ANullPointerForAnInOutArgumentIsRefusedByName) {
     const auto greet = reinterpret_cast<Greet>(probe.get()->slots[slot_of<&Probe::Greet>]);
     abi::BSTR result = nullptr;
     EXPECT_EQ(greet(probe.get(), nullptr, &result), abi::e_pointer);
-    const Failure failure = failure_of([] { detail::raise_result(abi::e_pointer); });
+    const Failure failure = raised_by([] { detail::raise_result(abi::e_pointer); });
     EXPECT_EQ(failure.description, u"The argument name is a null pointer");
     abi::BSTR name = nullptr;
     EXPECT_EQ(greet(probe.get(), &name, nullptr), abi::e_pointer);
@@ -217,7 +206,7 @@ TEST(SlotCall, AReservedSlotAnswersThatItIsNotImplemented) {
 TEST(SlotCall, FromAnotherThreadIsAnsweredWrongThread) {
     const auto probe = make<SwitchedProbe>();
     std::int32_t number = 0;
-    std::thread([&] { number = failure_of([&] { call<&Probe::Counted>(probe); }).number; }).join();
+    std::thread([&] { number = raised_by([&] { call<&Probe::Counted>(probe); }).number; }).join();
     EXPECT_EQ(number, abi::rpc_e_wrong_thread);
     EXPECT_EQ(call<&Probe::Counted>(probe), 0) << "the call was not carried out";
 }
@@ -247,7 +236,7 @@ TEST(Faces, ShareOneObject) {
 
 TEST(Faces, AskedForAnInterfaceThatIsNotThereRaiseTypeMismatch) {
     const auto probe = make<SharedProbe>();
-    EXPECT_EQ(failure_of([&] { Ref<Switch>::from(probe.object()); }).number, 13);
+    EXPECT_EQ(raised_by([&] { Ref<Switch>::from(probe.object()); }).number, 13);
     EXPECT_FALSE(Ref<Switch>::from(nullptr));
 }
 

@@ -6,7 +6,7 @@
 
 #include "platform/system/automation.h"
 #include "platform/values/values.h"
-#include "raises.h"
+#include "tests/support/raised.h"
 
 namespace orvo {
 namespace {

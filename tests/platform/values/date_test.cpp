@@ -5,7 +5,7 @@
 #include <limits>
 #include <random>
 
-#include "raises.h"
+#include "tests/support/raised.h"
 
 namespace orvo {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <limits>
 
-#include "raises.h"
+#include "tests/support/raised.h"
 
 namespace orvo {
 namespace {
@@ -96,7 +96,7 @@ TEST(ResultOfNumber, IsTheNumberItselfForAResultAndNeverASuccess) {
 }
 
 TEST(RaiseRuntimeError, RaisesTheNumberWithItsTextAndNoSource) {
-    const Failure failure = failure_of([] { raise_runtime_error(runtime_error::overflow); });
+    const Failure failure = raised_by([] { raise_runtime_error(runtime_error::overflow); });
     EXPECT_EQ(failure.number, 6);
     EXPECT_EQ(failure.description, u"Overflow");
     EXPECT_EQ(failure.source, u"");

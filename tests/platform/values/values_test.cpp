@@ -7,7 +7,7 @@
 
 #include "counted_object.h"
 #include "platform/system/automation.h"
-#include "raises.h"
+#include "tests/support/raised.h"
 
 namespace orvo {
 namespace {

@@ -3,7 +3,7 @@
 #include "counted_object.h"
 #include "platform/values/values.h"
 #include "platform/values/variant.h"
-#include "raises.h"
+#include "tests/support/raised.h"
 
 namespace orvo {
 namespace {

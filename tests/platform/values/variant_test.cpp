@@ -7,7 +7,7 @@
 
 #include "counted_object.h"
 #include "platform/values/values.h"
-#include "raises.h"
+#include "tests/support/raised.h"
 
 namespace orvo {
 namespace {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "suite/directory/ldap/wire/ber.h"
-#include "suite/directory/ldap/wire/client.h"
+#include "suite/directory/ldap/wire/library_client.h"
 #include "suite/directory/ldap/wire/library_values.h"
 #include "suite/directory/ldap/wire/openldap_connection.h"
 #include "suite/directory/ldap/wire/openldap_transport.h"
@@ -127,7 +127,7 @@ Decoded decode_entry(LDAP* handle, LDAPMessage* message,
     }
 }
 
-class OpenLdapClient : public Client {
+class OpenLdapClient : public LibraryClient {
 public:
     explicit OpenLdapClient(Handle handle) : handle_(std::move(handle)) {}
 
@@ -219,8 +219,8 @@ private:
 
 }  // namespace
 
-std::unique_ptr<Client> open_client(const ServerHost& host, const Limits& limits,
-                                    const Deadline& deadline, Result& why) {
+std::unique_ptr<LibraryClient> open_client(const ServerHost& host, const Limits& limits,
+                                           const Deadline& deadline, Result& why) {
     if (Handle handle = open_connection(host, limits, deadline, why))
         return std::make_unique<OpenLdapClient>(std::move(handle));
     return nullptr;

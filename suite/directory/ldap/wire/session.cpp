@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "suite/directory/ldap/wire/client.h"
+#include "suite/directory/ldap/wire/library_client.h"
 #include "suite/directory/ldap/wire/paged_results.h"
 #include "suite/directory/ldap/wire/password_modify.h"
 #include "suite/directory/ldap/wire/unicode_password.h"
@@ -42,7 +42,7 @@ TimeLimit connect_limit(const Limits& limits) {
 }  // namespace
 
 struct Session::Connection {
-    std::unique_ptr<detail::Client> client;
+    std::unique_ptr<detail::LibraryClient> client;
     ServerHost host;
     Limits limits;
     bool is_lost = false;

@@ -4,7 +4,7 @@
 #include <memory>
 #include <utility>
 
-#include "suite/directory/ldap/wire/client.h"
+#include "suite/directory/ldap/wire/library_client.h"
 #include "suite/directory/ldap/wire/library_values.h"
 #include "suite/directory/policy/result_codes.h"
 
@@ -82,7 +82,7 @@ void decode_value(LDAP* handle, LDAPMessage* message, Outcome& outcome) {
     ber_bvfree(value);
 }
 
-class Wldap32Client : public Client {
+class Wldap32Client : public LibraryClient {
 public:
     explicit Wldap32Client(Handle handle) : handle_(std::move(handle)) {}
 
@@ -192,8 +192,8 @@ private:
 
 }  // namespace
 
-std::unique_ptr<Client> open_client(const ServerHost& host, const Limits&, const Deadline& deadline,
-                                    Result& why) {
+std::unique_ptr<LibraryClient> open_client(const ServerHost& host, const Limits&,
+                                           const Deadline& deadline, Result& why) {
     if (Handle handle = open_connection(host, deadline, why))
         return std::make_unique<Wldap32Client>(std::move(handle));
     return nullptr;

@@ -7,8 +7,8 @@
 #include "platform/values/values.h"
 #include "suite/directory/entries/new_entry.h"
 #include "suite/directory/policy/password_form.h"
+#include "tests/platform/releases.h"
 #include "tests/suite/directory/expect_failure.h"
-#include "tests/support/releases.h"
 
 namespace orvo::directory {
 namespace {

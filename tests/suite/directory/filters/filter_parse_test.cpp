@@ -3,8 +3,8 @@
 #include <string>
 
 #include "suite/directory/filters/filter.h"
-#include "tests/platform/values/raises.h"
 #include "tests/suite/directory/filters/filter_texts.h"
+#include "tests/support/raised.h"
 
 namespace orvo::directory {
 namespace {
@@ -14,7 +14,7 @@ using Kind = Filter::Kind;
 Filter parse(TextView text) { return Filter::parse(text); }
 
 Text refusal(TextView text) {
-    return failure_of([&] { parse(text); }).description;
+    return raised_by([&] { parse(text); }).description;
 }
 
 TEST(AFilter, IsReadLenientlyAndWrittenStrictly) {
@@ -39,7 +39,7 @@ TEST(AFilter, ThatCannotBeReadIsRefusedWithThePlaceAndTheReason) {
 }
 
 TEST(AFilter, IsRefusedUnderTheCallersSource) {
-    const Failure failure = failure_of([] { Filter::parse(u"(& (cn=a)"); });
+    const Failure failure = raised_by([] { Filter::parse(u"(& (cn=a)"); });
     EXPECT_EQ(failure.number, error_number(0x8007203E));
     EXPECT_EQ(failure.description,
               u"(87) The search filter is not valid. Character 1: the parenthesis is not closed. "

@@ -9,7 +9,7 @@
 #include "component/provider/directory_contract.h"
 #include "platform/interfaces/call.h"
 #include "platform/interfaces/create.h"
-#include "platform/system/automation.h"
+#include "tests/platform/unused_modules.h"
 #include "tests/support/environment.h"
 #include "tests/support/ldap_probe.h"
 #include "tests/support/slapd.h"
@@ -62,7 +62,7 @@ TEST_F(Unloading, LeavesNoConnectionsBehind) {
     for (int round = 0; round < 3; ++round) {
         use_everything();
         EXPECT_TRUE(comes_to(2)) << "one of the service account, one for password checks";
-        abi::CoFreeUnusedLibraries();
+        unload_unused_modules();
         EXPECT_TRUE(comes_to(0));
         EXPECT_EQ(dlopen(ORVO_SUITE, RTLD_LAZY | RTLD_NOLOAD), nullptr);
     }
@@ -73,7 +73,7 @@ TEST_F(Unloading, LeavesNoConnectionsOfOtherThreadsBehind) {
         std::thread([&] { use_everything(); }).join();
         std::thread([&] { use_everything(); }).join();
         EXPECT_TRUE(comes_to(2));
-        abi::CoFreeUnusedLibraries();
+        unload_unused_modules();
         EXPECT_TRUE(comes_to(0));
     }
 }

@@ -1,4 +1,4 @@
-#include "tests/support/releases.h"
+#include "tests/platform/releases.h"
 
 #include <dlfcn.h>
 

@@ -33,9 +33,9 @@ enum class Received {
     outcome,  // the end, also where the connection fails or the deadline passes (85)
 };
 
-class Client {
+class LibraryClient {
 public:
-    virtual ~Client() = default;
+    virtual ~LibraryClient() = default;
 
     // Each sends a request and sets its number, or gives the result that ends it at once.
     virtual Result send_bind(const std::string& name, const Secret& password, Policy policy,
@@ -63,7 +63,7 @@ public:
 
 // Connects to one host before the deadline, and encrypts the connection where the host asks for it.
 // Null: `why` tells; with code 85 its message names what was not done in time.
-std::unique_ptr<Client> open_client(const ServerHost& host, const Limits& limits,
-                                    const Deadline& deadline, Result& why);
+std::unique_ptr<LibraryClient> open_client(const ServerHost& host, const Limits& limits,
+                                           const Deadline& deadline, Result& why);
 
 }  // namespace orvo::directory::ldap::detail

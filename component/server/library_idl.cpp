@@ -1,4 +1,4 @@
-#include "component/server/idl.h"
+#include "component/server/library_idl.h"
 
 #include "component/common/OrvoMemErrors.h"
 #include "component/server/class_list.h"
