@@ -180,6 +180,7 @@ void Login::modify(const std::string& name, const std::vector<Replacement>& chan
     const auto rules = directory_->access_rules(writing);
     std::optional<EntryData> entry = writing.find(modified);
     if (!entry) raise_missing(writing, *rules, who, modified);
+    const AccountState former = AccountState::from(*entry);
     const Refusal refusal = apply_changes(*schema_, *entry, changes);
     // What nobody could write is refused before it is asked who may.
     if (refusal.code == result_code::undefined_attribute_type ||
@@ -188,6 +189,8 @@ void Login::modify(const std::string& name, const std::vector<Replacement>& chan
     for (const Replacement& change : changes)
         if (!rules->allow(who, Right::write, modified, change.attribute)) refuse_access();
     check(refusal);
+    if (!former.locked_time.empty() && AccountState::from(*entry).locked_time.empty())
+        carry_out(changes_with_unlocking(former), *entry);
     stamp_changed(*entry, user_, directory_->now());
     writing.replace(*entry);
     writing.commit();

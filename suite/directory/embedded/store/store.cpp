@@ -58,16 +58,17 @@ void Store::create(const std::filesystem::path& file, const Schema& schema) {
 
 std::shared_ptr<Store> Store::open(const std::filesystem::path& file) {
     static std::mutex mutex;
-    static std::map<FileIdentity, std::weak_ptr<StoreFile>> files;
+    static std::map<FileIdentity, std::weak_ptr<Store>> stores;
     const std::lock_guard lock(mutex);
-    std::erase_if(files, [](const auto& item) { return item.second.expired(); });
-    std::weak_ptr<StoreFile>& known = files[identity_of(file)];
-    if (auto opened = known.lock()) return std::make_shared<Store>(std::move(opened));
+    std::erase_if(stores, [](const auto& item) { return item.second.expired(); });
+    std::weak_ptr<Store>& known = stores[identity_of(file)];
+    if (auto opened = known.lock()) return opened;
     require_directory(file);
     migrate(file, migration_steps());
-    auto opened = std::make_shared<StoreFile>(std::filesystem::absolute(file));
+    auto opened =
+        std::make_shared<Store>(std::make_shared<StoreFile>(std::filesystem::absolute(file)));
     known = opened;
-    return std::make_shared<Store>(std::move(opened));
+    return opened;
 }
 
 Store::Store(std::shared_ptr<StoreFile> file) : file_(std::move(file)) {}

@@ -26,9 +26,10 @@ public:
     // or the log of one, and where it cannot be made.
     static void create(const std::filesystem::path& file, const Schema& schema);
 
-    // The store of a file; what is open of it is one for the process. Raises 81 with the file and
-    // the reason where it is not there, cannot be opened, is no directory (nothing is written
-    // then) or one of a newer version. A file of an older version is migrated (migration.h).
+    // The store of a file, one for the process as long as somebody holds it. Raises 81 with the
+    // file and the reason where it is not there, cannot be opened, is no directory (nothing is
+    // written then) or one of a newer version. A file of an older version is migrated
+    // (migration.h).
     static std::shared_ptr<Store> open(const std::filesystem::path& file);
 
     explicit Store(std::shared_ptr<StoreFile> file);

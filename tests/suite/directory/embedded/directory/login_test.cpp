@@ -70,6 +70,15 @@ TEST_F(Logins, ALockedAccountIsOpenAgainAfterItsTime) {
     EXPECT_EQ(check(user("jsmith"), "shop-sample"), password_check::right);
 }
 
+TEST_F(Logins, WhoUnlocksAnAccountEndsItsFailures) {
+    demand({{"pwdLockout", {"TRUE"}}, {"pwdMaxFailure", {"2"}}});
+    for (int guess = 0; guess < 2; ++guess) check(user("jsmith"), "another");
+    EXPECT_EQ(check(user("jsmith"), "shop-sample"), password_check::locked);
+    service_login().modify(user("jsmith"), {{"pwdAccountLockedTime", {}}});
+    EXPECT_EQ(check(user("jsmith"), "another"), password_check::wrong);
+    EXPECT_EQ(check(user("jsmith"), "shop-sample"), password_check::right);
+}
+
 TEST_F(Logins, ANameThatIsNobodysIsWrongLikeAWrongPassword) {
     for (const std::string& name :
          {user("nobody"), user(""), std::string("no name"), std::string("ou=Users,o=Shop")})
@@ -138,6 +147,20 @@ TEST_F(Logins, AUserWhoIsDeletedIsOutAtOnce) {
     own.known(user("jsmith"));
     service_login().remove(user("jsmith"));
     EXPECT_EQ(failure_of([&] { own.known(user("jsmith")); }).number, wrong_credentials);
+}
+
+TEST_F(Logins, AFileThatIsPutInTheOldOnesPlaceIsOpenedAnew) {
+    const Text server = from_utf8(path.string());
+    const auto first = Directory::of(server);
+    EXPECT_EQ(Directory::of(server), first);
+    for (const char* end : {"", "-wal", "-shm"}) std::filesystem::remove(path.string() + end);
+    EXPECT_EQ(failure_of([&] { Directory::of(server); }).number, error_number(0x8007203A));
+    Store::create(path, Schema::of_product());
+    EXPECT_NE(Directory::of(server), first);
+    EXPECT_EQ(failure_of([&] {
+                  Login(server, from_utf8(user("jsmith")), Secret(u"shop-sample")).authenticate();
+              }).number,
+              wrong_credentials);
 }
 
 TEST_F(Logins, ARefusedFirstPasswordLeavesNoEntry) {
