@@ -25,6 +25,12 @@ protected:
         return {binds() - binds_before, connections_made() - made};
     }
 
+    // The connections of the checks below the users' container.
+    ConnectionSetRef checks() {
+        return client_.pool().checks_below(ServerAddress::parse(from_utf8(server_.server())),
+                                           "ou=users,o=shop");
+    }
+
     static constexpr Cost nothing{0, 0}, own_connection{1, 1};
     const User jsmith = user("jsmith"), djansen = user("djansen");
 };
@@ -80,9 +86,7 @@ TEST_F(CheckedLoginTest, IsThatOfTheNameAsTheServerHasIt) {
 
 // What was written while the server answered.
 TEST_F(CheckedLoginTest, IsOverWithAWriteDuringTheCheck) {
-    const ConnectionSetRef checks = client_.pool().checks_below(
-        ServerAddress::parse(from_utf8(server_.server())), "ou=users,o=shop");
-    Attempts attempts(client_.pool(), checks, {Effect::bind, jsmith.name});
+    Attempts attempts(client_.pool(), checks(), {Effect::bind, jsmith.name});
     const Secret password(from_utf8(jsmith.password));
     run(attempts, [&](Session& session) {
         Result result = session.bind(jsmith.name, password);
@@ -117,6 +121,15 @@ TEST_F(CheckedLoginTest, IsOverAfterRecheckAfter) {
     EXPECT_EQ(checked(jsmith), 0);
     clock_.advance(5s);
     EXPECT_EQ(cost_of_login(jsmith), own_connection);
+}
+
+TEST_F(CheckedLoginTest, IsForgottenAfterRecheckAfterWithTheNextCheck) {
+    EXPECT_EQ(checked(jsmith), 0);
+    ASSERT_EQ(checks()->idle(), 1u);
+    clock_.advance(5s);
+    client_.pool().tidy(*checks());
+    use({u"RecheckAfter"}, {3600});
+    EXPECT_EQ(cost_of_login(jsmith), own_connection) << "though it would be good for longer now";
 }
 
 TEST_F(CheckedLoginTest, IsAskedAboutWhereNoMomentIsAllowed) {

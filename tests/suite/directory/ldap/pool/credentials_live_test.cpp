@@ -316,6 +316,18 @@ TEST_F(CredentialsTest, ThatWereRefusedAreNotOfferedToTheServerAgainForAMoment) 
     EXPECT_EQ(bind_result(djansen("changed")), 0) << "another password is another matter";
 }
 
+TEST_F(CredentialsTest, ThatWereRefusedCostNoConnectionWhileTheyAreRemembered) {
+    EXPECT_EQ(bind_result(djansen("wrong")), wrong_credentials);
+    ASSERT_EQ(bind_result(service()), 0);
+    const long made = connections_made();
+    EXPECT_EQ(bind_result(djansen("wrong")), wrong_credentials);
+    EXPECT_EQ(connections_made(), made);
+    use({u"MaximumIdle"}, {1});
+    EXPECT_EQ(bind_result(djansen("wrong")), wrong_credentials);
+    EXPECT_EQ(bind_result(service()), 0);
+    EXPECT_EQ(connections_made(), made) << "nor is one taken from another user for them";
+}
+
 TEST_F(CredentialsTest, ThatWereRefusedAreOfferedAgainOnceThisProcessHasWrittenToTheUser) {
     change_behind_our_back("changed");
     EXPECT_EQ(bind_result(djansen()), wrong_credentials);

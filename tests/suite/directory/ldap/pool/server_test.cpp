@@ -89,6 +89,20 @@ TEST_F(ServersTest, AServerThatIsDownIsProbedAfterOneSecondAndThenLessAndLessOft
     }
 }
 
+TEST_F(ServersTest, ARoundProbesOneServerTheOneThatHasBeenDueForLongest) {
+    servers_.note_failure(second_, "lost");
+    clock_.advance(1ms);
+    servers_.note_failure(first_, "lost");
+    const auto next = servers_.probe_due(failback_after);
+    EXPECT_EQ(probes_, 1);
+    EXPECT_EQ(second_.state().condition, Condition::down);
+    EXPECT_EQ(first_.state().condition, Condition::suspected);
+    EXPECT_EQ(next, clock_.now()) << "the other one is due";
+    servers_.probe_due(failback_after);
+    EXPECT_EQ(probes_, 2);
+    EXPECT_EQ(first_.state().condition, Condition::down);
+}
+
 TEST_F(ServersTest, ThePreferredServerServesAgainAfterFailbackAfterOfGoodProbes) {
     servers_.note_failure(first_, "lost");
     servers_.probe_due(failback_after);

@@ -39,6 +39,20 @@ TEST_F(SwitchedOffPoolTest, ObjectsOfAUserShareConnectionsAsLongAsThereAreAny) {
     EXPECT_TRUE(comes_to(0));
 }
 
+TEST_F(SwitchedOffPoolTest, NothingIsKeptOfACheckDuringWhichItIsSwitchedOff) {
+    const User djansen = user("djansen");
+    const ConnectionSetRef checks = client_.pool().checks_below(
+        ServerAddress::parse(from_utf8(server_.server())), "ou=users,o=shop");
+    Attempts attempts(client_.pool(), checks, {Effect::bind, djansen.name});
+    const Result result = run(attempts, [&](Session& session) -> Result {
+        use({u"MaximumSize"}, {0});
+        return session.bind(djansen.name, Secret(from_utf8(djansen.password)));
+    });
+    EXPECT_TRUE(result.ok());
+    EXPECT_EQ(checks->idle(), 0u);
+    EXPECT_TRUE(comes_to(0));
+}
+
 TEST_F(SwitchedOffPoolTest, AConnectionIsReplacedWhereItIsOldOrWasIdle) {
     use({u"MaximumSize", u"IdleLimit"}, {0, 1});
     ServerLogin user = login(service());
