@@ -7,6 +7,7 @@
 #include "platform/values/values.h"
 #include "suite/authfilter/memory_store.h"
 #include "tests/support/clear_text.h"
+#include "tests/support/raised.h"
 
 namespace orvo::authfilter {
 namespace {
@@ -32,16 +33,6 @@ protected:
     MemoryStore store_{Limits{}, [this] { return now_; }};
     Ref<FilterConnector> connector_ = make<FilterConnectorObject>(store_);
 };
-
-template <class Action>
-Failure failure_of(Action action) {
-    try {
-        action();
-    } catch (const Failure& failure) {
-        return failure;
-    }
-    return Failure(0, {}, u"nothing was raised");
-}
 
 TEST_F(FilterConnectorTest, FindsNothingUnderAGuidThatNobodyCreated) {
     EXPECT_FALSE(find(u"g"));
@@ -136,22 +127,22 @@ TEST_F(FilterConnectorTest, AHugeTimeoutIsAYear) {
 }
 
 TEST_F(FilterConnectorTest, RefusesALoginWithoutAGuidOrAUserAndKeepsNothingOfIt) {
-    const Failure guid = failure_of([&] { login(u"smith", Values{1}, u""); });
+    const Failure guid = raised_by([&] { login(u"smith", Values{1}, u""); });
     EXPECT_EQ(guid.number, 5);
     EXPECT_EQ(guid.source, u"TavikAuthFilter.Connector");
     EXPECT_EQ(guid.description, u"A GUID has 1 to 256 characters, this one has 0");
-    const Failure user = failure_of([&] { login(u"", Values{1}, u"g"); });
+    const Failure user = raised_by([&] { login(u"", Values{1}, u"g"); });
     EXPECT_EQ(user.number, 5);
     EXPECT_EQ(user.description, u"A login needs the name of its user");
-    EXPECT_EQ(failure_of([&] { create(Text(257, u'x')); }).description,
+    EXPECT_EQ(raised_by([&] { create(Text(257, u'x')); }).description,
               u"A GUID has 1 to 256 characters, this one has 257");
     EXPECT_EQ(store_.login_count() + store_.record_count(), 0u);
 }
 
 TEST_F(FilterConnectorTest, RefusesApplicationsThatAreNoArrayOfNumbersAndKeepsTheOldLogin) {
     login(u"smith", Values{1}, u"g");
-    EXPECT_EQ(failure_of([&] { login(u"smith", Variant(7), u"g"); }).number, 13);
-    EXPECT_EQ(failure_of([&] { login(u"smith", Values{1, u"two"}, u"g"); }).number, 13);
+    EXPECT_EQ(raised_by([&] { login(u"smith", Variant(7), u"g"); }).number, 13);
+    EXPECT_EQ(raised_by([&] { login(u"smith", Values{1, u"two"}, u"g"); }).number, 13);
     EXPECT_TRUE(is_logged_in(u"g", 1));
 }
 

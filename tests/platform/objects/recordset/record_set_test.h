@@ -5,32 +5,18 @@
 #include "platform/interfaces/call.h"
 #include "platform/objects/recordset/record_set.h"
 #include "platform/values/values.h"
+#include "tests/support/raised.h"
 
 namespace orvo {
 
-// A failure as a caller sees it; an empty one, and a test failure, when `body` raises none.
-template <class Body>
-Failure failure_of(Body&& body) {
-    try {
-        body();
-    } catch (const Failure& failure) {
-        return failure;
-    }
-    ADD_FAILURE() << "nothing was raised";
-    return Failure(0, {}, {});
-}
-
 template <class Body>
 void expect_failure(std::int32_t number, TextView source, TextView description, Body&& body) {
-    const Failure failure = failure_of(body);
-    EXPECT_EQ(failure.number, number);
-    EXPECT_EQ(to_utf8(failure.source), to_utf8(source));
-    EXPECT_EQ(to_utf8(failure.description), to_utf8(description));
+    expect_failure(raised_by(body), number, source, to_utf8(description));
 }
 
 template <class Body>
 std::int32_t number_raised(Body&& body) {
-    return failure_of(body).number;
+    return raised_by(body).number;
 }
 
 inline constexpr std::int32_t field_failed = error_number(0x80040E21);
