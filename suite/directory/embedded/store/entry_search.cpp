@@ -11,18 +11,26 @@
 namespace orvo::directory::embedded {
 namespace {
 
-// Index rows that are looked at before anything else: what they cost, a page does not feel.
-constexpr std::size_t handful = 50;
-// An entry of the walk costs as much as this many index rows.
-constexpr std::size_t rows_for_an_entry = 32;
+// What things cost, in steps through an index: reading an entry, and finding out where one that the
+// index gives stands in the order.
+constexpr std::size_t reading_an_entry = 16;
+constexpr std::size_t placing_an_entry = 10;
 
-// An index with at most so many entries is quicker than a walk through `all` that finds `wanted`:
-// of k entries spread evenly the walk passes over wanted * all / k. Where all are wanted, it is
-// quicker with a quarter, and puts no more in order at once.
+// Index rows that are looked at before anything else. They cost little; so do as many as there will
+// be entries read in any case.
+constexpr std::size_t handful = 50;
+
+// How many of `all` entries a walk passes to find `wanted` of `matching`, spread evenly.
+std::size_t passed(std::size_t wanted, std::size_t matching, std::size_t all) {
+    return wanted == 0 || wanted >= matching ? all : wanted * all / matching;
+}
+
+// So many rows are worth to be read from the index, so that the walk need not read what it passes:
+// k rows spare it wanted * all / k entries.
 std::size_t most_from_index(std::size_t wanted, std::size_t all) {
-    if (wanted == 0) return all / 4;
+    if (wanted == 0) return all;
     return static_cast<std::size_t>(
-        std::sqrt(2.0 * static_cast<double>(wanted) * static_cast<double>(all)));
+        std::sqrt(static_cast<double>(wanted) * static_cast<double>(all * reading_an_entry)));
 }
 
 }  // namespace
@@ -73,22 +81,31 @@ void EntrySearch::run(const Take& take) {
         for (const Place& place : places(entries))
             if (!hand_over(place.entry, take)) return;
     };
-    if (const auto few = condition_.try_entries(database, handful, IndexCondition::Scans::left_out))
-        return by_index(*few);
+    if (const auto few = try_few()) return by_index(*few);
 
     ListingWalk listing(database, connection_.names, *base_, scope_, ranges_);
     if (condition_.knows()) {
         const std::size_t all = all_entries();
         const std::size_t most = most_from_index(wanted_, all);
         const std::size_t rows = condition_.has_scan() ? all : most;
-        if (wanted_ != 0 &&
-            walk(listing, std::max(handful, rows / rows_for_an_entry) + wanted_, take))
-            return;
+        if (wanted_ != 0 && walk(listing, wanted_ + rows / reading_an_entry, take)) return;
         if (const auto some =
-                condition_.try_entries(database, most, IndexCondition::Scans::included))
-            return by_index(*some);
+                condition_.try_entries(database, most, IndexCondition::Scans::included)) {
+            if (some->size() * placing_an_entry < passed(wanted_, some->size(), all))
+                return by_index(*some);
+            only_ = std::vector<bool>(all + 1);
+            for (const std::int64_t entry : *some) (*only_)[static_cast<std::size_t>(entry)] = true;
+        }
     }
     walk(listing, static_cast<std::size_t>(-1), take);
+}
+
+std::optional<std::vector<std::int64_t>> EntrySearch::try_few() const {
+    constexpr auto scans = IndexCondition::Scans::left_out;
+    auto few = condition_.try_entries(connection_.database, handful, scans);
+    if (!few && wanted_ > handful)
+        few = condition_.try_entries(connection_.database, wanted_, scans);
+    return few;
 }
 
 // About: numbers of removed entries count as well.
@@ -103,9 +120,10 @@ bool EntrySearch::walk(ListingWalk& walk, std::size_t most, const Take& take) {
         if (entries.empty()) return true;
         std::vector<Place> group;
         for (const std::int64_t entry : entries)
-            group.push_back({walk.listing(), entries.size() > 1 ? name_of(entry) : "", entry});
+            if (!only_ || (*only_)[static_cast<std::size_t>(entry)])
+                group.push_back({walk.listing(), entries.size() > 1 ? name_of(entry) : "", entry});
         if (group.size() > 1) std::ranges::sort(group);
-        count += group.size();
+        count += entries.size();
         for (Place& place : group) {
             if (!hand_over(place.entry, take)) return true;
             last_ = std::move(place);
@@ -174,8 +192,7 @@ std::vector<std::string> EntrySearch::plan() {
                         connection_.names[range->attribute].name);
         append_plan_of(IndexCondition::statement_of(*range));
     }
-    if (const auto few =
-            condition_.try_entries(database, handful, IndexCondition::Scans::left_out)) {
+    if (const auto few = try_few()) {
         lines.push_back("from the index: " + std::to_string(few->size()) + " entries");
         return lines;
     }
@@ -184,7 +201,7 @@ std::vector<std::string> EntrySearch::plan() {
         lines.push_back(std::move(line));
     append_plan_of(ListingWalk::statement);
     if (condition_.knows())
-        lines.push_back("from the index, where it has at most " +
+        lines.push_back("with the index, where it has at most " +
                         std::to_string(most_from_index(wanted_, all_entries())) + " rows");
     return lines;
 }

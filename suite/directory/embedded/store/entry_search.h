@@ -3,10 +3,11 @@
 // One search: which way it goes, and what it finds.
 //
 // There are two ways. The walk reads a scope's entries in the order of lists until enough are
-// taken; its cost goes by how many it passes over. The index gives the entries that a filter may be
-// true of, which are then put in order; its cost goes by how many they are. So a handful of index
-// rows is looked at first, then comes the walk, and where that has passed over as many entries as
-// asking the index for more would cost, the index is asked, and takes over if it has few enough.
+// taken; its cost goes by how many it reads. The index gives the entries that a filter may be true
+// of, without an order; its cost goes by how many they are. So a handful of index rows is looked at
+// first, then comes the walk, and where that has cost as much as asking the index for more would,
+// the index is asked: what it gives, if that is not too much, is put in order, or tells the walk
+// what it need not read.
 
 #include <cstdint>
 #include <functional>
@@ -46,6 +47,7 @@ private:
 
     ListingRanges listing_ranges(const Filter& filter) const;
     bool walk(ListingWalk& walk, std::size_t most, const Take& take);
+    std::optional<std::vector<std::int64_t>> try_few() const;
     std::size_t all_entries() const;
     // In order, those in the scope and after `last_`.
     std::vector<Place> places(const std::vector<std::int64_t>& entries);
@@ -61,7 +63,8 @@ private:
     WantedTypes types_;
     std::size_t wanted_;
     std::unordered_map<std::int64_t, bool> parents_in_scope_;
-    Place last_;  // the last one that was handed over
+    std::optional<std::vector<bool>> only_;  // by their numbers: what the walk reads; nothing: all
+    Place last_;                             // the last one that was handed over
 };
 
 }  // namespace orvo::directory::embedded

@@ -47,7 +47,14 @@ IndexCondition IndexCondition::of(const Filter& filter, const AttributeNames& na
         else if (!is_all)
             return Kind::anything;
     }
-    if (is_all && condition.parts_.empty()) return Kind::anything;
+    if (!is_all) return condition;
+    if (condition.parts_.empty()) return Kind::anything;
+    // Classes seldom tell much; as the last they are looked through no further than what the other
+    // parts have left.
+    const auto classes = names.find("objectClass");
+    std::ranges::stable_partition(condition.parts_, [&](const IndexCondition& part) {
+        return part.kind_ != Kind::range || part.range_.attribute != classes;
+    });
     return condition;
 }
 

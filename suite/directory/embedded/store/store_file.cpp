@@ -33,7 +33,8 @@ std::unique_ptr<Connection> StoreFile::acquire() {
 
 void StoreFile::release(std::unique_ptr<Connection> connection) noexcept {
     const std::lock_guard lock(idle_mutex_);
-    if (idle_.size() < most_idle) idle_.push_back(std::move(connection));
+    if (idle_.size() < most_idle && !connection->is_for_many)
+        idle_.push_back(std::move(connection));
 }
 
 std::uint64_t StoreFile::version() {

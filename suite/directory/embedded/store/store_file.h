@@ -24,7 +24,8 @@ struct Connection {
     const Schema& schema;
     Database database;
     AttributeNames names;
-    bool is_synced = true;  // the WAL at each commit, not only at checkpoints
+    bool is_synced = true;     // the log at each commit, not only where it is brought in
+    bool is_for_many = false;  // it uses much memory, and is not kept
 };
 
 // Connections that nobody uses just now, and the order of the writers. Thread-safe.

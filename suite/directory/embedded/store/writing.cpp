@@ -71,9 +71,30 @@ void Writing::release_turn() noexcept {
 }
 
 void Writing::commit() {
+    write_collected();
     connection().database.run("COMMIT");
     release_connection();
     release_turn();
+}
+
+void Writing::expect_many() {
+    if (is_collecting_) return;
+    is_collecting_ = true;
+    connection().is_for_many = true;
+    connection().database.execute(
+        "PRAGMA cache_size = -131072; PRAGMA threads = 2;"
+        "CREATE TEMP TABLE collected_below (ancestor, kind, listing, entry);"
+        "CREATE TEMP TABLE collected_value (attribute, key, entry)");
+}
+
+void Writing::write_collected() {
+    if (!is_collecting_) return;
+    is_collecting_ = false;
+    connection().database.execute(
+        "INSERT INTO below SELECT * FROM collected_below ORDER BY ancestor, kind, listing, entry;"
+        "DROP TABLE collected_below;"
+        "INSERT INTO value SELECT * FROM collected_value ORDER BY attribute, key, entry;"
+        "DROP TABLE collected_value");
 }
 
 void Writing::add(const EntryData& entry) {
@@ -100,6 +121,7 @@ Writing::Stored Writing::stored(const std::string& key) {
 }
 
 void Writing::replace(const EntryData& entry) {
+    write_collected();
     Connection& own = connection();
     const Stored old = stored(name_of(entry).key());
     own.database.run("UPDATE entry SET name = ?, data = ? WHERE id = ?", AsText{entry.name},
@@ -112,6 +134,7 @@ void Writing::replace(const EntryData& entry) {
 }
 
 void Writing::remove(const DistinguishedName& name) {
+    write_collected();
     const Stored old = stored(name.key());
     connection().database.run("DELETE FROM entry WHERE id = ?", old.number);
     list(old.number, old.parent, old.name, false);
@@ -121,9 +144,10 @@ void Writing::remove(const DistinguishedName& name) {
 void Writing::list(std::int64_t entry, std::int64_t parent, const ListedName& name, bool is_there) {
     Database& database = connection().database;
     Query change = database.query(
-        is_there ? "INSERT INTO below (ancestor, kind, listing, entry) VALUES (?, ?, ?, ?)"
-                 : "DELETE FROM below WHERE ancestor = ? AND kind = ? AND listing = ? "
-                   "AND entry = ?");
+        is_collecting_ ? "INSERT INTO collected_below VALUES (?, ?, ?, ?)"
+        : is_there     ? "INSERT INTO below (ancestor, kind, listing, entry) VALUES (?, ?, ?, ?)"
+                       : "DELETE FROM below WHERE ancestor = ? AND kind = ? AND listing = ? "
+                         "AND entry = ?");
     std::int64_t ancestor = parent;
     do {
         change.bind(ancestor, listing_kind(name.attribute, ancestor == parent), name.listing,
@@ -150,7 +174,9 @@ void Writing::write_values(std::int64_t entry, const std::vector<IndexedValue>& 
         }
     };
     write("DELETE FROM value WHERE attribute = ? AND key = ? AND entry = ?", gone, come);
-    write("INSERT INTO value (attribute, key, entry) VALUES (?, ?, ?)", come, gone);
+    write(is_collecting_ ? "INSERT INTO collected_value VALUES (?, ?, ?)"
+                         : "INSERT INTO value (attribute, key, entry) VALUES (?, ?, ?)",
+          come, gone);
 }
 
 void Writing::set_setting(const std::string& name, const std::string& value) {

@@ -229,7 +229,7 @@ TEST_F(AStoreSearch, TellsItsPlan) {
                     "walk below entry 2: cn, from the bound",
                     "  SEARCH below USING PRIMARY KEY (ancestor=? AND kind=? AND listing>? AND "
                     "listing<?)",
-                    "from the index, where it has at most 142 rows"));
+                    "with the index, where it has at most 401 rows"));
 }
 
 TEST_F(AStoreSearch, IsReadFromWhileItRuns) {

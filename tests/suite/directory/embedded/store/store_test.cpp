@@ -124,6 +124,29 @@ TEST_F(AStore, KeepsSettings) {
     EXPECT_EQ(store->read().setting("other"), "");
 }
 
+TEST_F(AStore, TakesManyEntriesAtOnce) {
+    {
+        Writing writing = store->write(Durability::process);
+        writing.expect_many();
+        writing.add({"cn=undone,ou=Users,o=Shop", {{"sn", {"x"}}}});
+    }
+    Writing writing = store->write(Durability::process);
+    writing.expect_many();
+    writing.expect_many();
+    for (int i = 0; i < 500; ++i)
+        writing.add({"cn=" + std::to_string(i) + ",ou=Users,o=Shop",
+                     {{"sn", {"x", std::to_string(i % 7)}}}});
+    EXPECT_TRUE(writing.find(dn("cn=499,ou=Users,o=Shop")));
+    writing.remove(dn("cn=0,ou=Users,o=Shop"));
+    writing.expect_many();
+    writing.add(ann);
+    writing.commit();
+    EXPECT_THAT(store->read().problems(), IsEmpty());
+    EXPECT_TRUE(find(ann.name));
+    EXPECT_FALSE(find("cn=undone,ou=Users,o=Shop"));
+    EXPECT_FALSE(find("cn=0,ou=Users,o=Shop"));
+}
+
 TEST_F(AStore, AReadingShowsWhatWasThereWhenItBegan) {
     const Reading before = store->read();
     add({ann.name, {{"newAttribute", {"x"}}}});
