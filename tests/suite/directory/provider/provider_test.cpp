@@ -2,6 +2,7 @@
 
 #include "platform/interfaces/hosted.h"
 #include "platform/objects/dictionary/dictionary.h"
+#include "suite/directory/embedded/provider/EmbeddedDirectory.h"
 #include "suite/directory/ldap/provider/LdapDirectory.h"
 
 namespace orvo::directory {
@@ -82,6 +83,7 @@ ProviderTest::ProviderTest(const Shared& shared)
 Ref<DirectoryModule> ProviderTest::new_provider() {
     const Text name = GetParam().provider;
     if (name == u"OrvoDirectory.Ldap") return make<ldap::LdapDirectory>();
+    if (name == u"OrvoDirectory.Embedded") return make<embedded::EmbeddedDirectory>();
     throw std::logic_error("no provider " + to_utf8(name));
 }
 
