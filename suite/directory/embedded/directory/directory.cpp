@@ -14,6 +14,7 @@
 namespace orvo::directory::embedded {
 namespace {
 
+constexpr int most_attempts = 3;
 constexpr const char* user_password = "userPassword";
 constexpr const char* policy_entry = "pwdPolicySubentry";
 
@@ -103,11 +104,19 @@ std::optional<Directory::Account> Directory::account(const std::string& name) {
     return Account{*parsed, std::move(*entry), std::move(hash), std::move(policy)};
 }
 
+// While a hash was computed the password may have been given another one.
 BindAnswer Directory::bind(const std::string& name, const Secret& password, Proof proof) {
+    for (int attempt = 0; attempt < most_attempts; ++attempt)
+        if (auto answer = try_bind(name, password, proof)) return *std::move(answer);
+    raise_code(result_code::busy, "The password is being changed by others.");
+}
+
+std::optional<BindAnswer> Directory::try_bind(const std::string& name, const Secret& password,
+                                              Proof proof) {
     const std::optional<Account> account = this->account(name);
     if (!account) {
         imitate_check(password, HashCost::usual);
-        return {result_code::invalid_credentials};
+        return BindAnswer{result_code::invalid_credentials};
     }
     const std::string& user = account->name.key();
     const auto state = AccountState::from(account->entry);
@@ -125,7 +134,9 @@ BindAnswer Directory::bind(const std::string& name, const Secret& password, Proo
     std::string renewed;
     if (is_right && !credentials && should_be_renewed(account->hash, HashCost::usual))
         renewed = hashed_password(password);
-    if (!outcome.changes.empty() || !renewed.empty()) settle(*account, is_right, renewed, outcome);
+    if ((!outcome.changes.empty() || !renewed.empty()) &&
+        !settle(*account, is_right, renewed, outcome))
+        return std::nullopt;
     BindAnswer answer{outcome.code, outcome.policy};
     if (outcome.code != result_code::success) return answer;
     const std::string& hash = renewed.empty() ? account->hash : renewed;
@@ -133,16 +144,13 @@ BindAnswer Directory::bind(const std::string& name, const Secret& password, Proo
     return answer;
 }
 
-// Others may have failed, or changed the password, while the hash was computed: what is written
-// goes by what the entry says now.
-void Directory::settle(const Account& account, bool is_right, std::string& renewed,
+// Others may have failed meanwhile: what is written goes by what the entry says now. False where
+// the password has another hash by now.
+bool Directory::settle(const Account& account, bool is_right, std::string& renewed,
                        BindOutcome& outcome) {
     Writing writing = write();
     std::optional<EntryData> entry = writing.find(account.name);
-    if (!entry || stored_password(*entry) != account.hash) {
-        renewed.clear();
-        return;
-    }
+    if (!entry || stored_password(*entry) != account.hash) return false;
     if (account.policy) {
         outcome = outcome_of_bind(*account.policy, AccountState::from(*entry), is_right, now());
         carry_out(outcome.changes, *entry);
@@ -156,6 +164,7 @@ void Directory::settle(const Account& account, bool is_right, std::string& renew
     }
     writing.replace(*entry);
     writing.commit();
+    return true;
 }
 
 }  // namespace orvo::directory::embedded

@@ -65,7 +65,9 @@ public:
 private:
     struct Account;
     std::optional<Account> account(const std::string& name);
-    void settle(const Account& account, bool is_right, std::string& renewed, BindOutcome& outcome);
+    std::optional<BindAnswer> try_bind(const std::string& name, const Secret& password,
+                                       Proof proof);
+    bool settle(const Account& account, bool is_right, std::string& renewed, BindOutcome& outcome);
 
     const std::shared_ptr<Store> store_;
     const std::string key_;

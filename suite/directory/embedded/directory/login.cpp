@@ -87,6 +87,17 @@ EntryData Login::require_visible(const Reading& reading, const AccessRules& rule
     return *std::move(entry);
 }
 
+namespace {
+
+// What an entry has without anybody writing it.
+void add_computed(const Reading& reading, const DistinguishedName& name, EntryData& entry) {
+    entry.attributes.push_back({"entryDN", {entry.name}});
+    entry.attributes.push_back(
+        {"hasSubordinates", {reading.has_children(name) ? "TRUE" : "FALSE"}});
+}
+
+}  // namespace
+
 EntryData Login::read(const std::string& name) {
     const DistinguishedName read = parsed(name);
     const Reading reading = directory_->read();
@@ -94,6 +105,7 @@ EntryData Login::read(const std::string& name) {
     require_unrestricted(reading, who);
     const auto rules = directory_->access_rules(reading);
     EntryData entry = require_visible(reading, *rules, who, read);
+    add_computed(reading, read, entry);
     std::vector<std::string> names;
     for (const Attribute& attribute : entry.attributes) names.push_back(attribute.name);
     AccessView view(*rules, who, names);

@@ -10,9 +10,19 @@
 #include "suite/directory/policy/failures.h"
 #include "suite/directory/policy/password_attributes.h"
 #include "suite/directory/schema/attribute_values.h"
+#include "suite/directory/schema/value_syntax.h"
 #include "suite/directory/settings/cache_settings.h"
 
 namespace orvo::directory::embedded {
+
+namespace {
+
+bool takes_blank(const Schema& schema, const std::string& attribute) {
+    const AttributeType* type = schema.types.find(attribute);
+    return !type || validity_of(type->syntax_oid, " ", schema) != Validity::invalid;
+}
+
+}  // namespace
 
 void EmbeddedEntry::Bind(Text& server, Text& container, Text& common_name, Text& user,
                          Secret& password, Variant&) {
@@ -89,7 +99,10 @@ void EmbeddedEntry::CreateChild(Variant& classes, Text& naming_attribute, Object
     require_whole(naming_attribute);
     const Schema& schema = login_->schema();
     NewEntry entry(given, classes, to_utf8(naming_attribute), schema.types, schema.classes);
-    for (const std::string& name : entry.required_empty) entry.attributes.push_back({name, {" "}});
+    if (std::ranges::all_of(entry.required_empty,
+                            [&](const std::string& name) { return takes_blank(schema, name); }))
+        for (const std::string& name : entry.required_empty)
+            entry.attributes.push_back({name, {" "}});
     login_->add({to_utf8(entry.name_below(from_utf8(name_))), std::move(entry.attributes)},
                 entry.password);
 }
