@@ -20,6 +20,11 @@ inline constexpr Difference stored_password{
     "{SSHA}", "{CRYPT}$y$",
     "slapd hashes passwords as it is configured to, the embedded directory with yescrypt."};
 
+// Empty: it is created.
+inline constexpr Difference long_name{
+    "(80) The server met an error of another kind. The name may be too long for it.", "",
+    "slapd's database has keys of 511 bytes, and says no more about it; a file has no such limit."};
+
 inline constexpr Difference longest_password{
     "65536", "511", "The system's yescrypt takes no longer ones; slapd's digests take any."};
 

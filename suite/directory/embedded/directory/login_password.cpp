@@ -60,7 +60,9 @@ void Login::set_password(const std::string& name, const Secret& password,
             const bool may = by == ChangedBy::user ? account.may_user : account.may_asker;
             if (!may) return {result_code::insufficient_access};
             if (!account.policy) return {};
-            const auto proof = is_proven ? FormerPassword::right : FormerPassword::not_told;
+            // Whoever works as the user has proven it with the login.
+            const auto proof =
+                is_proven || is_user ? FormerPassword::right : FormerPassword::not_told;
             return refusal_of_change(*account.policy, account.state,
                                      {by, proof, password, account.hash}, now);
         };

@@ -102,9 +102,9 @@ std::vector<User> many_users() {
         Text name(1, letters[(number * 7) % 26]);
         name += letters[(number / 26 * 5) % 26];
         name += (number % 3 == 0 ? u" " : number % 3 == 1 ? u"." : u"") + decimal(number);
+        const Text mail = number % 5 == 0 ? name + u"@shop.example" : u"";
         if (number % 11 == 0) name += u"\u00F6";
-        users.push_back({name, number % 2 == 0 ? u"Smith" : u"Lee",
-                         number % 5 == 0 ? name + u"@shop.example" : u""});
+        users.push_back({name, number % 2 == 0 ? u"Smith" : u"Lee", mail});
     }
     return users;
 }
