@@ -47,8 +47,10 @@ LdifReader::Field LdifReader::field_of(const LdifLine& line) {
 }
 
 std::optional<LdifReader::Field> LdifReader::next_field() {
+    if (is_at_end_) return std::nullopt;
     const std::optional<LdifLine> line = lines_.next();
-    if (!line || line->text.empty()) return std::nullopt;
+    is_at_end_ = !line || line->text.empty();
+    if (is_at_end_) return std::nullopt;
     return field_of(*line);
 }
 
@@ -56,6 +58,7 @@ std::optional<LdifReader::Field> LdifReader::first_field() {
     std::optional<LdifLine> line;
     do line = lines_.next();
     while (line && line->text.empty());
+    is_at_end_ = !line;
     if (!line) return std::nullopt;
     return field_of(*line);
 }

@@ -59,6 +59,7 @@ private:
 
     LdifLines lines_;
     bool is_begun_ = false;
+    bool is_at_end_ = false;  // of a record
 };
 
 }  // namespace orvo::directory

@@ -5,7 +5,6 @@
 #include "platform/values/text.h"
 #include "suite/directory/names/ascii.h"
 #include "suite/directory/names/distinguished_name.h"
-#include "suite/directory/names/written_name.h"
 
 namespace orvo::directory {
 namespace {
@@ -67,16 +66,26 @@ std::optional<std::vector<RelativeName>> try_name_parts(std::string_view name) {
 
 namespace {
 
+// In hexadecimal, as servers write names.
 std::string escaped(std::string_view value) {
-    const Text text = from_utf8(value);
-    if (to_utf8(text) == value) return to_utf8(escaped_value(text));
-    std::string octets;
-    for (const char c : value) {
-        constexpr std::string_view digits = "0123456789abcdef";
-        const auto octet = static_cast<unsigned char>(c);
-        octets += {'\\', digits[octet >> 4], digits[octet & 15]};
+    const bool is_text = to_utf8(from_utf8(value)) == value;
+    std::string result;
+    for (std::size_t at = 0; at < value.size(); ++at) {
+        const char c = value[at];
+        const bool is_at_end = at == 0 || at + 1 == value.size();
+        const bool is_special =
+            std::string_view("\"+,;<=>\\\r\n\0", 11).find(c) != std::string_view::npos;
+        const bool is_beyond_ascii = static_cast<unsigned char>(c) >= 0x80;
+        if (is_special || (c == '#' && at == 0) || (c == ' ' && is_at_end) ||
+            (is_beyond_ascii && !is_text)) {
+            constexpr std::string_view digits = "0123456789ABCDEF";
+            const auto octet = static_cast<unsigned char>(c);
+            result += {'\\', digits[octet >> 4], digits[octet & 15]};
+        } else {
+            result += c;
+        }
     }
-    return octets;
+    return result;
 }
 
 }  // namespace

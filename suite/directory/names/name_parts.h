@@ -21,7 +21,8 @@ using RelativeName = std::vector<NamePart>;
 // (DistinguishedName), is not UTF-8 or has a value in hexadecimal.
 std::optional<std::vector<RelativeName>> try_name_parts(std::string_view name);
 
-// A name of these parts, escaped where it has to be and without blanks between them.
+// A name of these parts, escaped where it has to be and without blanks between them, as OpenLDAP's
+// server writes it: "cn=Smith\\2C John,o=Shop".
 std::string joined_name(const std::vector<RelativeName>& parts);
 
 // The value that begins at `at`, without its escapes and the blanks behind it; `at` then is at the

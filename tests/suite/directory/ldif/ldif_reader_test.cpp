@@ -93,8 +93,10 @@ TEST(AnLdifFile, HasChanges) {
         "add: mail\nmail: x\nMAIL: y\n-\n"
         "delete: sn\n-\n"
         "delete: sn\nsn: z\n-\n"
-        "replace: description\ndescription:: eA==\n");
-    ASSERT_THAT(records, SizeIs(3));
+        "replace: description\ndescription:: eA==\n\n"
+        "dn: cn=d\nchangetype: delete\n");
+    ASSERT_THAT(records, SizeIs(4));
+    EXPECT_EQ(records[3].entry.name, "cn=d");
     EXPECT_EQ(records[0].kind, Kind::add);
     EXPECT_THAT(records[0].entry.attributes, SizeIs(1));
     EXPECT_EQ(records[1].kind, Kind::remove);

@@ -33,12 +33,20 @@ TEST(WhatIsNoName, HasNoParts) {
         EXPECT_EQ(shown(name), "none") << name;
 }
 
-TEST(JoinedParts, AreTheNameAgain) {
-    for (const char* name : {"cn=jsmith,ou=Users,o=Shop", "cn=Smith\\, John+sn=x,o=Shop",
-                             "cn=\\ x\\ ,o=\\#1", "cn=a\\00b", "", "cn=\xC3\xA9"})
-        EXPECT_EQ(joined_name(*try_name_parts(name)), name);
-    EXPECT_EQ(joined_name(*try_name_parts(" cn = a , o = \\41")), "cn=a,o=A");
-    EXPECT_EQ(joined_name(*try_name_parts("cn=a\\FF")), "cn=\\61\\ff");
+TEST(JoinedParts, AreTheNameAsAServerWritesIt) {
+    const auto joined = [](std::string_view name) { return joined_name(*try_name_parts(name)); };
+    EXPECT_EQ(joined("cn=jsmith,ou=Users,o=Shop"), "cn=jsmith,ou=Users,o=Shop");
+    EXPECT_EQ(joined(" cn = a  b , o = \\41"), "cn=a  b,o=A");
+    EXPECT_EQ(joined("CN=X+SN=\\20y"), "CN=X+SN=\\20y");
+    EXPECT_EQ(joined("cn=\\ a#b\\ "), "cn=\\20a#b\\20");
+    EXPECT_EQ(joined("cn=\\#a"), "cn=\\23a");
+    EXPECT_EQ(joined("cn=a\\=\\\"b\\<\\>\\;\\+\\,\\\\c"), "cn=a\\3D\\22b\\3C\\3E\\3B\\2B\\2C\\5Cc");
+    EXPECT_EQ(joined("cn=\\00\\0d\\0A\t"), "cn=\\00\\0D\\0A\t");
+    EXPECT_EQ(joined("cn=\\c3\\a9"), "cn=\xC3\xA9");
+    EXPECT_EQ(joined("cn=a\\ff"), "cn=a\\FF");
+    EXPECT_EQ(joined(""), "");
+    const std::string odd = joined("cn=\\ \\,\\#+sn=\\#x");
+    EXPECT_EQ(joined(odd), odd);
 }
 
 }  // namespace

@@ -50,7 +50,7 @@ TEST(ANewEntry, GetsTheSpellingOfTheSchemaAndTheValuesOfItsName) {
                      {"mail;LANG-fr;lang-DE", {"a@b"}},
                      {"COMMONNAME", {"js"}}}};
     EXPECT_EQ(check_new_entry(schema(), entry).message, "");
-    EXPECT_EQ(entry.name, "cn=Smith\\, John+sn=Smith,ou=Users,o=Shop");
+    EXPECT_EQ(entry.name, "cn=Smith\\2C John+sn=Smith,ou=Users,o=Shop");
     EXPECT_THAT(values_of(entry, "objectClass"), ElementsAre("orvoPerson"));
     EXPECT_THAT(values_of(entry, "sn"), ElementsAre("SMITH"));
     EXPECT_THAT(values_of(entry, "cn"), ElementsAre("js", "Smith, John"));

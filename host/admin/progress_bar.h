@@ -1,0 +1,32 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <ostream>
+#include <string>
+
+namespace orvo::admin {
+
+// One line of a terminal that tells how far something is: "Loading [#####-----] 50 %, 1200
+// entries". The line is gone at the end of the object's life.
+class ProgressBar {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    ProgressBar(std::ostream& terminal, std::string what);
+    ~ProgressBar();
+    ProgressBar(const ProgressBar&) = delete;
+    ProgressBar& operator=(const ProgressBar&) = delete;
+
+    // Drawn ten times a second at most. `all` 0: nobody knows.
+    void tell(std::uint64_t done, std::uint64_t all, const std::string& more,
+              Clock::time_point now = Clock::now());
+
+private:
+    std::ostream& terminal_;
+    std::string what_;
+    std::size_t width_ = 0;  // of what stands there
+    Clock::time_point next_{};
+};
+
+}  // namespace orvo::admin

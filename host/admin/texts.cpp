@@ -1,0 +1,35 @@
+#include "host/admin/texts.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <system_error>
+
+#include "platform/values/failure.h"
+
+namespace orvo::admin {
+
+std::string text_of_file(const std::filesystem::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    errno = 0;
+    in.peek();  // finds out what can be opened but not read: a folder
+    if (!in.is_open() || in.bad())
+        throw std::runtime_error(file.string() + ": " + std::generic_category().message(errno));
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+std::string printable(std::string_view text) {
+    std::string result(text);
+    std::ranges::replace_if(
+        result, [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7F'; }, '?');
+    return result;
+}
+
+std::string told(const std::exception& failure) {
+    const auto* own = dynamic_cast<const Failure*>(&failure);
+    return printable(own ? to_utf8(own->description) : failure.what());
+}
+
+}  // namespace orvo::admin

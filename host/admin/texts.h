@@ -1,0 +1,18 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace orvo::admin {
+
+// The octets of a file. Raises std::runtime_error with the file and the reason.
+std::string text_of_file(const std::filesystem::path& file);
+
+// A name or another text out of a directory, for a terminal: control characters are "?".
+std::string printable(std::string_view text);
+
+// What a failure says.
+std::string told(const std::exception& failure);
+
+}  // namespace orvo::admin

@@ -1,0 +1,45 @@
+#include "host/admin/progress_bar.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace orvo::admin {
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST(AProgressBar, IsDrawnOverItselfAndGoesAway) {
+    std::ostringstream terminal;
+    const ProgressBar::Clock::time_point begin{1h};
+    {
+        ProgressBar bar(terminal, "Loading");
+        bar.tell(1, 3, "10000 entries", begin);
+        bar.tell(2, 3, "12000 entries", begin + 99ms);
+        bar.tell(3, 3, "1 entry", begin + 100ms);
+    }
+    const std::string first =
+        "Loading [" + std::string(9, '#') + std::string(21, '-') + "] 33 %, 10000 entries";
+    const std::string last = "Loading [" + std::string(30, '#') + "] 100 %, 1 entry";
+    EXPECT_EQ(terminal.str(), "\r" + first + "\r" + last +
+                                  std::string(first.size() - last.size(), ' ') + "\r" +
+                                  std::string(last.size(), ' ') + "\r");
+}
+
+TEST(AProgressBar, HasNoPartOfWhatNobodyKnows) {
+    std::ostringstream terminal;
+    {
+        ProgressBar bar(terminal, "Loading");
+        bar.tell(7, 0, "7 entries");
+    }
+    EXPECT_TRUE(terminal.str().starts_with("\rLoading, 7 entries\r"));
+}
+
+TEST(AProgressBar, LeavesNoTraceWhereNothingWasTold) {
+    std::ostringstream terminal;
+    { ProgressBar bar(terminal, "Loading"); }
+    EXPECT_EQ(terminal.str(), "");
+}
+
+}  // namespace
+}  // namespace orvo::admin
