@@ -10,17 +10,14 @@
 #include "suite/directory/policy/password_hash.h"
 #include "suite/directory/schema/entry_change.h"
 #include "suite/directory/schema/entry_check.h"
+#include "suite/directory/schema/value_syntax.h"
 
 namespace orvo::directory::embedded {
 namespace {
 
 constexpr const char* user_password = "userPassword";
 
-DistinguishedName parsed(const std::string& name) {
-    auto read = DistinguishedName::try_parse(from_utf8(name));
-    if (!read) raise_code(result_code::invalid_name, "invalid DN");
-    return *std::move(read);
-}
+[[noreturn]] void refuse_name() { raise_code(result_code::invalid_name, "invalid DN"); }
 
 void check(const Refusal& refusal) {
     if (refusal.code != result_code::success) raise_code(refusal.code, refusal.message);
@@ -30,7 +27,9 @@ void check(const Refusal& refusal) {
 [[noreturn]] void raise_missing(const Reading& reading, const AccessRules& rules,
                                 const Identity& who, const DistinguishedName& name) {
     std::string nearest = reading.nearest_above(name);
-    if (!nearest.empty() && !rules.allow(who, Right::read, parsed(nearest), the_entry))
+    if (!nearest.empty() &&
+        !rules.allow(who, Right::read, *DistinguishedName::try_parse(from_utf8(nearest)),
+                     the_entry))
         nearest.clear();
     raise_code(result_code::no_such_object, {}, nearest);
 }
@@ -51,11 +50,18 @@ Login::Login(std::shared_ptr<Directory> directory, TextView user, const Secret& 
     presented_ = password.clone();
 }
 
+DistinguishedName Login::parsed(const std::string& name) const {
+    auto read = DistinguishedName::try_parse(from_utf8(name));
+    if (!read || !try_name_of_schema(name, *schema_)) refuse_name();
+    return *std::move(read);
+}
+
 Login::Login(TextView server, TextView user, const Secret& password)
     : Login(Directory::of(server), user, password) {}
 
 void Login::authenticate() {
     if (!presented_) return;
+    if (!try_name_of_schema(user_, *schema_)) refuse_name();
     BindAnswer answer = directory_->bind(user_, *presented_, Directory::Proof::known);
     // Whoever cannot be bound has the wrong credentials, whatever the reason is called.
     if (!answer.credentials) raise_code(result_code::invalid_credentials);

@@ -71,6 +71,8 @@ private:
         EntryData entry;
     };
 
+    // Raises 34 for what is no name by the schema.
+    DistinguishedName parsed(const std::string& name) const;
     Identity identity(const Reading& reading) const;
     void require_unrestricted(const Reading& reading, const Identity& who) const;
     static EntryData require_visible(const Reading& reading, const AccessRules& rules,

@@ -27,24 +27,23 @@ struct Login::Account {
 };
 
 Login::Account Login::account(const std::string& name) {
-    auto changed = DistinguishedName::try_parse(from_utf8(name));
-    if (!changed) raise_code(result_code::invalid_name, "invalid DN");
+    const DistinguishedName changed = parsed(name);
     const Reading reading = directory_->read();
     const Identity who = identity(reading);
-    if (user_key_ != changed->key()) require_unrestricted(reading, who);
-    std::optional<EntryData> entry = reading.find(*changed);
-    if (!entry) raise_code(result_code::no_such_object, {}, reading.nearest_above(*changed));
+    if (user_key_ != changed.key()) require_unrestricted(reading, who);
+    std::optional<EntryData> entry = reading.find(changed);
+    if (!entry) raise_code(result_code::no_such_object, {}, reading.nearest_above(changed));
     const auto rules = directory_->access_rules(reading);
     const auto may = [&](const Identity& identity) {
-        return rules->allow(identity, Right::write, *changed, user_password);
+        return rules->allow(identity, Right::write, changed, user_password);
     };
-    Account account{*changed,
+    Account account{changed,
                     std::string(stored_password(*entry)),
                     directory_->password_rules(reading, *entry),
                     AccountState::from(*entry),
                     false,
                     may(who)};
-    account.may_user = may(Identity::of(*changed, *std::move(entry)));
+    account.may_user = may(Identity::of(changed, *std::move(entry)));
     return account;
 }
 

@@ -64,17 +64,16 @@ private:
 }  // namespace
 
 void Login::search(const Search& search, const std::function<bool(EntryData&&)>& take) {
-    const auto base = DistinguishedName::try_parse(from_utf8(search.base));
-    if (!base) raise_code(result_code::invalid_name, "invalid DN");
+    const DistinguishedName base = parsed(search.base);
     const AttributeTypes& types = schema_->types;
-    Selection selection{*base, Scope::subtree, search.filter, search.attributes, search.wanted};
+    Selection selection{base, Scope::subtree, search.filter, search.attributes, search.wanted};
     append_attributes(search.filter, selection.attributes);
 
     const Reading reading = directory_->read();
     const Identity who = identity(reading);
     require_unrestricted(reading, who);
     const auto rules = directory_->access_rules(reading);
-    require_visible(reading, *rules, who, *base);
+    require_visible(reading, *rules, who, base);
     AccessView view(*rules, who, selection.attributes);
     Condition condition(search.filter, types, selection.attributes);
     reading.search(selection, [&](EntryData&& entry) {

@@ -71,6 +71,38 @@ TEST_P(EntryTest, RefusesAMissingEntry) {
               u"(32) There is no such entry. The nearest entry is 'ou=Users,o=Shop'.");
 }
 
+TEST_P(EntryTest, RefusesNamesThatTheSchemaDoesNotAllow) {
+    const Entry users_entry = new_entry();
+    bind(users_entry, service(), u"");
+    const TextView refused = u"(34) The distinguished name is not valid. invalid DN";
+    for (const char16_t* name : {u"cn=", u"nosuch=x", u"OrvoUserType=abc", u"OrvoUserType=",
+                                 u"cn=a+cn=b", u"1.2.3.4=x", u"cn=#04024869"}) {
+        SCOPED_TRACE(to_utf8(Text(name)));
+        const Text path = name + Text(u",ou=Users,o=Shop");
+        EXPECT_EQ(refusal_of([&] { bind(entry_, service(), name); }).description, refused);
+        EXPECT_EQ(refusal_of([&] { remove(users_entry, path); }).description, refused);
+        EXPECT_EQ(refusal_of([&] { bind(entry_, path, Secret(u"x"), u"cn=jsmith"); }).description,
+                  refused);
+        EXPECT_EQ(checked(path, u"x"), -1);
+    }
+}
+
+TEST_P(EntryTest, TellsNamesThatNobodyHas) {
+    const Entry users_entry = new_entry();
+    bind(users_entry, service(), u"");
+    const TextView nobody = u"(32) There is no such entry. The nearest entry is 'ou=Users,o=Shop'.";
+    for (const char16_t* name :
+         {u"sn=x", u"cn=a+sn=b", u"telephoneNumber=x", u"cn=\\20", u"2.5.4.3=nobody"}) {
+        SCOPED_TRACE(to_utf8(Text(name)));
+        const Text path = name + Text(u",ou=Users,o=Shop");
+        EXPECT_EQ(refusal_of([&] { bind(entry_, service(), name); }).description, nobody);
+        EXPECT_EQ(refusal_of([&] { remove(users_entry, path); }).description, nobody);
+        EXPECT_EQ(refusal_of([&] { bind(entry_, path, Secret(u"x"), u"cn=jsmith"); }).description,
+                  u"(49) The user name or the password is wrong.");
+        EXPECT_EQ(checked(path, u"x"), -1);
+    }
+}
+
 TEST_P(EntryTest, TakesAUsersNameThatWasNotEscapedAndRefusesANul) {
     const Login john{"cn=Smith, John,ou=Users,o=Shop", shop_.user_password()};
     bind(entry_, john, u"cn=Smith, John");
