@@ -26,9 +26,17 @@ public:
     int bind(const std::string& dn, const std::string& password) override;
     std::map<std::string, std::string> everything() override;
 
+    // The server goes away, and comes back with the data it had.
+    void stop() { slapd_.stop(); }
+    void start();
+    // Those of others than this object.
+    int connections();
+
 private:
+    std::unique_ptr<LdapProbe> connected() const;
+
     PrivateSlapd slapd_;
-    LdapProbe probe_{slapd_.url(), slapd_.root_dn(), slapd_.root_password()};
+    std::unique_ptr<LdapProbe> probe_ = connected();
 };
 
 }  // namespace orvo

@@ -46,13 +46,13 @@ protected:
     }
     Names everybody_with_a_type() {
         Names all;
-        for (const std::string& name : probe_->find("ou=Users,o=Shop", "(OrvoUserType=*)"))
-            for (const std::string& cn : probe_->values(name, "cn")) all.insert(cn);
+        for (const std::string& name : shop_.find("ou=Users,o=Shop", "(OrvoUserType=*)"))
+            for (const std::string& cn : shop_.values(name, "cn")) all.insert(cn);
         return all;
     }
 };
 
-TEST_FRESH(MembersQueriesLive, FindUsersWhoMeetAllCriteria) {
+TEST_FRESH_FOR_EACH(MembersQueriesLive, FindUsersWhoMeetAllCriteria) {
     EXPECT_THAT(names(list({u"cn=jsmith"})), ElementsAre("jsmith"));
     EXPECT_THAT(names(list({u"SN=smith", u"givenName=J*"})), ElementsAre("jsmith", "Smith, John"));
     EXPECT_THAT(names(list({u"sn=Smith", u"NOT givenName=*"})),
@@ -63,14 +63,14 @@ TEST_FRESH(MembersQueriesLive, FindUsersWhoMeetAllCriteria) {
     EXPECT_THAT(names(list({u"cn=nobody"})), IsEmpty());
 }
 
-TEST_FRESH(MembersQueriesLive, WithoutCriteriaFindEverybodyWithAType) {
+TEST_FRESH_FOR_EACH(MembersQueriesLive, WithoutCriteriaFindEverybodyWithAType) {
     const Object all = found(members(), Object());
     EXPECT_EQ(late::get(all, u"RecordCount"), Variant(197));
     const auto rows = column(all);
     EXPECT_EQ(Names(rows.begin(), rows.end()), everybody_with_a_type());
 }
 
-TEST_FRESH(MembersQueriesLive, HaveTheirColumnsInOrder) {
+TEST_FRESH_FOR_EACH(MembersQueriesLive, HaveTheirColumnsInOrder) {
     const Object rows = found(members(), list({u"cn=jsmith"}));
     const Object fields = late::get(rows, u"Fields").to<Object>();
     ASSERT_EQ(late::get(fields, u"Count"), Variant(5));
@@ -88,7 +88,7 @@ TEST_FRESH(MembersQueriesLive, HaveTheirColumnsInOrder) {
     EXPECT_EQ(late::get(own, u"Collect", {1}), Variant(u"1234.5"));
 }
 
-TEST_FRESH(MembersQueriesLive, WithCriteriaThatAreNoFilterFailWithTheWholeQuery) {
+TEST_FRESH_FOR_EACH(MembersQueriesLive, WithCriteriaThatAreNoFilterFailWithTheWholeQuery) {
     const Failure failure = raised_by([&] { names(list({u"cn=("})); });
     EXPECT_EQ(failure.number, error_number(0x8007203E));
     EXPECT_EQ(to_utf8(failure.source), "OrvoMembership.Members.QueryMembers");
@@ -99,7 +99,7 @@ TEST_FRESH(MembersQueriesLive, WithCriteriaThatAreNoFilterFailWithTheWholeQuery)
                           "(objectClass=orvoPerson)(OrvoUserType=*)(cn=())")));
 }
 
-TEST_FRESH(MembersQueriesLive, PageAfterPageEveryUserIsSeenExactlyOnce) {
+TEST_FRESH_FOR_EACH(MembersQueriesLive, PageAfterPageEveryUserIsSeenExactlyOnce) {
     const Names everybody = everybody_with_a_type();
     for (const auto& [size, count] : {std::pair{1, 198}, {7, 29}, {197, 2}, {198, 1}}) {
         SCOPED_TRACE(size);
@@ -109,7 +109,7 @@ TEST_FRESH(MembersQueriesLive, PageAfterPageEveryUserIsSeenExactlyOnce) {
     }
 }
 
-TEST_FRESH(MembersQueriesLive, APageThatIsNotFullLeavesTheFormerBookmark) {
+TEST_FRESH_FOR_EACH(MembersQueriesLive, APageThatIsNotFullLeavesTheFormerBookmark) {
     const Object container = members();
     EXPECT_EQ(late::call(container, u"GetLastPageValue"), Variant(u""));
     late::call(container, u"GetOrvoUsers", {list({u"cn=j*"}), u"", std::int16_t(1)});
@@ -121,7 +121,7 @@ TEST_FRESH(MembersQueriesLive, APageThatIsNotFullLeavesTheFormerBookmark) {
     EXPECT_THAT(to_utf8(bookmark.to<Text>()), testing::EndsWith("!"));
 }
 
-TEST_FRESH(MembersQueriesLive, FindARoleOfOnesOwnAndElseTheProfiles) {
+TEST_FRESH_FOR_EACH(MembersQueriesLive, FindARoleOfOnesOwnAndElseTheProfiles) {
     // Receivers and Buyers have roles 24 and 2; jsmith has 24 himself and Buyers' 2 besides.
     EXPECT_THAT(column(with_role(24, list({u"|(cn=jsmith)(cn=Temp*)(cn=norole)"}), u"cn")),
                 ElementsAre("jsmith", "Temp (night) *"));
@@ -133,17 +133,17 @@ TEST_FRESH(MembersQueriesLive, FindARoleOfOnesOwnAndElseTheProfiles) {
     const auto rows = column(with_role(24));
     Names expected;
     for (const std::string& name :
-         probe_->find("ou=Users,o=Shop", "(&(OrvoRole=24)(!(OrvoUserType=0))(OrvoUserType=*))"))
-        expected.insert(probe_->values(name, "cn")[0]);
+         shop_.find("ou=Users,o=Shop", "(&(OrvoRole=24)(!(OrvoUserType=0))(OrvoUserType=*))"))
+        expected.insert(shop_.values(name, "cn")[0]);
     for (const std::string& name :
-         probe_->find("ou=Users,o=Shop",
-                      "(&(ProfileCN=Receivers)(!(OrvoRole=*))(!(OrvoUserType=0))(OrvoUserType=*))"))
-        expected.insert(probe_->values(name, "cn")[0]);
+         shop_.find("ou=Users,o=Shop",
+                    "(&(ProfileCN=Receivers)(!(OrvoRole=*))(!(OrvoUserType=0))(OrvoUserType=*))"))
+        expected.insert(shop_.values(name, "cn")[0]);
     EXPECT_GT(expected.size(), 20u);
     EXPECT_EQ(Names(rows.begin(), rows.end()), expected);
 }
 
-TEST_FRESH(MembersQueriesLive, SortRolesByWhatTheCallerNames) {
+TEST_FRESH_FOR_EACH(MembersQueriesLive, SortRolesByWhatTheCallerNames) {
     const Variant some = list({u"|(cn=jsmith)(cn=#1 Buyer)(cn=Smith, John)"});
     EXPECT_THAT(column(with_role(2, some, u"cn DESC")),
                 ElementsAre("Smith, John", "jsmith", "#1 Buyer"));
@@ -151,13 +151,13 @@ TEST_FRESH(MembersQueriesLive, SortRolesByWhatTheCallerNames) {
                 ElementsAre("jsmith", "#1 Buyer", "Smith, John"));
 }
 
-TEST_FRESH(MembersQueriesLive, ARoleThatNobodyHasGivesNoRows) {
+TEST_FRESH_FOR_EACH(MembersQueriesLive, ARoleThatNobodyHasGivesNoRows) {
     const Object none = with_role(99);
     EXPECT_EQ(late::get(none, u"RecordCount"), Variant(0));
     EXPECT_EQ(late::get(none, u"EOF"), Variant(true));
 }
 
-TEST_FRESH(MembersQueriesLive, APartnerBeyond32BitsIsZeroInTheRowAndALineInTheLog) {
+TEST_FRESH_FOR_EACH(MembersQueriesLive, APartnerBeyond32BitsIsZeroInTheRowAndALineInTheLog) {
     const Object rows = with_role(7, list({u"cn=bigpartner"}));
     EXPECT_EQ(late::get(rows, u"Collect", {u"BusinessPartnerID"}), Variant(0));
     EXPECT_EQ(late::get(rows, u"Collect", {u"mail"}), Variant(u"big@shop.example"));
@@ -183,7 +183,7 @@ private:
     static inline TempFolder big_;
 };
 
-TEST_FRESH(MembersQueriesOfManyLive, PagesGoBeyondTheServersOwnLimit) {
+TEST_FRESH_FOR_EACH(MembersQueriesOfManyLive, PagesGoBeyondTheServersOwnLimit) {
     int pages = 0;
     const Names all = all_pages(1000, pages);
     EXPECT_EQ(all, everybody_with_a_type());
@@ -198,8 +198,8 @@ protected:
     ApplicationOfManyLive() : MembersQueriesOfManyLive(3000) {}
 };
 
-TEST_FRESH(ApplicationOfManyLive, ItsUsersAreListedUpToAThousand) {
-    EXPECT_GT(probe_->find("ou=Users,o=Shop", "(orvoapps=1)").size(), 1000u);
+TEST_FRESH_FOR_EACH(ApplicationOfManyLive, ItsUsersAreListedUpToAThousand) {
+    EXPECT_GT(shop_.find("ou=Users,o=Shop", "(orvoapps=1)").size(), 1000u);
     const Object accessor = create_object(u"OrvoMembership.PMMAccessor");
     late::call(accessor, u"InitConfigFile", {from_utf8(shop_.site_ini().string())});
     const Object users = late::call(accessor, u"GetLDAPUsers", {1}).to<Object>();

@@ -1,22 +1,23 @@
 #pragma once
 
 // The containers with everything real behind them: the modules that a site registers, and a
-// directory server of the test's own.
+// directory of the test's own.
 
 #include <gmock/gmock.h>
 
-#include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "platform/interfaces/create.h"
 #include "platform/interfaces/late_call.h"
 #include "platform/values/values.h"
+#include "tests/support/child_process.h"
+#include "tests/support/each_directory.h"
 #include "tests/support/environment.h"
-#include "tests/support/ldap_probe.h"
 #include "tests/support/raised.h"
 #include "tests/support/recording/fresh_thread.h"
-#include "tests/support/slapd.h"
+#include "tests/support/slapd_directory.h"
 #include "tests/support/temp_folder.h"
 
 namespace orvo {
@@ -55,14 +56,16 @@ inline std::string block(const char* number, const char* method, const std::stri
            "\r\n DESC: " + description + ".\r\n";
 }
 
-class ContainersLive : public testing::Test {
+// A site with the modules that it registers, and the sample shop in a directory of its own.
+class ContainersSite : public testing::Test {
 protected:
-    explicit ContainersLive(SlapdOptions options = {}) : shop_(std::move(options)) {
-        output_of({ORVO_REGISTER_TOOL, ORVO_MEMBERSHIP, ORVO_SUITE, ORVO_PLATFORM});
+    explicit ContainersSite(std::unique_ptr<TestDirectory> directory)
+        : directory_(std::move(directory)) {
+        output_of({ORVO_REGISTER_TOOL, ORVO_MEMBERSHIP, ORVO_SUITE, ORVO_EMBEDDED, ORVO_PLATFORM});
     }
 
-    Variant service() const { return from_utf8(shop_.service_dn()); }
-    Variant service_code() const { return from_utf8(shop_.service_password()); }
+    static Variant service() { return from_utf8(TestDirectory::service_dn()); }
+    static Variant service_code() { return from_utf8(TestDirectory::service_password()); }
 
     // The settings of this thread, which everything made afterwards uses.
     void load_settings() {
@@ -91,38 +94,39 @@ protected:
     static Object found(const Object& members, const Variant& criteria) {
         return late::call(members, u"GetOrvoUsers", {criteria}).to<Object>();
     }
-
-    int login(const std::string& dn, const std::string& password) {
-        return LdapProbe(shop_.url()).bind(dn, password);
-    }
-    std::vector<std::string> stored(const std::string& cn, const char* attribute) {
-        return probe_->values(shop_.user_dn(cn), attribute);
-    }
-    // Every entry of the shop with the number of its last change.
-    std::map<std::string, std::vector<std::string>> everything() {
-        std::map<std::string, std::vector<std::string>> entries;
-        for (const std::string& name : probe_->find("o=Shop", "(objectClass=*)"))
-            entries[name] = probe_->values(name, "entryCSN");
-        return entries;
-    }
     std::string logged() const { return content_of(folder_.path() / "orvo.log"); }
 
-    // The directory goes away and comes back; the probe follows.
-    void away() { shop_.stop(); }
-    void back() {
-        shop_.start();
-        probe_ = std::make_unique<LdapProbe>(shop_.url(), shop_.root_dn(), shop_.root_password());
+    Text source() const { return from_utf8(shop_.own(differences::source)); }
+    std::vector<std::string> stored(const std::string& cn, const char* attribute) {
+        return shop_.values(shop_.user_dn(cn), attribute);
     }
 
-    PrivateSlapd shop_;
-    std::unique_ptr<LdapProbe> probe_ =
-        std::make_unique<LdapProbe>(shop_.url(), shop_.root_dn(), shop_.root_password());
+private:
+    const std::unique_ptr<TestDirectory> directory_;
+
+protected:
+    TestDirectory& shop_ = *directory_;
 
 private:
     TempFolder folder_;
     Environment components_{"ORVO_COMPONENTS", folder_.path().string()};
     Environment site_{"ORVO_SITE_CONFIG", shop_.site_ini().string()};
     Environment log_{"ORVO_LOG_FILE", (folder_.path() / "orvo.log").string()};
+};
+
+// In front of a directory of each kind (TEST_FRESH_FOR_EACH).
+class ContainersLive : public ContainersSite {
+protected:
+    explicit ContainersLive(const DirectoryOptions& options = {})
+        : ContainersSite(directory_kind()->make(options)) {}
+};
+
+// What is about directory servers.
+class ContainersOverLdap : public ContainersSite {
+protected:
+    ContainersOverLdap() : ContainersSite(std::make_unique<SlapdDirectory>(DirectoryOptions())) {}
+
+    SlapdDirectory& server_ = static_cast<SlapdDirectory&>(shop_);
 };
 
 }  // namespace orvo

@@ -12,7 +12,7 @@
 namespace orvo {
 namespace {
 
-class DirectoryAwayLive : public ContainersLive {
+class DirectoryAwayLive : public ContainersOverLdap {
 protected:
     ~DirectoryAwayLive() override {
         in_fresh_thread([] { check_again_after(5); });
@@ -26,7 +26,7 @@ protected:
         std::string settings = content_of(shop_.site_ini());
         const std::string setting = "LDAPServer=" + shop_.server();
         settings.replace(settings.find(setting), setting.size(), "LDAPServer=" + proxy_.server());
-        const auto file = shop_.folder() / "proxy.ini";
+        const auto file = shop_.site_ini().parent_path() / "proxy.ini";
         std::ofstream(file) << settings;
         proxy_site_.emplace("ORVO_SITE_CONFIG", file.string());
         // A bind asks the server about its credentials every time, so that it can fail there.
@@ -87,7 +87,8 @@ TEST_FRESH(DirectoryAwayLive, SearchesFailClearlyAndWorkOnceItIsBack) {
     const Object users = bound_by(u"OrvoMembership.Members");
     const Object all = bound_by(u"OrvoMembership.Profiles");
     const Object accessor = create_object(u"OrvoMembership.PMMAccessor");
-    late::call(accessor, u"InitConfigFile", {from_utf8((shop_.folder() / "proxy.ini").string())});
+    late::call(accessor, u"InitConfigFile",
+               {from_utf8((shop_.site_ini().parent_path() / "proxy.ini").string())});
     expect_clear_failures("GetOrvoUsers", [&] {
         EXPECT_THAT(column(found(users, list({u"cn=jsmith"}))), ElementsAre("jsmith"));
     });
@@ -144,23 +145,23 @@ TEST_FRESH(DirectoryAwayLive, DeletionsFailClearlyAndWorkOnceItIsBack) {
     use_proxy();
     const Object users = bound_by(u"OrvoMembership.Members");
     const Object all = bound_by(u"OrvoMembership.Profiles");
-    const auto before = everything();
+    const auto before = shop_.everything();
     const auto add = [&](const std::string& dn, const char* object_class) {
-        ASSERT_EQ(probe_->add(dn, {{"objectClass", {object_class}}, {"cn", {"tina"}}}), 0);
+        ASSERT_EQ(shop_.add(dn, {{"objectClass", {object_class}}, {"cn", {"tina"}}}), 0);
     };
     add(shop_.user_dn("tina"), "orvoPerson");
     expect_clear_failures(
         "DeleteUser", [&] { late::call(users, u"DeleteUser", {u"tina"}); },
         [&] { add(shop_.user_dn("tina"), "orvoPerson"); });
-    probe_->remove(shop_.user_dn("tina"));
+    shop_.remove(shop_.user_dn("tina"));
     const std::string profile = "cn=tina,ou=Profiles,o=Shop";
     add(profile, "orvoProfile");
     expect_clear_failures(
         "DeleteProfile",
         [&] { EXPECT_EQ(late::call(all, u"DeleteProfile", {u"tina"}), Variant(true)); },
         [&] { add(profile, "orvoProfile"); });
-    probe_->remove(profile);
-    EXPECT_EQ(everything(), before);
+    shop_.remove(profile);
+    EXPECT_EQ(shop_.everything(), before);
 }
 
 // A creation has several steps, and what was done before a failure stays done: then the next one
@@ -169,18 +170,18 @@ TEST_FRESH(DirectoryAwayLive, CreationsFailClearlyAndTheNextOneWorks) {
     use_proxy();
     const Object users = bound_by(u"OrvoMembership.Members");
     const Object all = bound_by(u"OrvoMembership.Profiles");
-    const auto before = everything();
+    const auto before = shop_.everything();
     int number = 0;
     const auto next = [&] { return u"tina " + from_utf8(std::to_string(++number)); };
     const auto undo = [&] {
-        for (const std::string& dn : probe_->find("o=Shop", "(cn=tina *)")) probe_->remove(dn);
+        for (const std::string& dn : shop_.find("o=Shop", "(cn=tina *)")) shop_.remove(dn);
     };
     expect_clear_failures(
         "CreateUser",
         [&] {
             const Text name = next();
             EXPECT_EQ(late::get(create(users, name, u"first-sample"), u"CN"), Variant(name));
-            EXPECT_EQ(login(shop_.user_dn(to_utf8(name)), "first-sample"), 0);
+            EXPECT_EQ(shop_.bind(shop_.user_dn(to_utf8(name)), "first-sample"), 0);
         },
         undo);
     expect_clear_failures(
@@ -200,12 +201,12 @@ TEST_FRESH(DirectoryAwayLive, CreationsFailClearlyAndTheNextOneWorks) {
         undo);
     expect_clear_failures(
         "CreateProfile", [&] { late::call(all, u"CreateProfile", {next()}); }, undo);
-    EXPECT_EQ(everything(), before);
+    EXPECT_EQ(shop_.everything(), before);
 }
 
 TEST_FRESH(DirectoryAwayLive, AServerThatStopsAndStartsIsNoticedByEveryObject) {
     const Object users = members(), all = profiles();
-    away();
+    server_.stop();
     const auto expect_unreachable = [&](const std::function<void()>& call) {
         const Failure failure = raised_by(call);
         EXPECT_EQ(failure.number, unreachable) << failure.what();
@@ -218,13 +219,30 @@ TEST_FRESH(DirectoryAwayLive, AServerThatStopsAndStartsIsNoticedByEveryObject) {
     expect_unreachable([&] { late::call(all, u"AsRecordset"); });
     EXPECT_THAT(logged(), HasSubstr("(81) The server cannot be reached."));
 
-    back();
+    server_.start();
     EXPECT_EQ(property(create(users, u"tina"), u"CN"), "tina");
     EXPECT_THAT(column(found(users, list({u"cn=tina"}))), ElementsAre("tina"));
     late::call(users, u"DeleteUser", {u"tina"});
     late::call(all, u"CreateProfile", {u"Night Shift"});
     EXPECT_EQ(late::call(all, u"DeleteProfile", {u"Night Shift"}), Variant(true));
     EXPECT_EQ(column(late::call(all, u"AsRecordset").to<Object>()).size(), 11u);
+}
+
+TEST_FRESH(DirectoryAwayLive, AUserFailsClearlyWhileTheServerIsAwayAndWorksOnceItIsBack) {
+    const Object jsmith = user(u"jsmith");
+    EXPECT_EQ(property(jsmith, u"LastName"), "Smith");
+    server_.stop();
+    const Failure write = raised_by([&] { late::put(jsmith, u"Position", u"Reader"); });
+    EXPECT_EQ(write.number, error_number(0x8007203A)) << write.what();
+    EXPECT_EQ(to_utf8(write.source), "OrvoDirectory.Ldap");
+    EXPECT_THAT(to_utf8(write.description), HasSubstr(shop_.server()));
+    const Failure bind = raised_by([&] { user(u"glee"); });
+    EXPECT_EQ(bind.number, error_number(0x8007203A)) << bind.what();
+
+    server_.start();
+    late::put(jsmith, u"Position", u"Reader");
+    EXPECT_EQ(property(user(u"jsmith"), u"Position"), "Reader");
+    EXPECT_EQ(property(user(u"glee"), u"LastName"), "Lee");
 }
 
 }  // namespace

@@ -21,40 +21,45 @@ protected:
     }
 };
 
-TEST_FRESH(FailureEntriesLive, AWrongPasswordIsANoteOfTheProviderAndAnEntryOfTheComponent) {
+TEST_FRESH_FOR_EACH(FailureEntriesLive,
+                    AWrongPasswordIsANoteOfTheProviderAndAnEntryOfTheComponent) {
     load_settings();
     const Object users = create_object(u"OrvoMembership.Members");
     EXPECT_EQ(added_by([&] {
                   raised_by([&] { late::call(users, u"BindAs", {service(), u"not-it"}); });
               }),
-              "note OrvoDirectory.Ldap: Bind of 'ou=Users,o=Shop' failed, 0x8007052E: "
-              "(49) The user name or the password is wrong.\n"
-              "error OrvoDirectory.Ldap:\n"
-              "    ERROR 0x8007052E\n"
-              "     METHOD: OrvoMembership.Members.BindAs\n"
-              "     DESC: \n"
-              "    ERROR 0x8007052E\n"
-              "     METHOD: OrvoMembership.Members.BindAs\n"
-              "     DESC: (49) The user name or the password is wrong..\n"
-              "    .\n");
+              "note " + to_utf8(source()) +
+                  ": Bind of 'ou=Users,o=Shop' failed, 0x8007052E: "
+                  "(49) The user name or the password is wrong.\n"
+                  "error " +
+                  to_utf8(source()) +
+                  ":\n"
+                  "    ERROR 0x8007052E\n"
+                  "     METHOD: OrvoMembership.Members.BindAs\n"
+                  "     DESC: \n"
+                  "    ERROR 0x8007052E\n"
+                  "     METHOD: OrvoMembership.Members.BindAs\n"
+                  "     DESC: (49) The user name or the password is wrong..\n"
+                  "    .\n");
 }
 
-TEST_FRESH(FailureEntriesLive, AFailureToldInOtherWordsHasItsCauseInTheNote) {
+TEST_FRESH_FOR_EACH(FailureEntriesLive, AFailureToldInOtherWordsHasItsCauseInTheNote) {
     const Object users = members();
     EXPECT_EQ(added_by([&] { raised_by([&] { late::call(users, u"DeleteUser", {u"nobody"}); }); }),
-              "note OrvoDirectory.Ldap: DeleteChild of 'ou=Users,o=Shop' failed, 0x80072030: "
-              "(32) There is no such entry. The nearest entry is 'ou=Users,o=Shop'.\n"
-              "error OrvoMembership.Members.DeleteUser:\n"
-              "    ERROR 0x80072030\n"
-              "     METHOD: OrvoMembership.Members.DeleteUser\n"
-              "     DESC: \n"
-              "    ERROR 0x80072030\n"
-              "     METHOD: OrvoMembership.Members.DeleteUser\n"
-              "     DESC: User with common name 'nobody' doesn't exist in the directory.\n"
-              "    .\n");
+              "note " + to_utf8(source()) +
+                  ": DeleteChild of 'ou=Users,o=Shop' failed, 0x80072030: "
+                  "(32) There is no such entry. The nearest entry is 'ou=Users,o=Shop'.\n"
+                  "error OrvoMembership.Members.DeleteUser:\n"
+                  "    ERROR 0x80072030\n"
+                  "     METHOD: OrvoMembership.Members.DeleteUser\n"
+                  "     DESC: \n"
+                  "    ERROR 0x80072030\n"
+                  "     METHOD: OrvoMembership.Members.DeleteUser\n"
+                  "     DESC: User with common name 'nobody' doesn't exist in the directory.\n"
+                  "    .\n");
 }
 
-TEST_FRESH(FailureEntriesLive, ANegativeAnswerOfAPasswordCheckIsNoFailure) {
+TEST_FRESH_FOR_EACH(FailureEntriesLive, ANegativeAnswerOfAPasswordCheckIsNoFailure) {
     load_settings();
     const Object validator = create_object(u"OrvoMembership.Validator");
     EXPECT_EQ(added_by([&] {
@@ -64,14 +69,14 @@ TEST_FRESH(FailureEntriesLive, ANegativeAnswerOfAPasswordCheckIsNoFailure) {
               "");
 }
 
-TEST_FRESH(FailureEntriesLive, WhereErrorsAloneAreAskedForTheNoteIsLeftOut) {
+TEST_FRESH_FOR_EACH(FailureEntriesLive, WhereErrorsAloneAreAskedForTheNoteIsLeftOut) {
     load_settings();
     const Object users = create_object(u"OrvoMembership.Members");
     EXPECT_THAT(added_by([&] {
                     const Environment errors_only("ORVO_LOG_LEVEL", "error");
                     raised_by([&] { late::call(users, u"BindAs", {service(), u"not-it"}); });
                 }),
-                StartsWith("error OrvoDirectory.Ldap:\n"));
+                StartsWith("error " + to_utf8(source()) + ":\n"));
 }
 
 }  // namespace

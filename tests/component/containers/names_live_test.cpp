@@ -63,14 +63,14 @@ Text item_for(const Text& name) {
 
 class NamesLive : public ContainersLive {};
 
-TEST_FRESH(NamesLive, GoThroughCreationListGuidBindAndDeletion) {
+TEST_FRESH_FOR_EACH(NamesLive, GoThroughCreationListGuidBindAndDeletion) {
     const Object container = members();
-    const auto before = everything();
+    const auto before = shop_.everything();
     for (const Text& name : names_that_work) {
         SCOPED_TRACE(shown(name));
         const Object made = create(container, name);
         EXPECT_EQ(late::get(made, u"CN"), Variant(name));
-        EXPECT_EQ(everything().size(), before.size() + 1);
+        EXPECT_EQ(shop_.everything().size(), before.size() + 1);
         EXPECT_EQ(column(found(container, Values{item_for(name)})).size(), 1u);
         const Variant guid = late::get(made, u"GUID");
         const Object by_guid = late::call(container, u"GetUserFromGUID", {guid}).to<Object>();
@@ -78,11 +78,11 @@ TEST_FRESH(NamesLive, GoThroughCreationListGuidBindAndDeletion) {
         late::put(by_guid, u"Position", u"Clerk");
         EXPECT_EQ(late::get(user(name), u"Position"), Variant(u"Clerk"));
         late::call(container, u"DeleteUser", {name});
-        EXPECT_EQ(everything(), before);
+        EXPECT_EQ(shop_.everything(), before);
     }
 }
 
-TEST_FRESH(NamesLive, LogInWithTheNameOfTheirEntry) {
+TEST_FRESH_FOR_EACH(NamesLive, LogInWithTheNameOfTheirEntry) {
     const Object container = members();
     const std::pair<const char16_t*, const char16_t*> users[] = {
         {u"Miller, John", u"cn=Miller\\, John"},
@@ -107,7 +107,7 @@ TEST_FRESH(NamesLive, LogInWithTheNameOfTheirEntry) {
     }
 }
 
-TEST_FRESH(NamesLive, LogInAndChangeTheirPasswordAsTheyAreTyped) {
+TEST_FRESH_FOR_EACH(NamesLive, LogInAndChangeTheirPasswordAsTheyAreTyped) {
     load_settings();
     const Object validator = create_object(u"OrvoMembership.Validator");
     const auto check = [&](const Text& name, const char16_t* password) {
@@ -132,43 +132,48 @@ TEST_FRESH(NamesLive, LogInAndChangeTheirPasswordAsTheyAreTyped) {
     }
 }
 
-TEST_FRESH(NamesLive, AreRefusedWhereTheyReadAsThoseOfAnotherEntry) {
+TEST_FRESH_FOR_EACH(NamesLive, AreRefusedWhereTheyReadAsThoseOfAnotherEntry) {
     const Object container = members();
-    const auto before = everything();
+    const auto before = shop_.everything();
     for (const char16_t* name : {u"a,cn=jsmith", u"a+sn=b", u"Smith\\, John", u"Smith\\2C John",
                                  u"#6A736D697468", u"jsmith,ou=Users,o=Shop"}) {
         const Failure failure = raised_by([&] { create(container, name); });
         expect_failure(
-            failure, error_number(0x80072032), u"OrvoDirectory.Ldap",
+            failure, error_number(0x80072032), source(),
             block("80072032", "Members.CreateUser",
                   "(34) The distinguished name is not valid. The name '" + to_utf8(Text(name)) +
                       "' could be taken for that of another entry."));
     }
-    EXPECT_EQ(everything(), before);
+    EXPECT_EQ(shop_.everything(), before);
 }
 
-TEST_FRESH(NamesLive, AreRefusedWhereNobodyCouldLogInWithThem) {
+TEST_FRESH_FOR_EACH(NamesLive, AreRefusedWhereNobodyCouldLogInWithThem) {
     const Object container = members();
-    const auto before = everything();
+    const auto before = shop_.everything();
     const std::pair<const char16_t*, const char*> names[] = {
         {u"back\\", "cn=back\\,ou=Users,o=Shop"},
         {u"R&D <core>, team=blue", "cn=R&D \\<core\\>, team=blue,ou=Users,o=Shop"}};
     for (const auto& [name, read] : names) {
         const Failure failure = raised_by([&] { create(container, name); });
         expect_failure(
-            failure, error_number(0x80072032), u"OrvoDirectory.Ldap",
+            failure, error_number(0x80072032), source(),
             block("80072032", "Members.CreateUser",
                   "(34) The distinguished name is not valid. Nobody could log in as 'cn=" +
                       to_utf8(Text(name)) + "': with its container it is read as '" + read + "'."));
     }
-    EXPECT_EQ(everything(), before);
+    EXPECT_EQ(shop_.everything(), before);
 }
 
-TEST_FRESH(NamesLive, AreRefusedWhereTheyAreTooLong) {
+TEST_FRESH_FOR_EACH(NamesLive, AreRefusedWhereTheyAreTooLong) {
     const Object container = members();
-    const auto before = everything();
+    const auto before = shop_.everything();
     for (const std::size_t length : {300u, 1'000u, 100'000u}) {
         const Text name(length, u'x');
+        if (length < 8192 && shop_.own(differences::long_name).empty()) {
+            create(container, name);
+            late::call(container, u"DeleteUser", {name});
+            continue;
+        }
         const std::string description =
             to_utf8(raised_by([&] { create(container, name); }).description);
         EXPECT_THAT(description,
@@ -180,12 +185,12 @@ TEST_FRESH(NamesLive, AreRefusedWhereTheyAreTooLong) {
                     testing::AnyOf(error_number(0x80072030), error_number(0x80072032)))
             << missing.what();
     }
-    EXPECT_EQ(everything(), before);
+    EXPECT_EQ(shop_.everything(), before);
 }
 
-TEST_FRESH(NamesLive, ThatAreEmptyAreRefusedEverywhere) {
+TEST_FRESH_FOR_EACH(NamesLive, ThatAreEmptyAreRefusedEverywhere) {
     const Object container = members();
-    const auto before = everything();
+    const auto before = shop_.everything();
     EXPECT_EQ(raised_by([&] { create(container, u""); }).number, error_number(0x80072032));
     EXPECT_EQ(raised_by([&] { late::call(container, u"DeleteUser", {u""}); }).number,
               error_number(0x80072032));
@@ -193,12 +198,12 @@ TEST_FRESH(NamesLive, ThatAreEmptyAreRefusedEverywhere) {
               error_number(0x80072032));
     EXPECT_EQ(raised_by([&] { late::call(profiles(), u"DeleteProfile", {u""}); }).number,
               error_number(0x80072032));
-    EXPECT_EQ(everything(), before);
+    EXPECT_EQ(shop_.everything(), before);
 }
 
-TEST_FRESH(NamesLive, DeleteTheEntryTheyNameAndNoOther) {
+TEST_FRESH_FOR_EACH(NamesLive, DeleteTheEntryTheyNameAndNoOther) {
     const Object container = members();
-    const auto expected = everything();
+    const auto expected = shop_.everything();
     for (const char16_t* name :
          {u"*", u"j*", u"jsmith*", u"(cn=*)", u"nobody,cn=jsmith", u"Smith", u"#1", u"\\"}) {
         EXPECT_THAT(raised_by([&] { late::call(container, u"DeleteUser", {name}); }).number,
@@ -208,22 +213,22 @@ TEST_FRESH(NamesLive, DeleteTheEntryTheyNameAndNoOther) {
     EXPECT_EQ(
         raised_by([&] { late::call(container, u"DeleteUser", {Text(u"jsmith\0", 7)}); }).number,
         error_number(0x80072030));
-    EXPECT_EQ(everything(), expected);
+    EXPECT_EQ(shop_.everything(), expected);
     for (const char16_t* name :
          {u"Smith, John", u"Research+Development", u"#1 Buyer", u"Temp (night) *", u"back\\slash",
           u"Ann \"Andy\" <Smith>; =", u"O'Brien"}) {
         late::call(container, u"DeleteUser", {name});
     }
-    const auto left = everything();
+    const auto left = shop_.everything();
     EXPECT_EQ(left.size(), expected.size() - 7);
     for (const auto& [name, change] : left) EXPECT_EQ(expected.at(name), change) << name;
 }
 
 class ArgumentsLive : public ContainersLive {};
 
-TEST_FRESH(ArgumentsLive, AnArrayWhereATextIsExpectedIsATypeMismatch) {
+TEST_FRESH_FOR_EACH(ArgumentsLive, AnArrayWhereATextIsExpectedIsATypeMismatch) {
     const Object users = members(), all_profiles = profiles();
-    const auto before = everything();
+    const auto before = shop_.everything();
     const Variant array = list({u"a", u"b"});
     const std::pair<Object, std::pair<TextView, std::vector<Variant>>> calls[] = {
         {users, {u"CreateUser", {array, u"x"}}},
@@ -246,10 +251,10 @@ TEST_FRESH(ArgumentsLive, AnArrayWhereATextIsExpectedIsATypeMismatch) {
                   13)
             << to_utf8(call.first);
     }
-    EXPECT_EQ(everything(), before);
+    EXPECT_EQ(shop_.everything(), before);
 }
 
-TEST_FRESH(ArgumentsLive, ATextWhereAnArrayIsExpectedIsATypeMismatch) {
+TEST_FRESH_FOR_EACH(ArgumentsLive, ATextWhereAnArrayIsExpectedIsATypeMismatch) {
     const Object users = members();
     EXPECT_EQ(raised_by([&] { found(users, u"cn=a"); }).number, 13);
     EXPECT_EQ(raised_by([&] { late::call(users, u"GetOrvoUsers"); }).number, 13) << "left out";
@@ -261,7 +266,7 @@ TEST_FRESH(ArgumentsLive, ATextWhereAnArrayIsExpectedIsATypeMismatch) {
     EXPECT_THAT(stored("tina", "cn"), ElementsAre("tina")) << "what was done stays done";
 }
 
-TEST_FRESH(ArgumentsLive, ArraysMayBeginAnywhere) {
+TEST_FRESH_FOR_EACH(ArgumentsLive, ArraysMayBeginAnywhere) {
     Values from_7(7, 2), from_minus_2(-2, 2);
     from_7[7] = from_minus_2[-2] = u"sn=Smith";
     from_7[8] = from_minus_2[-1] = u"givenName=John";
@@ -291,21 +296,21 @@ TEST_FRESH(ArgumentsLive, ArraysMayBeginAnywhere) {
     EXPECT_THAT(stored("tina", "OrvoRole"), ElementsAre("24"));
 }
 
-TEST_FRESH(ArgumentsLive, FortyThousandElementsAreMoreThanAnIndexCounts) {
+TEST_FRESH_FOR_EACH(ArgumentsLive, FortyThousandElementsAreMoreThanAnIndexCounts) {
     constexpr std::int32_t many = 40'000;
     const Object users = members();
-    const auto before = everything();
+    const auto before = shop_.everything();
     Values texts(0, many);
     for (std::int32_t i = 0; i < many; ++i) texts[i] = u"cn=a*";
     EXPECT_EQ(raised_by([&] { found(users, texts); }).number, 6);
     const Object wide = late::call(users, u"GetOrvoUsersEx", {list({u"cn=a"}), texts}).to<Object>();
     EXPECT_EQ(late::get(late::get(wide, u"Fields").to<Object>(), u"Count"), Variant(many))
         << "columns are not counted with an index, and may be the same";
-    EXPECT_EQ(everything(), before);
+    EXPECT_EQ(shop_.everything(), before);
     EXPECT_EQ(column(found(users, list({u"cn=jsmith"}))).size(), 1u) << "it goes on working";
 }
 
-TEST_FRESH(ArgumentsLive, FortyThousandValuesOfOneAttributeAreStored) {
+TEST_FRESH_FOR_EACH(ArgumentsLive, FortyThousandValuesOfOneAttributeAreStored) {
     constexpr std::int32_t many = 40'000;
     Values roles(0, many);
     for (std::int32_t i = 0; i < many; ++i) roles[i] = i + 1;
