@@ -13,7 +13,7 @@ namespace {
 
 // What things cost, in steps through an index: reading an entry, and finding out where one that the
 // index gives stands in the order.
-constexpr std::size_t reading_an_entry = 16;
+constexpr std::size_t reading_an_entry = 32;
 constexpr std::size_t placing_an_entry = 10;
 
 // Index rows that are looked at before anything else. They cost little; so do as many as there will

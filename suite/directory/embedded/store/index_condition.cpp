@@ -28,6 +28,10 @@ std::string next_key(std::string key) { return key += '\0'; }
 
 }  // namespace
 
+const std::string& IndexRange::longest_piece() const {
+    return *std::ranges::max_element(pieces, {}, &std::string::size);
+}
+
 IndexCondition IndexCondition::of_range(IndexRange range) {
     IndexCondition condition(Kind::range);
     condition.range_ = std::move(range);
@@ -134,6 +138,9 @@ const char* IndexCondition::statement_of(const IndexRange& range) {
     if (range.is_one_key) return "SELECT entry, key FROM value WHERE attribute = ? AND key = ?";
     if (range.past)
         return "SELECT entry, key FROM value WHERE attribute = ? AND key >= ? AND key < ?";
+    if (range.is_scan())
+        return "SELECT entry, key FROM value WHERE attribute = ? AND (instr(key, ?) > 0 "
+               "OR length(key) = ?)";
     return "SELECT entry, key FROM value WHERE attribute = ? AND key >= ?";
 }
 
@@ -143,6 +150,8 @@ bool IndexCondition::append_range(Database& database, std::size_t most,
     Query query = database.query(statement_of(range_));
     if (range_.past)
         query.bind(range_.attribute, range_.from, *range_.past);
+    else if (range_.is_scan())
+        query.bind(range_.attribute, range_.longest_piece(), longest_index_key);
     else
         query.bind(range_.attribute, range_.from);
     const std::size_t full = entries.size() + most;

@@ -24,6 +24,7 @@ struct IndexRange {
 
     // Whether all values of the attribute are looked at, to find the few that have the pieces.
     bool is_scan() const { return !pieces.empty() && from.empty(); }
+    const std::string& longest_piece() const;
 };
 
 // The filter as far as the index knows it: it is true of no other entries than those that the

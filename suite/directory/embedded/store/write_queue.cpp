@@ -8,10 +8,7 @@ bool WriteQueue::acquire(Deadline deadline) {
     const bool is_turn =
         self->wait_until(lock, deadline, [&] { return !is_taken_ && self == waiting_.begin(); });
     waiting_.erase(self);
-    if (is_turn)
-        is_taken_ = true;
-    else if (!is_taken_ && !waiting_.empty())
-        waiting_.front().notify_one();  // this one may have been told, and come too late
+    if (is_turn) is_taken_ = true;
     return is_turn;
 }
 

@@ -82,7 +82,7 @@ void Writing::expect_many() {
     is_collecting_ = true;
     connection().is_for_many = true;
     connection().database.execute(
-        "PRAGMA cache_size = -131072; PRAGMA threads = 2;"
+        "PRAGMA cache_size = -65536;"
         "CREATE TEMP TABLE collected_below (ancestor, kind, listing, entry);"
         "CREATE TEMP TABLE collected_value (attribute, key, entry)");
 }

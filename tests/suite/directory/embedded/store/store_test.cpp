@@ -110,8 +110,11 @@ TEST_F(AStore, ForgetsWhatIsNotCommitted) {
         EXPECT_TRUE(writing.find(dn(ann.name)));
     }
     EXPECT_FALSE(find(ann.name));
-    EXPECT_EQ(store->read().setting("a"), "");
-    add({ann.name, {{"otherAttribute", {"x"}}}});
+    {
+        const Reading same_connection = store->read();
+        EXPECT_EQ(same_connection.setting("a"), "");
+        add({ann.name, {{"otherAttribute", {"x"}}}});
+    }
     EXPECT_THAT(find(ann.name)->attributes, ElementsAre(Attribute{"otherAttribute", {"x"}}));
 }
 

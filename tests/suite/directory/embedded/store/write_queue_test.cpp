@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <thread>
 #include <vector>
 
@@ -43,6 +44,22 @@ TEST(TheWriteQueue, GoesByTheOrderOfComing) {
     queue.release();
     for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(order, (std::vector<int>{0, 1, 2, 3, 4}));
+}
+
+TEST(TheWriteQueue, LetsNobodyInBeforeThoseWhoWait) {
+    WriteQueue queue;
+    ASSERT_TRUE(queue.acquire(Clock::now()));
+    std::atomic<bool> may_end = false;
+    std::thread waiting([&] {
+        ASSERT_TRUE(queue.acquire(Clock::now() + long_time));
+        while (!may_end) std::this_thread::yield();
+        queue.release();
+    });
+    while (queue.waiting() != 1) std::this_thread::yield();
+    queue.release();
+    EXPECT_FALSE(queue.acquire(Clock::now()));
+    may_end = true;
+    waiting.join();
 }
 
 TEST(TheWriteQueue, AWriterThatGivesUpHoldsNobodyUp) {
