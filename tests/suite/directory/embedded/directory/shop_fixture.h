@@ -22,34 +22,43 @@ inline DistinguishedName dn(const std::string& name) {
 
 inline std::string user(const std::string& cn) { return "cn=" + cn + ",ou=Users,o=Shop"; }
 
-// A directory with the product's schema and access rules, a service account, and the users jsmith
-// and djansen; its clock stands still until it is told to go on.
+inline std::string hash(const std::string& password) {
+    return hashed_password(Secret::of_bytes(password));
+}
+
+inline const std::string service = "cn=orvo-service,ou=Services,o=Shop";
+
+// A store with the product's schema and access rules, a service account, and the users jsmith and
+// djansen.
+inline void make_shop(const std::filesystem::path& path) {
+    Store::create(path, Schema::of_product());
+    const auto store = Store::open(path);
+    Writing writing = store->write(Durability::process);
+    writing.set_setting("access", AccessRules::text_of_product("o=Shop"));
+    writing.add({"o=Shop", {{"objectClass", {"organization"}}, {"o", {"Shop"}}}});
+    for (const std::string unit : {"Users", "Services", "Policies"})
+        writing.add(
+            {"ou=" + unit + ",o=Shop", {{"objectClass", {"organizationalUnit"}}, {"ou", {unit}}}});
+    for (const std::string cn : {"jsmith", "djansen"})
+        writing.add({user(cn),
+                     {{"objectClass", {"orvoPerson"}},
+                      {"cn", {cn}},
+                      {"userPassword", {hash("shop-sample")}}}});
+    writing.add({service,
+                 {{"objectClass", {"applicationProcess", "simpleSecurityObject"}},
+                  {"cn", {"orvo-service"}},
+                  {"userPassword", {hash("service-sample")}}}});
+    writing.commit();
+}
+
+// Such a directory; its clock stands still until it is told to go on.
 class AShop : public testing::Test {
 protected:
     AShop() {
-        Store::create(path, Schema::of_product());
+        make_shop(path);
         directory = std::make_shared<Directory>(Store::open(path), [this] { return now.load(); });
-        Writing writing = directory->store().write(Durability::process);
-        writing.set_setting("access", AccessRules::text_of_product("o=Shop"));
-        writing.add({"o=Shop", {{"objectClass", {"organization"}}, {"o", {"Shop"}}}});
-        for (const std::string unit : {"Users", "Services", "Policies"})
-            writing.add({"ou=" + unit + ",o=Shop",
-                         {{"objectClass", {"organizationalUnit"}}, {"ou", {unit}}}});
-        for (const std::string cn : {"jsmith", "djansen"})
-            writing.add({user(cn),
-                         {{"objectClass", {"orvoPerson"}},
-                          {"cn", {cn}},
-                          {"userPassword", {hash("shop-sample")}}}});
-        writing.add({service,
-                     {{"objectClass", {"applicationProcess", "simpleSecurityObject"}},
-                      {"cn", {"orvo-service"}},
-                      {"userPassword", {hash("service-sample")}}}});
-        writing.commit();
     }
 
-    static std::string hash(const std::string& password) {
-        return hashed_password(Secret::of_bytes(password));
-    }
     void demand(std::vector<Attribute> policy) {
         policy.insert(policy.begin(), {{"objectClass", {"organizationalRole", "pwdPolicy"}},
                                        {"cn", {"default"}},
@@ -87,7 +96,6 @@ protected:
     }
     Login service_login() { return login(service, "service-sample"); }
 
-    const std::string service = "cn=orvo-service,ou=Services,o=Shop";
     TempFolder folder;
     std::filesystem::path path = folder.path() / "shop.db";
     std::atomic<Moment> now{Moment(std::chrono::sys_days(std::chrono::year(2026) / 3 / 1))};
