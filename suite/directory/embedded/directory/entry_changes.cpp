@@ -1,10 +1,13 @@
 #include "suite/directory/embedded/directory/entry_changes.h"
 
+#include <unistd.h>
+
 #include <algorithm>
-#include <random>
+#include <array>
 #include <utility>
 
 #include "suite/directory/names/ascii.h"
+#include "suite/directory/policy/failures.h"
 
 namespace orvo::directory::embedded {
 namespace {
@@ -26,12 +29,17 @@ void apply_one(const Replacement& change, std::vector<Attribute>& attributes) {
 
 // A random identifier (RFC 4122, version 4).
 std::string new_uuid() {
-    constexpr char digits[] = "0123456789abcdef";
-    std::random_device random;
-    std::string uuid = "xxxxxxxx-xxxx-4xxx-vxxx-xxxxxxxxxxxx";
-    for (char& place : uuid) {
-        if (place == 'x') place = digits[random() % 16];
-        if (place == 'v') place = digits[8 + random() % 4];
+    std::array<unsigned char, 16> octets;
+    if (::getentropy(octets.data(), octets.size()) != 0)
+        raise_code(result_code::other, "The system gives no random numbers.");
+    octets[6] = (octets[6] & 0x0F) | 0x40;
+    octets[8] = (octets[8] & 0x3F) | 0x80;
+    std::string uuid;
+    for (std::size_t at = 0; at < octets.size(); ++at) {
+        constexpr char digits[] = "0123456789abcdef";
+        if (at == 4 || at == 6 || at == 8 || at == 10) uuid += '-';
+        uuid += digits[octets[at] >> 4];
+        uuid += digits[octets[at] & 15];
     }
     return uuid;
 }

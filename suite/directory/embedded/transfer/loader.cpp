@@ -54,7 +54,18 @@ bool is_empty(const Reading& reading) {
 }  // namespace
 
 Loader::Loader(Store& store, Moment now, int hash_cost)
-    : schema_(store.schema()), now_(now), hash_cost_(hash_cost), writing_(store.write()) {}
+    : schema_(store.schema()), now_(now), hash_cost_(hash_cost), writing_(store.write()) {
+    expect_many();
+}
+
+void Loader::expect_many() {
+    writing_.expect_many();
+    expects_many_ = true;
+}
+
+bool Loader::has_children(const DistinguishedName& name) const {
+    return writing_.has_children(name) || (expects_many_ && parents_.contains(name.key()));
+}
 
 void Loader::take(LdifRecord record) {
     switch (record.kind) {
@@ -98,11 +109,12 @@ void Loader::put_in_place(EntryData& entry) {
     }
     const std::string base = writing_.setting(store_setting::base);
     const bool is_base = !base.empty() && parsed(base) == name;
-    if (is_base && writing_.find(name) && !writing_.has_children(name)) {
+    const bool is_there = writing_.find(name).has_value();
+    if (is_base && is_there && !has_children(name)) {
         writing_.remove(name);
-        return;
+        expect_many();
     }
-    if (is_base || (base.empty() && is_empty(writing_))) return;
+    if (is_base || is_there || (base.empty() && is_empty(writing_))) return;
     raise_code(result_code::no_such_object,
                "The entry above " + quoted_name(entry.name) + " is not there.", nearest);
 }
@@ -145,15 +157,17 @@ void Loader::modify(const std::string& name, std::vector<Replacement> changes) {
     raise_if(apply_changes(*schema_, entry, changes));
     stamp_changed(entry, {}, now_);
     writing_.replace(entry);
+    expects_many_ = false;
 }
 
 void Loader::remove(const std::string& name) {
     const DistinguishedName key = parsed(name);
     existing(key);
-    if (writing_.has_children(key))
+    if (has_children(key))
         raise_code(result_code::not_allowed_on_non_leaf,
                    "subordinate objects must be deleted first");
     writing_.remove(key);
+    expects_many_ = false;
     parents_.erase(key.key());
 }
 

@@ -38,6 +38,8 @@ public:
     void commit() { writing_.commit(); }
 
 private:
+    void expect_many();
+    bool has_children(const DistinguishedName& name) const;
     void add(EntryData entry);
     void modify(const std::string& name, std::vector<Replacement> changes);
     void remove(const std::string& name);
@@ -50,6 +52,7 @@ private:
     Moment now_;
     int hash_cost_;
     Writing writing_;
+    bool expects_many_ = false;  // until something is changed
     std::size_t count_ = 0;
     // Entries that are there and had others put below them, by key; their names as written.
     std::unordered_map<std::string, std::string> parents_;

@@ -147,6 +147,15 @@ TEST_F(ALoader, PutsTheBaseThatIsLoadedInThePlaceOfTheOneThatWasMade) {
         << "others stand on it";
 }
 
+TEST_F(ALoader, KnowsWhatItHasJustPutBelowAnEntry) {
+    const std::string base = "dn: o=Shop\nobjectClass: organization\n\n";
+    const std::string unit = "dn: ou=Users,o=Shop\nobjectClass: organizationalUnit\n\n";
+    EXPECT_THAT(refusal_of(base + unit + base), StartsWith("(68)"));
+    EXPECT_THAT(refusal_of(base + unit + "dn: o=Shop\nchangetype: delete\n"), StartsWith("(66)"));
+    load(base + unit + "dn: ou=Users,o=Shop\nchangetype: delete\n\n" + unit);
+    EXPECT_THAT(names(), ElementsAre("o=Shop", "ou=Users,o=Shop"));
+}
+
 TEST_F(ALoader, CarriesChangesOut) {
     load(shop + user("a", "sn: A\nuserPassword: shop-sample\n") + user("b"));
     load(
