@@ -2,7 +2,7 @@
 
 function serverOf(info) {
     var server = info.GetServerName();
-    var address = /^(ldaps:\/\/)?127\.0\.0\.1:\d+(\/\?cafile=.+)?$/;
+    var address = /^(ldaps:\/\/)?127\.0\.0\.1:\d+(\/\?cafile=.+)?$|^\/.+\/shop\.db$/;
     equal("the server's address", address.test(server), true);
     return server;
 }
@@ -19,7 +19,8 @@ info.SetConfiguration(siteFile);
 serverOf(info);
 equal("script user", info.GetMemScriptUser(), "cn=orvo-service,ou=Services,o=Shop");
 equal("script code", info.GetMemScriptCode(), "service-sample");
-equal("provider", info.GetPMMImplementation(), "OrvoDirectory.Ldap");
+var provider = /\.db$/.test(info.GetServerName()) ? "OrvoDirectory.Embedded" : "OrvoDirectory.Ldap";
+equal("provider", info.GetPMMImplementation(), provider);
 equal("profile container", info.GetProfileContainer(), "ou=Profiles,o=Shop");
 equal("user container", info.GetUserContainer(), "ou=Users,o=Shop");
 equal("account container", info.GetAccountContainer(), "ou=Accounts,o=Shop");

@@ -25,14 +25,20 @@ raises("no such entry", "80072030",
              info.GetUserContainer() + "'."),
        function () { bind("cn=nobody"); });
 
-raises("an unreadable server", "8007203F",
-       block("8007203F", boundFail, "(89) A setting or argument is not valid. " +
-             "The server 'dir01:x' has a port that is not a number."),
-       function () { bind("cn=jsmith", null, null, "dir01:x"); });
-
-raisesLike("an unreachable server", 0x8007203A | 0,
-    /^\r\nERROR 0x8007203A\r\n METHOD: OrvoMembership.LDAPAccess.BindAs\r\n DESC: \(81\) The server cannot be reached. 'ldap:\/\/127.0.0.1:1'.*\.\r\n$/,
-    function () { bind("cn=jsmith", null, null, "127.0.0.1:1"); });
+if (info.GetPMMImplementation() == "OrvoDirectory.Embedded") {
+    raises("a file that is not there", "8007203A",
+           block("8007203A", boundFail, "(81) The server cannot be reached. '/nowhere/shop.db': " +
+                 "No such file or directory."),
+           function () { bind("cn=jsmith", null, null, "/nowhere/shop.db"); });
+} else {
+    raises("an unreadable server", "8007203F",
+           block("8007203F", boundFail, "(89) A setting or argument is not valid. " +
+                 "The server 'dir01:x' has a port that is not a number."),
+           function () { bind("cn=jsmith", null, null, "dir01:x"); });
+    raisesLike("an unreachable server", 0x8007203A | 0,
+        /^\r\nERROR 0x8007203A\r\n METHOD: OrvoMembership.LDAPAccess.BindAs\r\n DESC: \(81\) The server cannot be reached. 'ldap:\/\/127.0.0.1:1'.*\.\r\n$/,
+        function () { bind("cn=jsmith", null, null, "127.0.0.1:1"); });
+}
 
 raises("an unknown attribute", "8007200C",
        block("8007200C", access + "SetAttribValue", "(17) The attribute type is not defined. " +

@@ -7,10 +7,10 @@
 #include "suite/directory/embedded/access/access_rules.h"
 #include "suite/directory/embedded/directory/directory.h"
 #include "suite/directory/embedded/directory/entry_changes.h"
+#include "suite/directory/embedded/transfer/loader.h"
 #include "suite/directory/entries/search_condition.h"
 #include "suite/directory/entries/searched_entry.h"
 #include "suite/directory/filters/filter.h"
-#include "suite/directory/ldif/ldif_reader.h"
 #include "suite/directory/policy/password_hash.h"
 #include "suite/directory/policy/stored_password.h"
 #include "suite/directory/schema/entry_change.h"
@@ -52,29 +52,25 @@ void complete(EntryData& entry) {
     entry.attributes.push_back({"structuralObjectClass", {structural->name()}});
 }
 
-void load(const std::filesystem::path& file, Writing& writing) {
+void load(const std::filesystem::path& file, Loader& loader) {
     std::ifstream in(file);
     LdifReader reader(in);
-    while (auto record = reader.next()) {
-        const Refusal refusal = check_loaded_entry(Schema::of_product(), record->entry);
-        if (refusal) throw std::runtime_error(record->entry.name + ": " + refusal.message);
-        complete(record->entry);
-        writing.add(record->entry);
-    }
+    while (auto record = reader.next()) loader.take(*std::move(record));
 }
 
 void make_store(const std::filesystem::path& file, const DirectoryOptions& options) {
     const auto examples = source_tree / "examples/directory";
     Store::create(file, Schema::of_product());
-    Writing writing = Store::open(file)->write(Durability::process);
-    writing.set_setting("access", AccessRules::text_of_product("o=Shop"));
-    load(options.shop.empty() ? examples / "shop.ldif" : options.shop, writing);
+    const std::shared_ptr<Store> store = Store::open(file);
+    Loader loader(*store, time_of_day(), HashCost::usual);
+    loader.set_setting(store_setting::access, AccessRules::text_of_product("o=Shop"));
+    load(options.shop.empty() ? examples / "shop.ldif" : options.shop, loader);
     if (options.password_policy) {
-        load(examples / "password-policy.ldif", writing);
-        writing.set_setting("policy", "cn=default,ou=Policies,o=Shop");
+        load(examples / "password-policy.ldif", loader);
+        loader.set_setting(store_setting::policy, "cn=default,ou=Policies,o=Shop");
     }
-    for (const auto& more : options.ldif) load(more, writing);
-    writing.commit();
+    for (const auto& more : options.ldif) load(more, loader);
+    loader.commit();
 }
 
 // The store that tests with the usual shop have copies of.
