@@ -3,6 +3,8 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <memory>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -12,16 +14,10 @@
 namespace orvo::directory::embedded {
 namespace {
 
-std::string unchanging(const std::filesystem::path& file) {
-    std::string uri = "file:";
-    for (const char c : file.string()) {
-        if (c == '%' || c == '?' || c == '#')
-            for (const char escaped : {'%', "0123"[c >> 4 & 3], "0123456789ABCDEF"[c & 15]})
-                uri += escaped;
-        else
-            uri += c;
-    }
-    return uri + "?immutable=1";
+[[noreturn]] void raise_unusable(const std::filesystem::path& file, std::string reason,
+                                 int system_error) {
+    if (system_error != 0) reason += ", " + std::generic_category().message(system_error);
+    raise_code(result_code::server_down, quoted_name(file.string()) + ": " + reason + ".");
 }
 
 }  // namespace
@@ -90,20 +86,15 @@ void Query::bind_text(int place, std::string_view text) {
 }
 
 // An absolute path is never taken for a URI, nor for one of SQLite's special names.
-Database::Database(const std::filesystem::path& file, Access access)
-    : file_(std::filesystem::absolute(file)), access_(access) {
-    constexpr int flags = SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
-    const int code =
-        access == Access::glance
-            ? sqlite3_open_v2(unchanging(file_).c_str(), &handle_,
-                              flags | SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, nullptr)
-            : sqlite3_open_v2(file_.c_str(), &handle_, flags | SQLITE_OPEN_READWRITE, nullptr);
+Database::Database(const std::filesystem::path& file) : file_(std::filesystem::absolute(file)) {
+    const int code = sqlite3_open_v2(
+        file_.c_str(), &handle_,
+        SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
     if (code != SQLITE_OK) {
-        std::string reason = handle_ ? sqlite3_errmsg(handle_) : sqlite3_errstr(code);
-        if (const int error = handle_ ? sqlite3_system_errno(handle_) : 0)
-            reason += ", " + std::generic_category().message(error);
+        const std::string reason = handle_ ? sqlite3_errmsg(handle_) : sqlite3_errstr(code);
+        const int error = handle_ ? sqlite3_system_errno(handle_) : 0;
         sqlite3_close(handle_);
-        raise_code(result_code::server_down, quoted_name(file_.string()) + ": " + reason + ".");
+        raise_unusable(file_, reason, error);
     }
     sqlite3_busy_handler(handle_, &Database::wait_for_lock, this);
 }
@@ -137,8 +128,7 @@ void Database::raise_last() { raise(sqlite3_extended_errcode(handle_)); }
 void Database::raise(int code) {
     const bool is_last = code == sqlite3_extended_errcode(handle_);
     const std::string reason = is_last ? sqlite3_errmsg(handle_) : sqlite3_errstr(code);
-    const int other = access_ == Access::glance ? result_code::server_down : result_code::other;
-    raise_code((code & 0xFF) == SQLITE_BUSY ? result_code::busy : other,
+    raise_code((code & 0xFF) == SQLITE_BUSY ? result_code::busy : result_code::other,
                quoted_name(file_.string()) + ": " + reason + " (" + std::to_string(code) + ").");
 }
 
@@ -153,6 +143,26 @@ int Database::wait_for_lock(void* database, int attempt) {
     const microseconds step(std::min(100LL << std::min(attempt / 2, 5), 2500LL));
     std::this_thread::sleep_for(std::min(step, left));
     return 1;
+}
+
+std::string beginning_of(const std::filesystem::path& file, std::size_t size) {
+    sqlite3_vfs* system = sqlite3_vfs_find(nullptr);
+    const std::string path = std::filesystem::absolute(file).string();
+    const std::unique_ptr<const char, void (*)(const char*)> name(
+        sqlite3_create_filename(path.c_str(), "", "", 0, nullptr), sqlite3_free_filename);
+    std::vector<std::max_align_t> room(
+        static_cast<std::size_t>(system->szOsFile) / sizeof(std::max_align_t) + 1);
+    auto* opened = reinterpret_cast<sqlite3_file*>(room.data());
+    int code = system->xOpen(system, name.get(), opened, SQLITE_OPEN_READONLY | SQLITE_OPEN_MAIN_DB,
+                             nullptr);
+    if (code != SQLITE_OK) raise_unusable(file, sqlite3_errstr(code), errno);
+    std::string octets(size, '\0');
+    code = opened->pMethods->xRead(opened, octets.data(), static_cast<int>(size), 0);
+    const int error = errno;
+    opened->pMethods->xClose(opened);
+    if (code != SQLITE_OK && code != SQLITE_IOERR_SHORT_READ)
+        raise_unusable(file, sqlite3_errstr(code), error);
+    return octets;
 }
 
 }  // namespace orvo::directory::embedded

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -64,13 +65,9 @@ private:
 // One connection to a database file. Used by one thread at a time.
 class Database {
 public:
-    // `glance`: reads what the file itself holds, without its log and without locks, and certainly
-    // writes nothing.
-    enum class Access { normal, glance };
-
     // The file is there; an empty one becomes a database. Raises result code 81 with the file and
     // the reason.
-    explicit Database(const std::filesystem::path& file, Access access = Access::normal);
+    explicit Database(const std::filesystem::path& file);
     ~Database();
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
@@ -104,8 +101,8 @@ public:
     void set_wait(std::chrono::milliseconds wait) { wait_ = wait; }
     bool is_in_transaction() const;
 
-    // Raises result code 51 where somebody else holds a lock, 80 otherwise (81 at a glance), with
-    // the file and SQLite's reason for what happened last. No values are in it.
+    // Raises result code 51 where somebody else holds a lock, 80 otherwise, with the file and
+    // SQLite's reason for what happened last. No values are in it.
     [[noreturn]] void raise_last();
     // The same for a code that came from a call of the library's.
     [[noreturn]] void raise(int code);
@@ -118,11 +115,16 @@ private:
     static int wait_for_lock(void* database, int attempt);
 
     std::filesystem::path file_;
-    Access access_;
     sqlite3* handle_ = nullptr;
     std::chrono::milliseconds wait_ = usual_wait;
     std::chrono::steady_clock::time_point waiting_since_;
     std::unordered_map<std::string_view, std::vector<sqlite3_stmt*>> idle_;
 };
+
+// The octets that a file begins with, zeros behind its end: without its log, and without a look at
+// the rest, which may be as a killed process has left it. Raises result code 81 with the file and
+// the reason. Whatever has the file open in this process keeps its locks, which it would lose if it
+// were read by other means.
+std::string beginning_of(const std::filesystem::path& file, std::size_t size);
 
 }  // namespace orvo::directory::embedded

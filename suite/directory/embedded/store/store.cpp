@@ -6,6 +6,7 @@
 #include <map>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -36,10 +37,16 @@ FileIdentity identity_of(const std::filesystem::path& file) {
     return {status.st_dev, status.st_ino};
 }
 
-// At a glance: another program's file may have a log that SQLite would bring in otherwise.
+// Without a database connection, which might write: another program's file may have a log that
+// SQLite would bring in.
 void require_directory(const std::filesystem::path& file) {
-    Database database(file, Database::Access::glance);
-    if (database.number("PRAGMA application_id", 0) != application_id)
+    constexpr std::string_view magic("SQLite format 3\0", 16);
+    constexpr std::size_t application_id_at = 68;
+    const std::string header = beginning_of(file, 100);
+    std::uint32_t application = 0;
+    for (std::size_t at = application_id_at; at < application_id_at + 4; ++at)
+        application = application << 8 | static_cast<unsigned char>(header[at]);
+    if (!header.starts_with(magic) || application != application_id)
         raise_unusable(file, "this is not the file of a directory");
 }
 

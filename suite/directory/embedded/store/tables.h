@@ -14,7 +14,7 @@
 namespace orvo::directory::embedded {
 
 // In the header of the file (`PRAGMA application_id`): it is a directory.
-inline constexpr std::int32_t application_id = 0x4F72766F;
+inline constexpr std::uint32_t application_id = 0x4F72766F;
 
 // The steps from version 1 of the tables (`PRAGMA user_version`) to that of this program. A version
 // is also how values are compared and listed: a change of that is a step that makes the index rows

@@ -63,6 +63,29 @@ TEST_F(AFullDisk, FailsTheWriterWithTheReasonAndLosesNothing) {
     EXPECT_THAT(store->read().problems(), IsEmpty());
 }
 
+// SQLite brings the log into the file page by page; here it comes to an end half way.
+TEST_F(AFullDisk, LosesNothingWhereTheLogCannotBeBroughtIn) {
+    int told = 0;
+    {
+        const FileSizeLimit limit(6'000'000);
+        const Failure failure = failure_of([&] {
+            for (; told < 1000; ++told)
+                add({"cn=" + std::to_string(told) + ",o=Shop",
+                     {{"userPassword", {std::string(50'000, 'x')}}}});
+        });
+        EXPECT_THAT(text_of(failure), HasSubstr("disk I/O error ("));
+        store.reset();
+        store = Store::open(path);
+        EXPECT_THAT(store->read().problems(), IsEmpty());
+        store.reset();
+    }
+    store = Store::open(path);
+    EXPECT_THAT(store->read().problems(), IsEmpty());
+    for (int i = 0; i < told; ++i) EXPECT_TRUE(find("cn=" + std::to_string(i) + ",o=Shop")) << i;
+    EXPECT_GT(told, 100);
+    add({"cn=after,o=Shop", {}});
+}
+
 TEST_F(AFullDisk, LeavesNoHalfBackup) {
     add({"cn=a,o=Shop", {{"userPassword", {std::string(200'000, 'x')}}}});
     const FileSizeLimit limit(100'000);

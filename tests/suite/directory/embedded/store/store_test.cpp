@@ -244,7 +244,7 @@ TEST(AStoreFile, ThatIsNoDirectoryIsRefusedAndLeftAsItIs) {
         {"text",
          "This is a text, and it is long enough to be taken for a header. "
          "It goes on and on and on, and does not end.",
-         "file is not a database"},
+         "this is not the file of a directory"},
         {"empty", "", "this is not the file of a directory"},
         {"database", content_of(other), "this is not the file of a directory"},
     };
