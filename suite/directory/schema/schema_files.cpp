@@ -183,6 +183,15 @@ std::string SchemaFiles::number_of(const Definitions& all, std::string_view word
     return number;
 }
 
+// A word that is a number or stands for one, perhaps with a length ("1.2{32}"), as the number, and
+// without quotes; any other as it is, for quotes may keep together what is more than a word.
+std::string SchemaFiles::written_out(const Definitions& all, std::string_view word) {
+    const std::string number = number_of(all, schema::unquoted(word));
+    const bool is_one_word = number.find_first_of(" \t\r\n()'") == number.npos;
+    const std::string_view digits = std::string_view(number).substr(0, number.find('{'));
+    return is_one_word && is_number(digits) ? number : std::string(word);
+}
+
 // The description with single blanks between its words, and the numbers of it and its syntax
 // written out.
 std::string SchemaFiles::with_number(const Definitions& all, std::string_view description) {
@@ -193,7 +202,7 @@ std::string SchemaFiles::with_number(const Definitions& all, std::string_view de
     while (const std::optional<std::string_view> word = words.next()) {
         if (++count > 1) result += ' ';
         const bool is_number = count == 2 || before == "SYNTAX";
-        result += is_number ? number_of(all, schema::unquoted(*word)) : std::string(*word);
+        result += is_number ? written_out(all, *word) : std::string(*word);
         before = *word;
     }
     return result;

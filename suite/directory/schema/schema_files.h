@@ -51,6 +51,7 @@ private:
     static void add_type(Definitions& all, const std::string& text);
     static void add_class(Definitions& all, const std::string& text);
     static std::string number_of(const Definitions& all, std::string_view word);
+    static std::string written_out(const Definitions& all, std::string_view word);
     static std::string with_number(const Definitions& all, std::string_view description);
 
     Definitions all_;

@@ -60,6 +60,13 @@ TEST(SchemaFiles, AreReadWithTheirNumbersWrittenOut) {
     EXPECT_FALSE(schema.rules_of(*article).required.empty());
 }
 
+TEST(SchemaFiles, MayHaveNumbersInQuotes) {
+    EXPECT_THAT(schema_of({"attributetype ( '1.1' NAME 'a' SYNTAX "
+                           "'1.3.6.1.4.1.1466.115.121.1.15{32}' )"})
+                    .attribute_types,
+                ElementsAre("( 1.1 NAME 'a' SYNTAX 1.3.6.1.4.1.1466.115.121.1.15{32} )"));
+}
+
 TEST(SchemaFiles, MayEndTheirLinesInTwoCharacters) {
     std::string text(base);
     for (std::size_t at = 0; (at = text.find('\n', at)) != std::string::npos; at += 2)
@@ -101,6 +108,10 @@ TEST(SchemaFiles, AreRefusedWithTheLineAndTheReason) {
         {"attributetype ( 1.1 NAME 'a' SUP nobody )", "1: attribute type 'nobody' is not defined"},
         {"attributetype ( 1.1 NAME 'a' )", "1: the attribute type has neither syntax nor superior"},
         {"attributetype ( 1.1 NAME 'a' SYNTAX 1.2.3 )", "1: syntax '1.2.3' is not known"},
+        {"attributetype ( 1.1 NAME 'a' SYNTAX '1.3.6.1.4.1.1466.115.121.1.15 SINGLE-VALUE' )",
+         "1: syntax '1.3.6.1.4.1.1466.115.121.1.15 SINGLE-VALUE' is not known"},
+        {"attributetype ( '1.1 OBSOLETE' NAME 'a' SUP cn )",
+         "1: '1.1 OBSOLETE' is no object identifier"},
         {"attributetype ( 1.1 NAME 'a' SUP cn SINGLEVALUE x )",
          "1: 'SINGLEVALUE' is not understood"},
         {"objectclass ( 1.1 NAME 'a' SUP nobody )", "1: object class 'nobody' is not defined"},
