@@ -8,9 +8,11 @@ void raise_code(int code, std::string_view message, std::string_view nearest_ent
 
 std::string quoted_name(std::string_view name) {
     constexpr std::size_t longest = 200;
+    constexpr std::size_t longest_character = 4;
     if (name.size() <= longest) return "'" + std::string(name) + "'";
     std::size_t end = longest;
-    while ((name[end] & 0xC0) == 0x80) --end;  // no half of a character
+    // No half of a character, where it is text at all.
+    while (end > longest - longest_character && (name[end] & 0xC0) == 0x80) --end;
     return "'" + std::string(name.substr(0, end)) + "...'";
 }
 
