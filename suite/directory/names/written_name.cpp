@@ -105,7 +105,7 @@ std::optional<Text> name_below(TextView written, const DistinguishedName& contai
         const TextView relative = written.substr(0, comma);
         const Text rest = container_name(written.substr(comma + 1));
         if (DistinguishedName::try_parse(rest) != container) continue;
-        return readable_name(relative, rest);
+        return readable_name(relative, container.depth() > 0 ? rest : Text());
     }
     const auto whole = DistinguishedName::try_parse(written);
     if (!whole || !whole->is_below(container)) return std::nullopt;
@@ -113,7 +113,9 @@ std::optional<Text> name_below(TextView written, const DistinguishedName& contai
 }
 
 bool is_plain_below(TextView written, TextView container) {
-    if (written.size() > longest_name || written.size() <= container.size()) return false;
+    const bool is_root = container.find_first_not_of(u' ') == TextView::npos;
+    if (is_root || written.size() > longest_name || written.size() <= container.size())
+        return false;
     const std::size_t comma = written.size() - container.size() - 1;
     return written.ends_with(container) && written[comma] == u',' &&
            is_plain(written.substr(0, comma));

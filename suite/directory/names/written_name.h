@@ -45,7 +45,8 @@ Text full_name(TextView written);
 std::optional<Text> name_below(TextView written, const DistinguishedName& container);
 
 // Whether that is the text as it stands, as one look at most texts tells: a type, "=", a value that
-// holds nothing that would have to be read, "," and the container just as it is spelled here.
+// holds nothing that would have to be read, "," and the container just as it is spelled here. Never
+// below the root.
 bool is_plain_below(TextView written, TextView container);
 
 }  // namespace orvo::directory

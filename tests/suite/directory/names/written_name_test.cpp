@@ -111,7 +111,14 @@ TEST(TheNameBelowAContainer, IsTheTextAsItStandsWhereThatIsPlain) {
           u"cn=,ou=Users,o=Shop"})
         EXPECT_FALSE(is_plain_below(written, u"ou=Users,o=Shop")) << to_utf8(written);
     EXPECT_FALSE(is_plain_below(TextView(u"cn=a\0b,o=S", 10), u"o=S"));
-    EXPECT_TRUE(is_plain_below(u"cn=a,", u""));
+}
+
+TEST(TheNameBelowTheRoot, IsNeverTheTextAsItStandsWithItsComma) {
+    EXPECT_EQ(name_below(u"cn=a,", name(u"")), u"cn=a");
+    EXPECT_FALSE(is_plain_below(u"cn=a,", u""));
+    EXPECT_EQ(name_below(u"cn=a, ", name(u"")), u"cn=a");
+    EXPECT_EQ(name_below(u"cn=a\\, ", name(u"")), u"cn=a\\\\");
+    EXPECT_FALSE(is_plain_below(u"cn=a, ", u" "));
 }
 
 TEST(TheNameBelowAContainer, IsNoneForATextThatIsTooLongForAName) {
