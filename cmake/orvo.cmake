@@ -2,6 +2,7 @@
 
 option(ORVO_TESTS "Build the tests" ON)
 option(ORVO_BENCH "Build the benchmarks" OFF)
+option(ORVO_FUZZ "Build the fuzzers, with clang alone" OFF)
 option(ORVO_PRECOMPILE "Precompile the headers that many sources read" ON)
 set(ORVO_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize= takes them")
 
@@ -36,11 +37,13 @@ endif()
 
 add_library(orvo_options INTERFACE)
 # g++ 12 takes the inlined concatenation of strings for overlapping copies (its bug 105651).
-target_compile_options(orvo_options INTERFACE -Wall -Wextra -Wpedantic -Werror -Wno-restrict)
+target_compile_options(orvo_options INTERFACE -Wall -Wextra -Wpedantic -Werror
+                       $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
+                       $<$<CXX_COMPILER_ID:Clang>:-Wno-nested-anon-types>)
 target_include_directories(orvo_options INTERFACE ${PROJECT_SOURCE_DIR})
 if(NOT WIN32)
   # A module's inline statics must not keep it from being unloaded.
-  target_compile_options(orvo_options INTERFACE -fno-gnu-unique)
+  target_compile_options(orvo_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
 endif()
 if(ORVO_SANITIZE)
   # The vptr check reads run-time type information beside a vtable; the vtables of the interface

@@ -60,8 +60,8 @@ void ManifestIndex::add_manifest(const path& file) {
     if (!is_usable) add_fault(manifest->fault);
     ModuleFile* module = is_usable ? &module_at(manifest->module) : nullptr;
     for (ManifestClass& entry : manifest->classes) {
-        auto [place, is_new] =
-            by_progid_.try_emplace(std::move(entry.progid), entry.clsid, module, manifest->fault);
+        auto [place, is_new] = by_progid_.try_emplace(
+            std::move(entry.progid), IndexedClass{entry.clsid, module, manifest->fault});
         if (is_new) by_clsid_.try_emplace(entry.clsid, &place->second);
     }
 }

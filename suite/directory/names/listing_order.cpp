@@ -19,9 +19,9 @@ bool is_ascii(std::string_view value) {
 // What letters_of gives, without the detour.
 std::string ascii_letters(std::string_view name) {
     std::string letters = ascii::lower(name);
-    const auto rest =
-        std::ranges::unique(letters, [](char a, char b) { return a == ' ' && b == ' '; });
-    letters.erase(rest.begin(), rest.end());
+    const auto rest = std::unique(letters.begin(), letters.end(),
+                                  [](char a, char b) { return a == ' ' && b == ' '; });
+    letters.erase(rest, letters.end());
     if (letters.starts_with(' ')) letters.erase(0, 1);
     return letters;
 }
