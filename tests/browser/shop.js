@@ -67,9 +67,10 @@ class Visitor {
 class Shop {
     constructor(name) {
         this.name = name;
-        this.work = path.join(process.env.ORVO_BROWSER_WORK, name);
+        this.work = path.join(process.env.ORVO_BROWSER_WORK, process.env.ORVO_BROWSER_DIRECTORY,
+            name);
         this.pictures = path.join(process.env.ORVO_BROWSER_WORK, 'pictures');
-        this.directory = new Directory(path.join(this.work, 'slapd'));
+        this.directory = new Directory(path.join(this.work, 'directory'), this.environment());
         this.hosts = [];
         this.visitors = [];
         this.logins = new Map();
@@ -82,7 +83,7 @@ class Shop {
         fs.mkdirSync(this.pictures, { recursive: true });
         for (const file of fs.readdirSync(this.pictures))
             if (file.startsWith(`failed ${this.name} -`)) fs.rmSync(path.join(this.pictures, file));
-        const modules = ['OrvoMembership', 'OrvoSuite', 'OrvoPlatform'];
+        const modules = ['OrvoMembership', 'OrvoSuite', 'OrvoEmbedded', 'OrvoPlatform'];
         await outputOf(path.join(bin, 'orvo-register'),
             modules.map((module) => path.join(bin, `${module}.so`)), this.environment());
         await this.directory.prepare();
