@@ -132,7 +132,7 @@ std::optional<std::string> time_key(std::string_view value) {
     std::string text(value);
     const std::string fraction = take_fraction_of_seconds(text);
     const std::optional<Date> date = try_date(text);
-    if (!date) return std::nullopt;
+    if (!date || (!fraction.empty() && !try_date(value))) return std::nullopt;
     constexpr double day_before_every_date = -700'000;
     constexpr double milliseconds = 24.0 * 60 * 60 * 1000;
     const double day = std::trunc(date->days);

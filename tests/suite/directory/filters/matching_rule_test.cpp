@@ -74,7 +74,8 @@ TEST(AMatchingKey, IsNoneForAValueThatTheRuleCannotRead) {
         EXPECT_FALSE(matching_key(Rule::integer, text)) << text;
     for (const char* text : {"", "1", "yes", "TRUE "})
         EXPECT_FALSE(matching_key(Rule::boolean, text)) << text;
-    for (const char* text : {"", "2024", "20240230000000Z", "20240229123000"})
+    for (const char* text : {"", "2024", "20240230000000Z", "20240229123000", "20240229123000,1,2Z",
+                             "99991231235959.5Z"})
         EXPECT_FALSE(matching_key(Rule::time, text)) << text;
     EXPECT_FALSE(matching_key(Rule::distinguished_name, "Shop"));
     EXPECT_FALSE(matching_key(Rule::case_ignore, "\xFF"));
