@@ -55,7 +55,12 @@ void import_ldif(const ImportRequest& request) {
         std::cout << file.name() << ": " << count << " entries could be loaded.\n";
         return;
     }
-    loader.commit();
+    {
+        std::optional<ProgressBar> bar;
+        if (::isatty(STDERR_FILENO)) bar.emplace(std::cerr, "Writing " + store->path().string());
+        if (bar) bar->tell(0, 0, {});
+        loader.commit();
+    }
     const auto seconds =
         std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - begin);
     std::cout << file.name() << ": " << count << " entries loaded in " << seconds.count()

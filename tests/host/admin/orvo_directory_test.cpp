@@ -44,6 +44,23 @@ TEST_F(OrvoProgram, WritesWhatLoadsAsTheSameDirectory) {
     EXPECT_THAT(content_of(path("one.ldif")), HasSubstr("userPassword: {SSHA}"));
 }
 
+TEST_F(OrvoProgram, ShowsATerminalHowFarItIsAndNoHashes) {
+    const std::string store = path("shop.db");
+    directory({"create", store, "--base", "o=Shop"});
+    const auto on_a_terminal = [&](const std::string& command) {
+        const std::string whole = std::string(ORVO_ADMIN) + " directory " + command;
+        const std::filesystem::path log = folder.path() / "terminal";
+        std::filesystem::remove(log);
+        ChildProcess({"/usr/bin/script", "-qec", whole, "/dev/null"}, log).wait();
+        return content_of(log);
+    };
+    EXPECT_THAT(on_a_terminal("import " + store + " " + sample),
+                AllOf(HasSubstr("\rLoading " + sample + " [###"), HasSubstr(" %, 100 entries"),
+                      HasSubstr("\rWriting " + store), HasSubstr("226 entries loaded")));
+    EXPECT_THAT(on_a_terminal("export " + store + " -"),
+                AllOf(HasSubstr("hashes are not shown on a terminal"), Not(HasSubstr("SSHA"))));
+}
+
 TEST_F(OrvoProgram, TellsFileLineAndReasonAndLoadsNothing) {
     const std::string store = path("shop.db");
     directory({"create", store, "--base", "o=Shop"});
