@@ -12,8 +12,8 @@
 namespace orvo::admin {
 
 std::string text_of_file(const std::filesystem::path& file) {
-    std::ifstream in(file, std::ios::binary);
     errno = 0;
+    std::ifstream in(file, std::ios::binary);
     in.peek();  // finds out what can be opened but not read: a folder
     if (!in.is_open() || in.bad())
         throw std::runtime_error(file.string() + ": " + std::generic_category().message(errno));
