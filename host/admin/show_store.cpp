@@ -21,7 +21,7 @@ using namespace directory;
 using namespace directory::embedded;
 
 bool is_hidden(const Attribute& attribute) {
-    return is_secret(attribute.name) || attribute.name == "pwdHistory";
+    return is_secret(attribute.name) || holds_hashes(attribute.name);
 }
 
 EntryData entry_of(const Reading& reading, const std::string& name) {

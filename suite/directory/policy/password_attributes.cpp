@@ -21,6 +21,11 @@ bool is_password(std::string_view attribute) {
     return is_one_of(attribute, {"userPassword", "2.5.4.35"});
 }
 
+bool holds_hashes(std::string_view attribute) {
+    return is_password(attribute) ||
+           is_one_of(attribute, {"pwdHistory", "1.3.6.1.4.1.42.2.27.8.1.20"});
+}
+
 bool is_secret(std::string_view attribute) {
     return is_password(attribute) || is_one_of(attribute, {"OrvoNTPassword", "OrvoAttribute:58"});
 }

@@ -8,6 +8,8 @@ namespace orvo::directory {
 
 // Whether an attribute is the one that holds passwords, under any of its names.
 bool is_password(std::string_view attribute);
+// Whether its values are hashes of passwords: those of today, and former ones ("pwdHistory").
+bool holds_hashes(std::string_view attribute);
 // Whether its values are kept nowhere once they were read: passwords, also "OrvoNTPassword", that
 // of an account of the operating system, which a directory gives out as it is.
 bool is_secret(std::string_view attribute);

@@ -67,7 +67,7 @@ std::string AccessRules::key(std::string_view attribute) const {
 
 bool AccessRules::allow(const Identity& who, Right right, const DistinguishedName& entry,
                         std::string_view attribute) const {
-    if (right == Right::read && is_password(attribute)) return false;
+    if (right == Right::read && holds_hashes(attribute)) return false;
     if (who.is_manager()) return true;
     const std::string key = this->key(attribute);
     for (const AccessRule& rule : rules_)

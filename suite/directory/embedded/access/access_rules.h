@@ -37,7 +37,8 @@
 //
 // An entry is seen by who may read its "entry". It is added and removed by who may write "children"
 // of the entry above it, and its "entry". A login needs the right to authenticate with the password
-// for who has not logged in. A password is never read, whatever the rules say.
+// for who has not logged in. The hashes of passwords, former
+// ones included, are never read, whatever the rules say.
 //
 // Words are separated by blanks. A line that begins with "#", and an empty one, say nothing.
 

@@ -33,7 +33,7 @@ AccessView::AccessView(const AccessRules& rules, const Identity& who,
     keys_.push_back(rules.key(the_entry));
     for (const std::string& attribute : attributes) {
         keys_.push_back(rules.key(attribute));
-        passwords_.push_back(is_password(attribute));
+        hashes_.push_back(holds_hashes(attribute));
     }
 }
 
@@ -79,8 +79,8 @@ AccessView::Rights AccessView::worked_out(const std::vector<bool>& covering, boo
     };
     Rights rights;
     rights.may_see = may_read(0);
-    for (std::size_t at = 0; at < passwords_.size(); ++at)
-        rights.may_read.push_back(!passwords_[at] && may_read(at + 1));
+    for (std::size_t at = 0; at < hashes_.size(); ++at)
+        rights.may_read.push_back(!hashes_[at] && may_read(at + 1));
     return rights;
 }
 

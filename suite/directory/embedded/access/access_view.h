@@ -42,7 +42,7 @@ private:
     const Identity& who_;
     const std::vector<RuleRights> rule_rights_;
     std::vector<std::string> keys_;  // of "entry", then of the attributes
-    std::vector<bool> passwords_;    // which of the attributes are
+    std::vector<bool> hashes_;       // which of the attributes hold some
     std::deque<Known> known_;
     std::string container_;                 // of the entry before
     const Rights* in_container_ = nullptr;  // of all in it but the own one; null: they differ

@@ -48,6 +48,26 @@ TEST_F(Logins, ARightOneWritesNothingAndWaitsForNoWriter) {
     Directory::settings().change(names, limits);
 }
 
+TEST_F(Logins, NobodyReadsAFormerHash) {
+    put(user("jsmith"), "pwdHistory",
+        {"20260101000000Z#1.3.6.1.4.1.1466.115.121.1.40#46#" + imported});
+    Login administrator = service_login();
+    const EntryData read = administrator.read(user("jsmith"));
+    EXPECT_NE(find_attribute(read, "cn"), nullptr);
+    EXPECT_EQ(find_attribute(read, "pwdHistory"), nullptr);
+    int found = 0;
+    administrator.search({user("jsmith"),
+                          Filter::parse(u"(cn=jsmith)"),
+                          {"cn", "pwdHistory", "1.3.6.1.4.1.42.2.27.8.1.20"}},
+                         [&](EntryData&& entry) {
+                             EXPECT_EQ(find_attribute(entry, "pwdHistory"), nullptr);
+                             return ++found;
+                         });
+    administrator.search({user("jsmith"), Filter::parse(u"(!(pwdHistory=x))"), {"cn"}},
+                         [&](EntryData&&) { return ++found; });
+    EXPECT_EQ(found, 1);
+}
+
 TEST_F(Logins, EveryFailureCountsOnceHoweverManyComeAtTheSameTime) {
     demand({{"pwdLockout", {"TRUE"}}, {"pwdMaxFailure", {"100"}}});
     std::vector<std::thread> guessers;
