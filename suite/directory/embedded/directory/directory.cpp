@@ -7,6 +7,7 @@
 
 #include "suite/directory/embedded/directory/entry_changes.h"
 #include "suite/directory/names/ascii.h"
+#include "suite/directory/policy/crypt_hash.h"
 #include "suite/directory/policy/failures.h"
 #include "suite/directory/policy/password_hash.h"
 #include "suite/directory/policy/stored_password.h"
@@ -17,6 +18,14 @@ namespace {
 constexpr int most_attempts = 3;
 constexpr const char* user_password = "userPassword";
 constexpr const char* policy_entry = "pwdPolicySubentry";
+
+// What a right password's hash is replaced by; empty where it stays, also that of a password which
+// is too long for another one.
+std::string renewed_hash(std::string_view hash, const Secret& password) {
+    if (!should_be_renewed(hash, HashCost::usual) || password.reveal().size() > longest_hashed)
+        return {};
+    return hashed_password(password);
+}
 
 }  // namespace
 
@@ -132,23 +141,37 @@ std::optional<BindAnswer> Directory::try_bind(const std::string& name, const Sec
     else if (!is_right)
         outcome.code = result_code::invalid_credentials;
     std::string renewed;
-    if (is_right && !credentials && should_be_renewed(account->hash, HashCost::usual))
-        renewed = hashed_password(password);
-    if ((!outcome.changes.empty() || !renewed.empty()) &&
-        !settle(*account, is_right, renewed, outcome))
+    if (is_right && !credentials) renewed = renewed_hash(account->hash, password);
+    if (!outcome.changes.empty()) {
+        if (!settle(write(), *account, is_right, renewed, outcome)) return std::nullopt;
+    } else if (!renewed.empty() && !try_renew(*account, renewed, outcome)) {
         return std::nullopt;
+    }
     BindAnswer answer{outcome.code, outcome.policy};
     if (outcome.code != result_code::success) return answer;
+    if (!renewed.empty()) credentials_.password_changed(user, account->hash, password, renewed);
     const std::string& hash = renewed.empty() ? account->hash : renewed;
     answer.credentials = credentials ? credentials : credentials_.add(user, password, hash);
     return answer;
 }
 
+// A login waits for no writer only to have its hash renewed, nor does it fail where the file cannot
+// be written: the next one tries again.
+bool Directory::try_renew(const Account& account, std::string& renewed, BindOutcome& outcome) {
+    constexpr bool is_right = true;
+    try {
+        return settle(store_->write(Durability::full, std::chrono::milliseconds(0)), account,
+                      is_right, renewed, outcome);
+    } catch (const Failure&) {
+        renewed.clear();
+        return true;
+    }
+}
+
 // Others may have failed meanwhile: what is written goes by what the entry says now. False where
 // the password has another hash by now.
-bool Directory::settle(const Account& account, bool is_right, std::string& renewed,
+bool Directory::settle(Writing writing, const Account& account, bool is_right, std::string& renewed,
                        BindOutcome& outcome) {
-    Writing writing = write();
     std::optional<EntryData> entry = writing.find(account.name);
     if (!entry || stored_password(*entry) != account.hash) return false;
     if (account.policy) {

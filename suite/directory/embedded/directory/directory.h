@@ -67,7 +67,9 @@ private:
     std::optional<Account> account(const std::string& name);
     std::optional<BindAnswer> try_bind(const std::string& name, const Secret& password,
                                        Proof proof);
-    bool settle(const Account& account, bool is_right, std::string& renewed, BindOutcome& outcome);
+    bool try_renew(const Account& account, std::string& renewed, BindOutcome& outcome);
+    bool settle(Writing writing, const Account& account, bool is_right, std::string& renewed,
+                BindOutcome& outcome);
 
     const std::shared_ptr<Store> store_;
     const std::string key_;

@@ -48,6 +48,28 @@ TEST_F(Logins, ARightOneWritesNothingAndWaitsForNoWriter) {
     Directory::settings().change(names, limits);
 }
 
+TEST_F(Logins, AHashThatCannotBeRenewedNowIsRenewedLater) {
+    put(user("jsmith"), "userPassword", {imported});
+    std::optional<Login> early;
+    {
+        const Writing other = directory->store().write(Durability::process);
+        early = login(user("jsmith"), "shop-sample");
+    }
+    EXPECT_THAT(stored(user("jsmith"), "userPassword"), testing::ElementsAre(imported));
+    EXPECT_EQ(check(user("jsmith"), "shop-sample"), password_check::right);
+    EXPECT_THAT(stored(user("jsmith"), "userPassword"),
+                testing::ElementsAre(StartsWith("{CRYPT}$y$")));
+    EXPECT_EQ(early->read(user("jsmith")).name, user("jsmith")) << "the password is the same";
+}
+
+TEST_F(Logins, APasswordTooLongForAnotherHashKeepsTheImportedOne) {
+    const std::string password(600, 'x');
+    const std::string hash = "{SSHA}P/P35o1yj9kSvuu8w7j1Jt4FOoJzYWx0c2FsdA==";
+    put(user("jsmith"), "userPassword", {hash});
+    EXPECT_EQ(check(user("jsmith"), password), password_check::right);
+    EXPECT_THAT(stored(user("jsmith"), "userPassword"), testing::ElementsAre(hash));
+}
+
 TEST_F(Logins, NobodyReadsAFormerHash) {
     put(user("jsmith"), "pwdHistory",
         {"20260101000000Z#1.3.6.1.4.1.1466.115.121.1.40#46#" + imported});
