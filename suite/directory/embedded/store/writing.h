@@ -32,9 +32,9 @@ public:
     // An entry without children. Raises 32 where it is not there.
     void remove(const DistinguishedName& name);
     // Before many entries are added, an import, say: index rows are put in order and written
-    // together, which for a million users takes minutes less. Until the commit, or until an entry
-    // is replaced or removed, `search`, `has_children` and `problems` do not see what was added
-    // since; memory of about 128 MiB is used, and room for temporary files.
+    // together, which at 100,000 users takes half the time. Until the commit,
+    // or until an entry is replaced or removed, `search`, `has_children` and `problems` do not see
+    // what was added since; about 150 MB of memory are used, and room for temporary files.
     void expect_many();
     void set_setting(const std::string& name, const std::string& value);
 
