@@ -7,6 +7,7 @@
 #include "suite/directory/filters/filter.h"
 #include "suite/directory/filters/filter_match.h"
 #include "suite/directory/filters/filter_split.h"
+#include "suite/directory/filters/matching_rule.h"
 #include "suite/directory/names/ascii.h"
 #include "tests/fuzz/properties.h"
 
@@ -137,6 +138,25 @@ void check_truth(const Filter& filter, const MatchedEntry& entry) {
             "a filter that is denied is the opposite");
 }
 
+// Each piece for itself is found in the value that the pieces make.
+void check_pieces(const Filter& filter) {
+    std::string value;
+    for (const std::string& piece : filter.pieces) value += piece;
+    for (std::size_t at = 0; at < filter.pieces.size(); ++at) {
+        std::vector<std::string> alone(filter.pieces.size());
+        alone[at] = filter.pieces[at];
+        if (at > 0 && at + 1 < alone.size()) alone = {"", filter.pieces[at], ""};
+        for (const MatchingRule rule :
+             {MatchingRule::case_ignore, MatchingRule::case_exact, MatchingRule::telephone}) {
+            const auto key = matching_key(rule, value);
+            const auto keys = piece_keys(rule, alone);
+            require(!key || !keys || has_pieces(*key, *keys),
+                    "a piece is found in the value that it is one of");
+        }
+    }
+    for (const Filter& part : filter.parts) check_pieces(part);
+}
+
 void check_split(const Filter& filter, const MatchedEntry& entry) {
     const SplitFilter halves = split(filter, [](const Filter& item) {
         return item.kind == Kind::at_least || item.kind == Kind::substrings;
@@ -169,6 +189,7 @@ void filter_properties(std::string_view input) {
     const AskedEntry asked(filter);
     check_truth(filter, asked);
     check_split(filter, asked);
+    check_pieces(filter);
     check_truth(filter, AskedEntry(Filter{.kind = Kind::presence, .attribute = "cn"}));
 }
 

@@ -49,7 +49,7 @@ std::int64_t seconds_of(const DateParts& parts) {
 
 void check_time(std::string_view text) {
     const std::optional<Date> date = try_date(text);
-    require(!date || key_of(text), "a time has a key");
+    require(date.has_value() == key_of(text).has_value(), "a time has a key, and nothing else");
     if (!date) return;
     const std::string written = generalized_time(*date);
     const std::optional<Date> again = try_date(written);

@@ -4,6 +4,7 @@
 #include <sstream>
 #include <vector>
 
+#include "suite/directory/ldif/base64.h"
 #include "suite/directory/ldif/ldif_reader.h"
 #include "suite/directory/ldif/ldif_writer.h"
 #include "tests/fuzz/properties.h"
@@ -40,6 +41,30 @@ bool are_equal(const EntryData& one, const EntryData& other) {
                                                         });
 }
 
+bool are_equal(const Replacement& one, const Replacement& other) {
+    return one.attribute == other.attribute && one.values == other.values && one.kind == other.kind;
+}
+
+void append_change(std::string& text, const Replacement& change) {
+    const char* const words[] = {"add", "delete", "replace"};
+    text.append(words[static_cast<int>(change.kind)]).append(": ").append(change.attribute);
+    for (const std::string& value : change.values)
+        text.append("\n").append(change.attribute).append(":: ").append(base64(value));
+    text.append("\n-\n");
+}
+
+void check_changes(const LdifRecord& record) {
+    if (record.kind != LdifRecord::Kind::modify) return;
+    std::string text = "dn: cn=a\nchangetype: modify\n";
+    for (const Replacement& change : record.changes) append_change(text, change);
+    const Read again = read(text);
+    require(again.records.size() == 1 &&
+                std::ranges::equal(
+                    again.records.front().changes, record.changes,
+                    [](const Replacement& a, const Replacement& b) { return are_equal(a, b); }),
+            "changes that are written are read back");
+}
+
 void check_records(const std::vector<LdifRecord>& records, std::size_t lines) {
     std::int64_t line = 0;
     for (const LdifRecord& record : records) {
@@ -48,6 +73,7 @@ void check_records(const std::vector<LdifRecord>& records, std::size_t lines) {
         line = record.line;
         require(record.kind == LdifRecord::Kind::modify || record.changes.empty(),
                 "only a modification has changes");
+        check_changes(record);
         for (const Attribute& attribute : record.entry.attributes)
             require(!attribute.values.empty(), "an attribute that is there has a value");
     }

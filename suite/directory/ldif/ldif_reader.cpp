@@ -17,9 +17,10 @@ bool is(std::string_view name, std::string_view expected) {
 }
 
 bool is_description(std::string_view name) {
-    return !name.empty() && std::ranges::all_of(name, [](char c) {
-        return ascii::is_alphanumeric(c) || c == '-' || c == '.' || c == ';' || c == '_';
-    });
+    return !name.empty() && ascii::is_alphanumeric(name.front()) &&
+           std::ranges::all_of(name, [](char c) {
+               return ascii::is_alphanumeric(c) || c == '-' || c == '.' || c == ';' || c == '_';
+           });
 }
 
 std::string value_of(std::string_view rest, std::int64_t line) {

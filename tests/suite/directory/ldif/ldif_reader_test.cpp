@@ -122,6 +122,7 @@ TEST(AnLdifFile, IsRefusedWithTheLineAndTheReason) {
         {"\n\ndn: cn=a\ncn\n", "4: there is no ':'"},
         {"dn: cn=a\nc n: x\n", "2: 'c n' is no attribute"},
         {"dn: cn=a\n: x\n", "2: '' is no attribute"},
+        {"dn: cn=a\nchangetype: modify\nadd: cn\ncn: x\n-: y\n", "5: '-' is no attribute"},
         {"dn: cn=a\nphoto:< file:///etc/passwd\n",
          "2: values that stand in another file are not "
          "read"},
