@@ -4,26 +4,15 @@
 
 #include <benchmark/benchmark.h>
 
-#include <fstream>
 #include <string>
 
 #include "bench/big_shop.h"
 #include "bench/crew.h"
+#include "bench/peak_memory.h"
 #include "platform/values/values.h"
 
 namespace orvo {
 namespace {
-
-// The process's largest memory since the last call of begin().
-struct Peak {
-    static void begin() { std::ofstream("/proc/self/clear_refs") << "5"; }
-    static double mebibytes() {
-        std::ifstream status("/proc/self/status");
-        for (std::string line; std::getline(status, line);)
-            if (line.starts_with("VmHWM:")) return std::stod(line.substr(6)) / 1024;
-        return 0;
-    }
-};
 
 struct Visitor {
     Object members;
@@ -56,14 +45,14 @@ void grow(benchmark::State& state, void (Visitor::*task)()) {
     Visitor::shop = &shop_of(state.range(0) + 3);
     Crew<Visitor> crew(1);
     bool is_wrong = false;
-    Peak::begin();
+    PeakMemory::begin();
     for (auto _ : state)
         state.SetIterationTime(crew.run(1, [&](Visitor& visitor) {
             (visitor.*task)();
             is_wrong |= visitor.is_wrong;
         }));
     if (is_wrong) state.SkipWithError("rows are missing");
-    state.counters["peak_MiB"] = Peak::mebibytes();
+    state.counters["peak_MiB"] = PeakMemory::mebibytes();
 }
 
 // The rows of one size side by side, so that each shop is made once.

@@ -27,15 +27,17 @@ inline void raw_decode(LDAP* handle, LDAPMessage* message, RawRow& row) {
     ber_free(decoder, 0);
 }
 
-// Searches for users and decodes every row as it comes; nothing where the server refuses.
+// Searches for users and decodes every row as it comes, those that the server gives first where
+// there are more than `limit`; nothing where the server refuses.
 inline std::optional<std::vector<RawRow>> raw_search(const RawConnection& connection,
                                                      const std::string& filter,
-                                                     std::vector<const char*> attributes) {
+                                                     std::vector<const char*> attributes,
+                                                     int limit = LDAP_NO_LIMIT) {
     attributes.push_back(nullptr);
     int request = -1;
     ldap_search_ext(connection.get(), "ou=Users,o=Shop", LDAP_SCOPE_SUBTREE, filter.c_str(),
-                    const_cast<char**>(attributes.data()), 0, nullptr, nullptr, nullptr,
-                    LDAP_NO_LIMIT, &request);
+                    const_cast<char**>(attributes.data()), 0, nullptr, nullptr, nullptr, limit,
+                    &request);
     std::vector<RawRow> rows;
     for (;;) {
         LDAPMessage* message = nullptr;
@@ -48,7 +50,7 @@ inline std::optional<std::vector<RawRow>> raw_search(const RawConnection& connec
                               0);
         ldap_msgfree(message);
         if (type == LDAP_RES_SEARCH_ENTRY) continue;
-        if (code != LDAP_SUCCESS) return std::nullopt;
+        if (code != LDAP_SUCCESS && code != LDAP_SIZELIMIT_EXCEEDED) return std::nullopt;
         return rows;
     }
 }
