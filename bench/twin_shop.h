@@ -12,11 +12,9 @@
 
 #include "suite/directory/embedded/access/access_rules.h"
 #include "suite/directory/embedded/directory/directory.h"
-#include "suite/directory/embedded/directory/entry_changes.h"
-#include "suite/directory/embedded/store/store.h"
-#include "suite/directory/ldif/ldif_reader.h"
+#include "suite/directory/embedded/transfer/loader.h"
 #include "suite/directory/names/listing_order.h"
-#include "suite/directory/schema/entry_check.h"
+#include "suite/directory/policy/password_hash.h"
 #include "tests/support/slapd.h"
 #include "tests/support/temp_folder.h"
 
@@ -78,26 +76,22 @@ private:
 
     void load(const std::vector<std::filesystem::path>& files) {
         namespace embedded = directory::embedded;
-        const directory::Schema& schema = directory::Schema::of_product();
-        embedded::Store::create(file_, schema);
         std::vector<std::pair<std::string, std::string>> listed;  // key, name
+        embedded::Store::create(file_, directory::Schema::of_product());
         {
             const auto store = embedded::Store::open(file_);
-            embedded::Writing writing = store->write(embedded::Durability::process);
-            writing.set_setting("access", embedded::AccessRules::text_of_product("o=Shop"));
+            embedded::Loader loader(*store, embedded::time_of_day(), directory::HashCost::usual);
+            loader.set_setting(embedded::store_setting::access,
+                               embedded::AccessRules::text_of_product("o=Shop"));
             for (const auto& file : files) {
                 std::ifstream in(file);
                 directory::LdifReader reader(in);
                 while (auto record = reader.next()) {
-                    directory::EntryData& entry = record->entry;
-                    embedded::stamp_new(entry, "cn=root,o=Shop", embedded::time_of_day());
-                    if (const auto* structural = structural_class(schema, entry))
-                        entry.attributes.push_back({"structuralObjectClass", {structural->name()}});
-                    writing.add(entry);
-                    note(entry.name, listed);
+                    note(record->entry.name, listed);
+                    loader.take(*std::move(record));
                 }
             }
-            writing.commit();
+            loader.commit();
         }
         const std::size_t place = std::min(ten_thousand, listed.size() / 2);
         std::ranges::nth_element(listed, listed.begin() + static_cast<std::ptrdiff_t>(place));

@@ -7,6 +7,7 @@
 
 #include "suite/directory/entries/entry_order.h"
 #include "suite/directory/filters/filter_match.h"
+#include "suite/directory/names/ascii.h"
 #include "suite/directory/schema/attribute_types.h"
 
 namespace orvo::directory {
@@ -15,13 +16,15 @@ namespace orvo::directory {
 // the name alone: each entry has one place in a list.
 class SearchedEntry final : public MatchedEntry {
 public:
-    SearchedEntry(const EntryData& entry, const AttributeTypes& types)
-        : entry_(entry), types_(types), naming_(naming_part(entry.name)) {}
+    // `preferred`: the entry and who asks call attributes alike, but for the case.
+    enum class Names { any, preferred };
+    SearchedEntry(const EntryData& entry, const AttributeTypes& types, Names names = Names::any)
+        : entry_(entry), types_(types), names_(names), naming_(naming_part(entry.name)) {}
 
     void append_values(std::string_view attribute,
                        std::vector<std::string_view>& values) const override {
         for (const Attribute& held : entry_.attributes)
-            if (types_.same(held.name, attribute))
+            if (is_same(held.name, attribute))
                 values.insert(values.end(), held.values.begin(), held.values.end());
     }
     void append_listed_values(std::string_view attribute,
@@ -43,8 +46,14 @@ public:
     }
 
 private:
+    bool is_same(std::string_view held, std::string_view attribute) const {
+        return names_ == Names::preferred ? ascii::equal_ignoring_case(held, attribute)
+                                          : types_.same(held, attribute);
+    }
+
     const EntryData& entry_;
     const AttributeTypes& types_;
+    const Names names_;
     NamingPart naming_;
 };
 

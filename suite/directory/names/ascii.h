@@ -3,6 +3,8 @@
 // Characters of attribute names, numbers and syntaxes: ASCII in every locale.
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -29,5 +31,22 @@ inline bool equal_ignoring_case(std::string_view a, std::string_view b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                       [](char x, char y) { return lower(x) == lower(y); });
 }
+
+// For containers of names, which are then also looked up by a std::string_view.
+struct HashIgnoringCase {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view text) const {
+        std::uint64_t hash = 14695981039346656037U;  // FNV-1a
+        for (const char c : text)
+            hash = (hash ^ static_cast<unsigned char>(lower(c))) * 1099511628211U;
+        return static_cast<std::size_t>(hash);
+    }
+};
+struct EqualIgnoringCase {
+    using is_transparent = void;
+    bool operator()(std::string_view a, std::string_view b) const {
+        return equal_ignoring_case(a, b);
+    }
+};
 
 }  // namespace orvo::directory::ascii

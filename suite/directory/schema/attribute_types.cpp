@@ -88,27 +88,28 @@ AttributeTypes AttributeTypes::from_descriptions(std::span<const std::string> de
         }
         type.syntax = syntax_of(type.syntax_oid);
         result.by_name_[oid] = &type;
-        for (const std::string& name : type.names) result.by_name_[ascii::lower(name)] = &type;
+        for (const std::string& name : type.names) result.by_name_[name] = &type;
     }
     return result;
 }
 
-const AttributeType* AttributeTypes::find_type(const std::string& lower_case_name) const {
-    const auto found = by_name_.find(lower_case_name);
+const AttributeType* AttributeTypes::find_type(std::string_view name) const {
+    const auto found = by_name_.find(name);
     return found == by_name_.end() ? nullptr : found->second;
 }
 
 const AttributeType* AttributeTypes::find(std::string_view description) const {
-    return find_type(ascii::lower(description.substr(0, description.find(';'))));
+    return find_type(description.substr(0, description.find(';')));
 }
 
 bool AttributeTypes::same(std::string_view one, std::string_view other) const {
+    if (ascii::equal_ignoring_case(one, other)) return true;
+    const AttributeType* type = find(one);
+    if (type ? type != find(other) : find(other) != nullptr) return false;
+    if (one.find(';') == one.npos && other.find(';') == other.npos) return type != nullptr;
     const AttributeDescription a(one);
     const AttributeDescription b(other);
-    if (a.options != b.options) return false;
-    if (a.type == b.type) return true;
-    const AttributeType* type = find_type(a.type);
-    return type && type == find_type(b.type);
+    return a.options == b.options && (type || a.type == b.type);
 }
 
 }  // namespace orvo::directory

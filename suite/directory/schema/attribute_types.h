@@ -10,6 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "suite/directory/names/ascii.h"
 #include "suite/directory/schema/generalized_time.h"
 
 namespace orvo::directory {
@@ -72,10 +73,12 @@ public:
     bool same(std::string_view one, std::string_view other) const;
 
 private:
-    const AttributeType* find_type(const std::string& lower_case_name) const;
+    const AttributeType* find_type(std::string_view name) const;
 
     std::deque<AttributeType> types_;  // does not move what the index points to
-    std::unordered_map<std::string, const AttributeType*> by_name_;
+    std::unordered_map<std::string, const AttributeType*, ascii::HashIgnoringCase,
+                       ascii::EqualIgnoringCase>
+        by_name_;
 };
 
 }  // namespace orvo::directory

@@ -3,16 +3,22 @@
 
 #include "suite/directory/embedded/access/access_view.h"
 #include "suite/directory/embedded/directory/login.h"
+#include "suite/directory/embedded/store/attribute_names.h"
 #include "suite/directory/entries/search_condition.h"
 #include "suite/directory/entries/searched_entry.h"
+#include "suite/directory/names/ascii.h"
 #include "suite/directory/policy/failures.h"
 
 namespace orvo::directory::embedded {
 namespace {
 
-void append_attributes(const Filter& filter, std::vector<std::string>& attributes) {
-    if (!filter.attribute.empty()) attributes.push_back(filter.attribute);
-    for (const Filter& part : filter.parts) append_attributes(part, attributes);
+// The filter's attributes are called as entries call them, and appended.
+void prepare(Filter& filter, const AttributeTypes& types, std::vector<std::string>& attributes) {
+    if (!filter.attribute.empty()) {
+        filter.attribute = stored_name(filter.attribute, types);
+        attributes.push_back(filter.attribute);
+    }
+    for (Filter& part : filter.parts) prepare(part, types, attributes);
 }
 
 // Evaluates a filter against what somebody may read of entries. What may not be read is, for the
@@ -24,7 +30,7 @@ public:
         : split_(split_by_order(filter, types)), types_(types), attributes_(attributes) {}
 
     bool is_true_of(const EntryData& entry, const AccessView::Rights& rights) {
-        const SearchedEntry searched(entry, types_);
+        const SearchedEntry searched(entry, types_, SearchedEntry::Names::preferred);
         const Matchers& matchers = matchers_for(rights);
         return matchers.sent.matches(searched) &&
                (matchers.kept.empty() || matchers.kept.front().matches(searched));
@@ -51,7 +57,8 @@ private:
     }
     bool may_read(std::string_view attribute, const AccessView::Rights& rights) const {
         for (std::size_t place = 0; place < attributes_.size(); ++place)
-            if (types_.same(attributes_[place], attribute)) return rights.may_read[place];
+            if (ascii::equal_ignoring_case(attributes_[place], attribute))
+                return rights.may_read[place];
         return true;  // of items without an attribute: they look at what is there
     }
 
@@ -66,8 +73,10 @@ private:
 void Login::search(const Search& search, const std::function<bool(EntryData&&)>& take) {
     const DistinguishedName base = parsed(search.base);
     const AttributeTypes& types = schema_->types;
-    Selection selection{base, Scope::subtree, search.filter, search.attributes, search.wanted};
-    append_attributes(search.filter, selection.attributes);
+    Selection selection{base, Scope::subtree, search.filter, {}, search.wanted};
+    for (const std::string& attribute : search.attributes)
+        selection.attributes.push_back(stored_name(attribute, types));
+    prepare(selection.filter, types, selection.attributes);
 
     const Reading reading = directory_->read();
     const Identity who = identity(reading);
@@ -75,13 +84,13 @@ void Login::search(const Search& search, const std::function<bool(EntryData&&)>&
     const auto rules = directory_->access_rules(reading);
     require_visible(reading, *rules, who, base);
     AccessView view(*rules, who, selection.attributes);
-    Condition condition(search.filter, types, selection.attributes);
+    Condition condition(selection.filter, types, selection.attributes);
     reading.search(selection, [&](EntryData&& entry) {
         const AccessView::Rights& rights = view.of(entry.name);
         if (!rights.may_see) return true;
         std::erase_if(entry.attributes, [&](const Attribute& attribute) {
             for (std::size_t place = 0; place < selection.attributes.size(); ++place)
-                if (types.same(selection.attributes[place], attribute.name))
+                if (ascii::equal_ignoring_case(selection.attributes[place], attribute.name))
                     return !rights.may_read[place];
             return true;
         });

@@ -1,5 +1,6 @@
 #include "suite/directory/embedded/store/attribute_names.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "suite/directory/names/ascii.h"
@@ -33,9 +34,9 @@ void AttributeNames::forget_after(AttributeNumber last) {
     last_ = last;
 }
 
-std::string AttributeNames::stored_name(std::string_view description) const {
+std::string stored_name(std::string_view description, const AttributeTypes& types) {
     const AttributeDescription parts(description);
-    const AttributeType* type = schema_.types.find(parts.type);
+    const AttributeType* type = types.find(parts.type);
     std::string name = type && !type->names.empty()
                            ? type->names.front()
                            : std::string(description.substr(0, description.find(';')));
@@ -58,7 +59,7 @@ std::optional<AttributeNumber> AttributeNames::find(std::string_view description
     std::string spelling(description);
     if (const auto known = by_spelling_.find(spelling); known != by_spelling_.end())
         return known->second;
-    const auto found = by_name_.find(ascii::lower(stored_name(description)));
+    const auto found = by_name_.find(ascii::lower(stored_name(description, schema_.types)));
     if (found == by_name_.end()) return std::nullopt;
     by_spelling_.emplace(std::move(spelling), found->second);
     return found->second;
@@ -69,11 +70,24 @@ AttributeNumber AttributeNames::number_of(std::string_view description) {
     if (const std::size_t options = description.find(';'); options != std::string_view::npos)
         number_of(description.substr(0, options));
     if (const auto known = find(description)) return *known;  // without options that count
-    std::string name = stored_name(description);
+    std::string name = stored_name(description, schema_.types);
     const AttributeNumber number = last_ + 1;
     database_.run("INSERT INTO attribute (id, name) VALUES (?, ?)", number, AsText{name});
     keep(number, std::move(name));
     return number;
+}
+
+AttributeSelection AttributeNames::of_types(const std::vector<std::string>& descriptions) const {
+    std::vector<AttributeNumber> types;
+    for (const std::string& description : descriptions)
+        if (const auto number = find(description.substr(0, description.find(';'))))
+            types.push_back(*number);
+    AttributeSelection selection;
+    selection.held_.resize(static_cast<std::size_t>(last_) + 1);
+    for (const auto& [number, attribute] : by_number_)
+        selection.held_[static_cast<std::size_t>(number)] =
+            std::ranges::find(types, attribute.type) != types.end();
+    return selection;
 }
 
 const StoredAttribute& AttributeNames::operator[](AttributeNumber number) const {

@@ -2,12 +2,14 @@
 
 // The numbers that attributes have in a store's file.
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "suite/directory/embedded/store/sqlite.h"
 #include "suite/directory/filters/matching_rule.h"
@@ -23,6 +25,24 @@ struct StoredAttribute {
     // The rule by which its values stand in the index; nothing: they do not.
     std::optional<MatchingRule> indexed_by;
 };
+
+// Some of the attributes that a store's file has numbers for.
+class AttributeSelection {
+public:
+    bool holds(AttributeNumber number) const {
+        return static_cast<std::size_t>(number) < held_.size() &&
+               held_[static_cast<std::size_t>(number)];
+    }
+
+private:
+    friend class AttributeNames;
+    std::vector<bool> held_;
+};
+
+// As the store's entries call an attribute, whatever its spelling: by the name that the schema
+// prefers, with its options in order. Of an attribute that the schema does not know the case is
+// left as it is.
+std::string stored_name(std::string_view description, const AttributeTypes& types);
 
 // How one connection knows them: it reads the table `attribute` as far as it has not yet. Numbers
 // are never reused, but those that an undone transaction has given out.
@@ -42,11 +62,13 @@ public:
     std::optional<AttributeNumber> find(std::string_view description) const;
     AttributeNumber number_of(std::string_view description);
 
+    // All with the types of these, options included.
+    AttributeSelection of_types(const std::vector<std::string>& descriptions) const;
+
     // Raises result code 80 for a number that nobody has given out: the file is damaged.
     const StoredAttribute& operator[](AttributeNumber number) const;
 
 private:
-    std::string stored_name(std::string_view description) const;
     void keep(AttributeNumber number, std::string name);
 
     Database& database_;

@@ -66,15 +66,14 @@ std::string encode(const std::vector<Attribute>& attributes, AttributeNames& nam
 }
 
 std::vector<Attribute> decode(std::string_view octets, const AttributeNames& names,
-                              const WantedTypes& wanted) {
+                              const Wanted& wanted) {
     std::vector<Attribute> attributes;
     for (Reader reader(octets); !reader.at_end();) {
         const auto number = static_cast<AttributeNumber>(reader.number());
         const std::string_view content = reader.octets();
-        const StoredAttribute& stored = names[number];
-        if (wanted && !wanted->contains(stored.type)) continue;
+        if (wanted && !wanted->holds(number)) continue;
         Attribute& attribute = attributes.emplace_back();
-        attribute.name = stored.name;
+        attribute.name = names[number].name;
         for (Reader values(content); !values.at_end();)
             attribute.values.emplace_back(values.octets());
     }

@@ -8,7 +8,6 @@
 // follow.
 
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,11 +20,11 @@ namespace orvo::directory::embedded {
 // Attributes without values are left out. Gives new attributes their numbers.
 std::string encode(const std::vector<Attribute>& attributes, AttributeNames& names);
 
-// Types whose attributes are decoded, options included; nothing: all.
-using WantedTypes = std::optional<std::set<AttributeNumber>>;
+// Nothing: all.
+using Wanted = std::optional<AttributeSelection>;
 
 // Raises result code 80 for octets that `encode` has not made.
 std::vector<Attribute> decode(std::string_view octets, const AttributeNames& names,
-                              const WantedTypes& wanted = {});
+                              const Wanted& wanted = {});
 
 }  // namespace orvo::directory::embedded

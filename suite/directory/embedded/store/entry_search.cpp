@@ -42,11 +42,8 @@ EntrySearch::EntrySearch(Connection& connection, const Selection& selection)
       ranges_(listing_ranges(selection.filter)),
       condition_(IndexCondition::of(selection.filter, connection.names, connection.schema.types)),
       wanted_(selection.wanted) {
-    if (selection.attributes.empty()) return;
-    types_.emplace();
-    for (const std::string& attribute : selection.attributes)
-        if (const auto number = connection.names.find(attribute.substr(0, attribute.find(';'))))
-            types_->insert(*number);
+    if (!selection.attributes.empty())
+        attributes_ = connection.names.of_types(selection.attributes);
 }
 
 ListingRanges EntrySearch::listing_ranges(const Filter& filter) const {
@@ -169,7 +166,7 @@ bool EntrySearch::hand_over(std::int64_t entry, const Take& take) {
             connection_.database.query("SELECT name, data FROM entry WHERE id = ?", entry);
         if (!query.step()) return true;
         data.name = query.text(0);
-        data.attributes = decode(query.octets(1), connection_.names, types_);
+        data.attributes = decode(query.octets(1), connection_.names, attributes_);
     }
     return take(std::move(data));
 }

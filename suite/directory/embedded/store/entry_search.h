@@ -60,7 +60,7 @@ private:
     std::optional<ScopeBase> base_;
     ListingRanges ranges_;
     IndexCondition condition_;
-    WantedTypes types_;
+    Wanted attributes_;
     std::size_t wanted_;
     std::unordered_map<std::int64_t, bool> parents_in_scope_;
     std::optional<std::vector<bool>> only_;  // by their numbers: what the walk reads; nothing: all

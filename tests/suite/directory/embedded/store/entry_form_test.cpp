@@ -33,7 +33,7 @@ TEST_F(TheFormOfAnEntry, IsReadAsItWasWritten) {
 TEST_F(TheFormOfAnEntry, GivesTheWantedAttributesWithTheirOptions) {
     const std::string octets =
         encode({{"cn", {"Ann"}}, {"sn", {"Lee"}}, {"sn;lang-de", {"Lie"}}, {"o", {"Shop"}}}, names);
-    EXPECT_THAT(decode(octets, names, std::set{names.number_of("surname")}),
+    EXPECT_THAT(decode(octets, names, names.of_types({"surname"})),
                 ElementsAre(Attribute{"sn", {"Lee"}}, Attribute{"sn;lang-de", {"Lie"}}));
 }
 
