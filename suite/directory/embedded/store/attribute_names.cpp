@@ -84,9 +84,11 @@ AttributeSelection AttributeNames::of_types(const std::vector<std::string>& desc
             types.push_back(*number);
     AttributeSelection selection;
     selection.held_.resize(static_cast<std::size_t>(last_) + 1);
-    for (const auto& [number, attribute] : by_number_)
-        selection.held_[static_cast<std::size_t>(number)] =
-            std::ranges::find(types, attribute.type) != types.end();
+    for (const auto& [number, attribute] : by_number_) {
+        if (std::ranges::find(types, attribute.type) == types.end()) continue;
+        selection.held_[static_cast<std::size_t>(number)] = true;
+        ++selection.size_;
+    }
     return selection;
 }
 

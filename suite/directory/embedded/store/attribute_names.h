@@ -33,10 +33,12 @@ public:
         return static_cast<std::size_t>(number) < held_.size() &&
                held_[static_cast<std::size_t>(number)];
     }
+    std::size_t size() const { return size_; }
 
 private:
     friend class AttributeNames;
     std::vector<bool> held_;
+    std::size_t size_ = 0;
 };
 
 // As the store's entries call an attribute, whatever its spelling: by the name that the schema
@@ -58,6 +60,7 @@ public:
     AttributeNumber last() const { return last_; }
     void forget_after(AttributeNumber last);
 
+    std::size_t size() const { return by_number_.size(); }
     // By its description in any spelling; `number_of` gives it a number where it has none yet.
     std::optional<AttributeNumber> find(std::string_view description) const;
     AttributeNumber number_of(std::string_view description);

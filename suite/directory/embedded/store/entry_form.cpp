@@ -68,6 +68,7 @@ std::string encode(const std::vector<Attribute>& attributes, AttributeNames& nam
 std::vector<Attribute> decode(std::string_view octets, const AttributeNames& names,
                               const Wanted& wanted) {
     std::vector<Attribute> attributes;
+    attributes.reserve(wanted ? wanted->size() : names.size());
     for (Reader reader(octets); !reader.at_end();) {
         const auto number = static_cast<AttributeNumber>(reader.number());
         const std::string_view content = reader.octets();

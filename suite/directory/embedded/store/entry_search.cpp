@@ -41,7 +41,8 @@ EntrySearch::EntrySearch(Connection& connection, const Selection& selection)
       base_(try_base(connection.database, selection.base)),
       ranges_(listing_ranges(selection.filter)),
       condition_(IndexCondition::of(selection.filter, connection.names, connection.schema.types)),
-      wanted_(selection.wanted) {
+      wanted_(selection.wanted),
+      entry_(connection.database.query("SELECT name, data FROM entry WHERE id = ?", 0)) {
     if (!selection.attributes.empty())
         attributes_ = connection.names.of_types(selection.attributes);
 }
@@ -160,15 +161,15 @@ bool EntrySearch::is_in_scope(std::int64_t entry, std::int64_t parent) {
 }
 
 bool EntrySearch::hand_over(std::int64_t entry, const Take& take) {
+    entry_.bind(entry);
+    const bool is_there = entry_.step();
     EntryData data;
-    {
-        Query query =
-            connection_.database.query("SELECT name, data FROM entry WHERE id = ?", entry);
-        if (!query.step()) return true;
-        data.name = query.text(0);
-        data.attributes = decode(query.octets(1), connection_.names, attributes_);
+    if (is_there) {
+        data.name = entry_.text(0);
+        data.attributes = decode(entry_.octets(1), connection_.names, attributes_);
     }
-    return take(std::move(data));
+    entry_.reset();
+    return !is_there || take(std::move(data));
 }
 
 std::string EntrySearch::name_of(std::int64_t entry) {

@@ -62,6 +62,7 @@ private:
     IndexCondition condition_;
     Wanted attributes_;
     std::size_t wanted_;
+    Query entry_;  // by its number
     std::unordered_map<std::int64_t, bool> parents_in_scope_;
     std::optional<std::vector<bool>> only_;  // by their numbers: what the walk reads; nothing: all
     Place last_;                             // the last one that was handed over
