@@ -26,17 +26,17 @@ std::string random_key() {
 CredentialSet::CredentialSet() : key_(random_key()) {}
 
 std::string CredentialSet::digest(const std::string& user, const Secret& password) const {
-    const auto octets = [](std::string_view text) {
-        return reinterpret_cast<const unsigned char*>(text.data());
-    };
-    // The user's own key first, so that equal passwords of two users have nothing in common.
-    unsigned char own_key[EVP_MAX_MD_SIZE], result[EVP_MAX_MD_SIZE];
-    unsigned int size = 0, own_size = 0;
-    HMAC(EVP_sha256(), key_.data(), static_cast<int>(key_.size()), octets(user), user.size(),
-         own_key, &own_size);
+    // No password holds a NUL: what stands in front of the last one is the user's, so that equal
+    // passwords of two users have nothing in common.
     const std::string_view revealed = password.reveal();
-    HMAC(EVP_sha256(), own_key, static_cast<int>(own_size), octets(revealed), revealed.size(),
-         result, &size);
+    std::string message;
+    message.reserve(user.size() + 1 + revealed.size());
+    message.append(user).append(1, '\0').append(revealed);
+    unsigned char result[EVP_MAX_MD_SIZE];
+    unsigned int size = 0;
+    HMAC(EVP_sha256(), key_.data(), static_cast<int>(key_.size()),
+         reinterpret_cast<const unsigned char*>(message.data()), message.size(), result, &size);
+    overwrite(message.data(), message.size());
     return {reinterpret_cast<const char*>(result), size};
 }
 
