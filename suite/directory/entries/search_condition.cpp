@@ -34,7 +34,8 @@ std::optional<AttributeMatching> matching_of(std::string_view attribute,
     if (!type) return std::nullopt;
     const MatchingRule rule = matching_rule_of(*type);
     return AttributeMatching{rule, !type->ordering.empty(), !type->substrings.empty(),
-                             bounds == Bounds::of_lists && is_listed(rule)};
+                             bounds == Bounds::of_lists && is_listed(rule),
+                             !type->equality.empty()};
 }
 
 SearchCondition::SearchCondition(const Filter& filter, const AttributeTypes& types)

@@ -2,12 +2,14 @@
 
 // An entry that a search has found, as a filter looks at it.
 
+#include <optional>
 #include <string_view>
 #include <vector>
 
 #include "suite/directory/entries/entry_order.h"
 #include "suite/directory/filters/filter_match.h"
 #include "suite/directory/names/ascii.h"
+#include "suite/directory/names/name_parts.h"
 #include "suite/directory/schema/attribute_types.h"
 
 namespace orvo::directory {
@@ -39,10 +41,13 @@ public:
     }
     void append_name_values(std::string_view attribute,
                             std::vector<std::string_view>& values) const override {
-        if (types_.same(naming_.attribute, attribute)) values.push_back(naming_.value);
+        for (const RelativeName& relative : name_parts())
+            for (const NamePart& part : relative)
+                if (types_.same(part.attribute, attribute)) values.push_back(part.value);
     }
     void append_name_attributes(std::vector<std::string_view>& names) const override {
-        names.push_back(naming_.attribute);
+        for (const RelativeName& relative : name_parts())
+            for (const NamePart& part : relative) names.push_back(part.attribute);
     }
 
 private:
@@ -51,10 +56,17 @@ private:
                                           : types_.same(held, attribute);
     }
 
+    // Few filters ask for them.
+    const std::vector<RelativeName>& name_parts() const {
+        if (!parts_) parts_ = try_name_parts(entry_.name).value_or(std::vector<RelativeName>());
+        return *parts_;
+    }
+
     const EntryData& entry_;
     const AttributeTypes& types_;
     const Names names_;
     NamingPart naming_;
+    mutable std::optional<std::vector<RelativeName>> parts_;
 };
 
 }  // namespace orvo::directory

@@ -63,6 +63,7 @@ void FilterMatcher::Node::prepare_item(const Filter& filter, const MatchingLooku
         return;
     }
     undefined_ = !matching || (ordering && !(matching->ordered && has_order(matching->rule))) ||
+                 ((kind_ == Kind::equality || kind_ == Kind::similar) && !matching->equality) ||
                  (kind_ == Kind::substrings && !(matching->substrings && is_text(matching->rule)));
     if (undefined_ || kind_ == Kind::presence) return;
     rule_ = matching->rule;

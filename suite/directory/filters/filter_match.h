@@ -23,6 +23,7 @@ struct AttributeMatching {
     bool ordered = true;     // ">=" and "<=" are possible, as far as the rule has an order
     bool substrings = true;  // and pieces of values, as far as the rule is one for text
     bool listed = false;     // ">=" and "<=" go by the order of lists (listing_order.h) instead
+    bool equality = true;    // "=" and "~=" are possible
 };
 
 // The lookup of an attribute by its description as the filter spells it; nothing for one that the

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/values/text.h"
+#include "platform/values/text_forms.h"
 #include "suite/directory/names/ascii.h"
 #include "suite/directory/names/distinguished_name.h"
 #include "suite/directory/schema/generalized_time.h"
@@ -76,7 +77,7 @@ std::optional<std::string> mapped(MatchingRule rule, std::string_view text) {
         else if (!becomes_nothing(c))
             result += c;
     }
-    return to_utf8(rule == MatchingRule::case_exact ? result : lower(result));
+    return to_utf8(rule == MatchingRule::case_exact ? result : compatible_lower(result));
 }
 
 std::string without_blanks_and_hyphens(std::string text) {

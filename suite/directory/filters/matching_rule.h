@@ -37,8 +37,7 @@ bool is_text(MatchingRule rule);    // substrings are defined
 bool has_order(MatchingRule rule);  // ">=" and "<=" are defined
 
 // The key of a value; nothing where it is none of the rule's, text that is not UTF-8 included.
-// Characters are folded as text.h's `lower` does; compositions (NFKC) are not unified, but for
-// those of distinguished names.
+// Characters are folded as those of distinguished names are (text_forms.h), but for exact case.
 std::optional<std::string> matching_key(MatchingRule rule, std::string_view value);
 
 // The key of a piece of a value, of a text rule: it occurs in the key of every value that the piece

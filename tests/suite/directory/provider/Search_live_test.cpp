@@ -118,6 +118,77 @@ TEST_P(SearchTest, ReadsFiltersAsTheComponentWritesThem) {
         EXPECT_THAT(found(filter), SizeIs(count)) << to_utf8(filter);
 }
 
+TEST_P(SearchTest, FindsByItemsOfEveryKind) {
+    const std::pair<const char16_t*, std::size_t> filters[] = {
+        {u"(sn~=smith)", 3},
+        {u"(OrvoUserType>=3)", 13},
+        {u"(OrvoUserType<=0)", 9},
+        {u"(createTimestamp>=20200101000000Z)", 201},
+        {u"(createTimestamp<=20200101000000Z)", 0},
+        {u"(cn:caseExactMatch:=JSMITH)", 0},
+        {u"(cn:caseExactMatch:=jsmith)", 1},
+        {u"(cn:dn:=jsmith)", 1},
+        {u"(ou:dn:=Users)", 201},
+        {u"(:caseIgnoreMatch:=jsmith)", 1},
+        {u"(objectClass=top)", 201},
+        {u"(objectClass=ORVOPERSON)", 200},
+        {u"(objectClass=person)", 0},
+        {u"(objectClass=orvoMember)", 0},
+        {u"(!(sn=Smith))", 198},
+        {u"(userPassword=*)", 0},
+        {u"(!(userPassword=x))", 0},
+        {u"(&)", 201},
+        {u"(|)", 0},
+        {u"(entryUUID=*)", 201},
+        {u"(structuralObjectClass=orvoPerson)", 200},
+        {u"(OrvoUserType=abc)", 0},
+        {u"(!(OrvoUserType=abc))", 0},
+        {u"(ShowExplain=TRUE)", 0},
+        {u"(mail=JOHN.SMITH@shop.example)", 1},
+        {u"(cn=  jsmith )", 1},
+        {u"(cn=smith,  john)", 1},
+        {u"(BusinessPartnerID>=1006)", 138},
+        {u"(sn=*i*t*)", 9},
+        {u"(2.5.4.3=jsmith)", 1},
+        {u"(commonname=jsmith)", 1},
+        {u"(nosuch=x)", 0},
+        {u"(!(nosuch=x))", 0},
+        {u"(|(nosuch=x)(cn=jsmith))", 1},
+        {u"(OrvoGUID=95489279f1ca185c11635b6f0de4b28c)", 1},
+        {u"(CreditCardExpiryDate>=20280101000000Z)", 14},
+        {u"(CreditCardExpiryDate=2028*)", 0},
+        {u"(OrvoRole=2*)", 0},
+        {u"(sn>=x)", 63},
+        {u"(sn<=b)", 5},
+        {u"(ProfileCN>=Guests)", 50},
+        {u"(cn;lang-de=jsmith)", 0},
+        {u"(modifiersName=*)", 201},
+        {u"(description=*)", 0},
+        {u"(cn=*\u00FC*)", 0},
+        {u"(cn=\uFF4A\uFF53mith)", 1},
+        {u"(cn=j\\6fhn)", 0},
+        {u"(facsimileTelephoneNumber=+44 20 7946 0019)", 0},
+        {u"(facsimileTelephoneNumber=+442079460019)", 0},
+        {u"(facsimileTelephoneNumber=*)", 1},
+        {u"(PhoneNumber=*44*)", 56},
+    };
+    for (const auto& [filter, count] : filters)
+        EXPECT_THAT(found(filter), SizeIs(count)) << to_utf8(Text(filter));
+}
+
+TEST_P(SearchTest, DiffersInItemsThatNeedMoreThanAnEntry) {
+    const std::pair<const char16_t*, Difference> filters[] = {
+        {u"(name=jsmith)", differences::superior_attribute},
+        {u"(hasSubordinates=TRUE)", differences::computed_attribute},
+        {u"(entryDN=CN=jsmith,ou=Users,o=Shop)", differences::computed_attribute},
+        {u"(OrvoUserType=01)", differences::leading_zeros},
+        {u"(entryCSN=*)", differences::replication},
+    };
+    for (const auto& [filter, difference] : filters)
+        EXPECT_EQ(std::to_string(found(filter).size()), shop_.own(difference))
+            << to_utf8(Text(filter)) << ": " << difference.reason;
+}
+
 TEST_P(SearchTest, RefusesAFilterThatCannotBeRead) {
     const Failure failure = refusal_of([&] { found(u"(cn=a"); });
     EXPECT_EQ(failure.number, error_number(0x8007203E));
