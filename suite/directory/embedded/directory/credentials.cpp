@@ -4,6 +4,7 @@
 #include <openssl/hmac.h>
 #include <openssl/rand.h>
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -13,6 +14,7 @@ namespace orvo::directory::embedded {
 namespace {
 
 constexpr std::size_t most_kept = 4096;
+constexpr std::size_t most_hashes = 4;  // of one password
 
 std::string random_key() {
     std::string key(32, '\0');
@@ -45,7 +47,7 @@ CredentialsRef CredentialSet::find(const std::string& user, const Secret& passwo
     const std::string sought = digest(user, password);
     const std::lock_guard lock(mutex_);
     const auto found = by_digest_.find(sought);
-    return found != by_digest_.end() && found->second->hash_ == hash ? found->second : nullptr;
+    return found != by_digest_.end() && found->second->has(hash) ? found->second : nullptr;
 }
 
 CredentialsRef CredentialSet::add(const std::string& user, const Secret& password,
@@ -53,7 +55,12 @@ CredentialsRef CredentialSet::add(const std::string& user, const Secret& passwor
     const std::string key = digest(user, password);
     const std::lock_guard lock(mutex_);
     std::shared_ptr<Credentials>& held = by_digest_[key];
-    if (!held || held->hash_ != hash) held.reset(new Credentials(user, std::string(hash)));
+    if (!held) {
+        held.reset(new Credentials(user, std::string(hash)));
+    } else if (!held->has(hash)) {
+        if (held->hashes_.size() == most_hashes) held->hashes_.erase(held->hashes_.begin());
+        held->hashes_.emplace_back(hash);
+    }
     const CredentialsRef added = held;
     if (by_digest_.size() > most_kept) evict_unused();
     return added;
@@ -66,22 +73,35 @@ void CredentialSet::evict_unused() {
 
 bool CredentialSet::is_current(const Credentials& credentials, std::string_view hash) const {
     const std::lock_guard lock(mutex_);
-    return credentials.hash_ == hash;
+    return credentials.has(hash) || std::ranges::any_of(pending_, [&](const Pending& change) {
+               return change.user == credentials.user_ && credentials.has(change.former) &&
+                      change.next == hash;
+           });
 }
 
-void CredentialSet::password_changed(const std::string& user, std::string_view former_hash,
-                                     const Secret& password, std::string_view hash) {
-    const std::string key = digest(user, password);
-    const std::lock_guard lock(mutex_);
+HashChange::HashChange(CredentialSet& set, std::string user, std::string former, std::string next)
+    : set_(set), user_(std::move(user)), former_(std::move(former)), next_(std::move(next)) {
+    const std::lock_guard lock(set_.mutex_);
+    place_ = set_.pending_.insert(set_.pending_.end(), {user_, former_, next_});
+}
+
+HashChange::~HashChange() {
+    const std::lock_guard lock(set_.mutex_);
+    set_.pending_.erase(place_);
+}
+
+void HashChange::done(const Secret& password) {
+    const std::string key = set_.digest(user_, password);
+    const std::lock_guard lock(set_.mutex_);
     std::vector<std::shared_ptr<Credentials>> changed;
-    std::erase_if(by_digest_, [&](auto& entry) {
-        if (entry.second->user_ != user || entry.second->hash_ != former_hash) return false;
+    std::erase_if(set_.by_digest_, [&](auto& entry) {
+        if (entry.second->user_ != user_ || !entry.second->has(former_)) return false;
         changed.push_back(std::move(entry.second));
         return true;
     });
     for (std::shared_ptr<Credentials>& credentials : changed) {
-        credentials->hash_ = hash;
-        by_digest_[key] = std::move(credentials);
+        credentials->hashes_ = {former_, next_};  // some may still read what was before
+        set_.by_digest_[key] = std::move(credentials);
     }
 }
 

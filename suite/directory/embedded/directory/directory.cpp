@@ -142,6 +142,9 @@ std::optional<BindAnswer> Directory::try_bind(const std::string& name, const Sec
         outcome.code = result_code::invalid_credentials;
     std::string renewed;
     if (is_right && !credentials) renewed = renewed_hash(account->hash, password);
+    const bool is_to_be_renewed = !renewed.empty();
+    std::optional<HashChange> renewal;
+    if (is_to_be_renewed) renewal.emplace(credentials_, user, account->hash, renewed);
     if (!outcome.changes.empty()) {
         if (!settle(write(), *account, is_right, renewed, outcome)) return std::nullopt;
     } else if (!renewed.empty() && !try_renew(*account, renewed, outcome)) {
@@ -149,9 +152,14 @@ std::optional<BindAnswer> Directory::try_bind(const std::string& name, const Sec
     }
     BindAnswer answer{outcome.code, outcome.policy};
     if (outcome.code != result_code::success) return answer;
-    if (!renewed.empty()) credentials_.password_changed(user, account->hash, password, renewed);
+    if (!renewed.empty()) renewal->done(password);
     const std::string& hash = renewed.empty() ? account->hash : renewed;
     answer.credentials = credentials ? credentials : credentials_.add(user, password, hash);
+    // Whoever renews the hash just now takes along those who are here, but nobody who comes later.
+    if (is_to_be_renewed && renewed.empty()) {
+        const std::optional<Account> now = this->account(name);
+        if (!now || now->hash != account->hash) return std::nullopt;
+    }
     return answer;
 }
 

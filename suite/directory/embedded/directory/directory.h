@@ -48,7 +48,12 @@ public:
     // A transaction. `write` waits for other writers (WaitLimit), and raises result code 51 where
     // they take longer. What it commits survives a lost power supply.
     Reading read() const { return store_->read(); }
-    Writing write() const { return store_->write(Durability::full, settings().get().wait); }
+    // Raises 81 where the file has been removed, or another one put in its place: what is written
+    // to it then would be lost.
+    Writing write() const {
+        store_->require_file();
+        return store_->write(Durability::full, settings().get().wait);
+    }
 
     std::shared_ptr<const AccessRules> access_rules(const Reading& reading);
     // The policy that a user is under: the one that the entry names (pwdPolicySubentry), or the

@@ -5,6 +5,7 @@
 #include "suite/directory/embedded/access/access_view.h"
 #include "suite/directory/embedded/directory/entry_changes.h"
 #include "suite/directory/entries/login_name.h"
+#include "suite/directory/names/name_parts.h"
 #include "suite/directory/policy/failures.h"
 #include "suite/directory/policy/password_attributes.h"
 #include "suite/directory/policy/password_hash.h"
@@ -88,8 +89,9 @@ void Login::require_unrestricted(const Reading& reading, const Identity& who) co
 EntryData Login::require_visible(const Reading& reading, const AccessRules& rules,
                                  const Identity& who, const DistinguishedName& name) {
     std::optional<EntryData> entry = reading.find(name);
-    if (!entry || !rules.allow(who, Right::read, name, the_entry))
-        raise_missing(reading, rules, who, name);
+    if (!entry) raise_missing(reading, rules, who, name);
+    // Nobody is told what is above an entry that is hidden.
+    if (!rules.allow(who, Right::read, name, the_entry)) raise_code(result_code::no_such_object);
     return *std::move(entry);
 }
 
@@ -153,7 +155,8 @@ void Login::add(EntryData entry, const Secret& password) {
     require_unrestricted(writing, who);
     const auto rules = directory_->access_rules(writing);
     if (writing.find(added)) raise_code(result_code::entry_already_exists);
-    if (!writing.find(added.parent())) raise_missing(writing, *rules, who, added.parent());
+    const std::optional<EntryData> above = writing.find(added.parent());
+    if (!above) raise_missing(writing, *rules, who, added.parent());
     if (!rules->allow(who, Right::write, added.parent(), its_children))
         refuse_access("no write access to parent");
     if (!rules->allow(who, Right::write, added, the_entry))
@@ -165,6 +168,8 @@ void Login::add(EntryData entry, const Secret& password) {
         entry.attributes.push_back({user_password, {hash}});
         check(check_entry(*schema_, entry));
     }
+    if (const auto parts = try_name_parts(entry.name))
+        entry.name = joined_name({parts->front()}) + ',' + above->name;
     stamp_new(entry, user_, directory_->now());
     if (const ObjectClass* structural = structural_class(*schema_, entry))
         entry.attributes.push_back({"structuralObjectClass", {structural->name()}});

@@ -79,10 +79,11 @@ void Login::set_password(const std::string& name, const Secret& password,
             std::ranges::move(
                 changes_with_password(*account.policy, account.state, by, account.hash, now),
                 std::back_inserter(changes));
-        if (!write_password(account, changes)) continue;
+        std::optional<HashChange> own;
         if (by == ChangedBy::user)
-            directory_->credentials().password_changed(account.name.key(), account.hash, password,
-                                                       hash);
+            own.emplace(directory_->credentials(), account.name.key(), account.hash, hash);
+        if (!write_password(account, changes)) continue;
+        if (own) own->done(password);
         return;
     }
     raise_code(result_code::busy, "The password is being changed by others.");
@@ -91,6 +92,7 @@ void Login::set_password(const std::string& name, const Secret& password,
 // False where somebody else has changed the password or what the policy remembers since.
 bool Login::write_password(const Account& account, const std::vector<Replacement>& changes) {
     Writing writing = directory_->write();
+    identity(writing);  // who asks is still there
     std::optional<EntryData> entry = writing.find(account.name);
     if (!entry || stored_password(*entry) != account.hash ||
         !(AccountState::from(*entry) == account.state))

@@ -25,9 +25,9 @@ void prepare(Filter& filter, const AttributeTypes& types, std::vector<std::strin
 // filter, an attribute that the directory does not know: not even its absence can be told.
 class Condition {
 public:
-    Condition(const Filter& filter, const AttributeTypes& types,
+    Condition(SplitFilter split, const AttributeTypes& types,
               const std::vector<std::string>& attributes)
-        : split_(split_by_order(filter, types)), types_(types), attributes_(attributes) {}
+        : split_(std::move(split)), types_(types), attributes_(attributes) {}
 
     bool is_true_of(const EntryData& entry, const AccessView::Rights& rights) {
         const SearchedEntry searched(entry, types_, SearchedEntry::Names::preferred);
@@ -77,6 +77,8 @@ void Login::search(const Search& search, const std::function<bool(EntryData&&)>&
     for (const std::string& attribute : search.attributes)
         selection.attributes.push_back(stored_name(attribute, types));
     prepare(selection.filter, types, selection.attributes);
+    SplitFilter split = split_by_order(selection.filter, types);
+    prepare(split.sent, types, selection.attributes);
 
     const Reading reading = directory_->read();
     const Identity who = identity(reading);
@@ -84,7 +86,7 @@ void Login::search(const Search& search, const std::function<bool(EntryData&&)>&
     const auto rules = directory_->access_rules(reading);
     require_visible(reading, *rules, who, base);
     AccessView view(*rules, who, selection.attributes);
-    Condition condition(selection.filter, types, selection.attributes);
+    Condition condition(std::move(split), types, selection.attributes);
     reading.search(selection, [&](EntryData&& entry) {
         const AccessView::Rights& rights = view.of(entry.name);
         if (!rights.may_see) return true;

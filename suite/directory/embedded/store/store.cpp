@@ -78,7 +78,17 @@ std::shared_ptr<Store> Store::open(const std::filesystem::path& file) {
     return opened;
 }
 
-Store::Store(std::shared_ptr<StoreFile> file) : file_(std::move(file)) {}
+Store::Store(std::shared_ptr<StoreFile> file) : file_(std::move(file)) {
+    const FileIdentity identity = identity_of(file_->path());
+    device_ = identity.device;
+    number_ = identity.number;
+}
+
+void Store::require_file() const {
+    const FileIdentity identity = identity_of(file_->path());
+    if (identity.device != device_ || identity.number != number_)
+        raise_unusable(file_->path(), "another file has been put in its place");
+}
 
 const std::filesystem::path& Store::path() const { return file_->path(); }
 

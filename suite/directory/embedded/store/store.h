@@ -37,6 +37,9 @@ public:
     const std::filesystem::path& path() const;
     std::shared_ptr<const Schema> schema() const;
 
+    // Raises 81 where the file is no longer there under its name, or another one is.
+    void require_file() const;
+
     Reading read();
     // `wait`: that it waits for other writers, here and in other processes.
     Writing write(Durability durability = Durability::full,
@@ -52,6 +55,7 @@ public:
 
 private:
     std::shared_ptr<StoreFile> file_;
+    std::uint64_t device_, number_;  // of the file
 };
 
 }  // namespace orvo::directory::embedded

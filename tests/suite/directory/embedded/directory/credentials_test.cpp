@@ -29,11 +29,32 @@ TEST(CredentialSet, AUsersOwnChangeTakesThoseAlongWhoHadTheFormerPassword) {
     CredentialSet set;
     const CredentialsRef own = set.add("cn=a", secret("one"), "hash 1");
     const CredentialsRef others = set.add("cn=b", secret("one"), "hash 1");
-    set.password_changed("cn=a", "hash 1", secret("two"), "hash 2");
+    {
+        HashChange change(set, "cn=a", "hash 1", "hash 2");
+        EXPECT_TRUE(set.is_current(*own, "hash 1"));
+        EXPECT_TRUE(set.is_current(*own, "hash 2"));
+        EXPECT_FALSE(set.is_current(*others, "hash 2"));
+        change.done(secret("two"));
+    }
     EXPECT_TRUE(set.is_current(*own, "hash 2"));
     EXPECT_EQ(set.find("cn=a", secret("two"), "hash 2"), own);
     EXPECT_FALSE(set.find("cn=a", secret("one"), "hash 1"));
     EXPECT_TRUE(set.is_current(*others, "hash 1"));
+}
+
+TEST(CredentialSet, AChangeThatIsNotDoneLeavesAllAsTheyAre) {
+    CredentialSet set;
+    const CredentialsRef own = set.add("cn=a", secret("one"), "hash 1");
+    { const HashChange change(set, "cn=a", "hash 1", "hash 2"); }
+    EXPECT_TRUE(set.is_current(*own, "hash 1"));
+    EXPECT_FALSE(set.is_current(*own, "hash 2"));
+}
+
+TEST(CredentialSet, WhoHasProvenAPasswordGoesOnWhereItIsProvenForAnotherHash) {
+    CredentialSet set;
+    const CredentialsRef own = set.add("cn=a", secret("one"), "hash 1");
+    EXPECT_EQ(set.add("cn=a", secret("one"), "hash 2"), own);
+    EXPECT_TRUE(set.is_current(*own, "hash 2"));
 }
 
 TEST(CredentialSet, KeepsWhatIsInUseHoweverManyCome) {

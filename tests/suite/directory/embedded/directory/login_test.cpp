@@ -218,5 +218,54 @@ TEST_F(Logins, ARefusedFirstPasswordLeavesNoEntry) {
     EXPECT_THAT(stored(user("tina"), "structuralObjectClass"), testing::ElementsAre("orvoPerson"));
 }
 
+TEST_F(Logins, NobodyWritesToAFileThatIsNoLongerThere) {
+    Login administrator = service_login();
+    for (const char* end : {"", "-wal", "-shm"}) std::filesystem::remove(path.string() + end);
+    const auto write = [&] { administrator.modify(user("jsmith"), {{"PhoneNumber", {"1"}}}); };
+    EXPECT_EQ(
+        to_utf8(failure_of(write).description),
+        "(81) The server cannot be reached. '" + path.string() + "': No such file or directory.");
+    make_shop(path);
+    EXPECT_EQ(to_utf8(failure_of(write).description),
+              "(81) The server cannot be reached. '" + path.string() +
+                  "': another file has been put in its place.");
+}
+
+class Searches : public AShop {
+protected:
+    std::vector<std::string> found(TextView filter) {
+        std::vector<std::string> names;
+        service_login().search({"o=Shop", Filter::parse(filter), {"cn"}}, [&](EntryData&& entry) {
+            names.push_back(entry.name);
+            return true;
+        });
+        return names;
+    }
+};
+
+TEST_F(Searches, FindWhatIsNotBeyondABoundInTheOrderOfLists) {
+    EXPECT_THAT(found(u"(!(cn>=e))"), testing::ElementsAre(user("djansen"), "ou=Services,o=Shop",
+                                                           "o=Shop", "ou=Users,o=Shop"));
+    EXPECT_THAT(found(u"(&(objectClass=orvoPerson)(|(!(cn>=e))(cn=jsmith)))"),
+                testing::ElementsAre(user("djansen"), user("jsmith")));
+}
+
+TEST_F(Searches, LookAtEveryPartOfAName) {
+    EXPECT_THAT(found(u"(ou:dn:=Users)"),
+                testing::ElementsAre(user("djansen"), user("jsmith"), "ou=Users,o=Shop"));
+}
+
+TEST_F(Searches, AHiddenContainerIsNotThereAndTellsNothingOfThoseAboveIt) {
+    Login own = login(user("jsmith"), "shop-sample");
+    EXPECT_EQ(to_utf8(failure_of([&] { own.read("ou=Services,o=Shop"); }).description),
+              "(32) There is no such entry.");
+}
+
+TEST_F(Searches, ANewEntryIsNamedAsTheContainerAboveItIs) {
+    service_login().add(
+        {"cn=tina,OU=users,O=shop", {{"objectClass", {"orvoPerson"}}, {"cn", {"tina"}}}}, Secret());
+    EXPECT_THAT(found(u"(cn=tina)"), testing::ElementsAre(user("tina")));
+}
+
 }  // namespace
 }  // namespace orvo::directory::embedded
