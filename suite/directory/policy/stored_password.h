@@ -3,9 +3,8 @@
 // Passwords as a directory keeps them (RFC 2307, RFC 3112 and what OpenLDAP has beside): a scheme
 // in braces, in any case, and what it makes of the password.
 //
-//     {CRYPT}                                   any method that the system's crypt knows, also
-//     those
-//                                               that look at the first 8 or 72 bytes only
+//     {CRYPT}            any method that the system's crypt knows, also those that look at the
+//                        first 8 or 72 bytes only
 //     {SSHA}, {SSHA256}, {SSHA384}, {SSHA512}, {SMD5}      salted digest, base64
 //     {SHA}, {SHA256}, {SHA384}, {SHA512}, {MD5}           digest without salt
 //     {PBKDF2}, {PBKDF2-SHA1}, {PBKDF2-SHA256}, {PBKDF2-SHA512}   "rounds$salt$key"

@@ -10,8 +10,7 @@ namespace {
 //   description  the schema: kind 0 attribute types, 1 object classes
 //   entry        parent: 0 for one at the top; key: DistinguishedName::key; data: entry_form.h
 //   below        each entry below each of its ancestors, in the order of lists (index_rows.h);
-//   below
-//                the ancestor 0 only those at the top
+//                below the ancestor 0 only those at the top
 //   value        attributes' values by their keys (index_rows.h)
 constexpr const char* tables = R"(
     CREATE TABLE setting (name TEXT PRIMARY KEY, value TEXT NOT NULL) STRICT, WITHOUT ROWID;

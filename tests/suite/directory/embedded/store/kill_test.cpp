@@ -122,6 +122,7 @@ TEST(AKilledWriter, LosesNothingThatItWasToldIsThereAndLeavesNothingHalfDone) {
                 ASSERT_FALSE(some.empty()) << "the child has ended by itself";
                 acknowledged += some.size();
             }
+            // Waits for nothing: it is killed anywhere in a later write.
             std::this_thread::sleep_for(std::chrono::microseconds(random() % 1500));
             child.kill();
             acknowledged += child.read_all().size();
