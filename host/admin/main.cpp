@@ -97,7 +97,9 @@ int main(int count, char** words) {
         return line.app.exit(error) == 0 ? 0 : misused;
     }
     try {
-        return line.run();
+        const int code = line.run();
+        if (!std::cout.flush()) throw std::runtime_error("standard output cannot be written");
+        return code;
     } catch (const std::exception& failure) {
         std::cerr << "orvo: " << told(failure) << '\n';
         return failed;

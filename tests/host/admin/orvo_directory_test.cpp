@@ -33,6 +33,11 @@ TEST_F(OrvoProgram, MakesADirectoryAndLoadsTheSampleShop) {
     EXPECT_EQ(code, 0);
 }
 
+TEST_F(OrvoProgram, FailsWhereNobodyCanReadItsAnswer) {
+    const std::string store = shop();
+    EXPECT_EQ(ChildProcess({ORVO_ADMIN, "directory", "show", store}, "/dev/full").wait(), 1);
+}
+
 TEST_F(OrvoProgram, WritesWhatLoadsAsTheSameDirectory) {
     const std::string store = shop();
     EXPECT_EQ(directory({"export", store, path("one.ldif")}),

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "suite/directory/embedded/directory/entry_changes.h"
+#include "suite/directory/entries/failure_note.h"
 #include "suite/directory/names/ascii.h"
 #include "suite/directory/policy/crypt_hash.h"
 #include "suite/directory/policy/failures.h"
@@ -164,13 +165,15 @@ std::optional<BindAnswer> Directory::try_bind(const std::string& name, const Sec
 }
 
 // A login waits for no writer only to have its hash renewed, nor does it fail where the file cannot
-// be written: the next one tries again.
+// be written: the next one tries again. The log is told.
 bool Directory::try_renew(const Account& account, std::string& renewed, BindOutcome& outcome) {
     constexpr bool is_right = true;
     try {
         return settle(store_->write(Durability::full, std::chrono::milliseconds(0)), account,
                       is_right, renewed, outcome);
-    } catch (const Failure&) {
+    } catch (Failure& failure) {
+        failure.source = u"OrvoDirectory.Embedded";
+        note_failure("Renewing the password's hash", account.entry.name, failure);
         renewed.clear();
         return true;
     }

@@ -77,8 +77,9 @@ private:
     void require_unrestricted(const Reading& reading, const Identity& who) const;
     static EntryData require_visible(const Reading& reading, const AccessRules& rules,
                                      const Identity& who, const DistinguishedName& name);
-    Account account(const std::string& name);
-    bool write_password(const Account& account, const std::vector<Replacement>& changes);
+    Account account(const Reading& reading, const std::string& name);
+    bool write_password(const std::string& name, const Account& account,
+                        const std::vector<Replacement>& changes);
     void check_first_password(const PasswordRules& policy, const Secret& password,
                               EntryData& entry);
 

@@ -24,11 +24,12 @@ struct Login::Account {
     AccountState state;
     bool may_user;   // the one whose password it is
     bool may_asker;  // who is logged in
+
+    bool operator==(const Account&) const = default;
 };
 
-Login::Account Login::account(const std::string& name) {
+Login::Account Login::account(const Reading& reading, const std::string& name) {
     const DistinguishedName changed = parsed(name);
-    const Reading reading = directory_->read();
     const Identity who = identity(reading);
     if (user_key_ != changed.key()) require_unrestricted(reading, who);
     std::optional<EntryData> entry = reading.find(changed);
@@ -51,7 +52,7 @@ void Login::set_password(const std::string& name, const Secret& password,
                          const std::optional<Secret>& former) {
     const std::string hash = hashed_password(password);
     for (int attempt = 0; attempt < most_attempts; ++attempt) {
-        const Account account = this->account(name);
+        const Account account = this->account(directory_->read(), name);
         const bool is_user = user_key_ == account.name.key();
         const bool is_proven = former && is_hash_of(account.hash, *former);
         const Moment now = directory_->now();
@@ -82,21 +83,19 @@ void Login::set_password(const std::string& name, const Secret& password,
         std::optional<HashChange> own;
         if (by == ChangedBy::user)
             own.emplace(directory_->credentials(), account.name.key(), account.hash, hash);
-        if (!write_password(account, changes)) continue;
+        if (!write_password(name, account, changes)) continue;
         if (own) own->done(password);
         return;
     }
     raise_code(result_code::busy, "The password is being changed by others.");
 }
 
-// False where somebody else has changed the password or what the policy remembers since.
-bool Login::write_password(const Account& account, const std::vector<Replacement>& changes) {
+// False where the password, what the policy remembers or the rights to change it are others by now.
+bool Login::write_password(const std::string& name, const Account& account,
+                           const std::vector<Replacement>& changes) {
     Writing writing = directory_->write();
-    identity(writing);  // who asks is still there
+    if (!(this->account(writing, name) == account)) return false;
     std::optional<EntryData> entry = writing.find(account.name);
-    if (!entry || stored_password(*entry) != account.hash ||
-        !(AccountState::from(*entry) == account.state))
-        return false;
     carry_out(changes, *entry);
     stamp_changed(*entry, user_, directory_->now());
     writing.replace(*entry);

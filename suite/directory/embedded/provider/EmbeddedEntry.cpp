@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/values/values.h"
+#include "suite/directory/entries/child_name.h"
 #include "suite/directory/entries/given_password.h"
 #include "suite/directory/entries/proven_password.h"
 #include "suite/directory/names/written_name.h"
@@ -109,13 +110,7 @@ void EmbeddedEntry::CreateChild(Variant& classes, Text& naming_attribute, Object
 
 void EmbeddedEntry::DeleteChild(Text&, Text& entry_name) {
     require_bound();
-    require_well_formed(entry_name);
-    const auto container = DistinguishedName::try_parse(from_utf8(name_));
-    const std::optional<Text> below = container ? name_below(entry_name, *container) : std::nullopt;
-    if (!below)
-        raise_code(result_code::invalid_name,
-                   quoted_name(to_utf8(entry_name)) + " is not below " + quoted_name(name_) + ".");
-    login_->remove(to_utf8(*below));
+    login_->remove(child_name(entry_name, name_));
 }
 
 void EmbeddedEntry::require_bound() const {

@@ -1,10 +1,10 @@
 #include <utility>
 
+#include "suite/directory/entries/child_name.h"
 #include "suite/directory/entries/given_password.h"
 #include "suite/directory/entries/new_entry.h"
 #include "suite/directory/ldap/provider/LdapEntry.h"
 #include "suite/directory/ldap/wire/unicode_password.h"
-#include "suite/directory/names/written_name.h"
 #include "suite/directory/policy/failures.h"
 #include "suite/directory/policy/password_attributes.h"
 #include "suite/directory/policy/password_hash.h"
@@ -145,13 +145,7 @@ Text LdapEntry::remove_again(const std::string& name, TextView is_or_may_be) {
 
 void LdapEntry::DeleteChild(Text&, Text& entry_name) {
     require_bound();
-    require_well_formed(entry_name);
-    const auto container = DistinguishedName::try_parse(from_utf8(name_));
-    const std::optional<Text> below = container ? name_below(entry_name, *container) : std::nullopt;
-    if (!below)
-        raise_code(result_code::invalid_name,
-                   quoted_name(to_utf8(entry_name)) + " is not below " + quoted_name(name_) + ".");
-    const std::string name = to_utf8(*below);
+    const std::string name = child_name(entry_name, name_);
     const NotedWrite noted(client_.writes(), EntryKey(name));
     bool may_be_done = false;
     try {

@@ -6,6 +6,8 @@
 
 #include "platform/values/values.h"
 #include "tests/suite/directory/embedded/directory/shop_fixture.h"
+#include "tests/support/environment.h"
+#include "tests/support/recording/recording_log.h"
 
 namespace orvo::directory::embedded {
 namespace {
@@ -60,6 +62,42 @@ TEST_F(Logins, AHashThatCannotBeRenewedNowIsRenewedLater) {
     EXPECT_THAT(stored(user("jsmith"), "userPassword"),
                 testing::ElementsAre(StartsWith("{CRYPT}$y$")));
     EXPECT_EQ(early->read(user("jsmith")).name, user("jsmith")) << "the password is the same";
+}
+
+TEST_F(Logins, TheLogIsToldOfAHashThatCannotBeRenewed) {
+    const Environment with_notes("ORVO_LOG_LEVEL", std::nullopt);
+    RecordingLog log;
+    put(user("jsmith"), "userPassword", {imported});
+    const Writing other = directory->store().write(Durability::process);
+    EXPECT_EQ(check(user("jsmith"), "shop-sample"), password_check::right);
+    const auto entries = log.take();
+    ASSERT_THAT(entries, SizeIs(1));
+    EXPECT_EQ(entries[0].source, "OrvoDirectory.Embedded");
+    EXPECT_THAT(entries[0].message,
+                StartsWith("Renewing the password's hash of 'cn=jsmith,ou=Users,o=Shop' failed, "
+                           "0x8007200E: (51) "));
+}
+
+TEST_F(Logins, WhoLosesTheRightMeanwhileSetsNoPassword) {
+    bool is_taken_away = true;
+    // The time is asked for between the look at the rights and the writing.
+    directory = std::make_shared<Directory>(Store::open(path), [&] {
+        if (!is_taken_away) {
+            is_taken_away = true;
+            Writing writing = directory->store().write(Durability::process);
+            writing.set_setting("access", "rule\n    read users\n    authenticate anonymous\n");
+            writing.commit();
+        }
+        return now.load();
+    });
+    Login administrator = service_login();
+    const auto before = stored(user("jsmith"), "userPassword");
+    is_taken_away = false;
+    EXPECT_EQ(failure_of([&] {
+                  administrator.set_password(user("jsmith"), Secret::of_bytes("another"), {});
+              }).number,
+              no_rights);
+    EXPECT_EQ(stored(user("jsmith"), "userPassword"), before);
 }
 
 TEST_F(Logins, APasswordTooLongForAnotherHashKeepsTheImportedOne) {
