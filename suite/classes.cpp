@@ -1,5 +1,6 @@
 #include "platform/module/module.h"
 #include "suite/authfilter/filter_connector.h"
+#include "suite/authfilter/live_logins.h"
 #include "suite/configuration/suite_configuration.h"
 #include "suite/directory/ldap/provider/LdapDirectory.h"
 #include "suite/directory/ldap/provider/LdapServers.h"
@@ -14,6 +15,7 @@ const ModuleDescription& this_module() {
         module_class<directory::ldap::LdapDirectory>(),
         module_class<directory::ldap::LdapServers>(),
         module_class<authfilter::FilterConnectorObject>(),
+        module_class<authfilter::LiveLogins>(),
     };
     static constexpr ModuleDescription description{"OrvoSuite", classes};
     return description;

@@ -37,6 +37,14 @@ struct Login {
     std::chrono::minutes timeout;
 };
 
+// One of a user's live logins.
+struct LiveLoginFacts {
+    std::uint64_t number;  // tells it from all others of the process; a renewed one has another
+    std::chrono::seconds age;
+    std::chrono::seconds idle;  // since the last question for it
+    bool is_asker;              // it is the one that asks
+};
+
 // Each operation is atomic and may be called from any thread. GUIDs are compared exactly. A store
 // that is full or cannot be reached raises.
 class Store {
@@ -60,6 +68,16 @@ public:
 
     // The GUID's login and record.
     virtual void forget(const Text& guid) = 0;
+
+    // The live logins of the user whom the GUID has logged in, the last one first; none where it
+    // has no live login. Does not count as a question for any.
+    virtual std::vector<LiveLoginFacts> logins_of(const Text& guid) = 0;
+    // Ends one of these, and forgets its GUID's record; false where it is none of them.
+    virtual bool try_end(const Text& guid, std::uint64_t number) = 0;
+
+    // More logins of one user than this there are not, nor more records: a new one ends the one
+    // that was used longest ago. Counts from the next new one.
+    virtual void set_most_of_user(std::size_t most) = 0;
 };
 
 }  // namespace orvo::authfilter

@@ -16,7 +16,31 @@ constexpr std::chrono::minutes sweep_interval{1};
                       u" live " + Text(what) + u", its most; a new one is refused");
 }
 
+// The entry that a record tells of, so that a name counts as one however it was typed; without a
+// readable one the name.
+Text key_of(const Text& account_path, const Text& name) {
+    if (!account_path.empty()) {
+        const auto parsed =
+            directory::DistinguishedName::try_parse(directory::full_name(account_path));
+        if (parsed) return from_utf8(parsed->key());
+    }
+    return lower(trimmed(name));
+}
+
 }  // namespace
+
+void MemoryStore::GuidsByUser::remove(const Text& user, const Text& guid) {
+    const auto found = guids_.find(user);
+    if (found == guids_.end()) return;
+    found->second.erase(guid);
+    if (found->second.empty()) guids_.erase(found);
+}
+
+std::vector<Text> MemoryStore::GuidsByUser::of(const Text& user) const {
+    const auto found = guids_.find(user);
+    if (found == guids_.end()) return {};
+    return {found->second.begin(), found->second.end()};
+}
 
 MemoryStore::MemoryStore(Limits limits, std::function<Clock::time_point()> now)
     : limits_(limits), now_(std::move(now)), next_sweep_(now_() + sweep_interval) {}
@@ -51,13 +75,16 @@ void MemoryStore::begin(const Login& login) {
     sweep_if_due();
     Text user = user_key(login);
     if (login.is_only_one) end_others_of(login, user);
+    make_room_of_user(login.guid, user, logins_of_user_);
     if (!logins_.contains(login.guid) && logins_.size() >= limits_.most) {
         sweep();
         if (logins_.size() >= limits_.most) refuse(u"logins", limits_.most);
     }
     end_login(login.guid);
-    guids_of_user_[user].insert(login.guid);
-    logins_.insert_or_assign(login.guid, HeldLogin{login, now_() + login.timeout, std::move(user)});
+    logins_of_user_.add(user, login.guid);
+    const auto now = now_();
+    logins_.insert_or_assign(login.guid,
+                             HeldLogin{login, now + login.timeout, std::move(user), ++begun_, now});
 }
 
 bool MemoryStore::ask(const Text& guid, std::int32_t application) {
@@ -65,16 +92,49 @@ bool MemoryStore::ask(const Text& guid, std::int32_t application) {
     const auto found = logins_.find(guid);
     if (found == logins_.end()) return false;
     const auto now = now_();
-    auto& [login, ends, user] = found->second;
-    if (ends <= now) return false;
-    ends = now + login.timeout;
-    return std::ranges::find(login.applications, application) != login.applications.end();
+    HeldLogin& held = found->second;
+    if (held.ends <= now) return false;
+    held.ends = now + held.login.timeout;
+    return std::ranges::find(held.login.applications, application) != held.login.applications.end();
 }
 
 void MemoryStore::forget(const Text& guid) {
     const std::lock_guard guard(lock_);
     end_login(guid);
-    records_.erase(guid);
+    drop_record(guid);
+}
+
+std::vector<LiveLoginFacts> MemoryStore::logins_of(const Text& guid) {
+    const std::lock_guard guard(lock_);
+    std::vector<LiveLoginFacts> facts;
+    if (!has_live_login(guid)) return facts;
+    const auto now = now_();
+    const auto seconds_since = [&](Clock::time_point time) {
+        return std::chrono::floor<std::chrono::seconds>(now - time);
+    };
+    for (const Text& other : logins_of_user_.of(logins_.at(guid).user))
+        if (const HeldLogin& held = logins_.at(other); held.ends > now)
+            facts.push_back({held.number, seconds_since(held.began),
+                             seconds_since(held.ends - held.login.timeout), other == guid});
+    std::ranges::sort(facts, std::greater(), &LiveLoginFacts::number);
+    return facts;
+}
+
+bool MemoryStore::try_end(const Text& guid, std::uint64_t number) {
+    const std::lock_guard guard(lock_);
+    if (!has_live_login(guid)) return false;
+    for (const Text& other : logins_of_user_.of(logins_.at(guid).user)) {
+        if (logins_.at(other).number != number || !has_live_login(other)) continue;
+        end_login(other);
+        drop_record(other);
+        return true;
+    }
+    return false;
+}
+
+void MemoryStore::set_most_of_user(std::size_t most) {
+    const std::lock_guard guard(lock_);
+    limits_.most_of_user = most;
 }
 
 std::size_t MemoryStore::record_count() const {
@@ -91,7 +151,7 @@ MemoryStore::Records::iterator MemoryStore::live_record(const Text& guid) {
     const auto found = records_.find(guid);
     if (found == records_.end() || found->second.ends > now_() || has_live_login(guid))
         return found;
-    records_.erase(found);
+    drop_record(found);
     return records_.end();
 }
 
@@ -101,21 +161,32 @@ bool MemoryStore::has_live_login(const Text& guid) const {
 }
 
 void MemoryStore::hold(const Text& guid, Record record) {
+    const Text user = key_of(record.account_path, record.user_name);
+    if (!user.empty()) make_room_of_user(guid, user, records_of_user_);
     if (!records_.contains(guid) && records_.size() >= limits_.most) {
         sweep();
         if (records_.size() >= limits_.most) refuse(u"records", limits_.most);
     }
-    records_.insert_or_assign(guid,
-                              HeldRecord{std::move(record), now_() + limits_.record_lifetime});
+    drop_record(guid);
+    if (!user.empty()) records_of_user_.add(user, guid);
+    records_.insert_or_assign(
+        guid, HeldRecord{std::move(record), now_() + limits_.record_lifetime, user});
 }
 
 void MemoryStore::end_login(const Text& guid) {
     const auto found = logins_.find(guid);
     if (found == logins_.end()) return;
-    const auto user = guids_of_user_.find(found->second.user);
-    user->second.erase(guid);
-    if (user->second.empty()) guids_of_user_.erase(user);
+    logins_of_user_.remove(found->second.user, guid);
     logins_.erase(found);
+}
+
+void MemoryStore::drop_record(const Text& guid) {
+    if (const auto found = records_.find(guid); found != records_.end()) drop_record(found);
+}
+
+void MemoryStore::drop_record(Records::iterator record) {
+    records_of_user_.remove(record->second.user, record->first);
+    records_.erase(record);
 }
 
 bool MemoryStore::is_of_same_user(const Text& guid, const Record& record) const {
@@ -128,26 +199,39 @@ bool MemoryStore::is_of_same_user(const Text& guid, const Record& record) const 
            equal_ignoring_case(login->second.login.user, record.user_name);
 }
 
-// The entry that the record tells of, so that a name counts as one however it was typed; without a
-// readable one the name.
 Text MemoryStore::user_key(const Login& login) const {
     const auto record = records_.find(login.guid);
-    if (record != records_.end() && !record->second.record.account_path.empty()) {
-        const auto name = directory::DistinguishedName::try_parse(
-            directory::full_name(record->second.record.account_path));
-        if (name) return from_utf8(name->key());
-    }
-    return lower(trimmed(login.user));
+    return key_of(record == records_.end() ? Text() : record->second.record.account_path,
+                  login.user);
 }
 
 void MemoryStore::end_others_of(const Login& login, const Text& user) {
-    const auto held = guids_of_user_.find(user);
-    if (held == guids_of_user_.end()) return;
-    for (const Text& guid : std::vector<Text>(held->second.begin(), held->second.end())) {
+    for (const Text& guid : logins_of_user_.of(user)) {
         if (guid == login.guid) continue;
         end_login(guid);
-        records_.erase(guid);
+        drop_record(guid);
     }
+}
+
+// What the user has under other GUIDs is counted; the one that was used longest ago goes, those
+// without a live login first.
+void MemoryStore::make_room_of_user(const Text& guid, const Text& user, const GuidsByUser& held) {
+    std::vector<Text> others = held.of(user);
+    std::erase(others, guid);
+    while (!others.empty() && others.size() >= limits_.most_of_user) {
+        const auto oldest = std::ranges::min_element(others, {}, [this](const Text& other) {
+            return std::pair(has_live_login(other), last_use(other));
+        });
+        end_login(*oldest);
+        drop_record(*oldest);
+        others.erase(oldest);
+    }
+}
+
+Clock::time_point MemoryStore::last_use(const Text& guid) const {
+    const auto login = logins_.find(guid);
+    if (login != logins_.end()) return login->second.ends - login->second.login.timeout;
+    return records_.at(guid).ends - limits_.record_lifetime;
 }
 
 void MemoryStore::sweep() {
@@ -156,9 +240,11 @@ void MemoryStore::sweep() {
     for (const auto& [guid, held] : logins_)
         if (held.ends <= now) ended.push_back(guid);
     for (const Text& guid : ended) end_login(guid);
-    std::erase_if(records_, [&](const auto& held) {
-        return held.second.ends <= now && !logins_.contains(held.first);
-    });
+    for (auto record = records_.begin(); record != records_.end();) {
+        const auto next = std::next(record);
+        if (record->second.ends <= now && !logins_.contains(record->first)) drop_record(record);
+        record = next;
+    }
     next_sweep_ = now + sweep_interval;
 }
 

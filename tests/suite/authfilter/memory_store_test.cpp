@@ -190,6 +190,51 @@ TEST_F(MemoryStoreTest, WhatHasEndedIsSweptWithTheFirstChangeAMinuteLater) {
     EXPECT_EQ(store_.record_count(), 1u);
 }
 
+class OneUsersLoginsTest : public MemoryStoreTest {
+protected:
+    OneUsersLoginsTest() { store_.set_most_of_user(2); }
+};
+
+TEST_F(OneUsersLoginsTest, AreSoManyAndANewOneEndsTheOneThatWasUsedLongestAgo) {
+    for (const char16_t* guid : {u"a", u"b"}) {
+        save_account(guid, u"smith", u"cn=smith,o=Shop");
+        begin(guid, u"smith");
+        pass(seconds(1));
+    }
+    EXPECT_TRUE(store_.ask(u"a", 2));
+    pass(seconds(1));
+    save_account(u"c", u"SMITH", u"CN=Smith,o=Shop");
+    begin(u"c", u"SMITH");
+    EXPECT_TRUE(store_.ask(u"a", 2)) << "the first, but used since";
+    EXPECT_FALSE(store_.ask(u"b", 2));
+    EXPECT_FALSE(store_.find(u"b"));
+    EXPECT_TRUE(store_.ask(u"c", 2));
+    begin(u"a", u"smith");
+    EXPECT_TRUE(store_.ask(u"c", 2)) << "a renewed login is not one more";
+    EXPECT_EQ(store_.login_count(), 2u);
+}
+
+TEST_F(OneUsersLoginsTest, LeaveTheOthersTheirPlaces) {
+    begin(u"other", u"jones");
+    for (int i = 0; i < 100; ++i) begin(decimal(i), u"smith");
+    EXPECT_TRUE(store_.ask(u"other", 2));
+    EXPECT_EQ(store_.login_count(), 3u);
+}
+
+TEST_F(OneUsersLoginsTest, AreNotAllThatIsCountedSoAreTheRecords) {
+    begin(u"a", u"smith");
+    save_account(u"other", u"jones", u"cn=jones,o=Shop");
+    save_account(u"a", u"smith", u"cn=smith,o=Shop");
+    for (int i = 0; i < 100; ++i) {
+        pass(seconds(1));
+        save_account(decimal(i), u"smith", u"cn=smith,o=Shop");
+    }
+    EXPECT_TRUE(store_.find(u"other"));
+    EXPECT_TRUE(store_.ask(u"a", 2)) << "what has no login goes first";
+    EXPECT_TRUE(store_.find(u"99"));
+    EXPECT_EQ(store_.record_count(), 3u);
+}
+
 template <class Action>
 Text refusal_of(Action action) {
     try {

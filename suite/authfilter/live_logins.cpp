@@ -1,0 +1,30 @@
+#include "suite/authfilter/live_logins.h"
+
+#include <algorithm>
+
+#include "platform/values/failure.h"
+#include "platform/values/values.h"
+
+namespace orvo::authfilter {
+
+Variant LiveLogins::LoginsOf(const Text& guid) {
+    Values logins;
+    for (const LiveLoginFacts& facts : store_.logins_of(guid))
+        logins.push_back(make<LiveLogin>(facts).object());
+    return logins;
+}
+
+bool LiveLogins::EndLogin(const Text& guid, const Text& id) {
+    for (const LiveLoginFacts& facts : store_.logins_of(guid))
+        if (LiveLogin(facts).ID() == id) return store_.try_end(guid, facts.number);
+    return false;
+}
+
+void LiveLogins::put_MostOfOneUser(std::int32_t most) {
+    if (most < 1)
+        throw Failure(runtime_error::invalid_call, {},
+                      u"A user has at least one login, not " + decimal(most));
+    store_.set_most_of_user(static_cast<std::size_t>(most));
+}
+
+}  // namespace orvo::authfilter

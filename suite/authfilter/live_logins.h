@@ -1,0 +1,72 @@
+#pragma once
+
+// The live logins of one user, for a page on which people see and end their own.
+
+#include "platform/interfaces/hosted.h"
+#include "platform/values/variant.h"
+#include "suite/authfilter/filter_connector.h"
+
+namespace orvo::authfilter {
+
+// A login as it was when it was asked for; for the thread that asked. It does not tell its GUID.
+class LiveLogin {
+public:
+    explicit LiveLogin(const LiveLoginFacts& facts) : facts_(facts) {}
+
+    // For EndLogin.
+    Text ID() { return decimal(static_cast<long long>(facts_.number)); }
+    // Seconds since it began, and since the last question for it.
+    double Age() { return static_cast<double>(facts_.age.count()); }
+    double IdleTime() { return static_cast<double>(facts_.idle.count()); }
+    // Whether it is the one with whose GUID was asked.
+    bool IsThisOne() { return facts_.is_asker; }
+
+private:
+    const LiveLoginFacts facts_;
+};
+
+// Any thread. Who knows the GUID of a live login sees and ends the logins of its user, and no
+// other's.
+class LiveLogins {
+public:
+    explicit LiveLogins(Store& store = process_store()) : store_(store) {}
+
+    // An array of LiveLogin, the last login first; without elements where the GUID has no live
+    // login. Does not count as a request.
+    Variant LoginsOf(const Text& guid);
+    // Ends one of them, and its record; whether it was there.
+    bool EndLogin(const Text& guid, const Text& id);
+    // How many logins (and records) one user has at most, from 1; a new one ends the one that was
+    // used longest ago. Raises 5 for what is below. All of the process share it.
+    void put_MostOfOneUser(std::int32_t most);
+
+private:
+    Store& store_;
+};
+
+}  // namespace orvo::authfilter
+
+namespace orvo {
+
+template <>
+inline constexpr auto table_of<authfilter::LiveLogin> = describe<authfilter::LiveLogin>(
+    "ILiveLogin", "8e5a3c1d-7b64-4f5e-9a0c-2d1f6b7c8e03", get<&authfilter::LiveLogin::ID>("ID"),
+    get<&authfilter::LiveLogin::Age>("Age"), get<&authfilter::LiveLogin::IdleTime>("IdleTime"),
+    get<&authfilter::LiveLogin::IsThisOne>("IsThisOne"));
+template <>
+inline constexpr auto table_of<authfilter::LiveLogins> = describe<authfilter::LiveLogins>(
+    "ILiveLogins", "8e5a3c1d-7b64-4f5e-9a0c-2d1f6b7c8e04",
+    method<&authfilter::LiveLogins::LoginsOf>("LoginsOf", "guid"),
+    method<&authfilter::LiveLogins::EndLogin>("EndLogin", "guid", "id"),
+    put<&authfilter::LiveLogins::put_MostOfOneUser>("MostOfOneUser", "most"));
+
+template <>
+inline constexpr auto class_of<authfilter::LiveLogin> =
+    describe_class<authfilter::LiveLogin>("TavikAuthFilter.Login");
+template <>
+inline constexpr auto class_of<authfilter::LiveLogins> =
+    describe_class<authfilter::LiveLogins>("TavikAuthFilter.Logins",
+                                           "8e5a3c1d-7b64-4f5e-9a0c-2d1f6b7c8e12")
+        .shared();
+
+}  // namespace orvo
