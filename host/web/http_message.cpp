@@ -25,6 +25,8 @@ std::string_view reason_of_status(int status) {
             return "OK";
         case 204:
             return "No Content";
+        case 206:
+            return "Partial Content";
         case 301:
             return "Moved Permanently";
         case 302:
@@ -53,14 +55,20 @@ std::string_view reason_of_status(int status) {
             return "URI Too Long";
         case 415:
             return "Unsupported Media Type";
+        case 416:
+            return "Range Not Satisfiable";
         case 431:
             return "Request Header Fields Too Large";
         case 500:
             return "Internal Server Error";
+        case 501:
+            return "Not Implemented";
         case 503:
             return "Service Unavailable";
         case 504:
             return "Gateway Timeout";
+        case 507:
+            return "Insufficient Storage";
         default:
             return "";
     }

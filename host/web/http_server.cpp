@@ -265,8 +265,10 @@ private:
             const std::size_t length = body_length(request, options_.largest_body);
             if (length > 0 && equal_ascii_ignoring_case(request.header("Expect"), "100-continue"))
                 stream.Stream::write("HTTP/1.1 100 Continue\r\n\r\n");
-            if (!stream.read_body(length, request.body))
+            std::string body;
+            if (!stream.read_body(length, body))
                 throw Refusal(408, "The request did not come in time.");
+            request.body = RequestBody(std::move(body));
         } catch (const Refusal& refusal) {
             received.refusal = refusal;
         }
@@ -282,6 +284,10 @@ private:
     static void put(HttpResponse response, httplib::Response& answer) {
         answer.status = response.status;
         for (const auto& [name, value] : response.headers) answer.headers.emplace(name, value);
+        if (response.file) {
+            response.body.resize(response.file->length);
+            response.body.resize(response.file->file->read(response.file->offset, response.body));
+        }
         if (response.status != 304 && response.status != 204)
             answer.set_content(response.body, response.content_type);
     }

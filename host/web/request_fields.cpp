@@ -151,9 +151,9 @@ RequestFields form_of(const HttpRequest& request) {
     const std::string_view type = request.header("Content-Type");
     const auto media = without_blanks(type.substr(0, type.find(';')));
     if (equal_ascii_ignoring_case(media, "application/x-www-form-urlencoded"))
-        return parse_urlencoded(request.body);
+        return parse_urlencoded(request.body.text());
     if (equal_ascii_ignoring_case(media, "multipart/form-data"))
-        return parse_multipart(request.body, type);
+        return parse_multipart(request.body.text(), type);
     return {};
 }
 

@@ -190,9 +190,9 @@ Object RequestObject::Form() {
     if (!form_) {
         const bool is_urlencoded =
             page_->request.header("Content-Type").starts_with("application/x-www-form-urlencoded");
-        form_ = make<RequestFieldsObject>(page_, page_->form,
-                                          is_urlencoded ? from_utf8(page_->request.body) : Text(),
-                                          values_object)
+        form_ = make<RequestFieldsObject>(
+                    page_, page_->form,
+                    is_urlencoded ? from_utf8(page_->request.body.text()) : Text(), values_object)
                     .object();
     }
     return form_;

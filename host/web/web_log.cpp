@@ -49,10 +49,10 @@ void WebLog::request(const HttpRequest& request, const HttpResponse& response,
     if (!access_.is_open()) return;
     const auto milliseconds =
         std::chrono::duration_cast<std::chrono::milliseconds>(duration).count();
-    std::string line =
-        now() + ' ' + request.remote_address + ' ' + on_one_line(request.method) + ' ' +
-        on_one_line(path_part(request.target)) + ' ' + std::to_string(response.status) + ' ' +
-        std::to_string(response.body.size()) + ' ' + std::to_string(milliseconds) + "ms";
+    std::string line = now() + ' ' + request.remote_address + ' ' + on_one_line(request.method) +
+                       ' ' + on_one_line(path_part(request.target)) + ' ' +
+                       std::to_string(response.status) + ' ' + std::to_string(response.length()) +
+                       ' ' + std::to_string(milliseconds) + "ms";
     if (!note.empty()) line += " \"" + on_one_line(note) + '"';
     line += '\n';
     const std::lock_guard guard(lock_);

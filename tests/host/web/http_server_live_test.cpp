@@ -24,7 +24,7 @@ HttpResponse echo(const HttpRequest& request) {
     response.content_type = "text/plain";
     response.headers = {{"Set-Cookie", "a=1"}, {"Set-Cookie", "b=2"}};
     response.body = request.method + ' ' + request.target + ' ' +
-                    std::string(request.header("X-Odd")) + '[' + request.body + ']';
+                    std::string(request.header("X-Odd")) + '[' + request.body.text() + ']';
     return response;
 }
 

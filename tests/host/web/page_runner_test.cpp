@@ -87,7 +87,7 @@ TEST_F(PageRunnerTest, APageReadsItsRequestAndWritesItsAnswer) {
                                .target = "/page.asp?q=%3Cx%3E",
                                .headers = {{"Content-Type", "application/x-www-form-urlencoded"},
                                            {"Cookie", "c=d"}},
-                               .body = "n=1&n=2"}),
+                               .body = RequestBody("n=1&n=2")}),
               "<x>||2|d|POST");
     EXPECT_EQ(site_.last.status, 404);
     EXPECT_EQ(site_.last.content_type, u"text/plain");

@@ -101,7 +101,7 @@ TEST(MultipartFields, AreRefusedWhereTheyAreNotWhatTheySay) {
 }
 
 TEST(FormOfARequest, IsReadByItsContentType) {
-    HttpRequest request{.method = "POST", .target = "/", .body = "a=1"};
+    HttpRequest request{.method = "POST", .target = "/", .body = RequestBody("a=1")};
     EXPECT_EQ(text_of(form_of(request)), "") << "without a type there is no form";
     request.headers = {{"content-type", "application/x-www-form-urlencoded; charset=UTF-8"}};
     EXPECT_EQ(text_of(form_of(request)), "a=1| ");

@@ -43,7 +43,7 @@ HttpRequest form(std::string body) {
                         {"Cookie", "QUENDRAID=%7B1F%7D; keys=a=1&b=two; both=cookie"},
                         {"Host", "shop.example:8080"},
                         {"X-Odd-Name", "odd"}},
-            .body = std::move(body),
+            .body = RequestBody(std::move(body)),
             .remote_address = "192.0.2.7",
             .local_address = "192.0.2.1",
             .local_port = 8080,

@@ -211,7 +211,7 @@ TEST_F(WebAppTest, AFormThatCannotBeReadIsRefused) {
         app().handle({.method = "POST",
                       .target = "/form.asp",
                       .headers = {{"Content-Type", "multipart/form-data; boundary=X"}},
-                      .body = "nothing"});
+                      .body = RequestBody("nothing")});
     EXPECT_EQ(response.status, 400);
     EXPECT_NE(response.body.find("The form cannot be read: its boundary is not in it."),
               std::string::npos);

@@ -17,7 +17,7 @@ TEST(WebLog, KeepsNoQueryNoCookieAndNoForm) {
         const HttpRequest request{.method = "POST",
                                   .target = "/login.asp?password=secret1",
                                   .headers = {{"Cookie", "QUENDRAID=secret2"}},
-                                  .body = "password=secret3",
+                                  .body = RequestBody("password=secret3"),
                                   .remote_address = "127.0.0.1"};
         HttpResponse response;
         response.status = 302;
