@@ -199,6 +199,8 @@ public:
     virtual void Transfer(const Text& path) = 0;
     // The address, where it leads to a page of this site; `otherwise` for any other text.
     virtual Text LocalURL(const Variant& url, const Text& otherwise) = 0;
+    // Letters and digits by chance, for a password that is used once: 1 to 1000.
+    virtual Text RandomText(std::int32_t length) = 0;
 
 protected:
     ~Server() = default;

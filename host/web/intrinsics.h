@@ -157,7 +157,8 @@ inline constexpr auto table_of<web::Server> = describe<web::Server>(
     method<&web::Server::Execute>("Execute", "path").id(web::detail::own(0x07)),
     method<&web::Server::Transfer>("Transfer", "path").id(web::detail::own(0x08)),
     reserved(10),
-    method<&web::Server::LocalURL>("LocalURL", "url", optional("otherwise")));
+    method<&web::Server::LocalURL>("LocalURL", "url", optional("otherwise")),
+    method<&web::Server::RandomText>("RandomText", "length"));
 // clang-format on
 
 }  // namespace orvo

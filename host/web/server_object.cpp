@@ -2,6 +2,7 @@
 
 #include "host/web/encoding.h"
 #include "host/web/local_url.h"
+#include "host/web/random_token.h"
 #include "platform/interfaces/create.h"
 #include "platform/values/failure.h"
 
@@ -60,6 +61,14 @@ void ServerObject::Transfer(const Text& path) {
 Text ServerObject::LocalURL(const Variant& url, const Text& otherwise) {
     const Text text = text_of(url);
     return is_local_url(text) ? text : otherwise;
+}
+
+Text ServerObject::RandomText(std::int32_t length) {
+    if (length < 1 || length > longest_random_text)
+        throw Failure(runtime_error::invalid_call, {},
+                      u"RandomText gives 1 to " + decimal(longest_random_text) +
+                          u" characters, not " + decimal(length));
+    return from_utf8(random_text(static_cast<std::size_t>(length)));
 }
 
 }  // namespace orvo::web

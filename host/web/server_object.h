@@ -7,6 +7,7 @@
 namespace orvo::web {
 
 inline constexpr std::int32_t longest_script = 3600;  // seconds
+inline constexpr std::int32_t longest_random_text = 1000;
 
 class ServerObject final : public Server {
 public:
@@ -22,6 +23,7 @@ public:
     void Execute(const Text& path) override;
     void Transfer(const Text& path) override;
     Text LocalURL(const Variant& url, const Text& otherwise) override;
+    Text RandomText(std::int32_t length) override;
 
 private:
     PageControl& control();

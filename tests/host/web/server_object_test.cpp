@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include "platform/interfaces/late_call.h"
 #include "platform/values/failure.h"
 #include "tests/host/web/test_site.h"
@@ -64,6 +66,21 @@ TEST_F(ServerObjectTest, TakesOnlyAddressesOfThisSiteToReturnTo) {
     EXPECT_EQ(local(u"https://evil.example"), u"/home");
     EXPECT_EQ(local(Variant()), u"/home");
     EXPECT_EQ(late::call(server_, u"LocalURL", {u"x"}), Variant(u""));
+}
+
+TEST_F(ServerObjectTest, GivesTextsByChanceWithoutSignsThatLookAlike) {
+    std::set<char16_t> signs;
+    for (int i = 0; i < 20; ++i) {
+        const Text text = call(u"RandomText", 1000);
+        EXPECT_EQ(text.size(), 1000u);
+        signs.insert(text.begin(), text.end());
+    }
+    // With 20,000 signs none is missing but once in 10^150 runs.
+    EXPECT_EQ(Text(signs.begin(), signs.end()),
+              u"23456789ABCDEFGHJKLMNPQRSTUVWXYZabcdefghijkmnopqrstuvwxyz");
+    EXPECT_EQ(call(u"RandomText", 1).size(), 1u);
+    EXPECT_NE(call(u"RandomText", 16), call(u"RandomText", 16));
+    for (const int length : {0, -1, 1001}) EXPECT_THROW(call(u"RandomText", length), Failure);
 }
 
 TEST_F(ServerObjectTest, MakesObjectsByProgId) {
