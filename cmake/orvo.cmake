@@ -1,10 +1,21 @@
 # What every target of the house shares: language, warnings, sanitizers, output folder.
 
-option(ORVO_TESTS "Build the tests" ON)
+# A project that the house is a part of gets the component and its suite, and the rest for asking.
+option(ORVO_PROGRAMS "Build the programs" ${PROJECT_IS_TOP_LEVEL})
+option(ORVO_WEB "Build the web host, too" ${PROJECT_IS_TOP_LEVEL})
+option(ORVO_EMBEDDED "Build the embedded directory (SQLite)" ${PROJECT_IS_TOP_LEVEL})
+option(ORVO_EXAMPLES "Build the examples" ${PROJECT_IS_TOP_LEVEL})
+option(ORVO_INSTALL "Install all that is built" ${PROJECT_IS_TOP_LEVEL})
+option(ORVO_TESTS "Build the tests; they need all of the above" ${PROJECT_IS_TOP_LEVEL})
 option(ORVO_BENCH "Build the benchmarks" OFF)
 option(ORVO_FUZZ "Build the fuzzers, with clang alone" OFF)
 option(ORVO_PRECOMPILE "Precompile the headers that many sources read" ON)
+if(ORVO_TESTS AND NOT (ORVO_PROGRAMS AND ORVO_WEB AND ORVO_EMBEDDED AND ORVO_EXAMPLES))
+  message(FATAL_ERROR "ORVO_TESTS needs ORVO_PROGRAMS, ORVO_WEB, ORVO_EMBEDDED and ORVO_EXAMPLES")
+endif()
 set(ORVO_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize= takes them")
+
+include(GNUInstallDirs)
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -12,15 +23,16 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
-set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
 # Modules, programs and tests stand side by side, as they do when installed.
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
-set(CMAKE_INSTALL_RPATH "$ORIGIN")
 
-find_program(CCACHE ccache)
+if(PROJECT_IS_TOP_LEVEL)
+  set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+  find_program(CCACHE ccache)
+endif()
 if(CCACHE)
   # Paths below the source folder count relatively, so that every checkout shares the cache. With
   # precompiled headers it has to be told that macros and times in them do not matter.
@@ -35,22 +47,26 @@ if(ORVO_MOLD AND NOT WIN32)
   add_link_options(-fuse-ld=mold)
 endif()
 
-add_library(orvo_options INTERFACE)
+# What who uses a target of the house needs as well.
+add_library(orvo_usage INTERFACE)
+target_include_directories(orvo_usage INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_features(orvo_usage INTERFACE cxx_std_20)
+
+# What holds for the house's own sources alone, and not for those of a project that it is a part of.
 # g++ 12 takes the inlined concatenation of strings for overlapping copies (its bug 105651).
-target_compile_options(orvo_options INTERFACE -Wall -Wextra -Wpedantic -Werror
-                       $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
-                       $<$<CXX_COMPILER_ID:Clang>:-Wno-nested-anon-types>)
-target_include_directories(orvo_options INTERFACE ${PROJECT_SOURCE_DIR})
+add_compile_options(-Wall -Wextra -Wpedantic -Werror
+                    $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
+                    $<$<CXX_COMPILER_ID:Clang>:-Wno-nested-anon-types>)
 if(NOT WIN32)
   # A module's inline statics must not keep it from being unloaded.
-  target_compile_options(orvo_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
+  add_compile_options($<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
 endif()
 if(ORVO_SANITIZE)
   # The vptr check reads run-time type information beside a vtable; the vtables of the interface
   # tables are plain arrays of functions and have none.
-  target_compile_options(orvo_options INTERFACE -fsanitize=${ORVO_SANITIZE} -fno-sanitize=vptr
-                                                -fno-sanitize-recover=all -fno-omit-frame-pointer)
-  target_link_options(orvo_options INTERFACE -fsanitize=${ORVO_SANITIZE})
+  add_compile_options(-fsanitize=${ORVO_SANITIZE} -fno-sanitize=vptr -fno-sanitize-recover=all
+                      -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${ORVO_SANITIZE})
 endif()
 
 # orvo_precompile(NAME header...): compiles the headers once; a target takes them by
@@ -60,7 +76,7 @@ function(orvo_precompile name)
   set(source ${PROJECT_BINARY_DIR}/${name}.cpp)
   file(CONFIGURE OUTPUT ${source} CONTENT "")
   add_library(${name} OBJECT EXCLUDE_FROM_ALL ${source})
-  target_link_libraries(${name} PRIVATE orvo_options)
+  target_link_libraries(${name} PRIVATE orvo_usage)
   target_precompile_headers(${name} PRIVATE ${ARGN})
 endfunction()
 
@@ -75,7 +91,7 @@ endif()
 # orvo_library(NAME source...): a static library of one room.
 function(orvo_library name)
   add_library(${name} STATIC ${ARGN})
-  target_link_libraries(${name} PUBLIC orvo_options)
+  target_link_libraries(${name} PUBLIC orvo_usage)
   if(ORVO_PRECOMPILE)
     target_precompile_headers(${name} REUSE_FROM orvo_headers)
   endif()
@@ -84,19 +100,21 @@ endfunction()
 # orvo_test(NAME [THREADS] source...): one GoogleTest program; every case is a test of its own in
 # CTest. THREADS: it tests what threads share, so it also runs under the thread sanitizer (label
 # `threads`, target `thread_tests`).
-add_custom_target(thread_tests)
+if(ORVO_TESTS)
+  add_custom_target(thread_tests)
+endif()
 if(ORVO_TESTS AND ORVO_PRECOMPILE AND NOT WIN32)
   find_package(GTest REQUIRED)
   orvo_precompile(orvo_test_headers ${standard_headers} <gmock/gmock.h> <gtest/gtest.h>)
   # As programs are compiled.
   set_target_properties(orvo_test_headers PROPERTIES POSITION_INDEPENDENT_CODE OFF)
-  target_compile_options(orvo_test_headers PRIVATE -fPIE)
+  target_compile_options(orvo_test_headers BEFORE PRIVATE -fPIE)
   target_link_libraries(orvo_test_headers PRIVATE GTest::gmock)
 endif()
 function(orvo_test name)
   cmake_parse_arguments(PARSE_ARGV 1 test THREADS "" "")
   add_executable(${name} ${test_UNPARSED_ARGUMENTS})
-  target_link_libraries(${name} PRIVATE orvo_options GTest::gmock_main)
+  target_link_libraries(${name} PRIVATE orvo_usage GTest::gmock_main)
   if(ORVO_PRECOMPILE)
     target_precompile_headers(${name} REUSE_FROM orvo_test_headers)
   endif()

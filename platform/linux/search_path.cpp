@@ -1,6 +1,9 @@
 #include "platform/linux/search_path.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <iterator>
+#include <string>
 #include <string_view>
 
 namespace orvo::runtime {
@@ -39,8 +42,11 @@ std::optional<path> users_folder() {
 std::vector<path> manifest_folders() {
     std::vector<path> folders = folders_in_front();
     if (std::optional<path> folder = users_folder()) folders.push_back(*folder);
-    folders.push_back(path("/usr/local/share") / subfolder);
-    folders.push_back(path("/usr/share") / subfolder);
+    const path usual[] = {path("/usr/local/share") / subfolder, path("/usr/share") / subfolder};
+    // Where the product is installed, if that is neither of the two.
+    const path own = ORVO_INSTALLED_DATA "/" + std::string(subfolder);
+    if (std::ranges::find(usual, own) == std::end(usual)) folders.push_back(own);
+    folders.insert(folders.end(), std::begin(usual), std::end(usual));
     return folders;
 }
 

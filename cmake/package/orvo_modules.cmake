@@ -1,0 +1,37 @@
+# What every installed module needs, the product's own and those of others.
+
+include(GNUInstallDirs)
+
+# Below the prefix: where modules lie, and the manifests by which the runtime finds them.
+set(ORVO_MODULES_FOLDER ${CMAKE_INSTALL_LIBDIR}/orvo)
+set(ORVO_MANIFESTS_FOLDER ${CMAKE_INSTALL_DATADIR}/orvo/components)
+
+# orvo_install_module(TARGET [COMPONENT name]): installs a module, and its manifest, in which the
+# module's path is relative, so that the installed tree may be moved.
+function(orvo_install_module target)
+  cmake_parse_arguments(PARSE_ARGV 1 module "" "COMPONENT" "")
+  if(NOT module_COMPONENT)
+    set(module_COMPONENT modules)
+  endif()
+  install(TARGETS ${target} LIBRARY DESTINATION ${ORVO_MODULES_FOLDER}
+          COMPONENT ${module_COMPONENT})
+  file(RELATIVE_PATH module_path ${CMAKE_INSTALL_FULL_DATADIR}/orvo/components
+                                 ${CMAKE_INSTALL_FULL_LIBDIR}/orvo)
+  # The module registers itself, into a folder of its own; then its path is put right.
+  install(CODE "
+    set(folder \"${CMAKE_CURRENT_BINARY_DIR}/${target}.manifests\")
+    file(REMOVE_RECURSE \"\${folder}\")
+    file(MAKE_DIRECTORY \"\${folder}\")
+    execute_process(
+      COMMAND \"\${CMAKE_COMMAND}\" -E env \"ORVO_COMPONENTS=\${folder}\"
+              \"$<TARGET_FILE:Orvo::register>\" \"$<TARGET_FILE:${target}>\"
+      OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+    file(GLOB manifest \"\${folder}/*.manifest\")
+    file(READ \"\${manifest}\" text)
+    string(REGEX REPLACE \"\\nmodule = [^\\n]*\"
+           \"\\nmodule = ${module_path}/$<TARGET_FILE_NAME:${target}>\" text \"\${text}\")
+    file(WRITE \"\${manifest}\" \"\${text}\")
+    file(INSTALL \"\${manifest}\"
+         DESTINATION \"\${CMAKE_INSTALL_PREFIX}/${ORVO_MANIFESTS_FOLDER}\")
+  " COMPONENT ${module_COMPONENT})
+endfunction()
