@@ -123,8 +123,15 @@ public:
     virtual bool IsClientConnected() = 0;
     virtual Text CharSet() = 0;
     virtual void put_CharSet(const Text& charset) = 0;
+    // A header PICS-Label.
+    virtual void Pics(const Text& label) = 0;
     virtual Text CacheControl() = 0;
     virtual void put_CacheControl(const Text& directives) = 0;
+    // 65001 and 1033; to put something else is refused.
+    virtual std::int32_t CodePage() = 0;
+    virtual void put_CodePage(std::int32_t page) = 0;
+    virtual std::int32_t LCID() = 0;
+    virtual void put_LCID(std::int32_t locale) = 0;
 
 protected:
     ~Response() = default;
@@ -160,8 +167,13 @@ public:
     virtual void put_Timeout(std::int32_t minutes) = 0;
     // The session ends with this page.
     virtual void Abandon() = 0;
+    // 65001 and 1033; to put something else is refused.
     virtual std::int32_t CodePage() = 0;
+    virtual void put_CodePage(std::int32_t page) = 0;
     virtual std::int32_t LCID() = 0;
+    virtual void put_LCID(std::int32_t locale) = 0;
+    // Empty: objects are made by the page that needs them.
+    virtual Object StaticObjects() = 0;
     virtual Object Contents() = 0;
     // For a hidden field of each form of this session, and the check of what came back with it.
     virtual Text FormToken() = 0;
@@ -178,6 +190,7 @@ public:
     virtual void set_Value(const Text& name, const Variant& value) = 0;
     virtual void Lock() = 0;
     virtual void UnLock() = 0;
+    virtual Object StaticObjects() = 0;  // empty, as the session's
     virtual Object Contents() = 0;
 
 protected:
@@ -194,7 +207,8 @@ public:
     virtual Text MapPath(const Text& path) = 0;
     virtual Text URLEncode(const Variant& text) = 0;
     virtual Text URLPathEncode(const Variant& text) = 0;
-    // Runs another page here, then goes on; Transfer does not go on.
+    // Runs another page, among globals of its own, then goes on; Transfer does not go on. The path
+    // may have a query, which is the other page's then.
     virtual void Execute(const Text& path) = 0;
     virtual void Transfer(const Text& path) = 0;
     // The address, where it leads to a page of this site; `otherwise` for any other text.

@@ -99,9 +99,13 @@ inline constexpr auto table_of<web::Response> = describe<web::Response>(
     method<&web::Response::IsClientConnected>("IsClientConnected").id(web::detail::own(0x15)),
     get<&web::Response::CharSet>("CharSet").id(web::detail::own(0x16)),
     put<&web::Response::put_CharSet>("CharSet", "charset").id(web::detail::own(0x16)),
-    reserved(25),
+    method<&web::Response::Pics>("Pics", "label").id(web::detail::own(0x18)),
     get<&web::Response::CacheControl>("CacheControl").id(web::detail::own(0x19)),
-    put<&web::Response::put_CacheControl>("CacheControl", "directives").id(web::detail::own(0x19)));
+    put<&web::Response::put_CacheControl>("CacheControl", "directives").id(web::detail::own(0x19)),
+    get<&web::Response::CodePage>("CodePage"),
+    put<&web::Response::put_CodePage>("CodePage", "codePage"),
+    get<&web::Response::LCID>("LCID"),
+    put<&web::Response::put_LCID>("LCID", "locale"));
 
 template <>
 inline constexpr auto table_of<web::VariantDictionary> = describe<web::VariantDictionary>(
@@ -126,9 +130,10 @@ inline constexpr auto table_of<web::Session> = describe<web::Session>(
     put<&web::Session::put_Timeout>("Timeout", "minutes").id(web::detail::own(0x04)),
     method<&web::Session::Abandon>("Abandon").id(web::detail::own(0x06)),
     get<&web::Session::CodePage>("CodePage").id(web::detail::own(0x07)),
-    reserved(9),
+    put<&web::Session::put_CodePage>("CodePage", "codePage").id(web::detail::own(0x07)),
     get<&web::Session::LCID>("LCID").id(web::detail::own(0x09)),
-    reserved(11, 12),
+    put<&web::Session::put_LCID>("LCID", "locale").id(web::detail::own(0x09)),
+    get<&web::Session::StaticObjects>("StaticObjects").id(web::detail::own(0x0B)),
     get<&web::Session::Contents>("Contents").id(web::detail::own(0x0C)),
     get<&web::Session::FormToken>("FormToken"),
     method<&web::Session::IsFormToken>("IsFormToken", "token"));
@@ -141,7 +146,7 @@ inline constexpr auto table_of<web::Application> = describe<web::Application>(
     put_reference<&web::Application::set_Value>("Value", "name", "value").as_default(),
     method<&web::Application::Lock>("Lock").id(web::detail::own(0x03)),
     method<&web::Application::UnLock>("UnLock").id(web::detail::own(0x04)),
-    reserved(6),
+    get<&web::Application::StaticObjects>("StaticObjects").id(web::detail::own(0x05)),
     get<&web::Application::Contents>("Contents").id(web::detail::own(0x06)));
 
 template <>

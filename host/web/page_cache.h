@@ -9,6 +9,16 @@
 
 namespace orvo::web {
 
+// A page that can run.
+struct CompiledPage {
+    script::Program program;
+    PageSettings settings;
+};
+
+// The source of a page, compiled. Raises script::ScriptError; of a page that reads like one in
+// another language the message says so.
+script::Program compile_source(PageSource& source, const std::string& path);
+
 // The site's pages, compiled. A page is compiled again when it, or a file that it includes, has
 // another time or size than before. Any thread.
 class PageCache {
@@ -17,13 +27,13 @@ public:
 
     // Raises PageError where the page cannot be read, script::ScriptError where its script cannot;
     // such a page is not kept.
-    script::Program get(const std::string& path);
+    CompiledPage get(const std::string& path);
 
     const std::filesystem::path& root() const { return root_; }
 
 private:
     struct Page {
-        script::Program program;
+        CompiledPage compiled;
         std::vector<PageFile> files;
     };
 

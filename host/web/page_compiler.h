@@ -10,9 +10,13 @@
 //
 // A page becomes one program: the text around the pieces is written by Response.Write, each piece
 // stands as it is, and `<%= … %>` writes the value of an expression. A piece ends at the next "%>",
-// also inside a string of the script ("%\>" is what to write there). An include stands in the text,
-// never in a piece; `file` counts from the including file's folder, `virtual` from the site's. A
-// directive stands once, before anything but blanks, and names the language of the page.
+// also inside a string of the script ("%\>" is what to write there). An include stands in the text
+// or in a `<script runat="server">`, never in a piece; `file` counts from the including file's
+// folder, `virtual` from the site's. A directive stands once, before anything but blanks, and says
+// what PageSettings has. The scripts of `<script runat="server">` run behind all pieces of the
+// page, as the platform has it; their functions are there from the beginning.
+//
+// The site's global.asa has such scripts and nothing else.
 
 #include <filesystem>
 #include <optional>
@@ -21,6 +25,7 @@
 #include <vector>
 
 #include "host/engine/script_engine.h"
+#include "host/web/page_directive.h"
 
 namespace orvo::web {
 
@@ -45,6 +50,7 @@ struct PageSource {
     std::string program;
     script::LineMap lines;
     std::vector<PageFile> files;
+    PageSettings settings = {};
 };
 
 inline constexpr int deepest_include = 16;
@@ -53,6 +59,9 @@ inline constexpr std::size_t largest_page = 4 * 1024 * 1024;  // includes and al
 // root: the site's folder, canonical. path: of the page below it, as "/members/list.asp", which is
 // also its name in errors. Raises PageError; nothing outside the folder is read.
 PageSource compile_page(const std::filesystem::path& root, const std::string& path);
+
+// The same of global.asa, which has another form.
+PageSource compile_global(const std::filesystem::path& root, const std::string& path);
 
 // The file of a path below the root, where there is one that may be read as a part of the site:
 // not outside the folder, also by way of links, and no part of its name begins with a dot.

@@ -29,9 +29,9 @@ PageContext::PageContext(HttpRequest request, std::string path, std::filesystem:
                          std::chrono::milliseconds patience)
     : request(std::move(request)),
       path(std::move(path)),
-      query_text(query_part(this->request.target)),
       root(std::move(root)),
-      query(parse_urlencoded(query_text)),
+      running_path(this->path),
+      query(query_part(this->request.target)),
       form(form_of(this->request)),
       cookies(cookies_of(this->request)),
       application(application, patience),
@@ -39,12 +39,25 @@ PageContext::PageContext(HttpRequest request, std::string path, std::filesystem:
       patience_(patience) {}
 
 void PageContext::open_session() {
+    if (!has_session_) return;
     const auto* cookie = cookies.find(session_cookie_name(request.is_secure));
     if (!cookie || session_) return;
     session_ = sessions_.open(to_utf8(cookie->values.front()), patience_);
 }
 
+void PageContext::do_without_session() {
+    session_.reset();
+    has_session_ = false;
+}
+
+void PageContext::require_session() const {
+    if (!has_session_)
+        throw Failure(runtime_error::invalid_call, {},
+                      u"This page has no session (EnableSessionState=False)");
+}
+
 SessionLease& PageContext::need_session() {
+    require_session();
     if (!session_) {
         session_ = sessions_.create();
         is_new_ = true;

@@ -22,10 +22,18 @@ public:
     virtual ~PageControl() = default;
     // Nothing more of the page is carried out.
     virtual void stop() = 0;
-    // From the page's beginning.
-    virtual void set_time_limit(std::chrono::seconds limit) = 0;
-    // Runs another page of the site in the same run; raises Failure where there is none.
+    // The page's limit has changed; it counts from the page's beginning.
+    virtual void apply_time_limit() = 0;
+    // Runs another page of the site, among globals of its own; the path may have a query. Raises
+    // Failure where there is no such page, and where it fails.
     virtual void execute(const Text& path) = 0;
+};
+
+// What came behind the "?" of an address.
+struct PageQuery {
+    explicit PageQuery(std::string_view text) : text(text), fields(parse_urlencoded(this->text)) {}
+    std::string text;
+    RequestFields fields;
 };
 
 // The answer that a page builds.
@@ -56,11 +64,13 @@ public:
 
     const HttpRequest request;
     const std::string path;  // of the page, decoded
-    const std::string_view query_text;
     const std::filesystem::path root;
-    const RequestFields query;
+    // Of the page that runs: one that executes another page may give it a query of its own.
+    std::string running_path;
+    PageQuery query;
     const RequestFields form;
     const RequestFields cookies;
+    Text user = {};  // who is logged in, where the guard has let somebody in
     PageAnswer answer;
     ApplicationState::Holder application;
     PageControl* control = nullptr;
@@ -68,9 +78,14 @@ public:
 
     // The session that the browser's cookie names, if any.
     void open_session();
+    // The page has none (EnableSessionState=False), whatever the browser's cookie names; nobody
+    // waits for this request.
+    void do_without_session();
+    // Raises Failure where it does.
+    void require_session() const;
     // Null while the browser has none.
     SessionLease* session() const { return session_.get(); }
-    // Makes one where the browser has none.
+    // Makes one where the browser has none. Raises Failure as require_session.
     SessionLease& need_session();
     // That a page has put a value: one of those that a login sets makes the request a login.
     void note_session_value(TextView name);
@@ -87,6 +102,7 @@ private:
     bool is_login_ = false;
     bool is_new_ = false;
     bool is_abandoned_ = false;
+    bool has_session_ = true;
 
     friend class SessionObject;
 };

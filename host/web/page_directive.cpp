@@ -1,5 +1,8 @@
 #include "host/web/page_directive.h"
 
+#include <algorithm>
+#include <initializer_list>
+
 #include "host/web/http_message.h"
 #include "host/web/page_compiler.h"
 
@@ -47,34 +50,51 @@ private:
     std::string_view text_;
 };
 
-bool is_ecmascript(std::string_view language) {
-    for (const std::string_view known : {"JScript", "JavaScript", "ECMAScript"})
-        if (equal_ascii_ignoring_case(language, known)) return true;
-    return false;
+bool is_any_of(std::string_view value, std::initializer_list<std::string_view> known) {
+    return std::ranges::any_of(known,
+                               [&](auto one) { return equal_ascii_ignoring_case(value, one); });
+}
+
+void read_setting(std::string_view name, std::string_view value, const script::Place& place,
+                  PageSettings& settings) {
+    const auto refuse = [&](const std::string& sentence) {
+        throw PageError(place, sentence + ", not \"" + std::string(value) + '"');
+    };
+    if (equal_ascii_ignoring_case(name, "Language")) {
+        require_ecmascript(value, place);
+    } else if (equal_ascii_ignoring_case(name, "CodePage")) {
+        if (value != "65001") refuse("pages are UTF-8 (CodePage=65001)");
+    } else if (equal_ascii_ignoring_case(name, "LCID")) {
+        if (!is_any_of(value, {"1033", "127", "2048"}))
+            refuse("texts, numbers and dates are formatted the same everywhere (LCID=1033)");
+    } else if (equal_ascii_ignoring_case(name, "EnableSessionState")) {
+        settings.has_session = is_any_of(value, {"True"});
+        if (!is_any_of(value, {"True", "False"}))
+            refuse("EnableSessionState is \"True\" or \"False\"");
+    } else if (equal_ascii_ignoring_case(name, "Transaction")) {
+        if (!is_any_of(value, {"Not_Supported", "Supported"}))
+            refuse("pages run in no transaction (Transaction=\"Not_Supported\")");
+    } else {
+        throw PageError(place, "the directive \"" + std::string(name) + "\" is not known");
+    }
 }
 
 }  // namespace
 
-void check_directive(std::string_view text, const script::Place& place) {
+void require_ecmascript(std::string_view language, const script::Place& place) {
+    if (is_any_of(language, {"JScript", "JavaScript", "ECMAScript"})) return;
+    throw PageError(place, "the language of pages is ECMAScript (Language=\"JScript\"), not \"" +
+                               std::string(language) + '"');
+}
+
+void read_directive(std::string_view text, const script::Place& place, PageSettings& settings) {
     AttributeReader reader(text);
     while (!reader.at_end()) {
         std::string_view name, value;
         if (!reader.read(name, value))
             throw PageError(place, "the directive cannot be read from \"" +
                                        std::string(reader.rest()) + "\" on");
-        if (equal_ascii_ignoring_case(name, "Language")) {
-            if (!is_ecmascript(value))
-                throw PageError(place,
-                                "the language of pages is ECMAScript (Language=\"JScript\"),"
-                                " not \"" +
-                                    std::string(value) + "\"");
-        } else if (equal_ascii_ignoring_case(name, "CodePage")) {
-            if (value != "65001")
-                throw PageError(
-                    place, "pages are UTF-8 (CodePage=65001), not \"" + std::string(value) + "\"");
-        } else {
-            throw PageError(place, "the directive \"" + std::string(name) + "\" is not known");
-        }
+        read_setting(name, value, place, settings);
     }
 }
 
@@ -91,17 +111,6 @@ std::optional<Include> try_include(std::string_view comment, const script::Place
         if (equal_ascii_ignoring_case(name, "virtual")) return Include{std::string(value), true};
     }
     throw PageError(place, "the include names no file; write <!-- #include file=\"name\" -->");
-}
-
-std::size_t find_server_script(std::string_view text) {
-    constexpr std::string_view tag = "<script";
-    for (std::size_t place = text.find('<'); place != npos; place = text.find('<', place + 1)) {
-        if (!equal_ascii_ignoring_case(text.substr(place, tag.size()), tag)) continue;
-        const auto inside = text.substr(place, text.find('>', place) - place);
-        for (std::size_t at = 0; at < inside.size(); ++at)
-            if (equal_ascii_ignoring_case(inside.substr(at, 5), "runat")) return place;
-    }
-    return npos;
 }
 
 }  // namespace orvo::web

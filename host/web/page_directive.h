@@ -10,9 +10,18 @@
 
 namespace orvo::web {
 
-// What stands between "<%@" and "%>". Raises PageError for a language other than ECMAScript
-// ("JScript", "JavaScript"), a code page other than 65001, or anything else.
-void check_directive(std::string_view text, const script::Place& place);
+// What a page's directives settle.
+struct PageSettings {
+    bool has_session = true;  // EnableSessionState
+};
+
+// What stands between "<%@" and "%>". Understood are Language (ECMAScript: "JScript",
+// "JavaScript"), CodePage (65001), LCID (1033, or 127 for no country's), EnableSessionState, and a
+// Transaction that none is needed for. Raises PageError for any other value, and anything else.
+void read_directive(std::string_view text, const script::Place& place, PageSettings& settings);
+
+// Raises PageError for the name of another language.
+void require_ecmascript(std::string_view language, const script::Place& place);
 
 struct Include {
     std::string path;
@@ -22,8 +31,5 @@ struct Include {
 // "<!-- #include file="x" -->"; nothing for any other comment. Raises PageError for an include that
 // names no file.
 std::optional<Include> try_include(std::string_view comment, const script::Place& place);
-
-// Where a `<script runat="server">` begins; npos where there is none.
-std::size_t find_server_script(std::string_view text);
 
 }  // namespace orvo::web

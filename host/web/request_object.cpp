@@ -80,13 +80,14 @@ private:
 class RequestFieldsObject final : public RequestDictionary {
 public:
     using MakeItem = Object (*)(const RequestFields::Field* field);
+    using Raw = Text (*)(const PageContext& page);
 
-    RequestFieldsObject(std::shared_ptr<PageContext> page, const RequestFields& fields, Text raw,
+    RequestFieldsObject(std::shared_ptr<PageContext> page, const RequestFields& fields, Raw raw,
                         MakeItem make_item)
-        : page_(std::move(page)), fields_(fields), raw_(std::move(raw)), make_item_(make_item) {}
+        : page_(std::move(page)), fields_(fields), raw_(raw), make_item_(make_item) {}
 
     Variant Item(const Variant& name) override {
-        if (name.is_missing()) return raw_;
+        if (name.is_missing()) return raw_(*page_);
         if (const auto number = try_number(name, fields_.all()))
             return make_item_(&fields_.all()[*number]);
         return make_item_(fields_.find(name.to<Text>()));
@@ -105,36 +106,35 @@ public:
 private:
     const std::shared_ptr<PageContext> page_;
     const RequestFields& fields_;
-    const Text raw_;
+    const Raw raw_;
     const MakeItem make_item_;
 };
 
 class VariablesObject final : public RequestDictionary {
 public:
-    explicit VariablesObject(const PageContext& page) : variables_(server_variables(page)) {}
+    explicit VariablesObject(std::shared_ptr<PageContext> page) : page_(std::move(page)) {}
 
     Variant Item(const Variant& name) override {
         if (name.is_missing()) return u"";
-        if (const auto number = try_number(name, variables_)) return variables_[*number].second;
-        return value(name.to<Text>());
+        const ServerVariables variables = server_variables(*page_);
+        if (const auto number = try_number(name, variables)) return variables[*number].second;
+        return value_of(variables, name.to<Text>());
     }
     Object NewEnum() override {
-        return names_of(variables_, [](const auto& variable) { return variable.first; });
+        return names_of(server_variables(*page_),
+                        [](const auto& variable) { return variable.first; });
     }
-    std::int32_t Count() override { return static_cast<std::int32_t>(variables_.size()); }
+    std::int32_t Count() override {
+        return static_cast<std::int32_t>(server_variables(*page_).size());
+    }
     Variant Key(const Variant& index) override {
-        if (const auto number = try_number(index, variables_)) return variables_[*number].first;
+        const ServerVariables variables = server_variables(*page_);
+        if (const auto number = try_number(index, variables)) return variables[*number].first;
         return index;
     }
 
 private:
-    Text value(const Text& name) const {
-        for (const auto& [key, value] : variables_)
-            if (equal_ignoring_case(key, name)) return value;
-        return {};
-    }
-
-    const ServerVariables variables_;
+    const std::shared_ptr<PageContext> page_;
 };
 
 }  // namespace orvo::web
@@ -161,6 +161,22 @@ Object values_object(const RequestFields::Field* field) {
     return make<StringListObject>(field ? field->values : std::vector<Text>()).object();
 }
 
+// The form as it came, where that is a text.
+Text form_text(const PageContext& page) {
+    const bool is_urlencoded =
+        page.request.header("Content-Type").starts_with("application/x-www-form-urlencoded");
+    return is_urlencoded ? from_utf8(page.request.body.text()) : Text();
+}
+
+Text cookie_text(const PageContext& page) {
+    Text all;
+    for (const auto& cookie : page.cookies.all()) {
+        if (!all.empty()) all += u"; ";
+        all += cookie.name + u"=" + cookie.values.front();
+    }
+    return all;
+}
+
 Object cookie_object(const RequestFields::Field* field) {
     return make<ReadCookieObject>(field ? field->values.front() : Text()).object();
 }
@@ -170,49 +186,39 @@ Object cookie_object(const RequestFields::Field* field) {
 RequestObject::RequestObject(std::shared_ptr<PageContext> page) : page_(std::move(page)) {}
 
 Variant RequestObject::Item(const Text& name) {
-    if (const auto* field = page_->query.find(name)) return values_object(field);
+    if (const auto* field = page_->query.fields.find(name)) return values_object(field);
     if (const auto* field = page_->form.find(name)) return values_object(field);
     if (const auto* field = page_->cookies.find(name)) return cookie_object(field);
-    for (const auto& [key, value] : server_variables(*page_))
-        if (equal_ignoring_case(key, name)) return value;
+    const Text variable = value_of(server_variables(*page_), name);
+    if (!variable.empty()) return variable;
     return values_object(nullptr);
 }
 
 Object RequestObject::QueryString() {
     if (!query_)
-        query_ = make<RequestFieldsObject>(page_, page_->query, from_utf8(page_->query_text),
-                                           values_object)
-                     .object();
+        query_ =
+            make<RequestFieldsObject>(
+                page_, page_->query.fields,
+                [](const PageContext& page) { return from_utf8(page.query.text); }, values_object)
+                .object();
     return query_;
 }
 
 Object RequestObject::Form() {
-    if (!form_) {
-        const bool is_urlencoded =
-            page_->request.header("Content-Type").starts_with("application/x-www-form-urlencoded");
-        form_ = make<RequestFieldsObject>(
-                    page_, page_->form,
-                    is_urlencoded ? from_utf8(page_->request.body.text()) : Text(), values_object)
-                    .object();
-    }
+    if (!form_)
+        form_ = make<RequestFieldsObject>(page_, page_->form, form_text, values_object).object();
     return form_;
 }
 
 Object RequestObject::ServerVariables() {
-    if (!variables_) variables_ = make<VariablesObject>(*page_).object();
+    if (!variables_) variables_ = make<VariablesObject>(page_).object();
     return variables_;
 }
 
 Object RequestObject::Cookies() {
-    if (!cookies_) {
-        Text all;
-        for (const auto& cookie : page_->cookies.all()) {
-            if (!all.empty()) all += u"; ";
-            all += cookie.name + u"=" + cookie.values.front();
-        }
-        cookies_ = make<RequestFieldsObject>(page_, page_->cookies, std::move(all), cookie_object)
-                       .object();
-    }
+    if (!cookies_)
+        cookies_ =
+            make<RequestFieldsObject>(page_, page_->cookies, cookie_text, cookie_object).object();
     return cookies_;
 }
 

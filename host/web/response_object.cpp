@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/web/write_cookies.h"
+#include "host/web/written_text.h"
 #include "platform/values/failure.h"
 
 namespace orvo::web {
@@ -132,9 +133,25 @@ void ResponseObject::Redirect(const Text& url) {
     End();
 }
 
-void ResponseObject::Write(const Variant& value) {
-    if (value.is_empty() || value.is_null()) return;
-    page_->write(to_utf8(value.is_text() ? Text(value.text_view()) : value.to<Text>()));
+void ResponseObject::Write(const Variant& value) { page_->write(to_utf8(written_text(value))); }
+
+void ResponseObject::Pics(const Text& label) { AddHeader(u"PICS-Label", label); }
+
+void ResponseObject::put_CodePage(std::int32_t page) { require_utf8(page); }
+
+void ResponseObject::put_LCID(std::int32_t locale) { require_usual_locale(locale); }
+
+void require_utf8(std::int32_t code_page) {
+    if (code_page != utf8_code_page)
+        refuse(u"Pages are UTF-8; CodePage is 65001 and cannot be " + decimal(code_page));
+}
+
+void require_usual_locale(std::int32_t locale) {
+    if (locale != usual_locale && locale != no_locale && locale != default_locale)
+        refuse(
+            u"Texts, numbers and dates are formatted the same everywhere; LCID is 1033 and "
+            u"cannot be " +
+            decimal(locale));
 }
 
 }  // namespace orvo::web

@@ -6,6 +6,16 @@
 
 namespace orvo::web {
 
+// What a page may set as its code page and locale, although nothing changes by it.
+inline constexpr std::int32_t utf8_code_page = 65001;
+inline constexpr std::int32_t usual_locale = 1033;    // English, United States
+inline constexpr std::int32_t no_locale = 127;        // no country's
+inline constexpr std::int32_t default_locale = 2048;  // the server's
+
+// Raise 5 for any other one.
+void require_utf8(std::int32_t code_page);
+void require_usual_locale(std::int32_t locale);
+
 class ResponseObject final : public Response {
 public:
     explicit ResponseObject(std::shared_ptr<PageContext> page);
@@ -32,8 +42,13 @@ public:
     bool IsClientConnected() override { return true; }
     Text CharSet() override { return answer().charset; }
     void put_CharSet(const Text& charset) override;
+    void Pics(const Text& label) override;
     Text CacheControl() override { return answer().cache_control; }
     void put_CacheControl(const Text& directives) override;
+    std::int32_t CodePage() override { return utf8_code_page; }
+    void put_CodePage(std::int32_t page) override;
+    std::int32_t LCID() override { return usual_locale; }
+    void put_LCID(std::int32_t locale) override;
 
 private:
     PageAnswer& answer() { return page_->answer; }

@@ -30,7 +30,7 @@ void ServerObject::put_ScriptTimeout(std::int32_t seconds) {
                       u"ScriptTimeout is 1 to " + decimal(longest_script) + u" seconds, not " +
                           decimal(seconds));
     page_->time_limit = std::chrono::seconds(seconds);
-    control().set_time_limit(page_->time_limit);
+    control().apply_time_limit();
 }
 
 Object ServerObject::CreateObject(const Text& progid) { return create_object(progid); }
@@ -42,7 +42,8 @@ Text ServerObject::URLPathEncode(const Variant& text) { return url_path_encode(t
 Text ServerObject::MapPath(const Text& path) {
     const std::filesystem::path asked = to_utf8(replaced(path, u"\\", u"/"));
     const std::filesystem::path from_root =
-        asked.is_absolute() ? asked : std::filesystem::path(page_->path).parent_path() / asked;
+        asked.is_absolute() ? asked
+                            : std::filesystem::path(page_->running_path).parent_path() / asked;
     const std::string normal = from_root.lexically_normal().generic_string();
     if (path.find(u'\0') != Text::npos || normal.find("/../") != std::string::npos ||
         normal.ends_with("/.."))

@@ -44,7 +44,10 @@ private:
 
 struct SessionValues {
     explicit SessionValues(std::shared_ptr<PageContext> page) : page(std::move(page)) {}
-    Variant get(const Text& name) const { return all().get(name); }
+    Variant get(const Text& name) const {
+        page->require_session();
+        return page->session() ? page->session()->data().values.get(name) : Variant();
+    }
     void put(const Text& name, const Variant& value) {
         set(name, keepable(value, u"Session", name));
     }
@@ -59,6 +62,7 @@ struct SessionValues {
         throw Failure(runtime_error::out_of_memory, {}, u"A session keeps at most one megabyte");
     }
     NamedValues all() const {
+        page->require_session();
         return page->session() ? page->session()->data().values : NamedValues();
     }
     void remove(const Text& name) {
@@ -81,6 +85,19 @@ struct ApplicationValues {
     std::shared_ptr<PageContext> page;
 };
 
+// What <object runat="server"> would make, which there is none of here.
+struct NoValues {
+    explicit NoValues(const std::shared_ptr<PageContext>&) {}
+    Variant get(const Text&) const { return {}; }
+    void put(const Text& name, const Variant&) { set(name, {}); }
+    void set(const Text&, const Variant&) {
+        throw Failure(runtime_error::invalid_call, {}, u"StaticObjects cannot be changed");
+    }
+    NamedValues all() const { return {}; }
+    void remove(const Text&) {}
+    void remove_all() {}
+};
+
 }  // namespace orvo::web
 
 namespace orvo {
@@ -90,13 +107,14 @@ inline constexpr auto class_of<web::ContentsObject<web::SessionValues>> =
 template <>
 inline constexpr auto class_of<web::ContentsObject<web::ApplicationValues>> =
     describe_class<web::VariantDictionary>("Application.Contents");
+template <>
+inline constexpr auto class_of<web::ContentsObject<web::NoValues>> =
+    describe_class<web::VariantDictionary>("StaticObjects");
 }  // namespace orvo
 
 namespace orvo::web {
 
-Variant SessionObject::Value(const Text& name) {
-    return page_->session() ? page_->session()->data().values.get(name) : Variant();
-}
+Variant SessionObject::Value(const Text& name) { return SessionValues(page_).get(name); }
 
 void SessionObject::put_Value(const Text& name, const Variant& value) {
     SessionValues(page_).put(name, value);
@@ -119,11 +137,15 @@ void SessionObject::Abandon() {
     if (page_->session()) page_->is_abandoned_ = true;
 }
 
+Object SessionObject::StaticObjects() { return make<ContentsObject<NoValues>>(page_).object(); }
+
 Object SessionObject::Contents() { return make<ContentsObject<SessionValues>>(page_).object(); }
 
 bool SessionObject::IsFormToken(const Text& token) {
     return page_->session() && equal_secretly(page_->session()->data().form_token, to_utf8(token));
 }
+
+Object ApplicationObject::StaticObjects() { return make<ContentsObject<NoValues>>(page_).object(); }
 
 Object ApplicationObject::Contents() {
     return make<ContentsObject<ApplicationValues>>(page_).object();

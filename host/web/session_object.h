@@ -2,6 +2,7 @@
 
 #include "host/web/intrinsics.h"
 #include "host/web/page_context.h"
+#include "host/web/response_object.h"
 #include "platform/interfaces/hosted.h"
 
 namespace orvo::web {
@@ -19,8 +20,11 @@ public:
     std::int32_t Timeout() override;
     void put_Timeout(std::int32_t minutes) override;
     void Abandon() override;
-    std::int32_t CodePage() override { return 65001; }
-    std::int32_t LCID() override { return 0x409; }
+    std::int32_t CodePage() override { return utf8_code_page; }
+    void put_CodePage(std::int32_t page) override { require_utf8(page); }
+    std::int32_t LCID() override { return usual_locale; }
+    void put_LCID(std::int32_t locale) override { require_usual_locale(locale); }
+    Object StaticObjects() override;
     Object Contents() override;
     Text FormToken() override { return from_utf8(data().form_token); }
     bool IsFormToken(const Text& token) override;
@@ -44,6 +48,7 @@ public:
     }
     void Lock() override { page_->application.lock(); }
     void UnLock() override { page_->application.unlock(); }
+    Object StaticObjects() override;
     Object Contents() override;
 
 private:

@@ -159,14 +159,16 @@ std::shared_ptr<PageContext> WebApp::open(const HttpRequest& request, const std:
     auto page = std::make_shared<PageContext>(request, path, site_.root, application_, sessions_,
                                               options_.session_patience);
     page->time_limit = site_.page_timeout;
-    page->open_session();
     return page;
 }
 
-bool WebApp::is_open(const PageContext& page, const std::string& path) const {
+bool WebApp::is_open(PageContext& page, const std::string& path) const {
     const GuardedPath* guard = guard_of(site_, path);
-    return !guard || path == site_.login_page ||
-           is_allowed(page, login_cookie_, guard->application);
+    if (!guard || path == site_.login_page) return true;
+    page.open_session();
+    if (!is_allowed(page, login_cookie_, guard->application)) return false;
+    page.user = page.session()->data().values.get(u"REMOTE_USER").text_view();
+    return true;
 }
 
 HttpResponse WebApp::to_login(const HttpRequest& request) const {

@@ -32,7 +32,7 @@ private:
     HttpResponse file(const HttpRequest& request, const std::string& path);
     HttpResponse page(const HttpRequest& request, const std::string& path, std::string& note);
     std::shared_ptr<PageContext> open(const HttpRequest& request, const std::string& path);
-    bool is_open(const PageContext& page, const std::string& path) const;
+    bool is_open(PageContext& page, const std::string& path) const;
     HttpResponse to_login(const HttpRequest& request) const;
     HttpResponse failed(const std::string& path, std::string sentence, const std::string& cause,
                         std::vector<std::string> details = {});

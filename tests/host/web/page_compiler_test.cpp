@@ -114,6 +114,70 @@ TEST_F(PageCompilerTest, ADirectiveMayStandInFront) {
     EXPECT_EQ(program("<%@ %>"), "");
 }
 
+TEST_F(PageCompilerTest, ADirectiveMaySayMoreThanTheLanguage) {
+    EXPECT_EQ(program("<%@ Language=JScript LCID=1033 Transaction=\"Not_Supported\" "
+                      "EnableSessionState=TRUE CodePage=65001 %>x"),
+              "Response.Write(\"x\");\n");
+    EXPECT_TRUE(compile_page(root_, "/page.asp").settings.has_session);
+    write("/page.asp", "<%@ EnableSessionState=false %>");
+    EXPECT_FALSE(compile_page(root_, "/page.asp").settings.has_session);
+}
+
+TEST_F(PageCompilerTest, ScriptsThatRunAtTheServerStandBehindThePage) {
+    write("/lib/a.js", "function a() {\n}");
+    write("/lib/b.js", "var b");
+    write("/page.asp",
+          "1<SCRIPT Language='JavaScript' RunAt=Server>\nf(\"<%\")\n</SCRIPT >2"
+          "<script runat='server' src=\"lib\\a.js\">not read</script>\n"
+          "<% if (x) { %><script src=/lib/b.js runat=server></script><% } %>"
+          "<script>client()</script>");
+    const PageSource source = compile_page(root_, "/page.asp");
+    EXPECT_EQ(source.program,
+              "Response.Write(\"1\");\nResponse.Write(\"2\");\nResponse.Write(\"\\n\");\n"
+              " if (x) { \n } \nResponse.Write(\"<script>client()</script>\");\n"
+              "\nf(\"<%\")\n\nfunction a() {\n}\nvar b\n");
+    EXPECT_EQ(lines(source),
+              "/page.asp:1 /page.asp:3 /page.asp:3 /page.asp:4 /page.asp:4 /page.asp:4 "
+              "/page.asp:1 /page.asp:2 /page.asp:3 /lib/a.js:1 /lib/a.js:2 /lib/b.js:1 ");
+    ASSERT_EQ(source.files.size(), 3u);
+}
+
+TEST_F(PageCompilerTest, AScriptOfTheServerMayIncludeAndBeHiddenFromOldBrowsers) {
+    write("/f.inc", "f()");
+    EXPECT_EQ(program("<script runat=server><!--\na()\n<!-- #include file='f.inc' -->\nb()\n//-->\n"
+                      "</script>"),
+              "\na()\n\nf()\n\nb()\n//\n");
+    EXPECT_EQ(program("<script runat=server><!-- #include file='f.inc' --></script>"), "\nf()\n\n");
+}
+
+TEST_F(PageCompilerTest, PathsOfIncludesMayHaveBackslashes) {
+    write("/a/b.inc", "b");
+    EXPECT_EQ(
+        program("<!-- #include file=\"a\\b.inc\" --><!-- #include virtual=\"\\a\\b.inc\" -->"),
+        "Response.Write(\"b\");\nResponse.Write(\"b\");\n");
+}
+
+TEST_F(PageCompilerTest, GlobalAsaHasScriptsAndNothingElse) {
+    const auto global = [&](std::string_view content) {
+        write("/global.asa", content);
+        try {
+            return compile_global(root_, "/global.asa").program;
+        } catch (const PageError& error) {
+            return std::to_string(error.place.line) + ' ' + error.message;
+        }
+    };
+    EXPECT_EQ(global("<!-- a\ncomment -->\n<script language=JScript runat=server>a()</script>\n"),
+              "a()\n");
+    const std::string refusal =
+        " this file has <script runat=\"server\"> blocks, and nothing outside of them";
+    EXPECT_EQ(global("<!-- a\ncomment -->\n text <script runat=server></script>"), "3" + refusal);
+    EXPECT_EQ(global("\n<% x %>"), "2" + refusal);
+    EXPECT_EQ(global("<script>client()</script>"), "1" + refusal);
+    EXPECT_EQ(global("\n<object runat=server scope=Session id=a progid=b></object>"),
+              "2 <object runat=\"server\"> is not known here; make the object by "
+              "Server.CreateObject on the page that needs it");
+}
+
 TEST_F(PageCompilerTest, WhatIsNoPageIsRefusedWithItsPlace) {
     write("/self.inc", "<!-- #include file=\"self.inc\" -->");
     write("/bad.inc", "ok\n<% never closed");
@@ -130,8 +194,15 @@ TEST_F(PageCompilerTest, WhatIsNoPageIsRefusedWithItsPlace) {
               "/page.asp:1 the language of pages is ECMAScript (Language=\"JScript\"), not "
               "\"VBScript\""},
              {"<%@ CodePage=1252 %>", "/page.asp:1 pages are UTF-8 (CodePage=65001), not \"1252\""},
-             {"<%@ EnableSessionState=False %>",
-              "/page.asp:1 the directive \"EnableSessionState\" is not known"},
+             {"<%@ EnableSessionState=ReadOnly %>",
+              "/page.asp:1 EnableSessionState is \"True\" or \"False\", not \"ReadOnly\""},
+             {"<%@ LCID=1031 %>",
+              "/page.asp:1 texts, numbers and dates are formatted the same everywhere (LCID=1033), "
+              "not \"1031\""},
+             {"<%@ Transaction=Required %>",
+              "/page.asp:1 pages run in no transaction (Transaction=\"Not_Supported\"), not "
+              "\"Required\""},
+             {"<%@ Debug=True %>", "/page.asp:1 the directive \"Debug\" is not known"},
              {"<%@ Language %>", "/page.asp:1 the directive cannot be read from \"Language \" on"},
              {"<%@ Language=\"JScript %>",
               "/page.asp:1 the directive cannot be read from \"\"JScript \" on"},
@@ -156,8 +227,19 @@ TEST_F(PageCompilerTest, WhatIsNoPageIsRefusedWithItsPlace) {
              {"<!-- #include file=\"bad.inc\" -->", "/bad.inc:2 \"<%\" is not closed by \"%>\""},
              {"<!-- #include file=\"self.inc\" -->", "/self.inc:1 \"/self.inc\" includes itself"},
              {"<!-- #include file=\"latin.inc\" -->", "/latin.inc:0 the file is not UTF-8"},
-             {"a\n<Script Language=JScript RUNAT=\"server\">",
-              "/page.asp:2 <script runat=\"server\"> is not known here; write \"<% … %>\""},
+             {"a\n<Script Language=JScript RUNAT=\"server\">f()",
+              "/page.asp:2 <script> is not closed by \"</script>\""},
+             {"a\n<script runat=server ", "/page.asp:2 the tag is not closed by \">\""},
+             {"<script runat=\"client\">f()</script>",
+              "/page.asp:1 runat is \"server\", not \"client\""},
+             {"\n<script language='vbscript' runat=server>Dim x</script>",
+              "/page.asp:2 the language of pages is ECMAScript (Language=\"JScript\"), not "
+              "\"vbscript\""},
+             {"<script runat=server src=\"none.js\"></script>",
+              "/page.asp:1 there is no file \"/none.js\""},
+             {"<object runat=server id=x progid=y></object>",
+              "/page.asp:1 <object runat=\"server\"> is not known here; make the object by "
+              "Server.CreateObject on the page that needs it"},
              {"<!-- #include file=\".hidden.inc\" -->",
               "/page.asp:1 there is no file \"/.hidden.inc\""},
          })

@@ -125,16 +125,97 @@ TEST_F(PageRunnerTest, EndAndRedirectEndThePageWhateverItCatches) {
 }
 
 TEST_F(PageRunnerTest, APageExecutesOthersAndTransfersToThem) {
-    site_.write("/sub/inner.asp", "inner <%= title %>");
-    EXPECT_EQ(site_.run("<% var title = 'T' %>[<% Server.Execute('sub/inner.asp') %>]"),
-              "[inner T]");
-    EXPECT_EQ(site_.run("lost<% var title = 'U'; Server.Transfer('/sub/inner.asp') %>never"),
-              "inner U");
+    site_.write("/sub/inner.asp",
+                "inner <%= Server.MapPath('x.txt') %> <% Server.Execute('deep.asp') %>");
+    site_.write("/sub/deep.asp", "deep");
+    const std::string x = (site_.root / "sub/x.txt").string();
+    EXPECT_EQ(site_.run("[<% Server.Execute('sub\\\\inner.asp') %>]<%= Server.MapPath('y') %>"),
+              "[inner " + x + " deep]" + (site_.root / "y").string());
+    EXPECT_EQ(site_.run("lost<% Server.Transfer('/sub/inner.asp') %>never"),
+              "inner " + x + " deep");
+    site_.write("/end.asp", "<% Response.End() %>never");
+    EXPECT_EQ(site_.run("a<% try { Server.Execute('end.asp') } catch (e) {} %>b"), "a")
+        << "the whole answer ends";
     EXPECT_EQ(failure_of("<% Server.Execute('none.asp') %>"),
               "/page.asp, line 1: /none.asp: there is no file \"/none.asp\"");
     EXPECT_NE(failure_of("<% Server.Execute('page.asp') %>")
                   .find("Pages execute each other too deeply: page.asp"),
               std::string::npos);
+}
+
+TEST_F(PageRunnerTest, AnExecutedPageHasGlobalsOfItsOwn) {
+    site_.write("/inner.asp",
+                "<%= typeof title %><% var title = 'inner'; Session('n') = 1;"
+                " Response.Cookies('c') = 'v'; String.prototype.mine = 1 %>");
+    EXPECT_EQ(site_.run("<% var title = 'outer'; Server.Execute('inner.asp') %>|<%= title %>|"
+                        "<%= typeof ''.mine %>|<%= Session('n') %>"),
+              "undefined|outer|undefined|1");
+    EXPECT_EQ(site_.last.cookies.size(), 1u);
+    EXPECT_EQ(site_.run("<% var title = 'T'; Server.Transfer('inner.asp') %>"), "undefined");
+}
+
+TEST_F(PageRunnerTest, AnExecutedPageMayHaveAQueryOfItsOwn) {
+    site_.write("/inner.asp",
+                "[<%= Request.QueryString('a') %> <%= Request('a') %> <%= Request.QueryString %> "
+                "<%= Request.ServerVariables('QUERY_STRING') %>]");
+    EXPECT_EQ(site_.run("<% var mine = Request.QueryString, v = Request.ServerVariables;"
+                        "Server.Execute('inner.asp?a=2&b'); Server.Execute('inner.asp');"
+                        "Server.Execute('inner.asp?'); %><%= mine('a') %><%= v('QUERY_STRING') %>",
+                        {.target = "/page.asp?a=1"}),
+              "[2 2 a=2&b a=2&b][1 1 a=1 a=1][   ]1a=1");
+}
+
+TEST_F(PageRunnerTest, TheTimeLimitIsOneForAllThatAPageExecutes) {
+    site_.write("/endless.asp", "<% for (;;); %>");
+    EXPECT_EQ(failure_of("\n<% try { Server.Execute('endless.asp') } catch (e) {} for (;;); %>",
+                         std::chrono::seconds(1))
+                  .substr(0, 19),
+              "/page.asp, line 2: ");
+    site_.write("/short.asp", "<% Server.ScriptTimeout = 1; for (;;); %>");
+    EXPECT_EQ(failure_of("\n<% try { Server.Execute('short.asp') } catch (e) {} for (;;); %>",
+                         std::chrono::seconds(600))
+                  .substr(0, 19),
+              "/page.asp, line 2: ");
+}
+
+TEST_F(PageRunnerTest, AScriptOfTheServerRunsBehindThePagesOwnPieces) {
+    EXPECT_EQ(site_.run("<script language=\"JScript\" runat=\"server\">"
+                        "function greet(name) { return 'hello ' + name; } Response.Write('last')"
+                        "</script><%= greet('you') %> "),
+              "hello you last");
+}
+
+TEST_F(PageRunnerTest, APageMayDoWithoutASession) {
+    site_.run("<% Session('n') = 1 %>");
+    const auto context = site_.request({.target = "/page.asp"});
+    site_.write("/page.asp",
+                "<%@ EnableSessionState=False %><% try { Session('n') = 1 } "
+                "catch (e) { Response.Write(e.message) } %>|<% try { Session('n') } "
+                "catch (e) { Response.Write(e.message) } %>");
+    run_page(context, site_.pages);
+    EXPECT_EQ(context->answer.body,
+              "This page has no session (EnableSessionState=False)|"
+              "This page has no session (EnableSessionState=False)");
+}
+
+TEST_F(PageRunnerTest, APageInAnotherLanguageIsRefusedByItsName) {
+    const auto said = [&](std::string_view page, const std::string& language) {
+        const std::string failure = failure_of(page);
+        return failure.find("This reads like " + language +
+                            ", but the language of pages is JScript (ECMAScript): the page has to "
+                            "be translated") != std::string::npos
+                   ? ""
+                   : failure;
+    };
+    for (const char* page : {"<% Dim x %>", "text\n<%\n  Set rs = Server.CreateObject(\"a.b\")\n%>",
+                             "<% If a = 1 Then %>x<% End If %>", "<%\n' what this is\nx = 1\n%>",
+                             "<% Option Explicit %>", "<% For Each a In b %>x<% Next %>",
+                             "<script runat=server>\nSub Main\nEnd Sub\n</script>"})
+        EXPECT_EQ(said(page, "VBScript"), "") << page;
+    EXPECT_EQ(said("<% my $x = 1; $Response->write($x); %>", "PerlScript"), "");
+    EXPECT_EQ(failure_of("<% var a = ; %>").find("reads like"), std::string::npos);
+    EXPECT_EQ(failure_of("Dim x\nSet y = z<% var a = ; %>").find("reads like"), std::string::npos)
+        << "text around the script may read like anything";
 }
 
 TEST_F(PageRunnerTest, FailuresNameThePageAndTheLine) {

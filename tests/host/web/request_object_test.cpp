@@ -128,6 +128,29 @@ TEST_F(RequestObjectTest, ServerVariablesTellOfTheRequest) {
     EXPECT_EQ(text(u"ServerVariables", u"NONE"), u"");
 }
 
+TEST_F(RequestObjectTest, ServerVariablesTellWhereThePageIsAndWhoAsks) {
+    send({.target = "/sub/p.asp?x=1",
+          .headers = {{"Host", "a"},
+                      {"cookie", "secret=1"},
+                      {"Authorization", "Basic secret"},
+                      {"Accept", "*/*"}}});
+    const Text root = from_utf8(site_.root.string());
+    EXPECT_EQ(text(u"ServerVariables", u"PATH_TRANSLATED"), root + u"/sub/p.asp");
+    EXPECT_EQ(text(u"ServerVariables", u"APPL_PHYSICAL_PATH"), root + u"/");
+    EXPECT_EQ(text(u"ServerVariables", u"APPL_MD_PATH"), u"/LM/W3SVC/1/ROOT");
+    EXPECT_EQ(text(u"ServerVariables", u"GATEWAY_INTERFACE"), u"CGI/1.1");
+    EXPECT_EQ(text(u"ServerVariables", u"SERVER_PORT_SECURE"), u"0");
+    EXPECT_EQ(text(u"ServerVariables", u"ALL_HTTP"), u"HTTP_HOST:a\nHTTP_ACCEPT:*/*\n");
+    EXPECT_EQ(text(u"ServerVariables", u"ALL_RAW"), u"Host: a\r\nAccept: */*\r\n");
+    EXPECT_EQ(text(u"ServerVariables", u"HTTP_AUTHORIZATION"), u"");
+    EXPECT_EQ(text(u"ServerVariables", u"LOGON_USER"), u"");
+    EXPECT_EQ(text(u"ServerVariables", u"AUTH_TYPE"), u"");
+    page_->user = u"jsmith";
+    for (const char16_t* name : {u"LOGON_USER", u"AUTH_USER", u"REMOTE_USER"})
+        EXPECT_EQ(text(u"ServerVariables", name), u"jsmith");
+    EXPECT_EQ(text(u"ServerVariables", u"AUTH_TYPE"), u"Forms");
+}
+
 TEST_F(RequestObjectTest, OutlivesItsPage) {
     send(form("user=jsmith"));
     const Object form = object(u"Form");

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
+#include "host/web/request_object.h"
 #include "host/web/web_app.h"
 #include "platform/interfaces/enumerator.h"
 #include "platform/interfaces/late_call.h"
@@ -15,6 +18,7 @@ namespace {
 static_assert(slot_of<&Response::Cookies> == 15);
 static_assert(slot_of<&Response::Redirect> == 25);
 static_assert(slot_of<&Response::Write> == 26);
+static_assert(slot_of<&Response::Pics> == 31);
 static_assert(slot_of<&Response::put_CacheControl> == 33);
 static_assert(slot_of<&WriteCookie::put_Path> == 10);
 
@@ -35,7 +39,7 @@ protected:
     std::string cookie(std::size_t index) { return header_text(*answer().cookies.at(index)); }
 
     TestSite site_;
-    std::shared_ptr<PageContext> page_ = site_.request({.method = "POST", .target = "/p.asp"});
+    std::shared_ptr<PageContext> page_ = site_.request({.method = "POST", .target = "/p.asp?a=1"});
     Object response_ = make<ResponseObject>(page_).object();
 };
 
@@ -44,11 +48,51 @@ TEST_F(ResponseObjectTest, WritesValuesAsText) {
          {Variant(u"é "), Variant(1), Variant(2.5), Variant(), Variant::null(), Variant(true)})
         write(value);
     EXPECT_EQ(answer().body, "é 12.5True");
-    EXPECT_THROW(write(Values{1}), Failure);
     late::call(response_, u"BinaryWrite", {Variant::bytes(std::string_view("\0\xFF", 2))});
     EXPECT_EQ(answer().body, std::string("é 12.5True\0\xFF", 13));
     late::call(response_, u"Clear");
     EXPECT_EQ(answer().body, "");
+}
+
+TEST_F(ResponseObjectTest, WritesWhatHasATextAsTheScriptShowsIt) {
+    const auto written = [&](const Variant& value) {
+        late::call(response_, u"Clear");
+        write(value);
+        return answer().body;
+    };
+    for (const auto& [number, text] : std::initializer_list<std::pair<double, const char*>>{
+             {0.1 + 0.2, "0.30000000000000004"},
+             {1e21, "1e+21"},
+             {1.5e300, "1.5e+300"},
+             {123456789012345680000.0, "123456789012345680000"},
+             {0.000001, "0.000001"},
+             {1.25e-7, "1.25e-7"},
+             {-0.0, "0"},
+             {-12.5, "-12.5"},
+             {std::numeric_limits<double>::quiet_NaN(), "NaN"},
+             {-std::numeric_limits<double>::infinity(), "-Infinity"}})
+        EXPECT_EQ(written(number), text);
+    EXPECT_EQ(written(Values{1, u"two", Variant::null(), Values{3, 4.5}}), "1,two,,3,4.5");
+    EXPECT_EQ(written(Values{}), "");
+    EXPECT_EQ(written(Date{37623}), "1/2/2003");
+    EXPECT_EQ(written(Variant(Object())), "");
+    const Object names =
+        late::get(make<RequestObject>(page_).object(), u"QueryString").to<Object>();
+    EXPECT_EQ(written(names), "a=1") << "an object is its default value";
+}
+
+TEST_F(ResponseObjectTest, TheCodePageAndTheLocaleAreWhatTheyAre) {
+    late::put(response_, u"CodePage", 65001);
+    late::put(response_, u"LCID", 1033);
+    EXPECT_EQ(late::get(response_, u"CodePage"), Variant(65001));
+    EXPECT_EQ(late::get(response_, u"LCID"), Variant(1033));
+    EXPECT_EQ(refusal([&] { late::put(response_, u"CodePage", 1252); }),
+              u"Pages are UTF-8; CodePage is 65001 and cannot be 1252");
+    EXPECT_EQ(refusal([&] { late::put(response_, u"LCID", 1031); }),
+              u"Texts, numbers and dates are formatted the same everywhere; LCID is 1033 and "
+              u"cannot be 1031");
+    late::call(response_, u"PICS", {u"(PICS-1.1)"});
+    EXPECT_EQ(answer().headers, (Headers{{"PICS-Label", "(PICS-1.1)"}}));
 }
 
 TEST_F(ResponseObjectTest, AnAnswerHasAnEnd) {

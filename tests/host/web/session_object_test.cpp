@@ -14,7 +14,11 @@ namespace {
 
 static_assert(slot_of<&Session::Value> == 8);
 static_assert(slot_of<&Session::Abandon> == 13);
+static_assert(slot_of<&Session::put_CodePage> == 15);
+static_assert(slot_of<&Session::LCID> == 16);
+static_assert(slot_of<&Session::StaticObjects> == 18);
 static_assert(slot_of<&Session::Contents> == 19);
+static_assert(slot_of<&Application::StaticObjects> == 12);
 static_assert(slot_of<&Application::Lock> == 10);
 static_assert(slot_of<&Application::Contents> == 13);
 static_assert(slot_of<&VariantDictionary::RemoveAll> == 14);
@@ -60,6 +64,22 @@ TEST_F(SessionObjectTest, ReadingMakesNoSession) {
     EXPECT_EQ(late::get(contents, u"Count"), Variant(0));
     EXPECT_EQ(end(), "");
     EXPECT_EQ(site_.sessions.count(), 0u);
+}
+
+TEST_F(SessionObjectTest, HasTheMembersThatNothingFollowsFrom) {
+    begin();
+    late::put(session_, u"LCID", 2048);
+    late::put(session_, u"CodePage", 65001);
+    EXPECT_EQ(late::get(session_, u"LCID"), Variant(1033));
+    EXPECT_THROW(late::put(session_, u"LCID", 1031), Failure);
+    EXPECT_THROW(late::put(session_, u"CodePage", 1252), Failure);
+    for (const Object& owner : {session_, application_}) {
+        const Object objects = late::get(owner, u"StaticObjects").to<Object>();
+        EXPECT_EQ(late::get(objects, u"Count"), Variant(0));
+        EXPECT_TRUE(late::value_of(objects, {u"any"}).is_empty());
+        EXPECT_THROW(late::put_value(objects, 1, {u"any"}), Failure);
+    }
+    EXPECT_EQ(end(), "");
 }
 
 TEST_F(SessionObjectTest, AValueMakesTheSessionAndItsCookie) {

@@ -47,11 +47,14 @@ protected:
         pages_.write("/account/logo.svg", "<svg/>");
         pages_.write("/login/login.asp",
                      "<% Session('QUENDRAID') = 'G1'; Session('REMOTE_ACCOUNT') = 'cn=a';"
+                     "   Session('REMOTE_USER') = 'jsmith';"
                      "   Response.Cookies('LoginID') = 'G1' %>in");
         pages_.write("/fail.asp",
                      "<% Session('kept') = 1; Response.Cookies('lost') = 1;\n"
                      "unknown(); %>");
         pages_.write("/kept.asp", "<%= Session('kept') %>");
+        pages_.write("/account/who.asp", "<%= Request.ServerVariables('LOGON_USER') %>");
+        pages_.write("/who.asp", "[<%= Request.ServerVariables('LOGON_USER') %>]");
         pages_.write("/form.asp", "<%= Request.Form('a') %>");
     }
 
@@ -153,6 +156,8 @@ TEST_F(WebAppTest, ALoginOpensTheGuardedPathAndGivesTheSessionANewIdentifier) {
     call<&FilterConnector::RegisterLogin>(connector, u"a", Values{1}, u"G1", std::int16_t{1}, 10);
     EXPECT_EQ(get("/account/", {{"Cookie", browser}}).body, "account");
     EXPECT_EQ(get("/account/logo.svg", {{"Cookie", browser}}).body, "<svg/>");
+    EXPECT_EQ(get("/account/who.asp", {{"Cookie", browser}}).body, "jsmith");
+    EXPECT_EQ(get("/who.asp", {{"Cookie", browser}}).body, "[]") << "nobody has looked who it is";
     call<&FilterConnector::Logout>(connector, u"G1");
     EXPECT_EQ(get("/account/", {{"Cookie", browser}}).status, 302);
 }
@@ -239,6 +244,8 @@ TEST_F(WebAppTest, OneSessionIsServedOneRequestAtATime) {
               std::string::npos);
     EXPECT_EQ(get("/style.css", {{"Cookie", "orvosession=" + lease->id()}}).status, 200)
         << "files need no session";
+    pages_.write("/without.asp", "<%@ EnableSessionState=False %>without");
+    EXPECT_EQ(get("/without.asp", {{"Cookie", "orvosession=" + lease->id()}}).body, "without");
 }
 
 TEST_F(WebAppTest, DoesNotStartWithGuardsAndWithoutAFilter) {
