@@ -1,5 +1,6 @@
 // What scripts see of Automation objects: proxies whose traps make late-bound calls.
 
+#include "host/engine/call_site.h"
 #include "host/engine/engine_text.h"
 #include "host/engine/passage.h"
 #include "platform/interfaces/late_member.h"
@@ -34,6 +35,20 @@ protected:
         });
         Runtime::of(context).check(context);
         push(context, result_);
+    }
+    // Reads a member without arguments and pushes its value, where it can be read so.
+    bool try_read(duk_context* context, MemberId member) {
+        Runtime::of(context).check(context);
+        bool is_read = false;
+        attempt(context, [&] {
+            const Object held = target();
+            std::optional<Variant> value = late::try_get_member(held, member);
+            is_read = value.has_value();
+            if (is_read) result_ = std::move(*value);
+        });
+        Runtime::of(context).check(context);
+        if (is_read) push(context, result_);
+        return is_read;
     }
     void put(duk_context* context, MemberId member) {
         Runtime::of(context).check(context);
@@ -85,12 +100,7 @@ public:
         find(context, 0, 1);
         if (!found_) return unknown_member(context);
         attempt(context, [&] { kind_ = late::try_kind_of(target(), *found_); });
-        const bool is_value = kind_ && kind_->is_readable && kind_->parameters == 0;
-        const bool is_called = !kind_ || kind_->is_method || kind_->is_readable;
-        if (is_value || !is_called) {
-            call(context, *found_);
-            return 1;
-        }
+        if (kind_ ? is_value(context) : is_read(context)) return 1;
         duk_push_c_function(context, function_of<BoundMember>, DUK_VARARGS);
         push_stash(context, stash::member_prototype);
         duk_set_prototype(context, -2);
@@ -102,6 +112,26 @@ public:
     }
 
 private:
+    // Of a member whose kind is known: pushes what it is read as, unless it is a function.
+    bool is_value(duk_context* context) {
+        const bool is_called = kind_->is_method || kind_->is_readable;
+        // Asking for the call costs as much as the reading: properties of the house's without
+        // parameters are spared it, and not called.
+        const bool is_plain = kind_->parameters == 0 && !kind_->is_foreign;
+        const bool is_read =
+            kind_->is_readable && kind_->required == 0 && (is_plain || !is_called_at_once(context));
+        if (is_called && !is_read) return false;
+        call(context, *found_);
+        return true;
+    }
+
+    // Of any other member: the object itself decides whether it can be read, and is not asked where
+    // the script calls it. Pushes what it is read as.
+    bool is_read(duk_context* context) {
+        if (is_called_at_once(context)) return false;
+        return try_read(context, *found_);
+    }
+
     // The language itself asks for these two where an object stands for a value.
     duk_ret_t unknown_member(duk_context* context) {
         if (duk_is_symbol(context, 1)) {
@@ -154,14 +184,16 @@ public:
     duk_ret_t run(duk_context* context) {
         duk_push_this(context);
         object_ = &object_at(context, -1);
-        bool has_value = false;
-        attempt(context, [&] {
-            const auto kind = late::try_kind_of(target(), late::default_member);
-            has_value = !kind || ((kind->is_readable || kind->is_method) && kind->required == 0);
-        });
-        if (has_value) call(context, late::default_member);
+        attempt(context, [&] { kind_ = late::try_kind_of(target(), late::default_member); });
+        if (!kind_)
+            try_read(context, late::default_member);
+        else if ((kind_->is_readable || kind_->is_method) && kind_->required == 0)
+            call(context, late::default_member);
         return 1;
     }
+
+private:
+    std::optional<MemberKind> kind_;
 };
 
 duk_ret_t object_text(duk_context* context) {

@@ -5,6 +5,7 @@
 #include "platform/interfaces/border.h"
 #include "platform/interfaces/member_kinds.h"
 #include "platform/interfaces/short_list.h"
+#include "platform/interfaces/type_information.h"
 
 namespace orvo::late {
 namespace {
@@ -16,10 +17,10 @@ void require(const Object& object) {
     if (!object) raise_runtime_error(runtime_error::object_not_set);
 }
 
-// `arguments` in Invoke's own order: the last one first.
-Variant invoke(Object object, abi::DISPID id, std::uint16_t flags,
-               std::span<abi::VARIANT> arguments) {
-    require(object);
+// `arguments` in Invoke's own order: the last one first. What fails is left in `failure`.
+HRESULT try_invoke(const Object& object, abi::DISPID id, std::uint16_t flags,
+                   std::span<abi::VARIANT> arguments, abi::VARIANT& result,
+                   abi::EXCEPINFO& failure) {
     static constexpr abi::IID none{};
     abi::DISPID value_name = abi::DISPID_PROPERTYPUT;
     abi::DISPPARAMS params{arguments.data(), nullptr, static_cast<std::uint32_t>(arguments.size()),
@@ -29,16 +30,27 @@ Variant invoke(Object object, abi::DISPID id, std::uint16_t flags,
         params.rgdispidNamedArgs = &value_name;
         params.cNamedArgs = 1;
     }
+    std::uint32_t bad_argument = 0;
+    return abi::call_slot<HRESULT, abi::DISPID, const abi::IID*, abi::LCID, std::uint16_t,
+                          abi::DISPPARAMS*, abi::VARIANT*, abi::EXCEPINFO*, std::uint32_t*>(
+        object.get(), abi::slot_invoke, id, &none, abi::fixed_locale, flags, &params,
+        is_put ? nullptr : &result, &failure, &bad_argument);
+}
+
+Variant invoke(Object object, abi::DISPID id, std::uint16_t flags,
+               std::span<abi::VARIANT> arguments) {
+    require(object);
     abi::VARIANT result{};
     abi::EXCEPINFO failure{};
-    std::uint32_t bad_argument = 0;
-    const HRESULT code =
-        abi::call_slot<HRESULT, abi::DISPID, const abi::IID*, abi::LCID, std::uint16_t,
-                       abi::DISPPARAMS*, abi::VARIANT*, abi::EXCEPINFO*, std::uint32_t*>(
-            object.get(), abi::slot_invoke, id, &none, abi::fixed_locale, flags, &params,
-            is_put ? nullptr : &result, &failure, &bad_argument);
+    const HRESULT code = try_invoke(object, id, flags, arguments, result, failure);
     if (abi::failed(code)) detail::raise_late_failure(code, failure);
     return Variant::attach(result);
+}
+
+// With what an object refuses to read a member that is none to be read without arguments.
+bool means_unreadable(HRESULT code) {
+    return code == abi::disp_e_membernotfound || code == abi::disp_e_badparamcount ||
+           code == abi::disp_e_paramnotoptional || code == abi::disp_e_typemismatch;
 }
 
 // At the end of `raw`, the last one first. Borrows the values: they outlive the call and are only
@@ -70,7 +82,7 @@ std::optional<MemberKind> try_kind_of(const Object& object, MemberId member) {
     Object kinds;
     if (abi::failed(abi::query_interface(object.get(), detail::iid_member_kinds,
                                          reinterpret_cast<void**>(kinds.put()))))
-        return std::nullopt;
+        return detail::try_described_kind(object, member);
     std::uint32_t flags = 0;
     std::uint32_t parameters = 0;
     std::uint32_t required = 0;
@@ -107,6 +119,21 @@ Variant get_member(const Object& object, MemberId member, std::span<const Varian
     const ShortList<abi::VARIANT> raw(indices.size());
     lend_reversed(indices, raw);
     return invoke(object, member, abi::DISPATCH_PROPERTYGET, raw.all());
+}
+
+std::optional<Variant> try_get_member(const Object& object, MemberId member) {
+    require(object);
+    const Object held = object;
+    abi::VARIANT result{};
+    abi::EXCEPINFO failure{};
+    const HRESULT code = try_invoke(held, member, abi::DISPATCH_PROPERTYGET, {}, result, failure);
+    if (means_unreadable(code)) {
+        for (abi::BSTR text : {failure.bstrSource, failure.bstrDescription, failure.bstrHelpFile})
+            abi::SysFreeString(text);
+        return std::nullopt;
+    }
+    if (abi::failed(code)) detail::raise_late_failure(code, failure);
+    return Variant::attach(result);
 }
 
 void put_member(const Object& object, MemberId member, const Variant& value,

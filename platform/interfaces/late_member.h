@@ -27,11 +27,12 @@ struct MemberKind {
     // Of the method or the reading: all parameters, and how many of them may not be left out.
     int parameters = 0;
     int required = 0;
+    bool is_foreign = false;  // it is the object's type information that tells
     bool operator==(const MemberKind&) const = default;
 };
 
-// All false for a member that is not there; nothing for an object that keeps its kinds to itself:
-// only those of the house tell.
+// All false for a member that is not there. Nothing where it cannot be told: objects of the house
+// tell of all their members, others of those that their type information knows.
 std::optional<MemberKind> try_kind_of(const Object& object, MemberId member);
 
 // As a method, or as a property that is read.
@@ -41,6 +42,10 @@ Variant call_member_by_reference(const Object& object, MemberId member,
                                  std::span<Variant> arguments);
 // As a property only.
 Variant get_member(const Object& object, MemberId member, std::span<const Variant> indices = {});
+// The same without an index; nothing for a member that cannot be read so: a method, or a property
+// that needs an index. Not every object tells the two apart: one that does not may carry a method
+// out.
+std::optional<Variant> try_get_member(const Object& object, MemberId member);
 void put_member(const Object& object, MemberId member, const Variant& value,
                 std::span<const Variant> indices = {});
 

@@ -5,6 +5,7 @@
 
 #include <vector>
 
+#include "platform/system/type_information.h"
 #include "platform/values/error_info.h"
 #include "platform/values/guid.h"
 #include "platform/values/object.h"
@@ -27,18 +28,14 @@ namespace {
 // How LoadTypeLibEx treats what it loads: it loads it only.
 constexpr std::int32_t without_registering = 2;
 
+// Slots of a library.
 enum : std::size_t {
-    // Of a library.
     slot_get_type_info_count = 3,
     slot_get_type_info_at = 4,
     slot_get_type_info_of_guid = 6,
     slot_get_library_attributes = 7,
     slot_get_documentation = 9,
     slot_release_library_attributes = 12,
-    // Of what it says of one type.
-    slot_get_type_attributes = 3,
-    slot_get_type_documentation = 12,
-    slot_release_type_attributes = 19,
 };
 
 struct LibraryAttributes {
@@ -50,24 +47,6 @@ struct LibraryAttributes {
     std::uint16_t flags;
 };
 
-struct TypeAttributes {
-    abi::GUID id;
-    abi::LCID locale;
-    std::uint32_t reserved;
-    std::int32_t constructor;
-    std::int32_t destructor;
-    char16_t* schema;
-    std::uint32_t instance_size;
-    std::int32_t kind;
-    std::uint16_t functions;
-    std::uint16_t variables;
-    std::uint16_t bases;
-    std::uint16_t vtable_size;
-    std::uint16_t alignment;
-    std::uint16_t flags;
-};
-
-constexpr std::uint16_t is_dual = 0x40;
 constexpr std::uint16_t is_for_automation = 0x100;
 
 // The system's own proxies and stubs, which read a type library.
@@ -191,13 +170,13 @@ private:
             Object info;
             check(abi::call_slot<abi::HRESULT, std::uint32_t, abi::IUnknown**>(
                 library_.get(), slot_get_type_info_at, index, info.put()));
-            const auto type = attributes_of<TypeAttributes>(info, slot_get_type_attributes,
-                                                            slot_release_type_attributes);
-            if (!(type.flags & (is_dual | is_for_automation))) continue;
+            const auto type = attributes_of<abi::TypeAttributes>(
+                info, abi::slot_type_get_attributes, abi::slot_type_release_attributes);
+            if (!(type.flags & (abi::type_is_dual | is_for_automation))) continue;
             abi::BSTR name = nullptr;
             check(abi::call_slot<abi::HRESULT, std::int32_t, abi::BSTR*, abi::BSTR*, std::uint32_t*,
-                                 abi::BSTR*>(info.get(), slot_get_type_documentation, -1, &name,
-                                             nullptr, nullptr, nullptr));
+                                 abi::BSTR*>(info.get(), abi::slot_type_get_documentation, -1,
+                                             &name, nullptr, nullptr, nullptr));
             const Text called = taken(name);
             for (const char16_t* root : {u"", u"Wow6432Node\\"})
                 visit(Text(root) + u"Interface\\" + key_form(type.id), called);

@@ -1,6 +1,8 @@
 // The exports of the module, by hand. It is registered by who runs it.
 
-#include "object.h"
+#include <iterator>
+
+#include "records.h"
 
 namespace {
 
@@ -9,11 +11,17 @@ constexpr GUID first_class = {
     0x6B0D9A7E, 0x3C52, 0x4F0B, {0x9D, 0x2E, 0x8A, 0x41, 0xC1, 0xF5, 0xE7, 0xC0}};
 
 using Make = IUnknown* (*)();
-constexpr Make makers[] = {new_directory, new_configuration, new_log, new_probe};
+constexpr Make makers[] = {new_directory,
+                           new_configuration,
+                           new_log,
+                           new_probe,
+                           [] { return new_records(Manner::strict); },
+                           [] { return new_records(Manner::typed); },
+                           [] { return new_records(Manner::careless); }};
 
 class Factory : public IClassFactory {
 public:
-    explicit Factory(Make make) : make_(make) {}
+    Factory(Make make) : make_(make) {}
     virtual ~Factory() = default;
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
@@ -47,12 +55,11 @@ private:
 #endif
 
 EXPORTED HRESULT STDMETHODCALLTYPE DllGetClassObject(REFCLSID clsid, REFIID iid, void** out) {
-    static Factory* const factories[] = {new Factory(makers[0]), new Factory(makers[1]),
-                                         new Factory(makers[2]), new Factory(makers[3])};
+    static auto& factories = *new std::vector<Factory>(std::begin(makers), std::end(makers));
     *out = nullptr;
     GUID candidate = first_class;
-    for (Factory* factory : factories) {
-        if (clsid == candidate) return factory->QueryInterface(iid, out);
+    for (Factory& factory : factories) {
+        if (clsid == candidate) return factory.QueryInterface(iid, out);
         ++candidate.Data4[7];
     }
     return CLASS_E_CLASSNOTAVAILABLE;

@@ -20,10 +20,15 @@ using ULONG = std::uint32_t;
 using UINT = std::uint32_t;
 using WORD = std::uint16_t;
 using USHORT = std::uint16_t;
+using INT = std::int32_t;
+using SHORT = std::int16_t;
+using DWORD = std::uint32_t;
 using BOOL = std::int32_t;
 using HRESULT = std::int32_t;
 using LCID = std::uint32_t;
 using DISPID = std::int32_t;
+using MEMBERID = DISPID;
+using HREFTYPE = DWORD;
 using VARTYPE = std::uint16_t;
 using VARIANT_BOOL = std::int16_t;
 using DATE = double;
@@ -81,7 +86,9 @@ enum : VARTYPE {
     VT_I4 = 3,
     VT_BSTR = 8,
     VT_DISPATCH = 9,
+    VT_BOOL = 11,
     VT_VARIANT = 12,
+    VT_UNKNOWN = 13,
     VT_ARRAY = 0x2000,
     VT_BYREF = 0x4000,
 };
@@ -134,6 +141,61 @@ interface IUnknown {
     virtual ULONG AddRef() = 0;
     virtual ULONG Release() = 0;
 };
+// Type information.
+enum TYPEKIND : std::int32_t { TKIND_DISPATCH = 4 };
+enum FUNCKIND : std::int32_t { FUNC_DISPATCH = 4 };
+enum INVOKEKIND : std::int32_t {};
+constexpr USHORT PARAMFLAG_FIN = 1;
+constexpr USHORT PARAMFLAG_FOPT = 0x10;
+struct TYPEDESC {
+    TYPEDESC* lptdesc;
+    VARTYPE vt;
+};
+struct PARAMDESC {
+    void* pparamdescex;
+    USHORT wParamFlags;
+};
+struct ELEMDESC {
+    TYPEDESC tdesc;
+    PARAMDESC paramdesc;
+};
+struct TYPEATTR {
+    GUID guid;
+    LCID lcid;
+    DWORD dwReserved;
+    MEMBERID memidConstructor;
+    MEMBERID memidDestructor;
+    LPOLESTR lpstrSchema;
+    ULONG cbSizeInstance;
+    TYPEKIND typekind;
+    WORD cFuncs;
+    WORD cVars;
+    WORD cImplTypes;
+    WORD cbSizeVft;
+    WORD cbAlignment;
+    WORD wTypeFlags;
+    WORD wMajorVerNum;
+    WORD wMinorVerNum;
+    TYPEDESC tdescAlias;
+    PARAMDESC idldescType;
+};
+struct FUNCDESC {
+    MEMBERID memid;
+    HRESULT* lprgscode;
+    ELEMDESC* lprgelemdescParam;
+    FUNCKIND funckind;
+    INVOKEKIND invkind;
+    std::int32_t callconv;
+    SHORT cParams;
+    SHORT cParamsOpt;
+    SHORT oVft;
+    SHORT cScodes;
+    ELEMDESC elemdescFunc;
+    WORD wFuncFlags;
+};
+struct VARDESC;
+interface ITypeComp;
+interface ITypeLib;
 interface ITypeInfo;
 interface IDispatch : public IUnknown {
     virtual HRESULT GetTypeInfoCount(UINT*) = 0;
@@ -141,6 +203,33 @@ interface IDispatch : public IUnknown {
     virtual HRESULT GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) = 0;
     virtual HRESULT Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
                            UINT*) = 0;
+};
+interface ITypeInfo : public IUnknown {
+    virtual HRESULT GetTypeAttr(TYPEATTR**) = 0;
+    virtual HRESULT GetTypeComp(ITypeComp**) = 0;
+    virtual HRESULT GetFuncDesc(UINT, FUNCDESC**) = 0;
+    virtual HRESULT GetVarDesc(UINT, VARDESC**) = 0;
+    virtual HRESULT GetNames(MEMBERID, BSTR*, UINT, UINT*) = 0;
+    virtual HRESULT GetRefTypeOfImplType(UINT, HREFTYPE*) = 0;
+    virtual HRESULT GetImplTypeFlags(UINT, INT*) = 0;
+    virtual HRESULT GetIDsOfNames(LPOLESTR*, UINT, MEMBERID*) = 0;
+    virtual HRESULT Invoke(void*, MEMBERID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) = 0;
+    virtual HRESULT GetDocumentation(MEMBERID, BSTR*, BSTR*, DWORD*, BSTR*) = 0;
+    virtual HRESULT GetDllEntry(MEMBERID, INVOKEKIND, BSTR*, BSTR*, WORD*) = 0;
+    virtual HRESULT GetRefTypeInfo(HREFTYPE, ITypeInfo**) = 0;
+    virtual HRESULT AddressOfMember(MEMBERID, INVOKEKIND, void**) = 0;
+    virtual HRESULT CreateInstance(IUnknown*, REFIID, void**) = 0;
+    virtual HRESULT GetMops(MEMBERID, BSTR*) = 0;
+    virtual HRESULT GetContainingTypeLib(ITypeLib**, UINT*) = 0;
+    virtual void ReleaseTypeAttr(TYPEATTR*) = 0;
+    virtual void ReleaseFuncDesc(FUNCDESC*) = 0;
+    virtual void ReleaseVarDesc(VARDESC*) = 0;
+};
+interface IEnumVARIANT : public IUnknown {
+    virtual HRESULT Next(ULONG, VARIANT*, ULONG*) = 0;
+    virtual HRESULT Skip(ULONG) = 0;
+    virtual HRESULT Reset() = 0;
+    virtual HRESULT Clone(IEnumVARIANT**) = 0;
 };
 interface IClassFactory : public IUnknown {
     virtual HRESULT CreateInstance(IUnknown*, REFIID, void**) = 0;
@@ -161,6 +250,8 @@ interface ICreateErrorInfo : public IUnknown {
 DEFINE_GUID(IID_IUnknown, 0, 0, 0, 0xC0, 0, 0, 0, 0, 0, 0, 0x46);
 DEFINE_GUID(IID_IClassFactory, 1, 0, 0, 0xC0, 0, 0, 0, 0, 0, 0, 0x46);
 DEFINE_GUID(IID_IDispatch, 0x20400, 0, 0, 0xC0, 0, 0, 0, 0, 0, 0, 0x46);
+DEFINE_GUID(IID_ITypeInfo, 0x20401, 0, 0, 0xC0, 0, 0, 0, 0, 0, 0, 0x46);
+DEFINE_GUID(IID_IEnumVARIANT, 0x20404, 0, 0, 0xC0, 0, 0, 0, 0, 0, 0, 0x46);
 DEFINE_GUID(IID_ISupportErrorInfo, 0xDF0B3D60, 0x548F, 0x101B, 0x8E, 0x65, 0x08, 0x00, 0x2B, 0x2B,
             0xD1, 0x19);
 DEFINE_GUID(IID_IErrorInfo, 0x1CF2B120, 0x547D, 0x101B, 0x8E, 0x65, 0x08, 0x00, 0x2B, 0x2B, 0xD1,
