@@ -5,6 +5,7 @@
 
 #include "platform/values/text.h"
 #include "suite/directory/names/ascii.h"
+#include "suite/directory/policy/account_state.h"
 #include "suite/directory/schema/generalized_time.h"
 
 namespace orvo::directory {
@@ -62,8 +63,10 @@ bool is_boolean(std::string_view value, const Schema&) {
     return value == "TRUE" || value == "FALSE";
 }
 
+// The mark of an account that is locked for good lies before the dates of Automation.
 bool is_time(std::string_view value, const Schema&) {
-    return !value.ends_with('z') && try_date(value).has_value();
+    return value == account::locked_for_good ||
+           (!value.ends_with('z') && try_date(value).has_value());
 }
 
 bool is_postal_address(std::string_view value, const Schema&) {

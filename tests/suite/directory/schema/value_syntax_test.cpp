@@ -22,6 +22,7 @@ TEST(AValue, IsOfItsSyntaxOrNot) {
               Validity::invalid);
     EXPECT_EQ(validity(arc + "15", "\xED\xA0\x80"), Validity::invalid) << "half of a pair";
     EXPECT_EQ(validity(arc + "24", "00500101000000Z"), Validity::invalid) << "before dates begin";
+    EXPECT_EQ(validity(arc + "24", "000001010000Z"), Validity::valid) << "locked for good";
     EXPECT_EQ(validity("1.2.3", ""), Validity::no_validator);
 }
 

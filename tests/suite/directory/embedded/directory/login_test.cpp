@@ -159,6 +159,15 @@ TEST_F(Logins, WhoUnlocksAnAccountEndsItsFailures) {
     EXPECT_EQ(check(user("jsmith"), "shop-sample"), password_check::right);
 }
 
+TEST_F(Logins, AnAccountCanBeLockedForGood) {
+    demand({{"pwdLockout", {"TRUE"}}, {"pwdLockoutDuration", {"60"}}});
+    service_login().modify(user("jsmith"), {{"pwdAccountLockedTime", {"000001010000Z"}}});
+    now = now.load() + 24h;
+    EXPECT_EQ(check(user("jsmith"), "shop-sample"), password_check::locked);
+    service_login().modify(user("jsmith"), {{"pwdAccountLockedTime", {}}});
+    EXPECT_EQ(check(user("jsmith"), "shop-sample"), password_check::right);
+}
+
 TEST_F(Logins, ANameThatIsNobodysIsWrongLikeAWrongPassword) {
     for (const std::string& name :
          {user("nobody"), user(""), std::string("no name"), std::string("ou=Users,o=Shop")})
