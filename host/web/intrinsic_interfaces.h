@@ -50,6 +50,41 @@ protected:
     ~ReadCookie() = default;
 };
 
+// A file that came with a form. It is kept while a page runs.
+class FormFile {
+public:
+    // Of the form's field.
+    virtual Text Name() = 0;
+    // The last part of what the browser calls it, without its folder. Whoever sent the file chose
+    // it.
+    virtual Text FileName() = 0;
+    // As the browser says; empty where it says nothing.
+    virtual Text ContentType() = 0;
+    virtual double Size() = 0;
+    // Writes it to a new file. The path is one of the system's, as Server.MapPath gives; it lies
+    // below a folder that the site's FileFolders name. Raises 58 for a file that is there, 70 for
+    // one that may not be written, 76 for a folder that is not there.
+    virtual void SaveAs(const Text& path) = 0;
+    // The next bytes of it, as Request.BinaryRead; all of them without a number.
+    virtual Variant BinaryRead(const Variant& count) = 0;
+
+protected:
+    ~FormFile() = default;
+};
+
+// The files of a form, by number from 1, or by the name of their field: the first one of that name.
+class FormFiles {
+public:
+    // Nothing (the empty object) where there is none of that name. Raises 9 for such a number.
+    virtual Object Item(const Variant& index) = 0;
+    virtual std::int32_t Count() = 0;
+    // Over the files.
+    virtual Object NewEnum() = 0;
+
+protected:
+    ~FormFiles() = default;
+};
+
 class Request {
 public:
     // From the query, the form, the cookies or the server's variables, whichever has it first.
@@ -59,6 +94,10 @@ public:
     virtual Object ServerVariables() = 0;
     virtual Object Cookies() = 0;
     virtual std::int32_t TotalBytes() = 0;
+    // The next bytes of what came with the request, 64 MiB at a time at most; `count` is how many,
+    // and afterwards how many they were. A page uses either this, or Form and Files.
+    virtual Variant BinaryRead(Variant& count) = 0;
+    virtual Object Files() = 0;
 
 protected:
     ~Request() = default;
@@ -95,9 +134,11 @@ protected:
     ~WriteCookies() = default;
 };
 
-// An answer is always kept back until the page has ended, whatever Buffer says.
+// An answer is kept back until the page has ended, or sends what there is by Flush. From then on
+// what goes out in front of it (headers, cookies, status) is refused with E_FAIL.
 class Response {
 public:
+    // False: what is written is sent at once.
     virtual bool Buffer() = 0;
     virtual void put_Buffer(bool buffer) = 0;
     virtual Text ContentType() = 0;

@@ -38,6 +38,23 @@ inline constexpr auto table_of<web::ReadCookie> = describe<web::ReadCookie>(
     get<&web::ReadCookie::Key>("Key", "var").id(web::detail::own(0x04)));
 
 template <>
+inline constexpr auto table_of<web::FormFile> = describe<web::FormFile>(
+    "IFormFile", "5d4b3c53-6f0e-4a61-9d0c-1f6f4f6a2c32",
+    get<&web::FormFile::Name>("Name"),
+    get<&web::FormFile::FileName>("FileName").as_default(),
+    get<&web::FormFile::ContentType>("ContentType"),
+    get<&web::FormFile::Size>("Size"),
+    method<&web::FormFile::SaveAs>("SaveAs", "path"),
+    method<&web::FormFile::BinaryRead>("BinaryRead", optional("count")));
+
+template <>
+inline constexpr auto table_of<web::FormFiles> = describe<web::FormFiles>(
+    "IFormFiles", "5d4b3c53-6f0e-4a61-9d0c-1f6f4f6a2c33",
+    get<&web::FormFiles::Item>("Item", "index").as_default(),
+    get<&web::FormFiles::Count>("Count"),
+    get<&web::FormFiles::NewEnum>("_NewEnum").id(abi::DISPID_NEWENUM));
+
+template <>
 inline constexpr auto table_of<web::Request> = describe<web::Request>(
     "IRequest", "d97a6da0-a861-11cf-93ae-00a0c90c2bd8",
     get<&web::Request::Item>("Item", "name").as_default(),
@@ -48,7 +65,8 @@ inline constexpr auto table_of<web::Request> = describe<web::Request>(
     reserved(6),
     get<&web::Request::Cookies>("Cookies").id(web::detail::own(0x06)),
     get<&web::Request::TotalBytes>("TotalBytes").id(web::detail::own(0x07)),
-    reserved(9));
+    method<&web::Request::BinaryRead>("BinaryRead", "count").id(web::detail::own(0x08)),
+    get<&web::Request::Files>("Files"));
 
 template <>
 inline constexpr auto table_of<web::WriteCookie> = describe<web::WriteCookie>(

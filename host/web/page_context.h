@@ -11,6 +11,8 @@
 #include "host/web/application_state.h"
 #include "host/web/cookies.h"
 #include "host/web/http_message.h"
+#include "host/web/multipart.h"
+#include "host/web/page_answer.h"
 #include "host/web/request_fields.h"
 #include "host/web/session_store.h"
 
@@ -36,22 +38,8 @@ struct PageQuery {
     RequestFields fields;
 };
 
-// The answer that a page builds.
-struct PageAnswer {
-    int status = 200;
-    Text status_text = {};  // of a status that has no usual one
-    Text content_type = u"text/html";
-    Text charset = u"utf-8";
-    Text cache_control = u"no-store";
-    std::optional<std::int32_t> expires_minutes = {};
-    std::optional<Date> expires = {};
-    Headers headers = {};
-    std::vector<std::shared_ptr<OutgoingCookie>> cookies = {};
-    std::string body = {};
-    std::string log_note = {};
-};
-
-inline constexpr std::size_t largest_answer = 64 * 1024 * 1024;
+// At most so many bytes of a body are read at once.
+inline constexpr std::uint64_t largest_read = 64 * 1024 * 1024;
 inline constexpr std::size_t largest_session = 1024 * 1024;
 
 // Belongs to the thread that carries the request out. The intrinsic objects share it, so that one
@@ -60,7 +48,7 @@ class PageContext {
 public:
     PageContext(HttpRequest request, std::string path, std::filesystem::path root,
                 ApplicationState& application, SessionStore& sessions,
-                std::chrono::milliseconds patience);
+                std::chrono::milliseconds patience, std::size_t largest_form_text = 1024 * 1024);
 
     const HttpRequest request;
     const std::string path;  // of the page, decoded
@@ -68,13 +56,20 @@ public:
     // Of the page that runs: one that executes another page may give it a query of its own.
     std::string running_path;
     PageQuery query;
-    const RequestFields form;
+    const RequestForm form;
     const RequestFields cookies;
+    // Folders below which pages may write.
+    std::vector<std::filesystem::path> file_folders = {};
     Text user = {};  // who is logged in, where the guard has let somebody in
     PageAnswer answer;
     ApplicationState::Holder application;
     PageControl* control = nullptr;
     std::chrono::seconds time_limit{0};
+
+    // The form, for a page that uses it as such; read_body gives what came as bytes. Each raises
+    // Failure (E_FAIL) after the other.
+    const RequestForm& use_form();
+    std::string read_body(std::uint64_t count);
 
     // The session that the browser's cookie names, if any.
     void open_session();
@@ -85,22 +80,40 @@ public:
     void require_session() const;
     // Null while the browser has none.
     SessionLease* session() const { return session_.get(); }
-    // Makes one where the browser has none. Raises Failure as require_session.
+    // Makes one where the browser has none. Raises Failure as require_session, and where the
+    // browser cannot be told of it any more.
     SessionLease& need_session();
-    // That a page has put a value: one of those that a login sets makes the request a login.
+    // Before a page puts a value: one of those that a login sets makes the request a login. Raises
+    // Failure where that comes too late.
     void note_session_value(TextView name);
     // Ends what the request held: renews the session's identifier where somebody has logged in,
     // writes its cookie, gives session and application back.
     void finish();
 
+    // Raises Failure (7) where the answer becomes larger than it may.
     void write(std::string_view bytes);
+    // Drops what was written and has not been sent.
+    void clear();
+    // Sends what was written, behind the answer's head if that has not been sent: the session's
+    // cookie is settled by it, so no session begins from then on, and nobody logs in.
+    void flush();
+    // Raises Failure (E_FAIL) once the head has been sent.
+    void require_head_not_sent() const;
+    bool is_browser_there() const;
+    // Completes what is sent as a head before the page has ended.
+    std::function<void(HttpResponse& head)> complete_head = {};
 
 private:
+    void settle_session();
+
     SessionStore& sessions_;
     const std::chrono::milliseconds patience_;
     std::unique_ptr<SessionLease> session_;
+    enum class BodyUse { none, form, bytes };
+    BodyUse body_use_ = BodyUse::none;
+    std::uint64_t body_read_ = 0;
     bool is_login_ = false;
-    bool is_new_ = false;
+    bool is_new_ = false;  // the browser has not been told its identifier
     bool is_abandoned_ = false;
     bool has_session_ = true;
 

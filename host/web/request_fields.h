@@ -34,11 +34,4 @@ inline constexpr std::size_t most_fields = 500;
 // "a=1&b=2", of a query or a form. Raises Refusal.
 RequestFields parse_urlencoded(std::string_view text);
 
-// The text fields of a form sent as multipart/form-data; files are passed over. Raises Refusal
-// (400) where the text is not what the content type says.
-RequestFields parse_multipart(std::string_view body, std::string_view content_type);
-
-// The form of a request, in either encoding; none where it has another content type.
-RequestFields form_of(const HttpRequest& request);
-
 }  // namespace orvo::web

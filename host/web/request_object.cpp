@@ -1,8 +1,10 @@
 #include "host/web/request_object.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "host/web/server_variables.h"
+#include "host/web/uploaded_files.h"
 #include "platform/interfaces/enumerator.h"
 #include "platform/values/failure.h"
 
@@ -187,7 +189,7 @@ RequestObject::RequestObject(std::shared_ptr<PageContext> page) : page_(std::mov
 
 Variant RequestObject::Item(const Text& name) {
     if (const auto* field = page_->query.fields.find(name)) return values_object(field);
-    if (const auto* field = page_->form.find(name)) return values_object(field);
+    if (page_->form.fields.find(name)) return values_object(page_->use_form().fields.find(name));
     if (const auto* field = page_->cookies.find(name)) return cookie_object(field);
     const Text variable = value_of(server_variables(*page_), name);
     if (!variable.empty()) return variable;
@@ -205,8 +207,8 @@ Object RequestObject::QueryString() {
 }
 
 Object RequestObject::Form() {
-    if (!form_)
-        form_ = make<RequestFieldsObject>(page_, page_->form, form_text, values_object).object();
+    const RequestFields& fields = page_->use_form().fields;
+    if (!form_) form_ = make<RequestFieldsObject>(page_, fields, form_text, values_object).object();
     return form_;
 }
 
@@ -223,7 +225,20 @@ Object RequestObject::Cookies() {
 }
 
 std::int32_t RequestObject::TotalBytes() {
-    return static_cast<std::int32_t>(page_->request.body.size());
+    return static_cast<std::int32_t>(std::min<std::uint64_t>(
+        page_->request.body.size(), std::numeric_limits<std::int32_t>::max()));
+}
+
+Variant RequestObject::BinaryRead(Variant& count) {
+    const std::string bytes = page_->read_body(count_of_bytes(count));
+    count = static_cast<std::int32_t>(bytes.size());
+    return Variant::bytes(bytes);
+}
+
+Object RequestObject::Files() {
+    page_->use_form();
+    if (!files_) files_ = files_object(page_);
+    return files_;
 }
 
 }  // namespace orvo::web

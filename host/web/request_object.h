@@ -16,10 +16,12 @@ public:
     Object ServerVariables() override;
     Object Cookies() override;
     std::int32_t TotalBytes() override;
+    Variant BinaryRead(Variant& count) override;
+    Object Files() override;
 
 private:
     std::shared_ptr<PageContext> page_;
-    Object query_, form_, variables_, cookies_;  // made when they are asked for
+    Object query_, form_, files_, variables_, cookies_;  // made when they are asked for
 };
 
 }  // namespace orvo::web

@@ -42,20 +42,26 @@ bool is_reserved(TextView name) {
 
 ResponseObject::ResponseObject(std::shared_ptr<PageContext> page) : page_(std::move(page)) {}
 
+void ResponseObject::put_Buffer(bool is_buffered) {
+    if (is_buffered == answer().is_buffered) return;
+    head().is_buffered = is_buffered;
+    if (!is_buffered && !answer().body.empty()) page_->flush();
+}
+
 void ResponseObject::put_ContentType(const Text& type) {
     header_value(u"ContentType", type);
-    answer().content_type = type;
+    head().content_type = type;
 }
 
 void ResponseObject::put_CharSet(const Text& charset) {
     if (!equal_ignoring_case(charset, u"utf-8"))
         refuse(u"Pages are sent as UTF-8; CharSet cannot be \"" + charset + u"\"");
-    answer().charset = u"utf-8";
+    head().charset = u"utf-8";
 }
 
 void ResponseObject::put_CacheControl(const Text& directives) {
     header_value(u"CacheControl", directives);
-    answer().cache_control = directives;
+    head().cache_control = directives;
 }
 
 Variant ResponseObject::Expires() {
@@ -85,14 +91,14 @@ void ResponseObject::put_Status(const Text& status) {
                            });
     if (!is_number || number < u"200" || number > u"599")
         refuse(u"A status is like \"404 Not Found\", from 200 to 599; this is \"" + status + u"\"");
-    answer().status = Variant(number).to<std::int32_t>();
+    head().status = Variant(number).to<std::int32_t>();
     answer().status_text = status.size() > 4 ? status.substr(4) : Text();
 }
 
 void ResponseObject::AddHeader(const Text& name, const Text& value) {
     if (!is_header_name(name)) refuse(u"\"" + name + u"\" is no name of a header");
     if (is_reserved(name)) refuse(u"The header " + name + u" is the server's own business");
-    answer().headers.emplace_back(to_utf8(name), header_value(u"The header", value));
+    head().headers.emplace_back(to_utf8(name), header_value(u"The header", value));
 }
 
 void ResponseObject::AppendToLog(const Text& text) { answer().log_note += to_utf8(text); }
@@ -122,7 +128,8 @@ void ResponseObject::Redirect(const Text& url) {
             encoded += c;
         }
     }
-    answer().body.clear();
+    head();
+    page_->clear();
     // After a form the browser asks for the new page with GET, as people expect of it.
     answer().status = page_->request.method == "POST" ? 303 : 302;
     answer().status_text.clear();

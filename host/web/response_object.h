@@ -20,26 +20,26 @@ class ResponseObject final : public Response {
 public:
     explicit ResponseObject(std::shared_ptr<PageContext> page);
 
-    bool Buffer() override { return true; }
-    void put_Buffer(bool) override {}
+    bool Buffer() override { return page_->answer.is_buffered; }
+    void put_Buffer(bool is_buffered) override;
     Text ContentType() override { return answer().content_type; }
     void put_ContentType(const Text& type) override;
     Variant Expires() override;
-    void put_Expires(std::int32_t minutes) override { answer().expires_minutes = minutes; }
+    void put_Expires(std::int32_t minutes) override { head().expires_minutes = minutes; }
     Variant ExpiresAbsolute() override;
-    void put_ExpiresAbsolute(Date date) override { answer().expires = date; }
+    void put_ExpiresAbsolute(Date date) override { head().expires = date; }
     Object Cookies() override;
     Text Status() override;
     void put_Status(const Text& status) override;
     void AddHeader(const Text& name, const Text& value) override;
     void AppendToLog(const Text& text) override;
     void BinaryWrite(const Variant& bytes) override;
-    void Clear() override { answer().body.clear(); }
+    void Clear() override { page_->clear(); }
     void End() override;
-    void Flush() override {}
+    void Flush() override { page_->flush(); }
     void Redirect(const Text& url) override;
     void Write(const Variant& value) override;
-    bool IsClientConnected() override { return true; }
+    bool IsClientConnected() override { return page_->is_browser_there(); }
     Text CharSet() override { return answer().charset; }
     void put_CharSet(const Text& charset) override;
     void Pics(const Text& label) override;
@@ -52,6 +52,11 @@ public:
 
 private:
     PageAnswer& answer() { return page_->answer; }
+    // For a change of what goes out in front of the body. Raises Failure once it has been sent.
+    PageAnswer& head() {
+        page_->require_head_not_sent();
+        return page_->answer;
+    }
 
     std::shared_ptr<PageContext> page_;
     Object cookies_;

@@ -54,7 +54,7 @@ Text ServerObject::MapPath(const Text& path) {
 void ServerObject::Execute(const Text& path) { control().execute(path); }
 
 void ServerObject::Transfer(const Text& path) {
-    page_->answer.body.clear();
+    page_->clear();
     control().execute(path);
     control().stop();
 }

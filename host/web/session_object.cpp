@@ -53,10 +53,11 @@ struct SessionValues {
     }
     void set(const Text& name, const Variant& value) {
         require_keepable(value, u"Session", name);
+        page->require_session();
+        page->note_session_value(name);
         NamedValues& values = page->need_session().data().values;
         const Variant before = values.get(name);
         values.put(name, value);
-        page->note_session_value(name);
         if (values.size() <= largest_session) return;
         values.put(name, before);
         throw Failure(runtime_error::out_of_memory, {}, u"A session keeps at most one megabyte");

@@ -51,6 +51,14 @@ HttpResponse plain(int status, std::string text) {
     return response;
 }
 
+// The rest of an answer whose head has been sent when its page failed.
+HttpResponse broken_off(PageAnswer& answer, const HttpResponse& failure) {
+    answer.body.resize(answer.sent_in_body);
+    HttpResponse rest = response_of(std::move(answer));
+    if (rest.content_type.starts_with("text/html")) rest.body += failure.body;
+    return rest;
+}
+
 // Gives back what a page holds, however it ended.
 class Finish {
 public:
@@ -210,6 +218,7 @@ HttpResponse WebApp::page(const HttpRequest& request, const std::string& path, s
     }
     note = page->answer.log_note;
     if (is_answered) return response_of(std::move(page->answer));
+    if (page->answer.has_begun) return broken_off(page->answer, response);
     for (const auto& cookie : page->answer.cookies)
         response.headers.emplace_back("Set-Cookie", header_text(*cookie));
     return response;
@@ -238,33 +247,6 @@ void WebApp::add_security_headers(HttpResponse& response) const {
         if (!header.second.empty() && std::ranges::none_of(response.headers, is_there))
             response.headers.push_back(header);
     }
-}
-
-HttpResponse response_of(PageAnswer answer) {
-    HttpResponse response;
-    response.status = answer.status;
-    response.content_type = to_utf8(answer.content_type);
-    const bool is_text = response.content_type.starts_with("text/") ||
-                         response.content_type.ends_with("json") ||
-                         response.content_type.ends_with("xml");
-    if (is_text && response.content_type.find("charset") == std::string::npos)
-        response.content_type += "; charset=" + to_utf8(answer.charset);
-    response.headers = std::move(answer.headers);
-    std::string cache_control = to_utf8(answer.cache_control);
-    if (answer.expires_minutes && *answer.expires_minutes > 0) {
-        if (cache_control == "no-store")
-            cache_control = "private, max-age=" + std::to_string(*answer.expires_minutes * 60LL);
-        response.headers.emplace_back(
-            "Expires", http_date(Date{current_date().days + *answer.expires_minutes / 1440.0}));
-    } else if (answer.expires) {
-        if (cache_control == "no-store") cache_control = "private";
-        response.headers.emplace_back("Expires", http_date(*answer.expires));
-    }
-    response.headers.emplace_back("Cache-Control", cache_control);
-    for (const auto& cookie : answer.cookies)
-        response.headers.emplace_back("Set-Cookie", header_text(*cookie));
-    response.body = std::move(answer.body);
-    return response;
 }
 
 }  // namespace orvo::web

@@ -52,7 +52,4 @@ private:
 // has: not UTF-8, control characters, "\", empty parts, "." and "..".
 std::string decoded_path(std::string_view target);
 
-// The answer of a page that has ended, as it goes out.
-HttpResponse response_of(PageAnswer answer);
-
 }  // namespace orvo::web

@@ -8,18 +8,19 @@
 namespace orvo::web {
 
 void WriteCookieObject::put_Item(const Variant& key, const Text& value) {
+    OutgoingCookie& changed = cookie();
     if (key.is_missing()) {
-        cookie_->value = value;
-        cookie_->keys.clear();
+        changed.value = value;
+        changed.keys.clear();
         return;
     }
     const Text name = key.to<Text>();
     const auto found = std::ranges::find_if(
-        cookie_->keys, [&](const auto& known) { return equal_ignoring_case(known.first, name); });
-    if (found != cookie_->keys.end())
+        changed.keys, [&](const auto& known) { return equal_ignoring_case(known.first, name); });
+    if (found != changed.keys.end())
         found->second = value;
     else
-        cookie_->keys.emplace_back(name, value);
+        changed.keys.emplace_back(name, value);
 }
 
 Object WriteCookieObject::NewEnum() {
@@ -31,7 +32,7 @@ Object WriteCookieObject::NewEnum() {
 void WriteCookieObject::put_SameSite(const Text& same_site) {
     for (const TextView known : {u"Lax", u"Strict", u"None"})
         if (equal_ignoring_case(same_site, known)) {
-            cookie_->same_site = known;
+            cookie().same_site = known;
             return;
         }
     throw Failure(runtime_error::invalid_call, {},
@@ -39,11 +40,11 @@ void WriteCookieObject::put_SameSite(const Text& same_site) {
 }
 
 Variant WriteCookiesObject::Item(const Variant& name) {
-    return make<WriteCookieObject>(cookie(name.to<Text>())).object();
+    return make<WriteCookieObject>(page_, cookie(name.to<Text>())).object();
 }
 
 void WriteCookiesObject::put_Item(const Text& name, const Text& value) {
-    WriteCookieObject(cookie(name)).put_Value(value);
+    WriteCookieObject(page_, cookie(name)).put_Value(value);
 }
 
 Object WriteCookiesObject::NewEnum() {
@@ -61,6 +62,7 @@ std::shared_ptr<OutgoingCookie> WriteCookiesObject::cookie(const Text& name) {
     const auto found = std::ranges::find_if(
         cookies, [&](const auto& cookie) { return equal_ignoring_case(cookie->name, name); });
     if (found != cookies.end()) return *found;
+    page_->require_head_not_sent();
     if (name.empty()) throw Failure(runtime_error::invalid_call, {}, u"A cookie needs a name");
     const bool is_secure = page_->request.is_secure;
     if (equal_ignoring_case(name, session_cookie_name(is_secure)))

@@ -8,21 +8,28 @@ namespace orvo::web {
 
 class WriteCookieObject final : public WriteCookie {
 public:
-    explicit WriteCookieObject(std::shared_ptr<OutgoingCookie> cookie)
-        : cookie_(std::move(cookie)) {}
+    WriteCookieObject(std::shared_ptr<PageContext> page, std::shared_ptr<OutgoingCookie> cookie)
+        : page_(std::move(page)), cookie_(std::move(cookie)) {}
 
     void put_Item(const Variant& key, const Text& value) override;
-    void put_Expires(Date date) override { cookie_->expires = date; }
-    void put_Domain(const Text& domain) override { cookie_->domain = domain; }
-    void put_Path(const Text& path) override { cookie_->path = path; }
-    void put_Secure(bool is_secure) override { cookie_->is_secure = is_secure; }
+    void put_Expires(Date date) override { cookie().expires = date; }
+    void put_Domain(const Text& domain) override { cookie().domain = domain; }
+    void put_Path(const Text& path) override { cookie().path = path; }
+    void put_Secure(bool is_secure) override { cookie().is_secure = is_secure; }
     bool HasKeys() override { return !cookie_->keys.empty(); }
     Object NewEnum() override;
-    void put_HttpOnly(bool is_http_only) override { cookie_->is_http_only = is_http_only; }
+    void put_HttpOnly(bool is_http_only) override { cookie().is_http_only = is_http_only; }
     void put_SameSite(const Text& same_site) override;
     void put_Value(const Text& value) override { put_Item(Variant::missing(), value); }
 
 private:
+    // For a change. Raises Failure once the cookie has been sent.
+    OutgoingCookie& cookie() {
+        page_->require_head_not_sent();
+        return *cookie_;
+    }
+
+    const std::shared_ptr<PageContext> page_;
     const std::shared_ptr<OutgoingCookie> cookie_;
 };
 

@@ -56,58 +56,5 @@ TEST(UrlEncodedFields, AreFiveHundredAtMost) {
               "400 The request has more than 500 fields.");
 }
 
-constexpr std::string_view multipart = "multipart/form-data; boundary=XX";
-
-TEST(MultipartFields, AreReadWithoutFiles) {
-    const std::string body =
-        "--XX\r\nContent-Disposition: form-data; name=\"user\"\r\n\r\nJos\xC3\xA9\r\n"
-        "--XX\r\ncontent-disposition: form-data; name=\"photo\"; filename=\"a.png\"\r\n"
-        "Content-Type: image/png\r\n\r\n\x89PNG\r\n"
-        "--XX\r\nContent-Disposition: form-data; name=\"two\"\r\n\r\nline 1\r\nline 2\r\n"
-        "--XX--\r\n";
-    EXPECT_EQ(text_of(parse_multipart(body, multipart)), "user=José| two=line 1\r\nline 2| ");
-    EXPECT_EQ(text_of(parse_multipart("--XX--\r\n", multipart)), "");
-    EXPECT_EQ(text_of(parse_multipart("preamble\r\n" + body, multipart)),
-              "user=José| two=line 1\r\nline 2| ");
-    EXPECT_EQ(text_of(parse_multipart("--X\"X\r\nContent-Disposition: form-data; "
-                                      "name=\"a\\\"b\"\r\n\r\nv\r\n--X\"X--",
-                                      "multipart/form-data; boundary=\"X\\\"X\"")),
-              "a\"b=v| ");
-}
-
-TEST(MultipartFields, AreRefusedWhereTheyAreNotWhatTheySay) {
-    struct Refused {
-        std::string_view body;
-        std::string_view type;
-        std::string_view reason;
-    };
-    for (const auto& [body, type, reason] : std::initializer_list<Refused>{
-             {"x", "multipart/form-data", "it has no usable boundary"},
-             {"x", "multipart/form-data; boundary=", "it has no usable boundary"},
-             {"", multipart, "its boundary is not in it"},
-             {"nothing", multipart, "its boundary is not in it"},
-             {"--XX\r\nContent-Disposition: form-data; name=\"a\"\r\n\r\nv", multipart,
-              "its last part does not end"},
-             {"--XX", multipart, "its last part does not end"},
-             {"--XX\r\nname\r\n--XX--", multipart, "a part has no header"},
-             {"--XX\r\nContent-Type: text/plain\r\n\r\nv\r\n--XX--", multipart,
-              "a part has no name"},
-             {"--XX\r\nContent-Disposition: form-data\r\n\r\nv\r\n--XX--", multipart,
-              "a part has no name"},
-         })
-        EXPECT_EQ(refusal_of([&] { parse_multipart(body, type); }),
-                  "400 The form cannot be read: " + std::string(reason) + ".")
-            << body;
-}
-
-TEST(FormOfARequest, IsReadByItsContentType) {
-    HttpRequest request{.method = "POST", .target = "/", .body = RequestBody("a=1")};
-    EXPECT_EQ(text_of(form_of(request)), "") << "without a type there is no form";
-    request.headers = {{"content-type", "application/x-www-form-urlencoded; charset=UTF-8"}};
-    EXPECT_EQ(text_of(form_of(request)), "a=1| ");
-    request.headers = {{"Content-Type", "application/json"}};
-    EXPECT_EQ(text_of(form_of(request)), "");
-}
-
 }  // namespace
 }  // namespace orvo::web

@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "host/web/request_object.h"
-#include "host/web/web_app.h"
+#include "host/web/session_object.h"
 #include "platform/interfaces/enumerator.h"
 #include "platform/interfaces/late_call.h"
 #include "platform/values/failure.h"
@@ -188,6 +188,150 @@ TEST_F(ResponseObjectTest, RedirectsAfterAFormSoThatTheBrowserAsksAnew) {
     page_ = site_.request({.target = "/p.asp"});
     late::call(make<ResponseObject>(page_).object(), u"Redirect", {u"/x"});
     EXPECT_EQ(answer().status, 302);
+}
+
+// What a browser gets meanwhile.
+class SeenStream : public AnswerStream {
+public:
+    void begin(const HttpResponse& head) override {
+        EXPECT_FALSE(has_begun_);
+        has_begun_ = true;
+        this->head = head;
+    }
+    void send(std::string piece) override {
+        EXPECT_TRUE(has_begun_);
+        pieces += '[' + piece + ']';
+    }
+    bool has_begun() const override { return has_begun_; }
+    std::uint64_t length() const override { return pieces.size(); }
+    bool is_connected() const override { return is_connected_; }
+
+    HttpResponse head;
+    std::string pieces;
+    bool has_begun_ = false;
+    bool is_connected_ = true;
+};
+
+class FlushedResponseTest : public ResponseObjectTest {
+protected:
+    FlushedResponseTest() {
+        page_ = site_.request({.target = "/p.asp", .stream = &stream_});
+        response_ = make<ResponseObject>(page_).object();
+    }
+    void flush() { late::call(response_, u"Flush"); }
+
+    SeenStream stream_;
+};
+
+TEST_F(FlushedResponseTest, SendsWhatThereIsBehindTheHead) {
+    late::put(response_, u"Status", u"404 Not Found");
+    late::put(response_, u"Cookies", u"v", {u"c"});
+    page_->need_session();
+    page_->complete_head = [](HttpResponse& head) { head.headers.emplace_back("X-Site", "1"); };
+    write(u"one");
+    flush();
+    EXPECT_EQ(stream_.head.status, 404);
+    EXPECT_EQ(stream_.head.content_type, "text/html; charset=utf-8");
+    EXPECT_EQ(stream_.head.body, "");
+    std::string cookies;
+    for (const auto& [name, value] : stream_.head.headers)
+        if (name == "Set-Cookie") cookies += value.substr(0, value.find('=')) + ' ';
+    EXPECT_EQ(cookies, "c orvosession ") << "the session's is settled with the head";
+    EXPECT_EQ(stream_.head.headers.back(), (std::pair<std::string, std::string>("X-Site", "1")));
+    write(u"two");
+    EXPECT_EQ(stream_.pieces, "[one]");
+    flush();
+    flush();
+    write(u"lost");
+    late::call(response_, u"Clear");
+    write(u"rest");
+    EXPECT_EQ(stream_.pieces, "[one][two]");
+    const std::size_t told = page_->answer.cookies.size();
+    page_->finish();
+    EXPECT_EQ(page_->answer.cookies.size(), told) << "the browser is told of its session once";
+    EXPECT_EQ(response_of(page_->answer).body, "rest");
+}
+
+TEST_F(FlushedResponseTest, WhatStandsInFrontOfTheBodyIsSettledByThen) {
+    const Object cookie = late::get(response_, u"Cookies", {u"known"}).to<Object>();
+    flush();
+    const auto refusal = [&](const std::function<void()>& action) {
+        try {
+            action();
+            return Text(u"nothing was refused");
+        } catch (const Failure& failure) {
+            EXPECT_EQ(failure.number, error_number(0x80004005));
+            return failure.description;
+        }
+    };
+    const Object session = make<SessionObject>(page_).object();
+    for (const std::function<void()>& action : std::initializer_list<std::function<void()>>{
+             [&] { late::put(response_, u"Status", u"500 x"); },
+             [&] { late::put(response_, u"ContentType", u"text/plain"); },
+             [&] { late::put(response_, u"CharSet", u"utf-8"); },
+             [&] { late::put(response_, u"CacheControl", u"public"); },
+             [&] { late::put(response_, u"Expires", 1); },
+             [&] { late::put(response_, u"ExpiresAbsolute", Date{40000}); },
+             [&] { late::put(response_, u"Buffer", false); },
+             [&] { late::put(response_, u"Cookies", u"v", {u"c"}); },
+             [&] { late::put(cookie, u"Path", u"/x"); }, [&] { late::put(cookie, u"Value", u"x"); },
+             [&] { late::put(cookie, u"SameSite", u"None"); },
+             [&] {
+                 late::call(response_, u"AddHeader", {u"X", u"y"});
+             },
+             [&] { late::call(response_, u"PICS", {u"x"}); },
+             [&] { late::call(response_, u"Redirect", {u"/x"}); },
+             [&] { late::put_value(session, 1, {u"new"}); }})
+        EXPECT_EQ(refusal(action),
+                  u"The answer's head has been sent (Response.Flush): headers, cookies, the status "
+                  u"and a new session come before that");
+    EXPECT_EQ(site_.sessions.count(), 0u);
+    late::put(response_, u"Buffer", true);
+}
+
+TEST_F(FlushedResponseTest, ALoginComesBeforeTheHeadToo) {
+    page_->need_session();
+    flush();
+    const Object session = make<SessionObject>(page_).object();
+    late::put_value(session, 1, {u"other"});
+    EXPECT_THROW(late::put_value(session, u"G", {u"QUENDRAID"}), Failure);
+    EXPECT_TRUE(late::value_of(session, {u"QUENDRAID"}).is_empty());
+}
+
+TEST_F(FlushedResponseTest, WithoutABufferEverythingIsSentAtOnce) {
+    EXPECT_EQ(late::get(response_, u"Buffer"), Variant(true));
+    write(u"before");
+    late::put(response_, u"Buffer", false);
+    write(u"one");
+    write(u"two");
+    EXPECT_EQ(stream_.pieces, "[before][one][two]");
+    late::call(response_, u"Clear");
+    EXPECT_EQ(response_of(page_->answer).body, "");
+}
+
+TEST_F(FlushedResponseTest, KnowsWhetherTheBrowserIsThere) {
+    EXPECT_EQ(late::call(response_, u"IsClientConnected"), Variant(true));
+    stream_.is_connected_ = false;
+    EXPECT_EQ(late::call(response_, u"IsClientConnected"), Variant(false));
+}
+
+TEST_F(FlushedResponseTest, TheWholeAnswerHasABound) {
+    const Variant half = Variant::bytes(std::string(32 * 1024 * 1024, 'x'));
+    late::call(response_, u"BinaryWrite", {half});
+    flush();
+    late::call(response_, u"BinaryWrite", {half});
+    flush();
+    EXPECT_THROW(write(u"x"), Failure);
+}
+
+TEST_F(ResponseObjectTest, WhereNoPieceCanBeSentFlushedTextIsKeptAllTheSame) {
+    write(u"one");
+    late::call(response_, u"Flush");
+    write(u"two");
+    late::call(response_, u"Clear");
+    write(u"three");
+    EXPECT_THROW(late::put(response_, u"Status", u"404 x"), Failure);
+    EXPECT_EQ(response_of(answer()).body, "onethree");
 }
 
 TEST_F(ResponseObjectTest, GoesOutAsTheAnswer) {

@@ -190,6 +190,21 @@ TEST_F(WebAppTest, ShowsReasonsWhereThatIsAskedForAndEncodesThem) {
     EXPECT_EQ(body.find("<b>"), std::string::npos) << body;
 }
 
+TEST_F(WebAppTest, APageThatFailsInTheMiddleOfItsAnswerSaysSoBehindIt) {
+    pages_.write("/half.asp", "sent<% Response.Flush() %>lost<% unknown() %>");
+    testing::internal::CaptureStderr();
+    const HttpResponse response = get("/half.asp");
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(response.status, 200);
+    EXPECT_EQ(response.body.substr(0, 19), "sent<!DOCTYPE html>");
+    EXPECT_NE(response.body.find("<p>The page could not be shown.</p>"), std::string::npos);
+    pages_.write("/half.asp",
+                 "<% Response.ContentType = 'text/plain' %>sent<% Response.Flush(); unknown() %>");
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(get("/half.asp").body, "sent");
+    testing::internal::GetCapturedStderr();
+}
+
 TEST_F(WebAppTest, ReasonsTellTheNumberThatAPageThrows) {
     shows_details_ = true;
     pages_.write("/own.asp", "\n<% throw new Error(5, 'not so') %>");
