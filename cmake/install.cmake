@@ -14,7 +14,7 @@ function(orvo_find_runtime target folder)
   endif()
 endfunction()
 
-install(TARGETS orvo_runtime LIBRARY
+install(TARGETS orvo_runtime EXPORT Orvo LIBRARY
   COMPONENT runtime NAMELINK_COMPONENT development)
 
 foreach(module OrvoMembership OrvoSuite OrvoEmbedded OrvoPlatform)
@@ -31,9 +31,58 @@ foreach(program orvo orvo-register orvo-script orvo-web)
     if(program STREQUAL "orvo-web")
       set(component web)
     endif()
-    install(TARGETS ${program} RUNTIME COMPONENT ${component})
+    if(program STREQUAL "orvo-register")
+      # orvo_install_module() calls it.
+      set_target_properties(${program} PROPERTIES EXPORT_NAME register)
+      set(exported EXPORT Orvo)
+    else()
+      set(exported "")
+    endif()
+    install(TARGETS ${program} ${exported} RUNTIME COMPONENT ${component})
   endif()
 endforeach()
+
+# The kit: the C++ client, and what modules of others are made of.
+install(TARGETS orvo_client orvo_module orvo_usage orvo_system orvo_text orvo_values orvo_registration
+                orvo_interfaces orvo_module_parts orvo_recordset
+        EXPORT Orvo ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}/orvo/static COMPONENT development)
+install(EXPORT Orvo NAMESPACE Orvo:: FILE OrvoTargets.cmake COMPONENT development
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/OrvoMembership)
+set(ORVO_MODULE_SOURCES ${CMAKE_INSTALL_DATADIR}/orvo/module)
+configure_package_config_file(cmake/package/OrvoMembershipConfig.cmake.in
+  OrvoMembershipConfig.cmake PATH_VARS ORVO_MODULE_SOURCES
+  INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/OrvoMembership)
+write_basic_package_version_file(OrvoMembershipConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+file(RELATIVE_PATH way_to_prefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+configure_file(cmake/package/orvo-client.pc.in orvo-client.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/OrvoMembershipConfig.cmake
+              ${CMAKE_CURRENT_BINARY_DIR}/OrvoMembershipConfigVersion.cmake
+              cmake/package/orvo_modules.cmake
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/OrvoMembership COMPONENT development)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/orvo-client.pc
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+install(DIRECTORY client/orvo DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development
+        FILES_MATCHING PATTERN "*.h" PATTERN automation.h EXCLUDE)
+install(FILES platform/system/automation.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvo COMPONENT development)
+# The same header under the name that modules know, for a source that includes both.
+file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/automation.h "#pragma once\n#include \"orvo/automation.h\"\n")
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/automation.h COMPONENT development
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvo/module/platform/system)
+install(DIRECTORY platform DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvo/module COMPONENT development
+        FILES_MATCHING PATTERN "*.h"
+        PATTERN linux EXCLUDE PATTERN windows EXCLUDE PATTERN automation.h EXCLUDE)
+foreach(contract provider/directory_contract config/configuration_contract common/log_contract
+                 auth/filter_contract)
+  get_filename_component(folder ${contract} DIRECTORY)
+  install(FILES component/${contract}.h COMPONENT development
+          DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvo/module/component/${folder})
+endforeach()
+install(FILES platform/module/exports.cpp platform/module/exports.map
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/orvo/module COMPONENT development)
+install(FILES component/server/OrvoMembership.idl component/server/TavikPMMInterfaces.idl
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/orvo/idl COMPONENT development)
 
 install(DIRECTORY schema/ DESTINATION ${CMAKE_INSTALL_DATADIR}/orvo/schema COMPONENT modules
   FILES_MATCHING PATTERN "*.schema" PATTERN "*.ldif")

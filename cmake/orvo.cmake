@@ -49,7 +49,10 @@ endif()
 
 # What who uses a target of the house needs as well.
 add_library(orvo_usage INTERFACE)
-target_include_directories(orvo_usage INTERFACE ${PROJECT_SOURCE_DIR})
+target_include_directories(orvo_usage INTERFACE
+  $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
+  $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/orvo/module>
+  $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 target_compile_features(orvo_usage INTERFACE cxx_std_20)
 
 # What holds for the house's own sources alone, and not for those of a project that it is a part of.

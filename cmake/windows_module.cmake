@@ -2,13 +2,18 @@
 
 find_program(ORVO_WIDL NAMES widl x86_64-w64-mingw32-widl REQUIRED)
 
-# orvo_windows_module(NAME [IDL...]): finishes the module NAME. Each IDL is the text of a type library
-# that it carries, the first one being that of its classes; a library may use those named behind it.
+# orvo_windows_module(NAME SOURCES source... [IDL file...]): the module NAME. Each IDL is the text of a
+# type library that it carries, the first one being that of its classes; a library may use those named
+# behind it.
 function(orvo_windows_module name)
+  cmake_parse_arguments(PARSE_ARGV 1 module "" "" "SOURCES;IDL")
+  add_library(${name} MODULE ${module_SOURCES} ${PROJECT_SOURCE_DIR}/platform/module/exports.cpp)
+  target_link_libraries(${name} PRIVATE Orvo::Module)
+  set_target_properties(${name} PROPERTIES PREFIX "")
   set(type_library_lines "")
   set(resources ${CMAKE_CURRENT_BINARY_DIR}/${name}.rc)
   set(libraries "")
-  set(idls ${ARGN})
+  set(idls ${module_IDL})
   list(REVERSE idls)
   foreach(idl ${idls})
     cmake_path(GET idl STEM library_name)

@@ -6,6 +6,18 @@ include(GNUInstallDirs)
 set(ORVO_MODULES_FOLDER ${CMAKE_INSTALL_LIBDIR}/orvo)
 set(ORVO_MANIFESTS_FOLDER ${CMAKE_INSTALL_DATADIR}/orvo/components)
 
+# orvo_add_module(NAME source...): a shared library with the exports of a component module. A source
+# defines this_module(), which lists its classes.
+function(orvo_add_module name)
+  get_property(sources GLOBAL PROPERTY ORVO_MODULE_SOURCES)
+  add_library(${name} MODULE ${ARGN} ${sources}/exports.cpp)
+  target_link_libraries(${name} PRIVATE Orvo::Module)
+  set_target_properties(${name} PROPERTIES PREFIX "")
+  set(exports ${sources}/exports.map)
+  target_link_options(${name} PRIVATE LINKER:--version-script=${exports})
+  set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS ${exports})
+endfunction()
+
 # orvo_install_module(TARGET [COMPONENT name]): installs a module, and its manifest, in which the
 # module's path is relative, so that the installed tree may be moved.
 function(orvo_install_module target)
