@@ -53,8 +53,10 @@ std::string DirectoryHealth::trouble() {
     const auto before = answers_;
     is_wanted_ = true;
     changed_.notify_all();
-    if (!changed_.wait_for(guard, patience_, [&] { return answers_ != before; }))
-        return "The directory does not answer.";
+    if (!changed_.wait_for(guard, patience_, [&] { return answers_ != before; })) {
+        trouble_ = "The directory does not answer.";
+        fresh_until_ = Clock::now() + fresh_for;
+    }
     return trouble_;
 }
 

@@ -25,7 +25,8 @@ public:
     DirectoryHealth(const DirectoryHealth&) = delete;
     DirectoryHealth& operator=(const DirectoryHealth&) = delete;
 
-    // Empty where the directory was reached, otherwise why not. Takes no longer than the patience.
+    // Empty where the directory was reached, otherwise why not. Takes no longer than the patience;
+    // who asks while others wait in vain does not wait anew.
     std::string trouble();
 
 private:

@@ -21,10 +21,14 @@ void serve(const Options& options) {
     DirectoryHealth health;
     WebLog log(options.access_log);
     ServerOptions server_options = options.server;
-    server_options.largest_body = site.largest_request;
+    server_options.largest_body = server_options.largest_upload = site.largest_request;
     WebApp app(std::move(site), sessions, health, log, {.shows_details = options.shows_details});
-    HttpServer server(server_options,
-                      [&](const HttpRequest& request) { return app.handle(request); });
+    HttpServer server(
+        server_options, [&](const HttpRequest& request) { return app.handle(request); },
+        {.lane = [&](const HttpRequest& request) { return app.lane_of(request); },
+         .refused = [&](const HttpRequest& request, HttpResponse& response,
+                        auto duration) { app.note_refused(request, response, duration); },
+         .trouble = [&](const std::string& sentence) { log.trouble(sentence); }});
     const StopSignals signals([&] { server.stop(); });
     std::cout << "Listening on " << server.url() << std::endl;
     server.run();

@@ -132,6 +132,19 @@ HttpResponse WebApp::handle(const HttpRequest& request) {
     return response;
 }
 
+Lane WebApp::lane_of(const HttpRequest& request) const {
+    const std::string_view path = path_part(request.target);
+    if (path == "/health/live") return Lane::at_once;
+    if (path == "/health/ready") return Lane::aside;
+    return Lane::page;
+}
+
+void WebApp::note_refused(const HttpRequest& request, HttpResponse& response,
+                          std::chrono::steady_clock::duration duration) {
+    add_security_headers(response);
+    log_.request(request, response, duration, {});
+}
+
 HttpResponse WebApp::route(const HttpRequest& request, std::string& note) {
     if (request.method != "GET" && request.method != "HEAD" && request.method != "POST")
         throw Refusal(405, "This server answers GET, HEAD and POST.");

@@ -23,6 +23,11 @@ public:
            Options options);
 
     HttpResponse handle(const HttpRequest& request);
+    // Where handle() is to be called for it.
+    Lane lane_of(const HttpRequest& request) const;
+    // The server's own answer to a request that handle() does not see: completes it and logs it.
+    void note_refused(const HttpRequest& request, HttpResponse& response,
+                      std::chrono::steady_clock::duration duration);
 
     ApplicationState& application() { return application_; }
 

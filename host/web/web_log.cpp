@@ -59,6 +59,12 @@ void WebLog::request(const HttpRequest& request, const HttpResponse& response,
     access_ << line << std::flush;
 }
 
+void WebLog::trouble(std::string_view sentence) {
+    const std::string line = now() + " orvo-web: " + on_one_line(sentence) + '\n';
+    const std::lock_guard guard(lock_);
+    std::cerr << line << std::flush;
+}
+
 std::string WebLog::failure(std::string_view path, std::string_view text) {
     const std::string reference = random_token().substr(0, 8);
     const std::string line = now() + " orvo-web " + reference + ' ' + on_one_line(path) + ": " +

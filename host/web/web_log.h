@@ -22,6 +22,8 @@ public:
 
     void request(const HttpRequest& request, const HttpResponse& response,
                  std::chrono::steady_clock::duration duration, std::string_view note);
+    // What went wrong with the server itself.
+    void trouble(std::string_view sentence);
     // Answers the reference under which the line can be found.
     std::string failure(std::string_view path, std::string_view text);
 

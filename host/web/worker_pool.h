@@ -1,63 +1,51 @@
 #pragma once
 
-#include <httplib.h>
-
 #include <condition_variable>
+#include <cstddef>
+#include <cstdint>
 #include <deque>
+#include <functional>
 #include <mutex>
 #include <thread>
 #include <vector>
 
 namespace orvo::web {
 
-// The workers that connections are given to, in the order in which they came. Behind the seam of
-// http_server.cpp.
-class WorkerPool : public httplib::TaskQueue {
+// Threads that carry out jobs in the order in which they came. Jobs of one kind, those that may
+// wait for something outside, are carried out by a share of the threads at most. Any thread.
+class WorkerPool {
 public:
-    explicit WorkerPool(int workers) {
-        for (int i = 0; i < workers; ++i) threads_.emplace_back([this] { work(); });
-    }
+    using Job = std::function<void()>;  // must not raise
 
-    void enqueue(std::function<void()> job) override {
-        {
-            const std::lock_guard guard(lock_);
-            jobs_.push_back(std::move(job));
-            waiting_ = jobs_.size();
-        }
-        changed_.notify_one();
-    }
-    void shutdown() override {
-        {
-            const std::lock_guard guard(lock_);
-            is_ending_ = true;
-        }
-        changed_.notify_all();
-        for (std::thread& thread : threads_) thread.join();
-    }
+    // most_waiting: jobs of either kind that no worker has taken yet.
+    WorkerPool(int workers, int most_limited, std::size_t most_waiting);
+    // Carries out what waits, and waits for it.
+    ~WorkerPool();
+    WorkerPool(const WorkerPool&) = delete;
+    WorkerPool& operator=(const WorkerPool&) = delete;
 
-    // How many connections no worker has taken yet.
-    std::size_t waiting() const { return waiting_; }
+    // False where too many wait already: the job is not carried out.
+    bool try_add(Job job, bool is_limited = false);
 
 private:
-    void work() {
-        while (true) {
-            std::function<void()> job;
-            {
-                std::unique_lock guard(lock_);
-                changed_.wait(guard, [&] { return !jobs_.empty() || is_ending_; });
-                if (jobs_.empty()) return;
-                job = std::move(jobs_.front());
-                jobs_.pop_front();
-                waiting_ = jobs_.size();
-            }
-            job();
-        }
-    }
+    struct Waiting {
+        std::uint64_t number;  // in the order of arrival
+        Job job;
+    };
+    using Queue = std::deque<Waiting>;
 
+    void work();
+    // The queue whose first job is next; null where none may be carried out now.
+    Queue* next();
+
+    const int most_limited_;
+    const std::size_t most_waiting_;
     std::mutex lock_;
     std::condition_variable changed_;
-    std::deque<std::function<void()>> jobs_;
-    std::atomic<std::size_t> waiting_ = 0;
+    Queue ordinary_;
+    Queue limited_;
+    int running_limited_ = 0;
+    std::uint64_t added_ = 0;
     bool is_ending_ = false;
     std::vector<std::thread> threads_;
 };

@@ -35,9 +35,9 @@ TEST(DirectoryHealth, DoesNotWaitForADirectoryThatIsSilent) {
             [&] {
                 while (!may_end) std::this_thread::sleep_for(1ms);
             },
-            50ms);
-        EXPECT_EQ(health.trouble(), "The directory does not answer.");
-        EXPECT_EQ(health.trouble(), "The directory does not answer.");
+            100ms);
+        // One waits for all that ask within two seconds.
+        for (int i = 0; i < 100; ++i) EXPECT_EQ(health.trouble(), "The directory does not answer.");
         may_end = true;
     }
     EXPECT_LT(std::chrono::steady_clock::now() - begin, 5s);

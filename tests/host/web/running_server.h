@@ -9,11 +9,19 @@ namespace orvo::web {
 // A server on a free port of the loopback address, on a thread of its own, as long as this lives.
 class RunningServer {
 public:
-    RunningServer(ServerOptions options, HttpServer::Handler handler)
-        : server_(std::move(options), std::move(handler)), thread_([this] { server_.run(); }) {}
+    RunningServer(ServerOptions options, HttpServer::Handler handler, ServerHooks hooks = {})
+        : server_(std::move(options), std::move(handler), std::move(hooks)),
+          thread_([this] { was_all_answered_ = server_.run(); }) {}
     ~RunningServer() {
         server_.stop();
+        if (thread_.joinable()) thread_.join();
+    }
+
+    void stop() { server_.stop(); }
+    // What run() returned. Waits for that.
+    bool was_all_answered() {
         thread_.join();
+        return was_all_answered_;
     }
 
     int port() const { return server_.port(); }
@@ -21,6 +29,7 @@ public:
 
 private:
     HttpServer server_;
+    bool was_all_answered_ = false;
     std::thread thread_;
 };
 

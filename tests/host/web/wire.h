@@ -51,6 +51,21 @@ public:
             all.append(bytes.data(), static_cast<std::size_t>(count));
         }
     }
+    // Until these bytes have come, or the other side closes. What follows them is read by the next
+    // call.
+    std::string read_until(std::string_view end) {
+        std::string all;
+        char byte = 0;
+        while (!all.ends_with(end) && recv(socket_, &byte, 1, 0) == 1) all += byte;
+        return all;
+    }
+    // So many bytes, or fewer where the other side closes.
+    std::string read(std::size_t count) {
+        std::string all(count, '\0');
+        const ssize_t done = recv(socket_, all.data(), count, MSG_WAITALL);
+        all.resize(done > 0 ? static_cast<std::size_t>(done) : 0);
+        return all;
+    }
     std::string ask(std::string_view request) {
         send(request);
         return read_all();
