@@ -6,6 +6,7 @@
 
 #include "platform/values/environment.h"
 #include "suite/configuration/ini_files.h"
+#include "suite/configuration/value_reference.h"
 
 namespace orvo {
 
@@ -87,7 +88,7 @@ void SuiteConfiguration::LoadConfigurationFile(const Text& path) {
 }
 
 Variant SuiteConfiguration::ReadConfigValue(Text& section, Text& key) {
-    const Text* value = find(section, key);
+    const std::optional<Text> value = find(section, key);
     return value ? Variant(*value) : Variant();
 }
 
@@ -107,7 +108,7 @@ void SuiteConfiguration::LoadSiteConfig(bool reload) {
 }
 
 std::int32_t SuiteConfiguration::GetValue2(Text& section, Text& key, Variant& value) {
-    const Text* found = find(section, key);
+    const std::optional<Text> found = find(section, key);
     if (!found) return 1;
     try {
         value = with_kind(value.kind(), Variant(*found));
@@ -120,10 +121,18 @@ std::int32_t SuiteConfiguration::GetValue2(Text& section, Text& key, Variant& va
     return 0;
 }
 
-const Text* SuiteConfiguration::find(const Text& section, const Text& key) const {
-    for (const auto& layer : layers_ | std::views::reverse)
-        if (const Text* value = layer.values->find(section, key)) return value;
-    return nullptr;
+std::optional<Text> SuiteConfiguration::find(const Text& section, const Text& key) const {
+    for (const auto& layer : layers_ | std::views::reverse) {
+        const Text* value = layer.values->find(section, key);
+        if (!value) continue;
+        try {
+            return referred_value(*value, layer.file.parent_path());
+        } catch (Failure& failure) {
+            failure.description = u"[" + section + u"] " + key + u": " + failure.description;
+            throw;
+        }
+    }
+    return std::nullopt;
 }
 
 bool SuiteConfiguration::is_loaded(const fs::path& file) const {

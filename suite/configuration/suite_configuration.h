@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "component/config/configuration_contract.h"
@@ -22,6 +23,9 @@ class IniValues;
 // is loaded again takes its place on top anew, and what it no longer says is gone. A file that
 // cannot be loaded raises (numbers and texts: ini_files.h) and leaves everything as it was. In a
 // path "\" means "/"; a relative path begins at the process's current folder.
+//
+// A value may refer to a file, a credential or a variable (value_reference.h), which is looked up
+// each time the value is asked for.
 //
 // One object belongs to one thread; what was read of a file is shared by all objects of the
 // process.
@@ -46,7 +50,8 @@ private:
         std::shared_ptr<const IniValues> values;
     };
 
-    const Text* find(const Text& section, const Text& key) const;
+    // Raises what referred_value does, with the names of section and key.
+    std::optional<Text> find(const Text& section, const Text& key) const;
     bool is_loaded(const std::filesystem::path& file) const;
     void lay_on_top(const std::filesystem::path& file, std::shared_ptr<const IniValues> values);
 

@@ -287,5 +287,65 @@ TEST_F(SuiteConfigurationTest, ASectionAndAKeyAreNeverTakenForOneAnother) {
     EXPECT_EQ(value_of(configuration, u"a", u"b.c"), Variant(u"2"));
 }
 
+class ValueElsewhere : public testing::Test {
+protected:
+    // What "[MEMBERSHIP] MemScriptCode = value" gives.
+    Variant code(const std::string& value) {
+        folder_.write("site.ini", "[MEMBERSHIP]\nMemScriptCode = " + value + "\n");
+        SuiteConfiguration configuration;
+        configuration.LoadConfigurationFile(text_of(folder_.path() / "site.ini"));
+        return value_of(configuration, u"MEMBERSHIP", u"MemScriptCode");
+    }
+    void expect_refusal(const std::string& value, std::int32_t number, const std::string& reason) {
+        expect_failure([&] { code(value); }, number, "[MEMBERSHIP] MemScriptCode: " + reason);
+    }
+
+    TempFolder folder_;
+};
+
+TEST_F(ValueElsewhere, StandsInAFileAsItsOnlyLine) {
+    for (const std::string content : {"s3cret = ;x", "s3cret = ;x\n", "s3cret = ;x\r\n"}) {
+        const fs::path file = folder_.write("code", content);
+        EXPECT_EQ(code("@file:" + file.string()), Variant(u"s3cret = ;x"));
+        EXPECT_EQ(code("@file:code"), Variant(u"s3cret = ;x")) << "beside the configuration";
+    }
+    folder_.write("code", "changed\n");
+    EXPECT_EQ(code("@file:code"), Variant(u"changed"));
+    folder_.write("code", "");
+    EXPECT_EQ(code("@file:code"), Variant(u""));
+}
+
+TEST_F(ValueElsewhere, StandsInACredentialOrInAVariable) {
+    const Environment variable("SHOP_SERVICE_CODE", "from-variable");
+    EXPECT_EQ(code("@env:SHOP_SERVICE_CODE"), Variant(u"from-variable"));
+    const fs::path file = folder_.write("service", "from-credential\n");
+    const Environment folder("CREDENTIALS_DIRECTORY", folder_.path().string());
+    EXPECT_EQ(code("@credential:service"), Variant(u"from-credential"));
+}
+
+TEST_F(ValueElsewhere, ThatIsNotThereIsRefusedByName) {
+    const std::string folder = folder_.path().string();
+    const Environment none("CREDENTIALS_DIRECTORY", std::nullopt);
+    const Environment unset("SHOP_SERVICE_CODE", std::nullopt);
+    expect_refusal("@file:code", 53, folder + "/code: there is no such file");
+    expect_refusal("@file:" + folder, 75, folder + ": this is not a file");
+    expect_refusal("@env:SHOP_SERVICE_CODE", 53, "the variable SHOP_SERVICE_CODE is not set");
+    expect_refusal("@credential:service", 53,
+                   "there are no credentials: CREDENTIALS_DIRECTORY is not set");
+    const Environment credentials("CREDENTIALS_DIRECTORY", folder);
+    expect_refusal("@credential:../code", error_number(0x80040201),
+                   "\"../code\" is no name of a credential");
+    for (const std::string content : {"one\ntwo\n", "one\rtwo", "\xFF"}) {
+        folder_.write("code", content);
+        expect_refusal("@file:code", error_number(0x80040201),
+                       folder + "/code: it is not one line of text");
+    }
+}
+
+TEST_F(ValueElsewhere, OtherValuesWithTheSignAreThemselves) {
+    for (const std::string value : {"@", "@file", "@file:", "@@file:x", "x@env:HOME", "@FILE:x"})
+        EXPECT_EQ(code(value), Variant(from_utf8(value)));
+}
+
 }  // namespace
 }  // namespace orvo
