@@ -55,7 +55,7 @@ EntryData base_entry(const Schema& schema, const std::string& base) {
 
 }  // namespace
 
-void create_store(const CreateRequest& request) {
+void make_store(const CreateRequest& request) {
     const auto schema = std::make_shared<const Schema>(schema_for(request));
     LdifRecord base{.entry = base_entry(*schema, request.base)};
     const std::string access = request.access.empty() ? AccessRules::text_of_product(request.base)
@@ -73,6 +73,10 @@ void create_store(const CreateRequest& request) {
         std::filesystem::remove(request.store);
         throw;
     }
+}
+
+void create_store(const CreateRequest& request) {
+    make_store(request);
     std::cout << request.store.string() << ": made, with the entry " << request.base << ".\n";
 }
 

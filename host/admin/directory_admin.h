@@ -15,13 +15,15 @@ namespace orvo::admin {
 
 struct CreateRequest {
     std::filesystem::path store;
-    std::string base;                            // "o=Shop"
-    std::vector<std::filesystem::path> schemas;  // beside the product's own
+    std::string base;                                 // "o=Shop"
+    std::vector<std::filesystem::path> schemas = {};  // beside the product's own
     // Without orvo-standalone.schema, whose Manager is another one than that of cosine.
     bool without_standalone = false;
-    std::filesystem::path access;  // the text of the access rules; empty: the product's
+    std::filesystem::path access = {};  // the text of the access rules; empty: the product's
 };
 void create_store(const CreateRequest& request);
+// The same, and prints nothing.
+void make_store(const CreateRequest& request);
 
 struct ImportRequest {
     std::filesystem::path store;

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "host/admin/directory_admin.h"
+#include "host/admin/init_site.h"
 #include "host/admin/texts.h"
 
 namespace {
@@ -39,6 +40,15 @@ struct CommandLine {
         copy->add_option("FILE", target, "The new file")->required();
         show->add_option("NAME", name, "The name of an entry; without it, a summary");
 
+        start->add_option("--site", init.site, "The site's settings (site.ini)");
+        start
+            ->add_option("--data", init.data,
+                         "The folder of the directory, where there are no settings yet")
+            ->capture_default_str();
+        start->add_option("--administrator", init.administrator, "The first user")
+            ->capture_default_str();
+        start->add_option("--owner", init.owner, "Whose files they are to be (root alone)");
+
         set->add_option("--access", change.access, "A file with access rules");
         set->add_option("--policy", policy,
                         "The password policy of users without one: a name, "
@@ -49,7 +59,9 @@ struct CommandLine {
 
     // The exit code.
     int run() {
-        if (*make) {
+        if (*start) {
+            init_site(init);
+        } else if (*make) {
             create.store = store;
             create_store(create);
         } else if (*load) {
@@ -72,6 +84,8 @@ struct CommandLine {
     }
 
     CLI::App app{"Looks after the component's directory.", "orvo"};
+    CLI::App* start = app.add_subcommand(
+        "init", "Make a site's settings, embedded directory and first administrator");
     CLI::App* directory = app.add_subcommand("directory", "The embedded directory's file");
     CLI::App* make = directory->add_subcommand("create", "Make a new one");
     CLI::App* load = directory->add_subcommand("import", "Load an LDIF file, all of it or nothing");
@@ -82,6 +96,7 @@ struct CommandLine {
     CLI::App* set = directory->add_subcommand("set", "Change access rules and password policy");
 
     std::string store, target, name, policy;
+    InitRequest init;
     CreateRequest create;
     ImportRequest import;
     SetRequest change;

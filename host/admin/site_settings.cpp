@@ -1,0 +1,46 @@
+#include "host/admin/site_settings.h"
+
+#include <stdexcept>
+
+#include "platform/values/environment.h"
+#include "suite/configuration/ini_files.h"
+
+namespace orvo::admin {
+namespace {
+
+std::string read(const SiteSettings& site, const IniValues& values, TextView key) {
+    const Text* value = values.find(u"MEMBERSHIP", key);
+    if (!value || value->empty())
+        throw std::runtime_error(site.file.string() + " does not say " + to_utf8(key) +
+                                 " in [MEMBERSHIP]");
+    return to_utf8(*value);
+}
+
+}  // namespace
+
+std::filesystem::path usual_site() {
+    const Text named = environment_variable("ORVO_SITE_CONFIG");
+    return named.empty() ? std::filesystem::path("/etc/orvo/site.ini") : path_of(named);
+}
+
+SiteSettings read_site_settings(const std::filesystem::path& file) {
+    const std::shared_ptr<const IniValues> values = load_ini_file(file);
+    SiteSettings site;
+    site.file = file;
+    const auto of = [&](TextView key) { return read(site, *values, key); };
+    site.provider = of(u"PlugableModuleImplementation");
+    site.server = of(u"LDAPServer");
+    site.root = of(u"LDAPRoot");
+    site.users = of(u"UserContainer");
+    site.profiles = of(u"ProfileContainer");
+    site.accounts = of(u"AccountContainer");
+    site.service = of(u"MemScriptUser");
+    site.service_code = of(u"MemScriptCode");
+    for (const Text& name : split(from_utf8(of(u"UserClass")), u","))
+        site.user_classes.push_back(to_utf8(trimmed(name)));
+    site.account_class = of(u"AccountClass");
+    site.naming_attribute = of(u"UserNamingAttribute");
+    return site;
+}
+
+}  // namespace orvo::admin

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace orvo::admin {
+
+// What a site's settings say of its directory (section MEMBERSHIP), in UTF-8.
+struct SiteSettings {
+    std::filesystem::path file;  // the settings themselves
+    std::string provider;        // PlugableModuleImplementation
+    std::string server;          // LDAPServer: of the embedded directory, its file
+    std::string root;            // LDAPRoot
+    // Relative to the root.
+    std::string users, profiles, accounts, service;
+    std::vector<std::string> user_classes;
+    std::string account_class;
+    std::string naming_attribute;  // of users
+    // MemScriptCode as it is written: "@file:service.code"
+    std::string service_code;
+};
+
+// Where the component looks for the site's settings: ORVO_SITE_CONFIG, otherwise
+// /etc/orvo/site.ini.
+std::filesystem::path usual_site();
+
+// Raises std::exception for a file that cannot be read or lacks one of these.
+SiteSettings read_site_settings(const std::filesystem::path& file);
+
+}  // namespace orvo::admin
