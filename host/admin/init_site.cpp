@@ -15,6 +15,7 @@
 
 #include "host/admin/directory_admin.h"
 #include "host/admin/site_settings.h"
+#include "suite/configuration/suite_configuration.h"
 #include "suite/configuration/value_reference.h"
 #include "suite/directory/embedded/directory/directory.h"
 #include "suite/directory/embedded/transfer/loader.h"
@@ -259,7 +260,7 @@ void hand_over(const std::string& owner, const Made& made) {
 }  // namespace
 
 void init_site(const InitRequest& request) {
-    const fs::path settings = fs::absolute(request.site.empty() ? usual_site() : request.site);
+    const fs::path settings = fs::absolute(request.site.empty() ? usual_site_file() : request.site);
     Made made;
     const bool has_settings = fs::exists(settings);
     if (!has_settings)

@@ -2,7 +2,6 @@
 
 #include <stdexcept>
 
-#include "platform/values/environment.h"
 #include "suite/configuration/ini_files.h"
 
 namespace orvo::admin {
@@ -17,11 +16,6 @@ std::string read(const SiteSettings& site, const IniValues& values, TextView key
 }
 
 }  // namespace
-
-std::filesystem::path usual_site() {
-    const Text named = environment_variable("ORVO_SITE_CONFIG");
-    return named.empty() ? std::filesystem::path("/etc/orvo/site.ini") : path_of(named);
-}
 
 SiteSettings read_site_settings(const std::filesystem::path& file) {
     const std::shared_ptr<const IniValues> values = load_ini_file(file);

@@ -21,10 +21,6 @@ struct SiteSettings {
     std::string service_code;
 };
 
-// Where the component looks for the site's settings: ORVO_SITE_CONFIG, otherwise
-// /etc/orvo/site.ini.
-std::filesystem::path usual_site();
-
 // Raises std::exception for a file that cannot be read or lacks one of these.
 SiteSettings read_site_settings(const std::filesystem::path& file);
 

@@ -8,6 +8,7 @@
 #include "host/web/stop_signals.h"
 #include "host/web/web_app.h"
 #include "platform/values/failure.h"
+#include "suite/configuration/suite_configuration.h"
 
 namespace {
 
@@ -17,6 +18,8 @@ void serve(const Options& options) {
     hold_stop_signals();
     Site site = read_site(options.site);
     set_up_directory(site);
+    if (const auto warning = warning_of_open_password(orvo::usual_site_file()); !warning.empty())
+        std::cerr << "orvo-web: " << warning << std::endl;
     MemorySessions sessions({.timeout = site.session_timeout, .absolute = site.session_lifetime});
     DirectoryHealth health;
     WebLog log(options.access_log);

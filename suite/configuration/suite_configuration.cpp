@@ -28,7 +28,7 @@ fs::path in_current_folder(const fs::path& path) {
 }
 
 // Windows names the folder for the settings of all users in a variable.
-fs::path usual_site_file() {
+fs::path system_site_file() {
     const Text folder = environment_variable("ProgramData");
     return (folder.empty() ? fs::path("/etc") : path_of(folder)) / "orvo" / "site.ini";
 }
@@ -37,7 +37,7 @@ SiteFile site_file(const fs::path& given) {
     if (!given.empty()) return {given};
     const Text named = environment_variable(site_variable);
     if (!named.empty()) return {in_current_folder(path_of(named))};
-    return {usual_site_file(), true};
+    return {system_site_file(), true};
 }
 
 bool is_absent(const fs::path& file) {
@@ -68,6 +68,8 @@ Variant with_kind(Kind kind, const Variant& text) {
 }
 
 }  // namespace
+
+fs::path usual_site_file() { return site_file({}).path; }
 
 Text SuiteConfiguration::GetFolder() {
     Text folder = text_of(site_file(given_site_file_).path.parent_path());

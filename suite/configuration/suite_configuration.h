@@ -14,10 +14,13 @@ namespace orvo {
 
 class IniValues;
 
-// The site's file is the one last given to LoadSiteConfigurationFile; before that, the one that the
-// environment variable ORVO_SITE_CONFIG names (it must exist then); without the variable
-// /etc/orvo/site.ini (on Windows orvo\site.ini in %ProgramData%), which may be absent: nothing is
-// loaded then, and nothing is wrong.
+// The file that the environment variable ORVO_SITE_CONFIG names; without it /etc/orvo/site.ini (on
+// Windows orvo\site.ini in %ProgramData%). It need not be there.
+std::filesystem::path usual_site_file();
+
+// The site's file is the one last given to LoadSiteConfigurationFile; before that, the usual one.
+// Where the variable names it, it must be there; otherwise it may be absent: nothing is loaded
+// then, and nothing is wrong.
 //
 // Files are laid one over the other in the order they were loaded, the last one on top; a file that
 // is loaded again takes its place on top anew, and what it no longer says is gone. A file that

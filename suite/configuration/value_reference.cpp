@@ -1,5 +1,6 @@
 #include "suite/configuration/value_reference.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -14,6 +15,9 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t largest_value = 64 * 1024;
+constexpr TextView file_word = u"@file:";
+constexpr TextView credential_word = u"@credential:";
+constexpr TextView words[] = {file_word, credential_word, u"@env:"};
 
 [[noreturn]] void refuse(std::int32_t number, const Text& reason) {
     throw Failure(number, Text(configuration_source), reason);
@@ -41,38 +45,41 @@ Text line_of(const fs::path& file) {
     return value;
 }
 
-std::string variable_name(TextView name) {
-    if (name.empty() || name.find(u'=') != TextView::npos || name.find(u'\0') != TextView::npos)
-        refuse(configuration_error::malformed_file, u"\"@env:\" needs the name of a variable");
-    return to_utf8(name);
+fs::path credential(TextView name) {
+    const Text folder = environment_variable("CREDENTIALS_DIRECTORY");
+    if (folder.empty())
+        refuse(configuration_error::file_not_found,
+               u"there are no credentials: CREDENTIALS_DIRECTORY is not set");
+    if (name.find_first_of(u"/\\") != TextView::npos)
+        refuse(configuration_error::malformed_file,
+               u"\"" + Text(name) + u"\" is no name of a credential");
+    return path_of(folder) / path_of(name);
+}
+
+Text variable(TextView name) {
+    if (name.find_first_of(TextView(u"=\0", 2)) != TextView::npos)
+        refuse(configuration_error::malformed_file,
+               u"\"" + Text(name) + u"\" is no name of a variable");
+    const std::string narrow = to_utf8(name);
+    if (!std::getenv(narrow.c_str()))
+        refuse(configuration_error::file_not_found, u"the variable " + Text(name) + u" is not set");
+    return environment_variable(narrow.c_str());
 }
 
 }  // namespace
 
+bool is_reference(TextView configured) {
+    return std::ranges::any_of(words, [&](TextView word) {
+        return configured.starts_with(word) && configured.size() > word.size();
+    });
+}
+
 Text referred_value(TextView configured, const fs::path& folder) {
-    const auto behind = [&](TextView word) {
-        return configured.starts_with(word) ? configured.substr(word.size()) : TextView();
-    };
-    if (const TextView file = behind(u"@file:"); !file.empty())
-        return line_of(folder / path_of(file));
-    if (const TextView name = behind(u"@credential:"); !name.empty()) {
-        const Text credentials = environment_variable("CREDENTIALS_DIRECTORY");
-        if (credentials.empty())
-            refuse(configuration_error::file_not_found,
-                   u"there are no credentials: CREDENTIALS_DIRECTORY is not set");
-        if (name.find_first_of(u"/\\") != TextView::npos)
-            refuse(configuration_error::malformed_file,
-                   u"\"" + Text(name) + u"\" is no name of a credential");
-        return line_of(path_of(credentials) / path_of(name));
-    }
-    if (const TextView name = behind(u"@env:"); !name.empty()) {
-        const std::string variable = variable_name(name);
-        if (!std::getenv(variable.c_str()))
-            refuse(configuration_error::file_not_found,
-                   u"the variable " + Text(name) + u" is not set");
-        return environment_variable(variable.c_str());
-    }
-    return Text(configured);
+    if (!is_reference(configured)) return Text(configured);
+    const TextView behind = configured.substr(configured.find(u':') + 1);
+    if (configured.starts_with(file_word)) return line_of(folder / path_of(behind));
+    if (configured.starts_with(credential_word)) return line_of(credential(behind));
+    return variable(behind);
 }
 
 }  // namespace orvo

@@ -14,6 +14,9 @@
 
 namespace orvo {
 
+// Whether a configured value stands elsewhere.
+bool is_reference(TextView configured);
+
 // What a configured value stands for: itself, or what it refers to. A relative file is looked for
 // in `folder`. Raises file_not_found, file_not_readable or malformed_file with a sentence that
 // names what was looked for, and never shows what it holds. Any thread, while no other one changes
