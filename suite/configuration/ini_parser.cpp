@@ -6,12 +6,16 @@
 namespace orvo {
 
 const Text* IniValues::find(TextView section, TextView key) const {
-    const auto found = values_.find({lower(section), lower(key)});
-    return found == values_.end() ? nullptr : &found->second;
+    const auto found = places_.find({lower(section), lower(key)});
+    return found == places_.end() ? nullptr : &keys_[found->second].value;
 }
 
-bool IniValues::add(TextView section, TextView key, Text value) {
-    return values_.try_emplace({lower(section), lower(key)}, std::move(value)).second;
+long long IniValues::add(IniKey key) {
+    const auto [place, is_new] =
+        places_.try_emplace({lower(key.section), lower(key.name)}, keys_.size());
+    if (!is_new) return keys_[place->second].line;
+    keys_.push_back(std::move(key));
+    return 0;
 }
 
 namespace {
@@ -59,6 +63,7 @@ private:
         const auto behind = stripped(content.substr(end + 1));
         if (!behind.empty() && !is_comment(behind)) return u"there is text behind \"]\"";
         section_ = from_utf8(name);
+        values_.open({section_, line_});
         return {};
     }
 
@@ -69,18 +74,16 @@ private:
         const Text key = from_utf8(stripped(content.substr(0, separator)));
         if (section_.empty()) return u"the key stands outside any [section]";
         if (key.empty()) return u"the key has no name";
-        const auto [first, is_new] = first_lines_.try_emplace({lower(section_), lower(key)}, line_);
-        if (!is_new)
+        const Text value = from_utf8(stripped(content.substr(separator + 1)));
+        if (const long long first = values_.add({section_, key, value, line_}))
             return u"\"" + key + u"\" is given twice in [" + section_ + u"], first on line " +
-                   decimal(first->second);
-        values_.add(section_, key, from_utf8(stripped(content.substr(separator + 1))));
+                   decimal(first);
         return {};
     }
 
     long long line_ = 0;
     Text section_;
     IniValues values_;
-    std::map<std::pair<Text, Text>, long long> first_lines_;
 };
 
 }  // namespace

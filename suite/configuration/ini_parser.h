@@ -21,6 +21,7 @@
 #include <map>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "platform/values/failure.h"
 #include "platform/values/text.h"
@@ -39,16 +40,39 @@ inline constexpr std::int32_t malformed_file = error_number(0x80040201);
 // Every failure of the configuration component carries this source.
 inline constexpr TextView configuration_source = u"Quendra.Configuration";
 
+// One key of a file, as it is spelled there; lines count from 1.
+struct IniKey {
+    Text section;
+    Text name;
+    Text value;
+    long long line = 0;
+    bool operator==(const IniKey&) const = default;
+};
+
+// Where a file opens a section.
+struct IniSection {
+    Text name;
+    long long line = 0;
+    bool operator==(const IniSection&) const = default;
+};
+
 class IniValues {
 public:
     // Null when there is no such key.
     const Text* find(TextView section, TextView key) const;
-    // Whether the key was new; the value of one that was not stays.
-    bool add(TextView section, TextView key, Text value);
+    // In the file's order.
+    const std::vector<IniKey>& keys() const { return keys_; }
+    const std::vector<IniSection>& sections() const { return sections_; }
+
+    void open(IniSection section) { sections_.push_back(std::move(section)); }
+    // The line of a key of this name that is there already, which stays; 0 where the key is new.
+    long long add(IniKey key);
     bool operator==(const IniValues&) const = default;
 
 private:
-    std::map<std::pair<Text, Text>, Text> values_;
+    std::map<std::pair<Text, Text>, std::size_t> places_;  // in keys_, by names in lower case
+    std::vector<IniKey> keys_;
+    std::vector<IniSection> sections_;
 };
 
 // Reads the text of the file called `name` (for messages only). Raises

@@ -113,7 +113,14 @@ INSTANTIATE_TEST_SUITE_P(Ini, RefusedFile, testing::ValuesIn(refused_files),
 
 TEST(Ini, AnEmptyFileHasNoValues) {
     EXPECT_EQ(parse_ini("", u"site.ini"), IniValues{});
-    EXPECT_EQ(parse_ini("\n\r\n; a\n# b\n[s]\n", u"site.ini"), IniValues{});
+    EXPECT_TRUE(parse_ini("\n\r\n; a\n# b\n[s]\n", u"site.ini").keys().empty());
+}
+
+TEST(Ini, KeysAndSectionsAreToldAsTheyAreSpelledAndWhere) {
+    const IniValues values = parse_ini("; c\n[One]\nKey = a\n[two]\n\nb:\n[ONE]\n", u"site.ini");
+    EXPECT_EQ(values.keys(), (std::vector<IniKey>{{u"One", u"Key", u"a", 3}, {u"two", u"b", u"", 6}}));
+    EXPECT_EQ(values.sections(),
+              (std::vector<IniSection>{{u"One", 2}, {u"two", 4}, {u"ONE", 7}}));
 }
 
 TEST(Ini, AByteOrderMarkIsNoPartOfTheFirstName) {
