@@ -1,32 +1,14 @@
 #include "host/web/named_values.h"
 
 #include <algorithm>
-#include <thread>
 
 #include "platform/interfaces/late_call.h"
+#include "platform/interfaces/sharing.h"
 #include "platform/values/failure.h"
 #include "platform/values/values.h"
 
 namespace orvo::web {
 namespace {
-
-auto by_name(TextView name) {
-    return [name](const auto& entry) { return equal_ignoring_case(entry.first, name); };
-}
-
-// An object says itself whether it serves other threads: it answers a call from one.
-bool serves_any_thread(const Object& object) {
-    bool serves = true;
-    std::thread([&] {
-        try {
-            late::value_of(object);
-        } catch (const Failure& failure) {
-            // Any other failure shows that the call arrived.
-            serves = failure.number != wrong_thread;
-        }
-    }).join();
-    return serves;
-}
 
 bool is_keepable(const Variant& value) {
     if (value.is_array()) {
@@ -48,33 +30,44 @@ std::size_t size_of(const Variant& value) {
     return size;
 }
 
+std::size_t size_of(const std::pair<Text, Variant>& entry) {
+    constexpr std::size_t of_an_entry = 100;
+    return of_an_entry + entry.first.size() * 4 + size_of(entry.second);
+}
+
 }  // namespace
 
 Variant NamedValues::get(TextView name) const {
-    const auto found = std::ranges::find_if(entries_, by_name(name));
-    return found == entries_.end() ? Variant() : found->second;
+    const auto found = places_.find(lower(name));
+    return found == places_.end() ? Variant() : entries_[found->second].second;
 }
 
 void NamedValues::put(TextView name, Variant value) {
-    const auto found = std::ranges::find_if(entries_, by_name(name));
-    if (found == entries_.end())
-        entries_.emplace_back(name, std::move(value));
+    const auto [place, is_new] = places_.try_emplace(lower(name), entries_.size());
+    if (is_new)
+        entries_.emplace_back(name, Variant());
     else
-        found->second = std::move(value);
+        size_ -= size_of(entries_[place->second]);
+    auto& entry = entries_[place->second];
+    entry.second = std::move(value);
+    size_ += size_of(entry);
 }
 
-void NamedValues::remove(TextView name) { std::erase_if(entries_, by_name(name)); }
+void NamedValues::remove(TextView name) {
+    const auto found = places_.find(lower(name));
+    if (found == places_.end()) return;
+    const std::size_t place = found->second;
+    size_ -= size_of(entries_[place]);
+    entries_.erase(entries_.begin() + static_cast<std::ptrdiff_t>(place));
+    places_.erase(found);
+    for (auto& [other, other_place] : places_)
+        if (other_place > place) --other_place;
+}
 
 std::vector<Text> NamedValues::names() const {
     std::vector<Text> names;
     for (const auto& [name, value] : entries_) names.push_back(name);
     return names;
-}
-
-std::size_t NamedValues::size() const {
-    std::size_t size = 0;
-    for (const auto& [name, value] : entries_) size += name.size() * 2 + size_of(value);
-    return size;
 }
 
 void require_keepable(const Variant& value, TextView holder, TextView name) {

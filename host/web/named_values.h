@@ -2,6 +2,7 @@
 
 // What pages keep in the session and in the application: values by name.
 
+#include <unordered_map>
 #include <vector>
 
 #include "platform/values/variant.h"
@@ -16,15 +17,17 @@ public:
     Variant get(TextView name) const;
     void put(TextView name, Variant value);
     void remove(TextView name);
-    void remove_all() { entries_.clear(); }
+    void remove_all() { *this = {}; }
     std::size_t count() const { return entries_.size(); }
     const Text& name_at(std::size_t index) const { return entries_[index].first; }
     std::vector<Text> names() const;
-    // Characters and elements held, roughly in bytes.
-    std::size_t size() const;
+    // What they hold, roughly in bytes.
+    std::size_t size() const { return size_; }
 
 private:
     std::vector<std::pair<Text, Variant>> entries_;
+    std::unordered_map<Text, std::size_t> places_;  // by name in lower case
+    std::size_t size_ = 0;
 };
 
 // Raises 5 for a value that only the thread that made it may use, with a text that says what may be

@@ -38,11 +38,11 @@ public:
     }
     std::uint32_t release_reference();
 
-    // Whether the caller's thread may use the object: the one that made it, or any for an object
-    // made for sharing.
-    bool is_called_at_home() const {
-        return home_ == std::thread::id() || home_ == std::this_thread::get_id();
-    }
+    // Made for sharing: any thread may use it.
+    bool is_shared() const { return home_ == std::thread::id(); }
+    // Whether the caller's thread may use the object: the one that made it, or any for one that is
+    // shared.
+    bool is_called_at_home() const { return is_shared() || home_ == std::this_thread::get_id(); }
     const char* source() const { return source_; }
 
     virtual std::span<Face> faces() = 0;

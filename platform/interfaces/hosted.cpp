@@ -38,6 +38,10 @@ abi::HRESULT describe_member(Face* face, abi::IUnknown* as, abi::DISPID id, std:
     return *flags != 0 ? abi::s_ok : abi::disp_e_membernotfound;
 }
 
+abi::HRESULT is_shared(Face* face) noexcept {
+    return face->core->is_shared() ? abi::s_ok : abi::s_false;
+}
+
 }  // namespace
 
 const InterfaceInfo& support_error_info() {
@@ -47,11 +51,12 @@ const InterfaceInfo& support_error_info() {
 
 const abi::Slot* support_error_info_slots() {
     static const auto slots = [] {
-        std::array<abi::Slot, slot_describe_member + 1> all;
+        std::array<abi::Slot, slot_is_shared + 1> all;
         put_standard_slots(all.data(), false);
         all[abi::slot_interface_supports_error_info] =
             reinterpret_cast<abi::Slot>(&supports_error_info);
         all[slot_describe_member] = reinterpret_cast<abi::Slot>(&describe_member);
+        all[slot_is_shared] = reinterpret_cast<abi::Slot>(&is_shared);
         return all;
     }();
     return slots.data();

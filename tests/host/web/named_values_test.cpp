@@ -11,7 +11,11 @@ namespace orvo::web {
 // Objects that answer their default value: one for its own thread, one for all.
 class Bound {
 public:
-    Text Value() { return u"bound"; }
+    Text Value() {
+        ++readings;
+        return u"bound";
+    }
+    static inline int readings = 0;
 };
 class Shared : public Bound {};
 class Speechless {
@@ -52,6 +56,7 @@ TEST(NamedValues, KeepNamesWithoutRegardToCaseInTheirOrder) {
     values.remove(u"seconD");
     EXPECT_EQ(values.count(), 1u);
     EXPECT_EQ(values.name_at(0), u"first");
+    EXPECT_EQ(values.get(u"FIRST"), Variant(u"one"));
     values.remove_all();
     EXPECT_EQ(values.count(), 0u);
 }
@@ -62,6 +67,12 @@ TEST(NamedValues, TellRoughlyHowMuchTheyHold) {
     values.put(u"b", Values{Text(1000, u'y'), 1});
     EXPECT_GT(values.size(), 4000u);
     EXPECT_LT(values.size(), 4400u);
+    values.put(u"A", u"x");
+    EXPECT_LT(values.size(), 2400u);
+    values.remove(u"b");
+    EXPECT_LT(values.size(), 300u);
+    values.remove_all();
+    EXPECT_EQ(values.size(), 0u);
 }
 
 Text refusal_of(const Variant& value) {
@@ -97,6 +108,13 @@ TEST(WhatMayBeKept, IsNoObjectOfOneThread) {
     const Variant bound = make<Bound>().object();
     EXPECT_EQ(refusal_of(bound), refusal);
     EXPECT_EQ(refusal_of(Values{1, Values{bound}}), refusal);
+}
+
+TEST(WhatMayBeKept, IsToldWithoutACallOfTheObject) {
+    Bound::readings = 0;
+    EXPECT_EQ(refusal_of(make<Shared>().object()), u"kept");
+    EXPECT_NE(refusal_of(make<Bound>().object()), u"kept");
+    EXPECT_EQ(Bound::readings, 0);
 }
 
 TEST(WhatMayBeKept, IsTheDefaultValueOfAnObjectThatIsPut) {
