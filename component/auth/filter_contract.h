@@ -54,6 +54,9 @@ inline constexpr auto table_of<FilterUser> = describe<FilterUser>(
     method<&FilterUser::Save>("Save"));
 // clang-format on
 
+// A GUID has 1 to so many characters.
+inline constexpr std::size_t longest_login_guid = 256;
+
 // Raises as a record does. GUIDs are compared exactly.
 class FilterConnector {
 public:

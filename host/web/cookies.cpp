@@ -16,19 +16,21 @@ std::string_view without_blanks(std::string_view text) {
     return text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
-void add_cookies(std::string_view header, RequestFields& cookies, std::size_t& count) {
-    while (!header.empty()) {
-        const auto end = header.find(';');
-        const auto pair = without_blanks(header.substr(0, end));
-        header.remove_prefix(end == std::string_view::npos ? header.size() : end + 1);
-        const auto equals = pair.find('=');
-        if (equals == std::string_view::npos || equals == 0) continue;
-        if (++count > most_fields) throw Refusal(400, "The request has too many cookies.");
-        auto value = pair.substr(equals + 1);
-        if (value.size() >= 2 && value.front() == '"' && value.back() == '"')
-            value = value.substr(1, value.size() - 2);
-        Text name = from_utf8(form_decoded(pair.substr(0, equals)));
-        if (!cookies.find(name)) cookies.add(std::move(name), from_utf8(form_decoded(value)));
+// Calls visit(name, value) for each cookie of a request, as they came. Raises Refusal.
+template <class Visit>
+void for_each_cookie(const HttpRequest& request, Visit visit) {
+    std::size_t count = 0;
+    for (const auto& [header, all] : request.headers) {
+        if (!equal_ascii_ignoring_case(header, "cookie")) continue;
+        for (std::string_view rest = all; !rest.empty();) {
+            const auto end = rest.find(';');
+            const auto pair = without_blanks(rest.substr(0, end));
+            rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+            const auto equals = pair.find('=');
+            if (equals == std::string_view::npos || equals == 0) continue;
+            if (++count > most_fields) throw Refusal(400, "The request has too many cookies.");
+            visit(pair.substr(0, equals), pair.substr(equals + 1));
+        }
     }
 }
 
@@ -46,10 +48,22 @@ std::string attribute(TextView text) {
 
 RequestFields cookies_of(const HttpRequest& request) {
     RequestFields cookies;
-    std::size_t count = 0;
-    for (const auto& [name, value] : request.headers)
-        if (equal_ascii_ignoring_case(name, "cookie")) add_cookies(value, cookies, count);
+    for_each_cookie(request, [&](std::string_view raw_name, std::string_view value) {
+        if (value.size() >= 2 && value.front() == '"' && value.back() == '"')
+            value = value.substr(1, value.size() - 2);
+        Text name = from_utf8(form_decoded(raw_name));
+        if (!cookies.find(name)) cookies.add(std::move(name), from_utf8(form_decoded(value)));
+    });
     return cookies;
+}
+
+std::optional<std::string_view> try_exact_cookie(const HttpRequest& request,
+                                                 std::string_view name) {
+    std::optional<std::string_view> found;
+    for_each_cookie(request, [&](std::string_view other, std::string_view value) {
+        if (!found && other == name) found = value;
+    });
+    return found;
 }
 
 std::string header_text(const OutgoingCookie& cookie) {

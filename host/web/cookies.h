@@ -15,6 +15,10 @@ namespace orvo::web {
 // most specific one first. Raises Refusal.
 RequestFields cookies_of(const HttpRequest& request);
 
+// The value of the cookie of exactly this name, both as they came: no other spelling of the name
+// passes for it. Where it comes twice the first one counts.
+std::optional<std::string_view> try_exact_cookie(const HttpRequest& request, std::string_view name);
+
 // A cookie that an answer sets. Unless a page says otherwise it lasts as long as the browser runs,
 // no script in the browser can read it, other sites' forms do not send it, and it never travels
 // without TLS once it came with TLS.

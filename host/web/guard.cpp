@@ -8,30 +8,24 @@
 namespace orvo::web {
 namespace {
 
-Text session_text(const PageContext& page, TextView name) {
-    if (!page.session()) return {};
-    const Variant value = page.session()->data().values.get(name);
-    return value.is_text() ? Text(value.text_view()) : Text();
-}
+// What a server takes that is careful, with room for the rest of the request line.
+constexpr std::size_t longest_address = 7000;
 
 }  // namespace
 
-bool is_allowed(const PageContext& page, TextView login_cookie, std::int32_t application) {
-    const auto* cookie = page.cookies.find(login_cookie);
-    const Text guid = session_text(page, u"QUENDRAID");
-    if (!cookie || guid.empty() || !equal_secretly(to_utf8(cookie->values.front()), to_utf8(guid)))
-        return false;
-    const Variant held = page.application.get(filter_connector_progid);
-    if (!held.is_object()) return false;
-    const auto connector = Ref<FilterConnector>::from(held.to<Object>());
-    if (!call<&FilterConnector::IsLoggedIn>(connector, guid, application)) return false;
-    const auto user = call<&FilterConnector::FindUserByGUID>(connector, guid);
-    return user && equal_ignoring_case(call<&FilterUser::AccountPath>(user),
-                                       session_text(page, u"REMOTE_ACCOUNT"));
+bool is_allowed(const SessionLogin& login, const Text& cookie, const Variant& connector,
+                std::int32_t application) {
+    if (login.guid.empty() || !equal_secretly(to_utf8(cookie), to_utf8(login.guid))) return false;
+    if (!connector.is_object()) return false;
+    const auto filter = Ref<FilterConnector>::from(connector.to<Object>());
+    if (!call<&FilterConnector::IsLoggedIn>(filter, login.guid, application)) return false;
+    const auto user = call<&FilterConnector::FindUserByGUID>(filter, login.guid);
+    return user && equal_ignoring_case(call<&FilterUser::AccountPath>(user), login.account);
 }
 
 std::string login_address(const Site& site, std::string_view target) {
-    return site.login_page + "?url=" + to_utf8(url_encode(from_utf8(target)));
+    const std::string address = site.login_page + "?url=" + to_utf8(url_encode(from_utf8(target)));
+    return address.size() > longest_address ? site.login_page : address;
 }
 
 }  // namespace orvo::web

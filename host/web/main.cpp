@@ -16,11 +16,13 @@ using namespace orvo::web;
 
 void serve(const Options& options) {
     hold_stop_signals();
-    Site site = read_site(options.site);
+    Site site = read_site(options.site, options.config);
     set_up_directory(site);
     if (const auto warning = warning_of_open_password(orvo::usual_site_file()); !warning.empty())
         std::cerr << "orvo-web: " << warning << std::endl;
-    MemorySessions sessions({.timeout = site.session_timeout, .absolute = site.session_lifetime});
+    MemorySessions sessions({.timeout = site.session_timeout,
+                             .absolute = site.session_lifetime,
+                             .most_bytes = site.session_memory});
     DirectoryHealth health;
     WebLog log(options.access_log);
     ServerOptions server_options = options.server;

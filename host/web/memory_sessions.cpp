@@ -10,6 +10,9 @@ struct MemorySessions::Session {
     SessionData data;
     SessionClock::time_point made;
     SessionClock::time_point last_used;
+    // As the last request left them.
+    SessionLogin login;
+    std::size_t bytes = 0;
     bool is_leased = true;
     bool is_dropped = false;
     Order* order = nullptr;
@@ -46,6 +49,14 @@ private:
     bool is_abandoned_ = false;
 };
 
+SessionLogin login_in(const NamedValues& values) {
+    const auto text = [&](TextView name) {
+        const Variant value = values.get(name);
+        return value.is_text() ? Text(value.text_view()) : Text();
+    };
+    return {text(u"QUENDRAID"), text(u"REMOTE_ACCOUNT")};
+}
+
 MemorySessions::MemorySessions(SessionLimits limits, std::function<SessionClock::time_point()> now)
     : limits_(limits), now_(std::move(now)) {}
 
@@ -72,21 +83,47 @@ std::unique_ptr<SessionLease> MemorySessions::open(const std::string& id,
 std::unique_ptr<SessionLease> MemorySessions::create() {
     auto session = std::make_shared<Session>();
     session->id = random_token();
-    session->data.timeout = limits_.timeout;
     session->data.form_token = random_token();
     const std::lock_guard guard(lock_);
-    make_room();
+    session->data.timeout = limits_.timeout;
+    drop_ended();
+    if (sessions_.size() >= limits_.most) {
+        const auto victim = oldest();
+        if (!victim) throw Refusal(503, "There are too many sessions.");
+        drop(victim);
+    }
     session->made = session->last_used = now_();
     session->data.public_id = decimal(static_cast<long long>(++made_));
-    session->order = &unused_;
-    session->place = unused_.insert(unused_.end(), session);
+    session->order = &orders_.front();
+    session->place = session->order->insert(session->order->end(), session);
     sessions_.emplace(session->id, session);
     return std::make_unique<Lease>(*this, session);
+}
+
+SessionLogin MemorySessions::login_of(const std::string& id) {
+    const std::lock_guard guard(lock_);
+    const auto found = sessions_.find(id);
+    if (found == sessions_.end()) return {};
+    Session& session = *found->second;
+    if (!session.is_leased && has_ended(session)) return {};
+    session.last_used = now_();
+    session.order->splice(session.order->end(), *session.order, session.place);
+    return session.login;
+}
+
+void MemorySessions::set_limits(const SessionLimits& limits) {
+    const std::lock_guard guard(lock_);
+    limits_ = limits;
 }
 
 std::size_t MemorySessions::count() const {
     const std::lock_guard guard(lock_);
     return sessions_.size();
+}
+
+std::size_t MemorySessions::bytes() const {
+    const std::lock_guard guard(lock_);
+    return bytes_;
 }
 
 bool MemorySessions::has_ended(const Session& session) const {
@@ -101,36 +138,49 @@ void MemorySessions::give_back(const std::shared_ptr<Session>& session) {
         session->is_leased = false;
         if (!session->is_dropped) {
             session->last_used = now_();
-            Order& order = session->data.values.count() == 0 ? unused_ : used_;
-            order.splice(order.end(), *session->order, session->place);
-            session->order = &order;
+            place(*session);
+            while (bytes_ > limits_.most_bytes) {
+                const auto victim = oldest();
+                if (!victim) break;
+                drop(victim);
+            }
         }
     }
     given_back_.notify_all();
 }
 
+void MemorySessions::place(Session& session) {
+    const NamedValues& values = session.data.values;
+    session.login = login_in(values);
+    bytes_ += values.size() - session.bytes;
+    session.bytes = values.size();
+    Order& order = orders_[values.count() == 0 ? 0 : session.login.guid.empty() ? 1 : 2];
+    order.splice(order.end(), *session.order, session.place);
+    session.order = &order;
+}
+
 void MemorySessions::drop(const std::shared_ptr<Session>& session) {
     if (std::exchange(session->is_dropped, true)) return;
+    bytes_ -= session->bytes;
     sessions_.erase(session->id);
     session->order->erase(session->place);
 }
 
-void MemorySessions::make_room() {
-    // A few of those that were used longest ago, so that what has ended goes away in time.
-    for (Order* order : {&unused_, &used_})
-        for (int i = 0; i < 4 && !order->empty(); ++i) {
-            const auto oldest = order->front();
+// A few of those that were used longest ago, so that what has ended goes away in time.
+void MemorySessions::drop_ended() {
+    for (Order& order : orders_)
+        for (int i = 0; i < 4 && !order.empty(); ++i) {
+            const auto oldest = order.front();
             if (oldest->is_leased || !has_ended(*oldest)) break;
             drop(oldest);
         }
-    if (sessions_.size() < limits_.most) return;
-    for (const Order* order : {&unused_, &used_})
-        for (const auto& session : *order)
-            if (!session->is_leased) {
-                drop(std::shared_ptr(session));
-                return;
-            }
-    throw Refusal(503, "There are too many sessions.");
+}
+
+std::shared_ptr<MemorySessions::Session> MemorySessions::oldest() const {
+    for (const Order& order : orders_)
+        for (const auto& session : order)
+            if (!session->is_leased) return session;
+    return nullptr;
 }
 
 }  // namespace orvo::web

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <condition_variable>
 #include <functional>
 #include <list>
@@ -15,8 +16,10 @@ using SessionClock = std::chrono::steady_clock;
 struct SessionLimits {
     std::chrono::minutes timeout{20};    // what a new session has
     std::chrono::minutes absolute{720};  // after this it ends, however busy it is
-    // Beyond this many, the one that was used longest ago goes, those without values first.
+    // Beyond this many, or this many bytes of values altogether, those go that were used longest
+    // ago: first those without values, then those in which nobody has logged in, then the others.
     std::size_t most = 50'000;
+    std::size_t most_bytes = 256 * 1024 * 1024;
 };
 
 // Sessions in the memory of this process.
@@ -29,8 +32,15 @@ public:
     std::unique_ptr<SessionLease> open(const std::string& id,
                                        std::chrono::milliseconds patience) override;
     std::unique_ptr<SessionLease> create() override;
+    SessionLogin login_of(const std::string& id) override;
+
+    // For sessions from now on; the bounds count with the next request, and a new timeout for new
+    // sessions.
+    void set_limits(const SessionLimits& limits);
 
     std::size_t count() const;
+    // Of the values of those that no request has.
+    std::size_t bytes() const;
 
 private:
     class Lease;
@@ -40,17 +50,20 @@ private:
     bool has_ended(const Session& session) const;
     void give_back(const std::shared_ptr<Session>& session);
     // With the lock held.
+    void place(Session& session);
     void drop(const std::shared_ptr<Session>& session);
-    void make_room();
+    void drop_ended();
+    // The one to go first, of those that no request has; null where there is none.
+    std::shared_ptr<Session> oldest() const;
 
-    const SessionLimits limits_;
+    SessionLimits limits_;
     const std::function<SessionClock::time_point()> now_;
     mutable std::mutex lock_;
     std::condition_variable given_back_;
     std::unordered_map<std::string, std::shared_ptr<Session>> sessions_;
-    // By last use, oldest first: sessions without values, and the others.
-    Order unused_;
-    Order used_;
+    // By last use, oldest first: without values, without a login, with one.
+    std::array<Order, 3> orders_;
+    std::size_t bytes_ = 0;
     std::uint64_t made_ = 0;
 };
 

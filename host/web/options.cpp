@@ -42,6 +42,9 @@ Options read_options(const std::vector<std::string>& arguments) {
             options.server.key = value();
         } else if (argument == "--access-log") {
             options.access_log = value();
+        } else if (argument == "--config") {
+            options.config = value();
+            if (options.config.empty()) throw std::invalid_argument("--config needs a value");
         } else if (argument == "--details") {
             options.shows_details = true;
         } else if (argument.starts_with('-')) {

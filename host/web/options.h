@@ -17,11 +17,13 @@ inline constexpr const char* usage =
     "  --workers N         requests that are served at a time (16)\n"
     "  --certificate FILE  serve HTTPS with this certificate (PEM) ...\n"
     "  --key FILE          ... and its private key\n"
+    "  --config FILE       settings of the site (SITE/site.ini, where there is one)\n"
     "  --access-log FILE   append a line for each request\n"
     "  --details           show the reasons of failures in the browser\n";
 
 struct Options {
     std::filesystem::path site;
+    std::filesystem::path config = {};  // empty: the site's own
     ServerOptions server = {};
     std::filesystem::path access_log = {};
     bool shows_details = false;

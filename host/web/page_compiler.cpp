@@ -9,6 +9,7 @@
 #include "host/web/http_message.h"
 #include "host/web/page_directive.h"
 #include "host/web/server_tag.h"
+#include "host/web/site_files.h"
 
 namespace orvo::web {
 namespace {
@@ -366,22 +367,6 @@ PageSource compile_global(const fs::path& root, const std::string& path) {
     PageReader reader(root, Form::global);
     reader.read(path, {path, 0});
     return reader.take();
-}
-
-std::optional<fs::path> try_site_file(const fs::path& root, const std::string& path) {
-    if (!path.starts_with('/') || path.find('\0') != npos || path.find('\\') != npos) return {};
-    const fs::path below = fs::path(path).relative_path();
-    for (const fs::path& part : below)
-        if (part.native().starts_with('.')) return {};
-    std::error_code error;
-    const fs::path file = fs::canonical(root / below, error);
-    if (error || !fs::is_regular_file(file, error)) return {};
-    const auto [end, in_file] = std::ranges::mismatch(root, file);
-    if (end != root.end()) return {};
-    // A link inside the site may lead to a hidden file of the site.
-    for (auto part = in_file; part != file.end(); ++part)
-        if (part->native().starts_with('.')) return {};
-    return file;
 }
 
 }  // namespace orvo::web

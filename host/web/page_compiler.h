@@ -19,7 +19,6 @@
 // The site's global.asa has such scripts and nothing else.
 
 #include <filesystem>
-#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -62,10 +61,5 @@ PageSource compile_page(const std::filesystem::path& root, const std::string& pa
 
 // The same of global.asa, which has another form.
 PageSource compile_global(const std::filesystem::path& root, const std::string& path);
-
-// The file of a path below the root, where there is one that may be read as a part of the site:
-// not outside the folder, also by way of links, and no part of its name begins with a dot.
-std::optional<std::filesystem::path> try_site_file(const std::filesystem::path& root,
-                                                   const std::string& path);
 
 }  // namespace orvo::web

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "host/web/random_token.h"
 #include "platform/values/failure.h"
 
 namespace orvo::web {
@@ -10,15 +11,20 @@ namespace {
 constexpr std::int32_t unspecified_error = error_number(0x80004005);
 
 OutgoingCookie session_cookie(bool is_secure) {
-    OutgoingCookie cookie{.name = Text(session_cookie_name(is_secure))};
+    OutgoingCookie cookie{.name = from_utf8(session_cookie_name(is_secure))};
     cookie.is_secure = is_secure;
     return cookie;
 }
 
 }  // namespace
 
-TextView session_cookie_name(bool is_secure) {
-    return is_secure ? u"__Host-orvosession" : u"orvosession";
+std::string_view session_cookie_name(bool is_secure) {
+    return is_secure ? "__Host-orvosession" : "orvosession";
+}
+
+std::string session_id_of(const HttpRequest& request) {
+    return std::string(
+        try_exact_cookie(request, session_cookie_name(request.is_secure)).value_or(""));
 }
 
 std::string_view path_part(std::string_view target) { return target.substr(0, target.find('?')); }
@@ -67,10 +73,7 @@ std::string PageContext::read_body(std::uint64_t count) {
 }
 
 void PageContext::open_session() {
-    if (!has_session_) return;
-    const auto* cookie = cookies.find(session_cookie_name(request.is_secure));
-    if (!cookie || session_) return;
-    session_ = sessions_.open(to_utf8(cookie->values.front()), patience_);
+    if (has_session_ && !session_) session_ = sessions_.open(session_id_of(request), patience_);
 }
 
 void PageContext::do_without_session() {
@@ -158,11 +161,11 @@ bool PageContext::is_browser_there() const {
 }
 
 void PageContext::note_session_value(TextView name) {
-    for (const TextView login : {TextView(u"QUENDRAID"), TextView(u"REMOTE_ACCOUNT")})
-        if (equal_ignoring_case(name, login)) {
-            require_head_not_sent();
-            is_login_ = true;
-        }
+    if (!equal_ignoring_case(name, u"QUENDRAID") && !equal_ignoring_case(name, u"REMOTE_ACCOUNT"))
+        return;
+    require_head_not_sent();
+    // At once: the forms that this page writes are to be good.
+    if (!std::exchange(is_login_, true)) need_session().data().form_token = random_token();
 }
 
 }  // namespace orvo::web

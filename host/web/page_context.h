@@ -57,7 +57,7 @@ public:
     std::string running_path;
     PageQuery query;
     const RequestForm form;
-    const RequestFields cookies;
+    RequestFields cookies;
     // Folders below which pages may write.
     std::vector<std::filesystem::path> file_folders = {};
     Text user = {};  // who is logged in, where the guard has let somebody in
@@ -83,8 +83,8 @@ public:
     // Makes one where the browser has none. Raises Failure as require_session, and where the
     // browser cannot be told of it any more.
     SessionLease& need_session();
-    // Before a page puts a value: one of those that a login sets makes the request a login. Raises
-    // Failure where that comes too late.
+    // Before a page puts a value: one of those that a login sets makes the request a login. Form
+    // tokens of before it are worth nothing from then on. Raises Failure where that comes too late.
     void note_session_value(TextView name);
     // Ends what the request held: renews the session's identifier where somebody has logged in,
     // writes its cookie, gives session and application back.
@@ -122,7 +122,9 @@ private:
 
 // The name of the session's cookie. Under TLS browsers take one of this name from this very host
 // only.
-TextView session_cookie_name(bool is_secure);
+std::string_view session_cookie_name(bool is_secure);
+// What the session's cookie says, as it came; empty where there is none.
+std::string session_id_of(const HttpRequest& request);
 
 // "path?query" cut at the first "?".
 std::string_view path_part(std::string_view target);

@@ -23,18 +23,26 @@ private:
 }  // namespace
 
 void RequestFields::add(Text name, Text value) {
-    for (Field& field : fields_)
-        if (equal_ignoring_case(field.name, name)) {
-            field.values.push_back(std::move(value));
-            return;
-        }
-    fields_.push_back({std::move(name), {std::move(value)}});
+    const auto [place, is_new] = places_.try_emplace(lower(name), fields_.size());
+    if (is_new)
+        fields_.push_back({std::move(name), {std::move(value)}});
+    else
+        fields_[place->second].values.push_back(std::move(value));
 }
 
 const RequestFields::Field* RequestFields::find(TextView name) const {
-    const auto found = std::ranges::find_if(
-        fields_, [&](const Field& field) { return equal_ignoring_case(field.name, name); });
-    return found == fields_.end() ? nullptr : &*found;
+    const auto found = places_.find(lower(name));
+    return found == places_.end() ? nullptr : &fields_[found->second];
+}
+
+void RequestFields::remove(TextView name) {
+    const auto found = places_.find(lower(name));
+    if (found == places_.end()) return;
+    const std::size_t place = found->second;
+    fields_.erase(fields_.begin() + static_cast<std::ptrdiff_t>(place));
+    places_.erase(found);
+    for (auto& [other, other_place] : places_)
+        if (other_place > place) --other_place;
 }
 
 RequestFields parse_urlencoded(std::string_view text) {

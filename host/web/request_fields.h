@@ -3,6 +3,7 @@
 // Named values that came with a request: query, form, cookies.
 
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "platform/values/text.h"
@@ -23,9 +24,11 @@ public:
     // Null where there is none of that name.
     const Field* find(TextView name) const;
     const std::vector<Field>& all() const { return fields_; }
+    void remove(TextView name);
 
 private:
     std::vector<Field> fields_;
+    std::unordered_map<Text, std::size_t> places_;  // by name in lower case
 };
 
 // Beyond this many values a request is refused (400).

@@ -33,6 +33,14 @@ public:
     virtual void abandon() = 0;
 };
 
+// What a login leaves in its session.
+struct SessionLogin {
+    Text guid;     // QUENDRAID
+    Text account;  // REMOTE_ACCOUNT
+};
+// Empty texts where nobody has logged in.
+SessionLogin login_in(const NamedValues& values);
+
 // Any thread. A store that several machines share implements the same.
 class SessionStore {
 public:
@@ -43,6 +51,9 @@ public:
     virtual std::unique_ptr<SessionLease> open(const std::string& id,
                                                std::chrono::milliseconds patience) = 0;
     virtual std::unique_ptr<SessionLease> create() = 0;
+    // Who is logged in, as the last request left it; another one may have the session meanwhile,
+    // and is not waited for. Empty texts for an identifier as above. Counts as a request.
+    virtual SessionLogin login_of(const std::string& id) = 0;
 };
 
 }  // namespace orvo::web

@@ -19,10 +19,21 @@
 //     ; handed to the directory provider (docs/provider.md) before the first page
 //     DirectoryPool = MaximumSize = 32, IdleLimit = 60
 //     DirectoryCache = Entries = 1000, TimeToLive = 5
+//     ; percent of the workers that pages hold together which wait for the directory
+//     DirectoryShare = 75
+//     ; live logins of one user, and bytes of all sessions together
+//     LoginsOfOneUser = 100
+//     SessionMemory = 268435456
+//     ; seconds for what is being served when the program is asked to end
+//     DrainTime = 10
 //     ContentSecurityPolicy = frame-ancestors 'none'; base-uri 'self'; form-action 'self'
+//
+// A key that is not known here is refused, and so is a section: whoever mistypes "Guard" has a site
+// that does not start, not one that is open to everybody.
 
 #include <chrono>
 #include <filesystem>
+#include <optional>
 #include <vector>
 
 #include "platform/values/text.h"
@@ -53,14 +64,24 @@ struct Site {
     std::size_t largest_request = 1024 * 1024;
     std::vector<ProviderSetting> directory_pool = {};
     std::vector<ProviderSetting> directory_cache = {};
+    int directory_share = 75;                             // percent
+    std::optional<std::int32_t> logins_of_one_user = {};  // the filter's own, where empty
+    std::size_t session_memory = 256 * 1024 * 1024;
+    std::chrono::seconds drain_time{10};
     std::vector<std::string> default_pages{"default.asp", "index.html"};
     std::string content_security_policy =
         "frame-ancestors 'none'; base-uri 'self'; form-action 'self'; object-src 'none'";
 };
 
-// The site in a folder. Raises Failure: 53 or 76 where there is none, 0x80040201 where site.ini
-// says what cannot be, with the key's name.
-Site read_site(const std::filesystem::path& folder);
+// The site in a folder, with the settings of `config`, or where that is empty of site.ini in the
+// folder, if there is one. Raises Failure:
+//
+//     76, 53, 75    the folder, or a file of settings that is named or linked to, is not there or
+//                   cannot be read
+//     0x80040201    the settings say what cannot be: a key or section that is not known ("site.ini,
+//                   line 4: there is no key "Gaurd"; did you mean "Guard"?"), a value, a guard
+//                   whose folder is not there; or a link in the folder leads nowhere
+Site read_site(const std::filesystem::path& folder, const std::filesystem::path& config = {});
 
 // The application that guards a path; null for a path that anybody may see. Of several guards the
 // longest path counts. Paths are compared without regard to case, so that no spelling slips by.

@@ -7,9 +7,11 @@
 #include "host/web/encoding.h"
 #include "host/web/guard.h"
 #include "host/web/page_runner.h"
+#include "host/web/site_files.h"
 #include "host/web/static_files.h"
 #include "platform/interfaces/call.h"
 #include "platform/interfaces/create.h"
+#include "platform/interfaces/late_call.h"
 
 namespace orvo::web {
 namespace {
@@ -59,11 +61,44 @@ HttpResponse broken_off(PageAnswer& answer, const HttpResponse& failure) {
     return rest;
 }
 
+HttpResponse to_login(const Site& site, const HttpRequest& request) {
+    return redirect(request.method == "POST" ? 303 : 302, login_address(site, request.target));
+}
+
+// The guards of a path, and of where links in it lead.
+std::vector<const GuardedPath*> guards_of(const Site& site, const SitePath& found) {
+    std::vector<const GuardedPath*> guards;
+    if (found.path == site.login_page) return guards;
+    for (const std::string* path : {&found.path, &found.real_path}) {
+        const GuardedPath* guard = guard_of(site, *path);
+        if (guard && (guards.empty() || guards.front() != guard)) guards.push_back(guard);
+    }
+    return guards;
+}
+
+void add_security_headers(const Site& site, HttpResponse& response) {
+    const Headers own{{"X-Content-Type-Options", "nosniff"},
+                      {"X-Frame-Options", "DENY"},
+                      {"Referrer-Policy", "same-origin"},
+                      {"Content-Security-Policy", site.content_security_policy},
+                      {"Date", http_date(current_date())}};
+    for (const auto& header : own) {
+        const auto is_there = [&](const auto& known) {
+            return equal_ascii_ignoring_case(known.first, header.first);
+        };
+        if (!header.second.empty() && std::ranges::none_of(response.headers, is_there))
+            response.headers.push_back(header);
+    }
+}
+
 // Gives back what a page holds, however it ended.
 class Finish {
 public:
     explicit Finish(PageContext& page) : page_(page) {}
-    ~Finish() { page_.finish(); }
+    ~Finish() {
+        page_.finish();
+        page_.complete_head = {};
+    }
 
 private:
     PageContext& page_;
@@ -95,31 +130,55 @@ std::string decoded_path(std::string_view target) {
 
 WebApp::WebApp(Site site, SessionStore& sessions, DirectoryHealth& health, WebLog& log,
                Options options)
-    : site_(std::move(site)),
-      login_cookie_(login_cookie_of(site_)),
+    : served_(serve(std::move(site))),
       sessions_(sessions),
       health_(health),
       log_(log),
-      options_(options),
-      pages_(site_.root) {
+      options_(options) {
+    need_filter(served_->site);
+}
+
+void WebApp::need_filter(const Site& site) {
+    if (site.logins_of_one_user)
+        late::put(create_object(u"TavikAuthFilter.Logins"), u"MostOfOneUser",
+                  *site.logins_of_one_user);
+    if (application_.get(filter_connector_progid).is_object()) return;
     Object connector;
     try {
         connector = create_object(filter_connector_progid);
     } catch (const Failure&) {
         // A site without guards does without the filter.
-        if (!site_.guards.empty()) throw;
+        if (!site.guards.empty()) throw;
         return;
     }
     ApplicationState::Holder(application_, std::chrono::seconds(1))
         .put(filter_connector_progid, connector);
 }
 
+std::shared_ptr<WebApp::Served> WebApp::serve(Site site) {
+    Text cookie = login_cookie_of(site);
+    return std::make_shared<Served>(std::move(site), std::move(cookie));
+}
+
+std::shared_ptr<WebApp::Served> WebApp::served() const {
+    const std::lock_guard guard(lock_);
+    return served_;
+}
+
+void WebApp::replace(Site site) {
+    need_filter(site);
+    auto fresh = serve(std::move(site));
+    const std::lock_guard guard(lock_);
+    served_ = std::move(fresh);
+}
+
 HttpResponse WebApp::handle(const HttpRequest& request) {
     const auto begin = std::chrono::steady_clock::now();
+    const auto served = this->served();
     HttpResponse response;
     std::string note;
     try {
-        response = route(request, note);
+        response = route(*served, request, note);
     } catch (const Refusal& refusal) {
         response = error_response({refusal.status, refusal.what()});
         if (refusal.status == 405) response.headers.emplace_back("Allow", "GET, HEAD, POST");
@@ -127,7 +186,7 @@ HttpResponse WebApp::handle(const HttpRequest& request) {
         response = failed(std::string(path_part(request.target)), "The page could not be shown.",
                           failure.what());
     }
-    add_security_headers(response);
+    add_security_headers(served->site, response);
     log_.request(request, response, std::chrono::steady_clock::now() - begin, note);
     return response;
 }
@@ -141,30 +200,17 @@ Lane WebApp::lane_of(const HttpRequest& request) const {
 
 void WebApp::note_refused(const HttpRequest& request, HttpResponse& response,
                           std::chrono::steady_clock::duration duration) {
-    add_security_headers(response);
+    add_security_headers(served()->site, response);
     log_.request(request, response, duration, {});
 }
 
-HttpResponse WebApp::route(const HttpRequest& request, std::string& note) {
+HttpResponse WebApp::route(Served& served, const HttpRequest& request, std::string& note) {
     if (request.method != "GET" && request.method != "HEAD" && request.method != "POST")
         throw Refusal(405, "This server answers GET, HEAD and POST.");
-    std::string path = decoded_path(request.target);
+    const std::string path = decoded_path(request.target);
     if (path.starts_with("/health/")) return health(path);
-
-    std::error_code error;
-    if (fs::is_directory(site_.root / fs::path(path).relative_path(), error)) {
-        if (!path.ends_with('/')) {
-            const std::string query(query_part(request.target));
-            return redirect(301, to_utf8(url_path_encode(from_utf8(path))) + "/" +
-                                     (query.empty() ? "" : "?" + query));
-        }
-        for (const std::string& name : site_.default_pages)
-            if (try_site_file(site_.root, path + name)) {
-                path += name;
-                break;
-            }
-    }
-    return is_page(path) ? page(request, path, note) : file(request, path);
+    const SitePath found = find_in_site(served.site.root, path, served.site.default_pages);
+    return is_page(found.path) ? page(served, request, found, note) : file(served, request, found);
 }
 
 HttpResponse WebApp::health(const std::string& path) {
@@ -176,44 +222,66 @@ HttpResponse WebApp::health(const std::string& path) {
     return plain(503, "directory unreachable\n");
 }
 
-std::shared_ptr<PageContext> WebApp::open(const HttpRequest& request, const std::string& path) {
-    auto page = std::make_shared<PageContext>(request, path, site_.root, application_, sessions_,
-                                              options_.session_patience);
-    page->time_limit = site_.page_timeout;
+std::shared_ptr<PageContext> WebApp::open(const Served& served, const HttpRequest& request,
+                                          const std::string& path) {
+    auto page = std::make_shared<PageContext>(request, path, served.site.root, application_,
+                                              sessions_, options_.session_patience);
+    page->time_limit = served.site.page_timeout;
+    page->complete_head = [&site = served.site](HttpResponse& head) {
+        add_security_headers(site, head);
+    };
+    // A login would take over a GUID that the filter cannot have, and fail.
+    const auto* guid = page->cookies.find(served.login_cookie);
+    if (guid && guid->values.front().size() > longest_login_guid)
+        page->cookies.remove(served.login_cookie);
     return page;
 }
 
-bool WebApp::is_open(PageContext& page, const std::string& path) const {
-    const GuardedPath* guard = guard_of(site_, path);
-    if (!guard || path == site_.login_page) return true;
-    page.open_session();
-    if (!is_allowed(page, login_cookie_, guard->application)) return false;
-    page.user = page.session()->data().values.get(u"REMOTE_USER").text_view();
-    return true;
+bool WebApp::is_open(const Served& served, const SessionLogin& login, const RequestFields& cookies,
+                     const SitePath& found) const {
+    const auto* cookie = cookies.find(served.login_cookie);
+    const Text guid = cookie ? cookie->values.front() : Text();
+    const Variant connector = application_.get(filter_connector_progid);
+    return std::ranges::all_of(guards_of(served.site, found), [&](const GuardedPath* guard) {
+        return is_allowed(login, guid, connector, guard->application);
+    });
 }
 
-HttpResponse WebApp::to_login(const HttpRequest& request) const {
-    return redirect(request.method == "POST" ? 303 : 302, login_address(site_, request.target));
-}
-
-HttpResponse WebApp::file(const HttpRequest& request, const std::string& path) {
-    if (guard_of(site_, path) && !is_open(*open(request, path), path)) return to_login(request);
-    const auto file = try_site_file(site_.root, path);
-    if (!file || content_type_of(*file).empty()) throw Refusal(404, "There is no such page.");
+// The session is not held for a file: a page of the same session that waits for the directory does
+// not keep it from the browser.
+HttpResponse WebApp::file(const Served& served, const HttpRequest& request, const SitePath& found) {
+    if (!guards_of(served.site, found).empty() &&
+        !is_open(served, sessions_.login_of(session_id_of(request)), cookies_of(request), found))
+        return to_login(served.site, request);
+    if (found.lacks_slash) {
+        const std::string query(query_part(request.target));
+        return redirect(301, to_utf8(url_path_encode(from_utf8(found.path))) + "/" +
+                                 (query.empty() ? "" : "?" + query));
+    }
+    if (!found.file || content_type_of(*found.file).empty())
+        throw Refusal(404, "There is no such page.");
     if (request.method == "POST") throw Refusal(405, "A form cannot be sent to this address.");
-    return static_file(*file, request);
+    return static_file(*found.file, request);
 }
 
-HttpResponse WebApp::page(const HttpRequest& request, const std::string& path, std::string& note) {
-    const auto page = open(request, path);
-    if (!is_open(*page, path)) return to_login(request);
-    if (!try_site_file(site_.root, path)) throw Refusal(404, "There is no such page.");
+HttpResponse WebApp::page(Served& served, const HttpRequest& request, const SitePath& found,
+                          std::string& note) {
+    const std::string& path = found.path;
+    const auto page = open(served, request, path);
+    if (!guards_of(served.site, found).empty()) {
+        page->open_session();
+        if (!page->session() ||
+            !is_open(served, login_in(page->session()->data().values), page->cookies, found))
+            return to_login(served.site, request);
+        page->user = page->session()->data().values.get(u"REMOTE_USER").text_view();
+    }
+    if (!found.file) throw Refusal(404, "There is no such page.");
     HttpResponse response;
     bool is_answered = false;
     {
         const Finish finish(*page);
         try {
-            run_page(page, pages_);
+            run_page(page, served.pages);
             is_answered = true;
         } catch (const PageError& error) {
             response = failed(path, "The page could not be shown.", error.what(), {error.what()});
@@ -245,21 +313,6 @@ HttpResponse WebApp::failed(const std::string& path, std::string sentence, const
     std::erase(details, "");
     if (options_.shows_details) page.details = std::move(details);
     return error_response(page);
-}
-
-void WebApp::add_security_headers(HttpResponse& response) const {
-    const Headers own{{"X-Content-Type-Options", "nosniff"},
-                      {"X-Frame-Options", "DENY"},
-                      {"Referrer-Policy", "same-origin"},
-                      {"Content-Security-Policy", site_.content_security_policy},
-                      {"Date", http_date(current_date())}};
-    for (const auto& header : own) {
-        const auto is_there = [&](const auto& known) {
-            return equal_ascii_ignoring_case(known.first, header.first);
-        };
-        if (!header.second.empty() && std::ranges::none_of(response.headers, is_there))
-            response.headers.push_back(header);
-    }
 }
 
 }  // namespace orvo::web

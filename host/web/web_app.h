@@ -1,5 +1,7 @@
 #pragma once
 
+#include <mutex>
+
 #include "host/web/directory_health.h"
 #include "host/web/error_page.h"
 #include "host/web/page_cache.h"
@@ -8,6 +10,8 @@
 #include "host/web/web_log.h"
 
 namespace orvo::web {
+
+struct SitePath;
 
 // A site: answers requests. Any number of threads at once; each is an apartment of its own.
 class WebApp {
@@ -29,28 +33,44 @@ public:
     void note_refused(const HttpRequest& request, HttpResponse& response,
                       std::chrono::steady_clock::duration duration);
 
+    // Serves by other settings from now on; a request that runs keeps those that it began with.
+    // Raises what the constructor does, and then goes on as before.
+    void replace(Site site);
+
     ApplicationState& application() { return application_; }
 
 private:
-    HttpResponse route(const HttpRequest& request, std::string& note);
+    // A site as it was last read.
+    struct Served {
+        Served(Site read, Text cookie)
+            : site(std::move(read)), login_cookie(std::move(cookie)), pages(site.root) {}
+        const Site site;
+        const Text login_cookie;
+        PageCache pages;
+    };
+    static std::shared_ptr<Served> serve(Site site);
+    void need_filter(const Site& site);
+    std::shared_ptr<Served> served() const;
+
+    HttpResponse route(Served& served, const HttpRequest& request, std::string& note);
     HttpResponse health(const std::string& path);
-    HttpResponse file(const HttpRequest& request, const std::string& path);
-    HttpResponse page(const HttpRequest& request, const std::string& path, std::string& note);
-    std::shared_ptr<PageContext> open(const HttpRequest& request, const std::string& path);
-    bool is_open(PageContext& page, const std::string& path) const;
-    HttpResponse to_login(const HttpRequest& request) const;
+    HttpResponse file(const Served& served, const HttpRequest& request, const SitePath& found);
+    HttpResponse page(Served& served, const HttpRequest& request, const SitePath& found,
+                      std::string& note);
+    std::shared_ptr<PageContext> open(const Served& served, const HttpRequest& request,
+                                      const std::string& path);
+    bool is_open(const Served& served, const SessionLogin& login, const RequestFields& cookies,
+                 const SitePath& found) const;
     HttpResponse failed(const std::string& path, std::string sentence, const std::string& cause,
                         std::vector<std::string> details = {});
-    void add_security_headers(HttpResponse& response) const;
 
-    const Site site_;
-    const Text login_cookie_;
+    mutable std::mutex lock_;
+    std::shared_ptr<Served> served_;
     SessionStore& sessions_;
     DirectoryHealth& health_;
     WebLog& log_;
     const Options options_;
     ApplicationState application_;
-    PageCache pages_;
 };
 
 // The path of a request's target, decoded. Raises Refusal (400) for one that no address of a site

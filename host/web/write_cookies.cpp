@@ -65,7 +65,7 @@ std::shared_ptr<OutgoingCookie> WriteCookiesObject::cookie(const Text& name) {
     page_->require_head_not_sent();
     if (name.empty()) throw Failure(runtime_error::invalid_call, {}, u"A cookie needs a name");
     const bool is_secure = page_->request.is_secure;
-    if (equal_ignoring_case(name, session_cookie_name(is_secure)))
+    if (equal_ignoring_case(name, from_utf8(session_cookie_name(is_secure))))
         throw Failure(runtime_error::invalid_call, {},
                       u"The session's cookie is the server's own business");
     auto made = std::make_shared<OutgoingCookie>(OutgoingCookie{.name = name});

@@ -10,11 +10,10 @@
 namespace orvo::authfilter {
 namespace {
 
-constexpr std::size_t longest_guid = 256;
 constexpr std::chrono::minutes default_timeout{10};
 constexpr std::chrono::minutes longest_timeout = std::chrono::days{365};
 
-bool is_guid(const Text& guid) { return !guid.empty() && guid.size() <= longest_guid; }
+bool is_guid(const Text& guid) { return !guid.empty() && guid.size() <= longest_login_guid; }
 
 void require_guid(const Text& guid) {
     if (!is_guid(guid))

@@ -18,6 +18,14 @@ TEST(CookiesOfARequest, AreReadByName) {
     EXPECT_EQ(cookies.find(u"bare"), nullptr);
 }
 
+TEST(CookiesOfARequest, OfOneExactNameAreNotTakenUnderAnotherSpelling) {
+    HttpRequest request;
+    request.headers = {{"Cookie", "__%48ost-s=1; __host-s=2; __Host-s%20=3;  __Host-s=%41+b"},
+                       {"Cookie", "__Host-s=5"}};
+    EXPECT_EQ(try_exact_cookie(request, "__Host-s"), "%41+b");
+    EXPECT_EQ(try_exact_cookie(request, "__Host-t"), std::nullopt);
+}
+
 TEST(CookiesOfARequest, AreNotTakenInAnyNumber) {
     std::string many;
     for (int i = 0; i < 501; ++i) many += "a=1;";

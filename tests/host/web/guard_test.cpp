@@ -36,8 +36,12 @@ protected:
         return "orvosession=" + lease->id();
     }
     bool allowed(const std::string& cookies, std::int32_t application = 1) {
-        const auto page = site_.request({.target = "/account/", .headers = {{"Cookie", cookies}}});
-        return is_allowed(*page, u"LoginID", application);
+        const HttpRequest request{.target = "/account/", .headers = {{"Cookie", cookies}}};
+        const auto fields = cookies_of(request);
+        const auto* guid = fields.find(u"LoginID");
+        return is_allowed(site_.sessions.login_of(session_id_of(request)),
+                          guid ? guid->values.front() : Text(),
+                          site_.application.get(filter_connector_progid), application);
     }
 
     TestSite site_;
@@ -101,6 +105,10 @@ TEST_F(GuardTest, SendsTheBrowserToTheLoginAndTellsWhereItCameFrom) {
     site.login_page = "/in/login.asp";
     EXPECT_EQ(login_address(site, "/account/x.asp?a=1&b=2#"),
               "/in/login.asp?url=%2Faccount%2Fx.asp%3Fa%3D1%26b%3D2%23");
+    const std::string longest = "/account/?" + std::string(6900, 'a');
+    EXPECT_GT(login_address(site, longest).size(), longest.size());
+    EXPECT_EQ(login_address(site, longest + std::string(100, '/')), "/in/login.asp")
+        << "it would be too long for an address";
 }
 
 }  // namespace

@@ -15,7 +15,7 @@ TEST(Options, NameTheSiteAndWhereToListen) {
     EXPECT_FALSE(plain.shows_details);
     const Options all = read_options({"--port", "8443", "site", "--address", "::1", "--workers",
                                       "4", "--certificate", "c.pem", "--key", "k.pem",
-                                      "--access-log", "a.log", "--details"});
+                                      "--access-log", "a.log", "--details", "--config", "s.ini"});
     EXPECT_EQ(all.server.port, 8443);
     EXPECT_EQ(all.server.address, "::1");
     EXPECT_EQ(all.server.workers, 4);
@@ -23,6 +23,7 @@ TEST(Options, NameTheSiteAndWhereToListen) {
     EXPECT_EQ(all.server.key, "k.pem");
     EXPECT_EQ(all.access_log, "a.log");
     EXPECT_TRUE(all.shows_details);
+    EXPECT_EQ(all.config, "s.ini");
     EXPECT_TRUE(read_options({"--help"}).wants_help);
 }
 
@@ -38,6 +39,7 @@ TEST(Options, AreRefusedWithASentence) {
              {{"a", "--port"}, "--port needs a value"},
              {{"a", "--port", "x"}, "--port is a number from 0 to 65535, not \"x\""},
              {{"a", "--port", "65536"}, "--port is a number from 0 to 65535, not \"65536\""},
+             {{"a", "--config", ""}, "--config needs a value"},
              {{"a", "--workers", "0"}, "--workers is a number from 1 to 256, not \"0\""},
              {{"a", "--key", "k.pem"}, "--certificate and --key go together"},
          }) {

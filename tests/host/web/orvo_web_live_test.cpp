@@ -280,7 +280,12 @@ TEST_F(OrvoWebTest, SaysWhatIsWrongAndDoesNotStart) {
     EXPECT_EQ(said({"/none"}), "1 orvo-web: /none: there is no such folder");
     write("site.ini", "[SITE]\nGuard = /a = 1\n");
     EXPECT_EQ(said({site()}),
-              "1 orvo-web: site.ini: Guard: \"/a\" does not begin and end with \"/\"");
+              "1 orvo-web: site.ini, line 2: Guard: \"/a\" does not begin and end with \"/\"");
+    write("site.ini", "[SITE]\n\n\nGaurd = /account/ = 1\n");
+    EXPECT_EQ(said({site()}),
+              "1 orvo-web: site.ini, line 4: there is no key \"Gaurd\"; did you mean \"Guard\"?");
+    EXPECT_EQ(said({site(), "--config", "/none/shop.ini"}),
+              "1 orvo-web: /none/shop.ini: there is no such file");
     write("site.ini", "[SITE]\nDirectoryPool = NoSuchThing = 1\n");
     EXPECT_NE(said({site()}).find("NoSuchThing"), std::string::npos)
         << "what the provider refuses is told by name";
@@ -293,6 +298,18 @@ TEST_F(OrvoWebTest, HandsSettingsOfPoolAndCacheToTheProvider) {
     Browser browser(start());
     ASSERT_EQ(log_in(browser, "jsmith", "shop-sample")->status, 303);
     EXPECT_EQ(browser.get("/account/")->body, "jsmith|jsmith");
+}
+
+TEST_F(OrvoWebTest, OneUserHasAsManyLoginsAsTheSiteSays) {
+    write("site.ini", "[SITE]\nGuard = /account/ = 1\nLoginsOfOneUser = 1\n");
+    const int port = start();
+    Browser first(port), second(port), other(port);
+    ASSERT_EQ(log_in(other, "admin", "shop-sample")->status, 303);
+    ASSERT_EQ(log_in(first, "jsmith", "shop-sample")->status, 303);
+    ASSERT_EQ(log_in(second, "jsmith", "shop-sample")->status, 303);
+    EXPECT_EQ(first.get("/account/")->status, 302);
+    EXPECT_EQ(second.get("/account/")->status, 200);
+    EXPECT_EQ(other.get("/account/")->status, 200);
 }
 
 }  // namespace

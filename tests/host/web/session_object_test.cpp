@@ -113,6 +113,37 @@ TEST_F(SessionObjectTest, AForgedIdentifierIsNotAdopted) {
     EXPECT_EQ(site_.sessions.count(), 1u);
 }
 
+TEST_F(SessionObjectTest, NoOtherSpellingOfTheCookiesNamePassesForIt) {
+    begin(true);
+    put(u"x", 1);
+    end();
+    const std::string id = cookie_.substr(cookie_.find('=') + 1);
+    for (const char* name : {"__%48ost-orvosession", "__host-orvosession", "__Host-ORVOSESSION"}) {
+        cookie_ = std::string(name) + "=" + id;
+        begin(true);
+        EXPECT_TRUE(value(u"x").is_empty()) << name;
+        end();
+        cookie_ += "; __Host-orvosession=" + id;
+        begin(true);
+        EXPECT_EQ(value(u"x"), Variant(1)) << name;
+        end();
+    }
+}
+
+TEST_F(SessionObjectTest, ALoginMakesTheFormTokensOfBeforeWorthless) {
+    begin();
+    const Text before = late::get(session_, u"FormToken").to<Text>();
+    end();
+    begin();
+    put(u"QUENDRAID", u"{1F}");
+    const Text after = late::get(session_, u"FormToken").to<Text>();
+    EXPECT_NE(after, before) << "a form that the login's own page writes is good";
+    end();
+    begin();
+    EXPECT_EQ(late::call(session_, u"IsFormToken", {before}), Variant(false));
+    EXPECT_EQ(late::call(session_, u"IsFormToken", {after}), Variant(true));
+}
+
 TEST_F(SessionObjectTest, ALoginGivesTheSessionANewIdentifier) {
     begin();
     put(u"cart", u"full");

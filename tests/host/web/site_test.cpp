@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "platform/values/failure.h"
+#include "tests/support/raised.h"
 #include "tests/support/temp_folder.h"
 
 namespace orvo::web {
@@ -12,6 +13,10 @@ namespace {
 
 class SiteTest : public testing::Test {
 protected:
+    SiteTest() {
+        for (const char* folder : {"account/admin", "admin", "a"})
+            std::filesystem::create_directories(folder_.path() / folder);
+    }
     Site read(std::string_view settings) {
         std::ofstream(folder_.path() / "site.ini", std::ios::trunc) << "[SITE]\n" << settings;
         return read_site(folder_.path());
@@ -44,7 +49,8 @@ TEST_F(SiteTest, IsSettledByItsFile) {
         "LoginPage = /in/login.asp\nGuard = /account/ = 1, /admin/=10\nLoginCookie = ID\n"
         "SessionTimeout = 5\nSessionLifetime = 60\nPageTimeout = 3\nLargestRequest = 2048\n"
         "DirectoryPool = MaximumSize = 32, IdleLimit=60\nDirectoryCache = Entries = 9\n"
-        "DefaultPages = start.asp\nContentSecurityPolicy = default-src 'self'\n");
+        "DirectoryShare = 50\nLoginsOfOneUser = 3\nSessionMemory = 2000000\nDrainTime = 0\n"
+        "defaultpages = start.asp\nContentSecurityPolicy = default-src 'self'\n");
     EXPECT_EQ(site.login_page, "/in/login.asp");
     EXPECT_EQ(site.guards, (std::vector<GuardedPath>{{"/account/", 1}, {"/admin/", 10}}));
     EXPECT_EQ(site.login_cookie, u"ID");
@@ -55,6 +61,10 @@ TEST_F(SiteTest, IsSettledByItsFile) {
     EXPECT_EQ(site.directory_pool,
               (std::vector<ProviderSetting>{{u"MaximumSize", u"32"}, {u"IdleLimit", u"60"}}));
     EXPECT_EQ(site.directory_cache, (std::vector<ProviderSetting>{{u"Entries", u"9"}}));
+    EXPECT_EQ(site.directory_share, 50);
+    EXPECT_EQ(site.logins_of_one_user, 3);
+    EXPECT_EQ(site.session_memory, 2000000u);
+    EXPECT_EQ(site.drain_time, std::chrono::seconds(0));
     EXPECT_EQ(site.default_pages, std::vector<std::string>{"start.asp"});
     EXPECT_EQ(site.content_security_policy, "default-src 'self'");
 }
@@ -65,26 +75,102 @@ TEST_F(SiteTest, RefusesWhatCannotBeAndSaysWhere) {
         TextView reason;
     };
     for (const auto& [settings, reason] : std::initializer_list<Refused>{
-             {"Guard = /account/", u"site.ini: Guard: \"/account/\" is not \"/path/ = number\""},
+             {"Guard = /account/",
+              u"site.ini, line 2: Guard: \"/account/\" is not \"/path/ = number\""},
              {"Guard = /account = 1",
-              u"site.ini: Guard: \"/account\" does not begin and end with \"/\""},
+              u"site.ini, line 2: Guard: \"/account\" does not begin and end with \"/\""},
              {"Guard = account/ = 1",
-              u"site.ini: Guard: \"account/\" does not begin and end with \"/\""},
-             {"Guard = /a/ = one", u"site.ini: Guard: \"one\" is no number of an application"},
-             {"Guard = /a/ =", u"site.ini: Guard: \"\" is no number of an application"},
-             {"DirectoryPool = 5", u"site.ini: DirectoryPool: \"5\" is not \"Name = value\""},
+              u"site.ini, line 2: Guard: \"account/\" does not begin and end with \"/\""},
+             {"Guard = /a/ = one",
+              u"site.ini, line 2: Guard: \"one\" is no number of an application"},
+             {"Guard = /a/ =", u"site.ini, line 2: Guard: \"\" is no number of an application"},
+             {"DirectoryPool = 5",
+              u"site.ini, line 2: DirectoryPool: \"5\" is not \"Name = value\""},
              {"DirectoryCache = Entries = 5, = 6",
-              u"site.ini: DirectoryCache: \"= 6\" is not \"Name = value\""},
+              u"site.ini, line 2: DirectoryCache: \"= 6\" is not \"Name = value\""},
              {"LoginPage = http://x/",
-              u"site.ini: LoginPage: \"http://x/\" is no path of the site"},
+              u"site.ini, line 2: LoginPage: \"http://x/\" is no path of the site"},
              {"SessionTimeout = 0",
-              u"site.ini: SessionTimeout: \"0\" is no number from 1 to 525600"},
-             {"PageTimeout = soon", u"site.ini: PageTimeout: \"soon\" is no number from 1 to 3600"},
+              u"site.ini, line 2: SessionTimeout: \"0\" is no number from 1 to 525600"},
+             {"PageTimeout = soon",
+              u"site.ini, line 2: PageTimeout: \"soon\" is no number from 1 to 3600"},
              {"LargestRequest = 99999999999999999999",
-              u"site.ini: LargestRequest: \"99999999999999999999\" is no number from 1024 to "
+              u"site.ini, line 2: LargestRequest: \"99999999999999999999\" is no number from 1024 "
+              u"to "
               u"1073741824"},
+             {"DirectoryShare = 0",
+              u"site.ini, line 2: DirectoryShare: \"0\" is no number from 1 to 100"},
          })
         EXPECT_EQ(to_utf8(refusal(settings)), to_utf8(reason)) << settings;
+}
+
+TEST_F(SiteTest, RefusesAnUnknownNameAndTellsTheNearestOne) {
+    const std::pair<std::string_view, TextView> rows[] = {
+        {"PageTimeout = 5\n\nGaurd = /account/ = 1",
+         u"site.ini, line 4: there is no key \"Gaurd\"; did you mean \"Guard\"?"},
+        {"Guards = /account/ = 1",
+         u"site.ini, line 2: there is no key \"Guards\"; did you mean \"Guard\"?"},
+        {"Colour = red", u"site.ini, line 2: there is no key \"Colour\""},
+        {"[WEB]\nGuard = /account/ = 1", u"site.ini, line 2: there is no section \"WEB\""},
+        {"[SITES]", u"site.ini, line 2: there is no section \"SITES\"; did you mean \"SITE\"?"},
+    };
+    for (const auto& [settings, reason] : rows)
+        EXPECT_EQ(to_utf8(refusal(settings)), to_utf8(reason)) << settings;
+}
+
+TEST_F(SiteTest, RefusesAGuardOfAFolderThatIsNotThere) {
+    std::filesystem::create_directory_symlink("account", folder_.path() / "link");
+    const std::pair<std::string_view, TextView> rows[] = {
+        {"Guard = /acount/ = 1",
+         u"site.ini, line 2: Guard: there is no folder \"/acount/\"; did you mean \"/account/\"?"},
+        {"Guard = /account/ = 1, /account/admins/ = 10",
+         u"site.ini, line 2: Guard: there is no folder \"/account/admins/\"; did you mean "
+         u"\"/account/admin/\"?"},
+        {"Guard = /none/at/all/ = 1",
+         u"site.ini, line 2: Guard: there is no folder \"/none/at/all/\""},
+        {"Guard = /site.ini/ = 1", u"site.ini, line 2: Guard: there is no folder \"/site.ini/\""},
+        {"Guard = /account/../admin/ = 1",
+         u"site.ini, line 2: Guard: \"/account/../admin/\" is not where it leads: \"/admin/\" is "
+         u"to be guarded"},
+        {"Guard = /link/ = 1",
+         u"site.ini, line 2: Guard: \"/link/\" is not where it leads: \"/account/\" is to be "
+         u"guarded"},
+    };
+    for (const auto& [settings, reason] : rows)
+        EXPECT_EQ(to_utf8(refusal(settings)), to_utf8(reason)) << settings;
+    EXPECT_EQ(read("Guard = / = 1").guards, (std::vector<GuardedPath>{{"/", 1}}));
+}
+
+TEST_F(SiteTest, AFileOfSettingsThatIsNamedIsReadInPlaceOfTheFoldersOwn) {
+    TempFolder elsewhere;
+    elsewhere.write("shop.ini", "[SITE]\nPageTimeout = 7\n");
+    read("PageTimeout = 5");
+    EXPECT_EQ(read_site(folder_.path(), elsewhere.path() / "shop.ini").page_timeout,
+              std::chrono::seconds(7));
+    elsewhere.write("shop.ini", "[SITE]\nGaurd = /account/ = 1\n");
+    const Text name = from_utf8((elsewhere.path() / "shop.ini").string());
+    EXPECT_EQ(
+        raised_by([&] { read_site(folder_.path(), elsewhere.path() / "shop.ini"); }).description,
+        name + u", line 2: there is no key \"Gaurd\"; did you mean \"Guard\"?");
+}
+
+TEST_F(SiteTest, IsNotReadWithoutAFileOfSettingsThatIsNamedOrLinkedTo) {
+    const Failure named =
+        raised_by([&] { read_site(folder_.path(), folder_.path() / "none.ini"); });
+    EXPECT_EQ(named.number, 53);
+    EXPECT_EQ(named.description,
+              from_utf8((folder_.path() / "none.ini").string()) + u": there is no such file");
+    std::filesystem::create_symlink("none.ini", folder_.path() / "site.ini");
+    EXPECT_EQ(raised_by([&] { read_site(folder_.path()); }).number, 53);
+}
+
+TEST_F(SiteTest, RefusesALinkThatLeadsNowhere) {
+    std::filesystem::create_symlink("none.css", folder_.path() / "a/style.css");
+    const Failure failure = raised_by([&] { read_site(folder_.path()); });
+    EXPECT_EQ(failure.number, error_number(0x80040201));
+    EXPECT_EQ(failure.description,
+              from_utf8((std::filesystem::canonical(folder_.path()) / "a/style.css").string()) +
+                  u": this link leads nowhere");
 }
 
 TEST_F(SiteTest, IsNotWhereThereIsNoFolder) {

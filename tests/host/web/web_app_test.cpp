@@ -67,6 +67,18 @@ protected:
     HttpResponse get(const std::string& target, Headers headers = {}) {
         return app().handle({.target = target, .headers = std::move(headers)});
     }
+    // What the login page leaves to the component.
+    Ref<FilterConnector> register_login() {
+        const auto connector = Ref<FilterConnector>::from(
+            app().application().get(filter_connector_progid).to<Object>());
+        call<&FilterConnector::Logout>(connector, u"G1");
+        const auto user = call<&FilterConnector::CreateUserWithGUID>(connector, u"G1");
+        call<&FilterUser::put_AccountPath>(user, u"cn=a");
+        call<&FilterUser::Save>(user);
+        call<&FilterConnector::RegisterLogin>(connector, u"a", Values{1}, u"G1", std::int16_t{1},
+                                              10);
+        return connector;
+    }
     std::string header(const HttpResponse& response, std::string_view name) {
         std::string all;
         for (const auto& [key, value] : response.headers)
@@ -148,18 +160,92 @@ TEST_F(WebAppTest, ALoginOpensTheGuardedPathAndGivesTheSessionANewIdentifier) {
     EXPECT_EQ(login.body, "in") << "the login page itself is open to everybody";
     const std::string browser = cookies(login);
     EXPECT_EQ(get("/account/", {{"Cookie", browser}}).status, 302) << "the filter does not know it";
-    const auto connector =
-        Ref<FilterConnector>::from(app().application().get(filter_connector_progid).to<Object>());
-    const auto user = call<&FilterConnector::CreateUserWithGUID>(connector, u"G1");
-    call<&FilterUser::put_AccountPath>(user, u"cn=a");
-    call<&FilterUser::Save>(user);
-    call<&FilterConnector::RegisterLogin>(connector, u"a", Values{1}, u"G1", std::int16_t{1}, 10);
+    const auto connector = register_login();
     EXPECT_EQ(get("/account/", {{"Cookie", browser}}).body, "account");
     EXPECT_EQ(get("/account/logo.svg", {{"Cookie", browser}}).body, "<svg/>");
     EXPECT_EQ(get("/account/who.asp", {{"Cookie", browser}}).body, "jsmith");
     EXPECT_EQ(get("/who.asp", {{"Cookie", browser}}).body, "[]") << "nobody has looked who it is";
     call<&FilterConnector::Logout>(connector, u"G1");
     EXPECT_EQ(get("/account/", {{"Cookie", browser}}).status, 302);
+}
+
+TEST_F(WebAppTest, ALinkIsServedUnderTheGuardOfWhereItLeads) {
+    pages_.write("/open/x.html", "x");
+    pages_.write("/account/notes.html", "notes");
+    const auto link = [&](const char* target, const char* name) {
+        std::filesystem::create_symlink(target, pages_.root / name);
+    };
+    link("../account/logo.svg", "open/logo.svg");
+    link("../account/default.asp", "open/page.asp");
+    link("../account", "open/folder");
+    link("open/x.html", "other.html");
+    for (const char* target :
+         {"/open/logo.svg", "/open/page.asp", "/open/folder/", "/open/folder/notes.html",
+          "/open/folder/none.html", "/open/folder", "/open/folder/none"})
+        EXPECT_EQ(get(target).status, 302) << target;
+    EXPECT_EQ(get("/other.html").body, "x");
+    EXPECT_EQ(get("/open/none").status, 404);
+    const std::string browser = cookies(get("/login/login.asp"));
+    register_login();
+    EXPECT_EQ(get("/open/logo.svg", {{"Cookie", browser}}).body, "<svg/>");
+    EXPECT_EQ(get("/open/folder/", {{"Cookie", browser}}).body, "account");
+}
+
+TEST_F(WebAppTest, BelowAGuardNobodyIsToldWhatIsThere) {
+    pages_.write("/account/sub/x.html", "x");
+    for (const char* target : {"/account", "/account/sub", "/account/sub/", "/account/none",
+                               "/account/none/", "/account/sub/x.html", "/account/sub/none.html"}) {
+        const HttpResponse response = get(target);
+        EXPECT_EQ(response.status, 302) << target;
+        EXPECT_TRUE(header(response, "Location").starts_with("/login/login.asp?url="))
+            << target << " leads to " << header(response, "Location");
+    }
+    const std::string browser = cookies(get("/login/login.asp"));
+    register_login();
+    EXPECT_EQ(get("/account/sub", {{"Cookie", browser}}).status, 301);
+    EXPECT_EQ(get("/account/none", {{"Cookie", browser}}).status, 404);
+}
+
+TEST_F(WebAppTest, AGuardedFileDoesNotWaitForAPageOfItsSession) {
+    const std::string browser = cookies(get("/login/login.asp"));
+    register_login();
+    const auto id = browser.substr(browser.find("orvosession=") + 12, 43);
+    const auto lease = pages_.sessions.open(id, std::chrono::milliseconds(0));
+    ASSERT_TRUE(lease);
+    EXPECT_EQ(get("/account/logo.svg", {{"Cookie", browser}}).body, "<svg/>");
+    EXPECT_EQ(get("/account/", {{"Cookie", browser}}).status, 503);
+}
+
+TEST_F(WebAppTest, ALongGuardedAddressLeadsToTheLoginWithoutIt) {
+    const HttpResponse response = get("/account/?" + std::string(7900, 'a'));
+    EXPECT_EQ(response.status, 302);
+    EXPECT_EQ(header(response, "Location"), "/login/login.asp");
+}
+
+TEST_F(WebAppTest, ALoginCookieThatNoFilterHasIsNotTakenOver) {
+    pages_.write("/cookie.asp", "<%= Request.Cookies('LoginID') %>");
+    const auto with = [&](std::size_t length) {
+        return get("/cookie.asp", {{"Cookie", "LoginID=" + std::string(length, 'x')}}).body.size();
+    };
+    EXPECT_EQ(with(256), 256u);
+    EXPECT_EQ(with(257), 0u) << "the login gives the browser a new one";
+}
+
+TEST_F(WebAppTest, ServesByNewSettingsAndKeepsTheOldOnesWhereTheyCannotBeRead) {
+    pages_.write("/old/x.html", "x");
+    EXPECT_EQ(get("/old/x.html").status, 200);
+    pages_.write(
+        "/site.ini",
+        "[SITE]\nGuard = /old/ = 1\nLoginPage = /login/login.asp\nLoginCookie = LoginID\n");
+    app().replace(read_site(pages_.root));
+    EXPECT_EQ(get("/old/x.html").status, 302);
+    EXPECT_EQ(get("/account/").status, 200);
+    Site unnamed = read_site(pages_.root);
+    unnamed.login_cookie.clear();
+    unnamed.guards.clear();
+    unnamed.guards.push_back({"/account/", 1});
+    EXPECT_THROW(app().replace(unnamed), Failure) << "nothing tells the login's cookie";
+    EXPECT_EQ(get("/old/x.html").status, 302);
 }
 
 TEST_F(WebAppTest, AFailedPageSaysSoWithoutItsReasonsAndKeepsTheSession) {
