@@ -35,7 +35,8 @@ std::string warning_of_open_password(const std::filesystem::path& configuration)
     if (error || (mode & std::filesystem::perms::others_read) == std::filesystem::perms::none)
         return {};
     try {
-        const Text* code = load_ini_file(configuration)->find(u"MEMBERSHIP", u"MemScriptCode");
+        const std::shared_ptr<const IniValues> values = load_ini_file(configuration);
+        const Text* code = values->find(u"MEMBERSHIP", u"MemScriptCode");
         if (!code || code->empty() || is_reference(*code)) return {};
     } catch (const Failure&) {
         return {};
