@@ -18,8 +18,6 @@ void serve(const Options& options) {
     hold_stop_signals();
     Site site = read_site(options.site, options.config);
     set_up_directory(site);
-    if (const auto warning = warning_of_open_password(orvo::usual_site_file()); !warning.empty())
-        std::cerr << "orvo-web: " << warning << std::endl;
     MemorySessions sessions({.timeout = site.session_timeout,
                              .absolute = site.session_lifetime,
                              .most_bytes = site.session_memory});
@@ -36,6 +34,8 @@ void serve(const Options& options) {
          .trouble = [&](const std::string& sentence) { log.trouble(sentence); }});
     const StopSignals signals([&] { server.stop(); });
     std::cout << "Listening on " << server.url() << std::endl;
+    if (const auto warning = warning_of_open_password(orvo::usual_site_file()); !warning.empty())
+        std::cerr << "orvo-web: " << warning << std::endl;
     server.run();
 }
 
