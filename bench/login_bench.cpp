@@ -7,12 +7,12 @@
 // included; docs/login.md tells which.
 
 #include <benchmark/benchmark.h>
-#include <httplib.h>
 
 #include <cstdlib>
 #include <fstream>
 #include <optional>
 #include <regex>
+#include <thread>
 
 #include "bench/crew.h"
 #include "bench/raw_client.h"
@@ -20,6 +20,7 @@
 #include "platform/interfaces/late_call.h"
 #include "platform/objects/context/context_scope.h"
 #include "tests/support/child_process.h"
+#include "tests/support/http_client.h"
 #include "tests/support/ldap_probe.h"
 #include "tests/support/recording/recording_page.h"
 #include "tests/support/slapd.h"
@@ -88,22 +89,22 @@ public:
     SampleSite()
         : output_(directory().folder() / "web"),
           process_({ORVO_WEB, ORVO_SHOP, "--port", "0"}, output_) {
-        for (int i = 0; i < 300 && url_.empty(); ++i) {
+        for (int i = 0; i < 300 && port_ == 0; ++i) {
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
             std::ifstream file(output_);
             std::string line;
             if (std::getline(file, line) && !file.eof() && line.starts_with("Listening on "))
-                url_ = line.substr(13);
+                port_ = std::stoi(line.substr(line.rfind(':') + 1));
         }
-        if (url_.empty()) throw std::runtime_error("orvo-web does not listen");
+        if (port_ == 0) throw std::runtime_error("orvo-web does not listen");
     }
     ~SampleSite() { process_.terminate(5); }
-    const std::string& url() const { return url_; }
+    int port() const { return port_; }
 
 private:
     std::filesystem::path output_;
     ChildProcess process_;
-    std::string url_;
+    int port_ = 0;
 };
 
 SampleSite& sample_site() {
@@ -113,28 +114,22 @@ SampleSite& sample_site() {
 
 // A new browser each time.
 struct WebLogin : RawLogin {
-    std::unique_ptr<httplib::Client> client = new_client();
+    HttpClient client{sample_site().port()};
 
-    static std::unique_ptr<httplib::Client> new_client() {
-        auto made = std::make_unique<httplib::Client>(sample_site().url());
-        made->set_keep_alive(true);
-        made->set_tcp_nodelay(true);
-        return made;
-    }
     void log_in_by_component() {
         static const std::regex token("name=\"token\" value=\"([^\"]*)\"");
-        const auto form = client->Get("/login.asp");
+        const auto form = client.get("/login.asp");
         std::smatch found;
         if (!form || !std::regex_search(form->body, found, token)) {
             is_wrong = true;
             return;
         }
         const std::string cookie = form->get_header_value("Set-Cookie");
-        const auto answer =
-            client->Post("/login.asp", {{"Cookie", cookie.substr(0, cookie.find(';'))}},
-                         httplib::Params{{"token", found[1]},
-                                         {"user", "jsmith"},
-                                         {"password", directory().user_password()}});
+        const auto answer = client.post(
+            "/login.asp",
+            HttpFields{
+                {"token", found[1]}, {"user", "jsmith"}, {"password", directory().user_password()}},
+            {{"Cookie", cookie.substr(0, cookie.find(';'))}});
         is_wrong |= !answer || answer->status != 303;
     }
 };

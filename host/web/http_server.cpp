@@ -1,5 +1,6 @@
 #include "host/web/http_server.h"
 
+#include <netinet/tcp.h>
 #include <sys/resource.h>
 
 #include <algorithm>
@@ -24,6 +25,10 @@ using boost::system::error_code;
 constexpr std::size_t other_descriptors = 256;
 // Until the next try where none is free.
 constexpr std::chrono::milliseconds accept_pause{100};
+
+// Bytes that the system takes of an answer ahead of what it can send. Without a limit it would take
+// megabytes for a browser that reads nothing.
+constexpr int most_not_sent = 128 * 1024;
 
 // Lets the process have as many descriptors as there may be connections, if the system does.
 // Answers how many connections there may be.
@@ -171,6 +176,8 @@ private:
         }
         error_code ignored;
         socket.set_option(tcp::no_delay(true), ignored);
+        setsockopt(socket.native_handle(), IPPROTO_TCP, TCP_NOTSENT_LOWAT, &most_not_sent,
+                   sizeof most_not_sent);
         std::make_shared<HttpSession>(
             core_, make_transport(std::move(socket), core_.tls ? &*core_.tls : nullptr),
             std::move(endpoints))

@@ -1,45 +1,41 @@
 #pragma once
 
-#include <httplib.h>
-
 #include <map>
+
+#include "tests/support/http_client.h"
 
 namespace orvo::web {
 
 // A client that keeps cookies, of one host and without regard to their attributes.
 class Browser {
 public:
-    explicit Browser(int port) : client_("127.0.0.1", port) {
-        client_.set_keep_alive(true);
-        client_.set_tcp_nodelay(true);
-        client_.set_read_timeout(std::chrono::seconds(60));
-    }
+    explicit Browser(int port) : client_(port) {}
 
-    httplib::Result get(const std::string& path) { return noted(client_.Get(path, headers())); }
-    httplib::Result post(const std::string& path, const httplib::Params& form) {
-        return noted(client_.Post(path, headers(), form));
+    HttpResult get(const std::string& path) { return noted(client_.get(path, headers())); }
+    HttpResult post(const std::string& path, const HttpFields& form) {
+        return noted(client_.post(path, form, headers()));
     }
 
     std::map<std::string, std::string> cookies;
 
 private:
-    httplib::Headers headers() const {
+    HttpFields headers() const {
         std::string all;
         for (const auto& [name, value] : cookies) all += name + '=' + value + "; ";
         return {{"Cookie", all}};
     }
-    httplib::Result noted(httplib::Result result) {
+    HttpResult noted(HttpResult result) {
         if (!result) return result;
-        const auto [first, last] = result->headers.equal_range("Set-Cookie");
-        for (auto header = first; header != last; ++header) {
-            const std::string pair = header->second.substr(0, header->second.find(';'));
+        for (std::size_t i = 0; i < result->get_header_value_count("Set-Cookie"); ++i) {
+            const std::string header = result->get_header_value("Set-Cookie", i);
+            const std::string pair = header.substr(0, header.find(';'));
             const auto equals = pair.find('=');
             cookies[pair.substr(0, equals)] = pair.substr(equals + 1);
         }
         return result;
     }
 
-    httplib::Client client_;
+    HttpClient client_;
 };
 
 }  // namespace orvo::web

@@ -4,13 +4,12 @@
 #include "host/web/http_server.h"
 
 #include <gtest/gtest.h>
-#include <httplib.h>
 
 #include <thread>
 
 #include "tests/host/web/echo_server.h"
-#include "tests/support/child_process.h"
-#include "tests/support/temp_folder.h"
+#include "tests/host/web/server_certificate.h"
+#include "tests/support/http_client.h"
 
 namespace orvo::web {
 namespace {
@@ -36,11 +35,10 @@ TEST_F(HttpServerTest, AnswersRequestsAsTheyWereSent) {
 }
 
 TEST_F(HttpServerTest, ServesManyRequestsOnOneConnection) {
-    httplib::Client client("127.0.0.1", server_.port());
-    client.set_keep_alive(true);
+    HttpClient client(server_.port());
     for (int i = 0; i < 20; ++i) {
-        const auto result = client.Post("/" + std::to_string(i), "body", "text/plain");
-        ASSERT_TRUE(result) << httplib::to_string(result.error());
+        const auto result = client.post("/" + std::to_string(i), "body", "text/plain");
+        ASSERT_TRUE(result) << result.error();
         EXPECT_EQ(result->body, "POST /" + std::to_string(i) + " [body]");
     }
 }
@@ -203,14 +201,10 @@ TEST(HttpServer, SaysWhereItCannotListen) {
 }
 
 TEST(HttpServer, ServesHttpsWithACertificate) {
-    TempFolder folder;
-    const std::string certificate = folder.path() / "cert.pem", key = folder.path() / "key.pem";
-    output_of({"/usr/bin/openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt",
-               "ec_paramgen_curve:P-256", "-noenc", "-days", "2", "-subj", "/CN=localhost",
-               "-addext", "subjectAltName=IP:127.0.0.1", "-keyout", key, "-out", certificate});
+    const ServerCertificate certificate;
     ServerOptions options = quick();
-    options.certificate = certificate;
-    options.key = key;
+    options.certificate = certificate.file;
+    options.key = certificate.key;
     std::atomic<bool> was_secure = false;
     const RunningServer server(options, [&](const HttpRequest& request) {
         was_secure = request.is_secure;
@@ -219,13 +213,10 @@ TEST(HttpServer, ServesHttpsWithACertificate) {
         return response;
     });
     EXPECT_EQ(server.url().substr(0, 18), "https://127.0.0.1:");
-    httplib::SSLClient client("127.0.0.1", server.port());
-    client.set_ca_cert_path(certificate.c_str());
-    client.enable_server_certificate_verification(true);
-    client.set_keep_alive(true);
+    HttpClient client(server.port(), certificate.file);
     for (int i = 0; i < 3; ++i) {
-        const auto result = client.Post("/tls", std::string(900, 'y'), "text/plain");
-        ASSERT_TRUE(result) << httplib::to_string(result.error());
+        const auto result = client.post("/tls", std::string(900, 'y'), "text/plain");
+        ASSERT_TRUE(result) << result.error();
         EXPECT_EQ(result->body.size(), 10 + 2 + 900 + 300'000u);
         EXPECT_EQ(result->get_header_value("Strict-Transport-Security"), "max-age=2592000");
     }

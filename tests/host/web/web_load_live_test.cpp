@@ -98,16 +98,16 @@ TEST_F(WebLoad, BrowsersThatLogInAndOutNeverGetEachOthersSession) {
     std::atomic<int> wrong = 0, visited = 0;
     std::mutex lock;
     std::string first_wrong;
-    auto expect = [&](const httplib::Result& result, int status, const std::string& body) {
+    auto expect = [&](const HttpResult& result, int status, const std::string& body) {
         const bool is_right =
             result && result->status == status && (status != 200 || result->body == body);
         if (is_right) return true;
         ++wrong;
         const std::lock_guard guard(lock);
         if (first_wrong.empty())
-            first_wrong = "expected " + std::to_string(status) + ' ' + body + ", got " +
-                          (result ? std::to_string(result->status) + ' ' + result->body
-                                  : httplib::to_string(result.error()));
+            first_wrong =
+                "expected " + std::to_string(status) + ' ' + body + ", got " +
+                (result ? std::to_string(result->status) + ' ' + result->body : result.error());
         return false;
     };
     std::vector<std::thread> threads;

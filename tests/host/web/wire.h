@@ -1,14 +1,11 @@
 #pragma once
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
-
 #include <array>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+
+#include "tests/support/loopback_socket.h"
 
 namespace orvo::web {
 
@@ -16,18 +13,9 @@ namespace orvo::web {
 // seconds for an answer.
 class Wire {
 public:
-    explicit Wire(int port) : socket_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_port = htons(static_cast<std::uint16_t>(port));
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        const timeval patience{10, 0};
-        setsockopt(socket_, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
-        setsockopt(socket_, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
-        if (connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-            close(socket_);
-            throw std::runtime_error("nobody listens there");
-        }
+    // takes: how many bytes the system keeps of what is not read; 0: as many as it likes.
+    explicit Wire(int port, int takes = 0) : socket_(loopback_socket(port, 10, takes)) {
+        if (socket_ < 0) throw std::runtime_error("nobody listens there");
     }
     ~Wire() { close(socket_); }
     Wire(const Wire&) = delete;
