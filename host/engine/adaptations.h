@@ -2,39 +2,18 @@
 
 namespace orvo::script {
 
-// What makes the language's own library fit for scripts that are limited. A function of the host's
-// part: evaluate(text) runs a script's text among the globals, is_limited() tells whether there is
-// a time limit. It is rewritten like any script, so its own loops look at the clock.
+// What makes the language's own library fit for scripts. present(function, name, length) gives a
+// function the looks of one of the language's own. It is rewritten like any script, so its own
+// loops look at the clock.
 //
-//  - eval and Function: only through `evaluate`, which rewrites what they take.
-//  - Array's methods: their C loops cannot be broken off, so under a time limit they refuse arrays
-//    of more than a million elements (a few bytes make billions of holes). Sorting is done here.
-inline constexpr const char* adaptations = R"js(function (evaluate, is_limited) {
-    var global = this, LanguageFunction = Function, is_array = Array.isArray;
-    var most_elements = 1000000;
+//  - sort: the language's own leaves what compares as equal in any order; here its order is kept.
+inline constexpr const char* adaptations = R"js(function (present) {
+    var global = this;
     function define(object, name, value) {
-        Object.defineProperty(object, name, {value: value, writable: true, configurable: true});
+        Object.defineProperty(object, name,
+                              {value: value, writable: true, enumerable: false, configurable: true});
     }
 
-    define(global, "eval", function (text) {
-        return typeof text === "string" ? evaluate(text) : text;
-    });
-    define(global, "Function", function () {
-        var parts = Array.prototype.slice.call(arguments), body = parts.length ? parts.pop() : "";
-        return evaluate("(function anonymous(" + parts.join(",") + "\n) {" + body + "\n})");
-    });
-    global.Function.prototype = LanguageFunction.prototype;
-    define(LanguageFunction.prototype, "constructor", global.Function);
-
-    function check(list) {
-        if (list.length > most_elements && is_limited())
-            throw new RangeError("more than a million elements under a time limit");
-    }
-    function order(a, b) {
-        a = String(a);
-        b = String(b);
-        return a < b ? -1 : a > b ? 1 : 0;
-    }
     function merged(from, to, width, compare) {
         for (var begin = 0; begin < from.length; begin += 2 * width) {
             var left = begin, middle = Math.min(begin + width, from.length);
@@ -46,19 +25,18 @@ inline constexpr const char* adaptations = R"js(function (evaluate, is_limited) 
             }
         }
     }
-    function sort(compare) {
+    var plain_sort = Array.prototype.sort, call = plain_sort.call.bind(plain_sort);
+    define(Array.prototype, "sort", present(function (compare) {
         "use strict";
-        if (compare !== undefined && typeof compare !== "function")
-            throw new TypeError("a function is needed to compare by");
+        if (typeof compare !== "function") return call(this, compare);
         var list = Object(this), length = list.length >>> 0, values = [], empty = 0, i;
-        check(list);
         for (i = 0; i < length; ++i) {
             if (!(i in list)) continue;
             if (list[i] === undefined) ++empty;
             else values[values.length] = list[i];
         }
         for (var width = 1, other = []; width < values.length; width *= 2) {
-            merged(values, other, width, compare || order);
+            merged(values, other, width, compare);
             var swapped = values;
             values = other;
             other = swapped;
@@ -67,19 +45,7 @@ inline constexpr const char* adaptations = R"js(function (evaluate, is_limited) 
         for (; empty > 0; --empty) list[i++] = undefined;
         for (; i < length; ++i) delete list[i];
         return list;
-    }
-    Object.getOwnPropertyNames(Array.prototype).forEach(function (name) {
-        var original = Array.prototype[name];
-        if (typeof original !== "function" || name === "constructor" || name === "push" ||
-            name === "pop") return;
-        define(Array.prototype, name, name === "sort" ? sort : function () {
-            "use strict";
-            if (this !== null && this !== undefined) check(this);
-            for (var i = 0; i < arguments.length; ++i)
-                if (is_array(arguments[i])) check(arguments[i]);
-            return original.apply(this, arguments);
-        });
-    });
+    }, "sort", 1));
 
     ["Duktape", "CBOR", "Buffer", "TextEncoder", "TextDecoder", "performance"].forEach(
         function (name) { delete global[name]; });

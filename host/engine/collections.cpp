@@ -189,7 +189,7 @@ void add_class(duk_context* context, const char* name, duk_c_function make, cons
     duk_dup_top(context);
     put_stash(context, prototype);
     duk_put_prop_string(context, -2, "prototype");
-    duk_put_global_string(context, name);
+    define_global(context, name);
 }
 
 }  // namespace

@@ -9,14 +9,19 @@ constexpr const char* original_key = DUK_HIDDEN_SYMBOL("original");
 
 // Error(text), Error(number), Error(number, text), with and without `new`.
 duk_ret_t make_error(duk_context* context) {
+    duk_set_top(context, 2);
     const bool has_number = duk_is_number(context, 0);
+    const bool has_text = !duk_is_undefined(context, 1);
     duk_push_current_function(context);
     duk_get_prop_string(context, -1, original_key);
-    duk_dup(context, has_number ? 1 : 0);
+    duk_dup(context, has_number && has_text ? 1 : 0);
     duk_new(context, 1);
     if (has_number) {
+        duk_push_literal(context, "number");
         duk_push_int(context, duk_to_int32(context, 0));
-        duk_put_prop_string(context, -2, "number");
+        duk_def_prop(context, -3,
+                     DUK_DEFPROP_HAVE_VALUE | DUK_DEFPROP_SET_WRITABLE |
+                         DUK_DEFPROP_CLEAR_ENUMERABLE | DUK_DEFPROP_SET_CONFIGURABLE);
     }
     return 1;
 }
@@ -26,20 +31,22 @@ duk_ret_t make_error(duk_context* context) {
 void add_errors(duk_context* context) {
     for (const char* name : {"Error", "EvalError", "RangeError", "ReferenceError", "SyntaxError",
                              "TypeError", "URIError"}) {
-        duk_push_c_function(context, make_error, 2);
-        duk_push_literal(context, "name");
-        duk_push_string(context, name);
-        duk_def_prop(context, -3, DUK_DEFPROP_HAVE_VALUE | DUK_DEFPROP_SET_CONFIGURABLE);
+        push_own_function(context, make_error, name, 1);
         duk_get_global_string(context, name);
-
-        duk_push_literal(context, "prototype");
-        duk_get_prop_literal(context, -2, "prototype");
-        duk_dup(context, -4);
+        // All other kinds are derived from the first.
+        if (duk_get_global_literal(context, "Error") && !duk_strict_equals(context, -1, -2))
+            duk_set_prototype(context, -3);
+        else
+            duk_pop(context);
+        duk_get_prop_literal(context, -1, "prototype");
+        duk_dup(context, -3);
         duk_put_prop_literal(context, -2, "constructor");
-        duk_def_prop(context, -4, DUK_DEFPROP_HAVE_VALUE);
-
-        duk_put_prop_string(context, -2, original_key);
-        duk_put_global_string(context, name);
+        duk_swap_top(context, -2);
+        duk_put_prop_string(context, -3, original_key);
+        duk_swap_top(context, -2);
+        take_prototype(context, -2);
+        define_global(context, name);
+        duk_pop(context);
     }
 }
 

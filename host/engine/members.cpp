@@ -304,25 +304,10 @@ duk_ret_t give_up(duk_context* context) {
     return 0;
 }
 
-duk_ret_t tick(duk_context* context) {
-    Runtime::of(context).tick(context);
-    duk_push_true(context);
-    return 1;
-}
-
 void put_function(duk_context* context, const char* name, duk_c_function function,
                   duk_idx_t parameters) {
     duk_push_c_function(context, function, parameters);
     duk_put_prop_string(context, -2, name);
-}
-
-void put_lasting_global(duk_context* context, const char* name, duk_c_function function,
-                        duk_idx_t parameters) {
-    duk_push_global_object(context);
-    duk_push_string(context, name);
-    duk_push_c_function(context, function, parameters);
-    duk_def_prop(context, -3, DUK_DEFPROP_HAVE_VALUE | DUK_DEFPROP_CLEAR_WEC);
-    duk_pop(context);
 }
 
 }  // namespace
@@ -363,7 +348,6 @@ void add_members(duk_context* context) {
     duk_def_prop(context, -4, DUK_DEFPROP_HAVE_GETTER | DUK_DEFPROP_HAVE_SETTER);
     put_stash(context, stash::slot_prototype);
 
-    put_lasting_global(context, "__orvo_tick", tick, 0);
     put_lasting_global(context, "__orvo_slot", function_of<MakeSlot>, 3);
 }
 

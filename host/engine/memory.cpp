@@ -14,6 +14,15 @@ std::size_t& size_of(void* begin) { return *static_cast<std::size_t*>(begin); }
 void* begin_of(void* block) { return static_cast<char*>(block) - head; }
 void* block_of(void* begin) { return static_cast<char*>(begin) + head; }
 
+// Work is counted in requests, and in what is copied with them: one look at the clock costs about
+// as much as a request, so it is a small part of this.
+constexpr std::size_t work_of_a_look = 64;
+constexpr std::size_t bytes_of_a_request = 4096;
+
+// Duktape asks once, and once more after each of ten collections.
+constexpr int times_asked = 11;
+constexpr std::chrono::milliseconds pause{250};
+
 }  // namespace
 
 void Memory::set_limit(std::size_t added) {
@@ -28,9 +37,24 @@ bool Memory::fits(std::size_t added) {
     return false;
 }
 
+bool Memory::in_time(const void* block, std::size_t size) {
+    if (late_.times_left > 0 && late_.block == block && late_.size == size) {
+        --late_.times_left;
+        return false;
+    }
+    work_ += 1 + size / bytes_of_a_request;
+    if (work_ < work_of_a_look) return true;
+    work_ = 0;
+    if (time_ == nullptr || !time_->is_over()) return true;
+    const auto now = std::chrono::steady_clock::now();
+    if (now < late_.none_before) return true;
+    late_ = {block, size, times_asked - 1, now + pause};
+    return false;
+}
+
 void* Memory::allocate(void* memory, std::size_t size) {
     Memory& self = *static_cast<Memory*>(memory);
-    if (size == 0 || !self.fits(size)) return nullptr;
+    if (size == 0 || !self.in_time(nullptr, size) || !self.fits(size)) return nullptr;
     void* begin = std::malloc(head + size);
     if (begin == nullptr) return nullptr;
     size_of(begin) = size;
@@ -46,7 +70,7 @@ void* Memory::reallocate(void* memory, void* block, std::size_t size) {
     }
     Memory& self = *static_cast<Memory*>(memory);
     const std::size_t before = size_of(begin_of(block));
-    if (size > before && !self.fits(size - before)) return nullptr;
+    if (size > before && (!self.in_time(block, size) || !self.fits(size - before))) return nullptr;
     void* begin = std::realloc(begin_of(block), head + size);
     if (begin == nullptr) return nullptr;
     size_of(begin) = size;

@@ -118,6 +118,9 @@ inline constexpr const char* date_maker = "Date";
 inline constexpr const char* date_time = "getTime";
 inline constexpr const char* date_offset = "getTimezoneOffset";
 inline constexpr const char* class_name = "toString";
+inline constexpr const char* evaluate = "eval";  // the language's own
+inline constexpr const char* indirect_evaluate = "indirect eval";
+inline constexpr const char* evaluated = "evaluated";  // what eval is about to be called with
 inline constexpr const char* error = "Error";
 inline constexpr const char* type_error = "TypeError";
 inline constexpr const char* syntax_error = "SyntaxError";
@@ -131,6 +134,17 @@ void push_callable(duk_context* context);
 
 // Defines VBArray and Enumerator.
 void add_collections(duk_context* context);
+
+// Takes the value on top of the stack as a global like the language's own: walking through the
+// globals does not find it.
+void define_global(duk_context* context, const char* name);
+// Defines a global that scripts cannot change either.
+void put_lasting_global(duk_context* context, const char* name, duk_c_function function,
+                        duk_idx_t parameters);
+// Pushes a function that takes any number of arguments and looks like one of the language's own.
+void push_own_function(duk_context* context, duk_c_function function, const char* name, int length);
+// Gives the constructor on top of the stack the prototype at `prototype`.
+void take_prototype(duk_context* context, duk_idx_t prototype);
 
 // Defines the constructors of errors anew, so that they take a number in front of the text.
 void add_errors(duk_context* context);

@@ -5,11 +5,13 @@
 #include <span>
 #include <vector>
 
+#include "host/engine/structure.h"
+
 namespace orvo::script {
 namespace {
 
-constexpr std::string_view tick_call = "__orvo_tick()";
-constexpr std::string_view counted_tick = "++__orvo_n&255||__orvo_tick()";
+constexpr std::string_view tick = "__orvo_tick()";
+constexpr std::string_view counted_tick = "--__orvo_n<0&&(__orvo_n=__orvo_tick())";
 constexpr std::string_view refused_assignment =
     "an assignment to this call cannot be carried out; keep the object in a variable and write "
     "object.Member(index) = value";
@@ -17,31 +19,26 @@ constexpr std::string_view refused_assignment =
 constexpr std::string_view assignment_signs[] = {
     "=", "+=", "-=", "*=", "/=", "%=", "<<=", ">>=", ">>>=", "&=", "|=", "^=", "**="};
 
-// Words before an expression.
-constexpr std::string_view operator_words[] = {"return", "typeof", "in",    "instanceof", "new",
-                                               "void",   "delete", "throw", "case"};
-constexpr std::string_view other_words[] = {
-    "break",    "catch", "continue", "debugger", "default", "do",    "else", "finally", "for",
-    "function", "if",    "switch",   "try",      "var",     "while", "with", "const"};
-
-bool is_one_of(std::string_view word, std::span<const std::string_view> words) {
-    return std::ranges::find(words, word) != words.end();
+// An `if` has no completion value that eval could show.
+std::string as_statement(std::string_view expression) {
+    return "if(" + std::string(expression) + ");";
 }
 
-// What a pair of brackets is for.
-enum class Role {
-    none,
-    condition,  // ( ) of if, with, switch, catch
-    loop,       // ( ) of while and for: a pattern or a statement follows
-    call,       // ( ) behind what is called, or behind the name of a function
-    group,      // any other ( )
-    index,      // [ ] behind a value
-    list,       // any other [ ]
-    block,      // { } of statements
-    body,       // { } of a function that is a statement
-    expression_body,
-    object,  // { } of properties
-};
+// The name that is written, with its escapes \uXXXX read.
+std::string unescaped(std::string_view name) {
+    std::string read;
+    for (std::size_t i = 0; i < name.size(); ++i) {
+        if (name.substr(i).starts_with("\\u") && i + 6 <= name.size()) {
+            const unsigned long unit =
+                std::strtoul(std::string(name.substr(i + 2, 4)).c_str(), nullptr, 16);
+            read.push_back(unit < 0x80 ? static_cast<char>(unit) : '?');
+            i += 5;
+        } else {
+            read.push_back(name[i]);
+        }
+    }
+    return read;
+}
 
 class Rewriter {
 public:
@@ -49,260 +46,157 @@ public:
 
     std::string run() {
         for (;;) {
-            Piece piece{lexer_.next(pattern_allowed())};
-            finish_call(piece.token);
-            if (piece.token.kind == TokenKind::end) break;
-            check_name(piece.token);
-            pieces_.push_back(std::move(piece));
-            take(pieces_.size() - 1);
+            const Token token = lexer_.next(!pieces_.ends_value());
+            finish_call(token);
+            finish_loop_head(token);
+            if (token.kind == TokenKind::end) break;
+            check_name(token);
+            edits_.emplace_back();
+            take(pieces_.add(token));
         }
-        if (!open_.empty())
-            throw SyntaxProblem(pieces_[open_.back().piece].token.line,
-                                "the '" + std::string(pieces_[open_.back().piece].token.text) +
-                                    "' of this line is never closed");
+        if (!pieces_.open().empty()) {
+            const Token& opening = pieces_[pieces_.open().back().piece].token;
+            throw SyntaxProblem(opening.line, "the '" + std::string(opening.text) +
+                                                  "' of this line is never closed");
+        }
         return assembled();
     }
 
 private:
-    static constexpr std::size_t nowhere = static_cast<std::size_t>(-1);
+    static constexpr std::size_t nowhere = Piece::nowhere;
 
-    struct Piece {
-        Token token;
-        Role role = Role::none;         // of a bracket
-        std::size_t partner = nowhere;  // of a bracket
-        bool is_prefix = false;         // of "++" and "--"
-        bool is_conditional = false;    // of ":"
+    // What becomes of a token.
+    struct Edit {
         std::string before = {};
         std::optional<std::string> instead = {};
         std::string after = {};
+        bool has_loop = false;  // of the brace that opens a function's body
     };
-
-    struct Bracket {
-        std::size_t piece;
-        int conditionals = 0;  // "?" that wait for their ":"
-        bool is_for_header = false;
-        int semicolons = 0;
-        bool has_loop = false;  // of a function's body
-    };
-
-    Bracket& innermost() { return open_.empty() ? outermost_ : open_.back(); }
-    bool is_in_object() const {
-        return !open_.empty() && pieces_[open_.back().piece].role == Role::object;
-    }
-
-    // The token before `index`; nothing at the beginning.
-    const Piece* before(std::size_t index) const {
-        return index > 0 ? &pieces_[index - 1] : nullptr;
-    }
-
-    // Whether the name is a word of the language here: behind a dot it is a member's name.
-    bool is_reserved(std::size_t index) const {
-        const Piece& piece = pieces_[index];
-        if (piece.token.kind != TokenKind::name) return false;
-        if (const Piece* previous = before(index); previous && previous->token.is("."))
-            return false;
-        return is_one_of(piece.token.text, operator_words) ||
-               is_one_of(piece.token.text, other_words);
-    }
-
-    // Whether a value ends with this token, so that "(" calls it and "/" divides it.
-    bool ends_value(std::size_t index) const {
-        const Piece& piece = pieces_[index];
-        switch (piece.token.kind) {
-            case TokenKind::name:
-                return !is_reserved(index);
-            case TokenKind::number:
-            case TokenKind::text:
-            case TokenKind::pattern:
-                return true;
-            case TokenKind::sign:
-                break;
-            case TokenKind::end:
-                return false;
-        }
-        if (piece.token.is(")")) return piece.role == Role::call || piece.role == Role::group;
-        if (piece.token.is("}"))
-            return piece.role == Role::object || piece.role == Role::expression_body;
-        if (piece.token.is("++") || piece.token.is("--")) return !piece.is_prefix;
-        return piece.token.is("]");
-    }
-
-    bool value_ended() const { return !pieces_.empty() && ends_value(pieces_.size() - 1); }
-    bool pattern_allowed() const { return !value_ended(); }
 
     static void check_name(const Token& token) {
-        if (token.kind != TokenKind::name) return;
-        std::string name(token.text);
-        for (std::string_view underscore : {"\\u005f", "\\u005F"})
-            for (std::size_t at; (at = name.find(underscore)) != std::string::npos;)
-                name.replace(at, underscore.size(), "_");
-        if (name.starts_with(reserved_prefix))
+        if (token.kind == TokenKind::name && unescaped(token.text).starts_with(reserved_prefix))
             throw SyntaxProblem(token.line, "names that begin with '" +
                                                 std::string(reserved_prefix) +
                                                 "' belong to the script engine");
     }
 
     void take(std::size_t index) {
-        const Token token = pieces_[index].token;
-        finish_for_header(token);
-        if (token.kind != TokenKind::sign) return;
+        const Piece& piece = pieces_[index];
+        const Token& token = piece.token;
+        take_loop_body(index);
         if (token.is("(")) {
-            open(index, paren_role(index));
-        } else if (token.is("[")) {
-            open(index, index > 0 && ends_value(index - 1) ? Role::index : Role::list);
+            if (piece.role == Role::loop && pieces_.follows_word(index, "while"))
+                edits_[index].after = loop_tick() + ",";
         } else if (token.is("{")) {
-            open(index, brace_role(index));
-        } else if (token.is(")") || token.is("]") || token.is("}")) {
-            close(index);
-        } else if (token.is("++") || token.is("--")) {
-            const bool is_postfix = index > 0 && ends_value(index - 1) && !token.begins_line;
-            pieces_[index].is_prefix = !is_postfix;
-            if (!is_postfix) has_prefix_ = true;
-        } else if (token.is("?")) {
-            ++innermost().conditionals;
-        } else if (token.is(":")) {
-            if (innermost().conditionals > 0) {
-                --innermost().conditionals;
-                pieces_[index].is_conditional = true;
-            }
+            if (pieces_.follows_word(index, "finally") || follows_catch(index))
+                edits_[index].after = as_statement(tick);
+        } else if (token.is(")") && piece.role == Role::loop) {
+            if (pieces_.closed().in_at != nowhere) for_in_body_ = index;
+        } else if (token.is("}") &&
+                   (piece.role == Role::body || piece.role == Role::expression_body)) {
+            begin_body(piece.partner);
         } else if (token.is(";")) {
-            innermost().conditionals = 0;
-            if (innermost().is_for_header && ++innermost().semicolons == 1) for_condition_ = index;
+            if (!pieces_.open().empty() && pieces_.open().back().is_for_header &&
+                pieces_.open().back().semicolons == 1)
+                for_condition_ = index;
+        } else if (token.is_word("in")) {
+            if (!pieces_.open().empty() && pieces_.open().back().in_at == index)
+                edits_[index].after = " " + loop_tick() + ",";
+        } else if (piece.is_prefix) {
+            has_prefix_ = true;
         }
     }
 
-    void open(std::size_t index, Role role) {
-        pieces_[index].role = role;
-        Bracket bracket{index};
-        if (role == Role::loop) {
-            if (pieces_[index - 1].token.text == "for")
-                bracket.is_for_header = true;
-            else
-                pieces_[index].after = loop_tick() + ",";
-        }
-        open_.push_back(bracket);
+    bool follows_catch(std::size_t brace) const {
+        return pieces_.follows_sign(brace, ")") && pieces_[brace - 1].role == Role::condition &&
+               pieces_.follows_word(pieces_[brace - 1].partner, "catch");
     }
 
-    void close(std::size_t index) {
-        Piece& piece = pieces_[index];
-        const std::string_view expected = piece.token.is(")")   ? "("
-                                          : piece.token.is("]") ? "["
-                                                                : "{";
-        if (open_.empty() || !pieces_[open_.back().piece].token.is(expected))
-            throw SyntaxProblem(piece.token.line,
-                                "this '" + std::string(piece.token.text) + "' closes nothing");
-        const Bracket bracket = open_.back();
-        open_.pop_back();
-        piece.partner = bracket.piece;
-        pieces_[bracket.piece].partner = index;
-        piece.role = pieces_[bracket.piece].role;
-        if (piece.role == Role::body || piece.role == Role::expression_body) begin_body(bracket);
-    }
-
-    Role paren_role(std::size_t index) const {
-        if (index == 0) return Role::group;
-        if (is_reserved(index - 1)) {
-            const std::string_view word = pieces_[index - 1].token.text;
-            if (word == "while" || word == "for") return Role::loop;
-            if (word == "if" || word == "with" || word == "switch" || word == "catch")
-                return Role::condition;
-            return word == "function" ? Role::call : Role::group;
-        }
-        return ends_value(index - 1) ? Role::call : Role::group;
-    }
-
-    Role brace_role(std::size_t index) const {
-        const Piece* previous = before(index);
-        if (previous == nullptr) return Role::block;
-        const Token& token = previous->token;
-        if (token.is(")")) {
-            if (previous->role == Role::condition || previous->role == Role::loop)
-                return Role::block;
-            return is_expression_function(previous->partner) ? Role::expression_body : Role::body;
-        }
-        if (token.kind == TokenKind::name && !is_one_of(token.text, operator_words))
-            return Role::block;
-        if (token.kind == TokenKind::name)
-            return is_reserved(index - 1) ? Role::object : Role::block;
-        if (token.kind != TokenKind::sign || token.is(";") || token.is("{") || token.is("}") ||
-            token.is("]"))
-            return Role::block;
-        if (token.is(":"))
-            return is_in_object() || previous->is_conditional ? Role::object : Role::block;
-        return Role::object;
-    }
-
-    // Whether the function whose parameters open at `paren` is part of an expression.
-    bool is_expression_function(std::size_t paren) const {
-        std::size_t word = paren;
-        for (int back = 0; back < 2 && word > 0; ++back)
-            if (pieces_[--word].token.is_word("function")) break;
-        if (!pieces_[word].token.is_word("function") || !is_reserved(word)) return true;
-        const Piece* previous = before(word);
-        if (previous == nullptr || ends_value(word - 1)) return false;
-        const Token& token = previous->token;
-        if (token.kind == TokenKind::name) return is_one_of(token.text, operator_words);
-        if (token.is(":")) return is_in_object() || previous->is_conditional;
-        return !(token.is(";") || token.is("{") || token.is("}") || token.is(")"));
-    }
-
-    // The tick of a loop that begins here.
+    // The tick of a loop that is read just now.
     std::string loop_tick() {
-        for (auto bracket = open_.rbegin(); bracket != open_.rend(); ++bracket) {
+        for (auto bracket = pieces_.open().rbegin(); bracket != pieces_.open().rend(); ++bracket) {
             const Role role = pieces_[bracket->piece].role;
             if (role != Role::body && role != Role::expression_body) continue;
-            bracket->has_loop = true;
+            edits_[bracket->piece].has_loop = true;
             return std::string(counted_tick);
         }
-        return std::string(tick_call);
+        return std::string(tick);
     }
 
     // Behind the first ";" of a for: now that the next token is known.
-    void finish_for_header(const Token& next) {
+    void finish_loop_head(const Token& next) {
         if (for_condition_ == nowhere) return;
-        const bool has_condition = !next.is(";");
-        pieces_[for_condition_].after = loop_tick() + (has_condition ? "," : "");
+        edits_[for_condition_].after = loop_tick() + (next.is(";") ? ",true" : ",");
         for_condition_ = nowhere;
+    }
+
+    // The statement that a for-in carries out begins with a tick, wherever it has room for one:
+    // loops have ticks of their own, and what leaves the loop needs none.
+    void take_loop_body(std::size_t index) {
+        if (for_in_body_ == nowhere) return;
+        const Token& token = pieces_[index].token;
+        if (token.is("{")) {
+            edits_[index].after = as_statement(loop_tick());
+        } else if (token.is("(") && pieces_[index].role == Role::condition) {
+            edits_[index].after = loop_tick() + ",";
+        } else if (pieces_[index].is_reserved) {
+            for (std::string_view word : {"if", "switch", "with", "try"})
+                if (token.is_word(word)) return;
+            for (std::string_view word : {"typeof", "new", "void", "delete"})
+                if (token.is_word(word)) edits_[index - 1].after += " " + loop_tick() + ",";
+        } else if (token.kind == TokenKind::name && Lexer(lexer_).next(false).is(":")) {
+            return;  // a label
+        } else if (token.is(":") && index > for_in_body_ + 1) {
+            return;
+        } else if (!token.is(";") && !token.is("}")) {
+            edits_[index - 1].after += " " + loop_tick() + ",";
+        }
+        for_in_body_ = nowhere;
     }
 
     // Whether a text ends as a statement of its own where this token follows it.
     static bool ends_directive(const Token& follower) {
         if (follower.is("}")) return true;
-        if (!follower.begins_line) return false;
+        if (!follower.begins_line || follower.is_word("in") || follower.is_word("instanceof"))
+            return false;
         return follower.kind != TokenKind::sign || follower.is("{") || follower.is("!") ||
                follower.is("~") || follower.is("++") || follower.is("--");
     }
 
     // The statement that a function begins with stands behind its directives ("use strict").
-    void begin_body(const Bracket& bracket) {
-        std::size_t last = bracket.piece;
+    void begin_body(std::size_t opening) {
+        std::size_t last = opening;
         while (pieces_[last + 1].token.kind == TokenKind::text) {
-            const Piece& follower = pieces_[last + 2];
-            if (follower.token.is(";"))
+            const Token& follower = pieces_[last + 2].token;
+            if (follower.is(";"))
                 last += 2;
-            else if (ends_directive(follower.token))
+            else if (ends_directive(follower))
                 ++last;
             else
                 break;
         }
-        std::string& after = pieces_[last].after;
-        const bool needs_end = last != bracket.piece && !pieces_[last].token.is(";");
-        after = (needs_end ? ";" : "") + std::string(tick_call) + ";" +
-                (bracket.has_loop ? "var __orvo_n=0;" : "") + after;
+        std::string& after = edits_[last].after;
+        const bool needs_end = last != opening && !pieces_[last].token.is(";");
+        after = (needs_end ? ";" : "") +
+                std::string(edits_[opening].has_loop ? "var __orvo_n=" : "") + std::string(tick) +
+                ";" + after;
     }
 
-    // Now that the token behind a call is known: whether something is assigned to the call.
+    // Now that the token behind a call is known: whether something is assigned to the call, or
+    // whether it is a call of eval.
     void finish_call(const Token& next) {
-        if (pieces_.empty()) return;
+        if (pieces_.size() == 0) return;
         const std::size_t closing = pieces_.size() - 1;
         if (!pieces_[closing].token.is(")") || pieces_[closing].role != Role::call) return;
-        const bool assigned = next.kind == TokenKind::sign &&
-                              (is_one_of(next.text, assignment_signs) ||
-                               ((next.is("++") || next.is("--")) && !next.begins_line));
+        const bool assigned =
+            next.kind == TokenKind::sign &&
+            (std::ranges::find(assignment_signs, next.text) != std::end(assignment_signs) ||
+             ((next.is("++") || next.is("--")) && !next.begins_line));
         const bool goes_on = next.is(".") || next.is("(") || next.is("[");
-        if (!assigned && (goes_on || !has_prefix_)) return;
+        if (!assigned && (goes_on || !has_prefix_)) return take_evaluation(closing);
         const std::optional<std::size_t> start = callee_start(closing);
-        if (!assigned && !(start && *start > 0 && pieces_[*start - 1].is_prefix)) return;
+        if (!assigned && !(start && *start > 0 && pieces_[*start - 1].is_prefix))
+            return take_evaluation(closing);
         if (!start)
             throw SyntaxProblem(pieces_[closing].token.line, std::string(refused_assignment));
         make_slot(*start, closing);
@@ -324,53 +218,67 @@ private:
                     continue;
                 }
                 if (role != Role::group) return std::nullopt;
-            } else if (piece.token.kind != TokenKind::name || is_reserved(at)) {
+            } else if (piece.token.kind != TokenKind::name || piece.is_reserved) {
                 return std::nullopt;
             }
-            if (at > 0 && pieces_[at - 1].token.is(".")) {
+            if (pieces_.follows_sign(at, ".")) {
                 at -= 2;
                 continue;
             }
             break;
         }
         // "new" takes the first call for itself; its result can be called on.
-        for (; at > 0 && pieces_[at - 1].token.is_word("new") && is_reserved(at - 1); --at) --calls;
+        for (; pieces_.follows_word(at, "new"); --at) --calls;
         if (calls < 1) return std::nullopt;
         return at;
     }
 
     void make_slot(std::size_t start, std::size_t closing) {
-        Piece& opening = pieces_[pieces_[closing].partner];
-        const std::size_t callee = pieces_[closing].partner - 1;
-        std::string name = "null";
-        if (pieces_[callee].token.kind == TokenKind::name && callee > 0 &&
-            pieces_[callee - 1].token.is(".")) {
-            name = "\"" + std::string(pieces_[callee].token.text) + "\"";
-            pieces_[callee - 1].instead = ",";
-            pieces_[callee].instead = name;
-            opening.instead = ",[";
+        const std::size_t opening = pieces_[closing].partner;
+        const std::size_t callee = opening - 1;
+        if (pieces_[callee].token.kind == TokenKind::name && pieces_.follows_sign(callee, ".")) {
+            edits_[callee - 1].instead = ",";
+            edits_[callee].instead = "\"" + std::string(pieces_[callee].token.text) + "\"";
+            edits_[opening].instead = ",[";
         } else if (pieces_[callee].token.is("]")) {
-            pieces_[pieces_[callee].partner].instead = ",(";
-            pieces_[callee].instead = ")";
-            opening.instead = ",[";
+            edits_[pieces_[callee].partner].instead = ",(";
+            edits_[callee].instead = ")";
+            edits_[opening].instead = ",[";
         } else {
-            opening.instead = ",null,[";
+            edits_[opening].instead = ",null,[";
         }
-        pieces_[start].before = std::string(slot_name) + "(" + pieces_[start].before;
-        pieces_[closing].instead = "]).value";
+        edits_[start].before = std::string(slot_name) + "(" + edits_[start].before;
+        edits_[closing].instead = "]).value";
+    }
+
+    // A call of eval by its name and with one argument sees the variables around it. Others are
+    // calls of a function like any other, among the globals.
+    void take_evaluation(std::size_t closing) {
+        const std::size_t opening = pieces_[closing].partner;
+        if (opening == 0 || opening + 1 == closing || pieces_.closed().commas > 0) return;
+        const std::size_t word = opening - 1;
+        if (!pieces_[word].token.is_word("eval") || pieces_[word].is_key ||
+            pieces_.follows_sign(word, ".") || pieces_.follows_word(word, "new") ||
+            pieces_.follows_word(word, "function"))
+            return;
+        const bool ends_statement =
+            pieces_[word].token.begins_line && word > 0 && pieces_.ends_value(word - 1);
+        edits_[word].instead = std::string(ends_statement ? ";(" : "(") + evaluate_name;
+        edits_[closing].instead = "),eval(" + std::string(text_name) + "(eval)))";
     }
 
     std::string assembled() const {
         std::string out;
         out.reserve(source_.size() + source_.size() / 4);
         std::size_t copied = 0;
-        for (const Piece& piece : pieces_) {
-            const auto begin = static_cast<std::size_t>(piece.token.text.data() - source_.data());
+        for (std::size_t i = 0; i < pieces_.size(); ++i) {
+            const std::string_view text = pieces_[i].token.text;
+            const auto begin = static_cast<std::size_t>(text.data() - source_.data());
             out.append(source_.substr(copied, begin - copied));
-            out += piece.before;
-            out += piece.instead ? std::string_view(*piece.instead) : piece.token.text;
-            out += piece.after;
-            copied = begin + piece.token.text.size();
+            out += edits_[i].before;
+            out += edits_[i].instead ? std::string_view(*edits_[i].instead) : text;
+            out += edits_[i].after;
+            copied = begin + text.size();
         }
         out.append(source_.substr(copied));
         return out;
@@ -378,11 +286,11 @@ private:
 
     std::string_view source_;
     Lexer lexer_;
-    std::vector<Piece> pieces_;
-    std::vector<Bracket> open_;
-    Bracket outermost_{nowhere};
+    Structure pieces_;
+    std::vector<Edit> edits_;  // one for each piece
     std::size_t for_condition_ = nowhere;
-    bool has_prefix_ = false;  // whether any "++" or "--" stands before its operand
+    std::size_t for_in_body_ = nowhere;  // the ")" before it
+    bool has_prefix_ = false;            // whether any "++" or "--" stands before its operand
 };
 
 }  // namespace

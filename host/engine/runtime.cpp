@@ -14,7 +14,10 @@ namespace {
 
 using std::chrono::steady_clock;
 
-constexpr unsigned ticks_of_a_look = 64;
+// Between two ticks of a loop: cheap rounds cost little more than without ticks, and slow ones are
+// seen before they add up to a second.
+constexpr int rounds_of_a_tick = 31;
+constexpr std::chrono::milliseconds slow_rounds{1};
 constexpr std::int32_t no_number = 0;
 
 // What Duktape hands to `protect`'s steps is all outside of its reach; this happens only when the
@@ -38,7 +41,7 @@ struct Global : Passage {
     static duk_ret_t put(duk_context* context, void* data) {
         auto& self = *static_cast<Global*>(data);
         self.push(context, self.value);
-        duk_put_global_lstring(context, self.name.data(), self.name.size());
+        define_global(context, self.name.c_str());
         return 0;
     }
 };
@@ -50,7 +53,7 @@ struct GlobalFunction {
     static duk_ret_t put(duk_context* context, void* data) {
         auto& self = *static_cast<GlobalFunction*>(data);
         push_host_function(context, self.index);
-        duk_put_global_lstring(context, self.name.data(), self.name.size());
+        define_global(context, self.name.c_str());
         return 0;
     }
 };
@@ -60,7 +63,8 @@ duk_ret_t execute(duk_context* context, void* data) {
     void* code = duk_push_fixed_buffer(context, program.code.size());
     std::memcpy(code, program.code.data(), program.code.size());
     duk_load_function(context);
-    duk_call(context, 0);
+    duk_push_global_object(context);
+    duk_call_method(context, 0);
     return 0;
 }
 
@@ -122,30 +126,25 @@ Handle* Runtime::add(Handle handle) {
 void Runtime::remove(Handle* handle) noexcept { handles_.erase(handle->self); }
 
 void Runtime::set_time_limit(std::chrono::milliseconds limit) {
-    limit_ = limit;
-    deadline_ = steady_clock::now() + limit;
-    is_expired_ = false;
+    time_.set(limit);
+    is_end_noted_ = false;
 }
 
-void Runtime::clear_time_limit() {
-    deadline_.reset();
-    is_expired_ = false;
-}
+void Runtime::clear_time_limit() { time_.clear(); }
 
 void Runtime::check(duk_context* context) {
-    if (is_stopped_) {
-        raise_error(context, stash::error, "The script was stopped");
-    }
-    if (!is_expired_) {
-        if (!deadline_ || steady_clock::now() < *deadline_) return;
-        is_expired_ = true;
-        note_place(context);
-    }
-    raise_error(context, stash::error, "The script ran longer than it may");
+    if (is_stopped_) raise_error(context, stash::error, "The script was stopped");
+    if (time_.is_over()) raise_error(context, stash::error, "The script ran longer than it may");
 }
 
-void Runtime::tick(duk_context* context) {
-    if (is_stopped_ || is_expired_ || ++ticks_ % ticks_of_a_look == 0) check(context);
+int Runtime::tick(duk_context* context) {
+    const auto before = time_.last_look();
+    check(context);
+    return time_.last_look() - before > slow_rounds ? 0 : rounds_of_a_tick;
+}
+
+void Runtime::note_thrown(duk_context* context, bool knows_place) {
+    if (time_.was_over() ? !std::exchange(is_end_noted_, true) : !knows_place) note_place(context);
 }
 
 void Runtime::note_place(duk_context* context) {
@@ -198,13 +197,13 @@ Ending Runtime::run(const std::shared_ptr<const Program::Content>& program) {
     const bool raised =
         duk_safe_call(context_, execute, const_cast<Program::Content*>(program.get()), 0, 1) !=
         DUK_EXEC_SUCCESS;
-    if (raised && !is_stopped_ && !is_expired_) raise_uncaught();
+    if (raised && !is_stopped_ && !time_.was_over()) raise_uncaught();
     duk_pop(context_);
     if (is_stopped_) return Ending::stopped;
-    if (is_expired_)
+    if (time_.was_over())
         throw ScriptError(
             Trouble::time_limit, noted_place(),
-            "The script ran longer than it may (" + std::to_string(limit_.count()) + " ms)");
+            "The script ran longer than it may (" + std::to_string(time_.limit().count()) + " ms)");
     return Ending::finished;
 }
 

@@ -9,10 +9,10 @@
 #include <list>
 #include <map>
 #include <memory>
-#include <optional>
 
 #include "host/engine/memory.h"
 #include "host/engine/script_engine.h"
+#include "host/engine/time_limit.h"
 
 namespace orvo::script {
 
@@ -47,17 +47,18 @@ public:
     void set_function(const std::string& name, HostFunction function);
     void set_time_limit(std::chrono::milliseconds limit);
     void clear_time_limit();
-    bool has_time_limit() const { return deadline_.has_value(); }
     Ending run(const std::shared_ptr<const Program::Content>& program);
     void stop() { is_stopped_ = true; }
 
     // For functions that the script calls; `context` is the script's.
     // Raises, inside the script, the failure that ends it, once it has to end.
     void check(duk_context* context);
-    // The same, for calling very often: looks at the clock now and then.
-    void tick(duk_context* context);
-    // Keeps the place of the statement that runs now.
-    void note_place(duk_context* context);
+    // The same for the ticks that rewriting adds: how many rounds of a loop may go by until the
+    // next one.
+    int tick(duk_context* context);
+    // Keeps the place of the statement that runs now, where the value that is thrown is none that
+    // knows its place, or where the time has run out.
+    void note_thrown(duk_context* context, bool knows_place);
 
     const EngineOptions& options() const { return options_; }
     const HostFunction& function(std::size_t index) const { return functions_[index]; }
@@ -72,24 +73,23 @@ private:
     void protect(duk_ret_t (*step)(duk_context*, void*), Work& work);
     // Of the value on top of the stack, which is taken off.
     [[noreturn]] void raise_uncaught();
+    void note_place(duk_context* context);
     Place noted_place() const;
 
     struct OwnMemory : Memory {
-        explicit OwnMemory(Runtime& runtime) : runtime(runtime) {}
+        explicit OwnMemory(Runtime& runtime) : Memory(&runtime.time_), runtime(runtime) {}
         Runtime& runtime;
     };
 
     EngineOptions options_;
+    TimeLimit time_;
     OwnMemory memory_;
     std::list<Handle> handles_;
     std::deque<HostFunction> functions_;
     std::map<std::string, std::shared_ptr<const Program::Content>, std::less<>>
         programs_;  // by file
-    std::optional<std::chrono::steady_clock::time_point> deadline_;
-    std::chrono::milliseconds limit_{0};
     bool is_stopped_ = false;
-    bool is_expired_ = false;
-    unsigned ticks_ = 0;
+    bool is_end_noted_ = false;  // the place at which the time ran out
     // Where a value was thrown last that is no error object, and so knows no place itself.
     struct {
         std::shared_ptr<const Program::Content> program;

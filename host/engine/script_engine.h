@@ -115,9 +115,10 @@ public:
     void set_global(const std::string& name, const Variant& value);
     void set_function(const std::string& name, HostFunction function);
 
-    // From now on; counts for all runs until it is set again. It is looked at in every loop, at the
-    // start of every function and at every call of a host's object. It cannot break off a single
-    // call of the host's or of the language's own library.
+    // From now on; counts for all runs until it is set again. The clock is looked at in every loop,
+    // at the start of every function, at every call of a host's object and as the language's own
+    // library asks for memory. It cannot break off a single call of the host's, nor one of the
+    // library's that asks for none.
     void set_time_limit(std::chrono::milliseconds limit);
     void clear_time_limit();
 

@@ -44,7 +44,7 @@ TEST_F(ScriptErrors, AreMadeOfANumberAndAText) {
     EXPECT_EQ(parts("Error(5, 'x')"), "Error|5|x|x");
     EXPECT_EQ(parts("new TypeError(-2146828283, 'x')"), "TypeError|-2146828283|x|x");
     EXPECT_EQ(parts("new Error(0x800A0005, 'x')"), "Error|-2146828283|x|x");
-    EXPECT_EQ(parts("new Error(5)"), "Error|5||");
+    EXPECT_EQ(parts("new Error(5)"), "Error|5|5|5");
     EXPECT_EQ(parts("new Error('x', 5)"), "Error|0|x|x");
     EXPECT_EQ(parts("new Error('5')"), "Error|0|5|5");
     EXPECT_EQ(parts("new Error()"), "Error|0||");
@@ -70,7 +70,7 @@ TEST_F(ScriptErrors, OfAScriptsOwnTellTheirNumberAndPlaceWhereNobodyCatchesThem)
     EXPECT_EQ(failed.number, 5);
     EXPECT_EQ(failed.description, u"x");
     EXPECT_EQ(failed.source, u"");
-    EXPECT_STREQ(error("throw new Error(5)").what(), "test.js, line 1: Error");
+    EXPECT_STREQ(error("throw new Error(5)").what(), "test.js, line 1: 5");
     EXPECT_EQ(error("throw new Error(5)").number, 5);
     EXPECT_STREQ(error("throw new Error('x')").what(), "test.js, line 1: Error: x");
     EXPECT_EQ(error("var e = new Error('x'); e.number = 0x80072030; throw e").number,
