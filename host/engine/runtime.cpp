@@ -144,26 +144,27 @@ int Runtime::tick(duk_context* context) {
 }
 
 void Runtime::note_thrown(duk_context* context, bool knows_place) {
-    if (time_.was_over() ? !std::exchange(is_end_noted_, true) : !knows_place) note_place(context);
+    const bool is_end = time_.was_over();
+    if (is_end ? is_end_noted_ : knows_place) return;
+    note_place(context);
+    is_end_noted_ = is_end;
 }
 
 void Runtime::note_place(duk_context* context) {
+    noted_ = {};
     for (duk_int_t level = -1;; --level) {
         duk_inspect_callstack_entry(context, level);
         if (duk_is_undefined(context, -1)) return duk_pop(context);
         duk_get_prop_literal(context, -1, "function");
-        if (duk_is_ecmascript_function(context, -1)) {
-            duk_get_prop_literal(context, -1, "fileName");
-            const auto program = programs_.find(std::string_view(duk_safe_to_string(context, -1)));
+        duk_get_prop_literal(context, -1, "fileName");
+        const auto program = programs_.find(std::string_view(duk_safe_to_string(context, -1)));
+        // Functions of the engine's own are of no program.
+        if (duk_is_ecmascript_function(context, -2) && program != programs_.end()) {
             duk_get_prop_literal(context, -3, "lineNumber");
-            noted_.line = duk_get_int_default(context, -1, 0);
-            if (program == programs_.end())
-                noted_.program.reset();
-            else
-                noted_.program = program->second;
+            noted_ = {program->second, duk_get_int_default(context, -1, 0)};
             return duk_pop_n(context, 4);
         }
-        duk_pop_2(context);
+        duk_pop_3(context);
     }
 }
 
