@@ -24,7 +24,8 @@ void serve(const Options& options) {
     DirectoryHealth health;
     WebLog log(options.access_log);
     ServerOptions server_options = options.server;
-    server_options.largest_body = server_options.largest_upload = site.largest_request;
+    server_options.largest_body = site.largest_request;
+    server_options.largest_upload = site.largest_upload;
     WebApp app(std::move(site), sessions, health, log, {.shows_details = options.shows_details});
     HttpServer server(
         server_options, [&](const HttpRequest& request) { return app.handle(request); },

@@ -148,6 +148,10 @@ constexpr std::array keys{
         }},
     Key{u"LargestRequest",
         [](const Setting& s, Site& site) { site.largest_request = s.bytes(1024, 1 << 30); }},
+    Key{u"LargestUpload",
+        [](const Setting& s, Site& site) {
+            site.largest_upload = s.bytes(1024, std::int64_t{1} << 40);
+        }},
     Key{u"DirectoryPool",
         [](const Setting& s, Site& site) { site.directory_pool = provider_settings(s); }},
     Key{u"DirectoryCache",

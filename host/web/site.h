@@ -14,6 +14,7 @@
 //     PageTimeout = 30
 //     ; bytes of a form
 //     LargestRequest = 1048576
+//     LargestUpload = 10485760
 //     ; looked for in this order where an address names a folder
 //     DefaultPages = default.asp, index.html
 //     ; handed to the directory provider (docs/provider.md) before the first page
@@ -62,6 +63,7 @@ struct Site {
     std::chrono::minutes session_lifetime{720};
     std::chrono::seconds page_timeout{30};
     std::size_t largest_request = 1024 * 1024;
+    std::size_t largest_upload = 10 * 1024 * 1024;
     std::vector<ProviderSetting> directory_pool = {};
     std::vector<ProviderSetting> directory_cache = {};
     int directory_share = 75;                             // percent

@@ -25,7 +25,7 @@ struct SitePath {
     // then as in the address. The same path where that is outside the site.
     std::string real_path = {};
     std::optional<std::filesystem::path> file = {};  // what may be read
-    bool lacks_slash = false;                   // a folder, without "/" at the end
+    bool lacks_slash = false;                        // a folder, without "/" at the end
 };
 // path: decoded, begins with "/" and has neither "." nor ".." among its parts.
 SitePath find_in_site(const std::filesystem::path& root, const std::string& path,

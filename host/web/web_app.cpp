@@ -8,7 +8,6 @@
 #include "host/web/guard.h"
 #include "host/web/page_runner.h"
 #include "host/web/site_files.h"
-#include "host/web/static_files.h"
 #include "platform/interfaces/call.h"
 #include "platform/interfaces/create.h"
 #include "platform/interfaces/late_call.h"
@@ -261,7 +260,7 @@ HttpResponse WebApp::file(const Served& served, const HttpRequest& request, cons
     if (!found.file || content_type_of(*found.file).empty())
         throw Refusal(404, "There is no such page.");
     if (request.method == "POST") throw Refusal(405, "A form cannot be sent to this address.");
-    return static_file(*found.file, request);
+    return files_.answer(*found.file, request);
 }
 
 HttpResponse WebApp::page(Served& served, const HttpRequest& request, const SitePath& found,

@@ -7,6 +7,7 @@
 #include "host/web/page_cache.h"
 #include "host/web/page_context.h"
 #include "host/web/site.h"
+#include "host/web/static_files.h"
 #include "host/web/web_log.h"
 
 namespace orvo::web {
@@ -71,6 +72,7 @@ private:
     WebLog& log_;
     const Options options_;
     ApplicationState application_;
+    StaticFiles files_;
 };
 
 // The path of a request's target, decoded. Raises Refusal (400) for one that no address of a site

@@ -42,12 +42,14 @@ TEST_F(SiteTest, NeedsNoSettings) {
     EXPECT_EQ(site.session_timeout, std::chrono::minutes(20));
     EXPECT_EQ(site.page_timeout, std::chrono::seconds(30));
     EXPECT_EQ(site.largest_request, 1048576u);
+    EXPECT_EQ(site.largest_upload, 10485760u);
 }
 
 TEST_F(SiteTest, IsSettledByItsFile) {
     const Site site = read(
         "LoginPage = /in/login.asp\nGuard = /account/ = 1, /admin/=10\nLoginCookie = ID\n"
         "SessionTimeout = 5\nSessionLifetime = 60\nPageTimeout = 3\nLargestRequest = 2048\n"
+        "LargestUpload = 4096\n"
         "DirectoryPool = MaximumSize = 32, IdleLimit=60\nDirectoryCache = Entries = 9\n"
         "DirectoryShare = 50\nLoginsOfOneUser = 3\nSessionMemory = 2000000\nDrainTime = 0\n"
         "defaultpages = start.asp\nContentSecurityPolicy = default-src 'self'\n");
@@ -58,6 +60,7 @@ TEST_F(SiteTest, IsSettledByItsFile) {
     EXPECT_EQ(site.session_lifetime, std::chrono::minutes(60));
     EXPECT_EQ(site.page_timeout, std::chrono::seconds(3));
     EXPECT_EQ(site.largest_request, 2048u);
+    EXPECT_EQ(site.largest_upload, 4096u);
     EXPECT_EQ(site.directory_pool,
               (std::vector<ProviderSetting>{{u"MaximumSize", u"32"}, {u"IdleLimit", u"60"}}));
     EXPECT_EQ(site.directory_cache, (std::vector<ProviderSetting>{{u"Entries", u"9"}}));
