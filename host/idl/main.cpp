@@ -1,34 +1,30 @@
 // Prints what is written from the component's tables.
-//
-//   orvo-idl                  the IDL (component/server/OrvoMembership.idl)
-//   orvo-idl --interfaces     that of others' interfaces (component/server/TavikPMMInterfaces.idl)
-//   orvo-idl --client         the C++ client's header (client/orvo/membership.h)
-//   orvo-idl --properties     the page of the user's properties (docs/user-properties.md)
-//   orvo-idl --property-list  their names for scripts (tests/conformance/user_catalogue.js.part)
 
 #include <iostream>
-#include <string_view>
 
 #include "component/server/library_idl.h"
+#include "host/common/command_line.h"
 #include "host/idl/client_header.h"
 #include "host/idl/properties_page.h"
 #include "host/idl/properties_script.h"
 
-int main(int argc, char** argv) {
-    const std::string_view what = argc > 1 ? argv[1] : "";
-    if (argc == 1)
-        std::cout << orvo::component_idl();
-    else if (argc == 2 && what == "--interfaces")
-        std::cout << orvo::provider_idl();
-    else if (argc == 2 && what == "--client")
-        std::cout << orvo::client_header();
-    else if (argc == 2 && what == "--properties")
-        std::cout << orvo::user_properties_page();
-    else if (argc == 2 && what == "--property-list")
-        std::cout << orvo::user_property_list_script();
-    else {
-        std::cerr << "usage: orvo-idl [--interfaces | --client | --properties | --property-list]\n";
-        return 2;
-    }
+int main(int count, char** words) {
+    orvo::CommandLine line("orvo-idl", "Prints what is written from the component's tables.");
+    std::string (*text)() = orvo::component_idl;
+    line.require_option(0, 1);
+    auto offer = [&](const std::string& name, const std::string& what, std::string (*that)()) {
+        line.add_flag_callback(
+            name, [&text, that] { text = that; }, what);
+    };
+    offer("--interfaces", "The IDL of others' interfaces (component/server/TavikPMMInterfaces.idl)",
+          orvo::provider_idl);
+    offer("--client", "The C++ client's header (client/orvo/membership.h)", orvo::client_header);
+    offer("--properties", "The page of the user's properties (docs/user-properties.md)",
+          orvo::user_properties_page);
+    offer("--property-list", "Their names for scripts (tests/conformance/user_catalogue.js.part)",
+          orvo::user_property_list_script);
+    line.footer("Without an option: the IDL (component/server/OrvoMembership.idl).");
+    if (const std::optional<int> code = line.read(count, words)) return *code;
+    std::cout << text();
     return std::cout.flush().good() ? 0 : 1;
 }

@@ -3,10 +3,9 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
-#include <optional>
-#include <string_view>
 
 #include "host/engine/script_engine.h"
+#include "host/script/options.h"
 #include "host/script/script_host.h"
 #include "platform/interfaces/create.h"
 
@@ -15,30 +14,20 @@ namespace {
 using namespace orvo;
 using namespace orvo::script;
 
-constexpr std::string_view usage =
-    "usage: orvo-script [--include FILE]... FILE [ARGUMENT]...\n"
-    "Runs a script file (ECMAScript 5, UTF-8) that makes Automation objects by ProgID.\n"
-    "  --include FILE  run this file first, among the same globals\n"
-    "Ends with 0, with what the script gave to WScript.Quit, with 1 where it failed, or with 2\n"
-    "where it cannot be read.\n";
-
 constexpr std::size_t memory_limit = std::size_t{1} << 30;
 constexpr int failed = 1;
 constexpr int unreadable = 2;
 
 struct Request {
     std::vector<std::string> files;  // the script itself is the last one
-    std::vector<Text> arguments;
+    std::vector<Text> arguments = {};
 };
 
-std::optional<Request> read_arguments(const std::vector<std::string_view>& words) {
-    Request request;
-    std::size_t at = 0;
-    for (; at + 1 < words.size() && words[at] == "--include"; at += 2)
-        request.files.emplace_back(words[at + 1]);
-    if (at == words.size() || words[at].starts_with('-')) return std::nullopt;
-    request.files.emplace_back(words[at]);
-    for (++at; at < words.size(); ++at) request.arguments.push_back(from_utf8(words[at]));
+Request request_of(const ScriptCommandLine& line) {
+    Request request{.files = line.includes};
+    request.files.push_back(line.file);
+    for (const std::string& argument : line.arguments)
+        request.arguments.push_back(from_utf8(argument));
     return request;
 }
 
@@ -76,18 +65,10 @@ int run(Request request) {
 }  // namespace
 
 int main(int count, char** words) {
-    const std::vector<std::string_view> arguments(words + 1, words + count);
-    if (arguments == std::vector<std::string_view>{"--help"}) {
-        std::cout << usage;
-        return 0;
-    }
-    std::optional<Request> request = read_arguments(arguments);
-    if (!request) {
-        std::cerr << usage;
-        return unreadable;
-    }
+    ScriptCommandLine line;
+    if (const std::optional<int> code = line.read(count, words)) return *code;
     try {
-        return run(std::move(*request));
+        return run(request_of(line));
     } catch (const std::exception& failure) {
         std::cerr << "orvo-script: " << failure.what() << '\n';
         return failed;

@@ -43,17 +43,11 @@ void serve(const Options& options) {
 }  // namespace
 
 int main(int count, char** words) {
+    WebCommandLine line;
+    if (const std::optional<int> code = line.read(count, words)) return *code;
     try {
-        const Options options = read_options({words + 1, words + count});
-        if (options.wants_help) {
-            std::cout << usage;
-            return 0;
-        }
-        serve(options);
+        serve(line.options);
         return 0;
-    } catch (const std::invalid_argument& mistake) {
-        std::cerr << "orvo-web: " << mistake.what() << "\n\n" << usage;
-        return 2;
     } catch (const orvo::Failure& failure) {
         std::cerr << "orvo-web: " << orvo::to_utf8(failure.description) << '\n';
         return 1;

@@ -1,64 +1,47 @@
 #include "host/web/options.h"
 
-#include <algorithm>
-#include <stdexcept>
-
 namespace orvo::web {
-namespace {
 
-int number(const std::string& option, const std::string& text, int least, int most) {
-    const bool is_number = !text.empty() && text.size() < 7 &&
-                           std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
-    const int value = is_number ? std::stoi(text) : -1;
-    if (value < least || value > most)
-        throw std::invalid_argument(option + " is a number from " + std::to_string(least) + " to " +
-                                    std::to_string(most) + ", not \"" + text + "\"");
-    return value;
-}
-
-}  // namespace
-
-Options read_options(const std::vector<std::string>& arguments) {
-    Options options;
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-        const std::string& argument = arguments[i];
-        auto value = [&]() -> const std::string& {
-            if (i + 1 == arguments.size()) throw std::invalid_argument(argument + " needs a value");
-            return arguments[++i];
-        };
-        if (argument == "--help") {
-            options.wants_help = true;
-            return options;
-        }
-        if (argument == "--address") {
-            options.server.address = value();
-        } else if (argument == "--port") {
-            options.server.port = number(argument, value(), 0, 65535);
-        } else if (argument == "--workers") {
-            options.server.workers = number(argument, value(), 1, 256);
-        } else if (argument == "--certificate") {
-            options.server.certificate = value();
-        } else if (argument == "--key") {
-            options.server.key = value();
-        } else if (argument == "--access-log") {
-            options.access_log = value();
-        } else if (argument == "--config") {
-            options.config = value();
-            if (options.config.empty()) throw std::invalid_argument("--config needs a value");
-        } else if (argument == "--details") {
-            options.shows_details = true;
-        } else if (argument.starts_with('-')) {
-            throw std::invalid_argument("there is no option " + argument);
-        } else if (options.site.empty()) {
-            options.site = argument;
-        } else {
-            throw std::invalid_argument("there is one site only, not also " + argument);
-        }
-    }
-    if (options.site.empty()) throw std::invalid_argument("which site?");
-    if (options.server.certificate.empty() != options.server.key.empty())
-        throw std::invalid_argument("--certificate and --key go together");
-    return options;
+WebCommandLine::WebCommandLine()
+    : CommandLine("orvo-web", "Serves the pages of a folder until it is interrupted.") {
+    ServerOptions& server = options.server;
+    add_option("SITE", options.site, "The folder")->required();
+    add_option("--config", options.config, "Settings of the site, instead of SITE/site.ini")
+        ->check(CLI::Validator(
+            [](const std::string& file) { return file.empty() ? "A file is needed" : ""; }, ""))
+        ->type_name("FILE");
+    add_option("--address", server.address, "Listen on this address")
+        ->capture_default_str()
+        ->type_name("ADDRESS");
+    add_option("--port", server.port, "Listen on this port; 0 is any that is free")
+        ->check(CLI::Range(0, 65535))
+        ->capture_default_str()
+        ->type_name("PORT");
+    add_option("--workers", server.workers, "Requests that are served at a time")
+        ->check(CLI::Range(1, 256))
+        ->capture_default_str()
+        ->type_name("N");
+    CLI::Option* certificate =
+        add_option("--certificate", server.certificate, "Serve HTTPS with this certificate (PEM)");
+    CLI::Option* key = add_option("--key", server.key, "The private key of the certificate");
+    certificate->type_name("FILE")->needs(key);
+    key->type_name("FILE")->needs(certificate);
+    add_option("--access-log", options.access_log, "Append a line for each request")
+        ->type_name("FILE");
+    add_flag("--details", options.shows_details, "Show the reasons of failures in the browser");
+    footer(
+        "Its first line on the standard output is \"Listening on\" and the address. SIGINT and\n"
+        "SIGTERM end it when it has answered what was asked.\n"
+        "\n"
+        "Environment:\n"
+        "  ORVO_SITE_CONFIG  the site configuration, instead of /etc/orvo/site.ini\n"
+        "  ORVO_COMPONENTS   folders of components in front of the user's and the system's\n"
+        "  ORVO_LOG_FILE     the component's log\n"
+        "\n"
+        "Exit status:\n"
+        "  0  it was stopped\n"
+        "  1  it cannot serve the folder, or ended before all was answered\n"
+        "  2  it was called in a wrong way");
 }
 
 }  // namespace orvo::web

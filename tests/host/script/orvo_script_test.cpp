@@ -107,14 +107,10 @@ TEST_F(OrvoScript, IncludedFilesRunFirstAmongTheSameGlobals) {
     EXPECT_EQ(code, 1);
 }
 
-TEST_F(OrvoScript, SaysHowItIsUsed) {
-    const std::string usage = run({"--help"});
-    EXPECT_EQ(usage.substr(0, usage.find('\n')),
-              "usage: orvo-script [--include FILE]... FILE [ARGUMENT]...");
-    EXPECT_EQ(code, 0);
+TEST_F(OrvoScript, SaysWhatIsMissing) {
     for (const std::vector<std::string>& wrong :
          {std::vector<std::string>{}, {"--include"}, {"--include", "a"}, {"--other", "a"}}) {
-        EXPECT_EQ(run(wrong), usage);
+        EXPECT_THAT(run(wrong), testing::EndsWith("; see orvo-script --help\n"));
         EXPECT_EQ(code, 2);
     }
 }

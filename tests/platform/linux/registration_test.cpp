@@ -129,15 +129,11 @@ TEST_F(Registration, ToolTellsModuleAndReasonAndGoesOn) {
     EXPECT_NE(said.find("cannot be written: Not a directory"), std::string::npos) << said;
 }
 
-TEST_F(Registration, ToolExplainsItself) {
+TEST_F(Registration, ToolSaysWhatIsMissing) {
     int status = -1;
-    EXPECT_NE(run_tool({}, status).find("usage: orvo-register [--unregister] MODULE..."),
-              std::string::npos);
+    EXPECT_EQ(run_tool({}, status),
+              "orvo-register: MODULE is required; see orvo-register --help\n");
     EXPECT_EQ(status, 2);
-    run_tool({"--unknown", "x.so"}, status);
-    EXPECT_EQ(status, 2);
-    run_tool({"--help"}, status);
-    EXPECT_EQ(status, 0);
 }
 
 }  // namespace

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "host/common/command_line.h"
+
+namespace orvo {
+
+struct RegisterCommandLine : CommandLine {
+    RegisterCommandLine();
+
+    std::vector<std::string> modules;
+    bool unregister = false;
+};
+
+}  // namespace orvo
