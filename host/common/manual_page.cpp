@@ -1,0 +1,184 @@
+#include "host/common/manual_page.h"
+
+#include <algorithm>
+#include <cctype>
+#include <sstream>
+
+#include "host/common/command_line.h"
+
+namespace orvo {
+namespace {
+
+using Commands = std::vector<const CLI::App*>;
+
+std::vector<const CLI::Option*> positionals_of(const CLI::App& app) {
+    return app.get_options([](const CLI::Option* option) { return option->get_positional(); });
+}
+std::vector<const CLI::Option*> options_of(const CLI::App& app) {
+    return app.get_options([](const CLI::Option* option) { return option->nonpositional(); });
+}
+
+std::string spelled(std::string text, char first) {
+    if (!text.empty()) text[0] = first;
+    return text;
+}
+
+// As the formatter of manuals takes it literally.
+std::string escaped(const std::string& text) {
+    std::string result;
+    for (const char c : text) {
+        if (c == '\\')
+            result += "\\e";
+        else if (c == '-')
+            result += "\\-";
+        else if (c == '\'' && result.empty())
+            result += "\\(aq";
+        else
+            result += c;
+    }
+    return result.starts_with('.') ? "\\&" + result : result;
+}
+
+std::string bold(const std::string& text) { return "\\fB" + escaped(text) + "\\fR"; }
+std::string italic(const std::string& text) { return "\\fI" + escaped(text) + "\\fR"; }
+
+std::string usage(const CLI::App& app, const std::string& command) {
+    std::string line = bold(command) + " [" + italic("OPTION") + "...]";
+    for (const CLI::Option* option : positionals_of(app)) {
+        std::string word = italic(option->get_name(true, false));
+        if (option->get_expected_max() >= CLI::detail::expected_max_vector_size) word += "...";
+        line += " " + (option->get_required() ? word : "[" + word + "]");
+    }
+    if (!app.get_subcommands({}).empty()) line += " " + italic("COMMAND");
+    return line;
+}
+
+void row(std::ostream& out, const std::string& head, const std::string& text) {
+    out << ".TP\n" << head << '\n' << text << '\n';
+}
+
+void rows_of_options(std::ostream& out, const CLI::App& app) {
+    for (const CLI::Option* option : positionals_of(app))
+        row(out, italic(option->get_name(true, false)), escaped(option->get_description()) + ".");
+    for (const CLI::Option* option : options_of(app)) {
+        if (app.get_parent() && option == app.get_help_ptr()) continue;
+        std::string head = bold(option->get_name(false, true));
+        if (option->get_type_size() != 0) head += " " + italic(value_name(*option));
+        const std::string otherwise = option->get_default_str();
+        row(out, head,
+            escaped(option->get_description()) + "." +
+                (otherwise.empty() ? "" : " Without it: " + escaped(otherwise) + "."));
+    }
+}
+
+// The footer: prose, and chapters of rows with two blanks between name and text.
+void chapters(std::ostream& out, const std::string& footer) {
+    std::istringstream lines(footer);
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t gap = line.find("  ", 2);
+        if (line.empty()) {
+            out << ".PP\n";
+        } else if (line.starts_with("  ") && gap != std::string::npos) {
+            row(out, bold(line.substr(2, gap - 2)),
+                escaped(line.substr(line.find_first_not_of(' ', gap))));
+        } else if (line.ends_with(':') && !line.starts_with(' ')) {
+            line.pop_back();
+            std::ranges::transform(line, line.begin(),
+                                   [](unsigned char c) { return std::toupper(c); });
+            out << ".SH " << line << '\n';
+        } else {
+            out << escaped(line.substr(std::min(line.size(), line.find_first_not_of(' ')))) << '\n';
+        }
+    }
+}
+
+void commands_below(std::ostream& out, const CLI::App& app, const std::string& command) {
+    for (const CLI::App* below : app.get_subcommands({})) {
+        const std::string name = command + " " + below->get_name();
+        if (below->get_subcommands({}).empty()) {
+            out << ".SS " << usage(*below, name) << '\n'
+                << escaped(below->get_description()) << ".\n";
+            rows_of_options(out, *below);
+        } else {
+            commands_below(out, *below, name);
+        }
+    }
+}
+
+std::string words_of(const CLI::App& app) {
+    std::string words;
+    for (const CLI::App* below : app.get_subcommands({})) words += below->get_name() + " ";
+    for (const CLI::Option* option : options_of(app))
+        for (const std::string& name : option->get_lnames()) words += "--" + name + " ";
+    if (!words.empty()) words.pop_back();
+    return words;
+}
+
+// Cases of two questions: into which command a word leads, and what may stand in a command.
+void completion_cases(const CLI::App& app, const std::string& path, std::string& steps,
+                      std::string& words) {
+    words += "        '" + path + "') words='" + words_of(app) + "' ;;\n";
+    for (const CLI::App* below : app.get_subcommands({})) {
+        const std::string deeper = path + " " + below->get_name();
+        steps += "            '" + deeper + "') path='" + deeper + "' ;;\n";
+        completion_cases(*below, deeper, steps, words);
+    }
+}
+
+}  // namespace
+
+std::string manual_page(const CLI::App& program, const std::string& see_also) {
+    const std::string name = program.get_name();
+    std::string title = name;
+    std::ranges::transform(title, title.begin(), [](unsigned char c) { return std::toupper(c); });
+    std::string description = program.get_description();
+    std::ostringstream out;
+    out << ".TH " << escaped(title) << " 1 \"\" \"OrvoMembership " << version() << "\"\n"
+        << ".SH NAME\n"
+        << escaped(name) << " \\- "
+        << escaped(spelled(description.substr(0, description.size() - 1),
+                           static_cast<char>(std::tolower(description.front()))))
+        << "\n.SH SYNOPSIS\n"
+        << usage(program, name) << "\n.SH DESCRIPTION\n";
+    const std::string footer = program.get_footer();
+    const std::size_t first_chapter = footer.find(":\n");
+    const std::size_t line =
+        first_chapter == std::string::npos ? footer.size() : footer.rfind('\n', first_chapter) + 1;
+    out << escaped(description) << '\n';
+    chapters(out, footer.substr(0, line));
+    out << ".SH OPTIONS\n";
+    rows_of_options(out, program);
+    if (!program.get_subcommands({}).empty()) {
+        out << ".SH COMMANDS\n";
+        commands_below(out, program, name);
+    }
+    chapters(out, footer.substr(line));
+    out << ".SH SEE ALSO\n" << escaped(see_also) << '\n';
+    return out.str();
+}
+
+std::string bash_completion(const CLI::App& program) {
+    std::string steps, words;
+    completion_cases(program, "", steps, words);
+    std::string function = "_" + program.get_name();
+    std::ranges::replace(function, '-', '_');
+    std::string loop;
+    if (!steps.empty())
+        loop =
+            "    for word in \"${COMP_WORDS[@]:1:COMP_CWORD-1}\"; do\n"
+            "        case \"$path $word\" in\n" +
+            steps +
+            "        esac\n"
+            "    done\n";
+    return function +
+           "() {\n"
+           "    local word path= words=\n" +
+           loop + "    case \"$path\" in\n" + words +
+           "    esac\n"
+           "    mapfile -t COMPREPLY < <(compgen -W \"$words\" -- \"${COMP_WORDS[COMP_CWORD]}\")\n"
+           "}\n"
+           "complete -o default -F " +
+           function + " " + program.get_name() + "\n";
+}
+
+}  // namespace orvo
