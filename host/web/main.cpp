@@ -1,11 +1,12 @@
 // orvo-web: serves a folder of server pages.
 
+#include <cstdlib>
 #include <iostream>
 
 #include "host/web/directory_setup.h"
 #include "host/web/memory_sessions.h"
 #include "host/web/options.h"
-#include "host/web/stop_signals.h"
+#include "host/web/signals.h"
 #include "host/web/web_app.h"
 #include "platform/values/failure.h"
 #include "suite/configuration/suite_configuration.h"
@@ -14,18 +15,43 @@ namespace {
 
 using namespace orvo::web;
 
+SessionLimits session_limits(const Site& site) {
+    return {.timeout = site.session_timeout,
+            .absolute = site.session_lifetime,
+            .most_bytes = site.session_memory};
+}
+
+// Goes on with new files for the logs and new settings; what cannot be read leaves the old ones.
+void reload(const Options& options, WebApp& app, MemorySessions& sessions, WebLog& log) {
+    log.reopen();
+    try {
+        const Site site = read_site(options.site, options.config);
+        std::string said = "the site's settings have been read again";
+        for (const std::string& key : keys_for_next_start(app.site(), site))
+            said += "; " + key + " counts from the next start";
+        app.replace(site);
+        sessions.set_limits(session_limits(site));
+        log.trouble(said);
+    } catch (const orvo::Failure& failure) {
+        log.trouble("the settings stay as they were: " + orvo::to_utf8(failure.description));
+    } catch (const std::exception& failure) {
+        log.trouble(std::string("the settings stay as they were: ") + failure.what());
+    }
+}
+
+// Until it is asked to end.
 void serve(const Options& options) {
-    hold_stop_signals();
+    hold_signals();
     Site site = read_site(options.site, options.config);
     set_up_directory(site);
-    MemorySessions sessions({.timeout = site.session_timeout,
-                             .absolute = site.session_lifetime,
-                             .most_bytes = site.session_memory});
+    MemorySessions sessions(session_limits(site));
     DirectoryHealth health;
     WebLog log(options.access_log);
     ServerOptions server_options = options.server;
     server_options.largest_body = site.largest_request;
     server_options.largest_upload = site.largest_upload;
+    server_options.directory_share = site.directory_share;
+    server_options.drain_time = site.drain_time;
     WebApp app(std::move(site), sessions, health, log, {.shows_details = options.shows_details});
     HttpServer server(
         server_options, [&](const HttpRequest& request) { return app.handle(request); },
@@ -33,11 +59,14 @@ void serve(const Options& options) {
          .refused = [&](const HttpRequest& request, HttpResponse& response,
                         auto duration) { app.note_refused(request, response, duration); },
          .trouble = [&](const std::string& sentence) { log.trouble(sentence); }});
-    const StopSignals signals([&] { server.stop(); });
+    const Signals signals([&] { server.stop(); }, [&] { reload(options, app, sessions, log); });
     std::cout << "Listening on " << server.url() << std::endl;
     if (const auto warning = warning_of_open_password(orvo::usual_site_file()); !warning.empty())
         std::cerr << "orvo-web: " << warning << std::endl;
-    server.run();
+    if (server.run()) return;
+    // What still runs is not waited for, here or by destructors.
+    log.trouble("ended before all requests were answered");
+    std::_Exit(1);
 }
 
 }  // namespace

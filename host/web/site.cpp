@@ -230,6 +230,20 @@ Site read_site(const fs::path& folder, const fs::path& config) {
     return site;
 }
 
+std::vector<std::string> keys_for_next_start(const Site& before, const Site& now) {
+    std::vector<std::string> keys;
+    const auto compare = [&](const char* key, const auto& a, const auto& b) {
+        if (a != b) keys.emplace_back(key);
+    };
+    compare("LargestRequest", before.largest_request, now.largest_request);
+    compare("LargestUpload", before.largest_upload, now.largest_upload);
+    compare("DirectoryPool", before.directory_pool, now.directory_pool);
+    compare("DirectoryCache", before.directory_cache, now.directory_cache);
+    compare("DirectoryShare", before.directory_share, now.directory_share);
+    compare("DrainTime", before.drain_time, now.drain_time);
+    return keys;
+}
+
 const GuardedPath* guard_of(const Site& site, std::string_view path) {
     const GuardedPath* longest = nullptr;
     for (const GuardedPath& guard : site.guards)

@@ -85,6 +85,9 @@ struct Site {
 //                   whose folder is not there; or a link in the folder leads nowhere
 Site read_site(const std::filesystem::path& folder, const std::filesystem::path& config = {});
 
+// The keys that differ between two readings and count from the next start of the program only.
+std::vector<std::string> keys_for_next_start(const Site& before, const Site& now);
+
 // The application that guards a path; null for a path that anybody may see. Of several guards the
 // longest path counts. Paths are compared without regard to case, so that no spelling slips by.
 const GuardedPath* guard_of(const Site& site, std::string_view path);

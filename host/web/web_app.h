@@ -37,6 +37,7 @@ public:
     // Serves by other settings from now on; a request that runs keeps those that it began with.
     // Raises what the constructor does, and then goes on as before.
     void replace(Site site);
+    Site site() const { return served()->site; }
 
     ApplicationState& application() { return application_; }
 

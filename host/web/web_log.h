@@ -4,10 +4,10 @@
 
 #include <chrono>
 #include <filesystem>
-#include <fstream>
-#include <mutex>
+#include <optional>
 
 #include "host/web/http_message.h"
+#include "host/web/log_file.h"
 
 namespace orvo::web {
 
@@ -16,20 +16,23 @@ namespace orvo::web {
 // no header, no cookie and nothing of a form. Any thread.
 class WebLog {
 public:
-    // access: where the requests go; empty: nowhere. Failures go to the standard error stream.
-    // Raises std::runtime_error where the file cannot be opened.
+    // access: where the requests go; empty: nowhere. All else goes to the standard error stream.
+    // Raises std::system_error where the file cannot be opened.
     explicit WebLog(const std::filesystem::path& access);
 
     void request(const HttpRequest& request, const HttpResponse& response,
                  std::chrono::steady_clock::duration duration, std::string_view note);
-    // What went wrong with the server itself.
+    // What the server has to say of itself.
     void trouble(std::string_view sentence);
     // Answers the reference under which the line can be found.
     std::string failure(std::string_view path, std::string_view text);
+    // Goes on in a file of the same name, after somebody has moved the one with the requests away.
+    // Says where that fails, and then goes on as before.
+    void reopen();
 
 private:
-    std::mutex lock_;
-    std::ofstream access_;
+    std::optional<LogFile> access_;
+    LogFile errors_;
 };
 
 // On one line, with what is no printable ASCII character written as \xNN.

@@ -99,6 +99,14 @@ protected:
         }
         throw std::runtime_error("it does not listen: " + content_of(log()));
     }
+    // Until the program has said something, on either stream.
+    bool says(const std::string& what) {
+        for (int i = 0; i < 2000 && process_->running(); ++i) {
+            if (content_of(log()).find(what) != std::string::npos) return true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        return content_of(log()).find(what) != std::string::npos;
+    }
     static HttpResult log_in(Browser& browser, const std::string& user, const std::string& password,
                              const std::string& address = "/login.asp") {
         return browser.post(address, {{"user", user}, {"password", password}});
@@ -308,6 +316,81 @@ TEST_F(OrvoWebTest, OneUserHasAsManyLoginsAsTheSiteSays) {
     EXPECT_EQ(first.get("/account/")->status, 302);
     EXPECT_EQ(second.get("/account/")->status, 200);
     EXPECT_EQ(other.get("/account/")->status, 200);
+}
+
+TEST_F(OrvoWebTest, SighupReadsTheSettingsAgainAndOpensTheLogAnew) {
+    write("extra/x.html", "extra");
+    const fs::path access = folder_.path() / "access.log";
+    Browser browser(start({"--access-log", access}));
+    EXPECT_EQ(browser.get("/extra/x.html")->status, 200);
+    fs::rename(access, folder_.path() / "access.log.1");
+    write("site.ini", "[SITE]\nGuard = /extra/ = 1\nDrainTime = 3\n");
+    process_->send(SIGHUP);
+    EXPECT_TRUE(
+        says("orvo-web: the site's settings have been read again; DrainTime counts from the "
+             "next start\n"));
+    EXPECT_EQ(browser.get("/extra/x.html")->status, 302);
+    EXPECT_EQ(browser.get("/admin/")->status, 200);
+    EXPECT_NE(content_of(folder_.path() / "access.log.1").find("GET /extra/x.html 200"),
+              std::string::npos);
+    EXPECT_NE(content_of(access).find("GET /admin/ 200"), std::string::npos);
+
+    write("site.ini", "[SITE]\nGaurd = /admin/ = 10\n");
+    process_->send(SIGHUP);
+    EXPECT_TRUE(
+        says("orvo-web: the settings stay as they were: site.ini, line 2: there is no key "
+             "\"Gaurd\"; did you mean \"Guard\"?\n"));
+    EXPECT_EQ(browser.get("/extra/x.html")->status, 302);
+}
+
+class OrvoWebStopTest : public OrvoWebTest {
+protected:
+    // A page that runs until it is stopped, or for a while; answers when it has begun.
+    std::thread run_page(int port, std::string page, HttpResult& result) {
+        write("begin.asp", "<% var begun = new Date(); Application('begun') = true; while (" +
+                               page + "); %>done");
+        write("begun.asp", "<%= Application('begun') ? 'yes' : 'no' %>");
+        std::thread running([port, &result] { result = HttpClient(port).get("/begin.asp"); });
+        Browser browser(port);
+        for (int i = 0; i < 1000 && browser.get("/begun.asp")->body != "yes"; ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        return running;
+    }
+};
+
+TEST_F(OrvoWebStopTest, APageThatRunsIsAnsweredBeforeTheEnd) {
+    HttpResult result{"not asked"};
+    std::thread running = run_page(start(), "new Date() - begun < 500", result);
+    process_->send(SIGTERM);
+    EXPECT_EQ(process_->wait(), 0) << content_of(log());
+    running.join();
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->body, "done");
+}
+
+TEST_F(OrvoWebStopTest, AnEndIsNotPutOffForLongerThanTheSiteSays) {
+    write("site.ini", "[SITE]\nPageTimeout = 3600\nDrainTime = 1\n");
+    HttpResult result{"not asked"};
+    std::thread running = run_page(start(), "true", result);
+    process_->send(SIGTERM);
+    EXPECT_EQ(process_->wait(), 1);
+    running.join();
+    EXPECT_FALSE(result);
+    EXPECT_TRUE(says("orvo-web: ended before all requests were answered\n"));
+}
+
+TEST_F(OrvoWebStopTest, ASecondSignalEndsAtOnce) {
+    write("site.ini", "[SITE]\nPageTimeout = 3600\nDrainTime = 3600\n");
+    HttpResult result{"not asked"};
+    std::thread running = run_page(start(), "true", result);
+    process_->send(SIGTERM);
+    process_->send(SIGHUP);  // is answered by the same thread, so the first one has been seen
+    EXPECT_TRUE(says("the site's settings have been read again"));
+    EXPECT_TRUE(process_->running());
+    process_->send(SIGTERM);
+    EXPECT_EQ(process_->wait(), 1);
+    running.join();
+    EXPECT_FALSE(result);
 }
 
 }  // namespace

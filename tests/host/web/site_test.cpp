@@ -185,6 +185,14 @@ TEST_F(SiteTest, IsNotWhereThereIsNoFolder) {
     }
 }
 
+TEST_F(SiteTest, TellsWhatCountsFromTheNextStartOnly) {
+    const Site before = read("PageTimeout = 5\nDrainTime = 1\n");
+    EXPECT_EQ(keys_for_next_start(before, before), std::vector<std::string>());
+    EXPECT_EQ(keys_for_next_start(before, read("PageTimeout = 6\nLargestRequest = 5000\n"
+                                               "DirectoryCache = Entries = 5\n")),
+              (std::vector<std::string>{"LargestRequest", "DirectoryCache", "DrainTime"}));
+}
+
 TEST_F(SiteTest, TheLongestGuardedPathCountsWhateverItsCase) {
     const Site site = read("Guard = /account/ = 1, /account/admin/ = 10\n");
     const auto application = [&](std::string_view path) {
