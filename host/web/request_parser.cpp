@@ -14,6 +14,8 @@ using beast::error_code;
 
 // Of a chunk's size with its extensions, and of the headers behind the last chunk.
 constexpr std::size_t longest_chunk_line = 4096;
+// Of the end of a body in chunks: the library takes for granted that so much is there.
+constexpr std::size_t shortest_chunked_end = std::string_view("0\r\n\r\n").size();
 
 std::string_view view(beast::string_view text) { return {text.data(), text.size()}; }
 
@@ -231,7 +233,8 @@ void RequestParser::parse_head() {
 }
 
 bool RequestParser::parse_body() {
-    if (bytes_.empty()) return false;
+    if (bytes_.empty() || (reader_->chunked() && bytes_.size() < shortest_chunked_end))
+        return false;
     error_code error;
     const std::size_t count = reader_->put(boost::asio::buffer(bytes_), error);
     bytes_.erase(0, count);

@@ -34,6 +34,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Corpus{"distinguished_name", distinguished_name_properties},
                     Corpus{"filter", filter_properties},
                     Corpus{"generalized_time", generalized_time_properties},
+                    Corpus{"http_request", http_request_properties},
                     Corpus{"ldif", ldif_properties}, Corpus{"schema_file", schema_file_properties}),
     [](const auto& info) { return info.param.name; });
 

@@ -1,7 +1,7 @@
 #pragma once
 
-// The properties that hold for any input, one function for each kind of text that the directory
-// reads. libFuzzer calls them with inputs that it makes (fuzz_main.cpp), the ordinary tests with
+// The properties that hold for any input, one function for each kind of text that is read
+// from elsewhere. libFuzzer calls them with inputs that it makes (fuzz_main.cpp), the ordinary tests with
 // those of tests/fuzz/corpus (corpus_test.cpp).
 
 #include <stdexcept>
@@ -38,6 +38,7 @@ void access_rules_properties(std::string_view input);
 void distinguished_name_properties(std::string_view input);
 void filter_properties(std::string_view input);
 void generalized_time_properties(std::string_view input);
+void http_request_properties(std::string_view input);
 void ldif_properties(std::string_view input);
 void schema_file_properties(std::string_view input);
 

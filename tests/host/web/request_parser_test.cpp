@@ -59,6 +59,14 @@ TEST(RequestParser, ReadsItByteByByteAsWell) {
     EXPECT_EQ(request.header("Last"), "") << "what stands behind the body is passed over";
 }
 
+TEST(RequestParser, ReadsABodyWithoutChunksByteByByte) {
+    RequestParser parser(limits);
+    EXPECT_FALSE(parser.feed(chunked("")));
+    for (const char c : std::string("0\r\n\r")) EXPECT_FALSE(parser.feed({&c, 1}));
+    EXPECT_TRUE(parser.feed("\n"));
+    EXPECT_EQ(parser.take().body.size(), 0u);
+}
+
 TEST(RequestParser, KeepsWhatFollowsForTheNextRequest) {
     RequestParser parser(limits);
     EXPECT_TRUE(
