@@ -27,7 +27,7 @@ inTheShop('account', (tell) => {
         await visitor.press('Save');
         assert.equal(visitor.address(), '/account/');
         assert.equal(await visitor.done(), 'Your account has been saved.');
-        await visitor.picture('account saved', { fullPage: true });
+        await visitor.look('account saved');
 
         await visitor.page.reload();
         assert.equal(await visitor.done(), '');
@@ -54,32 +54,29 @@ inTheShop('account', (tell) => {
     tell('a password change is checked before it is made', async (visitor, { directory }) => {
         await visitor.resume('jsmith');
         await visitor.go('/password.asp');
-        const change = async (old, wanted, again) => {
-            await visitor.field('Current password').fill(old);
-            await visitor.field('New password').fill(wanted);
-            await visitor.field('New password again').fill(again);
-            await visitor.press('Change password');
-            return visitor.refusal();
+        const change = async (...words) => {
+            await visitor.changePassword(...words);
+            return (await visitor.refusal()).replace('Your password has not been changed. ', '');
         };
         assert.equal(await change('shop-sample', 'first words', 'other words'),
             'The new password is not the same twice.');
-        assert.equal(await change('wrong', 'first words', 'first words'),
+        assert.equal(await change('shop-sample', ''), 'The new password is empty.');
+        assert.equal(await change('wrong', 'first words'),
             'The current password is not correct.');
         assert.equal(await directory.accepts('jsmith', 'shop-sample'), true);
-        assert.equal(await change('shop-sample', 'short', 'short'),
+        assert.equal(await change('shop-sample', 'short'),
             'The directory refuses it. Password fails quality checking policy');
-        await visitor.picture('password refused');
+        await visitor.look('password refused');
         assert.equal(await directory.accepts('jsmith', 'shop-sample'), true);
     });
 
-    tell('after a password change the login goes on and only the new one counts',
+    tell('after a password change the login goes on, others end, and only the new one counts',
         async (visitor, shop) => {
+            const elsewhere = await shop.visitor();
+            await elsewhere.logIn('glee');
             await visitor.logIn('glee');
             await visitor.follow('Change password');
-            await visitor.field('Current password').fill('shop-sample');
-            await visitor.field('New password').fill('a longer word');
-            await visitor.field('New password again').fill('a longer word');
-            await visitor.press('Change password');
+            await visitor.changePassword('shop-sample', 'a longer word');
             assert.equal(await visitor.done(), 'Your password has been changed.');
             assert.equal(visitor.address(), '/account/');
             await visitor.page.reload();
@@ -88,28 +85,91 @@ inTheShop('account', (tell) => {
             await visitor.press('Save');
             assert.equal(await visitor.done(), 'Your account has been saved.');
 
-            const later = await shop.visitor();
-            await later.logIn('glee', 'shop-sample');
-            assert.equal(await later.refusal(), 'User name or password is wrong.');
-            await later.logInHere('glee', 'a longer word');
-            assert.equal(await later.loggedInAs(), 'glee');
+            await elsewhere.page.reload();
+            assert.equal(await elsewhere.refusal(), 'Your login has ended. Please log in again.');
+            await elsewhere.logInHere('glee', 'shop-sample');
+            assert.equal(await elsewhere.refusal(), 'User name or password is wrong.');
+            await elsewhere.logInHere('glee', 'a longer word');
+            assert.equal(await elsewhere.loggedInAs(), 'glee');
         });
 
     tell('a login whose password was changed elsewhere is told so', async (visitor, shop) => {
         await visitor.logIn('awalker');
-        const elsewhere = await shop.visitor();
-        await elsewhere.go('/password.asp');
-        await elsewhere.field('User name').fill('awalker');
-        await elsewhere.field('Current password').fill('shop-sample');
-        await elsewhere.field('New password').fill('changed elsewhere');
-        await elsewhere.field('New password again').fill('changed elsewhere');
-        await elsewhere.press('Change password');
-        assert.equal(elsewhere.address(), '/login.asp');
+        const admin = await shop.visitor();
+        await admin.logIn('admin');
+        await admin.go('/admin/member.asp?cn=awalker&ask=reset');
+        await admin.press('Replace password');
         await visitor.go('/account/');
         assert.equal(await visitor.refusal(), 'The directory does not accept your name and ' +
             'password any more. Please log in again.');
-        await visitor.logIn('awalker', 'changed elsewhere');
-        assert.equal(await visitor.refusal(), '');
-        assert.equal(await visitor.text('#cn'), 'awalker');
+        assert.equal(await visitor.loggedInAs(), '');
+        await visitor.look('account outdated');
     });
+
+    tell('what is wrong is told field by field, and nothing of it is saved',
+        async (visitor, { directory }) => {
+            const attributes = ['givenName', 'c', 'mail', 'DeliveryAddressID', 'sn'];
+            const before = await entry(directory, 'zeros', attributes);
+            await visitor.logIn('zeros');
+            await visitor.field('First name').fill('Somebody');
+            await visitor.field('E-mail').fill('nowhere');
+            await visitor.field('Country').fill('Germany');
+            await visitor.field('Delivery address').fill('12a');
+            await visitor.field('Last name').fill('x'.repeat(256));
+            await visitor.press('Save');
+            assert.equal(await visitor.refusal(), 'Nothing has been saved. ' +
+                'Last name: This is longer than 255 characters. ' +
+                'E-mail: "nowhere" is not a mail address. ' +
+                'Country: "Germany" is not a country\'s two letters. ' +
+                'Delivery address: "12a" is not a number.');
+            assert.equal(await visitor.field('First name').inputValue(), 'Somebody');
+            assert.equal(await visitor.field('Country').inputValue(), 'Germany');
+            assert.equal(await visitor.field('Country').getAttribute('aria-invalid'), 'true');
+            assert.equal(await visitor.field('First name').getAttribute('aria-invalid'), null);
+            await visitor.page.getByRole('link', { name: /^Country:/ }).click();
+            assert.equal(await visitor.page.evaluate(() => document.activeElement.name), 'Country');
+            await visitor.look('account with errors');
+            assert.deepEqual(await entry(directory, 'zeros', attributes), before);
+
+            await visitor.field('E-mail').fill('zeros@shop.example');
+            await visitor.field('Country').fill('de');
+            await visitor.field('Delivery address').fill('');
+            await visitor.field('Last name').fill('Body');
+            await visitor.press('Save');
+            assert.equal(await visitor.done(), 'Your account has been saved.');
+            assert.deepEqual(await entry(directory, 'zeros', attributes), { dn: before.dn,
+                givenName: ['Somebody'], sn: ['Body'], mail: ['zeros@shop.example'], c: ['de'] });
+        });
+
+    tell('a change that somebody else has made meanwhile is shown, and asked about',
+        async (visitor, shop) => {
+            const attributes = ['PhoneNumber', 'Position', 'OutOfOfficeOn'];
+            const elsewhere = await shop.visitor();
+            await visitor.logIn('Jörg Weiß');
+            await elsewhere.logIn('Jörg Weiß');
+            await elsewhere.field('Position').fill('Head of something');
+            await elsewhere.field('Phone').fill('1');
+            await elsewhere.field('I am out of office').check();
+            await elsewhere.press('Save');
+            assert.equal(await elsewhere.done(), 'Your account has been saved.');
+
+            await visitor.field('Phone').fill('2');
+            await visitor.press('Save');
+            assert.equal(await visitor.refusal(), 'Somebody else has changed this meanwhile. ' +
+                'Nothing has been saved. Please look at what is marked, and save again. ' +
+                'Phone: Changed meanwhile from nothing to "1". Saving replaces that with "2". ' +
+                'Position: Changed meanwhile from nothing to "Head of something". ' +
+                'I am out of office: Changed meanwhile from "no" to "yes".');
+            assert.equal(await visitor.field('Phone').inputValue(), '2');
+            assert.equal(await visitor.field('Position').inputValue(), 'Head of something');
+            assert.equal(await visitor.field('I am out of office').isChecked(), true);
+            await visitor.look('account changed meanwhile');
+            assert.deepEqual((await entry(shop.directory, 'Jörg Weiß', attributes)).PhoneNumber,
+                ['1']);
+            await visitor.press('Save');
+            assert.equal(await visitor.done(), 'Your account has been saved.');
+            const { dn, ...saved } = await entry(shop.directory, 'Jörg Weiß', attributes);
+            assert.deepEqual(saved, { PhoneNumber: ['2'], Position: ['Head of something'],
+                OutOfOfficeOn: ['1'] });
+        });
 });

@@ -43,6 +43,28 @@ OrvoUserType: 1
 ProfileCN: Buyers
 userPassword: shop-sample
 pwdReset: TRUE
+
+dn: cn=late,ou=Users,o=Shop
+objectClass: orvoPerson
+objectClass: top
+cn: late
+sn: Late
+OrvoGUID: 00000000000000000000000000000A03
+OrvoUserType: 1
+ProfileCN: Buyers
+userPassword: shop-sample
+pwdReset: TRUE
+
+dn: cn=retired,ou=Users,o=Shop
+objectClass: orvoPerson
+objectClass: top
+cn: retired
+sn: Retired
+OrvoGUID: 00000000000000000000000000000A04
+OrvoUserType: 1
+ProfileCN: Buyers
+userPassword: shop-sample
+pwdAccountLockedTime: 000001010000Z
 `;
 
 // `environment`: that of the programs which work with the shop.

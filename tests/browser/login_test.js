@@ -6,15 +6,56 @@ const { inTheShop } = require('./shop');
 inTheShop('login', (tell) => {
     tell('a right password leads to the account', async (visitor) => {
         await visitor.go('/');
-        await visitor.picture('welcome');
+        await visitor.look('welcome');
         await visitor.open(visitor.page.locator('main').getByRole('link', { name: 'Log in' }));
-        await visitor.picture('login');
+        await visitor.look('login');
         await visitor.logInHere('jsmith');
         assert.equal(visitor.address(), '/account/');
         assert.equal(await visitor.loggedInAs(), 'jsmith');
         assert.equal(await visitor.text('#cn'), 'jsmith');
         assert.deepEqual(await visitor.cookies(), ['QUENDRAID', 'orvosession']);
-        await visitor.picture('account');
+        await visitor.look('account');
+        await visitor.go('/');
+        await visitor.look('welcome logged in');
+    });
+
+    tell('what went wrong has the focus, and a key leads past the head', async (visitor) => {
+        const focus = () => visitor.page.evaluate(() => document.activeElement.id
+            || document.activeElement.className);
+        await visitor.go('/login.asp');
+        assert.equal(await focus(), 'f-user');
+        await visitor.logInHere('guest', 'wrong');
+        assert.equal(await focus(), 'problem');
+        await visitor.go('/');
+        await visitor.page.keyboard.press('Tab');
+        assert.equal(await focus(), 'skip');
+        assert.ok((await visitor.page.locator('.skip').boundingBox()).x >= 0);
+        await visitor.page.keyboard.press('Enter');
+        assert.equal(await focus(), 'main');
+    });
+
+    tell('nothing moves for who wants it so', async (visitor) => {
+        const scrolling = () => visitor.page.evaluate(
+            () => getComputedStyle(document.documentElement).scrollBehavior);
+        await visitor.go('/');
+        assert.equal(await scrolling(), 'smooth');
+        await visitor.page.emulateMedia({ reducedMotion: 'reduce' });
+        assert.equal(await scrolling(), 'auto');
+    });
+
+    tell('scripts and styles within a page are not carried out', async (visitor, shop) => {
+        await visitor.go('/');
+        await visitor.page.evaluate(() => {
+            const script = document.createElement('script');
+            script.textContent = 'document.title = "owned"';
+            document.body.append(script);
+            document.body.insertAdjacentHTML('beforeend', '<p style="color: red">styled</p>');
+        });
+        assert.notEqual(await visitor.page.title(), 'owned');
+        assert.notEqual(await visitor.page.getByText('styled').evaluate(
+            (element) => getComputedStyle(element).color), 'rgb(255, 0, 0)');
+        assert.equal(shop.brokenPages.length, 2);
+        shop.brokenPages = [];  // the browser's own lines about these two
     });
 
     tell('neither cookie is for scripts or for other sites', async (visitor) => {
@@ -32,7 +73,7 @@ inTheShop('login', (tell) => {
         assert.equal(await visitor.field('User name').inputValue(), 'guest');
         assert.equal(await visitor.field('Password').inputValue(), '');
         assert.deepEqual(await visitor.cookies(), ['orvosession']);
-        await visitor.picture('login refused');
+        await visitor.look('login refused');
         await visitor.go('/account/');
         assert.equal(visitor.address(), '/login.asp?url=%2Faccount%2F');
     });

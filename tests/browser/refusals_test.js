@@ -13,15 +13,28 @@ inTheShop('refusals', (tell) => {
         assert.equal(await visitor.refusal(),
             'This account is locked. Please ask an administrator.');
         assert.deepEqual(await visitor.cookies(), ['orvosession']);
-        await visitor.picture('login locked');
-        await visitor.go('/password.asp');
-        await visitor.field('User name').fill('zeros');
-        await visitor.field('Current password').fill('shop-sample');
-        await visitor.field('New password').fill('a longer word');
-        await visitor.field('New password again').fill('a longer word');
-        await visitor.press('Change password');
-        assert.equal(await visitor.refusal(),
-            'This account is locked. Please ask an administrator.');
+        await visitor.look('login locked');
+    });
+
+    tell('the password page is for who has shown a password that is right', async (visitor) => {
+        await visitor.go('/password.asp?user=jsmith');
+        assert.equal(visitor.address(), '/login.asp?url=%2Fpassword.asp');
+        await visitor.logInHere('jsmith');
+        assert.equal(visitor.address(), '/password.asp');
+    });
+
+    tell('it takes no password as often as one likes, and locks no account', async (visitor, shop) => {
+        await visitor.logIn('glee');
+        for (let i = 0; i < 5; ++i) {
+            await visitor.go('/password.asp');
+            await visitor.changePassword('guess', 'a longer word');
+        }
+        assert.equal(visitor.address(), '/login.asp');
+        assert.equal(await visitor.done(), 'That were too many attempts. Please log in again.');
+        assert.equal(await visitor.loggedInAs(), '');
+        assert.deepEqual(await visitor.cookies(), ['orvosession']);
+        // Three failures would have locked it.
+        assert.equal(await shop.directory.accepts('glee', 'shop-sample'), true);
     });
 
     tell('an expired password is changed, and the new one logs in', async (visitor, shop) => {
@@ -29,13 +42,10 @@ inTheShop('refusals', (tell) => {
         assert.equal(await visitor.refusal(),
             'Your password has expired. Please choose a new one.');
         assert.equal(await visitor.loggedInAs(), '');
-        await visitor.picture('login expired');
+        await visitor.look('login expired');
         await visitor.follow('Choose a new password');
-        assert.equal(await visitor.field('User name').inputValue(), 'stale');
-        await visitor.field('Current password').fill('shop-sample');
-        await visitor.field('New password').fill('a new spring');
-        await visitor.field('New password again').fill('a new spring');
-        await visitor.press('Change password');
+        await visitor.look('password expired');
+        await visitor.changePassword('shop-sample', 'a new spring');
         assert.equal(visitor.address(), '/login.asp');
         assert.equal(await visitor.done(),
             'Your password has been changed. Please log in with the new one.');
@@ -49,6 +59,37 @@ inTheShop('refusals', (tell) => {
         assert.equal(await visitor.refusal(),
             'Your password has expired. Please choose a new one.');
         assert.equal(await visitor.loggedInAs(), '');
+        await visitor.go('/account/');
+        assert.equal(visitor.address(), '/login.asp?url=%2Faccount%2F');
+        await visitor.go('/password.asp');
+        await visitor.changePassword('guess', 'a new spring');
+        assert.equal(await visitor.refusal(),
+            'Your password has not been changed. The current password is not correct.');
+        await visitor.changePassword('shop-sample', 'a new spring');
+        await visitor.logInHere('fresh', 'a new spring');
+        assert.equal(await visitor.loggedInAs(), 'fresh');
+    });
+
+    tell('a password that is changed elsewhere while a new one is chosen is not tried on',
+        async (visitor, shop) => {
+            await visitor.logIn('late');
+            await visitor.follow('Choose a new password');
+            const admin = await shop.visitor();
+            await admin.logIn('admin');
+            await admin.go('/admin/member.asp?cn=late&ask=reset');
+            await admin.press('Replace password');
+            await visitor.changePassword('shop-sample', 'a new spring');
+            assert.equal(visitor.address(), '/login.asp');
+            assert.equal(await visitor.done(), 'The directory does not accept your password any ' +
+                'more. Please log in again.');
+            await visitor.go('/password.asp');
+            assert.equal(visitor.address(), '/login.asp?url=%2Fpassword.asp');
+        });
+
+    tell('who is disabled is told so', async (visitor) => {
+        await visitor.logIn('retired');
+        assert.equal(await visitor.refusal(),
+            'This account is locked. Please ask an administrator.');
     });
 
     tell('who may use no application is told so and is not logged in', async (visitor) => {
@@ -57,7 +98,7 @@ inTheShop('refusals', (tell) => {
             'Your password is right, but your account may not use any application here.');
         assert.equal(await visitor.loggedInAs(), '');
         assert.deepEqual(await visitor.cookies(), ['orvosession']);
-        await visitor.picture('login no application');
+        await visitor.look('login no application');
         await visitor.go('/account/');
         assert.equal(visitor.address(), '/login.asp?url=%2Faccount%2F');
     });
@@ -70,7 +111,7 @@ inTheShop('refusals', (tell) => {
         assert.equal(await visitor.refusal(),
             'Your account may not open this page. You can log in with another one.');
         assert.equal(await visitor.loggedInAs(), 'jsmith');
-        await visitor.picture('login for the administration');
+        await visitor.look('login for the administration');
         await visitor.logInHere('admin');
         assert.equal(visitor.address(), '/admin/members.asp');
         assert.equal(await visitor.loggedInAs(), 'admin');

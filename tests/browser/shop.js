@@ -7,11 +7,16 @@ const fs = require('node:fs');
 const path = require('node:path');
 const { chromium } = require('playwright-core');
 const { Directory } = require('./directory');
+const { findings, schemes } = require('./looks');
 const { start, end, outputOf } = require('./processes');
 
 const bin = process.env.ORVO_BIN;
 const site = path.resolve(__dirname, '../../examples/shop');
 const longest = 120000;
+// The cases run at one width for each kind of directory.
+const kind = process.env.ORVO_BROWSER_DIRECTORY;
+const desktop = { width: 1280, height: 800 }, phone = { width: 360, height: 740 };
+const screen = kind === 'embedded' ? phone : desktop;
 
 // A browser's window. Each has cookies of its own.
 class Visitor {
@@ -21,10 +26,6 @@ class Visitor {
 
     go(address) { return this.page.goto(this.url + address); }
     field(label) { return this.page.getByLabel(label, { exact: true }); }
-    // Of a list, what its label holds are also the entries.
-    choice(label) {
-        return this.page.locator('label', { hasText: new RegExp(`^${label} `) }).locator('select');
-    }
     press(button) { return this.openBy('button', button); }
     follow(link) { return this.openBy('link', link); }
     openBy(role, name) { return this.open(this.page.getByRole(role, { name, exact: true })); }
@@ -34,7 +35,10 @@ class Visitor {
     title() { return this.page.locator('h1').textContent(); }
     text(selector) { return this.page.locator(selector).textContent(); }
     // What the page says went wrong, or has been done; '' where it says nothing.
-    async refusal() { return (await this.page.getByRole('alert').allTextContents()).join(); }
+    async refusal() {
+        const texts = await this.page.getByRole('alert').allTextContents();
+        return texts.join().replace(/\s+/g, ' ').trim();
+    }
     async done() { return (await this.page.getByRole('status').allTextContents()).join(); }
 
     // Fills the login form of the page that is open, and sends it.
@@ -46,6 +50,12 @@ class Visitor {
     async logIn(user, password) {
         await this.go('/login.asp');
         await this.logInHere(user, password);
+    }
+    async changePassword(old, wanted, again = wanted) {
+        await this.field('Current password').fill(old);
+        await this.field('New password').fill(wanted);
+        await this.field('New password again').fill(again);
+        await this.press('Change password');
     }
     // Goes on with the login of an earlier case, where there was one.
     async resume(user) {
@@ -60,15 +70,33 @@ class Visitor {
 
     async picture(name, options = {}) {
         const file = path.join(this.shop.pictures, `${name}.png`);
-        await this.page.screenshot({ path: file, ...options });
+        await this.page.screenshot({ path: file, fullPage: true, ...options });
+    }
+
+    // Looks at the page that has just been opened at both widths and in both colour schemes, keeps
+    // pictures of it, and finds nothing to complain of. Pages do not depend on the directory, so
+    // each is looked at in one of the runs.
+    async look(name) {
+        if (!this.shop.isLookedAt) return;
+        for (const size of [desktop, phone]) {
+            await this.page.setViewportSize(size);
+            for (const scheme of schemes) {
+                await this.page.emulateMedia({ colorScheme: scheme });
+                assert.deepEqual(await findings(this.page, scheme), [],
+                    `${name} at ${size.width} pixels, ${scheme}`);
+                if (scheme === 'light') await this.picture(`${name} ${size.width}`);
+            }
+            await this.page.emulateMedia({ colorScheme: null });
+        }
+        await this.page.setViewportSize(screen);
     }
 }
 
 class Shop {
     constructor(name) {
         this.name = name;
-        this.work = path.join(process.env.ORVO_BROWSER_WORK, process.env.ORVO_BROWSER_DIRECTORY,
-            name);
+        this.isLookedAt = kind === 'embedded' || name === 'directory_down';
+        this.work = path.join(process.env.ORVO_BROWSER_WORK, kind, name);
         this.pictures = path.join(process.env.ORVO_BROWSER_WORK, 'pictures');
         this.directory = new Directory(path.join(this.work, 'directory'), this.environment());
         this.hosts = [];
@@ -82,7 +110,8 @@ class Shop {
         fs.mkdirSync(path.join(this.work, 'components'), { recursive: true });
         fs.mkdirSync(this.pictures, { recursive: true });
         for (const file of fs.readdirSync(this.pictures))
-            if (file.startsWith(`failed ${this.name} -`)) fs.rmSync(path.join(this.pictures, file));
+            if (file.startsWith(`failed ${kind} ${this.name} -`))
+                fs.rmSync(path.join(this.pictures, file));
         const modules = ['OrvoMembership', 'OrvoSuite', 'OrvoEmbedded', 'OrvoPlatform'];
         await outputOf(path.join(bin, 'orvo-register'),
             modules.map((module) => path.join(bin, `${module}.so`)), this.environment());
@@ -117,7 +146,7 @@ class Shop {
     }
 
     async visitor(url = this.url) {
-        const context = await this.browser.newContext({ viewport: { width: 1180, height: 780 } });
+        const context = await this.browser.newContext({ viewport: screen });
         context.setDefaultTimeout(15000);
         const page = await context.newPage();
         const complain = (words) => this.brokenPages.push(`${page.url()}: ${words}`);
@@ -172,7 +201,7 @@ function inTheShop(name, cases) {
                 assert.deepEqual(shop.brokenPages, []);
             } catch (error) {
                 for (const [i, visitor] of shop.visitors.entries())
-                    await visitor.picture(`failed ${name} - ${title.replace(/\W+/g, ' ')} ${i}`);
+                    await visitor.picture(`failed ${kind} ${name} - ${title.replace(/\W+/g, ' ')} ${i}`);
                 throw error;
             } finally {
                 shop.brokenPages = [];

@@ -1,51 +1,43 @@
 <%@ Language="JScript" CodePage=65001 %>
 <!-- #include virtual="/parts/lib.inc" -->
+<!-- #include virtual="/parts/form.inc" -->
 <%
-var title = "My account", message = "";
-var user = opened("OrvoMembership.User", title);
+var title = "My account", problem = "", user = null;
 
-// What everybody may change of the own entry: property, words, kind of field.
+// What everybody may change of the own entry.
 var fields = [
-    ["FirstName", "First name", "text"], ["LastName", "Last name", "text"],
-    ["EMailAddress", "E-mail", "email"], ["PhoneNumber", "Phone", "tel"], ["Fax", "Fax", "tel"],
-    ["Position", "Position", "text"], ["Country", "Country", "text"],
-    ["DeliveryAddressID", "Delivery address", "number"],
-    ["SubstituteBuyer", "Substitute while away", "text"]
+    { name: "FirstName", attribute: "givenName", label: "First name", kind: "text", fill: "given-name" },
+    { name: "LastName", attribute: "sn", label: "Last name", kind: "text", fill: "family-name" },
+    { name: "EMailAddress", attribute: "mail", label: "E-mail", kind: "email", fill: "email" },
+    { name: "PhoneNumber", attribute: "PhoneNumber", label: "Phone", kind: "phone", most: 64, fill: "tel" },
+    { name: "Fax", attribute: "facsimileTelephoneNumber", label: "Fax", kind: "fax" },
+    { name: "Position", attribute: "Position", label: "Position", kind: "text", fill: "organization-title" },
+    { name: "Country", attribute: "c", label: "Country", kind: "country", fill: "country", hint: "Two letters, such as GB" },
+    { name: "DeliveryAddressID", attribute: "DeliveryAddressID", label: "Delivery address", kind: "number", hint: "Its number in the shop's list" },
+    { name: "SubstituteBuyer", attribute: "SubstituteBuyer", label: "Substitute while away", kind: "text" },
+    { name: "OutOfOfficeOn", attribute: "OutOfOfficeOn", label: "I am out of office", kind: "flag" }
 ];
-
-if (isPost()) {
-    if (!isOwnForm()) {
-        message = staleForm;
-    } else {
-        var label = "";
-        try {
-            for (var i = 0; i < fields.length; i++) {
-                var name = fields[i][0];
-                label = fields[i][1];
-                // Lists of members have columns of 255 characters.
-                if (posted(name).length > 255) throw new Error("this is too long");
-                if (posted(name) != String(user[name])) user[name] = posted(name);
-            }
-            label = "Out of office";
-            var isAway = posted("OutOfOfficeOn") == "on";
-            if (isAway != user.OutOfOfficeOn) user.OutOfOfficeOn = isAway;
-            goOn("/account/", "Your account has been saved.");
-        } catch (error) {
-            message = label + ": " + explained(error);
-        }
-    }
+var form = isSent(fields) ? formOf(fields) : null;
+try {
+    user = Server.CreateObject("OrvoMembership.User");
+    form = form || formOf(fields, user);
+} catch (error) {
+    problem = explained(error);
+    // A password that was changed elsewhere is not tried again.
+    if (error.number == outdated) endLogin();
 }
-// What a field shows: what was sent, or else the property.
-function shown(name) {
-    return html(isPost() ? posted(name) : user[name]);
+if (isPost() && user) {
+    problem = isOwnForm() ? saved(form, user) : staleForm;
+    if (!problem) goOn("/account/", "Your account has been saved.");
 }
 
-var roles = [];
-for (var i = 0; i < roleNames.length; i++)
-    if (user.HasRole(roleNames[i][0])) roles.push(roleNames[i][1]);
-var profile = user.Profile;
-var expiry = new Date(user.CreditCardExpiryDate);
-head(title, message);
+head(title, form ? problemOf(form, problem) : problem);
+if (user) {
+    var roles = [];
+    for (var i = 0; i < roleNames.length; i++)
+        if (user.HasRole(roleNames[i][0])) roles.push(roleNames[i][1]);
+    var profile = user.Profile;
+    var expiry = new Date(user.CreditCardExpiryDate);
 %>
 <div class="card">
 <h2>What the shop knows about you</h2>
@@ -58,18 +50,18 @@ head(title, message);
 <dt>Spend limit</dt><dd id="limit"><%= amount(user.SpendLimit) %></dd>
 <dt>Credit card valid until</dt><dd><%= expiry.getFullYear() > 1900 ? html((expiry.getMonth() + 1) + "/" + expiry.getFullYear()) : "no card" %></dd>
 </dl>
+<p class="bar"><a href="/password.asp">Change password</a><a href="/account/logins.asp">My logins</a></p>
 </div>
-<form class="card" method="post">
+<% } %>
+<% if (form) { %>
+<form class="card" method="post" action="/account/" novalidate>
 <h2>What you can change</h2>
 <%= tokenField() %>
 <div class="columns">
-<% for (var i = 0; i < fields.length; i++) { %>
-<label><%= fields[i][1] %> <input name="<%= fields[i][0] %>" type="<%= fields[i][2] %>"
-    value="<%= shown(fields[i][0]) %>"></label>
-<% } %>
+<% for (var i = 0; i < fields.length; i++) if (fields[i].kind != "flag") drawField(form, fields[i]); %>
 </div>
-<p><label class="tick"><input name="OutOfOfficeOn" type="checkbox"<%= (isPost() ? posted("OutOfOfficeOn") == "on" : user.OutOfOfficeOn) ? " checked" : "" %>>
-I am out of office</label></p>
-<div class="bar"><button>Save</button><a href="/password.asp">Change password</a></div>
+<% drawFields(form, ["OutOfOfficeOn"]); %>
+<button>Save</button>
 </form>
+<% } %>
 <% foot(); %>

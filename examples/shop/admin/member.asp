@@ -1,198 +1,180 @@
 <%@ Language="JScript" CodePage=65001 %>
 <!-- #include virtual="/parts/lib.inc" -->
+<!-- #include virtual="/parts/form.inc" -->
+<!-- #include virtual="/parts/members.inc" -->
 <%
 // One member: without a name in the query, a new one.
-var cn = asked("cn"), isNew = cn == "";
-var title = isNew ? "New member" : cn, message = "";
-
-var texts = [["FirstName", "First name"], ["LastName", "Last name"], ["EMailAddress", "E-mail"],
-             ["PhoneNumber", "Phone"], ["Position", "Position"], ["CompanyName", "Company"]];
-var limits = [["SpendLimit", "Spend limit"], ["ApproverLimit", "Approver limit"]];
+var cn = asked("cn"), isNew = cn == "", title = isNew ? "New member" : cn;
+var self = "member.asp?cn=" + Server.URLEncode(cn);
 var members = opened("OrvoMembership.Members", title);
-// What is being done, for the message when it fails.
-var label = "";
+var problem = "", user = null, form = null, wrong = {};
 
-function bound(name) {
-    var user = Server.CreateObject("OrvoMembership.User");
-    user.BindAs(name, String(Session("REMOTE_ACCOUNT")), String(Session("REMOTE_PASSWORD")));
-    return user;
+function namesOf(items) {
+    return items.map(function (item) { return [item, item]; });
 }
-
-// Numbers of the member's own entry, not those of its profile; 0 says that there are none.
-function ownNumbers(user, attribute) {
-    var numbers = new VBArray(user.GetAttribValue(attribute)).toArray(), own = [];
-    for (var i = 0; i < numbers.length; i++) if (numbers[i]) own.push(Number(numbers[i]));
-    return own;
+function numbered(items) {
+    return items.map(function (item, i) { return [i, item]; });
 }
-function has(numbers, wanted) {
-    for (var i = 0; i < numbers.length; i++) if (numbers[i] == wanted) return true;
-    return false;
+function profileNames() {
+    var names = [];
+    for (var list = Server.CreateObject("OrvoMembership.Profiles").AsRecordset(); !list.EOF; list.MoveNext())
+        names.push(list.Fields.Item("cn").Value);
+    return names;
 }
-// The roles that are ticked, and those of the member that have no box here.
-function chosenRoles(before) {
-    var chosen = [], known = {};
-    for (var i = 0; i < roleNames.length; i++) {
-        known[roleNames[i][0]] = true;
-        if (posted("role" + roleNames[i][0]) == "on") chosen.push(roleNames[i][0]);
-    }
-    for (var i = 0; i < before.length; i++) if (!known[before[i]]) chosen.push(before[i]);
-    return chosen;
-}
-function numbersIn(text) {
-    var words = text.replace(/,/g, " ").split(" "), numbers = [];
-    for (var i = 0; i < words.length; i++) {
-        if (words[i] == "") continue;
-        if (!/^\d{1,9}$/.test(words[i])) throw new Error("\"" + words[i] + "\" is not a number.");
-        numbers.push(Number(words[i]));
-    }
-    return numbers;
-}
-// Amounts are shown as they are edited: with a point, without grouping.
-function amountIn(text) {
-    if (!/^\d{1,15}(\.\d{1,4})?$/.test(text)) throw new Error("\"" + text + "\" is not an amount.");
-    return Number(text);
+function fieldsWith(profiles) {
+    return [
+        { name: "FirstName", attribute: "givenName", label: "First name", kind: "text" },
+        { name: "LastName", attribute: "sn", label: "Last name", kind: "text" },
+        { name: "EMailAddress", attribute: "mail", label: "E-mail", kind: "email" },
+        { name: "PhoneNumber", attribute: "PhoneNumber", label: "Phone", kind: "phone", most: 64 },
+        { name: "Position", attribute: "Position", label: "Position", kind: "text" },
+        { name: "CompanyName", attribute: "CompanyName", label: "Company", kind: "text" },
+        { name: "SpendLimit", attribute: "SpendLimit", label: "Spend limit", kind: "amount" },
+        { name: "ApproverLimit", attribute: "ApproverLimit", label: "Approver limit", kind: "amount" },
+        { name: "OrvoUserType", attribute: "OrvoUserType", label: "Kind of account", kind: "choice",
+          options: numbered(userTypes) },
+        { name: "ProfileCN", attribute: "ProfileCN", label: "Profile", kind: "choice",
+          options: [["", "none"]].concat(namesOf(profiles)) },
+        { name: "OrvoApps", attribute: "OrvoApps", label: "Own applications", kind: "numbers",
+          hint: "Their numbers; without any, those of the profile count" },
+        { name: "OrvoRoles", attribute: "OrvoRole", label: "Own roles", kind: "roles",
+          hint: "Without any, those of the profile count" }
+    ];
 }
 
-// Writes what differs from the entry.
-function save(user) {
-    for (var i = 0; i < texts.length; i++) {
-        var name = texts[i][0];
-        label = texts[i][1];
-        if (posted(name) != String(user[name])) user[name] = posted(name);
-    }
-    for (var i = 0; i < limits.length; i++) {
-        var name = limits[i][0];
-        label = limits[i][1];
-        if (posted(name) != "" && posted(name) != String(user[name]))
-            user[name] = amountIn(posted(name));
-    }
-    label = "Kind of account";
-    if (posted("type") != String(user.OrvoUserType)) user.OrvoUserType = Number(posted("type"));
-    label = "Profile";
-    if (posted("profile") != user.ProfileCN) user.ProfileCN = posted("profile");
-    label = "Roles";
-    var before = ownNumbers(user, "OrvoRole"), roles = chosenRoles(before);
-    if (String(roles.sort()) != String(before.sort())) {
-        if (roles.length) user.OrvoRoles = roles;
-        else user.ClearAttribValue("OrvoRole");
-    }
-    label = "Applications";
-    var applications = numbersIn(posted("apps"));
-    if (String(applications) != String(ownNumbers(user, "OrvoApps"))) {
-        if (applications.length) user.OrvoApps = applications;
-        else user.ClearOrvoApps();
-    }
+// Whether this member is who is logged in, who would lock the door from inside.
+function isOneself() {
+    return Server.CreateObject("OrvoMembership.User").CN == user.CN;
 }
 
-function create() {
-    label = "User name";
-    if (posted("cn") == "") throw new Error("A user name is needed.");
-    if (posted("password") == "") {
-        label = "Password";
-        throw new Error("A password is needed.");
-    }
-    // What can be wrong without the directory's help is looked at first.
-    label = "Applications";
-    numbersIn(posted("apps"));
-    for (var i = 0; i < limits.length; i++) {
-        label = limits[i][1];
-        if (posted(limits[i][0]) != "") amountIn(posted(limits[i][0]));
-    }
-    label = "New member";
-    members.CreateUser(posted("cn"), posted("password"));
-}
-
-if (isPost()) {
-    if (!isOwnForm()) {
-        message = staleForm;
-    } else {
+// Each of these does what its button says, goes on to another page, or answers what is wrong.
+var deeds = {
+    create: function () {
+        var changes = changesIn(form), name = posted("cn");
+        if (name == "") wrong.cn = "A user name is needed.";
+        if (posted("password") == "") wrong.password = "A password is needed.";
+        if (problems(form) || problems({ errors: wrong })) return "Nobody has been created.";
         try {
-            if (posted("delete") != "") {
-                label = "Delete";
-                members.DeleteUser(cn);
-                goOn("members.asp", cn + " has been deleted.");
-            }
-            var isCreated = isNew;
-            if (isNew) {
-                create();
-                // From here on the member is there, even if something that follows fails.
-                cn = title = posted("cn");
-                isNew = false;
-            }
-            save(bound(cn));
-            goOn("member.asp?cn=" + Server.URLEncode(cn),
-                 isCreated ? "The member has been created." : "The member has been saved.");
+            members.CreateUser(name, posted("password"));
         } catch (error) {
-            message = label + ": " + explained(error);
+            if (error.number == taken) wrong.cn = explained(error);
+            if (error.number == refused) wrong.password = explained(error);
+            return wrong.cn || wrong.password ? "Nobody has been created." : explained(error);
         }
+        var failed;
+        try {
+            failed = write(form, bound("User", name), changes);
+        } catch (error) {
+            failed = explained(error);
+        }
+        if (!failed)
+            goOn("member.asp?cn=" + Server.URLEncode(name), "The member has been created.");
+        try {
+            members.DeleteUser(name);
+        } catch (error) {
+            return failed + " The new member is there, and could not be removed again.";
+        }
+        return "Nobody has been created.";
+    },
+    save: function () {
+        var failed = saved(form, user);
+        if (!failed) goOn(self, "The member has been saved.");
+        return failed;
+    },
+    remove: function () {
+        if (isOneself()) return "This is your own account.";
+        members.DeleteUser(cn);
+        goOn("members.asp", cn + " has been deleted.");
+    },
+    unlock: function () {
+        user.ClearAttribValue("pwdAccountLockedTime");
+        goOn(self, "The account has been unlocked.");
+    },
+    reset: function () {
+        if (isOneself()) return "This is your own account.";
+        var password = Server.RandomText(16), done = "The password has been replaced.";
+        user.SetAttribValue("userPassword", [password]);
+        try {
+            user.SetAttribValue("pwdReset", [true]);
+        } catch (error) {
+            done += " The directory does not ask for another one at the next login: " + explained(error);
+        }
+        // The next page shows it, once.
+        Session("NewPasswordOf") = cn;
+        Session("NewPassword") = password;
+        goOn(self, done);
     }
+};
+
+var isReady = false;
+try {
+    var fields = fieldsWith([]);
+    fields = fieldsWith(profileNames());
+    if (!isNew) user = bound("User", cn);
+    isReady = true;
+    form = formOf(fields, user, { OrvoUserType: "1" });
+} catch (error) {
+    problem = error.number == missing
+        ? "There is no such member, or the member's profile is not there." : explained(error);
+    // What has been typed is not lost.
+    if (isSent(fields) && error.number != missing) form = formOf(fields);
+}
+var deed = deeds.hasOwnProperty(posted("do")) ? posted("do") : isNew ? "create" : "save";
+if (isPost() && isReady) {
+    try {
+        problem = isOwnForm() ? deeds[deed]() : staleForm;
+    } catch (error) {
+        problem = explained(error);
+    }
+} else if (user && asked("ask") == "remove") {
+    confirmation("Delete " + cn, "The entry of " + cn + " will be gone for good.", self, "remove", "Delete", self);
+} else if (user && asked("ask") == "reset") {
+    confirmation("New password for " + cn, "The present password of " + cn + " will not be accepted any more. " +
+        "You will see the new one once, to hand it on.", self, "reset", "Replace password", self);
 }
 
-var user = null, ownRoles = [], ownApps = [], profiles = [];
-try {
-    for (var list = opened("OrvoMembership.Profiles", title).AsRecordset(); !list.EOF; list.MoveNext())
-        profiles.push(list.Fields.Item("cn").Value);
-    if (!isNew) {
-        user = bound(cn);
-        ownRoles = ownNumbers(user, "OrvoRole");
-        ownApps = ownNumbers(user, "OrvoApps");
-    }
-} catch (error) {
-    user = null;
-    message = message || (error.number == -2147016656
-        ? "There is no such member, or the member's profile is not there." : explained(error));
-}
-// What a field shows: what was sent, or else the property.
-function value(field, property) {
-    return isPost() ? posted(field) : user ? user[property || field] : "";
-}
-function isTicked(role) {
-    return isPost() ? posted("role" + role) == "on" : has(ownRoles, role);
-}
-head(title, message);
+var shown = form ? problemOf(form, problem) : problem;
+if (wrong.password) shown.fields.unshift({ id: "f-password", text: "Password: " + wrong.password });
+if (wrong.cn) shown.fields.unshift({ id: "f-cn", text: "User name: " + wrong.cn });
+head(title, shown);
 %>
 <p><a href="members.asp">All members</a></p>
-<% if (isNew || user) { %>
-<form class="card" method="post" action="member.asp<%= isNew ? "" : "?cn=" + Server.URLEncode(cn) %>">
+<% if (user && Session("NewPasswordOf") == cn) { %>
+<div class="card secret">
+<h2>New password</h2>
+<p><code id="new-password"><%= html(Session("NewPassword")) %></code></p>
+<p class="hint">It is shown this once. Hand it to <%= html(cn) %> in a safe way.</p>
+</div>
+<% }
+   Session.Contents.Remove("NewPasswordOf");
+   Session.Contents.Remove("NewPassword");
+   if (user) {
+       var lockedSince = ownValues(user, "pwdAccountLockedTime")[0];
+       var state = stateOf(lockedSince, ownValues(user, "pwdReset")[0]); %>
+<div class="card">
+<h2>Login</h2>
+<p id="state"><% if (state == "locked") { %><b class="mark">locked</b> since <%= moment(new Date(lockedSince)) %><%
+   } else if (state) { %><b class="mark"><%= state %></b><% } else { %>Nothing is known against this account.<% } %></p>
+<div class="bar">
+<% if (lockedSince) { %><form method="post" action="<%= html(self) %>"><%= tokenField() %><button name="do" value="unlock">Unlock</button></form><% } %>
+<a class="button plain" href="<%= html(self) %>&amp;ask=reset">New password</a>
+<a class="button plain" href="<%= html(self) %>&amp;ask=remove">Delete this member</a>
+</div>
+</div>
+<% } %>
+<% if (form) { %>
+<form class="card" method="post" action="<%= isNew ? "member.asp" : html(self) %>" novalidate>
+<h2><%= isNew ? "Who it is" : "Entry" %></h2>
 <%= tokenField() %>
 <div class="columns">
-<% if (isNew) { %>
-<label>User name <input name="cn" required value="<%= html(posted("cn")) %>"></label>
-<label>Password <input name="password" type="password" autocomplete="new-password" required></label>
-<% } %>
-<% for (var i = 0; i < texts.length; i++) { %>
-<label><%= texts[i][1] %> <input name="<%= texts[i][0] %>" value="<%= html(value(texts[i][0])) %>"></label>
-<% } %>
-<% for (var i = 0; i < limits.length; i++) { %>
-<label><%= limits[i][1] %> <input name="<%= limits[i][0] %>" inputmode="decimal" value="<%= html(value(limits[i][0])) %>"></label>
-<% } %>
-<label>Kind of account <select name="type">
-<% var type = isNew && !isPost() ? 1 : value("type", "OrvoUserType");
-   for (var i = 0; i < userTypes.length; i++) { %><%= option(i, userTypes[i], type) %><% } %>
-</select></label>
-<label>Profile <select name="profile">
-<% var chosen = value("profile", "ProfileCN"), isKnown = chosen == ""; %><%= option("", "none", chosen) %>
-<% for (var i = 0; i < profiles.length; i++) { isKnown = isKnown || profiles[i] == chosen; %><%= option(profiles[i], profiles[i], chosen) %><% } %>
-<% if (!isKnown) { %><%= option(chosen, chosen + " (not there)", chosen) %><% } %>
-</select></label>
-<label>Own applications <input name="apps" placeholder="those of the profile"
-    value="<%= html(isPost() ? posted("apps") : ownApps.join(", ")) %>"></label>
+<% if (isNew) {
+       drawInput("cn", "User name", "autocomplete=\"off\" required value=\"" + html(posted("cn")) + "\"", wrong.cn);
+       drawInput("password", "Password", "type=\"password\" autocomplete=\"new-password\" required", wrong.password);
+   }
+   for (var i = 0; i < form.fields.length; i++) if (form.fields[i].kind != "roles") drawField(form, form.fields[i]); %>
 </div>
-<fieldset>
-<legend>Own roles; without any, those of the profile count</legend>
-<% for (var i = 0; i < roleNames.length; i++) { var role = roleNames[i][0]; %>
-<label class="tick"><input type="checkbox" name="role<%= role %>"<%= isTicked(role) ? " checked" : "" %>> <%= roleNames[i][1] %></label>
-<% } %>
-</fieldset>
-<button><%= isNew ? "Create" : "Save" %></button>
+<% drawFields(form, ["OrvoRoles"]); %>
+<button name="do" value="<%= isNew ? "create" : "save" %>"><%= isNew ? "Create" : "Save" %></button>
 </form>
-<% } %>
-<% if (user) { %>
-<details class="card">
-<summary>Delete this member</summary>
-<form method="post" action="member.asp?cn=<%= Server.URLEncode(cn) %>"><%= tokenField() %>
-<p>The entry of <b><%= html(cn) %></b> will be gone for good.</p>
-<button class="danger" name="delete" value="yes">Delete</button></form>
-</details>
 <% } %>
 <% foot(); %>

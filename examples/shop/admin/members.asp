@@ -1,79 +1,47 @@
 <%@ Language="JScript" CodePage=65001 %>
 <!-- #include virtual="/parts/lib.inc" -->
+<!-- #include virtual="/parts/members.inc" -->
 <%
-var title = "Members", message = "";
-var pageSize = 20;
-var name = asked("name"), role = Number(asked("role")) || 0, after = asked("after");
-var members = opened("OrvoMembership.Members", title);
-var rows = [], next = "";
-
-function row(records) {
-    var at = records.Fields;
-    return {
-        cn: at.Item("cn").Value, first: at.Item("givenName").Value, last: at.Item("sn").Value,
-        mail: at.Item("mail").Value, partner: at.Item("BusinessPartnerID").Value
-    };
-}
-function shown(value) {
-    // Several values come as an array.
-    return value !== null && typeof value == "object"
-        ? html(new VBArray(value).toArray().join(", ")) : html(value);
-}
-function link(withAfter) {
-    return "members.asp?name=" + Server.URLEncode(name) + (role ? "&role=" + role : "") +
-        (withAfter ? "&after=" + Server.URLEncode(withAfter) : "");
-}
-
+var title = "Members", problem = "";
+var wanted = wantedMembers(), after = asked("after");
+var members = opened("OrvoMembership.Members", title), page = { rows: [], next: "" };
 try {
-    var criteria = ["cn=*"];
-    if (name != "") {
-        var part = "=*" + escapedForFilter(name) + "*";
-        criteria.push("|(cn" + part + ")(sn" + part + ")(givenName" + part + ")(mail" + part + ")");
-    }
-    if (role) {
-        // One list of all who have the role, of their own or by their profile; it may name some twice.
-        var seen = {}, first = Number(after) || 0, count = 0;
-        var found = members.GetOrvoMembersHavingRoleEx(role, criteria, "cn");
-        for (; !found.EOF && next == ""; found.MoveNext()) {
-            var cn = "cn " + String(found.Fields.Item("cn").Value).toLowerCase();
-            if (seen[cn]) continue;
-            seen[cn] = true;
-            count++;
-            if (count > first + pageSize) next = String(first + pageSize);
-            else if (count > first) rows.push(row(found));
-        }
-    } else {
-        if (after != "") criteria.push("cn>=" + escapedForFilter(after));
-        var page = members.GetOrvoUsers(criteria, "", pageSize);
-        for (; !page.EOF; page.MoveNext()) rows.push(row(page));
-        if (rows.length == pageSize) next = members.GetLastPageValue();
-    }
+    page = membersPage(members, wanted, after, 20);
 } catch (error) {
-    message = explained(error);
+    problem = explained(error);
 }
-head(title, message);
+head(title, problem);
 %>
-<form class="card bar" method="get">
-<label>Name or mail <input name="name" value="<%= html(name) %>"></label>
-<label>Role <select name="role"><%= option("", "any", role || "") %>
-<% for (var i = 0; i < roleNames.length; i++) { %><%= option(roleNames[i][0], roleNames[i][1], role) %><% } %>
-</select></label>
+<form class="card bar" method="get" role="search">
+<div class="field"><label for="f-name">Name or mail</label>
+<input id="f-name" name="name" value="<%= html(wanted.name) %>"></div>
+<div class="field"><label for="f-role">Role</label>
+<select id="f-role" name="role"><%= option("", "any", wanted.role || "") %>
+<% for (var i = 0; i < roleNames.length; i++) { %><%= option(roleNames[i][0], roleNames[i][1], wanted.role) %><% } %>
+</select></div>
+<div class="field"><label for="f-state">State</label>
+<select id="f-state" name="state"><%= option("", "any", wanted.state) %>
+<% for (var i = 0; i < states.length; i++) { %><%= option(states[i][0], states[i][1], wanted.state) %><% } %>
+</select></div>
 <button>Search</button>
-<a class="button plain" href="member.asp">New member</a>
 </form>
+<p class="bar"><a class="button plain" href="member.asp">New member</a>
+<a class="button plain" href="<%= html(addressOf("members-csv.asp", wanted)) %>" download>Save list as CSV</a></p>
 <div class="card">
-<table id="members">
-<thead><tr><th>User name</th><th>First name</th><th>Last name</th><th>E-mail</th><th>Partner</th></tr></thead>
-<tbody>
-<% for (var i = 0; i < rows.length; i++) { %>
-<tr><td><a href="member.asp?cn=<%= Server.URLEncode(rows[i].cn) %>"><%= shown(rows[i].cn) %></a></td>
-<td><%= shown(rows[i].first) %></td><td><%= shown(rows[i].last) %></td>
-<td><%= shown(rows[i].mail) %></td><td><%= shown(rows[i].partner) %></td></tr>
+<% if (page.rows.length) { %>
+<table id="members" role="table">
+<%= heads(["User name", "First name", "Last name", "E-mail", "Partner", "State"]) %>
+<tbody role="rowgroup">
+<% for (var i = 0; i < page.rows.length; i++) { var row = page.rows[i]; %>
+<tr role="row"><%= cell("User name", memberLink(row.cn)) %><%= cell("First name", html(row.first)) %><%= cell("Last name", html(row.last)) %><%= cell("E-mail", html(row.mail)) %><%= cell("Partner", html(row.partner)) %><%= cell("State", row.state ? "<b class=\"mark\">" + row.state + "</b>" : "") %></tr>
 <% } %>
 </tbody>
 </table>
-<% if (rows.length == 0 && !message) { %><p id="nobody">Nobody was found.</p><% } %>
-<div class="pages"><span><% if (after) { %><a href="<%= html(link("")) %>">From the beginning</a><% } %></span>
-<% if (next) { %><a id="next" href="<%= html(link(next)) %>">Next page</a><% } %></div>
+<% } else if (!problem) { %><p id="nobody">Nobody was found.</p><% } %>
+<% if (page.isCut) { %><p class="hint">Of those who have this role, not all may be listed: a search by role ends after 1,000.</p><% } %>
+<% if (after || page.next) { %>
+<nav class="pages" aria-label="Pages"><% if (after) { %><a href="<%= html(addressOf("members.asp", wanted)) %>">From the beginning</a><% } %>
+<% if (page.next) { %><a id="next" href="<%= html(addressOf("members.asp", wanted, page.next)) %>">Next page</a><% } %></nav>
+<% } %>
 </div>
 <% foot(); %>

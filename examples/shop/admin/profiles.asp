@@ -1,26 +1,22 @@
 <%@ Language="JScript" CodePage=65001 %>
 <!-- #include virtual="/parts/lib.inc" -->
+<!-- #include virtual="/parts/form.inc" -->
 <%
-var title = "Profiles", message = "";
+var title = "Profiles", problem = "", wrong = "";
 var profiles = opened("OrvoMembership.Profiles", title);
 
 if (isPost()) {
     if (!isOwnForm()) {
-        message = staleForm;
+        problem = staleForm;
+    } else if (posted("name") == "") {
+        problem = wrong = "A profile needs a name.";
     } else {
         try {
-            var wanted = posted("delete");
-            if (wanted != "") {
-                if (profiles.DeleteProfile(wanted)) goOn("profiles.asp", wanted + " has been deleted.");
-                message = wanted + " is in use: members have this profile. It has not been deleted.";
-            } else if (posted("name") == "") {
-                message = "A profile needs a name.";
-            } else {
-                profiles.CreateProfile(posted("name"));
-                goOn("profiles.asp", posted("name") + " has been created.");
-            }
+            profiles.CreateProfile(posted("name"));
+            goOn("profile.asp?cn=" + Server.URLEncode(posted("name")), posted("name") + " has been created.");
         } catch (error) {
-            message = explained(error);
+            problem = explained(error);
+            if (error.number == taken) wrong = problem;
         }
     }
 }
@@ -30,22 +26,21 @@ try {
     for (var list = profiles.AsRecordset(); !list.EOF; list.MoveNext())
         names.push(list.Fields.Item("cn").Value);
 } catch (error) {
-    message = message || explained(error);
+    problem = problem || explained(error);
 }
-head(title, message);
+head(title, wrong ? { text: "Nothing has been created.", fields: [{ id: "f-name", text: wrong }] } : problem);
 %>
-<form class="card bar" method="post">
+<form class="card bar" method="post" action="profiles.asp" novalidate>
 <%= tokenField() %>
-<label>New profile <input name="name" required></label>
+<% drawInput("name", "New profile", "required value=\"" + html(posted("name")) + "\"", wrong); %>
 <button>Create</button>
 </form>
 <div class="card">
-<table id="profiles">
-<thead><tr><th>Profile</th><th></th></tr></thead>
-<tbody>
+<table id="profiles" role="table">
+<%= heads(["Profile"]) %>
+<tbody role="rowgroup">
 <% for (var i = 0; i < names.length; i++) { %>
-<tr><td><%= html(names[i]) %></td>
-<td class="end"><form method="post"><%= tokenField() %><button class="quiet" name="delete" value="<%= html(names[i]) %>">Delete</button></form></td></tr>
+<tr role="row"><%= cell("Profile", "<a href=\"profile.asp?cn=" + Server.URLEncode(names[i]) + "\">" + html(names[i]) + "</a>") %></tr>
 <% } %>
 </tbody>
 </table>
