@@ -1,6 +1,6 @@
 #pragma once
 
-// The error numbers that record sets raise, with the platform's texts. Any thread.
+// The error numbers that record sets and streams raise, with the platform's texts. Any thread.
 
 #include "platform/values/failure.h"
 
@@ -8,6 +8,8 @@ namespace orvo::recordset {
 
 enum Error : std::int32_t {
     wrong_arguments = 3001,
+    opening_failed = 3002,
+    write_failed = 3004,
     no_current_record = 3021,
     not_allowed_here = 3219,
     not_capable = 3251,

@@ -1,0 +1,172 @@
+// What pages may do with files: nothing outside of the folders that their site allows.
+
+#include "platform/objects/files/file_access.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "platform/interfaces/late_call.h"
+#include "platform/objects/context/app_server.h"
+#include "platform/objects/files/file_system.h"
+#include "platform/objects/stream/stream.h"
+#include "tests/support/temp_folder.h"
+
+namespace orvo {
+
+// A context with one item, or none.
+class OneItem : public ObjectContext {
+public:
+    explicit OneItem(Object item) : item_(std::move(item)) {}
+
+    Variant CreateInstance(const Text&) override { return {}; }
+    void SetComplete() override {}
+    void SetAbort() override {}
+    void EnableCommit() override {}
+    void DisableCommit() override {}
+    bool IsInTransaction() override { return false; }
+    bool IsSecurityEnabled() override { return false; }
+    bool IsCallerInRole(const Text&) override { return true; }
+    std::int32_t Count() override { return item_ ? 1 : 0; }
+    Variant Item(const Text& name) override {
+        if (!item_ || name != file_access_item) raise_runtime_error(runtime_error::invalid_call);
+        return item_;
+    }
+
+private:
+    Object item_;
+};
+
+template <>
+inline constexpr auto class_of<OneItem> = describe_class<ObjectContext>("Test.Context");
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class FileAccess : public testing::Test {
+protected:
+    FileAccess() {
+        fs::create_directories(allowed / "sub");
+        fs::create_directories(folder.path() / "allowed-not");
+        folder.write("allowed/in.txt", "in");
+        folder.write("outside.txt", "out");
+        folder.write("allowed-not/x.txt", "x");
+        allow(make_file_access({allowed}));
+    }
+    ~FileAccess() override { AppServerObject().Establish({}); }
+
+    void allow(Object item) { AppServerObject().Establish(make<OneItem>(std::move(item))); }
+    Text path(const std::string& name) const { return from_utf8((folder.path() / name).string()); }
+    // The number that was raised; 0 where nothing was.
+    template <class Body>
+    static std::int32_t raised(Body body) {
+        try {
+            body();
+            return 0;
+        } catch (const Failure& failure) {
+            return failure.number;
+        }
+    }
+    std::int32_t reading(const std::string& name) {
+        return raised([&] { files.OpenTextFile(path(name), ForReading, false, TristateFalse); });
+    }
+    std::int32_t writing(const std::string& name) {
+        return raised([&] { files.CreateTextFile(path(name), true, false); });
+    }
+
+    static constexpr std::int32_t denied = runtime_error::permission_denied;
+    TempFolder folder;
+    const fs::path allowed = folder.path() / "allowed";
+    FileSystem files;
+};
+
+TEST_F(FileAccess, FilesBelowTheFoldersAreReadAndWritten) {
+    EXPECT_EQ(reading("allowed/in.txt"), 0);
+    EXPECT_EQ(writing("allowed/sub/new.txt"), 0);
+    EXPECT_EQ(reading("allowed/sub/../in.txt"), 0);
+    EXPECT_TRUE(files.FolderExists(path("allowed")));
+}
+
+TEST_F(FileAccess, NothingElseIs) {
+    for (const char* name : {"outside.txt", "allowed/../outside.txt", "allowed-not/x.txt", ".",
+                             "allowed/sub/../../outside.txt", "allowed/none/../../outside.txt"}) {
+        EXPECT_EQ(reading(name), denied) << name;
+        EXPECT_EQ(writing(name), denied) << name;
+        EXPECT_EQ(raised([&] { files.FileExists(path(name)); }), denied) << name;
+        EXPECT_EQ(raised([&] { files.GetFile(path(name)); }), denied) << name;
+        EXPECT_EQ(raised([&] { files.DeleteFile(path(name), true); }), denied) << name;
+        EXPECT_EQ(raised([&] { files.CopyFile(path(name), path("allowed/copy"), true); }), denied);
+        EXPECT_EQ(raised([&] { files.CopyFile(path("allowed/in.txt"), path(name), true); }),
+                  denied);
+        EXPECT_EQ(raised([&] { files.MoveFile(path("allowed/in.txt"), path(name)); }), denied);
+        EXPECT_EQ(raised([&] { files.CreateFolder(path(name) + u"x"); }), denied) << name;
+    }
+    EXPECT_EQ(content_of(folder.path() / "outside.txt"), "out");
+    EXPECT_EQ(raised([&] { files.GetStandardStream(1, false); }), denied);
+}
+
+TEST_F(FileAccess, LinksCountForWhatTheyLeadTo) {
+    fs::create_symlink(folder.path() / "outside.txt", allowed / "file");
+    fs::create_directory_symlink(folder.path() / "allowed-not", allowed / "folder");
+    fs::create_symlink(folder.path() / "made-outside.txt", allowed / "dangling");
+    fs::create_symlink(allowed / "in.txt", allowed / "inner");
+    EXPECT_EQ(reading("allowed/file"), denied);
+    EXPECT_EQ(reading("allowed/folder/x.txt"), denied);
+    EXPECT_EQ(writing("allowed/folder/new.txt"), denied);
+    EXPECT_EQ(writing("allowed/dangling"), denied);
+    EXPECT_FALSE(fs::exists(folder.path() / "made-outside.txt"));
+    EXPECT_EQ(reading("allowed/inner"), 0);
+    EXPECT_EQ(
+        raised([&] { files.CopyFolder(path("allowed"), path("allowed/../allowed/c"), true); }),
+        denied);
+    files.DeleteFolder(path("allowed/sub"), false);
+    EXPECT_EQ(raised([&] { files.DeleteFolder(path("allowed/folder"), true); }), denied);
+    EXPECT_TRUE(fs::exists(folder.path() / "allowed-not/x.txt"));
+}
+
+TEST_F(FileAccess, ObjectsAskAgainWhenTheyAreUsed) {
+    const Object file = files.GetFile(path("allowed/in.txt"));
+    EXPECT_EQ(late::get(file, u"Size").to<std::int32_t>(), 2);
+    allow({});
+    EXPECT_EQ(raised([&] { late::get(file, u"Size"); }), denied);
+    EXPECT_EQ(raised([&] { late::call(file, u"Delete"); }), denied);
+}
+
+TEST_F(FileAccess, FoldersListAndMakeOnlyWhatIsInside) {
+    const Object inside = files.GetFolder(path("allowed"));
+    EXPECT_EQ(late::get(late::get(inside, u"Files").to<Object>(), u"Count").to<std::int32_t>(), 1);
+    EXPECT_EQ(raised([&] { late::get(late::get(inside, u"ParentFolder").to<Object>(), u"Name"); }),
+              denied);
+    EXPECT_EQ(raised([&] { late::call(inside, u"CreateTextFile", {u"../escaped.txt"}); }), denied);
+}
+
+TEST_F(FileAccess, AContextThatSaysNothingAllowsNothing) {
+    allow({});
+    EXPECT_EQ(reading("allowed/in.txt"), denied);
+    AppServerObject().Establish({});
+    EXPECT_EQ(reading("outside.txt"), 0);
+}
+
+TEST_F(FileAccess, StreamsKeepToItToo) {
+    Stream stream;
+    stream.Open(Variant::missing(), adModeUnknown, -1, {}, {});
+    EXPECT_EQ(raised([&] { stream.LoadFromFile(path("outside.txt")); }), denied);
+    EXPECT_EQ(raised([&] { stream.SaveToFile(path("outside.txt"), adSaveCreateOverWrite); }),
+              denied);
+    stream.LoadFromFile(path("allowed/in.txt"));
+    EXPECT_EQ(stream.Size(), 2);
+}
+
+TEST_F(FileAccess, WhatIsNoFileIsNotOpened) {
+    const fs::path pipe = allowed / "pipe";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(reading("allowed/pipe"), denied);
+}
+
+TEST_F(FileAccess, OfFoldersThatAreNotThereIsRefused) {
+    EXPECT_EQ(raised([&] { make_file_access({folder.path() / "none"}); }),
+              runtime_error::path_not_found);
+}
+
+}  // namespace
+}  // namespace orvo
