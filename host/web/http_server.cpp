@@ -90,7 +90,8 @@ public:
         : core_(with_room(std::move(options)), std::move(handler), std::move(hooks)),
           acceptor_(core_.loop),
           pause_(core_.loop),
-          drain_(core_.loop) {
+          drain_(core_.loop),
+          heartbeat_(core_.loop) {
         if (!core_.options.certificate.empty())
             core_.tls.emplace(tls_context(core_.options.certificate, core_.options.key).release());
         try {
@@ -107,6 +108,7 @@ public:
 
     bool run() {
         accept();
+        if (core_.hooks.alive) beat();
         core_.is_running = true;
         while (true) {
             try {
@@ -168,6 +170,14 @@ private:
         });
     }
 
+    void beat() {
+        core_.hooks.alive();
+        heartbeat_.expires_after(core_.hooks.alive_each);
+        heartbeat_.async_wait([this](error_code error) {
+            if (!error) beat();
+        });
+    }
+
     void let_in(tcp::socket socket) {
         Endpoints endpoints = endpoints_of(socket, remote_);
         if (!core_.connections.try_enter(endpoints.counted_as)) {
@@ -195,6 +205,7 @@ private:
     tcp::endpoint remote_;
     asio::steady_timer pause_;
     asio::steady_timer drain_;
+    asio::steady_timer heartbeat_;
     bool was_asked_ = false;
 };
 

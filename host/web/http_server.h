@@ -48,6 +48,9 @@ struct ServerHooks {
         refused = {};
     // A sentence for the log, once in a while: connections that were refused, what went wrong.
     std::function<void(const std::string&)> trouble = {};
+    // Called again and again, as long as the event thread gets round to it.
+    std::function<void()> alive = {};
+    std::chrono::milliseconds alive_each{0};
 };
 
 // One thread reads and writes for all connections; a handler is given a request when all of it is

@@ -6,6 +6,7 @@
 #include "host/web/directory_setup.h"
 #include "host/web/memory_sessions.h"
 #include "host/web/options.h"
+#include "host/web/service_manager.h"
 #include "host/web/signals.h"
 #include "host/web/web_app.h"
 #include "platform/values/failure.h"
@@ -39,9 +40,19 @@ void reload(const Options& options, WebApp& app, MemorySessions& sessions, WebLo
     }
 }
 
+// That the manager does not hear it is no reason to serve nobody.
+void tell(const ServiceManager& manager, void (ServiceManager::*what)() const, WebLog& log) {
+    try {
+        (manager.*what)();
+    } catch (const std::exception& failure) {
+        log.trouble(failure.what());
+    }
+}
+
 // Until it is asked to end.
 void serve(const Options& options) {
     hold_signals();
+    const ServiceManager manager;
     Site site = read_site(options.site, options.config);
     set_up_directory(site);
     MemorySessions sessions(session_limits(site));
@@ -53,14 +64,29 @@ void serve(const Options& options) {
     server_options.directory_share = site.directory_share;
     server_options.drain_time = site.drain_time;
     WebApp app(std::move(site), sessions, health, log, {.shows_details = options.shows_details});
+    ServerHooks hooks{
+        .lane = [&](const HttpRequest& request) { return app.lane_of(request); },
+        .refused = [&](const HttpRequest& request, HttpResponse& response,
+                       auto duration) { app.note_refused(request, response, duration); },
+        .trouble = [&](const std::string& sentence) { log.trouble(sentence); }};
+    if (manager.watch() > std::chrono::milliseconds(0)) {
+        hooks.alive = [&] { tell(manager, &ServiceManager::alive, log); };
+        hooks.alive_each = manager.watch();
+    }
     HttpServer server(
-        server_options, [&](const HttpRequest& request) { return app.handle(request); },
-        {.lane = [&](const HttpRequest& request) { return app.lane_of(request); },
-         .refused = [&](const HttpRequest& request, HttpResponse& response,
-                        auto duration) { app.note_refused(request, response, duration); },
-         .trouble = [&](const std::string& sentence) { log.trouble(sentence); }});
-    const Signals signals([&] { server.stop(); }, [&] { reload(options, app, sessions, log); });
+        server_options, [&](const HttpRequest& request) { return app.handle(request); }, hooks);
+    const Signals signals(
+        [&] {
+            tell(manager, &ServiceManager::stopping, log);
+            server.stop();
+        },
+        [&] {
+            tell(manager, &ServiceManager::reloading, log);
+            reload(options, app, sessions, log);
+            tell(manager, &ServiceManager::ready, log);
+        });
     std::cout << "Listening on " << server.url() << std::endl;
+    manager.ready();
     if (const auto warning = warning_of_open_password(orvo::usual_site_file()); !warning.empty())
         std::cerr << "orvo-web: " << warning << std::endl;
     if (server.run()) return;

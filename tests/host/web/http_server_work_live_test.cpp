@@ -30,6 +30,13 @@ private:
     std::counting_semaphore<> entered_{0}, open_{0};
 };
 
+TEST(HttpServer, SaysAgainAndAgainThatItsEventThreadIsAlive) {
+    std::counting_semaphore<> beats{0};
+    RunningServer server(quick(), [](const HttpRequest&) { return HttpResponse{}; },
+                         {.alive = [&] { beats.release(); }, .alive_each = 1ms});
+    for (int i = 0; i < 3; ++i) EXPECT_TRUE(beats.try_acquire_for(30s));
+}
+
 TEST(HttpServer, SendsAnAnswerInPiecesBeforeItsHandlerEnds) {
     Gate gate;
     RunningServer server(quick(), [&](const HttpRequest& request) {

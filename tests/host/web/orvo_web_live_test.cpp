@@ -1,6 +1,9 @@
 // The program as it is started: with the component, the suite and a private directory server.
 
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <csignal>
@@ -316,6 +319,40 @@ TEST_F(OrvoWebTest, OneUserHasAsManyLoginsAsTheSiteSays) {
     EXPECT_EQ(first.get("/account/")->status, 302);
     EXPECT_EQ(second.get("/account/")->status, 200);
     EXPECT_EQ(other.get("/account/")->status, 200);
+}
+
+TEST_F(OrvoWebTest, TellsItsServiceManagerHowItDoes) {
+    const std::string name = (folder_.path() / "notify").string();
+    const int manager = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+    name.copy(address.sun_path, sizeof address.sun_path - 1);
+    ASSERT_EQ(bind(manager, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    const timeval patience{.tv_sec = 30, .tv_usec = 0};
+    setsockopt(manager, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    int beats = 0;
+    const auto hear = [&] {
+        while (true) {
+            char message[64];
+            const ssize_t size = recv(manager, message, sizeof message, 0);
+            const std::string said(message, std::max<ssize_t>(size, 0));
+            if (said != "WATCHDOG=1") return said;
+            ++beats;
+        }
+    };
+    setenv("NOTIFY_SOCKET", name.c_str(), 1);
+    setenv("WATCHDOG_USEC", "2000", 1);
+    start();
+    unsetenv("NOTIFY_SOCKET");
+    unsetenv("WATCHDOG_USEC");
+    EXPECT_EQ(hear(), "READY=1");
+    process_->send(SIGHUP);
+    EXPECT_EQ(hear(), "RELOADING=1");
+    EXPECT_EQ(hear(), "READY=1");
+    EXPECT_GT(beats, 0);
+    process_->send(SIGTERM);
+    EXPECT_EQ(hear(), "STOPPING=1");
+    EXPECT_EQ(process_->wait(), 0);
+    close(manager);
 }
 
 TEST_F(OrvoWebTest, SighupReadsTheSettingsAgainAndOpensTheLogAnew) {
