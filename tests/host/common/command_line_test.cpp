@@ -2,6 +2,10 @@
 
 #include <gmock/gmock.h>
 
+#include <fstream>
+#include <regex>
+#include <set>
+
 #include "tests/support/child_process.h"
 #include "tests/support/temp_folder.h"
 
@@ -49,6 +53,56 @@ INSTANTIATE_TEST_SUITE_P(Programs, EveryProgram,
                              std::erase(name, '-');
                              return name;
                          });
+
+// All that the pattern's first group finds.
+std::set<std::string> found_in(const std::string& text, const char* pattern) {
+    const std::regex searched(pattern, std::regex::multiline);
+    std::set<std::string> found;
+    for (std::sregex_iterator at(text.begin(), text.end(), searched), end; at != end; ++at)
+        found.insert((*at)[1]);
+    return found;
+}
+
+class Manual : public testing::TestWithParam<std::string> {};
+
+TEST_P(Manual, AndCompletionHaveWhatHelpHas) {
+    const std::string help = output_of({ORVO_BIN "/" + GetParam(), "--help"});
+    const std::string page = std::regex_replace(output_of({ORVO_BIN "/orvo-manual", GetParam()}),
+                                                std::regex(R"(\\-)"), "-");
+    const std::string completed = output_of({ORVO_BIN "/orvo-manual", "--completion", GetParam()});
+    const std::set<std::string> options = found_in(help, "(--[a-z-]+)");
+    EXPECT_FALSE(options.empty());
+    for (const std::string& option : options) {
+        EXPECT_THAT(page, HasSubstr(option));
+        EXPECT_THAT(completed, HasSubstr(option));
+    }
+    for (const std::string& head : found_in(help, "^([A-Z][a-z ]+):$")) {
+        if (head == "Arguments" || head == "Subcommands") continue;
+        std::string title = head;
+        std::ranges::transform(title, title.begin(),
+                               [](unsigned char c) { return std::toupper(c); });
+        EXPECT_THAT(page, HasSubstr("\n.SH " + title + "\n"));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Programs, Manual,
+                         testing::Values("orvo", "orvo-register", "orvo-script", "orvo-web"),
+                         [](const auto& program) {
+                             std::string name = program.param;
+                             std::erase(name, '-');
+                             return name;
+                         });
+
+TEST(ManualOfSettings, HasEveryKeyThatIsInTheSettings) {
+    const std::string page = content_of(ORVO_SOURCE "/docs/manual/orvo-site.ini.5");
+    for (const char* file : {"/host/web/service/site.ini", "/examples/site.ini"}) {
+        std::string settings = content_of(std::string(ORVO_SOURCE) + file);
+        settings.resize(std::min(settings.size(), settings.find("[ConfigDN]")));
+        const std::set<std::string> keys = found_in(settings, "^([A-Za-z]+)=");
+        EXPECT_GT(keys.size(), 10u) << file;
+        for (const std::string& key : keys) EXPECT_THAT(page, HasSubstr("\\fB" + key + "\\fR"));
+    }
+}
 
 }  // namespace
 }  // namespace orvo
