@@ -47,15 +47,15 @@ public:
     User() : Object("OrvoMembership.User", {0x6B0D9A7E, 0x3C52, 0x4F0B, {0x9D, 0x2E, 0x8A, 0x41, 0xC1, 0xF5, 0xE7, 0x17}}) {}
     explicit User(Object object) : Object(std::move(object)) {}
 
-    // Binds to a user by its common name.
+    // Binds to a user by its common name, with a directory account.
     void BindAs(InOut<Text> iCommonName, InOut<Text> iUsername, InOut<Text> iPwd) const;
-    // Binds to the user with this GUID.
+    // Binds to the user with this GUID, with a directory account.
     void BindToGuid(InOut<Text> iGUID, InOut<Text> iUsername, InOut<Text> iPassword) const;
-    // Loads a site configuration file.
+    // Loads a site configuration file into the settings that all objects of the thread share.
     void setServerInfo(Text i_sConfigurationPath) const;
-    // The values of an attribute, where they may be read.
+    // The values of an attribute as an array; empty text where they may not be read.
     Value GetAttribValue(InOut<Text> iAttribName) const;
-    // Writes an attribute, where it may be written.
+    // Writes an attribute; nothing happens where it may not be written.
     void SetAttribValue(InOut<Text> iAttribName, InOut<Value> iAttribValue) const;
     // Removes an attribute.
     void ClearAttribValue(InOut<Text> iAttribName) const;
@@ -306,11 +306,11 @@ public:
     // Whether the user has the role 25; setting it grants or withdraws it.
     bool SalesRepresentativeRole() const;
     void SalesRepresentativeRole(bool iValue) const;
-    // Whether the user, or its profile, has a role.
+    // Whether the user has a role. The profile's roles count for a user who has none.
     bool HasRole(InOut<std::int16_t> iRoleID) const;
-    // Grants or withdraws a role.
+    // Grants or withdraws a role of the user's own; the profile's are not looked at.
     void AssignRole(InOut<std::int16_t> iRoleType, InOut<bool> iEnable) const;
-    // The user's applications, as an array.
+    // The user's applications, or else the profile's, as an array.
     Value OrvoApps() const;
     void OrvoApps(InOut<Value> iApps) const;
     // Removes the user's applications.
@@ -320,11 +320,11 @@ public:
     bool validate() const;
     // Fails where the user has not this application.
     void CheckAppUserAccess(Text iAppName, std::int16_t iAppID) const;
-    // Sets the address that a login leads to.
+    // Sets the address that a login leads to, one for all applications.
     Value SetDefaultURL(std::int32_t i_lAppID, Text i_sURL) const;
     // The address that a login leads to.
     std::string GetDefaultURL(std::int32_t i_lAppID) const;
-    // Changes the password; the old one is checked first.
+    // Changes the password after the old one was checked, which may have expired.
     void ChangePassword(InOut<Text> iOldPwd, InOut<Text> iNewPwd) const;
 };
 
@@ -365,9 +365,9 @@ public:
     Value GetAccountNamingAttribute() const;
     // What every new user must have, as an array.
     Value GetUserMandatoryAttributes() const;
-    // The distinguished name of a user.
+    // The distinguished name of a user; a bare name gets the naming attribute in front.
     std::string FullUserPath(InOut<Text> iUser) const;
-    // The directory URL of an object in a container.
+    // The directory URL of an object in a container. Host and object are left as they stand in it.
     std::string makeLDAPString(InOut<Text> iHost, InOut<Text> iContainer, InOut<Text> iObject = {}) const;
     // Fills what is still empty from a configuration.
     void LoadConfigFile(InOut<Object> i_oConfiguration) const;
@@ -420,7 +420,7 @@ public:
 
     // Loads a site configuration file; comes first.
     void InitConfigFile(Text sSiteConfigFileName) const;
-    // The users of an application, as a record set.
+    // The users of an application, at most 1000, as a record set with the column CN. Application 10 is the administrators'.
     RecordSet GetLDAPUsers(std::int32_t productID) const;
 };
 
@@ -431,9 +431,9 @@ public:
     Initialize() : Object("OrvoMembership.Initialize", {0x6B0D9A7E, 0x3C52, 0x4F0B, {0x9D, 0x2E, 0x8A, 0x41, 0xC1, 0xF5, 0xE7, 0x1A}}) {}
     explicit Initialize(Object object) : Object(std::move(object)) {}
 
-    // Sets the provider's connection pool up.
+    // Changes the settings of the provider's connection pool: two arrays, of names and of values.
     bool InitializeConnectionPool(InOut<Value> i_aPoolParameterNames, InOut<Value> i_aPoolParameterValues) const;
-    // Sets the provider's cache up.
+    // Changes the settings of the provider's cache: two arrays, of names and of values.
     bool InitializeCache(InOut<Value> i_aCacheParameterNames, InOut<Value> i_aCacheParameterValues) const;
 };
 
@@ -444,7 +444,7 @@ public:
     LdapAccess() : Object("OrvoMembership.LdapAccess", {0x6B0D9A7E, 0x3C52, 0x4F0B, {0x9D, 0x2E, 0x8A, 0x41, 0xC1, 0xF5, 0xE7, 0x14}}) {}
     explicit LdapAccess(Object object) : Object(std::move(object)) {}
 
-    // The first value of an attribute.
+    // The first value of an attribute; nothing where the entry lacks it.
     Value GetAttribValue(InOut<Text> iAttribName) const;
     // Writes an attribute.
     void SetAttribValue(InOut<Text> iAttribName, InOut<Value> iAttribValue) const;
@@ -452,9 +452,9 @@ public:
     void ClearAttribValue(InOut<Text> iAttribName) const;
     // Binds to an entry with the rights of a user.
     void BindAs(InOut<Text> i_sCN, InOut<Text> i_sUsername, InOut<Text> i_sPwd, InOut<Text> i_sServer, InOut<Text> i_sContainer) const;
-    // Binds to the entry with the directory's configuration.
+    // Binds to the entry that keeps the directory's configuration, and loads the file that names it.
     void BindToConfig() const;
-    // The directory's name of a logical attribute.
+    // The directory's name of a logical attribute, after BindToConfig; nothing for an unknown one.
     Value GetAttributeName(InOut<Value> iAttributeName) const;
 };
 
@@ -473,7 +473,7 @@ public:
     void ClearAttribValue(InOut<Text> iAttribName) const;
     // Binds to a profile with the rights of a user.
     void BindAs(InOut<Text> iCN, InOut<Text> iUsername, InOut<Text> iPwd) const;
-    // The profile's users, as a record set.
+    // The profile's users, at most 1000, as a record set. Where it has none, those who have it for local administration.
     RecordSet GetUsers() const;
     // Removes the profile's applications.
     void ClearOrvoApps() const;
@@ -481,9 +481,9 @@ public:
     bool HasRole(InOut<std::int16_t> iRoleID) const;
     // Grants or withdraws a role.
     void AssignRole(InOut<std::int16_t> iRoleType, InOut<bool> iEnable) const;
-    // Loads a site configuration file.
+    // Loads a site configuration file into the settings that all objects of the thread share.
     void setServerInfo(Text i_sConfigurationPath) const;
-    // Binds with the credentials of the last bind or of the session.
+    // Binds with the credentials of the last bind or else of the web session; without either it stays unbound.
     void Init(InOut<Text> iCN) const;
     // The common name.
     std::string CN() const;
@@ -517,33 +517,33 @@ public:
     Members() : Object("OrvoMembership.Members", {0x6B0D9A7E, 0x3C52, 0x4F0B, {0x9D, 0x2E, 0x8A, 0x41, 0xC1, 0xF5, 0xE7, 0x18}}) {}
     explicit Members(Object object) : Object(std::move(object)) {}
 
-    // Binds to the users' container.
+    // Binds to the users' container with a directory account. An empty name leaves it unbound.
     void BindAs(InOut<Text> iUsername, InOut<Text> iPassword) const;
-    // Loads a site configuration file.
+    // Loads a site configuration file into the settings that all objects of the thread share.
     void setServerInfo(Text i_sConfigurationPath) const;
-    // Creates a user with the script account's rights.
+    // Creates a user with the membership script account's rights, and stays bound with them.
     orvo::User CreateUserOnFormsLogin(InOut<Text> iCommonName, InOut<Text> iPassword) const;
-    // Creates a user.
+    // Creates a user with a new GUID, the configured classes and mandatory attributes, and answers it bound.
     orvo::User CreateUser(InOut<Text> iCommonName, InOut<Text> iPassword) const;
-    // Deletes a user.
+    // Binds anew and deletes the user of this common name.
     void DeleteUser(InOut<Text> iCommonName) const;
     // The user with this GUID, bound.
     orvo::User GetUserFromGUID(InOut<Text> iGUID) const;
-    // Searches users, page by page.
+    // Searches users. Criteria are an array of filter items without their parentheses, or an object for none. A full page leaves a bookmark.
     RecordSet GetOrvoUsers(Value iCriteria = Value::missing(), Text iSortFields = {}, Value iPageSize = Value::missing()) const;
-    // The bookmark that a full page left.
+    // The bookmark that a full page left: the last row's name and an exclamation mark.
     std::string GetLastPageValue() const;
-    // The users with a role, their own or their profile's.
+    // The users with a role: their own or, where they have none at all, their profile's.
     RecordSet GetOrvoMembersHavingRole(InOut<std::int16_t> iRole, InOut<Text> iSortFields = {}) const;
-    // The users with a role who meet criteria.
+    // The users with a role, their own or their profile's, who meet criteria.
     RecordSet GetOrvoMembersHavingRoleEx(InOut<std::int16_t> iRole, InOut<Value> iCriteria = Value::missing(), InOut<Text> iSortFields = {}) const;
     // An attribute of the container's own entry.
     Value GetAttribValue(InOut<Text> iAttribName) const;
     // Writes an attribute of the container's own entry.
     void SetAttribValue(InOut<Text> iAttribName, InOut<Value> iAttribValue) const;
-    // Creates a user and writes its attributes.
+    // Creates a user with the membership script account's rights, then writes one attribute after the other.
     orvo::User CreateUserWithAttributes(Text i_sUsername, Text i_sPassword, InOut<Value> i_aAttrNames, InOut<Value> i_aAttrValues) const;
-    // Searches users, with columns of one's own.
+    // Searches users as GetOrvoUsers does, with columns of one's own and without a bookmark.
     RecordSet GetOrvoUsersEx(Value iCriteria = Value::missing(), Value i_vAttributeNames = Value::missing(), Text iSortFields = {}, Value iPageSize = Value::missing()) const;
 };
 
@@ -554,13 +554,13 @@ public:
     Profiles() : Object("OrvoMembership.Profiles", {0x6B0D9A7E, 0x3C52, 0x4F0B, {0x9D, 0x2E, 0x8A, 0x41, 0xC1, 0xF5, 0xE7, 0x19}}) {}
     explicit Profiles(Object object) : Object(std::move(object)) {}
 
-    // All profiles, as a record set.
+    // All profiles, at most 1000, as a record set with the column cn.
     RecordSet AsRecordset() const;
-    // Deletes a profile without users; answers whether it did.
+    // Deletes a profile that has no users; answers whether it did.
     bool DeleteProfile(InOut<Text> iCommonName) const;
-    // Creates a profile.
+    // Creates a profile and answers it bound. An unbound object binds with the membership script account.
     orvo::Profile CreateProfile(InOut<Text> iCommonName) const;
-    // Binds to the profiles' container.
+    // Binds to the profiles' container with a directory account.
     void BindAs(InOut<Text> iUsername, InOut<Text> iPwd) const;
 };
 
@@ -571,13 +571,13 @@ public:
     Validator() : Object("OrvoMembership.Validator", {0x6B0D9A7E, 0x3C52, 0x4F0B, {0x9D, 0x2E, 0x8A, 0x41, 0xC1, 0xF5, 0xE7, 0x15}}) {}
     explicit Validator(Object object) : Object(std::move(object)) {}
 
-    // Logs a user in: negative where the check fails.
+    // Logs a user of a web page in: cookie, session, authorization filter. A negative answer is that of the password check; nothing is done then.
     Value ValidateCredentials(InOut<Value> iVarUserID, InOut<Value> iVarPassword, InOut<Value> iVarOriginalUrl) const;
-    // Checks a password: negative where it is wrong.
+    // Checks a password: 0 is right, -1 wrong, -2 locked, -3 disabled, -4 right but expired, -5 too many failures for now.
     Value ValidatePassword(InOut<Value> iUserId, InOut<Value> iPassword) const;
-    // Loads a site configuration file.
+    // Loads a site configuration file into the settings that all objects of the thread share.
     void setServerInfo(Text i_sConfigurationPath) const;
-    // Changes a user's password.
+    // Changes a user's password with the old one. Nobody has to be logged in.
     void ChangePassword(InOut<Text> username, InOut<Text> oldpassword, InOut<Text> newpassword) const;
 };
 

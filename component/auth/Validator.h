@@ -63,13 +63,16 @@ inline constexpr auto table_of<Validator> = describe<Validator>(
     about("Checks passwords, and logs users of web pages in."),
     method<&Validator::ValidateCredentials>("ValidateCredentials", "iVarUserID", "iVarPassword",
                                             "iVarOriginalUrl")
-        .help("Logs a user in: negative where the check fails."),
+        .help("Logs a user of a web page in: cookie, session, authorization filter. A negative "
+              "answer is that of the password check; nothing is done then."),
     method<&Validator::ValidatePassword>("ValidatePassword", "iUserId", "iPassword")
-        .help("Checks a password: negative where it is wrong."),
+        .help("Checks a password: 0 is right, -1 wrong, -2 locked, -3 disabled, -4 right but "
+              "expired, -5 too many failures for now."),
     method<&Validator::setServerInfo>("setServerInfo", "i_sConfigurationPath")
-        .help("Loads a site configuration file."),
+        .help("Loads a site configuration file into the settings that all objects of the thread "
+              "share."),
     method<&Validator::ChangePassword>("ChangePassword", "username", "oldpassword", "newpassword")
-        .help("Changes a user's password."));
+        .help("Changes a user's password with the old one. Nobody has to be logged in."));
 // clang-format on
 
 extern template struct detail::callee<Validator>;

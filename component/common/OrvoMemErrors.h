@@ -5,23 +5,25 @@
 
 namespace orvo {
 
-// The component's public error numbers, each once: name and offset from the base of object errors.
+// The component's public error numbers, each once: name, offset from the base of object errors, and
+// what it says. Four of them are raised by no member any more: an object that is not bound raises
+// 91 (object not set), a name that is taken entry_already_exists.
 // clang-format off
-#define ORVO_MEM_ERRORS(row)              \
-    row(emErrNotBoundToUser, 0x320)       \
-    row(emErrServerInfoNotCreated, 0x321) \
-    row(emErrUserAlreadyExists, 0x322)    \
-    row(emErrNotBoundToMembers, 0x323)    \
-    row(emErrUserDoesNotExist, 0x324)     \
-    row(emErrPwdNotCorrect, 0x325)        \
-    row(emErrNotBoundToProfile, 0x326)    \
-    row(emErrNotBoundToProfiles, 0x327)   \
-    row(emErrProfileNotSet, 0x328)        \
-    row(emErrAppNoAccess, 0x32B)
+#define ORVO_MEM_ERRORS(row)                                                           \
+    row(emErrNotBoundToUser, 0x320, "A user object is bound to no user.")              \
+    row(emErrServerInfoNotCreated, 0x321, "No site configuration has been loaded.")    \
+    row(emErrUserAlreadyExists, 0x322, "A user of this name exists already.")          \
+    row(emErrNotBoundToMembers, 0x323, "The users' container is not bound.")           \
+    row(emErrUserDoesNotExist, 0x324, "A user is asked for without a name.")           \
+    row(emErrPwdNotCorrect, 0x325, "The current password is not correct.")             \
+    row(emErrNotBoundToProfile, 0x326, "A profile object is bound to no profile.")     \
+    row(emErrNotBoundToProfiles, 0x327, "The profiles' container is not bound.")       \
+    row(emErrProfileNotSet, 0x328, "A user has no profile.")                           \
+    row(emErrAppNoAccess, 0x32B, "The user has not the application that is asked for.")
 // clang-format on
 
 enum OrvoMemErrors : std::int32_t {
-#define ORVO_ROW(name, offset) name = static_cast<std::int32_t>(0x80040000u + (offset)),
+#define ORVO_ROW(name, offset, text) name = static_cast<std::int32_t>(0x80040000u + (offset)),
     ORVO_MEM_ERRORS(ORVO_ROW)
 #undef ORVO_ROW
 };
@@ -35,10 +37,11 @@ inline constexpr auto no_such_entry = static_cast<std::int32_t>(0x80072030u);
 struct MemError {
     const char* name;
     OrvoMemErrors value;
+    const char* text;  // a sentence
 };
 
 inline constexpr MemError mem_errors[] = {
-#define ORVO_ROW(name, offset) {#name, name},
+#define ORVO_ROW(name, offset, text) {#name, name, text},
     ORVO_MEM_ERRORS(ORVO_ROW)
 #undef ORVO_ROW
 };

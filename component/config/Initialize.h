@@ -27,10 +27,12 @@ inline constexpr auto table_of<Initialize> = describe<Initialize>(
     method<&Initialize::InitializeConnectionPool>("InitializeConnectionPool",
                                                   "i_aPoolParameterNames",
                                                   "i_aPoolParameterValues")
-        .help("Sets the provider's connection pool up."),
+        .help("Changes the settings of the provider's connection pool: two arrays, of names and "
+              "of values."),
     method<&Initialize::InitializeCache>("InitializeCache", "i_aCacheParameterNames",
                                          "i_aCacheParameterValues")
-        .help("Sets the provider's cache up."));
+        .help("Changes the settings of the provider's cache: two arrays, of names and of "
+              "values."));
 // clang-format on
 
 extern template struct detail::callee<Initialize>;

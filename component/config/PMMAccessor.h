@@ -30,7 +30,8 @@ inline constexpr auto table_of<PMMAccessor> = describe<PMMAccessor>(
     method<&PMMAccessor::InitConfigFile>("InitConfigFile", "sSiteConfigFileName")
         .help("Loads a site configuration file; comes first."),
     method<&PMMAccessor::GetLDAPUsers>("GetLDAPUsers", "productID")
-        .help("The users of an application, as a record set."));
+        .help("The users of an application, at most 1000, as a record set with the column CN. "
+              "Application 10 is the administrators'."));
 // clang-format on
 
 extern template struct detail::callee<PMMAccessor>;

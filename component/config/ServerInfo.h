@@ -144,10 +144,12 @@ inline constexpr auto table_of<ServerInfo> = describe<ServerInfo>(
     method<&ServerInfo::GetUserMandatoryAttributes>("GetUserMandatoryAttributes")
         .help("What every new user must have, as an array."),
     method<&ServerInfo::FullUserPath>("FullUserPath", "iUser")
-        .help("The distinguished name of a user."),
+        .help("The distinguished name of a user; a bare name gets the naming attribute in "
+              "front."),
     method<&ServerInfo::makeLDAPString>("makeLDAPString", "iHost", "iContainer",
                                         optional("iObject"))
-        .help("The directory URL of an object in a container."),
+        .help("The directory URL of an object in a container. Host and object are left as they stand "
+              "in it."),
     method<&ServerInfo::LoadConfigFile>("LoadConfigFile", "i_oConfiguration")
         .help("Fills what is still empty from a configuration."),
     method<&ServerInfo::SetConfiguration>("SetConfiguration", "i_sConfigPath")

@@ -94,36 +94,47 @@ inline constexpr auto table_of<Members> = describe<Members>(
     "IMembers", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e718",
     about("The container of all users: creating, finding, deleting."),
     method<&Members::BindAs>("BindAs", "iUsername", "iPassword")
-        .help("Binds to the users' container."),
+        .help("Binds to the users' container with a directory account. An empty name leaves it "
+              "unbound."),
     method<&Members::setServerInfo>("setServerInfo", "i_sConfigurationPath")
-        .help("Loads a site configuration file."),
+        .help("Loads a site configuration file into the settings that all objects of the thread "
+              "share."),
     method<&Members::CreateUserOnFormsLogin>("CreateUserOnFormsLogin", "iCommonName", "iPassword")
-        .help("Creates a user with the script account's rights."),
-    method<&Members::CreateUser>("CreateUser", "iCommonName", "iPassword").help("Creates a user."),
-    method<&Members::DeleteUser>("DeleteUser", "iCommonName").help("Deletes a user."),
+        .help("Creates a user with the membership script account's rights, and stays bound with "
+              "them."),
+    method<&Members::CreateUser>("CreateUser", "iCommonName", "iPassword")
+        .help("Creates a user with a new GUID, the configured classes and mandatory attributes, "
+              "and answers it bound."),
+    method<&Members::DeleteUser>("DeleteUser", "iCommonName")
+        .help("Binds anew and deletes the user of this common name."),
     method<&Members::GetUserFromGUID>("GetUserFromGUID", "iGUID")
         .help("The user with this GUID, bound."),
     method<&Members::GetOrvoUsers>("GetOrvoUsers", optional("iCriteria"), optional("iSortFields"),
-                                   optional("iPageSize")).help("Searches users, page by page."),
+                                   optional("iPageSize"))
+        .help("Searches users. Criteria are an array of filter items without their parentheses, "
+              "or an object for none. A full page leaves a bookmark."),
     method<&Members::GetLastPageValue>("GetLastPageValue")
-        .help("The bookmark that a full page left."),
+        .help("The bookmark that a full page left: the last row's name and an exclamation mark."),
     method<&Members::GetOrvoMembersHavingRole>("GetOrvoMembersHavingRole", "iRole",
                                                optional("iSortFields"))
-        .help("The users with a role, their own or their profile's."),
+        .help("The users with a role: their own or, where they have none at all, their "
+              "profile's."),
     method<&Members::GetOrvoMembersHavingRoleEx>("GetOrvoMembersHavingRoleEx", "iRole",
                                                  optional("iCriteria"), optional("iSortFields"))
-        .help("The users with a role who meet criteria."),
+        .help("The users with a role, their own or their profile's, who meet criteria."),
     method<&Members::GetAttribValue>("GetAttribValue", "iAttribName")
         .help("An attribute of the container's own entry."),
     method<&Members::SetAttribValue>("SetAttribValue", "iAttribName", "iAttribValue")
         .help("Writes an attribute of the container's own entry."),
     method<&Members::CreateUserWithAttributes>("CreateUserWithAttributes", "i_sUsername",
                                                "i_sPassword", "i_aAttrNames", "i_aAttrValues")
-        .help("Creates a user and writes its attributes."),
+        .help("Creates a user with the membership script account's rights, then writes one "
+              "attribute after the other."),
     method<&Members::GetOrvoUsersEx>("GetOrvoUsersEx", optional("iCriteria"),
                                      optional("i_vAttributeNames"), optional("iSortFields"),
                                      optional("iPageSize"))
-        .help("Searches users, with columns of one's own."));
+        .help("Searches users as GetOrvoUsers does, with columns of one's own and without a "
+              "bookmark."));
 // clang-format on
 
 extern template struct detail::callee<Members>;

@@ -44,12 +44,15 @@ template <>
 inline constexpr auto table_of<Profiles> = describe<Profiles>(
     "IProfiles", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e719",
     about("The container of all profiles."),
-    method<&Profiles::AsRecordset>("AsRecordset").help("All profiles, as a record set."),
+    method<&Profiles::AsRecordset>("AsRecordset")
+        .help("All profiles, at most 1000, as a record set with the column cn."),
     method<&Profiles::DeleteProfile>("DeleteProfile", "iCommonName")
-        .help("Deletes a profile without users; answers whether it did."),
-    method<&Profiles::CreateProfile>("CreateProfile", "iCommonName").help("Creates a profile."),
+        .help("Deletes a profile that has no users; answers whether it did."),
+    method<&Profiles::CreateProfile>("CreateProfile", "iCommonName")
+        .help("Creates a profile and answers it bound. An unbound object binds with the "
+              "membership script account."),
     method<&Profiles::BindAs>("BindAs", "iUsername", "iPwd")
-        .help("Binds to the profiles' container."));
+        .help("Binds to the profiles' container with a directory account."));
 // clang-format on
 
 extern template struct detail::callee<Profiles>;

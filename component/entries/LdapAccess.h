@@ -53,7 +53,7 @@ inline constexpr auto table_of<LdapAccess> = describe<LdapAccess>(
     "ILdapAccess", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e714",
     about("One entry of the directory, attribute by attribute."),
     method<&LdapAccess::GetAttribValue>("GetAttribValue", "iAttribName")
-        .help("The first value of an attribute."),
+        .help("The first value of an attribute; nothing where the entry lacks it."),
     method<&LdapAccess::SetAttribValue>("SetAttribValue", "iAttribName", "iAttribValue")
         .help("Writes an attribute."),
     method<&LdapAccess::ClearAttribValue>("ClearAttribValue", "iAttribName")
@@ -62,9 +62,11 @@ inline constexpr auto table_of<LdapAccess> = describe<LdapAccess>(
                                 "i_sContainer")
         .help("Binds to an entry with the rights of a user."),
     method<&LdapAccess::BindToConfig>("BindToConfig")
-        .help("Binds to the entry with the directory's configuration."),
+        .help("Binds to the entry that keeps the directory's configuration, and loads the file "
+              "that names it."),
     method<&LdapAccess::GetAttributeName>("GetAttributeName", "iAttributeName")
-        .help("The directory's name of a logical attribute."));
+        .help("The directory's name of a logical attribute, after BindToConfig; nothing for an "
+              "unknown one."));
 // clang-format on
 
 extern template struct detail::callee<LdapAccess>;

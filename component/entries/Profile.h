@@ -94,15 +94,19 @@ inline constexpr auto table_of<Profile> = describe<Profile>(
         .help("Removes an attribute."),
     method<&Profile::BindAs>("BindAs", "iCN", "iUsername", "iPwd")
         .help("Binds to a profile with the rights of a user."),
-    method<&Profile::GetUsers>("GetUsers").help("The profile's users, as a record set."),
+    method<&Profile::GetUsers>("GetUsers")
+        .help("The profile's users, at most 1000, as a record set. Where it has none, those who "
+              "have it for local administration."),
     method<&Profile::ClearOrvoApps>("ClearOrvoApps").help("Removes the profile's applications."),
     method<&Profile::HasRole>("HasRole", "iRoleID").help("Whether the profile has a role."),
     method<&Profile::AssignRole>("AssignRole", "iRoleType", "iEnable")
         .help("Grants or withdraws a role."),
     method<&Profile::setServerInfo>("setServerInfo", "i_sConfigurationPath")
-        .help("Loads a site configuration file."),
+        .help("Loads a site configuration file into the settings that all objects of the thread "
+              "share."),
     method<&Profile::Init>("Init", "iCN")
-        .help("Binds with the credentials of the last bind or of the session."),
+        .help("Binds with the credentials of the last bind or else of the web session; without "
+              "either it stays unbound."),
     get<&Profile::CN>("CN").help("The common name."),
     get<&Profile::Locale>("Locale").help("The number of the profile's locale."),
     put<&Profile::put_Locale>("Locale", "iLocale"),

@@ -89,16 +89,17 @@ inline constexpr auto table_of<User> = describe<User>(
     "IUser", "6b0d9a7e-3c52-4f0b-9d2e-8a41c1f5e717",
     about("A user: attributes, typed properties, roles, applications, password."),
     method<&User::BindAs>("BindAs", "iCommonName", "iUsername", "iPwd")
-        .help("Binds to a user by its common name."),
+        .help("Binds to a user by its common name, with a directory account."),
     method<&User::BindToGuid>("BindToGuid", "iGUID", "iUsername", "iPassword")
-        .help("Binds to the user with this GUID."),
+        .help("Binds to the user with this GUID, with a directory account."),
     method<&User::setServerInfo>("setServerInfo", "i_sConfigurationPath")
-        .help("Loads a site configuration file."),
+        .help("Loads a site configuration file into the settings that all objects of the thread "
+              "share."),
 
     method<&User::GetAttribValue>("GetAttribValue", "iAttribName")
-        .help("The values of an attribute, where they may be read."),
+        .help("The values of an attribute as an array; empty text where they may not be read."),
     method<&User::SetAttribValue>("SetAttribValue", "iAttribName", "iAttribValue")
-        .help("Writes an attribute, where it may be written."),
+        .help("Writes an attribute; nothing happens where it may not be written."),
     method<&User::ClearAttribValue>("ClearAttribValue", "iAttribName")
         .help("Removes an attribute."),
 
@@ -122,10 +123,11 @@ inline constexpr auto table_of<User> = describe<User>(
         []<std::size_t row>(auto name) { return get<&User::get_role<row>>(name); },
         []<std::size_t row>(auto name) { return put<&User::put_role<row>>(name, "iValue"); }),
     method<&User::HasRole>("HasRole", "iRoleID")
-        .help("Whether the user, or its profile, has a role."),
+        .help("Whether the user has a role. The profile's roles count for a user who has none."),
     method<&User::AssignRole>("AssignRole", "iRoleType", "iEnable")
-        .help("Grants or withdraws a role."),
-    get<&User::OrvoApps>("OrvoApps").help("The user's applications, as an array."),
+        .help("Grants or withdraws a role of the user's own; the profile's are not looked at."),
+    get<&User::OrvoApps>("OrvoApps")
+        .help("The user's applications, or else the profile's, as an array."),
     put<&User::put_OrvoApps>("OrvoApps", "iApps"),
     method<&User::ClearOrvoApps>("ClearOrvoApps").help("Removes the user's applications."),
     method<&User::IsAppAccessAllowed>("IsAppAccessAllowed", "iAppName").help("Always true."),
@@ -133,12 +135,12 @@ inline constexpr auto table_of<User> = describe<User>(
     method<&User::CheckAppUserAccess>("CheckAppUserAccess", "iAppName", "iAppID")
         .help("Fails where the user has not this application."),
     method<&User::SetDefaultURL>("SetDefaultURL", "i_lAppID", "i_sURL")
-        .help("Sets the address that a login leads to."),
+        .help("Sets the address that a login leads to, one for all applications."),
     method<&User::GetDefaultURL>("GetDefaultURL", "i_lAppID")
         .help("The address that a login leads to."),
 
     method<&User::ChangePassword>("ChangePassword", "iOldPwd", "iNewPwd")
-        .help("Changes the password; the old one is checked first."));
+        .help("Changes the password after the old one was checked, which may have expired."));
 // clang-format on
 
 extern template struct detail::callee<User>;

@@ -1,5 +1,6 @@
 // Prints what is written from the component's tables.
 
+#include <fstream>
 #include <iostream>
 
 #include "component/server/library_idl.h"
@@ -7,6 +8,25 @@
 #include "host/idl/client_header.h"
 #include "host/idl/properties_page.h"
 #include "host/idl/properties_script.h"
+#include "host/idl/reference_pages.h"
+
+namespace {
+
+int write_reference(const std::filesystem::path& source) try {
+    for (const orvo::ReferencePage& page :
+         orvo::reference_pages(source / "examples" / "reference")) {
+        const std::filesystem::path path = source / "docs" / "reference" / page.file;
+        std::ofstream file(path, std::ios::binary);
+        if (!(file << page.text).flush())
+            throw std::runtime_error(path.string() + ": it cannot be written");
+    }
+    return 0;
+} catch (const std::exception& failure) {
+    std::cerr << "orvo-idl: " << failure.what() << '\n';
+    return 1;
+}
+
+}  // namespace
 
 int main(int count, char** words) {
     orvo::CommandLine line("orvo-idl", "Prints what is written from the component's tables.");
@@ -23,8 +43,13 @@ int main(int count, char** words) {
           orvo::user_properties_page);
     offer("--property-list", "Their names for scripts (tests/conformance/user_catalogue.js.part)",
           orvo::user_property_list_script);
+    std::filesystem::path source;
+    line.add_option("--reference", source,
+                    "Writes the pages of the classes into docs/reference of this source tree")
+        ->option_text("SOURCE");
     line.footer("Without an option: the IDL (component/server/OrvoMembership.idl).");
     if (const std::optional<int> code = line.read(count, words)) return *code;
+    if (!source.empty()) return write_reference(source);
     std::cout << text();
     return std::cout.flush().good() ? 0 : 1;
 }
