@@ -1,5 +1,6 @@
 #include "component/auth/Validator.h"
 #include "component/auth/filter_contract.h"
+#include "component/auth/login_settings.h"
 #include "component/common/GUIDGenerator.h"
 #include "component/common/Index16.h"
 #include "component/common/Lib_ErrorHandling.h"
@@ -42,12 +43,11 @@ Variant login_applications(const Ref<User>& user) {
     return list;
 }
 
-// A number of the site's configuration; `otherwise` where it does not say.
 template <class T>
-T global_setting(const Object& configuration, const char16_t* key, T otherwise) {
-    Variant arguments[] = {u"GLOBAL", key, T{0}};
+T read_setting(const Object& configuration, const LoginSetting<T>& setting) {
+    Variant arguments[] = {u"GLOBAL", setting.key, T{0}};
     const Variant status = late::call_by_reference(configuration, u"GetValue2", arguments);
-    return status.to<std::int32_t>() == 0 ? arguments[2].template to<T>() : otherwise;
+    return status.to<std::int32_t>() == 0 ? arguments[2].template to<T>() : setting.otherwise;
 }
 
 }  // namespace
@@ -121,9 +121,8 @@ void Validator::set_cookie(const Text& name, const Text& guid) {
 void Validator::register_login(const Text& user, const Variant& applications) {
     const Object configuration = Gen_GetComponent(u"Quendra.Configuration");
     late::call(configuration, u"LoadSiteConfig", {false});
-    const auto iMultiLogin = global_setting<std::int16_t>(configuration, u"MultiLogin", 1);
-    const auto lMultiLoginTimeout =
-        global_setting<std::int32_t>(configuration, u"MultiLoginTimeout", 10);
+    const auto iMultiLogin = read_setting(configuration, multi_login);
+    const auto lMultiLoginTimeout = read_setting(configuration, multi_login_timeout);
     const Text guid = session_text(m_oSession, session_guid);
     const auto connector = Gen_GetComponent<FilterConnector>(filter_connector_progid);
     call<&FilterConnector::RegisterLogin>(connector, user, applications, guid, iMultiLogin,

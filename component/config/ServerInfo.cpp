@@ -10,32 +10,48 @@
 
 namespace orvo {
 
-// One key of section "MEMBERSHIP" and the field it fills: a text, a list split at ",", or a
-// password.
+// One key of section "MEMBERSHIP", the field it fills (a text, a list split at ",", or a password)
+// and what it is for.
 struct ServerInfo::Setting {
     const char16_t* key;
     std::variant<Text ServerInfo::*, Variant ServerInfo::*, Secret ServerInfo::*> field;
+    const char* about;
 };
 
 // In the order in which they are read; the last one is read after the containers are composed.
 const ServerInfo::Setting ServerInfo::settings[] = {
-    {u"LDAPServer", &ServerInfo::server_name_},
-    {u"UserContainer", &ServerInfo::user_container_},
-    {u"ProfileContainer", &ServerInfo::profile_container_},
-    {u"AccountContainer", &ServerInfo::account_container_},
-    {u"UserClass", &ServerInfo::user_classes_},
-    {u"ProfileClass", &ServerInfo::profile_class_},
-    {u"AccountClass", &ServerInfo::account_class_},
-    {u"ProfileNamingAttribute", &ServerInfo::profile_naming_attribute_},
-    {u"UserNamingAttribute", &ServerInfo::user_naming_attribute_},
-    {u"AccountNamingAttribute", &ServerInfo::account_naming_attribute_},
-    {u"UserMandatoryAttributes", &ServerInfo::user_mandatory_attributes_},
-    {u"MemScriptUser", &ServerInfo::script_user_},
-    {u"MemScriptCode", &ServerInfo::script_code_},
-    {u"CookieName", &ServerInfo::cookie_name_},
-    {u"LDAPRoot", &ServerInfo::root_},
-    {u"ConfigFileName", &ServerInfo::configuration_file_name_},
-    {u"PlugableModuleImplementation", &ServerInfo::provider_implementation_},
+    {u"LDAPServer", &ServerInfo::server_name_,
+     "The directory server, or several with blanks between them; of the embedded directory its "
+     "file."},
+    {u"UserContainer", &ServerInfo::user_container_, "Where users live, below LDAPRoot."},
+    {u"ProfileContainer", &ServerInfo::profile_container_, "Where profiles live, below LDAPRoot."},
+    {u"AccountContainer", &ServerInfo::account_container_,
+     "Where the service accounts for types of users live, below LDAPRoot."},
+    {u"UserClass", &ServerInfo::user_classes_,
+     "The object classes of users. The first alone selects users in searches; a new user gets "
+     "all."},
+    {u"ProfileClass", &ServerInfo::profile_class_, "The object class of profiles."},
+    {u"AccountClass", &ServerInfo::account_class_, "The object class of service accounts."},
+    {u"ProfileNamingAttribute", &ServerInfo::profile_naming_attribute_,
+     "The attribute that names profiles."},
+    {u"UserNamingAttribute", &ServerInfo::user_naming_attribute_,
+     "The attribute that names users."},
+    {u"AccountNamingAttribute", &ServerInfo::account_naming_attribute_,
+     "The attribute that names service accounts."},
+    {u"UserMandatoryAttributes", &ServerInfo::user_mandatory_attributes_,
+     "What every new user has, besides names, GUID and password."},
+    {u"MemScriptUser", &ServerInfo::script_user_,
+     "The membership script account, below LDAPRoot: it creates users who register themselves, and "
+     "reads the service accounts."},
+    {u"MemScriptCode", &ServerInfo::script_code_, "Its password."},
+    {u"CookieName", &ServerInfo::cookie_name_,
+     "The login's cookie. Without one nobody can log in to a web site."},
+    {u"LDAPRoot", &ServerInfo::root_,
+     "The name under which everything lies. Without it there are no containers."},
+    {u"ConfigFileName", &ServerInfo::configuration_file_name_,
+     "The file of [ConfigDN] and [Attributes], in the folder Config beside the site's file."},
+    {u"PlugableModuleImplementation", &ServerInfo::provider_implementation_,
+     "The directory provider's ProgID: OrvoDirectory.Embedded, OrvoDirectory.Ldap or one's own."},
 };
 
 namespace {
@@ -59,6 +75,16 @@ Secret read_as<Secret>(Variant value) {
 }
 
 }  // namespace
+
+std::vector<DescribedSetting> ServerInfo::described_settings() {
+    std::vector<DescribedSetting> all;
+    for (const Setting& setting : settings) {
+        const bool is_list = std::holds_alternative<Variant ServerInfo::*>(setting.field);
+        all.push_back({to_utf8(setting.key), is_list ? "texts, with commas between" : "text", "",
+                       setting.about});
+    }
+    return all;
+}
 
 void ServerInfo::CheckState() {
     // Without a pending error this neither logs nor raises: who asks before anything was loaded

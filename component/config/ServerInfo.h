@@ -4,6 +4,7 @@
 
 #include "component/config/configuration_contract.h"
 #include "platform/interfaces/hosted.h"
+#include "platform/values/described_setting.h"
 #include "platform/values/secret.h"
 #include "platform/values/values.h"
 
@@ -55,6 +56,8 @@ public:
     Text ConfigurationPath();
 
     bool IsLoaded() const { return is_loaded_; }
+    // The keys of section "MEMBERSHIP".
+    static std::vector<DescribedSetting> described_settings();
 
     // What the getters of one text answer, for the component itself.
     const Text& script_user() { return checked(full_script_user_); }

@@ -28,10 +28,24 @@ bool is_number_text(const Text& text, std::size_t longest) {
            std::ranges::all_of(text, [](char16_t c) { return c >= u'0' && c <= u'9'; });
 }
 
+class Setting;
+
+// A key that is known. Of a number: its bounds, and the unit in `values`.
+struct Key {
+    TextView name;
+    std::int64_t least = 0;
+    std::int64_t most = 0;
+    const char* values;
+    std::string (*otherwise)(const Site& usual);
+    const char* about;
+    void (*read)(const Setting& setting, Site& site);
+};
+
 // One key of the file, while it is read.
 class Setting {
 public:
-    Setting(const Text& file, const IniKey& key) : file_(file), key_(key) {}
+    Setting(const Text& file, const IniKey& key, const Key& known)
+        : file_(file), key_(key), known_(known) {}
 
     const Text& text() const { return key_.value; }
 
@@ -39,17 +53,14 @@ public:
         web::refuse(file_ + u", line " + decimal(key_.line) + u": " + key_.name + u": " + reason);
     }
 
-    std::int64_t number(std::int64_t least, std::int64_t most) const {
+    // Between the key's bounds.
+    std::int64_t number() const {
         const bool is_number = is_number_text(text(), 15);
         const auto number = is_number ? Variant(text()).to<std::int64_t>() : 0;
-        if (!is_number || number < least || number > most)
-            refuse(u"\"" + text() + u"\" is no number from " + decimal(least) + u" to " +
-                   decimal(most));
+        if (!is_number || number < known_.least || number > known_.most)
+            refuse(u"\"" + text() + u"\" is no number from " + decimal(known_.least) + u" to " +
+                   decimal(known_.most));
         return number;
-    }
-    std::chrono::minutes minutes() const { return std::chrono::minutes(number(1, 525600)); }
-    std::size_t bytes(std::int64_t least, std::int64_t most) const {
-        return static_cast<std::size_t>(number(least, most));
     }
 
     // The pieces between commas, without blanks around them.
@@ -69,6 +80,7 @@ public:
 private:
     const Text& file_;
     const IniKey& key_;
+    const Key& known_;
 };
 
 // "name = value", cut at the first "=".
@@ -125,60 +137,137 @@ std::vector<ProviderSetting> provider_settings(const Setting& setting) {
     return settings;
 }
 
-struct Key {
-    TextView name;
-    void (*read)(const Setting& setting, Site& site);
-};
+std::string none(const Site&) { return {}; }
 
 constexpr std::array keys{
-    Key{u"LoginPage", [](const Setting& s, Site& site) { site.login_page = s.page(); }},
-    Key{u"Guard",
-        [](const Setting& s, Site& site) {
-            for (const Text& guard : s.list())
-                site.guards.push_back(guarded_path(s, site.root, guard));
-        }},
-    Key{u"LoginCookie", [](const Setting& s, Site& site) { site.login_cookie = s.text(); }},
-    Key{u"SessionTimeout",
-        [](const Setting& s, Site& site) { site.session_timeout = s.minutes(); }},
-    Key{u"SessionLifetime",
-        [](const Setting& s, Site& site) { site.session_lifetime = s.minutes(); }},
-    Key{u"PageTimeout",
-        [](const Setting& s, Site& site) {
-            site.page_timeout = std::chrono::seconds(s.number(1, 3600));
-        }},
-    Key{u"LargestRequest",
-        [](const Setting& s, Site& site) { site.largest_request = s.bytes(1024, 1 << 30); }},
-    Key{u"LargestUpload",
-        [](const Setting& s, Site& site) {
-            site.largest_upload = s.bytes(1024, std::int64_t{1} << 40);
-        }},
-    Key{u"DirectoryPool",
-        [](const Setting& s, Site& site) { site.directory_pool = provider_settings(s); }},
-    Key{u"DirectoryCache",
-        [](const Setting& s, Site& site) { site.directory_cache = provider_settings(s); }},
-    Key{u"DirectoryShare",
-        [](const Setting& s, Site& site) {
-            site.directory_share = static_cast<int>(s.number(1, 100));
-        }},
-    Key{u"LoginsOfOneUser",
-        [](const Setting& s, Site& site) {
-            site.logins_of_one_user = static_cast<std::int32_t>(s.number(1, 100'000));
-        }},
-    Key{u"SessionMemory",
-        [](const Setting& s, Site& site) {
-            site.session_memory = s.bytes(1 << 20, std::int64_t{1} << 40);
-        }},
-    Key{u"DrainTime",
-        [](const Setting& s, Site& site) {
-            site.drain_time = std::chrono::seconds(s.number(0, 3600));
-        }},
-    Key{u"DefaultPages",
-        [](const Setting& s, Site& site) {
-            site.default_pages.clear();
-            for (const Text& page : s.list()) site.default_pages.push_back(to_utf8(page));
-        }},
-    Key{u"ContentSecurityPolicy",
-        [](const Setting& s, Site& site) { site.content_security_policy = to_utf8(s.text()); }},
+    Key{.name = u"LoginPage",
+        .values = "path of the site",
+        .otherwise = [](const Site& usual) { return usual.login_page; },
+        .about = "Where a browser goes that asks for a guarded page without a login.",
+        .read = [](const Setting& s, Site& site) { site.login_page = s.page(); }},
+    Key{.name = u"Guard",
+        .values = "/path/ = number, with commas between",
+        .otherwise = none,
+        .about = "What lies below the path needs a login for the application of this number.",
+        .read =
+            [](const Setting& s, Site& site) {
+                for (const Text& guard : s.list())
+                    site.guards.push_back(guarded_path(s, site.root, guard));
+            }},
+    Key{.name = u"LoginCookie",
+        .values = "text",
+        .otherwise = [](const Site&) { return std::string("CookieName of [MEMBERSHIP]"); },
+        .about = "The login cookie's name.",
+        .read = [](const Setting& s, Site& site) { site.login_cookie = s.text(); }},
+    Key{.name = u"SessionTimeout",
+        .least = 1,
+        .most = 525'600,
+        .values = "minutes",
+        .otherwise =
+            [](const Site& usual) { return std::to_string(usual.session_timeout.count()); },
+        .about = "How long after its last request a session ends.",
+        .read = [](const Setting& s,
+                   Site& site) { site.session_timeout = std::chrono::minutes(s.number()); }},
+    Key{.name = u"SessionLifetime",
+        .least = 1,
+        .most = 525'600,
+        .values = "minutes",
+        .otherwise =
+            [](const Site& usual) { return std::to_string(usual.session_lifetime.count()); },
+        .about = "How long after its begin a session ends in any case.",
+        .read = [](const Setting& s,
+                   Site& site) { site.session_lifetime = std::chrono::minutes(s.number()); }},
+    Key{.name = u"PageTimeout",
+        .least = 1,
+        .most = 3600,
+        .values = "seconds",
+        .otherwise = [](const Site& usual) { return std::to_string(usual.page_timeout.count()); },
+        .about = "How long a page may run. It may say another time itself (Server.ScriptTimeout).",
+        .read = [](const Setting& s,
+                   Site& site) { site.page_timeout = std::chrono::seconds(s.number()); }},
+    Key{.name = u"LargestRequest",
+        .least = 1024,
+        .most = 1 << 30,
+        .values = "bytes",
+        .otherwise = [](const Site& usual) { return std::to_string(usual.largest_request); },
+        .about = "The largest form without files.",
+        .read = [](const Setting& s,
+                   Site& site) { site.largest_request = static_cast<std::size_t>(s.number()); }},
+    Key{.name = u"LargestUpload",
+        .least = 1024,
+        .most = std::int64_t{1} << 40,
+        .values = "bytes",
+        .otherwise = [](const Site& usual) { return std::to_string(usual.largest_upload); },
+        .about = "The largest form with files.",
+        .read = [](const Setting& s,
+                   Site& site) { site.largest_upload = static_cast<std::size_t>(s.number()); }},
+    Key{.name = u"DirectoryPool",
+        .values = "Name = number, with commas between",
+        .otherwise = [](const Site&) { return std::string("the provider's own"); },
+        .about =
+            "Settings of the directory provider's connection pool, see below; handed over before "
+            "the first page.",
+        .read = [](const Setting& s, Site& site) { site.directory_pool = provider_settings(s); }},
+    Key{.name = u"DirectoryCache",
+        .values = "Name = number, with commas between",
+        .otherwise = [](const Site&) { return std::string("the provider's own"); },
+        .about = "Settings of the directory provider's cache, see below.",
+        .read = [](const Setting& s, Site& site) { site.directory_cache = provider_settings(s); }},
+    Key{.name = u"DirectoryShare",
+        .least = 1,
+        .most = 100,
+        .values = "percent",
+        .otherwise = [](const Site& usual) { return std::to_string(usual.directory_share); },
+        .about = "How many of the workers may wait for the directory at once, all pages together.",
+        .read = [](const Setting& s,
+                   Site& site) { site.directory_share = static_cast<int>(s.number()); }},
+    Key{.name = u"LoginsOfOneUser",
+        .least = 1,
+        .most = 100'000,
+        .values = "logins",
+        .otherwise = [](const Site&) { return std::string("the filter's own: 100"); },
+        .about = "Live logins of one user; a new one ends the one that was used longest ago.",
+        .read =
+            [](const Setting& s, Site& site) {
+                site.logins_of_one_user = static_cast<std::int32_t>(s.number());
+            }},
+    Key{.name = u"SessionMemory",
+        .least = 1 << 20,
+        .most = std::int64_t{1} << 40,
+        .values = "bytes",
+        .otherwise = [](const Site& usual) { return std::to_string(usual.session_memory); },
+        .about = "What the values of all sessions together take.",
+        .read = [](const Setting& s,
+                   Site& site) { site.session_memory = static_cast<std::size_t>(s.number()); }},
+    Key{.name = u"DrainTime",
+        .least = 0,
+        .most = 3600,
+        .values = "seconds",
+        .otherwise = [](const Site& usual) { return std::to_string(usual.drain_time.count()); },
+        .about = "How long what is being served may go on when the program is asked to end.",
+        .read = [](const Setting& s,
+                   Site& site) { site.drain_time = std::chrono::seconds(s.number()); }},
+    Key{.name = u"DefaultPages",
+        .values = "names, with commas between",
+        .otherwise =
+            [](const Site& usual) {
+                std::string pages;
+                for (const std::string& page : usual.default_pages)
+                    pages += (pages.empty() ? "" : ", ") + page;
+                return pages;
+            },
+        .about = "Looked for in this order where an address names a folder.",
+        .read =
+            [](const Setting& s, Site& site) {
+                site.default_pages.clear();
+                for (const Text& page : s.list()) site.default_pages.push_back(to_utf8(page));
+            }},
+    Key{.name = u"ContentSecurityPolicy",
+        .values = "text",
+        .otherwise = [](const Site& usual) { return usual.content_security_policy; },
+        .about = "The header of this name in every answer; with an empty value there is none.",
+        .read = [](const Setting& s,
+                   Site& site) { site.content_security_policy = to_utf8(s.text()); }},
 };
 
 [[noreturn]] void refuse_name(const Text& file, long long line, const Text& what, TextView name,
@@ -200,7 +289,7 @@ void read_settings(const IniValues& values, const Text& file, Site& site) {
             std::ranges::transform(keys, names.begin(), &Key::name);
             refuse_name(file, key.line, u"key", key.name, names);
         }
-        known->read(Setting(file, key), site);
+        known->read(Setting(file, key, *known), site);
     }
 }
 
@@ -242,6 +331,18 @@ std::vector<std::string> keys_for_next_start(const Site& before, const Site& now
     compare("DirectoryShare", before.directory_share, now.directory_share);
     compare("DrainTime", before.drain_time, now.drain_time);
     return keys;
+}
+
+std::vector<DescribedSetting> described_site_settings() {
+    const Site usual;
+    std::vector<DescribedSetting> all;
+    for (const Key& key : keys) {
+        std::string values = key.values;
+        if (key.most != 0)
+            values += ", " + std::to_string(key.least) + " to " + std::to_string(key.most);
+        all.push_back({to_utf8(key.name), values, key.otherwise(usual), key.about});
+    }
+    return all;
 }
 
 const GuardedPath* guard_of(const Site& site, std::string_view path) {

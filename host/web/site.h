@@ -37,6 +37,7 @@
 #include <optional>
 #include <vector>
 
+#include "platform/values/described_setting.h"
 #include "platform/values/text.h"
 
 namespace orvo::web {
@@ -87,6 +88,9 @@ Site read_site(const std::filesystem::path& folder, const std::filesystem::path&
 
 // The keys that differ between two readings and count from the next start of the program only.
 std::vector<std::string> keys_for_next_start(const Site& before, const Site& now);
+
+// The keys of section [SITE].
+std::vector<DescribedSetting> described_site_settings();
 
 // The application that guards a path; null for a path that anybody may see. Of several guards the
 // longest path counts. Paths are compared without regard to case, so that no spelling slips by.

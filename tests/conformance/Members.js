@@ -78,6 +78,9 @@ raisesLike("a filter that cannot be read", 0x8007203E - 0x100000000,
 
 var columns = members.GetOrvoUsersEx(arrayOf("cn=jsmith"), arrayOf("SN", "OrvoUserType", "mail"));
 equal("columns as asked for", columns.Fields.Item(0).Name + columns.Fields.Item(1).Name, "SNOrvoUserType");
+equal("columns as a text",
+      members.GetOrvoUsersEx(arrayOf("cn=jsmith"), "sn, mail").Fields.Item(1).Value,
+      "john.smith@shop.example");
 equal("a column's type", columns.Fields.Item("OrvoUserType").Value, 1);
 
 // Page after page: everybody once.

@@ -21,7 +21,7 @@ Variant decoded(const AttributeType* type, const std::vector<std::string>& value
 std::vector<Text> column_names(const Variant& attributes) {
     std::vector<Text> names;
     if (attributes.is_text()) {
-        names.emplace_back(attributes.text_view());
+        for (const Text& name : split(attributes.text_view(), u",")) names.push_back(trimmed(name));
     } else if (!attributes.is_empty()) {
         for (const Variant& name : attributes.to<Values>()) names.push_back(name.to<Text>());
     }

@@ -12,10 +12,10 @@
 
 namespace orvo::directory {
 
-// The names that a caller asks for as columns, as they are spelled: an array of texts, or one text.
-// One that is there twice is two columns. Raises result code 89 where there are none, for an empty
-// name and for one that holds a NUL or half of a surrogate pair, which would be another name; 13
-// for anything else.
+// The names that a caller asks for as columns, as they are spelled: an array of texts, or one text
+// with commas between the names. One that is there twice is two columns. Raises result code 89
+// where there are none, for an empty name and for one that holds a NUL or half of a surrogate pair,
+// which would be another name; 13 for anything else.
 std::vector<Text> column_names(const Variant& attributes);
 
 // Makes a row of an entry: for each column no value is Empty, one is itself, several are an array;

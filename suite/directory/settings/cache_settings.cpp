@@ -5,7 +5,10 @@
 namespace orvo::directory {
 namespace {
 
-constexpr NumberSetting numbers[] = {{"Entries", 0, 1'000'000}, {"TimeToLive", 1, 86'400}};
+constexpr NumberSetting numbers[] = {
+    {"Entries", 0, 1'000'000, "How many entries are kept; 0 keeps none."},
+    {"TimeToLive", 1, 86'400, "How long an entry is kept after it was read."},
+};
 
 }  // namespace
 
@@ -17,6 +20,12 @@ CacheSettings changed(CacheSettings settings, const Variant& names, const Varian
             settings.time_to_live = std::chrono::seconds(given.number);
     }
     return settings;
+}
+
+std::vector<DescribedSetting> described_cache_settings() {
+    const CacheSettings usual;
+    return {described(numbers[0], "entries", static_cast<std::int64_t>(usual.entries)),
+            described(numbers[1], "seconds", usual.time_to_live.count())};
 }
 
 }  // namespace orvo::directory

@@ -2,7 +2,9 @@
 
 #include <chrono>
 #include <cstddef>
+#include <vector>
 
+#include "platform/values/described_setting.h"
 #include "platform/values/variant.h"
 
 namespace orvo::directory {
@@ -14,8 +16,9 @@ struct CacheSettings {
 
 // The settings changed by what InitializeCache is given; those that are not named stay. Raises what
 // read_numbers raises.
-//
-//   Entries       0 to 1000000          TimeToLive    seconds, 1 to 86400
 CacheSettings changed(CacheSettings settings, const Variant& names, const Variant& values);
+
+// Their names, units, ranges and defaults.
+std::vector<DescribedSetting> described_cache_settings();
 
 }  // namespace orvo::directory

@@ -94,4 +94,11 @@ std::vector<GivenNumber> read_numbers(const Variant& names, const Variant& value
     return given;
 }
 
+DescribedSetting described(const NumberSetting& setting, const std::string& unit,
+                           std::int64_t otherwise) {
+    return {std::string(setting.name),
+            unit + ", " + std::to_string(setting.lowest) + " to " + std::to_string(setting.highest),
+            std::to_string(otherwise), setting.about};
+}
+
 }  // namespace orvo::directory

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/values/described_setting.h"
 #include "platform/values/variant.h"
 
 namespace orvo::directory {
@@ -16,6 +17,7 @@ struct NumberSetting {
     std::string_view name;
     std::int64_t lowest;
     std::int64_t highest;
+    const char* about;  // sentences
 };
 
 // What was given: the setting's place in the table, and its number.
@@ -30,5 +32,9 @@ struct GivenNumber {
 // given twice, a value that is no whole number between the bounds.
 std::vector<GivenNumber> read_numbers(const Variant& names, const Variant& values,
                                       std::span<const NumberSetting> settings);
+
+// `unit`: "seconds"; `otherwise`: its number where it is not given.
+DescribedSetting described(const NumberSetting& setting, const std::string& unit,
+                           std::int64_t otherwise);
 
 }  // namespace orvo::directory

@@ -2,7 +2,9 @@
 
 #include <chrono>
 #include <cstddef>
+#include <vector>
 
+#include "platform/values/described_setting.h"
 #include "platform/values/variant.h"
 #include "suite/directory/settings/limits.h"
 
@@ -33,19 +35,10 @@ struct PoolSettings {
 };
 
 // The settings changed by what InitializeConnectionPool is given; those that are not named stay.
-// Raises what read_numbers raises. Their names, units and ranges:
-//
-//   - MaximumSize: connections, 0 to 1000.
-//   - MaximumIdle: connections, 0 to 10000.
-//   - WaitLimit: milliseconds, 0 to 600000.
-//   - IdleLimit: seconds, 1 to 86400.
-//   - AgeLimit: seconds, 1 to 604800.
-//   - ConnectLimit: milliseconds, 1 to 600000.
-//   - AnswerLimit: milliseconds, 1 to 600000.
-//   - OperationLimit: milliseconds, 1 to 3600000.
-//   - RecheckAfter: seconds, 0 to 3600.
-//   - FailbackAfter: seconds, 0 to 86400.
-//   - ReplicaLag: seconds, 0 to 3600.
+// Raises what read_numbers raises.
 PoolSettings changed(PoolSettings settings, const Variant& names, const Variant& values);
+
+// Their names, units, ranges and defaults.
+std::vector<DescribedSetting> described_pool_settings();
 
 }  // namespace orvo::directory

@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 const fs::path source = ORVO_SOURCE;
 
 TEST(Reference, TheCommittedPagesAreThoseThatTheTablesGive) {
-    std::set<std::string> made;
+    std::set<std::string> made{"settings.md"};
     for (const ReferencePage& page : reference_pages(source / "examples" / "reference")) {
         made.insert(page.file);
         EXPECT_EQ(content_of(source / "docs" / "reference" / page.file), page.text)

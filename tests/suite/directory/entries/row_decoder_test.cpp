@@ -79,6 +79,7 @@ TEST(RowDecoder, AColumnThatIsAskedForTwiceIsFilledTwice) {
 TEST(ColumnNames, AreAnArrayOrOneText) {
     EXPECT_THAT(column_names(Values{u"cn", u"Mail"}), ElementsAre(u"cn", u"Mail"));
     EXPECT_THAT(column_names(u"cn"), ElementsAre(u"cn"));
+    EXPECT_THAT(column_names(u"cn, Mail,sn"), ElementsAre(u"cn", u"Mail", u"sn"));
     EXPECT_THAT(column_names(Values{u"cn", u"CN", u"cn"}), ElementsAre(u"cn", u"CN", u"cn"));
 }
 

@@ -1,0 +1,115 @@
+#include "host/settings/settings_page.h"
+
+#include <vector>
+
+#include "component/auth/login_settings.h"
+#include "component/config/ServerInfo.h"
+#include "host/web/site.h"
+#include "suite/directory/settings/cache_settings.h"
+#include "suite/directory/settings/pool_settings.h"
+#include "suite/log/log_target.h"
+
+namespace orvo {
+namespace {
+
+std::string code(const std::string& text) { return text.empty() ? "" : "`" + text + "`"; }
+
+std::string table(const std::vector<DescribedSetting>& settings) {
+    std::string text = "| Key | Values | Without it | |\n|---|---|---|---|\n";
+    for (const DescribedSetting& setting : settings)
+        text += "| " + code(setting.name) + " | " + setting.values + " | " + setting.otherwise +
+                " | " + setting.about + " |\n";
+    return text + "\n";
+}
+
+template <class T>
+DescribedSetting told(const LoginSetting<T>& setting) {
+    return {to_utf8(setting.key), setting.values, std::to_string(setting.otherwise), setting.about};
+}
+
+struct Variable {
+    const char* name;
+    const char* about;
+};
+constexpr Variable variables[] = {
+    {"ORVO_COMPONENTS",
+     "Folders of manifests, with `:` between, in front of the user's and the system's; "
+     "`orvo-register` writes into the first. Read on Linux."},
+    {"XDG_DATA_HOME",
+     "Where the user's own manifests lie, in `orvo/components`; an absolute path."},
+    {"HOME",
+     "Without `XDG_DATA_HOME` the user's manifests lie in `.local/share/orvo/components` below it, "
+     "without `XDG_STATE_HOME` the log in `.local/state/orvo`."},
+    {"ORVO_SITE_CONFIG",
+     "The site's configuration file, which must be there; without it `/etc/orvo/site.ini`, on "
+     "Windows `%ProgramData%\\orvo\\site.ini`, which need not."},
+    {"ProgramData", "Windows' folder for the settings of all users."},
+    {"CREDENTIALS_DIRECTORY", "Where `@credential:NAME` is looked for; systemd sets it."},
+    {"ORVO_LOG_FILE", "The log's file."},
+    {"ORVO_LOG_STDERR",
+     "`1`: the log is written to the standard error; without `ORVO_LOG_FILE` to that alone."},
+    {"ORVO_LOG_LEVEL", "`error`: errors alone. Any other text, and none: notes, too."},
+    {"XDG_STATE_HOME",
+     "Where the log lies without the variables above: `orvo/orvo.log`; an absolute path. Without "
+     "any "
+     "folder the log is the standard error."},
+    {"LOCALAPPDATA", "The same on Windows."},
+};
+
+}  // namespace
+
+std::string settings_page() {
+    const LogTarget log;
+    std::string page =
+        "# Settings\n\n"
+        "Written from the tables of those who read them by `orvo-settings`; not edited by hand.\n\n"
+        "Names of sections and keys have no case. A value is everything behind the first `=` or "
+        "`:` "
+        "of its line, without the blanks around it: it knows neither quotes nor escapes, and no "
+        "comment stands behind it. Comments are lines of their own that begin with `;` or `#`. A "
+        "value may stand elsewhere: `@file:PATH` is the one line of a file, `@credential:NAME` a "
+        "file of systemd's, `@env:NAME` a variable.\n\n"
+        "## The site's configuration\n\n"
+        "The file that `ORVO_SITE_CONFIG` names, or that a program gives to `setServerInfo` or "
+        "`SetConfiguration`. The component asks for the keys that it needs; it passes over "
+        "sections "
+        "and keys that are not listed here, which may belong to other programs.\n\n"
+        "### [MEMBERSHIP]\n\n" +
+        table(ServerInfo::described_settings()) +
+        "`LDAPServer` of the LDAP provider: [provider.md](../provider.md); of the embedded "
+        "directory: "
+        "[embedded.md](../embedded.md).\n\n"
+        "### [GLOBAL]\n\n" +
+        table({told(multi_login), told(multi_login_timeout)}) +
+        "## The directory's configuration\n\n"
+        "The file that `ConfigFileName` names, in the folder `Config` beside the site's "
+        "configuration. `LdapAccess.BindToConfig` reads it.\n\n"
+        "### [ConfigDN]\n\n" +
+        table({{"dn", "distinguished name", "",
+                "The entry that keeps the settings of the whole site, its full name."}}) +
+        "### [Attributes]\n\n"
+        "Every key is a name that programs use, its value the directory's attribute "
+        "(`Company=CompanyName`); `LdapAccess.GetAttributeName` looks it up.\n\n"
+        "## A web site: site.ini, [SITE]\n\n"
+        "The file `site.ini` in the folder of the site that `orvo-web` serves, or the one that "
+        "`--config` names. Keys and sections that are not listed here keep the site from "
+        "starting.\n\n" +
+        table(web::described_site_settings()) +
+        "## The directory provider\n\n"
+        "Given to `OrvoMembership.Initialize` as two arrays, of names and of values, or to a web "
+        "site as `DirectoryPool` and `DirectoryCache`. A name that is not listed here and a number "
+        "out of its range are refused (0x8007203F).\n\n"
+        "### Pool\n\n" +
+        table(directory::described_pool_settings()) + "### Cache\n\n" +
+        table(directory::described_cache_settings()) +
+        "## The environment\n\n| Variable | |\n|---|---|\n";
+    for (const Variable& variable : variables)
+        page += "| " + code(variable.name) + " | " + variable.about + " |\n";
+    return page + "\nThe log's file is renamed before it would be larger than " +
+           std::to_string(log.largest_file >> 20) +
+           " MiB (`orvo.log` becomes `orvo.1.log`, that becomes `orvo.2.log`); together there are "
+           "never more than " +
+           std::to_string(log.file_count) + " files.\n";
+}
+
+}  // namespace orvo
