@@ -17,11 +17,8 @@ duk_ret_t make_error(duk_context* context) {
     duk_dup(context, has_number && has_text ? 1 : 0);
     duk_new(context, 1);
     if (has_number) {
-        duk_push_literal(context, "number");
         duk_push_int(context, duk_to_int32(context, 0));
-        duk_def_prop(context, -3,
-                     DUK_DEFPROP_HAVE_VALUE | DUK_DEFPROP_SET_WRITABLE |
-                         DUK_DEFPROP_CLEAR_ENUMERABLE | DUK_DEFPROP_SET_CONFIGURABLE);
+        define_part(context, "number");
     }
     return 1;
 }

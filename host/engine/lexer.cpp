@@ -189,8 +189,9 @@ Token Lexer::next(bool pattern_allowed) {
         position_ += sign.size();
         return take(TokenKind::sign);
     }
-    throw SyntaxProblem(line_, c == '`' ? "texts between ` and ` are not part of this language"
-                                        : "a character that no script has");
+    throw SyntaxProblem(
+        line_, c == '`' ? "this language has no texts between ` and `; join texts with \"+\""
+                        : "a character that no script has");
 }
 
 }  // namespace orvo::script

@@ -22,12 +22,15 @@ public:
             try {
                 made_ = Variant(runtime.options().create_object(name_.to<Text>()));
             } catch (Failure& failure) {
+                if (failure.number != runtime_error::cannot_create_object) throw;
                 // The language has a sentence of its own for this.
-                if (failure.number == runtime_error::cannot_create_object)
-                    failure.description =
-                        replaced(failure.description,
-                                 Text(runtime_error_text(runtime_error::cannot_create_object)),
-                                 u"Automation server can't create object");
+                const Text name = name_.to<Text>();
+                failure.description =
+                    replaced(failure.description,
+                             Text(runtime_error_text(runtime_error::cannot_create_object)),
+                             u"Automation server can't create object");
+                if (failure.description.find(name) == Text::npos)
+                    failure.description += u": \"" + name + u"\"";
                 throw;
             }
         });
@@ -83,11 +86,6 @@ private:
     std::string source_;
     std::string refusal_;
 };
-
-void refuse_construction(duk_context* context) {
-    if (duk_is_constructor_call(context))
-        raise_error(context, stash::type_error, "[object Function] not constructable");
-}
 
 // The global eval, called as a function like any other: the text runs among the globals.
 class Evaluate : public Rewriting {
@@ -228,7 +226,7 @@ void keep_originals(duk_context* context) {
     }
     duk_get_global_string(context, "Date");
     duk_get_prop_string(context, -1, "prototype");
-    for (const char* name : {stash::date_time, stash::date_offset}) {
+    for (const char* name : {stash::date_time, stash::date_offset, stash::date_set_year}) {
         duk_get_prop_string(context, -1, name);
         put_stash(context, name);
     }
@@ -252,14 +250,24 @@ void put_lasting_global(duk_context* context, const char* name, duk_c_function f
     duk_pop(context);
 }
 
-void define_global(duk_context* context, const char* name) {
-    duk_push_global_object(context);
+void refuse_construction(duk_context* context) {
+    if (duk_is_constructor_call(context))
+        raise_error(context, stash::type_error, "[object Function] not constructable");
+}
+
+void define_part(duk_context* context, const char* name, duk_idx_t further) {
     duk_push_string(context, name);
-    duk_dup(context, -3);
-    duk_def_prop(context, -3,
+    duk_swap_top(context, -2);
+    duk_def_prop(context, -3 - further,
                  DUK_DEFPROP_HAVE_VALUE | DUK_DEFPROP_SET_WRITABLE | DUK_DEFPROP_CLEAR_ENUMERABLE |
                      DUK_DEFPROP_SET_CONFIGURABLE | DUK_DEFPROP_FORCE);
-    duk_pop_2(context);
+}
+
+void define_global(duk_context* context, const char* name) {
+    duk_push_global_object(context);
+    duk_swap_top(context, -2);
+    define_part(context, name);
+    duk_pop(context);
 }
 
 void push_own_function(duk_context* context, duk_c_function function, const char* name,
@@ -303,12 +311,15 @@ void add_library(duk_context* context, const std::string& code) {
     keep_originals(context);
     add_evaluation(context);
     add_errors(context);
+    add_dates(context);
+    add_patterns(context);
     if (Runtime::of(context).options().create_object) {
         for (const char* name : {"ActiveXObject", "CreateObject"}) {
             duk_push_c_function(context, function_of<CreateObject>, 1);
             define_global(context, name);
         }
     }
+    add_older_library(context);
     add_collections(context);
 
     duk_get_global_string(context, "Duktape");
@@ -320,7 +331,8 @@ void add_library(duk_context* context, const std::string& code) {
     duk_load_function(context);
     duk_push_global_object(context);
     duk_push_c_function(context, present, 3);
-    duk_call_method(context, 1);
+    push_match_functions(context);
+    duk_call_method(context, 3);
     duk_pop(context);
 }
 

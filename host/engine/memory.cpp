@@ -1,5 +1,6 @@
 #include "host/engine/memory.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <utility>
 
@@ -45,10 +46,13 @@ bool Memory::in_time(const void* block, std::size_t size) {
     work_ += 1 + size / bytes_of_a_request;
     if (work_ < work_of_a_look) return true;
     work_ = 0;
-    if (time_ == nullptr || !time_->is_over()) return true;
+    if (time_ == nullptr) return true;
+    const bool is_known = time_->was_over();
+    if (!time_->is_over()) return true;
     const auto now = std::chrono::steady_clock::now();
-    if (now < late_.none_before) return true;
-    late_ = {block, size, times_asked - 1, now + pause};
+    // Whoever knows of it is about to raise an error, which needs memory.
+    if (is_known && now < std::max(time_->last_look(), late_.at) + pause) return true;
+    late_ = {block, size, times_asked - 1, now};
     return false;
 }
 

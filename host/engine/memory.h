@@ -44,7 +44,7 @@ private:
         const void* block = nullptr;
         std::size_t size = 0;
         int times_left = 0;
-        std::chrono::steady_clock::time_point none_before = {};
+        std::chrono::steady_clock::time_point at = {};
     };
 
     TimeLimit* time_;

@@ -78,9 +78,9 @@ void raise_error(duk_context* context, const char* constructor, const char* mess
 void raise_number(duk_context* context, std::int32_t number, const char* text) {
     push_error(context, stash::error, text);
     duk_push_string(context, text);
-    duk_put_prop_string(context, -2, "description");
+    define_part(context, "description");
     duk_push_int(context, result_of_number(number));
-    duk_put_prop_string(context, -2, "number");
+    define_part(context, "number");
     raise_top(context);
 }
 
@@ -88,12 +88,12 @@ void Passage::raise(duk_context* context) {
     push_error(context, stash::error, "");
     push_text(context, failure_->description);
     duk_dup_top(context);
-    duk_put_prop_string(context, -3, "message");
-    duk_put_prop_string(context, -2, "description");
+    define_part(context, "message", 1);
+    define_part(context, "description");
     push_text(context, failure_->source);
-    duk_put_prop_string(context, -2, "source");
+    define_part(context, "source");
     duk_push_int(context, result_of_number(failure_->number));
-    duk_put_prop_string(context, -2, "number");
+    define_part(context, "number");
     raise_top(context);
 }
 

@@ -117,6 +117,10 @@ inline constexpr const char* traps = "traps";  // what a proxy of an Automation 
 inline constexpr const char* date_maker = "Date";
 inline constexpr const char* date_time = "getTime";
 inline constexpr const char* date_offset = "getTimezoneOffset";
+inline constexpr const char* date_set_year = "setFullYear";
+inline constexpr const char* pattern_maker = "RegExp";
+inline constexpr const char* last_match = "last match";
+inline constexpr const char* match_part = "match part";  // a function that tells a part of it
 inline constexpr const char* class_name = "toString";
 inline constexpr const char* evaluate = "eval";  // the language's own
 inline constexpr const char* indirect_evaluate = "indirect eval";
@@ -141,6 +145,11 @@ void define_global(duk_context* context, const char* name);
 // Defines a global that scripts cannot change either.
 void put_lasting_global(duk_context* context, const char* name, duk_c_function function,
                         duk_idx_t parameters);
+// Takes the value on top of the stack as a property of the object below it, or so many values
+// further below; scripts can change it, and walking through the object does not find it.
+void define_part(duk_context* context, const char* name, duk_idx_t further = 0);
+// Raises a TypeError where the function that runs is called by `new`.
+void refuse_construction(duk_context* context);
 // Pushes a function that takes any number of arguments and looks like one of the language's own.
 void push_own_function(duk_context* context, duk_c_function function, const char* name, int length);
 // Gives the constructor on top of the stack the prototype at `prototype`.
@@ -148,6 +157,18 @@ void take_prototype(duk_context* context, duk_idx_t prototype);
 
 // Defines the constructors of errors anew, so that they take a number in front of the text.
 void add_errors(duk_context* context);
+
+// Defines Date anew, so that it reads what people and HTTP write.
+void add_dates(duk_context* context);
+
+// Defines what remembers the last match, and RegExp.prototype.compile.
+void add_patterns(duk_context* context);
+// Pushes the two functions by which the adaptations tell of it: last_match and tell_match.
+void push_match_functions(duk_context* context);
+
+// Defines what older engines of the language had: HTML's methods of texts, ScriptEngine, GetObject
+// and CollectGarbage.
+void add_older_library(duk_context* context);
 
 // Defines ActiveXObject, CreateObject and the collections, and adapts the language's own library;
 // code: library_code(), which is C++ and so asked for before Duktape is entered.

@@ -5,6 +5,7 @@
 #include <span>
 #include <vector>
 
+#include "host/engine/later_words.h"
 #include "host/engine/structure.h"
 
 namespace orvo::script {
@@ -47,6 +48,7 @@ public:
     std::string run() {
         for (;;) {
             const Token token = lexer_.next(!pieces_.ends_value());
+            if (pieces_.size() > 0) refuse_later_words(pieces_, token);
             finish_call(token);
             finish_loop_head(token);
             if (token.kind == TokenKind::end) break;

@@ -80,9 +80,16 @@ duk_ret_t describe(duk_context* context, void*) {
         for (int i = 0; i < 3; ++i) duk_push_undefined(context);
         return description_parts;
     }
-    for (const char* name :
-         {"lineNumber", "fileName", "name", "message", "number", "description", "source"})
+    for (const char* name : {"lineNumber", "fileName", "name", "message"})
         duk_get_prop_string(context, thrown, name);
+    // Only a number of its own: the language's errors inherit theirs.
+    duk_push_literal(context, "number");
+    duk_get_prop_desc(context, thrown, 0);
+    if (duk_is_object(context, -1)) {
+        duk_get_prop_literal(context, -1, "value");
+        duk_remove(context, -2);
+    }
+    for (const char* name : {"description", "source"}) duk_get_prop_string(context, thrown, name);
     return description_parts;
 }
 
@@ -198,14 +205,17 @@ Ending Runtime::run(const std::shared_ptr<const Program::Content>& program) {
     const bool raised =
         duk_safe_call(context_, execute, const_cast<Program::Content*>(program.get()), 0, 1) !=
         DUK_EXEC_SUCCESS;
-    if (raised && !is_stopped_ && !time_.was_over()) raise_uncaught();
+    if (raised && !is_stopped_) raise_uncaught();
     duk_pop(context_);
     if (is_stopped_) return Ending::stopped;
-    if (time_.was_over())
-        throw ScriptError(
-            Trouble::time_limit, noted_place(),
-            "The script ran longer than it may (" + std::to_string(time_.limit().count()) + " ms)");
+    if (time_.was_over()) raise_late(noted_place());
     return Ending::finished;
+}
+
+void Runtime::raise_late(Place place) {
+    throw ScriptError(
+        Trouble::time_limit, std::move(place),
+        "The script ran longer than it may (" + std::to_string(time_.limit().count()) + " ms)");
 }
 
 void Runtime::raise_uncaught() {
@@ -227,11 +237,12 @@ void Runtime::raise_uncaught() {
     const bool lacks_memory =
         refused && (!described || name == u"DoubleError" || message == u"alloc failed");
     Place place = noted_place();
-    if (knows_place) {
+    if (knows_place && !is_end_noted_) {
         const auto program = programs_.find(to_utf8(file));
         place = program == programs_.end() ? Place{to_utf8(file), line}
                                            : program->second->place_of(line);
     }
+    if (time_.was_over()) raise_late(std::move(place));
     if (lacks_memory)
         throw ScriptError(Trouble::memory_limit, place,
                           "The script needed more memory than it may (" +

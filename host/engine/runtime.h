@@ -73,6 +73,7 @@ private:
     void protect(duk_ret_t (*step)(duk_context*, void*), Work& work);
     // Of the value on top of the stack, which is taken off.
     [[noreturn]] void raise_uncaught();
+    [[noreturn]] void raise_late(Place place);
     void note_place(duk_context* context);
     Place noted_place() const;
 

@@ -26,13 +26,50 @@ TEST_F(ScriptErrors, RunTimeNumbersAreResultCodesInAScript) {
               "800a005b");
 }
 
-TEST_F(ScriptErrors, OfTheLanguageHaveADescriptionAndTheNumberZero) {
+TEST_F(ScriptErrors, OfTheLanguageHaveADescription) {
     EXPECT_EQ(text("(function () { try { null.x; } catch (e) { "
                    "return e.name + '|' + e.number + '|' + (e.description === e.message); } })()"),
-              "TypeError|0|true");
+              "TypeError|-2146823281|true");
     EXPECT_EQ(text("(function () { var e = new Error('a'); e.description = 'b'; e.number = 5; "
                    "return e.description + e.number + e.message; })()"),
               "b5a");
+}
+
+TEST_F(ScriptErrors, OfTheLanguageHaveTheNumberThatItsEnginesAlwaysHad) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"null.x", "5007"},
+        {"var u; u.x", "5007"},
+        {"var u; u.x = 1", "5007"},
+        {"nosuch", "5009"},
+        {"var u; u()", "5002"},
+        {"({}).f()", "438"},
+        {"new Array(-1)", "5029"},
+        {"(function f() { f(); })()", "28"},
+        {"Date.prototype.getTime.call(1)", "5006"},
+        {"RegExp.prototype.exec.call(1)", "5016"},
+        {"Number.prototype.toFixed.call('x')", "5001"},
+        {"new RegExp('[')", "5019"},
+        {"new RegExp('*')", "5018"},
+        {"new RegExp('[b-a]')", "5021"},
+        {"new RegExp('(')", "5017"},
+        {"eval('a b')", "1002"},
+        {"throw new TypeError('of my own')", "0"},
+        {"var e = new TypeError('x'); e.number = 7; throw e", "7"},
+    };
+    for (const auto& [raises, number] : cases)
+        EXPECT_EQ(text(std::string("(function () { try { ") + raises +
+                       "; } catch (e) { return e.number & 0xFFFF; } })()"),
+                  number)
+            << raises;
+    EXPECT_EQ(text("(function () { try { nosuch; } catch (e) { return e.number; } })()"),
+              "-2146823279");
+}
+
+TEST_F(ScriptErrors, ShowNothingToAWalkThroughThem) {
+    EXPECT_EQ(
+        text("(function () { var seen = ''; try { shelf.Fail(5); } catch (e) { for (var k in e) "
+             "seen += k; } for (k in new Error(5, 'x')) seen += k; return seen; })()"),
+        "");
 }
 
 TEST_F(ScriptErrors, AreMadeOfANumberAndAText) {
@@ -127,6 +164,14 @@ TEST_F(ScriptErrors, OfHostFunctionsAreFailuresToo) {
               "out of cheese");
 }
 
+TEST_F(ScriptErrors, LaterWordsOfTheLanguageAreNamesWhereTheyCanBe) {
+    EXPECT_EQ(
+        text("(function () { var let = 1, of = 2, o = {class: 3, let: 4, import: 5}; let\n"
+             "of; for (of = 0; of < 1; ++of) ; async = let + of; return let in o || o.class + "
+             "o.let; })()"),
+        "7");
+}
+
 TEST_F(ScriptErrors, OfSyntaxTellTheirLine) {
     struct Case {
         const char* source;
@@ -143,7 +188,23 @@ TEST_F(ScriptErrors, OfSyntaxTellTheirLine) {
                   "test.js, line 2: the regular expression that begins here has no "
                   "end"},
              Case{"a = `b`",
-                  "test.js, line 1: texts between ` and ` are not part of this language"},
+                  "test.js, line 1: this language has no texts between ` and `; join texts with "
+                  "\"+\""},
+             Case{"a;\nlet b = 1;", "test.js, line 2: this language has no \"let\"; use \"var\""},
+             Case{"let {a} = b", "test.js, line 1: this language has no \"let\"; use \"var\""},
+             Case{"a = (b) => b",
+                  "test.js, line 1: this language has no \"=>\"; write function (a) { return b; }"},
+             Case{"\nclass A {}",
+                  "test.js, line 2: this language has no \"class\"; use a function and its "
+                  "prototype"},
+             Case{"for (a of b) c",
+                  "test.js, line 1: this language has no \"of\"; count with an index, or use "
+                  "\"in\" for names"},
+             Case{"f(...a)",
+                  "test.js, line 1: this language has no \"...\"; use concat, or apply for a call"},
+             Case{"async function f() {}",
+                  "test.js, line 1: this language has no \"async\"; calls return when their work "
+                  "is done"},
              Case{"__orvo_tick = 1",
                   "test.js, line 1: names that begin with '__orvo_' belong to "
                   "the script engine"},

@@ -164,7 +164,8 @@ TEST_F(ScriptObjects, AreMadeByTheHostsOwnWay) {
     };
     EXPECT_EQ(run("new ActiveXObject('Test.Shelf').Add(1, 2); CreateObject('Test.Shelf').Label"),
               "");
-    EXPECT_EQ(run("new ActiveXObject('Test.None')"), "Automation server can't create object");
+    EXPECT_EQ(run("new ActiveXObject('Test.None')"),
+              "Automation server can't create object: \"Test.None\"");
     EXPECT_EQ(run("new ActiveXObject('Test.Own')"), "no");
     EXPECT_EQ(error("new ActiveXObject('Test.Shelf')").message,
               "ReferenceError: identifier 'ActiveXObject' undefined");
