@@ -238,6 +238,32 @@ protected:
     ~Application() = default;
 };
 
+// What an error page is told of the failure that it is shown for.
+class AspError {
+public:
+    // "ASP 0113" of a page that took too long; otherwise empty.
+    virtual Text ASPCode() = 0;
+    // 0 where nothing has failed.
+    virtual std::int32_t Number() = 0;
+    // Who raised it: a component, the script, or the pages themselves.
+    virtual Text Category() = 0;
+    // As a path of the site; empty, and 0, where it is not known.
+    virtual Text File() = 0;
+    virtual std::int32_t Line() = 0;
+    virtual Text Description() = 0;
+    // Of what the pages themselves raised.
+    virtual Text ASPDescription() = 0;
+    // Not known: -1.
+    virtual std::int32_t Column() = 0;
+    // The text of the line.
+    virtual Text Source() = 0;
+    // Under which the log has more.
+    virtual Text Reference() = 0;
+
+protected:
+    ~AspError() = default;
+};
+
 class Server {
 public:
     // Seconds.
@@ -252,6 +278,8 @@ public:
     // may have a query, which is the other page's then.
     virtual void Execute(const Text& path) = 0;
     virtual void Transfer(const Text& path) = 0;
+    // For an error page; on any other one nothing has failed.
+    virtual Object GetLastError() = 0;
     // The address, where it leads to a page of this site; `otherwise` for any other text.
     virtual Text LocalURL(const Variant& url, const Text& otherwise) = 0;
     // Letters and digits by chance, for a password that is used once: 1 to 1000.

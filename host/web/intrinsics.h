@@ -168,6 +168,20 @@ inline constexpr auto table_of<web::Application> = describe<web::Application>(
     get<&web::Application::Contents>("Contents").id(web::detail::own(0x06)));
 
 template <>
+inline constexpr auto table_of<web::AspError> = describe<web::AspError>(
+    "IASPError", "f5a6893e-a0f5-11d1-8c4b-00c04fc324a4",
+    get<&web::AspError::ASPCode>("ASPCode").id(web::detail::own(0x00)),
+    get<&web::AspError::Number>("Number").id(web::detail::own(0x01)),
+    get<&web::AspError::Category>("Category").id(web::detail::own(0x02)),
+    get<&web::AspError::File>("File").id(web::detail::own(0x03)),
+    get<&web::AspError::Line>("Line").id(web::detail::own(0x04)),
+    get<&web::AspError::Description>("Description").id(web::detail::own(0x05)),
+    get<&web::AspError::ASPDescription>("ASPDescription").id(web::detail::own(0x06)),
+    get<&web::AspError::Column>("Column").id(web::detail::own(0x07)),
+    get<&web::AspError::Source>("Source").id(web::detail::own(0x08)),
+    get<&web::AspError::Reference>("Reference"));
+
+template <>
 inline constexpr auto table_of<web::Server> = describe<web::Server>(
     "IServer", "d97a6da0-a867-11cf-83ae-01a0c90c2bd8",
     get<&web::Server::ScriptTimeout>("ScriptTimeout").id(web::detail::own(0x00)),
@@ -179,7 +193,7 @@ inline constexpr auto table_of<web::Server> = describe<web::Server>(
     method<&web::Server::URLPathEncode>("URLPathEncode", "text").id(web::detail::own(0x06)),
     method<&web::Server::Execute>("Execute", "path").id(web::detail::own(0x07)),
     method<&web::Server::Transfer>("Transfer", "path").id(web::detail::own(0x08)),
-    reserved(10),
+    method<&web::Server::GetLastError>("GetLastError").id(web::detail::own(0x09)),
     method<&web::Server::LocalURL>("LocalURL", "url", optional("otherwise")),
     method<&web::Server::RandomText>("RandomText", "length"));
 // clang-format on

@@ -164,6 +164,29 @@ void MemorySessions::drop(const std::shared_ptr<Session>& session) {
     bytes_ -= session->bytes;
     sessions_.erase(session->id);
     session->order->erase(session->place);
+    if (take_ended_) take_ended_(std::move(session->data));
+}
+
+void MemorySessions::on_end(std::function<void(SessionData)> take) {
+    const std::lock_guard guard(lock_);
+    take_ended_ = std::move(take);
+}
+
+template <class Condition>
+void MemorySessions::end_where(Condition condition) {
+    const std::lock_guard guard(lock_);
+    std::vector<std::shared_ptr<Session>> ended;
+    for (const auto& [id, session] : sessions_)
+        if (!session->is_leased && condition(*session)) ended.push_back(session);
+    for (const auto& session : ended) drop(session);
+}
+
+void MemorySessions::end_idle() {
+    end_where([this](const Session& session) { return has_ended(session); });
+}
+
+void MemorySessions::end_all() {
+    end_where([](const Session&) { return true; });
 }
 
 // A few of those that were used longest ago, so that what has ended goes away in time.

@@ -37,6 +37,9 @@ public:
     // For sessions from now on; the bounds count with the next request, and a new timeout for new
     // sessions.
     void set_limits(const SessionLimits& limits);
+    void on_end(std::function<void(SessionData)> take) override;
+    void end_idle() override;
+    void end_all() override;
 
     std::size_t count() const;
     // Of the values of those that no request has.
@@ -49,6 +52,8 @@ private:
 
     bool has_ended(const Session& session) const;
     void give_back(const std::shared_ptr<Session>& session);
+    template <class Condition>
+    void end_where(Condition condition);
     // With the lock held.
     void place(Session& session);
     void drop(const std::shared_ptr<Session>& session);
@@ -59,6 +64,7 @@ private:
     SessionLimits limits_;
     const std::function<SessionClock::time_point()> now_;
     mutable std::mutex lock_;
+    std::function<void(SessionData)> take_ended_;
     std::condition_variable given_back_;
     std::unordered_map<std::string, std::shared_ptr<Session>> sessions_;
     // By last use, oldest first: without values, without a login, with one.

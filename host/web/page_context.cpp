@@ -87,6 +87,8 @@ void PageContext::require_session() const {
                       u"This page has no session (EnableSessionState=False)");
 }
 
+void PageContext::abandon_session() { is_abandoned_ = is_abandoned_ || session_; }
+
 SessionLease& PageContext::need_session() {
     require_session();
     if (!session_) {

@@ -13,6 +13,7 @@
 #include "host/web/http_message.h"
 #include "host/web/multipart.h"
 #include "host/web/page_answer.h"
+#include "host/web/page_failure.h"
 #include "host/web/request_fields.h"
 #include "host/web/session_store.h"
 
@@ -60,7 +61,9 @@ public:
     RequestFields cookies;
     // Folders below which pages may write.
     std::vector<std::filesystem::path> file_folders = {};
-    Text user = {};  // who is logged in, where the guard has let somebody in
+    bool maps_paths = true;
+    PageFailure last_failure = {};  // which an error page is shown for
+    Text user = {};                 // who is logged in, where the guard has let somebody in
     PageAnswer answer;
     ApplicationState::Holder application;
     PageControl* control = nullptr;
@@ -76,8 +79,13 @@ public:
     // The page has none (EnableSessionState=False), whatever the browser's cookie names; nobody
     // waits for this request.
     void do_without_session();
-    // Raises Failure where it does.
+    bool has_session() const { return has_session_; }
+    // Raises Failure where it has none.
     void require_session() const;
+    // In place of a session that the browser's cookie names.
+    void adopt_session(std::unique_ptr<SessionLease> session) { session_ = std::move(session); }
+    // The session, if there is one, ends with the request.
+    void abandon_session();
     // Null while the browser has none.
     SessionLease* session() const { return session_.get(); }
     // Makes one where the browser has none. Raises Failure as require_session, and where the
@@ -116,8 +124,6 @@ private:
     bool is_new_ = false;  // the browser has not been told its identifier
     bool is_abandoned_ = false;
     bool has_session_ = true;
-
-    friend class SessionObject;
 };
 
 // The name of the session's cookie. Under TLS browsers take one of this name from this very host

@@ -40,6 +40,9 @@ Text ServerObject::URLEncode(const Variant& text) { return url_encode(text_of(te
 Text ServerObject::URLPathEncode(const Variant& text) { return url_path_encode(text_of(text)); }
 
 Text ServerObject::MapPath(const Text& path) {
+    if (!page_->maps_paths)
+        throw Failure(runtime_error::invalid_call, {},
+                      u"MapPath cannot be used when a session or the application ends");
     const std::filesystem::path asked = to_utf8(replaced(path, u"\\", u"/"));
     const std::filesystem::path from_root =
         asked.is_absolute() ? asked

@@ -22,6 +22,7 @@ public:
     Text URLPathEncode(const Variant& text) override;
     void Execute(const Text& path) override;
     void Transfer(const Text& path) override;
+    Object GetLastError() override { return asp_error(page_->last_failure); }
     Text LocalURL(const Variant& url, const Text& otherwise) override;
     Text RandomText(std::int32_t length) override;
 

@@ -135,7 +135,8 @@ void SessionObject::put_Timeout(std::int32_t minutes) {
 }
 
 void SessionObject::Abandon() {
-    if (page_->session()) page_->is_abandoned_ = true;
+    page_->require_session();
+    page_->abandon_session();
 }
 
 Object SessionObject::StaticObjects() { return make<ContentsObject<NoValues>>(page_).object(); }

@@ -3,6 +3,7 @@
 // Web sessions: what pages keep for one browser between its requests.
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -54,6 +55,13 @@ public:
     // Who is logged in, as the last request left it; another one may have the session meanwhile,
     // and is not waited for. Empty texts for an identifier as above. Counts as a request.
     virtual SessionLogin login_of(const std::string& id) = 0;
+
+    // Takes what a session held that has ended, however it did. It is called on any thread and
+    // must neither wait nor call the store.
+    virtual void on_end(std::function<void(SessionData)> take) = 0;
+    // Ends sessions that have been without a request for too long, or all that no request has.
+    virtual void end_idle() = 0;
+    virtual void end_all() = 0;
 };
 
 }  // namespace orvo::web

@@ -6,6 +6,7 @@
 #include "host/web/http_message.h"
 #include "host/web/local_url.h"
 #include "host/web/site_files.h"
+#include "host/web/static_files.h"
 #include "platform/values/failure.h"
 #include "platform/values/variant.h"
 #include "suite/configuration/ini_files.h"
@@ -137,7 +138,24 @@ std::vector<ProviderSetting> provider_settings(const Setting& setting) {
     return settings;
 }
 
+std::string error_page(const Setting& setting, const Site& site) {
+    std::string path = setting.page();
+    const auto file = try_site_file(site.root, path);
+    if (!file || (!is_page(path) && content_type_of(*file).empty()))
+        setting.refuse(u"\"" + setting.text() + u"\" is no page or file of the site");
+    return path;
+}
+
+fs::path file_folder(const Setting& setting, const fs::path& root, const Text& text) {
+    std::error_code error;
+    const fs::path folder = fs::canonical(root / to_utf8(text), error);
+    if (error || !fs::is_directory(folder, error))
+        setting.refuse(u"there is no folder \"" + text + u"\"");
+    return folder;
+}
+
 std::string none(const Site&) { return {}; }
+std::string built_in(const Site&) { return "built in"; }
 
 constexpr std::array keys{
     Key{.name = u"LoginPage",
@@ -201,6 +219,30 @@ constexpr std::array keys{
         .about = "The largest form with files.",
         .read = [](const Setting& s,
                    Site& site) { site.largest_upload = static_cast<std::size_t>(s.number()); }},
+    Key{.name = u"FileFolders",
+        .values = "folders, with commas between",
+        .otherwise = none,
+        .about = "Where pages may write files: below these folders, which count from the site's.",
+        .read =
+            [](const Setting& s, Site& site) {
+                for (const Text& folder : s.list())
+                    site.file_folders.push_back(file_folder(s, site.root, folder));
+            }},
+    Key{.name = u"ErrorPage404",
+        .values = "path of the site",
+        .otherwise = built_in,
+        .about = "The page or file that is shown in place of what is not there.",
+        .read = [](const Setting& s, Site& site) { site.error_pages[404] = error_page(s, site); }},
+    Key{.name = u"ErrorPage500",
+        .values = "path of the site",
+        .otherwise = built_in,
+        .about = "The page or file that is shown in place of a page that fails.",
+        .read = [](const Setting& s, Site& site) { site.error_pages[500] = error_page(s, site); }},
+    Key{.name = u"ErrorPage503",
+        .values = "path of the site",
+        .otherwise = built_in,
+        .about = "The page or file that is shown in place of what cannot be had now.",
+        .read = [](const Setting& s, Site& site) { site.error_pages[503] = error_page(s, site); }},
     Key{.name = u"DirectoryPool",
         .values = "Name = number, with commas between",
         .otherwise = [](const Site&) { return std::string("the provider's own"); },

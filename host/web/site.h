@@ -27,6 +27,12 @@
 //     SessionMemory = 268435456
 //     ; seconds for what is being served when the program is asked to end
 //     DrainTime = 10
+//     ; folders below which pages may write files
+//     FileFolders = uploads, /var/lib/shop
+//     ; pages or files that are shown in place of what failed
+//     ErrorPage404 = /errors/404.asp
+//     ErrorPage500 = /errors/500.asp
+//     ErrorPage503 = /errors/503.html
 //     ContentSecurityPolicy = frame-ancestors 'none'; base-uri 'self'; form-action 'self'
 //
 // A key that is not known here is refused, and so is a section: whoever mistypes "Guard" has a site
@@ -34,6 +40,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <vector>
 
@@ -65,6 +72,8 @@ struct Site {
     std::chrono::seconds page_timeout{30};
     std::size_t largest_request = 1024 * 1024;
     std::size_t largest_upload = 10 * 1024 * 1024;
+    std::vector<std::filesystem::path> file_folders = {};  // canonical
+    std::map<int, std::string> error_pages = {};           // by status, as paths of the site
     std::vector<ProviderSetting> directory_pool = {};
     std::vector<ProviderSetting> directory_cache = {};
     int directory_share = 75;                             // percent

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "host/web/http_message.h"
+
 namespace orvo::web {
 namespace {
 
@@ -18,6 +20,10 @@ fs::path real_path(const fs::path& path) {
 }
 
 }  // namespace
+
+bool is_page(std::string_view path) {
+    return path.size() > 4 && equal_ascii_ignoring_case(path.substr(path.size() - 4), ".asp");
+}
 
 std::optional<std::string> path_in_site(const fs::path& root, const fs::path& real) {
     const auto [end, rest] = std::ranges::mismatch(root, real);

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace orvo::web {
@@ -17,6 +18,9 @@ std::optional<std::filesystem::path> try_site_file(const std::filesystem::path& 
 // "/a/b" for a canonical path below the root, "" for the root itself; nothing for one outside.
 std::optional<std::string> path_in_site(const std::filesystem::path& root,
                                         const std::filesystem::path& real);
+
+// By its name: "/a.asp".
+bool is_page(std::string_view path);
 
 // What an address asks for.
 struct SitePath {

@@ -32,10 +32,6 @@ Text login_cookie_of(const Site& site) {
     return name;
 }
 
-bool is_page(std::string_view path) {
-    return path.size() > 4 && equal_ascii_ignoring_case(path.substr(path.size() - 4), ".asp");
-}
-
 HttpResponse redirect(int status, const std::string& address) {
     HttpResponse response;
     response.status = status;
@@ -90,6 +86,29 @@ void add_security_headers(const Site& site, HttpResponse& response) {
     }
 }
 
+// The site's own file for an error, where it has one, or the built-in page.
+HttpResponse usual_answer(StaticFiles& files, const Site& site, const ErrorPage& usual) {
+    const auto own = site.error_pages.find(usual.status);
+    const auto file = own == site.error_pages.end() || is_page(own->second)
+                          ? std::nullopt
+                          : try_site_file(site.root, own->second);
+    if (!file) return error_response(usual);
+    try {
+        HttpResponse response = files.answer(*file, HttpRequest{});
+        response.status = usual.status;
+        response.headers = {{"Cache-Control", "no-store"}};
+        return response;
+    } catch (const std::exception&) {
+        return error_response(usual);  // the file has gone meanwhile
+    }
+}
+
+// As the browser has it.
+std::string address_of(const HttpRequest& request) {
+    return (request.is_secure ? "https://" : "http://") + std::string(request.header("Host")) +
+           request.target;
+}
+
 // Gives back what a page holds, however it ended.
 class Finish {
 public:
@@ -133,7 +152,9 @@ WebApp::WebApp(Site site, SessionStore& sessions, DirectoryHealth& health, WebLo
       sessions_(sessions),
       health_(health),
       log_(log),
-      options_(options) {
+      options_(options),
+      events_(served_->site.root, application_, sessions, log,
+              {.time_limit = served_->site.page_timeout, .patience = served_->site.drain_time}) {
     need_filter(served_->site);
 }
 
@@ -179,11 +200,12 @@ HttpResponse WebApp::handle(const HttpRequest& request) {
     try {
         response = route(*served, request, note);
     } catch (const Refusal& refusal) {
-        response = error_response({refusal.status, refusal.what()});
+        response = error_answer(*served, request, {refusal.status, refusal.what()});
         if (refusal.status == 405) response.headers.emplace_back("Allow", "GET, HEAD, POST");
     } catch (const std::exception& failure) {
-        response = failed(std::string(path_part(request.target)), "The page could not be shown.",
-                          failure.what());
+        const ErrorPage usual = noted(std::string(path_part(request.target)),
+                                      "The page could not be shown.", failure.what());
+        response = error_answer(*served, request, usual, failure_of(failure));
     }
     add_security_headers(served->site, response);
     log_.request(request, response, std::chrono::steady_clock::now() - begin, note);
@@ -223,9 +245,11 @@ HttpResponse WebApp::health(const std::string& path) {
 
 std::shared_ptr<PageContext> WebApp::open(const Served& served, const HttpRequest& request,
                                           const std::string& path) {
-    auto page = std::make_shared<PageContext>(request, path, served.site.root, application_,
-                                              sessions_, options_.session_patience);
+    auto page =
+        std::make_shared<PageContext>(request, path, served.site.root, application_, sessions_,
+                                      options_.session_patience, served.site.largest_request);
     page->time_limit = served.site.page_timeout;
+    page->file_folders = served.site.file_folders;
     page->complete_head = [&site = served.site](HttpResponse& head) {
         add_security_headers(site, head);
     };
@@ -275,43 +299,92 @@ HttpResponse WebApp::page(Served& served, const HttpRequest& request, const Site
         page->user = page->session()->data().values.get(u"REMOTE_USER").text_view();
     }
     if (!found.file) throw Refusal(404, "There is no such page.");
-    HttpResponse response;
+    ErrorPage usual;
+    PageFailure failure;
     bool is_answered = false;
     {
         const Finish finish(*page);
         try {
-            run_page(page, served.pages);
+            run_page(page, served.pages, path, events_.start());
             is_answered = true;
         } catch (const PageError& error) {
-            response = failed(path, "The page could not be shown.", error.what(), {error.what()});
+            usual = noted(path, "The page could not be shown.", error.what());
+            failure = failure_of(error, served.site.root);
         } catch (const script::ScriptError& error) {
-            response = failed(path,
-                              error.trouble == script::Trouble::time_limit
-                                  ? "The page took too long and was stopped."
-                                  : "The page could not be shown.",
-                              error.what(),
-                              {error.what(), to_utf8(error.source),
-                               error.number ? "0x" + to_utf8(hexadecimal(error.number)) : ""});
+            usual = noted(path,
+                          error.trouble == script::Trouble::time_limit
+                              ? "The page took too long and was stopped."
+                              : "The page could not be shown.",
+                          error.what(),
+                          {error.what(), to_utf8(error.source),
+                           error.number ? "0x" + to_utf8(hexadecimal(error.number)) : ""});
+            failure = failure_of(error, served.site.root);
+        }
+        note = page->answer.log_note;
+        if (!is_answered && !page->answer.has_begun) {
+            failure.reference = from_utf8(usual.reference);
+            is_answered = try_error_page(served, page, 500, std::move(failure));
         }
         // What a page that failed would have told the browser is not sent; its session is kept.
         if (!is_answered) page->answer.cookies.clear();
     }
-    note = page->answer.log_note;
     if (is_answered) return response_of(std::move(page->answer));
-    if (page->answer.has_begun) return broken_off(page->answer, response);
+    if (page->answer.has_begun) return broken_off(page->answer, error_response(usual));
+    HttpResponse response = usual_answer(files_, served.site, usual);
     for (const auto& cookie : page->answer.cookies)
         response.headers.emplace_back("Set-Cookie", header_text(*cookie));
     return response;
 }
 
-HttpResponse WebApp::failed(const std::string& path, std::string sentence, const std::string& cause,
-                            std::vector<std::string> details) {
+ErrorPage WebApp::noted(const std::string& path, std::string sentence, const std::string& cause,
+                        std::vector<std::string> details) {
     ErrorPage page{.status = 500, .sentence = std::move(sentence)};
     page.reference = log_.failure(path, cause);
     if (details.empty()) details = {cause};
     std::erase(details, "");
     if (options_.shows_details) page.details = std::move(details);
-    return error_response(page);
+    return page;
+}
+
+HttpResponse WebApp::error_answer(Served& served, const HttpRequest& request,
+                                  const ErrorPage& usual, PageFailure failure) {
+    const auto own = served.site.error_pages.find(usual.status);
+    if (own == served.site.error_pages.end() || !is_page(own->second))
+        return usual_answer(files_, served.site, usual);
+    failure.reference = from_utf8(usual.reference);
+    try {
+        HttpRequest inner = request;
+        inner.stream = nullptr;  // the page fails as a whole
+        const auto page = open(served, inner, own->second);
+        bool is_shown = false;
+        {
+            const Finish finish(*page);
+            page->query = PageQuery(std::to_string(usual.status) + ';' + address_of(request));
+            // A session that is not to be had may be what is told.
+            if (usual.status == 503) page->do_without_session();
+            is_shown = try_error_page(served, page, usual.status, std::move(failure));
+        }
+        if (is_shown) return response_of(std::move(page->answer));
+    } catch (const std::exception& failed) {
+        log_.failure(own->second, failed.what());
+    }
+    return usual_answer(files_, served.site, usual);
+}
+
+bool WebApp::try_error_page(Served& served, const std::shared_ptr<PageContext>& page, int status,
+                            PageFailure failure) {
+    const auto own = served.site.error_pages.find(status);
+    if (own == served.site.error_pages.end() || !is_page(own->second)) return false;
+    page->answer = {.status = status};
+    page->last_failure = std::move(failure);
+    page->time_limit = served.site.page_timeout;
+    try {
+        run_page(page, served.pages, own->second);
+        return true;
+    } catch (const std::exception& failed) {
+        log_.failure(own->second, failed.what());
+        return page->answer.has_begun;
+    }
 }
 
 }  // namespace orvo::web

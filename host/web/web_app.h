@@ -4,6 +4,7 @@
 
 #include "host/web/directory_health.h"
 #include "host/web/error_page.h"
+#include "host/web/global_events.h"
 #include "host/web/page_cache.h"
 #include "host/web/page_context.h"
 #include "host/web/site.h"
@@ -63,8 +64,17 @@ private:
                                       const std::string& path);
     bool is_open(const Served& served, const SessionLogin& login, const RequestFields& cookies,
                  const SitePath& found) const;
-    HttpResponse failed(const std::string& path, std::string sentence, const std::string& cause,
-                        std::vector<std::string> details = {});
+    // Logs a failure; the built-in page for it.
+    ErrorPage noted(const std::string& path, std::string sentence, const std::string& cause,
+                    std::vector<std::string> details = {});
+    // What is shown for a request that no page has answered: the site's own page for that, where
+    // there is one and it does not fail, otherwise `usual`.
+    HttpResponse error_answer(Served& served, const HttpRequest& request, const ErrorPage& usual,
+                              PageFailure failure = {});
+    // Carries the site's own page out in the place of what a page has written. False where there is
+    // none, and where it fails.
+    bool try_error_page(Served& served, const std::shared_ptr<PageContext>& page, int status,
+                        PageFailure failure);
 
     mutable std::mutex lock_;
     std::shared_ptr<Served> served_;
@@ -74,6 +84,7 @@ private:
     const Options options_;
     ApplicationState application_;
     StaticFiles files_;
+    GlobalEvents events_;
 };
 
 // The path of a request's target, decoded. Raises Refusal (400) for one that no address of a site

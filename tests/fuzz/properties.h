@@ -1,7 +1,7 @@
 #pragma once
 
-// The properties that hold for any input, one function for each kind of text that is read
-// from elsewhere. libFuzzer calls them with inputs that it makes (fuzz_main.cpp), the ordinary tests with
+// The properties that hold for any input, one function for each kind of text that is read from
+// elsewhere. libFuzzer calls them with inputs that it makes (fuzz_main.cpp), the ordinary tests with
 // those of tests/fuzz/corpus (corpus_test.cpp).
 
 #include <stdexcept>
@@ -40,6 +40,8 @@ void filter_properties(std::string_view input);
 void generalized_time_properties(std::string_view input);
 void http_request_properties(std::string_view input);
 void ldif_properties(std::string_view input);
+void multipart_properties(std::string_view input);
+void page_properties(std::string_view input);
 void schema_file_properties(std::string_view input);
 
 }  // namespace orvo::fuzz

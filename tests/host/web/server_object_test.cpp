@@ -29,6 +29,9 @@ namespace {
 
 static_assert(slot_of<&Server::CreateObject> == 9);
 static_assert(slot_of<&Server::Transfer> == 15);
+static_assert(slot_of<&Server::GetLastError> == 16);
+static_assert(slot_of<&AspError::ASPCode> == 7);
+static_assert(slot_of<&AspError::Source> == 15);
 
 class ServerObjectTest : public testing::Test {
 protected:
@@ -92,6 +95,12 @@ TEST_F(ServerObjectTest, MakesObjectsByProgId) {
     } catch (const Failure& failure) {
         EXPECT_EQ(failure.number, 429);
     }
+}
+
+TEST_F(ServerObjectTest, WithoutAFailureTheLastErrorIsNone) {
+    const Object error = late::call(server_, u"GetLastError").to<Object>();
+    EXPECT_EQ(late::get(error, u"Number"), Variant(0));
+    EXPECT_EQ(late::get(error, u"Description"), Variant(u""));
 }
 
 TEST_F(ServerObjectTest, HasATimeLimitForThePage) {

@@ -72,6 +72,34 @@ TEST_F(SiteTest, IsSettledByItsFile) {
     EXPECT_EQ(site.content_security_policy, "default-src 'self'");
 }
 
+TEST_F(SiteTest, SettlesWhereFilesGoAndWhatIsShownForFailures) {
+    folder_.write("errors/404.asp", "");
+    folder_.write("errors/503.html", "");
+    folder_.write("errors/data.bin", "");
+    std::filesystem::create_directory(folder_.path() / "uploads");
+    const TempFolder outside;
+    const Site site =
+        read("LargestUpload = 5000000000\nFileFolders = uploads, " + outside.path().string() +
+             "\nErrorPage404 = /errors/404.asp\nErrorPage503=/errors/503.html\n");
+    EXPECT_EQ(site.largest_upload, 5'000'000'000u);
+    EXPECT_EQ(site.file_folders,
+              (std::vector<std::filesystem::path>{site.root / "uploads",
+                                                  std::filesystem::canonical(outside.path())}));
+    EXPECT_EQ(site.error_pages,
+              (std::map<int, std::string>{{404, "/errors/404.asp"}, {503, "/errors/503.html"}}));
+    for (const auto& [settings, reason] :
+         std::initializer_list<std::pair<std::string_view, TextView>>{
+             {"FileFolders = none", u"FileFolders: there is no folder \"none\""},
+             {"FileFolders = errors/404.asp",
+              u"FileFolders: there is no folder \"errors/404.asp\""},
+             {"ErrorPage500 = /none.asp",
+              u"ErrorPage500: \"/none.asp\" is no page or file of the site"},
+             {"ErrorPage500 = /errors/data.bin",
+              u"ErrorPage500: \"/errors/data.bin\" is no page or file of the site"},
+             {"ErrorPage404 = http://x/", u"ErrorPage404: \"http://x/\" is no path of the site"}})
+        EXPECT_EQ(to_utf8(refusal(settings)), "site.ini, line 2: " + to_utf8(reason)) << settings;
+}
+
 TEST_F(SiteTest, RefusesWhatCannotBeAndSaysWhere) {
     struct Refused {
         std::string_view settings;
