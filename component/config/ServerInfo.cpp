@@ -5,7 +5,9 @@
 #include "component/common/Lib_ErrorHandling.h"
 #include "component/common/Lib_General.h"
 #include "component/common/password_value.h"
+#include "component/config/SharedServerInfo.h"
 #include "platform/interfaces/call.h"
+#include "platform/values/environment.h"
 #include "platform/values/wiped.h"
 
 namespace orvo {
@@ -87,6 +89,9 @@ std::vector<DescribedSetting> ServerInfo::described_settings() {
 }
 
 void ServerInfo::CheckState() {
+    if (!is_loaded_ && configuration_path_.empty() && this == shared_server_info() &&
+        environment_variable("ORVO_SITE_BY_DEFAULT") == u"1")
+        return load_site_configuration();
     // Without a pending error this neither logs nor raises: who asks before anything was loaded
     // gets the empty value, which User::BindAs and PMMCreator test for.
     if (!is_loaded_)
@@ -143,6 +148,8 @@ void ServerInfo::LoadConfigFile(Ref<Configuration>& i_oConfiguration) {
 }
 
 void ServerInfo::SetConfiguration(Text& i_sConfigPath) {
+    // From here on the site's own configuration is not what was meant, whether this one can be
+    // loaded or not.
     configuration_path_ = i_sConfigPath;
     auto configuration = Gen_GetComponent<Configuration>(u"Quendra.Configuration");
     call<&Configuration::LoadConfigurationFile>(configuration, i_sConfigPath);

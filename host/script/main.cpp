@@ -1,5 +1,6 @@
 // orvo-script: runs a script file.
 
+#include <cstdlib>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -7,7 +8,6 @@
 #include "host/engine/script_engine.h"
 #include "host/script/options.h"
 #include "host/script/script_host.h"
-#include "platform/interfaces/create.h"
 
 namespace {
 
@@ -50,8 +50,14 @@ int run(Request request) {
     try {
         std::vector<Program> programs;
         for (const std::string& path : request.files) programs.push_back(program_of(path));
-        Engine engine({.create_object = create_object, .memory_limit = memory_limit});
+        Engine engine({.create_object = make_for_script, .memory_limit = memory_limit});
         state.stop = [&engine] { engine.stop(); };
+        state.set_timeout = [&engine](std::int32_t seconds) {
+            if (seconds > 0)
+                engine.set_time_limit(std::chrono::seconds(seconds));
+            else
+                engine.clear_time_limit();
+        };
         engine.set_global("WScript", make<ScriptHost>(state).object());
         for (const Program& program : programs) engine.run(program);
         return state.exit_code;
@@ -67,6 +73,9 @@ int run(Request request) {
 int main(int count, char** words) {
     ScriptCommandLine line;
     if (const std::optional<int> code = line.read(count, words)) return *code;
+    // Objects that a script does not configure take the site's settings; its caller may say
+    // otherwise.
+    ::setenv("ORVO_SITE_BY_DEFAULT", "1", 0);
     try {
         return run(request_of(line));
     } catch (const std::exception& failure) {

@@ -5,8 +5,10 @@
 #include <iostream>
 #include <thread>
 
+#include "host/script/script_shell.h"
 #include "platform/interfaces/create.h"
-#include "platform/interfaces/enumerator.h"
+#include "platform/objects/files/standard_streams.h"
+#include "platform/values/values.h"
 
 namespace orvo {
 
@@ -21,26 +23,22 @@ std::string shown(const Variant& value) {
 
 }  // namespace
 
-void OutputStream::Write(const Text& text) { put_(to_utf8(text)); }
-void OutputStream::WriteLine(const Text& text) { put_(to_utf8(text) + "\n"); }
-void OutputStream::WriteBlankLines(std::int32_t count) {
-    for (std::int32_t i = 0; i < count; ++i) put_("\n");
+Object make_for_script(const Text& progid) {
+    if (equal_ignoring_case(progid, script_shell_progid)) return make<ScriptShell>().object();
+    return create_object(progid);
 }
 
-Text ScriptArguments::Item(std::int32_t index) {
-    if (index < 0 || index >= Count()) raise_runtime_error(runtime_error::subscript_out_of_range);
-    return words_[static_cast<std::size_t>(index)];
-}
+ScriptHost::ScriptHost(ScriptRun& run)
+    : run_(run),
+      input_(standard_stream(StandardStream::input)),
+      output_(standard_stream(StandardStream::output)),
+      errors_(standard_stream(StandardStream::errors)) {}
 
-Object ScriptArguments::NewEnum() { return make_enumerator({words_.begin(), words_.end()}); }
-
-void ScriptHost::Echo(const Variant& a, const Variant& b, const Variant& c, const Variant& d,
-                      const Variant& e, const Variant& f, const Variant& g, const Variant& h) {
+void ScriptHost::Echo(const Variant& words) {
     std::string line;
-    for (const Variant* word : {&a, &b, &c, &d, &e, &f, &g, &h}) {
-        if (word->is_missing()) break;
-        if (word != &a) line += ' ';
-        line += shown(*word);
+    if (!words.is_missing()) {
+        const Values all = words.to<Values>();
+        for (std::int32_t i = 0; i < all.count(); ++i) line += (i > 0 ? " " : "") + shown(all[i]);
     }
     std::cout << line << '\n';
 }
@@ -50,7 +48,7 @@ void ScriptHost::Quit(std::int32_t code) {
     run_.stop();
 }
 
-Object ScriptHost::CreateObject(const Text& progid) { return create_object(progid); }
+Object ScriptHost::CreateObject(const Text& progid) { return make_for_script(progid); }
 
 void ScriptHost::Sleep(std::int32_t milliseconds) {
     if (milliseconds < 0) raise_runtime_error(runtime_error::invalid_call);
@@ -60,20 +58,27 @@ void ScriptHost::Sleep(std::int32_t milliseconds) {
 
 Ref<ScriptArguments> ScriptHost::Arguments() { return make<ScriptArguments>(run_.arguments); }
 
-Ref<OutputStream> ScriptHost::StdOut() {
-    return make<OutputStream>([](const std::string& text) { std::cout << text; });
-}
-
-Ref<OutputStream> ScriptHost::StdErr() {
-    return make<OutputStream>([](const std::string& text) { std::cerr << text; });
-}
-
 Text ScriptHost::ScriptName() {
     return from_utf8(std::filesystem::path(run_.script).filename().string());
 }
 
 Text ScriptHost::ScriptFullName() {
     return from_utf8(std::filesystem::absolute(run_.script).string());
+}
+
+Text ScriptHost::FullName() {
+    std::error_code error;
+    return from_utf8(std::filesystem::read_symlink("/proc/self/exe", error).string());
+}
+
+Text ScriptHost::Path() {
+    return from_utf8(std::filesystem::path(to_utf8(FullName())).parent_path().string());
+}
+
+void ScriptHost::SetTimeout(std::int32_t seconds) {
+    if (seconds < 0) raise_runtime_error(runtime_error::invalid_call);
+    run_.set_timeout(seconds);
+    timeout_ = seconds;
 }
 
 }  // namespace orvo

@@ -43,6 +43,9 @@ constexpr Variable variables[] = {
     {"ORVO_SITE_CONFIG",
      "The site's configuration file, which must be there; without it `/etc/orvo/site.ini`, on "
      "Windows `%ProgramData%\\orvo\\site.ini`, which need not."},
+    {"ORVO_SITE_BY_DEFAULT",
+     "`1`: objects that nobody gives a configuration take the site's when they first need it. "
+     "`orvo-script` sets it where it is not set."},
     {"ProgramData", "Windows' folder for the settings of all users."},
     {"CREDENTIALS_DIRECTORY", "Where `@credential:NAME` is looked for; systemd sets it."},
     {"ORVO_LOG_FILE", "The log's file."},

@@ -7,6 +7,7 @@
 #include "platform/interfaces/standard_slots.h"
 #include "platform/system/type_library.h"
 #include "platform/values/case_folding.h"
+#include "platform/values/values.h"
 
 namespace orvo::detail {
 namespace {
@@ -124,6 +125,12 @@ private:
     abi::VARIANT* value_ = nullptr;
 };
 
+// A method may take any number of arguments: its last parameter, whose name ends with "...", gets
+// an array of those that have no place of their own, or is left out where there are none.
+bool takes_any_number(const RowData& row) {
+    return row.arity > 0 && std::string_view(row.parameters[row.arity - 1].name).ends_with("...");
+}
+
 class LateCall {
 public:
     LateCall(Face& face, const PassedArguments& passed) : face_(face), passed_(passed) {}
@@ -136,7 +143,13 @@ public:
         const std::size_t arity = member.row->arity;
         const std::size_t places = value != nullptr ? arity - 1 : arity;
         const ShortList<abi::VARIANT*> values(arity);
-        for (std::size_t i = 0; i < taken; ++i) values[i] = passed_.placed(i);
+        Variant others;
+        const std::size_t own = takes_any_number(*member.row) ? arity - 1 : arity;
+        for (std::size_t i = 0; i < std::min(taken, own); ++i) values[i] = passed_.placed(i);
+        if (taken > own) {
+            others = all_from(own, taken);
+            values[own] = others.lend();
+        }
         if (value != nullptr) values[arity - 1] = value;
         const HRESULT named = passed_.for_each_named([&](abi::DISPID number, abi::VARIANT* given) {
             const auto place = static_cast<std::size_t>(number);
@@ -171,6 +184,13 @@ public:
     }
 
 private:
+    // The arguments in these places, as an array.
+    Variant all_from(std::size_t begin, std::size_t end) const {
+        Values all(0, static_cast<std::int32_t>(end - begin));
+        for (std::size_t i = begin; i < end; ++i)
+            all[static_cast<std::int32_t>(i - begin)] = Variant::copy_of(*passed_.placed(i));
+        return Variant(std::move(all));
+    }
     static bool refers_to_nothing(const abi::VARIANT& value) {
         auto is_null = [](const abi::VARIANT& reference) {
             return reference.vt & abi::VT_BYREF && reference.byref == nullptr;
@@ -322,7 +342,8 @@ HRESULT invoke(Face* face, abi::DISPID id, const abi::IID* reserved, abi::LCID, 
     if (plan.member == nullptr) return abi::disp_e_membernotfound;
     if (plan.goes_on && arguments.has_names()) return abi::disp_e_nonamedargs;
     abi::VARIANT* new_value = plan.goes_on ? nullptr : arguments.value();
-    if (plan.taken + (new_value != nullptr ? 1 : 0) > plan.member->row->arity)
+    if (plan.taken + (new_value != nullptr ? 1 : 0) > plan.member->row->arity &&
+        !takes_any_number(*plan.member->row))
         return abi::disp_e_badparamcount;
     try {
         Variant value;

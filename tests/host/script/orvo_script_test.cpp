@@ -46,6 +46,59 @@ TEST_F(OrvoScript, WritesToBothStreams) {
     EXPECT_EQ(run_text("WScript.StdErr.WriteLine('wrong');"), "wrong\n");
 }
 
+TEST_F(OrvoScript, EchoesAnyNumberOfValues) {
+    EXPECT_EQ(run_text("WScript.Echo(1,2,3,4,5,6,7,8,9,10,'e',12); WScript.Echo(undefined, 'x');"),
+              "1 2 3 4 5 6 7 8 9 10 e 12\n x\n");
+}
+
+TEST_F(OrvoScript, ReadsItsInput) {
+    const std::string script =
+        file("test.js",
+             "var lines = 0, all = WScript.StdIn; all.SkipLine(); while "
+             "(!all.AtEndOfStream) { WScript.StdOut.Write(all.Read(1)); "
+             "WScript.StdOut.WriteLine(WScript.StdIn.ReadLine() + all.Line); }");
+    const std::string input = file("input", "zero\none\r\n\xD0\x96\xD0\x96\nend");
+    const std::filesystem::path log = folder.path() / "log";
+    ChildProcess(
+        {"/bin/sh", "-c", std::string(ORVO_SCRIPT) + " '" + script + "' < '" + input + "'"}, log)
+        .wait();
+    EXPECT_EQ(content_of(log),
+              "one3\n\xD0\x96\xD0\x96"
+              "4\nend4\n");
+    EXPECT_EQ(run_text("WScript.StdOut.ReadLine()"),
+              path("test.js") + ", line 1: Bad file mode (0x800A0036)\n");
+}
+
+TEST_F(OrvoScript, TellsNamedArgumentsFromOthers) {
+    EXPECT_EQ(run_text("var a = WScript.Arguments, n = a.Named, u = a.Unnamed;"
+                       "WScript.Echo(a.length, n.Count(), n.length, u.length, u(0), u.Item(1));"
+                       "WScript.Echo(n('role'), n.Item('ROLE'), n.Exists('verbose'), n('verbose'),"
+                       "n.Exists('no'), typeof n('no'));"
+                       "for (var e = new Enumerator(n); !e.atEnd(); e.moveNext()) "
+                       "WScript.Echo(e.item());",
+                       {"/role:a:b", "in.csv", "/Verbose", "/etc/hosts", "/role:2"}),
+              "5 2 2 2 in.csv /etc/hosts\na:b a:b true  false undefined\nrole\nVerbose\n");
+}
+
+TEST_F(OrvoScript, HasTheEnvironmentOfTheShellAndRunsNoPrograms) {
+    EXPECT_EQ(run_text("var s = new ActiveXObject('WScript.Shell'), e = s.Environment('PROCESS');"
+                       "e('ORVO_A') = 'b'; WScript.Echo(e('ORVO_A'), e('ORVO_NONE') === '', "
+                       "s.ExpandEnvironmentStrings('<%ORVO_A%> %ORVO_NONE% 100% %%'));"
+                       "e.Remove('ORVO_A'); WScript.Echo(e('ORVO_A') === '', e.Count() > 0);"
+                       "s.CurrentDirectory = '/'; WScript.Echo(s.CurrentDirectory);"),
+              "b true <b> %ORVO_NONE% 100% %%\ntrue true\n/\n");
+    EXPECT_EQ(run_text("new ActiveXObject('wscript.shell').Run('true')"),
+              path("test.js") +
+                  ", line 1: Object doesn't support this action: WScript.Shell runs no programs "
+                  "here, it has the environment and the current folder only (0x800A01BD)\n");
+}
+
+TEST_F(OrvoScript, EndsAScriptAfterItsTimeout) {
+    EXPECT_EQ(run_text("WScript.Echo(WScript.Timeout); WScript.Timeout = 1; for (;;) ;"),
+              "0\n" + path("test.js") + ", line 1: The script ran longer than it may (1000 ms)\n");
+    EXPECT_EQ(code, 1);
+}
+
 TEST_F(OrvoScript, HandsItsArgumentsOn) {
     EXPECT_EQ(run_text("var a = WScript.Arguments; WScript.Echo(a.length, a.Count(), a(0), "
                        "a.Item(1)); for (var e = new Enumerator(a); !e.atEnd(); e.moveNext()) "
