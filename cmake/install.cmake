@@ -43,8 +43,8 @@ foreach(program orvo orvo-register orvo-script orvo-web)
 endforeach()
 
 # The kit: the C++ client, and what modules of others are made of.
-install(TARGETS orvo_client orvo_module orvo_usage orvo_system orvo_text orvo_values orvo_registration
-                orvo_interfaces orvo_module_parts orvo_recordset
+install(TARGETS orvo_client orvo_compat orvo_module orvo_usage orvo_system orvo_text orvo_values
+                orvo_registration orvo_interfaces orvo_module_parts orvo_recordset
         EXPORT Orvo ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}/orvo/static COMPONENT development)
 install(EXPORT Orvo NAMESPACE Orvo:: FILE OrvoTargets.cmake COMPONENT development
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/OrvoMembership)
@@ -72,7 +72,9 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/automation.h COMPONENT development
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvo/module/platform/system)
 install(DIRECTORY platform DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvo/module COMPONENT development
         FILES_MATCHING PATTERN "*.h"
-        PATTERN linux EXCLUDE PATTERN windows EXCLUDE PATTERN automation.h EXCLUDE)
+        PATTERN linux EXCLUDE PATTERN windows EXCLUDE PATTERN compat EXCLUDE
+        PATTERN automation.h EXCLUDE)
+install(DIRECTORY platform/compat DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvo COMPONENT development)
 foreach(contract provider/directory_contract config/configuration_contract common/log_contract
                  auth/filter_contract)
   get_filename_component(folder ${contract} DIRECTORY)

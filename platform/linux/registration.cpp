@@ -1,128 +1,35 @@
 #include "platform/system/registration.h"
 
-#include <dlfcn.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstdlib>
-#include <string>
-#include <system_error>
 #include <vector>
 
-#include "platform/linux/manifest.h"
+#include "platform/linux/failure_reason.h"
 #include "platform/linux/runtime_calls.h"
-#include "platform/linux/search_path.h"
 #include "platform/values/failure.h"
-#include "platform/values/text.h"
 
 namespace orvo::runtime {
 
 namespace {
 
-using std::filesystem::path;
-
-[[noreturn]] void refuse(abi::HRESULT number, const std::string& reason) {
-    throw Failure(number, {}, from_utf8(reason));
+void require(abi::HRESULT outcome) {
+    if (abi::failed(outcome)) throw Failure(outcome, {}, failure_reason(outcome));
 }
-
-[[noreturn]] void refuse_with_system_error(const std::string& what, int error) {
-    bool denied = error == EACCES || error == EPERM || error == EROFS;
-    refuse(denied ? abi::e_accessdenied : abi::e_fail,
-           what + ": " + std::generic_category().message(error));
-}
-
-// This function is linked into the module; so its address lies in the module's file.
-path own_module() {
-    Dl_info info{};
-    if (!dladdr(reinterpret_cast<const void*>(&own_module), &info) || !info.dli_fname)
-        refuse(abi::e_fail, "The system does not tell the file of the module to be registered.");
-    return std::filesystem::canonical(info.dli_fname);
-}
-
-path manifest_of(const std::u16string& module_name) {
-    std::string name = to_utf8(module_name);
-    if (name.empty() || name.find('/') != std::string::npos || name.front() == '.')
-        refuse(abi::e_invalidarg, "\"" + name + "\" is no module name.");
-    std::optional<path> folder = registration_folder();
-    if (!folder)
-        refuse(abi::e_fail, "There is no folder for the manifest of " + name +
-                                ": neither ORVO_COMPONENTS, XDG_DATA_HOME nor HOME names one.");
-    return *folder / (name + manifest_ending);
-}
-
-// A file that is there only until it is renamed.
-class TemporaryFile {
-public:
-    explicit TemporaryFile(const path& beside) : name_(beside.string() + ".XXXXXX") {
-        descriptor_ = mkostemp(name_.data(), 0);
-    }
-    ~TemporaryFile() {
-        if (descriptor_ < 0) return;
-        close(descriptor_);
-        if (!renamed_) unlink(name_.c_str());
-    }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-    bool write(const std::string& content) {
-        if (descriptor_ < 0) return false;
-        for (std::size_t done = 0; done < content.size();) {
-            ssize_t written = ::write(descriptor_, content.data() + done, content.size() - done);
-            if (written < 0 && errno != EINTR) return false;
-            if (written > 0) done += static_cast<std::size_t>(written);
-        }
-        // Everybody may read a manifest.
-        return fchmod(descriptor_, 0644) == 0 && fsync(descriptor_) == 0;
-    }
-
-    bool rename_to(const path& file) {
-        renamed_ = rename(name_.c_str(), file.c_str()) == 0;
-        return renamed_;
-    }
-
-private:
-    std::string name_;
-    int descriptor_;
-    bool renamed_ = false;
-};
 
 }  // namespace
 
 void register_module(const std::u16string& module_name, std::span<const ClassEntry> classes,
                      Scope) {
-    path file = manifest_of(module_name);
-    std::vector<ManifestClass> entries;
-    for (const ClassEntry& entry : classes) {
-        if (!is_progid(entry.progid))
-            refuse(abi::e_invalidarg, "\"" + to_utf8(entry.progid) + "\" is no ProgID.");
-        entries.push_back({entry.clsid, entry.progid});
-    }
-    path module;
-    try {
-        module = own_module();
-        std::filesystem::create_directories(file.parent_path());
-    } catch (const std::filesystem::filesystem_error& error) {
-        refuse_with_system_error("The manifest " + file.string() + " cannot be written",
-                                 error.code().value());
-    }
-    if (module.string().find('\n') != std::string::npos)
-        refuse(abi::e_invalidarg, "A manifest cannot hold the path " + module.string());
-    TemporaryFile temporary(file);
-    if (!temporary.write(manifest_text(to_utf8(module_name), module, entries)) ||
-        !temporary.rename_to(file))
-        refuse_with_system_error("The manifest " + file.string() + " cannot be written", errno);
-    OrvoForgetManifests();
+    std::vector<OrvoModuleClass> entries;
+    for (const ClassEntry& entry : classes) entries.push_back({entry.progid.c_str(), entry.clsid});
+    // This function is linked into the module; so its address lies in the module's file.
+    require(OrvoRegisterModule(reinterpret_cast<const void*>(&register_module), module_name.c_str(),
+                               entries.data(), static_cast<std::uint32_t>(entries.size())));
 }
 
 void register_surrogate(const abi::GUID&, const std::u16string&, std::span<const ClassEntry>,
                         Scope) {}
 
 void unregister_module(const std::u16string& module_name, Scope) {
-    path file = manifest_of(module_name);
-    if (unlink(file.c_str()) != 0 && errno != ENOENT && errno != ENOTDIR)
-        refuse_with_system_error("The manifest " + file.string() + " cannot be removed", errno);
-    OrvoForgetManifests();
+    require(OrvoUnregisterModule(module_name.c_str()));
 }
 
 }  // namespace orvo::runtime

@@ -9,8 +9,19 @@
 
 namespace orvo::runtime {
 
+struct OrvoModuleClass {
+    const char16_t* progid;
+    abi::CLSID clsid;
+};
+
 #pragma GCC visibility push(default)
 extern "C" {
+
+// Write and remove a module's manifest; see register_module. `inside`: an address in the module.
+// A failure leaves an error object with file and reason. Declared for others in compat/windows.h.
+abi::HRESULT OrvoRegisterModule(const void* inside, const char16_t* name,
+                                const OrvoModuleClass* classes, std::uint32_t count);
+abi::HRESULT OrvoUnregisterModule(const char16_t* name);
 
 // See ProcessRegistration. `cookie` is never 0.
 abi::HRESULT OrvoRegisterProcessClass(const char16_t* progid, const abi::CLSID& clsid,

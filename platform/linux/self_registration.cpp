@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "platform/system/automation.h"
+#include "platform/linux/failure_reason.h"
 #include "platform/values/failure.h"
 #include "platform/values/text.h"
 
@@ -13,27 +13,10 @@ namespace orvo::runtime {
 
 namespace {
 
-using abi::BSTR;
 using abi::HRESULT;
-using abi::IUnknown;
 
 [[noreturn]] void refuse(HRESULT number, const std::string& module, const Text& reason) {
     throw Failure(number, {}, from_utf8(module) + u": " + reason);
-}
-
-// What the module says of its failure; without that, the result code.
-Text reason_of(HRESULT outcome) {
-    IUnknown* error = nullptr;
-    abi::GetErrorInfo(0, &error);
-    Text reason;
-    if (error) {
-        BSTR text = nullptr;
-        abi::call_slot<HRESULT, BSTR*>(error, abi::slot_error_get_description, &text);
-        reason.assign(text ? text : u"", abi::SysStringLen(text));
-        abi::SysFreeString(text);
-        abi::release(error);
-    }
-    return reason.empty() ? u"it answers 0x" + hexadecimal(outcome) : reason;
 }
 
 void call_export(const std::filesystem::path& file, const char* name) {
@@ -45,7 +28,7 @@ void call_export(const std::filesystem::path& file, const char* name) {
     if (!entry) refuse(abi::co_e_errorindll, module, u"it does not export " + from_utf8(name));
     abi::SetErrorInfo(0, nullptr);
     HRESULT outcome = entry();
-    if (abi::failed(outcome)) refuse(outcome, module, reason_of(outcome));
+    if (abi::failed(outcome)) refuse(outcome, module, failure_reason(outcome));
 }
 
 }  // namespace

@@ -1,9 +1,18 @@
 #pragma once
 
-// What a header made from IDL takes from the system's headers, for Linux: the structures and calls
-// of Automation as liborvo-runtime has them, under the names that such a header uses.
+// For Linux: what ordinary COM sources, and headers made from IDL, take from the system's headers.
+// These are the structures and calls of Automation as liborvo-runtime has them, under the names
+// that such sources use. A source includes either this header or the product's own ones
+// (platform/…), which describe the same things.
+//
+// Texts are UTF-16: OLECHAR is char16_t, OLESTR("a") is u"a", and not wchar_t. There is no
+// registry: a module registers itself with OrvoRegisterModule, below.
+//
+// Any thread may make these calls, no two at once with the same array, text or variant. A failure
+// is a result code, or a null text or array.
 
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 
 #define interface struct
@@ -61,10 +70,17 @@ constexpr HRESULT S_OK = 0;
 constexpr HRESULT S_FALSE = 1;
 constexpr HRESULT E_NOTIMPL = static_cast<HRESULT>(0x80004001);
 constexpr HRESULT E_NOINTERFACE = static_cast<HRESULT>(0x80004002);
+constexpr HRESULT E_UNEXPECTED = static_cast<HRESULT>(0x8000FFFF);
+constexpr HRESULT E_FAIL = static_cast<HRESULT>(0x80004005);
+constexpr HRESULT E_OUTOFMEMORY = static_cast<HRESULT>(0x8007000E);
+constexpr HRESULT E_INVALIDARG = static_cast<HRESULT>(0x80070057);
 constexpr HRESULT E_POINTER = static_cast<HRESULT>(0x80004003);
 constexpr HRESULT CLASS_E_NOAGGREGATION = static_cast<HRESULT>(0x80040110);
 constexpr HRESULT CLASS_E_CLASSNOTAVAILABLE = static_cast<HRESULT>(0x80040111);
 constexpr HRESULT DISP_E_MEMBERNOTFOUND = static_cast<HRESULT>(0x80020003);
+constexpr HRESULT DISP_E_PARAMNOTFOUND = static_cast<HRESULT>(0x80020004);
+constexpr HRESULT DISP_E_TYPEMISMATCH = static_cast<HRESULT>(0x80020005);
+constexpr HRESULT REGDB_E_CLASSNOTREG = static_cast<HRESULT>(0x80040154);
 constexpr HRESULT DISP_E_UNKNOWNNAME = static_cast<HRESULT>(0x80020006);
 constexpr HRESULT DISP_E_EXCEPTION = static_cast<HRESULT>(0x80020009);
 constexpr HRESULT DISP_E_BADPARAMCOUNT = static_cast<HRESULT>(0x8002000E);
@@ -72,6 +88,10 @@ constexpr bool SUCCEEDED(HRESULT code) { return code >= 0; }
 constexpr bool FAILED(HRESULT code) { return code < 0; }
 
 constexpr VARIANT_BOOL VARIANT_TRUE = -1;
+constexpr VARIANT_BOOL VARIANT_FALSE = 0;
+constexpr BOOL TRUE = 1;
+constexpr BOOL FALSE = 0;
+constexpr DISPID DISPID_VALUE = 0;
 constexpr DISPID DISPID_UNKNOWN = -1;
 constexpr WORD DISPATCH_METHOD = 1;
 constexpr WORD DISPATCH_PROPERTYGET = 2;
@@ -79,20 +99,32 @@ constexpr WORD DISPATCH_PROPERTYPUT = 4;
 constexpr DISPID DISPID_PROPERTYPUT = -3;
 constexpr std::uint32_t CLSCTX_INPROC_SERVER = 1;
 constexpr LCID LOCALE_NEUTRAL = 0;
+constexpr DWORD COINIT_MULTITHREADED = 0;
+constexpr DWORD COINIT_APARTMENTTHREADED = 2;
 
 enum : VARTYPE {
     VT_EMPTY = 0,
     VT_NULL = 1,
+    VT_I2 = 2,
     VT_I4 = 3,
+    VT_R4 = 4,
+    VT_R8 = 5,
+    VT_CY = 6,
+    VT_DATE = 7,
     VT_BSTR = 8,
     VT_DISPATCH = 9,
+    VT_ERROR = 10,
     VT_BOOL = 11,
     VT_VARIANT = 12,
     VT_UNKNOWN = 13,
+    VT_UI1 = 17,
     VT_ARRAY = 0x2000,
     VT_BYREF = 0x4000,
 };
 
+union CY {
+    std::int64_t int64;
+};
 struct SAFEARRAY;
 struct SAFEARRAYBOUND {
     ULONG cElements;
@@ -105,6 +137,15 @@ struct VARIANT {
     WORD reserved[3];
     union {
         LONG lVal;
+        SHORT iVal;
+        std::uint8_t bVal;
+        float fltVal;
+        double dblVal;
+        CY cyVal;
+        DATE date;
+        HRESULT scode;
+        void* byref;
+        BSTR* pbstrVal;
         BSTR bstrVal;
         IUnknown* punkVal;
         IDispatch* pdispVal;
@@ -238,7 +279,13 @@ interface IClassFactory : public IUnknown {
 interface ISupportErrorInfo : public IUnknown {
     virtual HRESULT InterfaceSupportsErrorInfo(REFIID) = 0;
 };
-interface IErrorInfo : public IUnknown {};
+interface IErrorInfo : public IUnknown {
+    virtual HRESULT GetGUID(GUID*) = 0;
+    virtual HRESULT GetSource(BSTR*) = 0;
+    virtual HRESULT GetDescription(BSTR*) = 0;
+    virtual HRESULT GetHelpFile(BSTR*) = 0;
+    virtual HRESULT GetHelpContext(DWORD*) = 0;
+};
 interface ICreateErrorInfo : public IUnknown {
     virtual HRESULT SetGUID(REFGUID) = 0;
     virtual HRESULT SetSource(LPOLESTR) = 0;
@@ -258,22 +305,66 @@ DEFINE_GUID(IID_IErrorInfo, 0x1CF2B120, 0x547D, 0x101B, 0x8E, 0x65, 0x08, 0x00, 
             0x19);
 
 extern "C" {
+BSTR SysAllocString(const OLECHAR* text);
 BSTR SysAllocStringLen(const OLECHAR* text, UINT length);
 void SysFreeString(BSTR text);
 UINT SysStringLen(BSTR text);
 void VariantInit(VARIANT* value);
 HRESULT VariantClear(VARIANT* value);
+HRESULT VariantCopy(VARIANT* to, const VARIANT* from);
+HRESULT VariantChangeType(VARIANT* to, const VARIANT* from, USHORT flags, VARTYPE type);
 HRESULT VariantCopyInd(VARIANT* to, const VARIANT* from);
 HRESULT VariantChangeTypeEx(VARIANT* to, const VARIANT* from, LCID locale, USHORT flags,
                             VARTYPE type);
 SAFEARRAY* SafeArrayCreateVector(VARTYPE type, LONG lower, ULONG count);
+SAFEARRAY* SafeArrayCreate(VARTYPE type, UINT dimensions, SAFEARRAYBOUND* bounds);
+HRESULT SafeArrayDestroy(SAFEARRAY* array);
+HRESULT SafeArrayAccessData(SAFEARRAY* array, void** data);
+HRESULT SafeArrayUnaccessData(SAFEARRAY* array);
+UINT SafeArrayGetDim(SAFEARRAY* array);
 HRESULT SafeArrayGetLBound(SAFEARRAY* array, UINT dimension, LONG* bound);
 HRESULT SafeArrayGetUBound(SAFEARRAY* array, UINT dimension, LONG* bound);
 HRESULT SafeArrayGetElement(SAFEARRAY* array, LONG* indices, void* out);
 HRESULT SafeArrayPutElement(SAFEARRAY* array, LONG* indices, void* value);
 HRESULT CreateErrorInfo(ICreateErrorInfo** out);
 HRESULT SetErrorInfo(ULONG reserved, IErrorInfo* info);
+HRESULT GetErrorInfo(ULONG reserved, IErrorInfo** info);
+HRESULT CoCreateGuid(GUID* out);
+HRESULT CoGetClassObject(REFCLSID clsid, DWORD context, void* server_info, REFIID iid, void** out);
 HRESULT CLSIDFromProgID(LPCOLESTR progid, CLSID* out);
 HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, std::uint32_t context, REFIID iid,
                          void** out);
+
+// A class that a module registers: "Maker.Class", without a version, which is registered beside it.
+struct OrvoModuleClass {
+    const OLECHAR* progid;
+    CLSID clsid;
+};
+// For a module's DllRegisterServer: writes the manifest by which the runtime finds its classes,
+// into the first folder of ORVO_COMPONENTS or else the user's own, in place of a former one of this
+// name.
+//   inside    an address in the module's code or data, by which its file is found
+//   name      the file name without its ending
+// What cannot be written leaves an error object with file and reason.
+HRESULT OrvoRegisterModule(const void* inside, const OLECHAR* name, const OrvoModuleClass* classes,
+                           ULONG count);
+// For DllUnregisterServer: removes it; nothing happens where there is none.
+HRESULT OrvoUnregisterModule(const OLECHAR* name);
 }
+
+// What Windows needs and Linux does not: a thread needs no preparation.
+inline HRESULT CoInitialize(void*) { return S_OK; }
+inline HRESULT CoInitializeEx(void*, DWORD) { return S_OK; }
+inline void CoUninitialize() {}
+
+inline void* CoTaskMemAlloc(std::size_t size) { return std::malloc(size); }
+inline void CoTaskMemFree(void* memory) { std::free(memory); }
+inline LONG InterlockedIncrement(volatile LONG* number) {
+    return __atomic_add_fetch(number, 1, __ATOMIC_SEQ_CST);
+}
+inline LONG InterlockedDecrement(volatile LONG* number) {
+    return __atomic_sub_fetch(number, 1, __ATOMIC_SEQ_CST);
+}
+inline bool IsEqualGUID(REFGUID a, REFGUID b) { return a == b; }
+inline bool IsEqualIID(REFIID a, REFIID b) { return a == b; }
+inline bool IsEqualCLSID(REFCLSID a, REFCLSID b) { return a == b; }
