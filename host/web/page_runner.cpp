@@ -5,8 +5,21 @@
 #include "host/web/response_object.h"
 #include "host/web/server_object.h"
 #include "host/web/session_object.h"
+#include "platform/objects/files/file_access.h"
 
 namespace orvo::web {
+
+namespace {
+
+// What components find in the object context: what scripts do, but for a session that the page does
+// without, and the folders whose files they may use.
+ContextItems for_components(const PageContext& page, ContextItems items) {
+    if (!page.has_session()) items.erase(u"Session");
+    items.emplace(file_access_item, make_file_access(page.file_folders));
+    return items;
+}
+
+}  // namespace
 
 void run_page(const std::shared_ptr<PageContext>& page, PageCache& pages, const std::string& path,
               const GlobalScript* global) {
@@ -18,7 +31,7 @@ void run_page(const std::shared_ptr<PageContext>& page, PageCache& pages, const 
                              {u"Session", make<SessionObject>(page).object()},
                              {u"Application", make<ApplicationObject>(page).object()},
                              {u"Server", make<ServerObject>(page).object()}};
-    const ContextScope scope(items);
+    const ContextScope scope(for_components(*page, items));
     PageRun run(*page, &pages, items);
     if (global && global->handles(GlobalEvent::session_start) && page->has_session() &&
         !page->session()) {
@@ -46,7 +59,7 @@ Handlers run_event(const std::shared_ptr<PageContext>& page, const script::Progr
                        {u"Server", make<ServerObject>(page).object()}};
     if (event == GlobalEvent::session_end)
         items.emplace(u"Session", make<SessionObject>(page).object());
-    const ContextScope scope(items);
+    const ContextScope scope(for_components(*page, items));
     Handlers handlers;
     PageRun(*page, nullptr, items)
         .run({&global, &search_for_handlers(), &call_of(event)},

@@ -5,6 +5,7 @@
 #include "platform/interfaces/call.h"
 #include "platform/interfaces/create.h"
 #include "platform/interfaces/late_call.h"
+#include "platform/objects/files/file_system.h"
 #include "tests/host/web/test_site.h"
 
 namespace orvo::web {
@@ -196,6 +197,31 @@ TEST_F(PageRunnerTest, APageMayDoWithoutASession) {
     EXPECT_EQ(context->answer.body,
               "This page has no session (EnableSessionState=False)|"
               "This page has no session (EnableSessionState=False)");
+}
+
+TEST_F(PageRunnerTest, FilesOfPagesLieBelowTheFoldersThatTheSiteNames) {
+    const LocalClass files = local_class<FileSystem>();
+    std::filesystem::create_directory(site_.root / "in");
+    const std::string page =
+        "<% var f = new ActiveXObject('Scripting.FileSystemObject');"
+        "try { f.CreateTextFile(Server.MapPath('in/a.txt')).Write('a') }"
+        "catch (e) { Response.Write(e.number & 0xFFFF) } %>|<%"
+        "try { f.CreateTextFile(Server.MapPath('b.txt')).Write('b') }"
+        "catch (e) { Response.Write(e.number & 0xFFFF) } %>";
+    EXPECT_EQ(site_.run(page), "70|70");
+    const auto context = site_.request({.target = "/page.asp"});
+    context->file_folders = {site_.root / "in"};
+    run_page(context, site_.pages);
+    EXPECT_EQ(context->answer.body, "|70");
+    EXPECT_TRUE(std::filesystem::exists(site_.root / "in/a.txt"));
+    EXPECT_FALSE(std::filesystem::exists(site_.root / "b.txt"));
+}
+
+TEST_F(PageRunnerTest, ComponentsFindNoSessionOnAPageThatDoesWithout) {
+    const LocalClass visitor = local_class<Visitor>();
+    EXPECT_EQ(failure_of("<%@ EnableSessionState=False %><% new ActiveXObject('Test.Visitor') %>")
+                  .substr(0, 19),
+              "/page.asp, line 1: ");
 }
 
 TEST_F(PageRunnerTest, APageInAnotherLanguageIsRefusedByItsName) {
