@@ -21,11 +21,29 @@ WebCommandLine::WebCommandLine()
         ->check(CLI::Range(1, 256))
         ->capture_default_str()
         ->type_name("N");
+    add_option("--connections", server.most_connections, "Connections at a time; more are refused")
+        ->check(CLI::Range(1, 1'000'000))
+        ->capture_default_str()
+        ->type_name("N");
+    add_option("--connections-of-one", server.most_of_one_address,
+               "Of these, connections of one address")
+        ->check(CLI::Range(1, 1'000'000))
+        ->capture_default_str()
+        ->type_name("N");
     CLI::Option* certificate =
         add_option("--certificate", server.certificate, "Serve HTTPS with this certificate (PEM)");
     CLI::Option* key = add_option("--key", server.key, "The private key of the certificate");
     certificate->type_name("FILE")->needs(key);
     key->type_name("FILE")->needs(certificate);
+    add_option_function<std::int64_t>(
+        "--strict-transport",
+        [&server](std::int64_t seconds) {
+            server.strict_transport = std::chrono::seconds(seconds);
+        },
+        "Under HTTPS: for how long browsers come back by HTTPS alone; 0: they are not told")
+        ->check(CLI::Range(0, 1'000'000'000))
+        ->default_str(std::to_string(server.strict_transport.count()))
+        ->type_name("SECONDS");
     add_option("--access-log", options.access_log, "Append a line for each request")
         ->type_name("FILE");
     add_flag("--details", options.shows_details, "Show the reasons of failures in the browser");

@@ -23,9 +23,28 @@ TEST(Options, NameTheSiteAndWhereToListen) {
     EXPECT_EQ(plain.line.options.server.address, "127.0.0.1");
     EXPECT_EQ(plain.line.options.server.port, 0);
     EXPECT_FALSE(plain.line.options.shows_details);
-    const Read read({"--port", "8443", "site", "--address", "::1", "--workers", "4",
-                     "--certificate", "c.pem", "--key", "k.pem", "--access-log", "a.log",
-                     "--details", "--config", "s.ini"});
+    const Read read({"--port",
+                     "8443",
+                     "site",
+                     "--address",
+                     "::1",
+                     "--workers",
+                     "4",
+                     "--certificate",
+                     "c.pem",
+                     "--key",
+                     "k.pem",
+                     "--access-log",
+                     "a.log",
+                     "--details",
+                     "--config",
+                     "s.ini",
+                     "--connections",
+                     "50",
+                     "--connections-of-one",
+                     "5",
+                     "--strict-transport",
+                     "60"});
     const Options& all = read.line.options;
     EXPECT_EQ(all.server.port, 8443);
     EXPECT_EQ(all.server.address, "::1");
@@ -35,6 +54,9 @@ TEST(Options, NameTheSiteAndWhereToListen) {
     EXPECT_EQ(all.config, "s.ini");
     EXPECT_EQ(all.access_log, "a.log");
     EXPECT_TRUE(all.shows_details);
+    EXPECT_EQ(all.server.most_connections, 50u);
+    EXPECT_EQ(all.server.most_of_one_address, 5u);
+    EXPECT_EQ(all.server.strict_transport, std::chrono::seconds(60));
 }
 
 TEST(Options, AreRefusedWithASentence) {
