@@ -159,10 +159,37 @@ inTheShop('refusals', (tell) => {
         assert.equal(await visitor.loggedInAs(), '');
     });
 
-    tell('a page that is not there is a plain page that says so', async (visitor, shop) => {
-        const answer = await visitor.go('/nowhere.asp');
-        assert.equal(answer.status(), 404);
-        assert.equal(await visitor.text('p'), 'There is no such page.');
-        shop.brokenPages = [];  // the browser's own line about the 404
+    tell('a page that is not there is told in the site\'s frame', async (visitor, shop) => {
+        for (const address of ['/nowhere.asp', '/nowhere/at/all.png']) {
+            const answer = await visitor.go(address);
+            assert.equal(answer.status(), 404, address);
+            assert.equal(await visitor.title(), 'Not found');
+        }
+        await visitor.look('error not found');
+        await visitor.logIn('jsmith');
+        await visitor.go('/nowhere.asp');
+        assert.equal(await visitor.loggedInAs(), 'jsmith');
+        shop.brokenPages = [];  // the browser's own lines about the 404s
+    });
+
+    tell('a page that fails is told in the site\'s frame, without the reason', async (_, shop) => {
+        const url = await shop.serveWith({ 'broken.asp': '<p>So far</p><% nothing.here(); %>' });
+        const visitor = await shop.visitor(url);
+        await visitor.logIn('jsmith');
+        const answer = await visitor.go('/broken.asp');
+        assert.equal(answer.status(), 500);
+        assert.equal(await visitor.title(), 'Something went wrong');
+        assert.equal(await visitor.loggedInAs(), 'jsmith');
+        const reference = await visitor.text('#reference');
+        assert.match(reference, /^\S{8}$/);
+        assert.ok(shop.hosts.at(-1).output().includes(reference));
+        assert.doesNotMatch(await visitor.text('body'), /nothing|So far/);
+        await visitor.look('error failed');
+        shop.brokenPages = [];  // the browser's own line about the 500, and ours
+    });
+
+    tell('the page for a site that is busy looks like the others', async (visitor) => {
+        await visitor.go('/errors/busy.html');
+        await visitor.look('error busy');
     });
 });

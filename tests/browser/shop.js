@@ -132,10 +132,10 @@ class Shop {
         };
     }
 
-    // One more web host for the same directory; its address.
-    async serve({ multiLogin }) {
+    // One more web host for the same directory; its address. `folder`: of another site.
+    async serve({ multiLogin, folder = site }) {
         const host = await start(path.join(bin, 'orvo-web'),
-            [site, '--port', '0', '--access-log', path.join(this.work, 'access.log')],
+            [folder, '--port', '0', '--access-log', path.join(this.work, 'access.log')],
             {
                 ...this.environment(),
                 ORVO_SITE_CONFIG: this.directory.siteConfiguration(multiLogin),
@@ -143,6 +143,15 @@ class Shop {
             (output) => /^Listening on (\S+)$/m.exec(output)?.[1]);
         this.hosts.push(host);
         return host.ready;
+    }
+
+    // The sample shop's site with pages of the test's own: { name: text }.
+    async serveWith(pages) {
+        const folder = path.join(this.work, 'site');
+        fs.cpSync(site, folder, { recursive: true });
+        for (const [name, text] of Object.entries(pages))
+            fs.writeFileSync(path.join(folder, name), text);
+        return this.serve({ multiLogin: 1, folder });
     }
 
     async visitor(url = this.url) {
