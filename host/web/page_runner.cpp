@@ -5,6 +5,7 @@
 #include "host/web/response_object.h"
 #include "host/web/server_object.h"
 #include "host/web/session_object.h"
+#include "host/web/uploaded_files.h"
 #include "platform/objects/files/file_access.h"
 
 namespace orvo::web {
@@ -13,9 +14,12 @@ namespace {
 
 // What components find in the object context: what scripts do, but for a session that the page does
 // without, and the folders whose files they may use.
-ContextItems for_components(const PageContext& page, ContextItems items) {
-    if (!page.has_session()) items.erase(u"Session");
-    items.emplace(file_access_item, make_file_access(page.file_folders));
+ContextItems for_components(const std::shared_ptr<PageContext>& page, ContextItems items) {
+    if (!page->has_session()) items.erase(u"Session");
+    items.emplace(file_access_item,
+                  make_file_access(page->file_folders, [page](const std::filesystem::path& file) {
+                      return is_part_of_pages(*page, file);
+                  }));
     return items;
 }
 
@@ -31,7 +35,7 @@ void run_page(const std::shared_ptr<PageContext>& page, PageCache& pages, const 
                              {u"Session", make<SessionObject>(page).object()},
                              {u"Application", make<ApplicationObject>(page).object()},
                              {u"Server", make<ServerObject>(page).object()}};
-    const ContextScope scope(for_components(*page, items));
+    const ContextScope scope(for_components(page, items));
     PageRun run(*page, &pages, items);
     if (global && global->handles(GlobalEvent::session_start) && page->has_session() &&
         !page->session()) {
@@ -59,7 +63,7 @@ Handlers run_event(const std::shared_ptr<PageContext>& page, const script::Progr
                        {u"Server", make<ServerObject>(page).object()}};
     if (event == GlobalEvent::session_end)
         items.emplace(u"Session", make<SessionObject>(page).object());
-    const ContextScope scope(for_components(*page, items));
+    const ContextScope scope(for_components(page, items));
     Handlers handlers;
     PageRun(*page, nullptr, items)
         .run({&global, &search_for_handlers(), &call_of(event)},

@@ -222,7 +222,8 @@ constexpr std::array keys{
     Key{.name = u"FileFolders",
         .values = "folders, with commas between",
         .otherwise = none,
-        .about = "Where pages may write files: below these folders, which count from the site's.",
+        .about = "Where pages may read and write files: below these folders, which count from the "
+                 "site's.",
         .read =
             [](const Setting& s, Site& site) {
                 for (const Text& folder : s.list())

@@ -22,14 +22,6 @@ bool lies_in(const fs::path& path, const fs::path& folder) {
     return std::ranges::mismatch(folder, path).in1 == folder.end();
 }
 
-// What a server of pages runs, or takes as a part of one.
-bool is_part_of_pages(const fs::path& file) {
-    const std::string ending = file.extension().string();
-    for (const std::string_view known : {".asp", ".asa", ".inc", ".ini"})
-        if (equal_ascii_ignoring_case(ending, known)) return true;
-    return false;
-}
-
 // Where a page may write a new file. Raises Failure.
 fs::path allowed_file(const PageContext& page, const Text& path) {
     const fs::path asked = to_utf8(path);
@@ -48,7 +40,7 @@ fs::path allowed_file(const PageContext& page, const Text& path) {
                       u"\"" + path +
                           u"\" is not below a folder that pages may write to (site.ini, "
                           u"FileFolders)");
-    if (lies_in(folder, page.root) && is_part_of_pages(file))
+    if (is_part_of_pages(page, file))
         throw Failure(permission_denied, {},
                       u"\"" + path + u"\" would become a part of the site's pages");
     return file;
@@ -177,6 +169,14 @@ Object FormFilesObject::NewEnum() {
     for (const UploadedFile& file : page_->form.files)
         files.emplace_back(make<FormFileObject>(page_, file).object());
     return make_enumerator(std::move(files));
+}
+
+bool is_part_of_pages(const PageContext& page, const fs::path& file) {
+    if (!lies_in(file, page.root)) return false;
+    const std::string ending = file.extension().string();
+    return std::ranges::any_of(
+        std::initializer_list<std::string_view>{".asp", ".asa", ".inc", ".ini"},
+        [&](std::string_view known) { return equal_ascii_ignoring_case(ending, known); });
 }
 
 Object files_object(std::shared_ptr<PageContext> page) {

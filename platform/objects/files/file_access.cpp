@@ -11,18 +11,21 @@ namespace fs = std::filesystem;
 
 class FileAccess {
 public:
-    explicit FileAccess(std::vector<fs::path> folders) : folders_(std::move(folders)) {}
+    FileAccess(std::vector<fs::path> folders, ExceptedFiles excepted)
+        : folders_(std::move(folders)), excepted_(std::move(excepted)) {}
 
     // Of a path with all links resolved.
     bool Allows(const Text& path) {
         const fs::path asked = to_utf8(path);
-        return std::ranges::any_of(folders_, [&](const fs::path& folder) {
+        const bool is_inside = std::ranges::any_of(folders_, [&](const fs::path& folder) {
             return std::ranges::mismatch(folder, asked).in1 == folder.end();
         });
+        return is_inside && !(excepted_ && excepted_(asked));
     }
 
 private:
     std::vector<fs::path> folders_;
+    ExceptedFiles excepted_;
 };
 
 }  // namespace
@@ -35,16 +38,8 @@ inline constexpr auto table_of<FileAccess> =
 template <>
 inline constexpr auto class_of<FileAccess> = describe_class<FileAccess>("OrvoPlatform.FileAccess");
 
-Object make_file_access(const std::vector<fs::path>& folders) {
-    std::vector<fs::path> resolved;
-    for (const fs::path& folder : folders) {
-        std::error_code error;
-        resolved.push_back(fs::canonical(folder, error));
-        if (error || !fs::is_directory(resolved.back()))
-            throw Failure(runtime_error::path_not_found, {},
-                          u"Path not found: " + from_utf8(folder.string()));
-    }
-    return make<FileAccess>(std::move(resolved)).object();
+Object make_file_access(std::vector<fs::path> folders, ExceptedFiles excepted) {
+    return make<FileAccess>(std::move(folders), std::move(excepted)).object();
 }
 
 }  // namespace orvo

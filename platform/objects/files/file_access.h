@@ -4,6 +4,7 @@
 // without an object context (a script file's) may use any.
 
 #include <filesystem>
+#include <functional>
 #include <vector>
 
 #include "platform/values/object.h"
@@ -15,8 +16,11 @@ namespace orvo {
 // without the item allows no files at all.
 inline constexpr const char16_t* file_access_item = u"OrvoPlatform.FileAccess";
 
-// That item: files below these folders, which are there. Raises 76 for a folder that is not. It
-// belongs to the calling thread, as the context does.
-Object make_file_access(const std::vector<std::filesystem::path>& folders);
+// Files that are not to be used although they lie below an allowed folder.
+using ExceptedFiles = std::function<bool(const std::filesystem::path& resolved)>;
+
+// That item: files below these folders, whose links are resolved. It belongs to the calling thread,
+// as the context does.
+Object make_file_access(std::vector<std::filesystem::path> folders, ExceptedFiles excepted = {});
 
 }  // namespace orvo

@@ -146,11 +146,14 @@ void copy_entry(const UsablePath& from, const UsablePath& to, EntryKind kind, bo
 }
 
 void move_entry(const UsablePath& from, const UsablePath& to, EntryKind kind) {
-    if (::renameat2(AT_FDCWD, from.path.c_str(), AT_FDCWD, to.path.c_str(), RENAME_NOREPLACE) == 0)
+    // Whether each file may be where it goes is known once it is copied.
+    const bool moves_many = kind == EntryKind::folder && from.is_limited;
+    if (!moves_many &&
+        ::renameat2(AT_FDCWD, from.path.c_str(), AT_FDCWD, to.path.c_str(), RENAME_NOREPLACE) == 0)
         return;
-    if (errno == ENOENT) raise_runtime_error(runtime_error::path_not_found);
+    if (!moves_many && errno == ENOENT) raise_runtime_error(runtime_error::path_not_found);
     // Another file system, or one that cannot do it so.
-    if (errno != EXDEV && errno != EINVAL) raise_file_error(errno);
+    if (!moves_many && errno != EXDEV && errno != EINVAL) raise_file_error(errno);
     if (is_there(to, EntryKind::file) || is_there(to, EntryKind::folder))
         raise_runtime_error(runtime_error::file_already_exists);
     copy_entry(from, to, kind, false);

@@ -275,5 +275,23 @@ TEST_F(PageRunnerTest, ThePageFormOfAClientsValuesIsNeverCode) {
               "&lt;%= 1 %&gt;&quot;");
 }
 
+TEST_F(PageRunnerTest, NoPageWritesAPageOfItsSite) {
+    const LocalClass files = local_class<FileSystem>();
+    site_.write("/data/a.txt", "hello");
+    site_.write("/make.asp",
+                "<% var files = new ActiveXObject('Scripting.FileSystemObject');"
+                "var folder = Server.MapPath('/data');"
+                "function number(body) { try { body(); return 0; } catch (e) { return e.number & "
+                "0xFFFF; } }"
+                "Response.Write([number(function () { files.CreateTextFile(folder + '/b.txt'); }),"
+                "number(function () { files.CreateTextFile(folder + '/b.asp'); }),"
+                "number(function () { files.GetFile(folder + '/a.txt').Name = 'c.ASP'; })]); %>");
+    const auto page = site_.request({.target = "/make.asp"});
+    page->file_folders = {site_.root / "data"};
+    run_page(page, site_.pages);
+    EXPECT_EQ(page->answer.body, "0,70,70");
+    EXPECT_FALSE(std::filesystem::exists(site_.root / "data/b.asp"));
+}
+
 }  // namespace
 }  // namespace orvo::web

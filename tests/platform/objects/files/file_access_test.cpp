@@ -163,9 +163,23 @@ TEST_F(FileAccess, WhatIsNoFileIsNotOpened) {
     EXPECT_EQ(reading("allowed/pipe"), denied);
 }
 
-TEST_F(FileAccess, OfFoldersThatAreNotThereIsRefused) {
-    EXPECT_EQ(raised([&] { make_file_access({folder.path() / "none"}); }),
-              runtime_error::path_not_found);
+TEST_F(FileAccess, ExceptedFilesAreNotUsedWhateverWayTheyWouldCome) {
+    allow(make_file_access({allowed}, [this](const fs::path& file) {
+        return file.parent_path() == allowed && file.extension() == ".asp";
+    }));
+    EXPECT_EQ(writing("allowed/page.asp"), denied);
+    EXPECT_EQ(writing("allowed/sub/page.asp"), 0);
+    EXPECT_EQ(
+        raised([&] { files.CopyFile(path("allowed/in.txt"), path("allowed/page.asp"), true); }),
+        denied);
+    EXPECT_EQ(
+        raised([&] { late::put(files.GetFile(path("allowed/in.txt")), u"Name", u"page.asp"); }),
+        denied);
+    EXPECT_EQ(raised([&] { files.MoveFolder(path("allowed/sub"), path("allowed/other")); }), 0);
+    EXPECT_TRUE(fs::exists(allowed / "other/page.asp"));
+    EXPECT_FALSE(fs::exists(allowed / "sub"));
+    EXPECT_EQ(raised([&] { files.MoveFile(path("allowed/other/*"), path("allowed/")); }), denied);
+    EXPECT_FALSE(fs::exists(allowed / "page.asp"));
 }
 
 }  // namespace
