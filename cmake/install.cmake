@@ -91,3 +91,55 @@ install(DIRECTORY schema/ DESTINATION ${CMAKE_INSTALL_DATADIR}/orvo/schema COMPO
 install(FILES README.md CHANGELOG.md SECURITY.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT documentation)
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)
+
+# The manual, and what bash completes.
+if(TARGET orvo-manual)
+  set(manual ${CMAKE_CURRENT_BINARY_DIR}/host/manual)
+  foreach(program orvo orvo-register orvo-script orvo-web)
+    set(component programs)
+    if(program STREQUAL "orvo-web")
+      set(component web)
+    endif()
+    install(FILES ${manual}/${program}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
+            COMPONENT ${component})
+    install(FILES ${manual}/completions/${program}
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT ${component})
+  endforeach()
+  install(FILES docs/manual/orvo-web.service.8 DESTINATION ${CMAKE_INSTALL_MANDIR}/man8 COMPONENT web)
+endif()
+install(FILES docs/manual/orvo-site.ini.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5 COMPONENT modules)
+
+# orvo_install_settings(COMPONENT file...): files that are the administrator's once they are there.
+function(orvo_install_settings component)
+  foreach(file ${ARGN})
+    cmake_path(ABSOLUTE_PATH file)
+    cmake_path(GET file FILENAME name)
+    install(CODE "
+      set(folder \"${CMAKE_INSTALL_SYSCONFDIR}/orvo\")
+      if(NOT IS_ABSOLUTE \"\${folder}\")
+        set(folder \"\${CMAKE_INSTALL_PREFIX}/\${folder}\")
+      endif()
+      if(NOT EXISTS \"\$ENV{DESTDIR}\${folder}/${name}\")
+        file(INSTALL \"${file}\" DESTINATION \"\${folder}\")
+      endif()
+    " COMPONENT ${component})
+  endforeach()
+endfunction()
+orvo_install_settings(modules host/web/service/site.ini)
+
+# The service, and the site that it serves.
+if(TARGET orvo-web)
+  set(service host/web/service)
+  orvo_install_settings(web ${service}/web.conf)
+  configure_file(${service}/orvo-web.service.in orvo-web.service @ONLY)
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/orvo-web.service DESTINATION lib/systemd/system
+          COMPONENT web)
+  install(FILES ${service}/orvo-web.sysusers DESTINATION lib/sysusers.d RENAME orvo-web.conf
+          COMPONENT web)
+  install(FILES ${service}/orvo-web.tmpfiles DESTINATION lib/tmpfiles.d RENAME orvo-web.conf
+          COMPONENT web)
+  install(FILES ${service}/orvo-web.logrotate DESTINATION ${CMAKE_INSTALL_SYSCONFDIR}/logrotate.d
+          RENAME orvo-web COMPONENT web)
+  install(DIRECTORY examples/shop DESTINATION ${CMAKE_INSTALL_DATADIR}/orvo COMPONENT web
+          PATTERN visit EXCLUDE PATTERN README.md EXCLUDE)
+endif()
