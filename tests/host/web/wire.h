@@ -21,13 +21,14 @@ public:
     Wire(const Wire&) = delete;
     Wire& operator=(const Wire&) = delete;
 
-    // As much as the other side takes.
-    void send(std::string_view bytes) {
+    // As much as the other side takes; whether that is all.
+    bool send(std::string_view bytes) {
         while (!bytes.empty()) {
             const ssize_t count = ::send(socket_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
-            if (count <= 0) return;
+            if (count <= 0) return false;
             bytes.remove_prefix(static_cast<std::size_t>(count));
         }
+        return true;
     }
     // Until the other side closes.
     std::string read_all() {
