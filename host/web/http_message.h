@@ -4,6 +4,7 @@
 // wire.
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -33,6 +34,10 @@ struct HttpRequest {
     // Where an answer can go out piece by piece; null: it goes out as a whole. The server's, as
     // long as the handler runs.
     AnswerStream* stream = nullptr;
+    // Before a handler waits for something that others wait for too, as the directory: counts the
+    // request among those of Lane::directory; false where there are as many as may be, and it must
+    // not wait. Null: it may. The server's, as long as the handler runs.
+    std::function<bool()> try_wait = {};
 
     // The first of that name, without regard to case; empty where there is none.
     std::string_view header(std::string_view name) const;

@@ -139,9 +139,11 @@ void HttpSession::dispatch() {
 }
 
 bool HttpSession::try_give_to(WorkerPool& pool, bool is_limited) {
-    auto job = [self = shared_from_this(), request = request_, &core = core_]() mutable {
+    auto job = [self = shared_from_this(), request = request_, &core = core_, &pool]() mutable {
         StreamedAnswer stream(core.loop, self);
         request->stream = &stream;
+        if (&pool == &core.workers)
+            request->try_wait = [&core] { return core.workers.try_limit_this(); };
         HttpResponse response = core.handler(*request);
         request->stream = nullptr;
         request = nullptr;

@@ -63,12 +63,14 @@ MemorySessions::MemorySessions(SessionLimits limits, std::function<SessionClock:
 MemorySessions::~MemorySessions() = default;
 
 std::unique_ptr<SessionLease> MemorySessions::open(const std::string& id,
-                                                   std::chrono::milliseconds patience) {
+                                                   std::chrono::milliseconds patience,
+                                                   const std::function<bool()>& may_wait) {
     std::unique_lock guard(lock_);
     const auto found = sessions_.find(id);
     if (found == sessions_.end()) return nullptr;
     const std::shared_ptr<Session> session = found->second;
-    if (!given_back_.wait_for(guard, patience, [&] { return !session->is_leased; }))
+    if ((session->is_leased && may_wait && !may_wait()) ||
+        !given_back_.wait_for(guard, patience, [&] { return !session->is_leased; }))
         throw Refusal(503, "Another request of this session takes too long.");
     // Whoever had it may have ended it or given it another identifier.
     if (session->is_dropped || session->id != id) return nullptr;

@@ -29,8 +29,8 @@ public:
                             std::function<SessionClock::time_point()> now = SessionClock::now);
     ~MemorySessions() override;
 
-    std::unique_ptr<SessionLease> open(const std::string& id,
-                                       std::chrono::milliseconds patience) override;
+    std::unique_ptr<SessionLease> open(const std::string& id, std::chrono::milliseconds patience,
+                                       const std::function<bool()>& may_wait = {}) override;
     std::unique_ptr<SessionLease> create() override;
     SessionLogin login_of(const std::string& id) override;
 

@@ -3,11 +3,14 @@
 #include <algorithm>
 
 #include "host/web/random_token.h"
+#include "host/web/waiting_pages.h"
+#include "platform/interfaces/create.h"
 #include "platform/values/failure.h"
 
 namespace orvo::web {
 namespace {
 
+constexpr std::int32_t permission_denied = 70;
 constexpr std::int32_t unspecified_error = error_number(0x80004005);
 
 OutgoingCookie session_cookie(bool is_secure) {
@@ -73,7 +76,21 @@ std::string PageContext::read_body(std::uint64_t count) {
 }
 
 void PageContext::open_session() {
-    if (has_session_ && !session_) session_ = sessions_.open(session_id_of(request), patience_);
+    if (has_session_ && !session_)
+        session_ = sessions_.open(session_id_of(request), patience_, request.try_wait);
+}
+
+Object PageContext::create_object(const Text& progid) {
+    if (!waits_ && may_wait_for_directory(progid)) {
+        waits_ = true;
+        if (request.try_wait && !request.try_wait()) {
+            is_turned_away_ = true;
+            if (control) control->stop();
+        }
+    }
+    if (is_turned_away_)
+        throw Failure(permission_denied, {}, u"Too many pages wait for the directory");
+    return orvo::create_object(progid);
 }
 
 void PageContext::do_without_session() {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "platform/interfaces/create.h"
 #include "platform/values/failure.h"
 
 namespace orvo::web {
@@ -59,7 +58,8 @@ PageRun::~PageRun() { page_.control = nullptr; }
 
 script::Ending PageRun::run(std::initializer_list<const script::Program*> programs,
                             script::HostFunction found) {
-    script::Engine engine({.create_object = create_object});
+    script::Engine engine(
+        {.create_object = [this](const Text& progid) { return page_.create_object(progid); }});
     for (const auto& [name, item] : items_) engine.set_global(to_utf8(name), item);
     if (found) engine.set_function(found_function, std::move(found));
     const Entry entry(engines_, engine);

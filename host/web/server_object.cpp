@@ -33,7 +33,7 @@ void ServerObject::put_ScriptTimeout(std::int32_t seconds) {
     control().apply_time_limit();
 }
 
-Object ServerObject::CreateObject(const Text& progid) { return create_object(progid); }
+Object ServerObject::CreateObject(const Text& progid) { return page_->create_object(progid); }
 
 Text ServerObject::HTMLEncode(const Variant& text) { return html_encode(text_of(text)); }
 Text ServerObject::URLEncode(const Variant& text) { return url_encode(text_of(text)); }

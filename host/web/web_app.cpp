@@ -202,6 +202,7 @@ HttpResponse WebApp::handle(const HttpRequest& request) {
     } catch (const Refusal& refusal) {
         response = error_answer(*served, request, {refusal.status, refusal.what()});
         if (refusal.status == 405) response.headers.emplace_back("Allow", "GET, HEAD, POST");
+        if (refusal.status == 503) response.headers.emplace_back("Retry-After", "1");
     } catch (const std::exception& failure) {
         const ErrorPage usual = noted(std::string(path_part(request.target)),
                                       "The page could not be shown.", failure.what());
@@ -216,7 +217,7 @@ Lane WebApp::lane_of(const HttpRequest& request) const {
     const std::string_view path = path_part(request.target);
     if (path == "/health/live") return Lane::at_once;
     if (path == "/health/ready") return Lane::aside;
-    return Lane::page;
+    return waiting_pages_.contains(std::string(path)) ? Lane::directory : Lane::page;
 }
 
 void WebApp::note_refused(const HttpRequest& request, HttpResponse& response,
@@ -325,9 +326,13 @@ HttpResponse WebApp::page(Served& served, const HttpRequest& request, const Site
             failure.reference = from_utf8(usual.reference);
             is_answered = try_error_page(served, page, 500, std::move(failure));
         }
+        if (page->waits_for_directory())
+            waiting_pages_.note(std::string(path_part(request.target)));
         // What a page that failed would have told the browser is not sent; its session is kept.
         if (!is_answered) page->answer.cookies.clear();
     }
+    if (page->is_turned_away() && !page->answer.has_begun)
+        throw Refusal(503, "Too many pages wait for the directory. Please try again.");
     if (is_answered) return response_of(std::move(page->answer));
     if (page->answer.has_begun) return broken_off(page->answer, error_response(usual));
     HttpResponse response = usual_answer(files_, served.site, usual);
@@ -380,7 +385,7 @@ bool WebApp::try_error_page(Served& served, const std::shared_ptr<PageContext>& 
     page->time_limit = served.site.page_timeout;
     try {
         run_page(page, served.pages, own->second);
-        return true;
+        return !page->is_turned_away();
     } catch (const std::exception& failed) {
         log_.failure(own->second, failed.what());
         return page->answer.has_begun;

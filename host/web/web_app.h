@@ -9,6 +9,7 @@
 #include "host/web/page_context.h"
 #include "host/web/site.h"
 #include "host/web/static_files.h"
+#include "host/web/waiting_pages.h"
 #include "host/web/web_log.h"
 
 namespace orvo::web {
@@ -83,6 +84,7 @@ private:
     WebLog& log_;
     const Options options_;
     ApplicationState application_;
+    WaitingPages waiting_pages_;
     StaticFiles files_;
     GlobalEvents events_;
 };

@@ -29,6 +29,14 @@ bool WorkerPool::try_add(Job job, bool is_limited) {
     return true;
 }
 
+bool WorkerPool::try_limit_this() {
+    const std::lock_guard guard(lock_);
+    if (*is_this_limited_) return true;
+    if (running_limited_ >= most_limited_) return false;
+    ++running_limited_;
+    return *is_this_limited_ = true;
+}
+
 WorkerPool::Queue* WorkerPool::next() {
     const bool has_limited = !limited_.empty() && running_limited_ < most_limited_;
     if (ordinary_.empty()) return has_limited ? &limited_ : nullptr;
@@ -36,7 +44,11 @@ WorkerPool::Queue* WorkerPool::next() {
     return &ordinary_;
 }
 
+thread_local bool* WorkerPool::is_this_limited_ = nullptr;
+
 void WorkerPool::work() {
+    bool is_limited = false;
+    is_this_limited_ = &is_limited;
     std::unique_lock guard(lock_);
     while (true) {
         Queue* queue = next();
@@ -45,7 +57,7 @@ void WorkerPool::work() {
             changed_.wait(guard);
             continue;
         }
-        const bool is_limited = queue == &limited_;
+        is_limited = queue == &limited_;
         Job job = std::move(queue->front().job);
         queue->pop_front();
         if (is_limited) ++running_limited_;

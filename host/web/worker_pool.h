@@ -26,6 +26,10 @@ public:
 
     // False where too many wait already: the job is not carried out.
     bool try_add(Job job, bool is_limited = false);
+    // The job that calls it is one of those that are limited, as it turns out, and counts as one
+    // until it ends. False where as many run as may: it should not go on to what they wait for. On
+    // a worker's thread only.
+    bool try_limit_this();
 
 private:
     struct Waiting {
@@ -45,6 +49,7 @@ private:
     Queue ordinary_;
     Queue limited_;
     int running_limited_ = 0;
+    static thread_local bool* is_this_limited_;  // on a worker's thread
     std::uint64_t added_ = 0;
     bool is_ending_ = false;
     std::vector<std::thread> threads_;

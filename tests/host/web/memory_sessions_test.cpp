@@ -124,6 +124,17 @@ TEST_F(MemorySessionsTest, ASecondRequestOfASessionWaitsAndIsRefusedInTheEnd) {
     }
 }
 
+TEST_F(MemorySessionsTest, ARequestThatMayNotWaitIsRefusedAtOnce) {
+    const std::string id = create();
+    int asked = 0;
+    const auto no = [&] { return ++asked == 0; };
+    auto lease = sessions_.open(id, 1h, no);
+    EXPECT_TRUE(lease);
+    EXPECT_EQ(asked, 0) << "it had not to wait";
+    EXPECT_THROW(sessions_.open(id, 1h, no), Refusal);
+    EXPECT_EQ(asked, 1);
+}
+
 TEST_F(MemorySessionsTest, ARequestThatWaitedDoesNotGetASessionThatWasRenewedMeanwhile) {
     const std::string id = create();
     auto lease = open(id);

@@ -430,5 +430,52 @@ TEST_F(OrvoWebStopTest, ASecondSignalEndsAtOnce) {
     EXPECT_FALSE(result);
 }
 
+class FrozenDirectoryTest : public OrvoWebTest {
+protected:
+    ~FrozenDirectoryTest() { slapd->resume(); }
+};
+
+TEST_F(FrozenDirectoryTest, LeavesPagesAndFilesThatDoNotNeedIt) {
+    write("style.css", "p{}");
+    const int port = start({"--workers", "4"});
+    slapd->pause();
+    std::vector<std::thread> waiting;
+    std::atomic<int> turned_away = 0, failed = 0, logged_in = 0;
+    // The first ones are not known as pages that wait; the others are.
+    for (int i = 0; i < 12; ++i)
+        waiting.emplace_back([&, port] {
+            Browser browser(port);
+            const auto result = log_in(browser, "jsmith", "shop-sample");
+            ++(result->status == 503 ? turned_away : result->status == 303 ? logged_in : failed);
+        });
+    Browser browser(port);
+    for (int i = 0; i < 50; ++i) {
+        EXPECT_EQ(browser.get("/default.asp")->body, "home");
+        EXPECT_EQ(browser.get("/style.css")->status, 200);
+        EXPECT_EQ(browser.get("/account/")->status, 302);
+        EXPECT_EQ(browser.get("/health/live")->status, 200);
+    }
+    EXPECT_EQ(failed + logged_in, 0) << "the directory is still frozen";
+    slapd->resume();
+    for (std::thread& thread : waiting) thread.join();
+    EXPECT_GE(logged_in, 3);
+    EXPECT_EQ(turned_away + logged_in, 12);
+}
+
+TEST_F(FrozenDirectoryTest, IsToldByTheLoginPageItselfBeforeThePageIsStopped) {
+    const int port = start();
+    for (const bool has_connections : {false, true}) {
+        Browser browser(port);
+        if (has_connections) {
+            ASSERT_EQ(log_in(browser, "jsmith", "shop-sample")->status, 303);
+        }
+        slapd->pause();
+        const auto login = log_in(browser, "jsmith", "shop-sample");
+        slapd->resume();
+        EXPECT_EQ(login->status, 200);
+        EXPECT_EQ(login->body, "login failed");
+    }
+}
+
 }  // namespace
 }  // namespace orvo::web

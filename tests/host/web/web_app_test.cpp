@@ -248,6 +248,57 @@ TEST_F(WebAppTest, ServesByNewSettingsAndKeepsTheOldOnesWhereTheyCannotBeRead) {
     EXPECT_EQ(get("/old/x.html").status, 302);
 }
 
+class WaitingPagesTest : public WebAppTest {
+protected:
+    WaitingPagesTest() {
+        pages_.write("/wait.asp",
+                     "<% var name = 'nobody'; try { Session('x') = 1;\n"
+                     "new ActiveXObject('Any.Component'); } catch (e) { name = e.message } %>"
+                     "<%= name %>");
+        pages_.write("/plain.asp", "<% new ActiveXObject('TavikAuthFilter.Connector') %>plain");
+    }
+    Lane lane_of(const std::string& target) { return app().lane_of({.target = target}); }
+
+    LocalClass component_{u"Any.Component", guid("5d4b3c53-6f0e-4a61-9d0c-1f6f4f6a2cd1"),
+                          [] { return make<authfilter::FilterConnectorObject>().object(); }};
+};
+
+TEST_F(WaitingPagesTest, AreKnownByTheirAddressOnceTheyHaveMadeAnObject) {
+    EXPECT_EQ(lane_of("/wait.asp?a=1"), Lane::page);
+    EXPECT_EQ(get("/wait.asp?a=2").body, "nobody");
+    EXPECT_EQ(get("/plain.asp").body, "plain");
+    EXPECT_EQ(lane_of("/wait.asp?a=1"), Lane::directory);
+    EXPECT_EQ(lane_of("/plain.asp"), Lane::page) << "the filter is not the directory";
+    EXPECT_EQ(lane_of("/none.asp"), Lane::page);
+    EXPECT_EQ(lane_of("/health/live"), Lane::at_once);
+    EXPECT_EQ(lane_of("/health/ready"), Lane::aside);
+}
+
+TEST_F(WaitingPagesTest, AreTurnedAwayWhereTooManyWaitBeforeTheyAreKnown) {
+    int asked = 0;
+    const HttpResponse response =
+        app().handle({.target = "/wait.asp", .try_wait = [&] { return ++asked == 0; }});
+    EXPECT_EQ(asked, 1);
+    EXPECT_EQ(response.status, 503);
+    EXPECT_EQ(header(response, "Retry-After"), "1");
+    EXPECT_NE(response.body.find("Too many pages wait for the directory."), std::string::npos);
+    EXPECT_EQ(response.body.find("nobody"), std::string::npos);
+    EXPECT_EQ(lane_of("/wait.asp"), Lane::directory);
+    EXPECT_EQ(app().handle({.target = "/wait.asp", .try_wait = [] { return true; }}).body,
+              "nobody");
+}
+
+TEST(WaitingPages, AreNotKeptInAnyNumber) {
+    WaitingPages pages(3);
+    for (int i = 0; i < 100; ++i) {
+        pages.note("/" + std::to_string(i));
+        EXPECT_TRUE(pages.contains("/" + std::to_string(i)));
+    }
+    int kept = 0;
+    for (int i = 0; i < 100; ++i) kept += pages.contains("/" + std::to_string(i)) ? 1 : 0;
+    EXPECT_EQ(kept, 3);
+}
+
 TEST_F(WebAppTest, AFailedPageSaysSoWithoutItsReasonsAndKeepsTheSession) {
     testing::internal::CaptureStderr();
     const HttpResponse response = get("/fail.asp");

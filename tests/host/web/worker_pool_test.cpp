@@ -57,6 +57,28 @@ TEST(WorkerPool, LimitedJobsLeaveWorkersToTheOthers) {
     EXPECT_EQ(limited, 3);
 }
 
+TEST(WorkerPool, AJobMayTurnOutToBeLimited) {
+    std::latch begun(2);
+    Gate first, second;
+    WorkerPool pool(3, 2, 10);
+    const auto result_of = [&](const std::function<bool()>& question) {
+        std::promise<bool> answer;
+        EXPECT_TRUE(pool.try_add([&] { answer.set_value(question()); }));
+        return answer.get_future().get();
+    };
+    EXPECT_TRUE(pool.try_add([&, job = first.job(begun)] {
+        EXPECT_TRUE(pool.try_limit_this());
+        EXPECT_TRUE(pool.try_limit_this()) << "it counts once";
+        job();
+    }));
+    EXPECT_TRUE(result_of([&] { return pool.try_limit_this(); })) << "which then ends";
+    EXPECT_TRUE(pool.try_add(second.job(begun), true));
+    begun.wait();
+    EXPECT_FALSE(result_of([&] { return pool.try_limit_this(); }));
+    first.open();
+    second.open();
+}
+
 TEST(WorkerPool, TakesNoMoreThanMayWaitOfEitherKind) {
     Gate gate;
     std::latch begun(1);
