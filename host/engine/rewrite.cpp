@@ -224,6 +224,7 @@ private:
                 return std::nullopt;
             }
             if (pieces_.follows_sign(at, ".")) {
+                if (at < 2) return std::nullopt;
                 at -= 2;
                 continue;
             }

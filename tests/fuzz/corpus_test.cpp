@@ -36,7 +36,8 @@ INSTANTIATE_TEST_SUITE_P(
                     Corpus{"generalized_time", generalized_time_properties},
                     Corpus{"http_request", http_request_properties},
                     Corpus{"ldif", ldif_properties}, Corpus{"multipart", multipart_properties},
-                    Corpus{"page", page_properties}, Corpus{"schema_file", schema_file_properties}),
+                    Corpus{"page", page_properties}, Corpus{"schema_file", schema_file_properties},
+                    Corpus{"script", script_properties}),
     [](const auto& info) { return info.param.name; });
 
 }  // namespace

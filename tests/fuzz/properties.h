@@ -43,5 +43,6 @@ void ldif_properties(std::string_view input);
 void multipart_properties(std::string_view input);
 void page_properties(std::string_view input);
 void schema_file_properties(std::string_view input);
+void script_properties(std::string_view input);
 
 }  // namespace orvo::fuzz

@@ -183,8 +183,9 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{"1.5e+3/2/3", "1.5e+3/2/3"}, Case{"0x1F/2/3", "0x1F/2/3"}));
 
 TEST(RewrittenRefuses, WhatCannotBeAssignedTo) {
-    for (const char* source : {"new A(1) = 2", "[1](2) = 3", "x = {}(1) = 2",
-                               "(x, function () {}(1) = 2)", "'a'(1) = 2", "1(2) = 3"}) {
+    for (const char* source :
+         {"new A(1) = 2", "[1](2) = 3", "x = {}(1) = 2", "(x, function () {}(1) = 2)", "'a'(1) = 2",
+          "1(2) = 3", ".a(1) = 2"}) {
         try {
             const std::string made = rewritten(std::string("\n") + source);
             ADD_FAILURE() << made;
