@@ -1,0 +1,1 @@
+function print(text) { WScript.Echo(text); }

@@ -1,0 +1,26 @@
+var one = moment.utc([2003, 1, 28, 13, 4, 5, 67]);
+function at(text, format) { return moment(text, format, true).format(); }
+check("format", function () { return one.format("dddd, MMMM Do YYYY, h:mm:ss a [at] W wo DDD E SSS X x Z"); });
+check("default", function () { return [one.format(), one.toISOString(), one.toJSON(), one.toArray()]; });
+check("local", function () { return [moment([2003, 6, 1, 12]).format(), moment([2003, 0, 1, 12]).format(), moment(0).format()]; });
+check("iso", function () { return [at("2003-02-28T13:04:05+02:00"), at("2003-02-28"), at("20030228T130405Z"), at("2003-W05-3"), at("2003-059")]; });
+check("formats", function () { return [at("28/02/2003 13:04", "DD/MM/YYYY HH:mm"), at("Feb 28 03", "MMM D YY"), at("1:05 pm", "h:mm a").slice(10), at("31/02/2003", "DD/MM/YYYY")]; });
+check("loose", function () { return [moment("2003 hello 2", "YYYY MM").isValid(), moment("12-25-1995", ["MM-DD-YYYY", "YYYY-MM-DD"]).format("L")]; });
+check("valid", function () { return [moment("x", "YYYY").isValid(), moment.utc([2003, 13]).isValid(), moment.invalid().format()]; });
+check("add", function () { return [one.clone().add(1, "month").format("L"), one.clone().add(1, "day").format("L"), one.clone().subtract(1, "year").format("L"), moment.utc([2003, 0, 31]).add(1, "M").format("L")]; });
+check("add over summer time", function () { return [moment([2003, 2, 29, 12]).add(1, "day").format(), moment([2003, 2, 29, 12]).add(24, "hours").format()]; });
+check("startOf", function () { return ["year", "quarter", "month", "week", "isoWeek", "day", "hour", "minute"].map(function (u) { return one.clone().startOf(u).format() + one.clone().endOf(u).format(); }); });
+check("diff", function () { var b = moment.utc([2007, 0, 29]); return ["years", "months", "weeks", "days", "hours"].map(function (u) { return [b.diff(one, u), b.diff(one, u, true)]; }); });
+check("compare", function () { var b = one.clone().add(1, "s"); return [one.isBefore(b), one.isSame(b), one.isSame(b, "minute"), b.isAfter(one), one.isBetween(one, b)]; });
+check("from", function () { return [1, 50, 3000, 90000, 4e6, 5e7].map(function (s) { return one.from(one.clone().add(s, "s")); }); });
+check("calendar", function () { return [0, 1, -1, 3, -3, 30].map(function (d) { return one.clone().add(d, "d").calendar(one); }); });
+check("duration", function () { var d = moment.duration({days: 1, hours: 26, minutes: 70}); return [d.toISOString(), d.asHours(), d.humanize(), d.humanize(true), d.days(), d.get("h")]; });
+check("parse duration", function () { return [moment.duration("P1Y2M3DT4H5M6S").asSeconds(), moment.duration("23:59:59").asMinutes(), moment.duration("-1.02:03").toJSON()]; });
+check("set", function () { return [one.clone().set({year: 2000, date: 29}).format(), one.clone().day("Monday").format("L"), one.clone().isoWeek(1).format("L"), one.clone().dayOfYear(366).format("L")]; });
+check("get", function () { return ["year", "quarter", "month", "week", "isoWeek", "date", "day", "weekday", "isoWeekday", "dayOfYear", "weekYear"].map(function (g) { return one[g](); }); });
+check("days", function () { return [one.daysInMonth(), one.isLeapYear(), moment.utc([2004]).isLeapYear(), one.weeksInYear()]; });
+check("offset", function () { return [one.clone().utcOffset(120).format(), moment.parseZone("2003-01-01T00:00:00-13:00").utcOffset(), one.clone().local().format()]; });
+check("locale", function () { moment.updateLocale("en", {months: "A_B_C_D_E_F_G_H_I_J_K_L".split("_")}); var s = one.format("MMMM"); moment.updateLocale("en", null); return s + one.format("MMMM"); });
+check("date", function () { return [one.toDate().getTime(), moment(new Date(5)).valueOf(), moment.unix(5.5).valueOf(), moment.isDate(new Date()), moment(one).isSame(one)]; });
+check("min", function () { return [moment.min([one, moment.utc(0)]).format(), moment.max(one, moment.utc(0)).format()]; });
+check("text", function () { return [one.toString(), one.inspect(), moment.normalizeUnits("M"), moment.localeData().ordinal(22)]; });

@@ -1,0 +1,36 @@
+var people = [{name: "Ann", age: 41, tags: ["a", "b"]}, {name: "bob", age: 7, tags: []},
+              {name: "Cy", age: 41, tags: ["b"]}];
+function even(n) { return n % 2 === 0; }
+check("map", function () { return _.map({a: 1, b: 2}, function (v, k) { return k + v; }); });
+check("reduce", function () { return _.reduceRight([[0], [1], [2]], function (a, b) { return a.concat(b); }, []); });
+check("filter", function () { return [_.filter([1, 2, 3, 4], even), _.reject([1, 2, 3, 4], even)]; });
+check("where", function () { return [_.where(people, {age: 41}), _.findWhere(people, {age: 7})]; });
+check("pluck", function () { return _.pluck(people, "name"); });
+check("sortBy", function () { return _.sortBy(people, function (p) { return p.name.toLowerCase(); }); });
+check("sortBy keeps order", function () { return _.pluck(_.sortBy(people, "age"), "name"); });
+check("groupBy", function () { return [_.groupBy(people, "age"), _.countBy(people, "age"), _.indexBy(people, "name")]; });
+check("min and max", function () { return [_.max(people, function (p) { return p.age; }), _.min([]) === Infinity]; });
+check("partition", function () { return _.partition([0, 1, 2, 3], even); });
+check("flatten", function () { return [_.flatten([1, [2, [3, [[4]]]]]), _.flatten([1, [2, [3]]], true)]; });
+check("sets", function () { return [_.union([1, 2], [2, 3]), _.intersection([1, 2], [2, 3]), _.difference([1, 2], [2])]; });
+check("uniq", function () { return _.uniq([1, 2, 1, 3, NaN, NaN, "1"]); });
+check("zip", function () { return [_.zip(["a", "b"], [1, 2]), _.object([["a", 1], ["b", 2]])]; });
+check("range", function () { return [_.range(4), _.range(1, 11, 3), _.range(0, -3, -1)]; });
+check("sortedIndex", function () { return _.sortedIndex([10, 20, 30], 25); });
+check("bind", function () { return _.bind(function (a, b) { return this.x + a + b; }, {x: 1}, 2)(3); });
+check("bindAll", function () { _.bindAll({}); });
+check("partial", function () { return _.partial(function (a, b) { return a - b; }, _, 5)(20); });
+check("memoize", function () { var f = _.memoize(function (n) { return n < 2 ? n : f(n - 1) + f(n - 2); }); return f(60); });
+check("once and after", function () { var n = 0, f = _.once(function () { return ++n; }); f(); f(); return n; });
+check("compose", function () { return _.compose(function (s) { return s + "!"; }, function (s) { return s.toUpperCase(); })("a"); });
+check("extend", function () { return [_.extend({a: 1}, {b: 2}), _.defaults({a: 1}, {a: 2, c: 3}), _.pick({a: 1, b: 2}, "a"), _.omit({a: 1, b: 2}, "a")]; });
+check("isEqual", function () { return [_.isEqual(people, JSON.parse(JSON.stringify(people))), _.isEqual(new Date(5), new Date(5)), _.isEqual(/a/g, /a/i), _.isEqual(0, -0), _.isEqual(NaN, NaN)]; });
+check("kinds", function () { return _.map([[], {}, "", 1, true, null, undefined, /a/, new Date(0), function () {}, new TypeError("x"), NaN], function (v) { return [_.isArray(v), _.isObject(v), _.isString(v), _.isNumber(v), _.isBoolean(v), _.isNull(v), _.isUndefined(v), _.isRegExp(v), _.isDate(v), _.isFunction(v), _.isError(v), _.isNaN(v), _.isEmpty(v)].join().replace(/(t|f)\w+/g, "$1"); }); });
+check("arguments", function () { return (function () { return [_.isArguments(arguments), _.toArray(arguments), _.size(arguments)]; })(1, 2); });
+check("functions", function () { return _.functions(_).length; });
+check("escape", function () { return [_.escape("<a href=\"x\">'&'`</a>"), _.unescape("&lt;&amp;&gt;")]; });
+check("template", function () { return _.template("<% _.each(people, function (p) { %><li><%- p.name %> <%= p.age %></li>\n<% }); %>")({people: people.concat({name: "<x>", age: "<b>"})}); });
+check("template's errors", function () { return _.template("<% if (%>"); });
+check("chain", function () { return _.chain(people).filter(function (p) { return p.age > 10; }).map(function (p) { return p.name; }).value(); });
+check("mixin", function () { _.mixin({shout: function (s) { return s.toUpperCase(); }}); return _("a").shout(); });
+check("chunk", function () { return [_.chunk([1, 2, 3, 4, 5], 2), _.compact([0, 1, "", 2, null]), _.invert({a: "b"})]; });
