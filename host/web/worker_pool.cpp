@@ -1,8 +1,16 @@
 #include "host/web/worker_pool.h"
 
+#include <chrono>
 #include <utility>
 
 namespace orvo::web {
+namespace {
+
+// Among many that wait a moment each, a place is free again soon; where none gets free, those who
+// wait for one keep their workers from others no longer than this.
+constexpr std::chrono::milliseconds patience_for_place{500};
+
+}  // namespace
 
 WorkerPool::WorkerPool(int workers, int most_limited, std::size_t most_waiting)
     : most_limited_(most_limited), most_waiting_(most_waiting) {
@@ -30,9 +38,11 @@ bool WorkerPool::try_add(Job job, bool is_limited) {
 }
 
 bool WorkerPool::try_limit_this() {
-    const std::lock_guard guard(lock_);
+    std::unique_lock guard(lock_);
     if (*is_this_limited_) return true;
-    if (running_limited_ >= most_limited_) return false;
+    if (!place_freed_.wait_for(guard, patience_for_place,
+                               [&] { return running_limited_ < most_limited_; }))
+        return false;
     ++running_limited_;
     return *is_this_limited_ = true;
 }
@@ -67,6 +77,7 @@ void WorkerPool::work() {
         guard.lock();
         if (!is_limited) continue;
         --running_limited_;
+        place_freed_.notify_one();
         // Somebody may have slept only because he was not to take one of these.
         if (is_ending_)
             changed_.notify_all();

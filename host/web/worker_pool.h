@@ -27,8 +27,8 @@ public:
     // False where too many wait already: the job is not carried out.
     bool try_add(Job job, bool is_limited = false);
     // The job that calls it is one of those that are limited, as it turns out, and counts as one
-    // until it ends. False where as many run as may: it should not go on to what they wait for. On
-    // a worker's thread only.
+    // until it ends. Waits half a second where as many run as may, and answers false where none of
+    // them has ended then: it should not go on to what they wait for. On a worker's thread only.
     bool try_limit_this();
 
 private:
@@ -46,6 +46,7 @@ private:
     const std::size_t most_waiting_;
     std::mutex lock_;
     std::condition_variable changed_;
+    std::condition_variable place_freed_;  // among the limited
     Queue ordinary_;
     Queue limited_;
     int running_limited_ = 0;

@@ -285,7 +285,7 @@ TEST_F(OrvoWebTest, SaysWhatIsWrongAndDoesNotStart) {
         fs::remove(file);
         return std::to_string(code) + ' ' + text.substr(0, text.find('\n'));
     };
-    EXPECT_EQ(said({}), "2 orvo-web: which site?");
+    EXPECT_EQ(said({}), "2 orvo-web: SITE is required; see orvo-web --help");
     EXPECT_EQ(said({"/none"}), "1 orvo-web: /none: there is no such folder");
     write("site.ini", "[SITE]\nGuard = /a = 1\n");
     EXPECT_EQ(said({site()}),
