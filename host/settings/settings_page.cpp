@@ -4,7 +4,7 @@
 
 #include "component/auth/login_settings.h"
 #include "component/config/ServerInfo.h"
-#include "host/web/site.h"
+#include "host/web/site/site.h"
 #include "suite/directory/settings/cache_settings.h"
 #include "suite/directory/settings/pool_settings.h"
 #include "suite/log/log_target.h"

@@ -3,12 +3,12 @@
 #include <cstdlib>
 #include <iostream>
 
-#include "host/web/directory_setup.h"
-#include "host/web/memory_sessions.h"
 #include "host/web/options.h"
 #include "host/web/service_manager.h"
+#include "host/web/sessions/memory_sessions.h"
 #include "host/web/signals.h"
-#include "host/web/web_app.h"
+#include "host/web/site/directory_setup.h"
+#include "host/web/site/web_app.h"
 #include "platform/values/failure.h"
 #include "suite/configuration/suite_configuration.h"
 

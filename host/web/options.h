@@ -3,7 +3,7 @@
 #include <filesystem>
 
 #include "host/common/command_line.h"
-#include "host/web/http_server.h"
+#include "host/web/server/http_server.h"
 
 namespace orvo::web {
 

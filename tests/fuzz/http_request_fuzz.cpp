@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "host/web/request_parser.h"
+#include "host/web/server/request_parser.h"
 #include "tests/fuzz/properties.h"
 
 namespace orvo::fuzz {

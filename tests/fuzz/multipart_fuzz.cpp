@@ -1,8 +1,8 @@
 // Forms sent as multipart/form-data. The input is a content type, and behind the first line end the
 // body.
 
-#include "host/web/http_message.h"
-#include "host/web/multipart.h"
+#include "host/web/messages/http_message.h"
+#include "host/web/messages/multipart.h"
 #include "tests/fuzz/properties.h"
 
 namespace orvo::fuzz {

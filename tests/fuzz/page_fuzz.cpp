@@ -1,8 +1,8 @@
 // Server pages. The input is a page, and behind a form feed the file that it may include as
 // "a.inc", both in UTF-8.
 
-#include "host/web/other_language.h"
-#include "host/web/page_compiler.h"
+#include "host/web/pages/other_language.h"
+#include "host/web/pages/page_compiler.h"
 #include "tests/fuzz/properties.h"
 #include "tests/support/temp_folder.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
 // The properties that hold for any input, one function for each kind of text that is read from
-// elsewhere. libFuzzer calls them with inputs that it makes (fuzz_main.cpp), the ordinary tests with
-// those of tests/fuzz/corpus (corpus_test.cpp).
+// elsewhere. libFuzzer calls them with inputs that it makes (fuzz_main.cpp), the ordinary tests
+// with those of tests/fuzz/corpus (corpus_test.cpp).
 
 #include <stdexcept>
 #include <string>

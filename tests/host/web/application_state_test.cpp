@@ -1,4 +1,4 @@
-#include "host/web/application_state.h"
+#include "host/web/sessions/application_state.h"
 
 #include <gtest/gtest.h>
 

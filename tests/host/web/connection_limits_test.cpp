@@ -1,4 +1,4 @@
-#include "host/web/connection_limits.h"
+#include "host/web/server/connection_limits.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "host/web/cookies.h"
+#include "host/web/messages/cookies.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "host/web/directory_health.h"
+#include "host/web/site/directory_health.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "host/web/directory_setup.h"
+#include "host/web/site/directory_setup.h"
 
 #include <gmock/gmock.h>
 

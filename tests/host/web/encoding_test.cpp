@@ -1,8 +1,8 @@
-#include "host/web/encoding.h"
+#include "host/web/messages/encoding.h"
 
 #include <gtest/gtest.h>
 
-#include "host/web/local_url.h"
+#include "host/web/messages/local_url.h"
 
 namespace orvo::web {
 namespace {

@@ -1,4 +1,4 @@
-#include "host/web/global_events.h"
+#include "host/web/site/global_events.h"
 
 #include <gtest/gtest.h>
 

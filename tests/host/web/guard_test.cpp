@@ -1,4 +1,4 @@
-#include "host/web/guard.h"
+#include "host/web/site/guard.h"
 
 #include <gtest/gtest.h>
 

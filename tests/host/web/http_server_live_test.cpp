@@ -1,7 +1,7 @@
 // The server on the wire: a real port on the loopback address, and a client that says whatever it
 // likes.
 
-#include "host/web/http_server.h"
+#include "host/web/server/http_server.h"
 
 #include <gtest/gtest.h>
 

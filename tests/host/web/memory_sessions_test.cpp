@@ -1,4 +1,4 @@
-#include "host/web/memory_sessions.h"
+#include "host/web/sessions/memory_sessions.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <set>
 #include <thread>
 
-#include "host/web/http_message.h"
+#include "host/web/messages/http_message.h"
 
 namespace orvo::web {
 namespace {

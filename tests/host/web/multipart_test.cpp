@@ -1,8 +1,8 @@
-#include "host/web/multipart.h"
+#include "host/web/messages/multipart.h"
 
 #include <gtest/gtest.h>
 
-#include "host/web/http_message.h"
+#include "host/web/messages/http_message.h"
 
 namespace orvo::web {
 namespace {

@@ -1,4 +1,4 @@
-#include "host/web/named_values.h"
+#include "host/web/sessions/named_values.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "host/web/page_cache.h"
+#include "host/web/pages/page_cache.h"
 
 #include <gtest/gtest.h>
 

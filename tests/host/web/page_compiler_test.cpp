@@ -1,4 +1,4 @@
-#include "host/web/page_compiler.h"
+#include "host/web/pages/page_compiler.h"
 
 #include <gtest/gtest.h>
 

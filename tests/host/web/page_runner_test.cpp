@@ -1,4 +1,4 @@
-#include "host/web/page_runner.h"
+#include "host/web/intrinsics/page_runner.h"
 
 #include <gtest/gtest.h>
 

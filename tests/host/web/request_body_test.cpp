@@ -1,11 +1,11 @@
-#include "host/web/request_body.h"
+#include "host/web/messages/request_body.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <fstream>
 
-#include "host/web/http_message.h"
+#include "host/web/messages/http_message.h"
 #include "tests/support/temp_folder.h"
 
 namespace orvo::web {

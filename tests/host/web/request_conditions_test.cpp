@@ -1,4 +1,4 @@
-#include "host/web/request_conditions.h"
+#include "host/web/messages/request_conditions.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
-#include "host/web/request_fields.h"
+#include "host/web/messages/request_fields.h"
 
 #include <gtest/gtest.h>
 
 #include <ctime>
 
-#include "host/web/http_message.h"
+#include "host/web/messages/http_message.h"
 
 namespace orvo::web {
 namespace {

@@ -1,4 +1,4 @@
-#include "host/web/request_object.h"
+#include "host/web/intrinsics/request_object.h"
 
 #include <gtest/gtest.h>
 

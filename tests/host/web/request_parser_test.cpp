@@ -1,4 +1,4 @@
-#include "host/web/request_parser.h"
+#include "host/web/server/request_parser.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
-#include "host/web/response_object.h"
+#include "host/web/intrinsics/response_object.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
 
-#include "host/web/request_object.h"
-#include "host/web/session_object.h"
+#include "host/web/intrinsics/request_object.h"
+#include "host/web/intrinsics/session_object.h"
 #include "platform/interfaces/enumerator.h"
 #include "platform/interfaces/late_call.h"
 #include "platform/values/failure.h"

@@ -2,7 +2,7 @@
 
 #include <thread>
 
-#include "host/web/http_server.h"
+#include "host/web/server/http_server.h"
 
 namespace orvo::web {
 

@@ -1,4 +1,4 @@
-#include "host/web/server_object.h"
+#include "host/web/intrinsics/server_object.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
-#include "host/web/session_object.h"
+#include "host/web/intrinsics/session_object.h"
 
 #include <gtest/gtest.h>
 
-#include "host/web/request_object.h"
+#include "host/web/intrinsics/request_object.h"
 #include "platform/interfaces/enumerator.h"
 #include "platform/interfaces/late_call.h"
 #include "platform/values/failure.h"

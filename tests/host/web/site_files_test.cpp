@@ -1,4 +1,4 @@
-#include "host/web/site_files.h"
+#include "host/web/files/site_files.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "host/web/site.h"
+#include "host/web/site/site.h"
 
 #include <gtest/gtest.h>
 

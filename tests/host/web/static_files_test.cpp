@@ -1,4 +1,4 @@
-#include "host/web/static_files.h"
+#include "host/web/files/static_files.h"
 
 #include <gtest/gtest.h>
 

@@ -2,10 +2,10 @@
 
 // A site of a test's own: a folder of pages, and what a page runs with.
 
-#include "host/web/memory_sessions.h"
-#include "host/web/page_cache.h"
-#include "host/web/page_context.h"
-#include "host/web/page_runner.h"
+#include "host/web/intrinsics/page_context.h"
+#include "host/web/intrinsics/page_runner.h"
+#include "host/web/pages/page_cache.h"
+#include "host/web/sessions/memory_sessions.h"
 #include "platform/module/local_class.h"
 #include "platform/objects/context/app_server.h"
 #include "tests/support/temp_folder.h"

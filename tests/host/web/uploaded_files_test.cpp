@@ -1,11 +1,11 @@
-#include "host/web/uploaded_files.h"
+#include "host/web/intrinsics/uploaded_files.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <fstream>
 
-#include "host/web/request_object.h"
+#include "host/web/intrinsics/request_object.h"
 #include "platform/interfaces/enumerator.h"
 #include "platform/interfaces/late_call.h"
 #include "platform/values/failure.h"

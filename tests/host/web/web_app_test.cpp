@@ -1,4 +1,4 @@
-#include "host/web/web_app.h"
+#include "host/web/site/web_app.h"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,7 @@
 #include <atomic>
 #include <thread>
 
-#include "host/web/web_app.h"
+#include "host/web/site/web_app.h"
 #include "suite/authfilter/filter_connector.h"
 #include "tests/host/web/browser.h"
 #include "tests/host/web/running_server.h"

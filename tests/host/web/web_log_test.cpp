@@ -1,4 +1,4 @@
-#include "host/web/web_log.h"
+#include "host/web/site/web_log.h"
 
 #include <gtest/gtest.h>
 

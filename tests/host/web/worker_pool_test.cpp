@@ -1,4 +1,4 @@
-#include "host/web/worker_pool.h"
+#include "host/web/server/worker_pool.h"
 
 #include <gtest/gtest.h>
 

@@ -118,9 +118,9 @@ TEST(Ini, AnEmptyFileHasNoValues) {
 
 TEST(Ini, KeysAndSectionsAreToldAsTheyAreSpelledAndWhere) {
     const IniValues values = parse_ini("; c\n[One]\nKey = a\n[two]\n\nb:\n[ONE]\n", u"site.ini");
-    EXPECT_EQ(values.keys(), (std::vector<IniKey>{{u"One", u"Key", u"a", 3}, {u"two", u"b", u"", 6}}));
-    EXPECT_EQ(values.sections(),
-              (std::vector<IniSection>{{u"One", 2}, {u"two", 4}, {u"ONE", 7}}));
+    EXPECT_EQ(values.keys(),
+              (std::vector<IniKey>{{u"One", u"Key", u"a", 3}, {u"two", u"b", u"", 6}}));
+    EXPECT_EQ(values.sections(), (std::vector<IniSection>{{u"One", 2}, {u"two", 4}, {u"ONE", 7}}));
 }
 
 TEST(Ini, AByteOrderMarkIsNoPartOfTheFirstName) {

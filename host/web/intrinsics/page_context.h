@@ -1,0 +1,147 @@
+#pragma once
+
+// One request while its page runs: what the intrinsic objects work on.
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "host/web/intrinsics/page_answer.h"
+#include "host/web/intrinsics/page_failure.h"
+#include "host/web/messages/cookies.h"
+#include "host/web/messages/http_message.h"
+#include "host/web/messages/multipart.h"
+#include "host/web/messages/request_fields.h"
+#include "host/web/sessions/application_state.h"
+#include "host/web/sessions/session_store.h"
+
+namespace orvo::web {
+
+// What a page does to the engine that runs it.
+class PageControl {
+public:
+    virtual ~PageControl() = default;
+    // Nothing more of the page is carried out.
+    virtual void stop() = 0;
+    // The page's limit has changed; it counts from the page's beginning.
+    virtual void apply_time_limit() = 0;
+    // Runs another page of the site, among globals of its own; the path may have a query. Raises
+    // Failure where there is no such page, and where it fails.
+    virtual void execute(const Text& path) = 0;
+};
+
+// What came behind the "?" of an address.
+struct PageQuery {
+    explicit PageQuery(std::string_view text) : text(text), fields(parse_urlencoded(this->text)) {}
+    std::string text;
+    RequestFields fields;
+};
+
+// At most so many bytes of a body are read at once.
+inline constexpr std::uint64_t largest_read = 64 * 1024 * 1024;
+inline constexpr std::size_t largest_session = 1024 * 1024;
+
+// Belongs to the thread that carries the request out. The intrinsic objects share it, so that one
+// that outlives its page still has something to refer to.
+class PageContext {
+public:
+    PageContext(HttpRequest request, std::string path, std::filesystem::path root,
+                ApplicationState& application, SessionStore& sessions,
+                std::chrono::milliseconds patience, std::size_t largest_form_text = 1024 * 1024);
+
+    const HttpRequest request;
+    const std::string path;  // of the page, decoded
+    const std::filesystem::path root;
+    // Of the page that runs: one that executes another page may give it a query of its own.
+    std::string running_path;
+    PageQuery query;
+    const RequestForm form;
+    RequestFields cookies;
+    // Folders below which pages may write.
+    std::vector<std::filesystem::path> file_folders = {};
+    bool maps_paths = true;
+    PageFailure last_failure = {};  // which an error page is shown for
+    Text user = {};                 // who is logged in, where the guard has let somebody in
+    PageAnswer answer;
+    ApplicationState::Holder application;
+    PageControl* control = nullptr;
+    std::chrono::seconds time_limit{0};
+
+    // The form, for a page that uses it as such; read_body gives what came as bytes. Each raises
+    // Failure (E_FAIL) after the other.
+    const RequestForm& use_form();
+    std::string read_body(std::uint64_t count);
+
+    // For the page. Before the first one that may wait for the directory the page is counted among
+    // those that do; where there are too many of them it is stopped and turned away.
+    Object create_object(const Text& progid);
+    bool waits_for_directory() const { return waits_; }
+    bool is_turned_away() const { return is_turned_away_; }
+
+    // The session that the browser's cookie names, if any.
+    void open_session();
+    // The page has none (EnableSessionState=False), whatever the browser's cookie names; nobody
+    // waits for this request.
+    void do_without_session();
+    bool has_session() const { return has_session_; }
+    // Raises Failure where it has none.
+    void require_session() const;
+    // In place of a session that the browser's cookie names.
+    void adopt_session(std::unique_ptr<SessionLease> session) { session_ = std::move(session); }
+    // The session, if there is one, ends with the request.
+    void abandon_session();
+    // Null while the browser has none.
+    SessionLease* session() const { return session_.get(); }
+    // Makes one where the browser has none. Raises Failure as require_session, and where the
+    // browser cannot be told of it any more.
+    SessionLease& need_session();
+    // Before a page puts a value: one of those that a login sets makes the request a login. Form
+    // tokens of before it are worth nothing from then on. Raises Failure where that comes too late.
+    void note_session_value(TextView name);
+    // Ends what the request held: renews the session's identifier where somebody has logged in,
+    // writes its cookie, gives session and application back.
+    void finish();
+
+    // Raises Failure (7) where the answer becomes larger than it may.
+    void write(std::string_view bytes);
+    // Drops what was written and has not been sent.
+    void clear();
+    // Sends what was written, behind the answer's head if that has not been sent: the session's
+    // cookie is settled by it, so no session begins from then on, and nobody logs in.
+    void flush();
+    // Raises Failure (E_FAIL) once the head has been sent.
+    void require_head_not_sent() const;
+    bool is_browser_there() const;
+    // Completes what is sent as a head before the page has ended.
+    std::function<void(HttpResponse& head)> complete_head = {};
+
+private:
+    void settle_session();
+
+    SessionStore& sessions_;
+    const std::chrono::milliseconds patience_;
+    std::unique_ptr<SessionLease> session_;
+    enum class BodyUse { none, form, bytes };
+    BodyUse body_use_ = BodyUse::none;
+    std::uint64_t body_read_ = 0;
+    bool is_login_ = false;
+    bool waits_ = false;
+    bool is_turned_away_ = false;
+    bool is_new_ = false;  // the browser has not been told its identifier
+    bool is_abandoned_ = false;
+    bool has_session_ = true;
+};
+
+// The name of the session's cookie. Under TLS browsers take one of this name from this very host
+// only.
+std::string_view session_cookie_name(bool is_secure);
+// What the session's cookie says, as it came; empty where there is none.
+std::string session_id_of(const HttpRequest& request);
+
+// "path?query" cut at the first "?".
+std::string_view path_part(std::string_view target);
+std::string_view query_part(std::string_view target);
+
+}  // namespace orvo::web

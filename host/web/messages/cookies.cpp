@@ -1,0 +1,110 @@
+#include "host/web/messages/cookies.h"
+
+#include <array>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+
+#include "host/web/messages/encoding.h"
+
+namespace orvo::web {
+namespace {
+
+std::string_view without_blanks(std::string_view text) {
+    const auto first = text.find_first_not_of(" \t");
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+// Calls visit(name, value) for each cookie of a request, as they came. Raises Refusal.
+template <class Visit>
+void for_each_cookie(const HttpRequest& request, Visit visit) {
+    std::size_t count = 0;
+    for (const auto& [header, all] : request.headers) {
+        if (!equal_ascii_ignoring_case(header, "cookie")) continue;
+        for (std::string_view rest = all; !rest.empty();) {
+            const auto end = rest.find(';');
+            const auto pair = without_blanks(rest.substr(0, end));
+            rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+            const auto equals = pair.find('=');
+            if (equals == std::string_view::npos || equals == 0) continue;
+            if (++count > most_fields) throw Refusal(400, "The request has too many cookies.");
+            visit(pair.substr(0, equals), pair.substr(equals + 1));
+        }
+    }
+}
+
+// A part of the header that a page wrote: nothing in it may begin another part or another line.
+std::string attribute(TextView text) {
+    std::string result;
+    for (const char byte : to_utf8(text)) {
+        const auto value = static_cast<unsigned char>(byte);
+        if (value > 0x20 && value < 0x7F && byte != ';' && byte != ',') result += byte;
+    }
+    return result;
+}
+
+}  // namespace
+
+RequestFields cookies_of(const HttpRequest& request) {
+    RequestFields cookies;
+    for_each_cookie(request, [&](std::string_view raw_name, std::string_view value) {
+        if (value.size() >= 2 && value.front() == '"' && value.back() == '"')
+            value = value.substr(1, value.size() - 2);
+        Text name = from_utf8(form_decoded(raw_name));
+        if (!cookies.find(name)) cookies.add(std::move(name), from_utf8(form_decoded(value)));
+    });
+    return cookies;
+}
+
+std::optional<std::string_view> try_exact_cookie(const HttpRequest& request,
+                                                 std::string_view name) {
+    std::optional<std::string_view> found;
+    for_each_cookie(request, [&](std::string_view other, std::string_view value) {
+        if (!found && other == name) found = value;
+    });
+    return found;
+}
+
+std::string header_text(const OutgoingCookie& cookie) {
+    std::string text = to_utf8(url_encode(cookie.name)) + '=';
+    if (cookie.keys.empty()) {
+        text += to_utf8(url_encode(cookie.value));
+    } else {
+        bool is_first = true;
+        for (const auto& [key, value] : cookie.keys) {
+            if (!std::exchange(is_first, false)) text += '&';
+            text += to_utf8(url_encode(key)) + '=' + to_utf8(url_encode(value));
+        }
+    }
+    if (!cookie.path.empty()) text += "; Path=" + attribute(cookie.path);
+    if (!cookie.domain.empty()) text += "; Domain=" + attribute(cookie.domain);
+    if (cookie.expires) text += "; Expires=" + http_date(*cookie.expires);
+    if (cookie.is_secure) text += "; Secure";
+    if (cookie.is_http_only) text += "; HttpOnly";
+    if (!cookie.same_site.empty()) text += "; SameSite=" + attribute(cookie.same_site);
+    return text;
+}
+
+Date current_date() {
+    const std::chrono::duration<double> now = std::chrono::system_clock::now().time_since_epoch();
+    return Date{25569 + now.count() / 86400};
+}
+
+std::string http_date(Date date) {
+    static constexpr std::array<const char*, 7> days{"Sat", "Sun", "Mon", "Tue",
+                                                     "Wed", "Thu", "Fri"};
+    static constexpr std::array<const char*, 12> months{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                                        "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+    const DateParts parts = parts_of(date);
+    const double midnight = date_from_parts({parts.year, parts.month, parts.day}).days;
+    const auto weekday = (static_cast<int>(std::fmod(midnight, 7.0)) + 7) % 7;
+    std::array<char, 48> text{};
+    std::snprintf(text.data(), text.size(), "%s, %02d %s %04d %02d:%02d:%02d GMT",
+                  days[static_cast<std::size_t>(weekday)], parts.day,
+                  months[static_cast<std::size_t>(parts.month - 1)], parts.year, parts.hour,
+                  parts.minute, parts.second);
+    return text.data();
+}
+
+}  // namespace orvo::web

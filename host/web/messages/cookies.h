@@ -1,0 +1,45 @@
+#pragma once
+
+// Cookies: those of a request, and those that an answer sets.
+
+#include <optional>
+#include <string>
+
+#include "host/web/messages/http_message.h"
+#include "host/web/messages/request_fields.h"
+#include "platform/values/date.h"
+
+namespace orvo::web {
+
+// The cookies of a request; of a name that comes twice the first one counts, as browsers send the
+// most specific one first. Raises Refusal.
+RequestFields cookies_of(const HttpRequest& request);
+
+// The value of the cookie of exactly this name, both as they came: no other spelling of the name
+// passes for it. Where it comes twice the first one counts.
+std::optional<std::string_view> try_exact_cookie(const HttpRequest& request, std::string_view name);
+
+// A cookie that an answer sets. Unless a page says otherwise it lasts as long as the browser runs,
+// no script in the browser can read it, other sites' forms do not send it, and it never travels
+// without TLS once it came with TLS.
+struct OutgoingCookie {
+    Text name;
+    Text value = {};
+    std::vector<std::pair<Text, Text>> keys = {};  // in place of a value: "a=1&b=2"
+    Text path = u"/";
+    Text domain = {};
+    std::optional<Date> expires = {};  // local to Greenwich
+    bool is_secure = false;
+    bool is_http_only = true;
+    Text same_site = u"Lax";  // "Lax", "Strict" or "None"
+};
+
+// The value of the header Set-Cookie. Name, value and keys are encoded as in a form.
+std::string header_text(const OutgoingCookie& cookie);
+
+// "Sat, 21 Nov 2026 02:32:11 GMT"
+std::string http_date(Date date);
+// Now, in Greenwich.
+Date current_date();
+
+}  // namespace orvo::web

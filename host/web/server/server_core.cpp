@@ -1,0 +1,61 @@
+#include "host/web/server/server_core.h"
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+#include "host/web/server/http_session.h"
+
+namespace orvo::web {
+namespace {
+
+int most_limited(const ServerOptions& options) {
+    return std::max(1, options.workers * options.directory_share / 100);
+}
+
+// A session that is closed may leave the set at once.
+std::vector<std::shared_ptr<HttpSession>> all(const std::set<HttpSession*>& sessions) {
+    std::vector<std::shared_ptr<HttpSession>> kept;
+    for (HttpSession* session : sessions) kept.push_back(session->shared_from_this());
+    return kept;
+}
+
+}  // namespace
+
+ServerCore::ServerCore(ServerOptions taken, HttpServer::Handler taken_handler,
+                       ServerHooks taken_hooks)
+    : options(std::move(taken)),
+      handler(std::move(taken_handler)),
+      hooks(std::move(taken_hooks)),
+      limits{.largest_head = options.largest_head,
+             .most_headers = options.most_headers,
+             .largest_body = options.largest_body,
+             .largest_upload = std::max(options.largest_body, options.largest_upload)},
+      connections(options.most_connections, options.most_of_one_address,
+                  [this](const std::string& notice) { tell(notice); }),
+      workers(options.workers, most_limited(options), options.most_waiting) {}
+
+void ServerCore::tell(const std::string& trouble) const {
+    if (hooks.trouble) hooks.trouble(trouble);
+}
+
+void ServerCore::leave(HttpSession* session) {
+    sessions.erase(session);
+    if (is_running && is_stopping && sessions.empty()) loop.stop();
+}
+
+void ServerCore::close_idle() {
+    for (const auto& session : all(sessions))
+        if (!session->is_asked()) session->close();
+}
+
+bool ServerCore::close_all() {
+    bool was_asked = false;
+    for (const auto& session : all(sessions)) {
+        was_asked = was_asked || session->is_asked();
+        session->close();
+    }
+    return was_asked;
+}
+
+}  // namespace orvo::web

@@ -1,0 +1,211 @@
+#include "host/web/sessions/memory_sessions.h"
+
+#include "host/web/messages/http_message.h"
+#include "host/web/messages/random_token.h"
+
+namespace orvo::web {
+
+struct MemorySessions::Session {
+    std::string id;
+    SessionData data;
+    SessionClock::time_point made;
+    SessionClock::time_point last_used;
+    // As the last request left them.
+    SessionLogin login;
+    std::size_t bytes = 0;
+    bool is_leased = true;
+    bool is_dropped = false;
+    Order* order = nullptr;
+    Order::iterator place;
+};
+
+class MemorySessions::Lease : public SessionLease {
+public:
+    Lease(MemorySessions& store, std::shared_ptr<Session> session)
+        : store_(store), session_(std::move(session)) {}
+    ~Lease() override {
+        {
+            const std::lock_guard guard(store_.lock_);
+            if (is_abandoned_) store_.drop(session_);
+        }
+        store_.give_back(session_);
+    }
+
+    const std::string& id() const override { return session_->id; }
+    SessionData& data() override { return session_->data; }
+    void renew_id() override {
+        std::string id = random_token();
+        const std::lock_guard guard(store_.lock_);
+        if (session_->is_dropped) return;
+        store_.sessions_.erase(session_->id);
+        session_->id = std::move(id);
+        store_.sessions_.emplace(session_->id, session_);
+    }
+    void abandon() override { is_abandoned_ = true; }
+
+private:
+    MemorySessions& store_;
+    const std::shared_ptr<Session> session_;
+    bool is_abandoned_ = false;
+};
+
+SessionLogin login_in(const NamedValues& values) {
+    const auto text = [&](TextView name) {
+        const Variant value = values.get(name);
+        return value.is_text() ? Text(value.text_view()) : Text();
+    };
+    return {text(u"QUENDRAID"), text(u"REMOTE_ACCOUNT")};
+}
+
+MemorySessions::MemorySessions(SessionLimits limits, std::function<SessionClock::time_point()> now)
+    : limits_(limits), now_(std::move(now)) {}
+
+MemorySessions::~MemorySessions() = default;
+
+std::unique_ptr<SessionLease> MemorySessions::open(const std::string& id,
+                                                   std::chrono::milliseconds patience,
+                                                   const std::function<bool()>& may_wait) {
+    std::unique_lock guard(lock_);
+    const auto found = sessions_.find(id);
+    if (found == sessions_.end()) return nullptr;
+    const std::shared_ptr<Session> session = found->second;
+    if ((session->is_leased && may_wait && !may_wait()) ||
+        !given_back_.wait_for(guard, patience, [&] { return !session->is_leased; }))
+        throw Refusal(503, "Another request of this session takes too long.");
+    // Whoever had it may have ended it or given it another identifier.
+    if (session->is_dropped || session->id != id) return nullptr;
+    if (has_ended(*session)) {
+        drop(session);
+        return nullptr;
+    }
+    session->is_leased = true;
+    return std::make_unique<Lease>(*this, session);
+}
+
+std::unique_ptr<SessionLease> MemorySessions::create() {
+    auto session = std::make_shared<Session>();
+    session->id = random_token();
+    session->data.form_token = random_token();
+    const std::lock_guard guard(lock_);
+    session->data.timeout = limits_.timeout;
+    drop_ended();
+    if (sessions_.size() >= limits_.most) {
+        const auto victim = oldest();
+        if (!victim) throw Refusal(503, "There are too many sessions.");
+        drop(victim);
+    }
+    session->made = session->last_used = now_();
+    session->data.public_id = decimal(static_cast<long long>(++made_));
+    session->order = &orders_.front();
+    session->place = session->order->insert(session->order->end(), session);
+    sessions_.emplace(session->id, session);
+    return std::make_unique<Lease>(*this, session);
+}
+
+SessionLogin MemorySessions::login_of(const std::string& id) {
+    const std::lock_guard guard(lock_);
+    const auto found = sessions_.find(id);
+    if (found == sessions_.end()) return {};
+    Session& session = *found->second;
+    if (!session.is_leased && has_ended(session)) return {};
+    session.last_used = now_();
+    session.order->splice(session.order->end(), *session.order, session.place);
+    return session.login;
+}
+
+void MemorySessions::set_limits(const SessionLimits& limits) {
+    const std::lock_guard guard(lock_);
+    limits_ = limits;
+}
+
+std::size_t MemorySessions::count() const {
+    const std::lock_guard guard(lock_);
+    return sessions_.size();
+}
+
+std::size_t MemorySessions::bytes() const {
+    const std::lock_guard guard(lock_);
+    return bytes_;
+}
+
+bool MemorySessions::has_ended(const Session& session) const {
+    const auto now = now_();
+    return now - session.last_used >= session.data.timeout ||
+           now - session.made >= limits_.absolute;
+}
+
+void MemorySessions::give_back(const std::shared_ptr<Session>& session) {
+    {
+        const std::lock_guard guard(lock_);
+        session->is_leased = false;
+        if (!session->is_dropped) {
+            session->last_used = now_();
+            place(*session);
+            while (bytes_ > limits_.most_bytes) {
+                const auto victim = oldest();
+                if (!victim) break;
+                drop(victim);
+            }
+        }
+    }
+    given_back_.notify_all();
+}
+
+void MemorySessions::place(Session& session) {
+    const NamedValues& values = session.data.values;
+    session.login = login_in(values);
+    bytes_ += values.size() - session.bytes;
+    session.bytes = values.size();
+    Order& order = orders_[values.count() == 0 ? 0 : session.login.guid.empty() ? 1 : 2];
+    order.splice(order.end(), *session.order, session.place);
+    session.order = &order;
+}
+
+void MemorySessions::drop(const std::shared_ptr<Session>& session) {
+    if (std::exchange(session->is_dropped, true)) return;
+    bytes_ -= session->bytes;
+    sessions_.erase(session->id);
+    session->order->erase(session->place);
+    if (take_ended_) take_ended_(std::move(session->data));
+}
+
+void MemorySessions::on_end(std::function<void(SessionData)> take) {
+    const std::lock_guard guard(lock_);
+    take_ended_ = std::move(take);
+}
+
+template <class Condition>
+void MemorySessions::end_where(Condition condition) {
+    const std::lock_guard guard(lock_);
+    std::vector<std::shared_ptr<Session>> ended;
+    for (const auto& [id, session] : sessions_)
+        if (!session->is_leased && condition(*session)) ended.push_back(session);
+    for (const auto& session : ended) drop(session);
+}
+
+void MemorySessions::end_idle() {
+    end_where([this](const Session& session) { return has_ended(session); });
+}
+
+void MemorySessions::end_all() {
+    end_where([](const Session&) { return true; });
+}
+
+// A few of those that were used longest ago, so that what has ended goes away in time.
+void MemorySessions::drop_ended() {
+    for (Order& order : orders_)
+        for (int i = 0; i < 4 && !order.empty(); ++i) {
+            const auto oldest = order.front();
+            if (oldest->is_leased || !has_ended(*oldest)) break;
+            drop(oldest);
+        }
+}
+
+std::shared_ptr<MemorySessions::Session> MemorySessions::oldest() const {
+    for (const Order& order : orders_)
+        for (const auto& session : order)
+            if (!session->is_leased) return session;
+    return nullptr;
+}
+
+}  // namespace orvo::web

@@ -1,0 +1,69 @@
+#pragma once
+
+// Web sessions: what pages keep for one browser between its requests.
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "host/web/sessions/named_values.h"
+
+namespace orvo::web {
+
+struct SessionData {
+    NamedValues values = {};
+    std::chrono::minutes timeout{20};  // without a request
+    // What a form of this session carries, so that other sites cannot send it.
+    std::string form_token = {};
+    // Text that tells sessions apart without opening them, for logs and pages.
+    Text public_id = {};
+};
+
+// One session, for the length of one request: nobody else has it meanwhile. What was changed is
+// stored when the lease goes.
+class SessionLease {
+public:
+    virtual ~SessionLease() = default;
+    // What the browser's cookie says: 256 random bits.
+    virtual const std::string& id() const = 0;
+    virtual SessionData& data() = 0;
+    // Gives the session a new identifier; the old one opens nothing from now on.
+    virtual void renew_id() = 0;
+    // The session ends with the lease.
+    virtual void abandon() = 0;
+};
+
+// What a login leaves in its session.
+struct SessionLogin {
+    Text guid;     // QUENDRAID
+    Text account;  // REMOTE_ACCOUNT
+};
+// Empty texts where nobody has logged in.
+SessionLogin login_in(const NamedValues& values);
+
+// Any thread. A store that several machines share implements the same.
+class SessionStore {
+public:
+    virtual ~SessionStore() = default;
+    // Waits while another request has the session, at most `patience`, and then raises Refusal
+    // (503), as it does at once where `may_wait` then says no; that is called with a lock held, and
+    // must not come back here. Null for an identifier that the store did not give out, or whose
+    // session has ended; such an identifier is never adopted.
+    virtual std::unique_ptr<SessionLease> open(const std::string& id,
+                                               std::chrono::milliseconds patience,
+                                               const std::function<bool()>& may_wait = {}) = 0;
+    virtual std::unique_ptr<SessionLease> create() = 0;
+    // Who is logged in, as the last request left it; another one may have the session meanwhile,
+    // and is not waited for. Empty texts for an identifier as above. Counts as a request.
+    virtual SessionLogin login_of(const std::string& id) = 0;
+
+    // Takes what a session held that has ended, however it did. It is called on any thread and
+    // must neither wait nor call the store.
+    virtual void on_end(std::function<void(SessionData)> take) = 0;
+    // Ends sessions that have been without a request for too long, or all that no request has.
+    virtual void end_idle() = 0;
+    virtual void end_all() = 0;
+};
+
+}  // namespace orvo::web

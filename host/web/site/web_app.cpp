@@ -1,0 +1,395 @@
+#include "host/web/site/web_app.h"
+
+#include <algorithm>
+
+#include "component/auth/filter_contract.h"
+#include "component/config/configuration_contract.h"
+#include "host/web/files/site_files.h"
+#include "host/web/intrinsics/page_runner.h"
+#include "host/web/messages/encoding.h"
+#include "host/web/site/guard.h"
+#include "platform/interfaces/call.h"
+#include "platform/interfaces/create.h"
+#include "platform/interfaces/late_call.h"
+
+namespace orvo::web {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The login cookie's name is the site configuration's, unless the site says another one.
+Text login_cookie_of(const Site& site) {
+    if (!site.login_cookie.empty() || site.guards.empty()) return site.login_cookie;
+    const auto configuration = Ref<Configuration>::from(create_object(u"Quendra.Configuration"));
+    call<&Configuration::LoadSiteConfig>(configuration, false);
+    Text section = u"MEMBERSHIP", key = u"CookieName";
+    const Text name =
+        trimmed(call<&Configuration::ReadConfigValue>(configuration, section, key).to<Text>());
+    if (name.empty())
+        throw Failure(runtime_error::invalid_call, u"orvo-web",
+                      u"The site guards paths, but neither site.ini (LoginCookie) nor the site "
+                      u"configuration (MEMBERSHIP, CookieName) names the login's cookie");
+    return name;
+}
+
+HttpResponse redirect(int status, const std::string& address) {
+    HttpResponse response;
+    response.status = status;
+    response.headers = {{"Location", address}, {"Cache-Control", "no-store"}};
+    return response;
+}
+
+HttpResponse plain(int status, std::string text) {
+    HttpResponse response;
+    response.status = status;
+    response.content_type = "text/plain; charset=utf-8";
+    response.body = std::move(text);
+    response.headers = {{"Cache-Control", "no-store"}};
+    return response;
+}
+
+// The rest of an answer whose head has been sent when its page failed.
+HttpResponse broken_off(PageAnswer& answer, const HttpResponse& failure) {
+    answer.body.resize(answer.sent_in_body);
+    HttpResponse rest = response_of(std::move(answer));
+    if (rest.content_type.starts_with("text/html")) rest.body += failure.body;
+    return rest;
+}
+
+HttpResponse to_login(const Site& site, const HttpRequest& request) {
+    return redirect(request.method == "POST" ? 303 : 302, login_address(site, request.target));
+}
+
+// The guards of a path, and of where links in it lead.
+std::vector<const GuardedPath*> guards_of(const Site& site, const SitePath& found) {
+    std::vector<const GuardedPath*> guards;
+    if (found.path == site.login_page) return guards;
+    for (const std::string* path : {&found.path, &found.real_path}) {
+        const GuardedPath* guard = guard_of(site, *path);
+        if (guard && (guards.empty() || guards.front() != guard)) guards.push_back(guard);
+    }
+    return guards;
+}
+
+void add_security_headers(const Site& site, HttpResponse& response) {
+    const Headers own{{"X-Content-Type-Options", "nosniff"},
+                      {"X-Frame-Options", "DENY"},
+                      {"Referrer-Policy", "same-origin"},
+                      {"Content-Security-Policy", site.content_security_policy},
+                      {"Date", http_date(current_date())}};
+    for (const auto& header : own) {
+        const auto is_there = [&](const auto& known) {
+            return equal_ascii_ignoring_case(known.first, header.first);
+        };
+        if (!header.second.empty() && std::ranges::none_of(response.headers, is_there))
+            response.headers.push_back(header);
+    }
+}
+
+// The site's own file for an error, where it has one, or the built-in page.
+HttpResponse usual_answer(StaticFiles& files, const Site& site, const ErrorPage& usual) {
+    const auto own = site.error_pages.find(usual.status);
+    const auto file = own == site.error_pages.end() || is_page(own->second)
+                          ? std::nullopt
+                          : try_site_file(site.root, own->second);
+    if (!file) return error_response(usual);
+    try {
+        HttpResponse response = files.answer(*file, HttpRequest{});
+        response.status = usual.status;
+        response.headers = {{"Cache-Control", "no-store"}};
+        return response;
+    } catch (const std::exception&) {
+        return error_response(usual);  // the file has gone meanwhile
+    }
+}
+
+// As the browser has it.
+std::string address_of(const HttpRequest& request) {
+    return (request.is_secure ? "https://" : "http://") + std::string(request.header("Host")) +
+           request.target;
+}
+
+// Gives back what a page holds, however it ended.
+class Finish {
+public:
+    explicit Finish(PageContext& page) : page_(page) {}
+    ~Finish() {
+        page_.finish();
+        page_.complete_head = {};
+    }
+
+private:
+    PageContext& page_;
+};
+
+}  // namespace
+
+std::string decoded_path(std::string_view target) {
+    if (!target.starts_with('/')) throw Refusal(400, "The address is not a path of this site.");
+    const auto decoded = try_path_decoded(path_part(target));
+    if (!decoded || !is_utf8(*decoded))
+        throw Refusal(400, "The address is not encoded as an address is.");
+    const bool has_strange = std::ranges::any_of(*decoded, [](char c) {
+        return static_cast<unsigned char>(c) < 0x20 || c == 0x7F || c == '\\';
+    });
+    std::string_view rest(*decoded);
+    bool has_strange_part = false;
+    while (!rest.empty()) {
+        rest.remove_prefix(1);
+        const auto part = rest.substr(0, rest.find('/'));
+        const bool is_last = part.size() == rest.size();
+        if (part == "." || part == ".." || (part.empty() && !is_last)) has_strange_part = true;
+        rest.remove_prefix(part.size());
+    }
+    if (has_strange || has_strange_part)
+        throw Refusal(400, "The address is not a path of this site.");
+    return *decoded;
+}
+
+WebApp::WebApp(Site site, SessionStore& sessions, DirectoryHealth& health, WebLog& log,
+               Options options)
+    : served_(serve(std::move(site))),
+      sessions_(sessions),
+      health_(health),
+      log_(log),
+      options_(options),
+      events_(served_->site.root, application_, sessions, log,
+              {.time_limit = served_->site.page_timeout, .patience = served_->site.drain_time}) {
+    need_filter(served_->site);
+}
+
+void WebApp::need_filter(const Site& site) {
+    if (site.logins_of_one_user)
+        late::put(create_object(u"TavikAuthFilter.Logins"), u"MostOfOneUser",
+                  *site.logins_of_one_user);
+    if (application_.get(filter_connector_progid).is_object()) return;
+    Object connector;
+    try {
+        connector = create_object(filter_connector_progid);
+    } catch (const Failure&) {
+        // A site without guards does without the filter.
+        if (!site.guards.empty()) throw;
+        return;
+    }
+    ApplicationState::Holder(application_, std::chrono::seconds(1))
+        .put(filter_connector_progid, connector);
+}
+
+std::shared_ptr<WebApp::Served> WebApp::serve(Site site) {
+    Text cookie = login_cookie_of(site);
+    return std::make_shared<Served>(std::move(site), std::move(cookie));
+}
+
+std::shared_ptr<WebApp::Served> WebApp::served() const {
+    const std::lock_guard guard(lock_);
+    return served_;
+}
+
+void WebApp::replace(Site site) {
+    need_filter(site);
+    auto fresh = serve(std::move(site));
+    const std::lock_guard guard(lock_);
+    served_ = std::move(fresh);
+}
+
+HttpResponse WebApp::handle(const HttpRequest& request) {
+    const auto begin = std::chrono::steady_clock::now();
+    const auto served = this->served();
+    HttpResponse response;
+    std::string note;
+    try {
+        response = route(*served, request, note);
+    } catch (const Refusal& refusal) {
+        response = error_answer(*served, request, {refusal.status, refusal.what()});
+        if (refusal.status == 405) response.headers.emplace_back("Allow", "GET, HEAD, POST");
+        if (refusal.status == 503) response.headers.emplace_back("Retry-After", "1");
+    } catch (const std::exception& failure) {
+        const ErrorPage usual = noted(std::string(path_part(request.target)),
+                                      "The page could not be shown.", failure.what());
+        response = error_answer(*served, request, usual, failure_of(failure));
+    }
+    add_security_headers(served->site, response);
+    log_.request(request, response, std::chrono::steady_clock::now() - begin, note);
+    return response;
+}
+
+Lane WebApp::lane_of(const HttpRequest& request) const {
+    const std::string_view path = path_part(request.target);
+    if (path == "/health/live") return Lane::at_once;
+    if (path == "/health/ready") return Lane::aside;
+    return waiting_pages_.contains(std::string(path)) ? Lane::directory : Lane::page;
+}
+
+void WebApp::note_refused(const HttpRequest& request, HttpResponse& response,
+                          std::chrono::steady_clock::duration duration) {
+    add_security_headers(served()->site, response);
+    log_.request(request, response, duration, {});
+}
+
+HttpResponse WebApp::route(Served& served, const HttpRequest& request, std::string& note) {
+    if (request.method != "GET" && request.method != "HEAD" && request.method != "POST")
+        throw Refusal(405, "This server answers GET, HEAD and POST.");
+    const std::string path = decoded_path(request.target);
+    if (path.starts_with("/health/")) return health(path);
+    const SitePath found = find_in_site(served.site.root, path, served.site.default_pages);
+    return is_page(found.path) ? page(served, request, found, note) : file(served, request, found);
+}
+
+HttpResponse WebApp::health(const std::string& path) {
+    if (path == "/health/live") return plain(200, "alive\n");
+    if (path != "/health/ready") throw Refusal(404, "There is no such page.");
+    const std::string trouble = health_.trouble();
+    if (trouble.empty()) return plain(200, "ready\n");
+    if (options_.shows_details) return plain(503, "directory unreachable: " + trouble + "\n");
+    return plain(503, "directory unreachable\n");
+}
+
+std::shared_ptr<PageContext> WebApp::open(const Served& served, const HttpRequest& request,
+                                          const std::string& path) {
+    auto page =
+        std::make_shared<PageContext>(request, path, served.site.root, application_, sessions_,
+                                      options_.session_patience, served.site.largest_request);
+    page->time_limit = served.site.page_timeout;
+    page->file_folders = served.site.file_folders;
+    page->complete_head = [&site = served.site](HttpResponse& head) {
+        add_security_headers(site, head);
+    };
+    // A login would take over a GUID that the filter cannot have, and fail.
+    const auto* guid = page->cookies.find(served.login_cookie);
+    if (guid && guid->values.front().size() > longest_login_guid)
+        page->cookies.remove(served.login_cookie);
+    return page;
+}
+
+bool WebApp::is_open(const Served& served, const SessionLogin& login, const RequestFields& cookies,
+                     const SitePath& found) const {
+    const auto* cookie = cookies.find(served.login_cookie);
+    const Text guid = cookie ? cookie->values.front() : Text();
+    const Variant connector = application_.get(filter_connector_progid);
+    return std::ranges::all_of(guards_of(served.site, found), [&](const GuardedPath* guard) {
+        return is_allowed(login, guid, connector, guard->application);
+    });
+}
+
+// The session is not held for a file: a page of the same session that waits for the directory does
+// not keep it from the browser.
+HttpResponse WebApp::file(const Served& served, const HttpRequest& request, const SitePath& found) {
+    if (!guards_of(served.site, found).empty() &&
+        !is_open(served, sessions_.login_of(session_id_of(request)), cookies_of(request), found))
+        return to_login(served.site, request);
+    if (found.lacks_slash) {
+        const std::string query(query_part(request.target));
+        return redirect(301, to_utf8(url_path_encode(from_utf8(found.path))) + "/" +
+                                 (query.empty() ? "" : "?" + query));
+    }
+    if (!found.file || content_type_of(*found.file).empty())
+        throw Refusal(404, "There is no such page.");
+    if (request.method == "POST") throw Refusal(405, "A form cannot be sent to this address.");
+    return files_.answer(*found.file, request);
+}
+
+HttpResponse WebApp::page(Served& served, const HttpRequest& request, const SitePath& found,
+                          std::string& note) {
+    const std::string& path = found.path;
+    const auto page = open(served, request, path);
+    if (!guards_of(served.site, found).empty()) {
+        page->open_session();
+        if (!page->session() ||
+            !is_open(served, login_in(page->session()->data().values), page->cookies, found))
+            return to_login(served.site, request);
+        page->user = page->session()->data().values.get(u"REMOTE_USER").text_view();
+    }
+    if (!found.file) throw Refusal(404, "There is no such page.");
+    ErrorPage usual;
+    PageFailure failure;
+    bool is_answered = false;
+    {
+        const Finish finish(*page);
+        try {
+            run_page(page, served.pages, path, events_.start());
+            is_answered = true;
+        } catch (const PageError& error) {
+            usual = noted(path, "The page could not be shown.", error.what());
+            failure = failure_of(error, served.site.root);
+        } catch (const script::ScriptError& error) {
+            usual = noted(path,
+                          error.trouble == script::Trouble::time_limit
+                              ? "The page took too long and was stopped."
+                              : "The page could not be shown.",
+                          error.what(),
+                          {error.what(), to_utf8(error.source),
+                           error.number ? "0x" + to_utf8(hexadecimal(error.number)) : ""});
+            failure = failure_of(error, served.site.root);
+        }
+        note = page->answer.log_note;
+        if (!is_answered && !page->answer.has_begun) {
+            failure.reference = from_utf8(usual.reference);
+            is_answered = try_error_page(served, page, 500, std::move(failure));
+        }
+        if (page->waits_for_directory())
+            waiting_pages_.note(std::string(path_part(request.target)));
+        // What a page that failed would have told the browser is not sent; its session is kept.
+        if (!is_answered) page->answer.cookies.clear();
+    }
+    if (page->is_turned_away() && !page->answer.has_begun)
+        throw Refusal(503, "Too many pages wait for the directory. Please try again.");
+    if (is_answered) return response_of(std::move(page->answer));
+    if (page->answer.has_begun) return broken_off(page->answer, error_response(usual));
+    HttpResponse response = usual_answer(files_, served.site, usual);
+    for (const auto& cookie : page->answer.cookies)
+        response.headers.emplace_back("Set-Cookie", header_text(*cookie));
+    return response;
+}
+
+ErrorPage WebApp::noted(const std::string& path, std::string sentence, const std::string& cause,
+                        std::vector<std::string> details) {
+    ErrorPage page{.status = 500, .sentence = std::move(sentence)};
+    page.reference = log_.failure(path, cause);
+    if (details.empty()) details = {cause};
+    std::erase(details, "");
+    if (options_.shows_details) page.details = std::move(details);
+    return page;
+}
+
+HttpResponse WebApp::error_answer(Served& served, const HttpRequest& request,
+                                  const ErrorPage& usual, PageFailure failure) {
+    const auto own = served.site.error_pages.find(usual.status);
+    if (own == served.site.error_pages.end() || !is_page(own->second))
+        return usual_answer(files_, served.site, usual);
+    failure.reference = from_utf8(usual.reference);
+    try {
+        HttpRequest inner = request;
+        inner.stream = nullptr;  // the page fails as a whole
+        const auto page = open(served, inner, own->second);
+        bool is_shown = false;
+        {
+            const Finish finish(*page);
+            page->query = PageQuery(std::to_string(usual.status) + ';' + address_of(request));
+            // A session that is not to be had may be what is told.
+            if (usual.status == 503) page->do_without_session();
+            is_shown = try_error_page(served, page, usual.status, std::move(failure));
+        }
+        if (is_shown) return response_of(std::move(page->answer));
+    } catch (const std::exception& failed) {
+        log_.failure(own->second, failed.what());
+    }
+    return usual_answer(files_, served.site, usual);
+}
+
+bool WebApp::try_error_page(Served& served, const std::shared_ptr<PageContext>& page, int status,
+                            PageFailure failure) {
+    const auto own = served.site.error_pages.find(status);
+    if (own == served.site.error_pages.end() || !is_page(own->second)) return false;
+    page->answer = {.status = status};
+    page->last_failure = std::move(failure);
+    page->time_limit = served.site.page_timeout;
+    try {
+        run_page(page, served.pages, own->second);
+        return !page->is_turned_away();
+    } catch (const std::exception& failed) {
+        log_.failure(own->second, failed.what());
+        return page->answer.has_begun;
+    }
+}
+
+}  // namespace orvo::web

@@ -1,0 +1,96 @@
+#pragma once
+
+#include <mutex>
+
+#include "host/web/files/static_files.h"
+#include "host/web/intrinsics/page_context.h"
+#include "host/web/messages/error_page.h"
+#include "host/web/pages/page_cache.h"
+#include "host/web/pages/waiting_pages.h"
+#include "host/web/site/directory_health.h"
+#include "host/web/site/global_events.h"
+#include "host/web/site/site.h"
+#include "host/web/site/web_log.h"
+
+namespace orvo::web {
+
+struct SitePath;
+
+// A site: answers requests. Any number of threads at once; each is an apartment of its own.
+class WebApp {
+public:
+    struct Options {
+        bool shows_details = false;  // of failures, to the browser
+        std::chrono::milliseconds session_patience{30'000};
+    };
+
+    // Puts the authorization filter's connector into the application. Raises 429 where there is
+    // none although the site guards paths.
+    WebApp(Site site, SessionStore& sessions, DirectoryHealth& health, WebLog& log,
+           Options options);
+
+    HttpResponse handle(const HttpRequest& request);
+    // Where handle() is to be called for it.
+    Lane lane_of(const HttpRequest& request) const;
+    // The server's own answer to a request that handle() does not see: completes it and logs it.
+    void note_refused(const HttpRequest& request, HttpResponse& response,
+                      std::chrono::steady_clock::duration duration);
+
+    // Serves by other settings from now on; a request that runs keeps those that it began with.
+    // Raises what the constructor does, and then goes on as before.
+    void replace(Site site);
+    Site site() const { return served()->site; }
+
+    ApplicationState& application() { return application_; }
+
+private:
+    // A site as it was last read.
+    struct Served {
+        Served(Site read, Text cookie)
+            : site(std::move(read)), login_cookie(std::move(cookie)), pages(site.root) {}
+        const Site site;
+        const Text login_cookie;
+        PageCache pages;
+    };
+    static std::shared_ptr<Served> serve(Site site);
+    void need_filter(const Site& site);
+    std::shared_ptr<Served> served() const;
+
+    HttpResponse route(Served& served, const HttpRequest& request, std::string& note);
+    HttpResponse health(const std::string& path);
+    HttpResponse file(const Served& served, const HttpRequest& request, const SitePath& found);
+    HttpResponse page(Served& served, const HttpRequest& request, const SitePath& found,
+                      std::string& note);
+    std::shared_ptr<PageContext> open(const Served& served, const HttpRequest& request,
+                                      const std::string& path);
+    bool is_open(const Served& served, const SessionLogin& login, const RequestFields& cookies,
+                 const SitePath& found) const;
+    // Logs a failure; the built-in page for it.
+    ErrorPage noted(const std::string& path, std::string sentence, const std::string& cause,
+                    std::vector<std::string> details = {});
+    // What is shown for a request that no page has answered: the site's own page for that, where
+    // there is one and it does not fail, otherwise `usual`.
+    HttpResponse error_answer(Served& served, const HttpRequest& request, const ErrorPage& usual,
+                              PageFailure failure = {});
+    // Carries the site's own page out in the place of what a page has written. False where there is
+    // none, and where it fails.
+    bool try_error_page(Served& served, const std::shared_ptr<PageContext>& page, int status,
+                        PageFailure failure);
+
+    mutable std::mutex lock_;
+    std::shared_ptr<Served> served_;
+    SessionStore& sessions_;
+    DirectoryHealth& health_;
+    WebLog& log_;
+    const Options options_;
+    ApplicationState application_;
+    WaitingPages waiting_pages_;
+    StaticFiles files_;
+    GlobalEvents events_;
+};
+
+// The path of a request's target, decoded. Raises Refusal (400) for one that no address of a site
+// has: not UTF-8, control characters, "\", empty parts, "." and "..".
+std::string decoded_path(std::string_view target);
+
+}  // namespace orvo::web
