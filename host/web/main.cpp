@@ -27,6 +27,10 @@ void reload(const Options& options, WebApp& app, MemorySessions& sessions, WebLo
     log.reopen();
     try {
         const Site site = read_site(options.site, options.config);
+        // A site without settings has no guards: one that had some is not opened by a file that is
+        // being put in another one's place.
+        if (app.site().has_settings && !site.has_settings)
+            throw std::runtime_error("site.ini is not there any more");
         std::string said = "the site's settings have been read again";
         for (const std::string& key : keys_for_next_start(app.site(), site))
             said += "; " + key + " counts from the next start";

@@ -27,7 +27,8 @@ struct ServerOptions {
     std::size_t largest_upload = 1024 * 1024;  // of forms that may have files (multipart)
     std::size_t most_connections = 10'000;     // also as many as the system lets the process have
     std::size_t most_of_one_address = 2'000;   // connections; of IPv6 a /64 counts as one
-    std::size_t most_unsent = 256 * 1024 * 1024;      // bytes of answers; more requests are refused
+    // Bytes of answers that wait for their browsers; beyond it the largest of them is given up.
+    std::size_t most_unsent = 256 * 1024 * 1024;
     std::chrono::milliseconds greeting_time{10'000};  // for the TLS handshake
     std::chrono::milliseconds request_time{15'000};   // for a request to arrive, and see below
     std::chrono::milliseconds answer_time{60'000};    // for the browser to take the answer, too

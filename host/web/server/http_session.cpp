@@ -60,7 +60,7 @@ void HttpSession::close() {
     state_ = State::closed;
     timer_.cancel();
     transport_->cut();
-    for (const Piece& piece : out_) core_.unsent -= piece.bytes.size();
+    count_unsent(0, unsent_);
     // What is written at this moment is still read.
     if (!is_writing_) out_.clear();
 }
@@ -131,10 +131,8 @@ void HttpSession::dispatch() {
 
     const Lane lane = core_.hooks.lane ? core_.hooks.lane(*request_) : Lane::page;
     if (lane == Lane::at_once) return answer(core_.handler(*request_));
-    const bool is_taken = lane == Lane::aside
-                              ? try_give_to(core_.aside, false)
-                              : core_.unsent <= core_.options.most_unsent &&
-                                    try_give_to(core_.workers, lane == Lane::directory);
+    const bool is_taken = lane == Lane::aside ? try_give_to(core_.aside, false)
+                                              : try_give_to(core_.workers, lane == Lane::directory);
     if (!is_taken) refuse(*request_, Refusal(503, busy));
 }
 
@@ -226,6 +224,7 @@ void HttpSession::end_answer(HttpResponse response) {
     if (!has_begun_answer_) return answer(std::move(response));
     send_piece(std::move(response.body));
     if (is_chunked_) send({"0\r\n\r\n"});
+    if (state_ == State::closed) return;
     state_ = State::writing;
     write();
 }
@@ -233,13 +232,20 @@ void HttpSession::end_answer(HttpResponse response) {
 // Writing.
 
 void HttpSession::send(Piece piece) {
-    core_.unsent += piece.bytes.size();
+    if (state_ == State::closed) return;
+    count_unsent(piece.bytes.size(), 0);
     // What is small goes out together.
     if (out_.size() > (is_writing_ ? 1u : 0u) && !out_.back().file &&
         out_.back().bytes.size() + piece.bytes.size() <= large_buffer)
         out_.back().bytes += piece.bytes;
     else
         out_.push_back(std::move(piece));
+    core_.limit_unsent();
+}
+
+void HttpSession::count_unsent(std::size_t more, std::size_t less) {
+    unsent_ = unsent_ + more - less;
+    core_.unsent = core_.unsent + more - less;
 }
 
 void HttpSession::write() {
@@ -272,7 +278,7 @@ void HttpSession::load_file() {
     part.offset += bytes.size();
     part.length -= bytes.size();
     if (part.length == 0) out_.pop_front();
-    core_.unsent += bytes.size();
+    count_unsent(bytes.size(), 0);
     out_.push_front({std::move(bytes)});
 }
 
@@ -282,7 +288,7 @@ void HttpSession::has_written(std::size_t count) {
     sent_ += count;
     sent_of_first_ += count;
     if (sent_of_first_ == out_.front().bytes.size()) {
-        core_.unsent -= std::exchange(sent_of_first_, 0);
+        count_unsent(0, std::exchange(sent_of_first_, 0));
         out_.pop_front();
     }
     write();

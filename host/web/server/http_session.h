@@ -46,6 +46,9 @@ public:
     // The handler has ended.
     void end_answer(HttpResponse response);
 
+    // Bytes of its answer that wait for the browser.
+    std::size_t unsent() const { return unsent_; }
+
     int descriptor() { return transport_->descriptor(); }
 
 private:
@@ -75,6 +78,7 @@ private:
     void answer(HttpResponse response);
     void send_head(const HttpResponse& response, Framing framing);
     void send(Piece piece);
+    void count_unsent(std::size_t more, std::size_t less);
     void write();
     void load_file();
     void has_written(std::size_t count);
@@ -107,6 +111,7 @@ private:
     bool has_begun_answer_ = false;
     bool is_chunked_ = false;
     std::deque<Piece> out_;
+    std::size_t unsent_ = 0;  // bytes in out_
     std::size_t sent_of_first_ = 0;
     bool is_writing_ = false;
     std::uint64_t sent_ = 0;

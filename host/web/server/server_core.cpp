@@ -44,6 +44,16 @@ void ServerCore::leave(HttpSession* session) {
     if (is_running && is_stopping && sessions.empty()) loop.stop();
 }
 
+void ServerCore::limit_unsent() {
+    while (unsent > options.most_unsent) {
+        HttpSession* most = *std::ranges::max_element(sessions, {}, &HttpSession::unsent);
+        const std::shared_ptr<HttpSession> kept = most->shared_from_this();
+        tell("an answer that was not taken is given up: " + std::to_string(kept->unsent()) +
+             " bytes waited");
+        kept->close();
+    }
+}
+
 void ServerCore::close_idle() {
     for (const auto& session : all(sessions))
         if (!session->is_asked()) session->close();

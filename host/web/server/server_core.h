@@ -23,6 +23,9 @@ struct ServerCore {
     void tell(const std::string& trouble) const;
     // A session has ended; the last one of a server that stops ends the loop.
     void leave(HttpSession* session);
+    // Where more bytes of answers wait than may, closes the connections on which most do: who takes
+    // nothing is in nobody's way.
+    void limit_unsent();
     // Closes connections on which nothing is asked.
     void close_idle();
     // Closes all; whether anything was asked on one of them.

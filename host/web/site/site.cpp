@@ -169,6 +169,7 @@ constexpr std::array keys{
         .about = "What lies below the path needs a login for the application of this number.",
         .read =
             [](const Setting& s, Site& site) {
+                if (s.text().empty()) s.refuse(u"it names no path; leave the key out");
                 for (const Text& guard : s.list())
                     site.guards.push_back(guarded_path(s, site.root, guard));
             }},
@@ -353,9 +354,11 @@ Site read_site(const fs::path& folder, const fs::path& config) {
         throw Failure(path_not_found, u"orvo-web",
                       from_utf8(folder.string()) + u": there is no such folder");
     const fs::path own = site.root / "site.ini";
+    site.has_settings =
+        !config.empty() || fs::symlink_status(own, error).type() != fs::file_type::not_found;
     if (!config.empty())
         read_settings(*reload_ini_file(config), from_utf8(config.string()), site);
-    else if (fs::symlink_status(own, error).type() != fs::file_type::not_found)
+    else if (site.has_settings)
         read_settings(*reload_ini_file(own), u"site.ini", site);
     if (const auto link = try_dangling_link(site.root))
         refuse(from_utf8(link->string()) + u": this link leads nowhere");

@@ -64,6 +64,7 @@ struct ProviderSetting {
 
 struct Site {
     std::filesystem::path root;  // canonical
+    bool has_settings = false;   // whether there was a file of settings
     std::string login_page = "/login.asp";
     std::vector<GuardedPath> guards = {};
     Text login_cookie = {};

@@ -121,6 +121,31 @@ TEST(HttpServer, SendsAStretchOfAFile) {
     EXPECT_TRUE(body(wire.ask(get("/cut"))) == content) << "and the connection is closed";
 }
 
+TEST(HttpServer, GivesUpTheLargestAnswersThatNobodyTakesAndServesTheOthers) {
+    constexpr std::size_t large = 4 * 1024 * 1024;
+    ServerOptions options = quick();
+    options.most_unsent = 3 * large;
+    std::counting_semaphore<> given_up{0};
+    RunningServer server(
+        options,
+        [](const HttpRequest& request) {
+            return HttpResponse{.body = std::string(request.target == "/large" ? large : 5, 'x')};
+        },
+        {.trouble = [&](const std::string& sentence) {
+            EXPECT_TRUE(sentence.starts_with("an answer that was not taken is given up: "));
+            given_up.release();
+        }});
+    std::vector<std::unique_ptr<Wire>> greedy;
+    for (int i = 0; i < 8; ++i) {
+        greedy.push_back(std::make_unique<Wire>(server.port()));
+        greedy.back()->send(get("/large"));
+    }
+    for (int i = 0; i < 5; ++i) ASSERT_TRUE(given_up.try_acquire_for(60s));
+    Wire wire(server.port());
+    wire.send(get("/"));
+    EXPECT_EQ(status_line(wire.read_until("xxxxx")), "HTTP/1.1 200 OK");
+}
+
 TEST(HttpServer, KeepsAnUploadOnDiskAndRefusesOneThatIsTooLarge) {
     ServerOptions options = quick();
     options.largest_upload = 1'000'000;

@@ -378,6 +378,11 @@ TEST_F(OrvoWebTest, SighupReadsTheSettingsAgainAndOpensTheLogAnew) {
         says("orvo-web: the settings stay as they were: site.ini, line 2: there is no key "
              "\"Gaurd\"; did you mean \"Guard\"?\n"));
     EXPECT_EQ(browser.get("/extra/x.html")->status, 302);
+
+    fs::remove(site() / "site.ini");
+    process_->send(SIGHUP);
+    EXPECT_TRUE(says("orvo-web: the settings stay as they were: site.ini is not there any more\n"));
+    EXPECT_EQ(browser.get("/extra/x.html")->status, 302);
 }
 
 class OrvoWebStopTest : public OrvoWebTest {

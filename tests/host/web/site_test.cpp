@@ -108,6 +108,7 @@ TEST_F(SiteTest, RefusesWhatCannotBeAndSaysWhere) {
     for (const auto& [settings, reason] : std::initializer_list<Refused>{
              {"Guard = /account/",
               u"site.ini, line 2: Guard: \"/account/\" is not \"/path/ = number\""},
+             {"Guard =", u"site.ini, line 2: Guard: it names no path; leave the key out"},
              {"Guard = /account = 1",
               u"site.ini, line 2: Guard: \"/account\" does not begin and end with \"/\""},
              {"Guard = account/ = 1",
