@@ -23,6 +23,9 @@ Text header_variable(std::string_view name) {
     return variable;
 }
 
+// "X_User" would pass for "X-User", which a server in front may set or take away.
+bool is_ambiguous(std::string_view header) { return header.find('_') != std::string_view::npos; }
+
 bool is_secret(std::string_view header) {
     for (const std::string_view name : {"Cookie", "Authorization", "Proxy-Authorization"})
         if (equal_ascii_ignoring_case(header, name)) return true;
@@ -64,7 +67,7 @@ ServerVariables server_variables(const PageContext& page) {
     Text all, raw;
     const std::size_t first_header = variables.size();
     for (const auto& [name, value] : request.headers) {
-        if (is_secret(name)) continue;
+        if (is_secret(name) || is_ambiguous(name)) continue;
         const Text variable = header_variable(name);
         all += variable + u':' + from_utf8(value) + u'\n';
         raw += from_utf8(name) + u": " + from_utf8(value) + u"\r\n";

@@ -151,6 +151,16 @@ TEST_F(RequestObjectTest, ServerVariablesTellWhereThePageIsAndWhoAsks) {
     EXPECT_EQ(text(u"ServerVariables", u"AUTH_TYPE"), u"Forms");
 }
 
+TEST_F(RequestObjectTest, ServerVariablesPassOverHeadersWithAnUnderscore) {
+    send({.target = "/p.asp",
+          .headers = {{"X_Remote_User", "forged"}, {"X-Remote_User", "forged"}, {"Host", "a"}}});
+    EXPECT_EQ(text(u"ServerVariables", u"HTTP_X_REMOTE_USER"), u"");
+    EXPECT_EQ(text(u"ServerVariables", u"ALL_HTTP"), u"HTTP_HOST:a\n");
+    EXPECT_EQ(text(u"ServerVariables", u"ALL_RAW"), u"Host: a\r\n");
+    send({.target = "/p.asp", .headers = {{"X_Remote_User", "forged"}, {"X-Remote-User", "real"}}});
+    EXPECT_EQ(text(u"ServerVariables", u"HTTP_X_REMOTE_USER"), u"real");
+}
+
 TEST_F(RequestObjectTest, OutlivesItsPage) {
     send(form("user=jsmith"));
     const Object form = object(u"Form");
