@@ -62,8 +62,8 @@ public:
     virtual Text ContentType() = 0;
     virtual double Size() = 0;
     // Writes it to a new file. The path is one of the system's, as Server.MapPath gives; it lies
-    // below a folder that the site's FileFolders name. Raises 58 for a file that is there, 70 for
-    // one that may not be written, 76 for a folder that is not there.
+    // below a folder that the site's FileFolders name. Raises 5 for a path with a NUL, 58 for a
+    // file that is there, 70 for one that may not be written, 76 for a folder that is not there.
     virtual void SaveAs(const Text& path) = 0;
     // The next bytes of it, as Request.BinaryRead; all of them without a number.
     virtual Variant BinaryRead(const Variant& count) = 0;

@@ -24,6 +24,8 @@ bool lies_in(const fs::path& path, const fs::path& folder) {
 
 // Where a page may write a new file. Raises Failure.
 fs::path allowed_file(const PageContext& page, const Text& path) {
+    // The system would take what stands in front of it.
+    if (path.find(u'\0') != Text::npos) raise_runtime_error(runtime_error::invalid_call);
     const fs::path asked = to_utf8(path);
     std::error_code error;
     const fs::path folder = fs::canonical(asked.parent_path(), error);

@@ -55,14 +55,21 @@ void copy_file(const UsablePath& from, const UsablePath& to, bool overwrite) {
     while (const std::size_t count = source.read(part)) target.write({part.data(), count});
 }
 
-void copy_folder(const UsablePath& from, const UsablePath& to, bool overwrite) {
-    if (!is_there(to, EntryKind::folder)) make_folder(to);
+struct Transfer {
+    UsablePath from;
+    UsablePath to;
+    EntryKind kind;
+};
+
+// All that copying a folder does, in order.
+void plan_copy(const UsablePath& from, const UsablePath& to, std::vector<Transfer>& plan) {
+    plan.push_back({from, to, EntryKind::folder});
     for_each_entry(from.path, [&](const fs::directory_entry& entry) {
         const UsablePath target = usable_path(to.path / entry.path().filename());
         const UsablePath source = usable_path(entry.path());
-        if (!entry.is_directory()) return copy_file(source, target, overwrite);
+        if (!entry.is_directory()) return plan.push_back({source, target, EntryKind::file});
         if (entry.is_symlink()) raise_runtime_error(runtime_error::permission_denied);
-        copy_folder(source, target, overwrite);
+        plan_copy(source, target, plan);
     });
 }
 
@@ -126,6 +133,7 @@ void make_folder(const UsablePath& path) {
 void delete_entry(const UsablePath& path, EntryKind kind, bool force) {
     if (!force && (kind == EntryKind::folder ? has_read_only(path.path) : is_read_only(path)))
         raise_runtime_error(runtime_error::permission_denied);
+    if (kind == EntryKind::folder) require_allowed_below(path);
     std::error_code error;
     if (kind == EntryKind::folder)
         fs::remove_all(path.path, error);
@@ -142,11 +150,20 @@ void copy_entry(const UsablePath& from, const UsablePath& to, EntryKind kind, bo
     const fs::path around = fs::canonical(from.path, error);
     if (error || std::ranges::mismatch(around, inside).in1 == around.end())
         raise_runtime_error(runtime_error::permission_denied);
-    copy_folder(from, to, overwrite);
+    if (is_there(to, EntryKind::folder)) require_allowed_below(to);
+    std::vector<Transfer> plan;
+    plan_copy(from, to, plan);
+    for (const Transfer& step : plan) {
+        if (step.kind == EntryKind::file)
+            copy_file(step.from, step.to, overwrite);
+        else if (!is_there(step.to, EntryKind::folder))
+            make_folder(step.to);
+    }
 }
 
 void move_entry(const UsablePath& from, const UsablePath& to, EntryKind kind) {
-    // Whether each file may be where it goes is known once it is copied.
+    if (kind == EntryKind::folder) require_allowed_below(from);
+    // Whether each file may be where it goes, copying finds out.
     const bool moves_many = kind == EntryKind::folder && from.is_limited;
     if (!moves_many &&
         ::renameat2(AT_FDCWD, from.path.c_str(), AT_FDCWD, to.path.c_str(), RENAME_NOREPLACE) == 0)

@@ -27,12 +27,15 @@ UsablePath target_of(const UsablePath& from, const Text& destination, bool is_of
 bool is_read_only(const UsablePath& path);
 
 void make_folder(const UsablePath& path);
-// Without `force`, raises 70 for what is read-only, and nothing is deleted.
+// Without `force`, raises 70 for what is read-only, and nothing is deleted; likewise for a folder
+// that holds what the thread's context does not allow.
 void delete_entry(const UsablePath& path, EntryKind kind, bool force);
 // Without `overwrite`, raises 58 for a file that is there; a folder's files are added to those of a
-// folder that is there. Raises 70 for a copy into itself and for a link to a folder.
+// folder that is there. Raises 70 for a copy into itself, for a link to a folder, and where what is
+// copied, the copy or the folder that is there holds what the thread's context does not allow; then
+// nothing is copied.
 void copy_entry(const UsablePath& from, const UsablePath& to, EntryKind kind, bool overwrite);
-// Raises 58 where there is something.
+// Raises 58 where there is something, and 70 for a folder as delete_entry and copy_entry do.
 void move_entry(const UsablePath& from, const UsablePath& to, EntryKind kind);
 
 }  // namespace orvo

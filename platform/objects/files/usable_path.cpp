@@ -4,6 +4,7 @@
 #include "platform/interfaces/late_call.h"
 #include "platform/objects/context/app_server.h"
 #include "platform/objects/files/file_access.h"
+#include "platform/objects/files/opened_file.h"
 
 namespace orvo {
 namespace {
@@ -30,12 +31,14 @@ bool is_allowed(const Ref<ObjectContext>& context, const fs::path& resolved) {
 }  // namespace
 
 UsablePath usable_path(const Text& given) {
-    if (given.empty() || given.find(u'\0') != Text::npos)
-        raise_runtime_error(runtime_error::invalid_call);
+    if (given.empty()) raise_runtime_error(runtime_error::invalid_call);
     return usable_path(fs::path(to_utf8(replaced(given, u"\\", u"/"))));
 }
 
 UsablePath usable_path(const fs::path& given) {
+    // The system would take what stands in front of it.
+    if (given.native().find('\0') != std::string::npos)
+        raise_runtime_error(runtime_error::invalid_call);
     std::error_code error;
     fs::path path = fs::absolute(given, error).lexically_normal();
     if (!path.has_filename()) path = path.parent_path();
@@ -47,6 +50,16 @@ UsablePath usable_path(const fs::path& given) {
     if (!resolved.has_filename()) resolved = resolved.parent_path();
     if (!is_allowed(context, resolved)) raise_not_allowed(given);
     return {resolved, true};
+}
+
+void require_allowed_below(const UsablePath& folder) {
+    const Ref<ObjectContext> context = AppServerObject().GetObjectContext();
+    if (!context) return;
+    std::error_code error;
+    for (fs::recursive_directory_iterator entry(folder.path, error), end; !error && entry != end;
+         entry.increment(error))
+        if (!is_allowed(context, entry->path())) raise_not_allowed(entry->path());
+    if (error) raise_file_error(error.value());
 }
 
 }  // namespace orvo

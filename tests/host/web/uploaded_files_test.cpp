@@ -108,6 +108,17 @@ TEST_F(UploadedFilesTest, AreWrittenBelowTheFoldersThatPagesMayWriteTo) {
             << name;
 }
 
+TEST_F(UploadedFilesTest, AreNotWrittenToANameWithANul) {
+    send_files();
+    page_->file_folders = {site_.root};
+    const Text name = u"/s.asp" + Text(1, u'\0') + u".txt";
+    const auto save_as_page = [&] {
+        late::call(file(1), u"SaveAs", {from_utf8(site_.root.string()) + name});
+    };
+    EXPECT_EQ(failure(save_as_page).substr(0, 2), "5 ");
+    EXPECT_FALSE(std::filesystem::exists(site_.root / "s.asp"));
+}
+
 TEST_F(UploadedFilesTest, OfABodyTheBytesOrTheFormAreUsed) {
     send("a=1&b=2", "application/x-www-form-urlencoded");
     EXPECT_EQ(late::get(request_, u"TotalBytes"), Variant(7));

@@ -182,5 +182,55 @@ TEST_F(FileAccess, ExceptedFilesAreNotUsedWhateverWayTheyWouldCome) {
     EXPECT_FALSE(fs::exists(allowed / "page.asp"));
 }
 
+TEST_F(FileAccess, NamesWithANulAreRefused) {
+    constexpr std::int32_t invalid = runtime_error::invalid_call;
+    const Text nul(1, u'\0');
+    const Text name = u"page.asp" + nul + u".txt";
+    const Text whole = path("allowed/") + name;
+    const Object file = files.GetFile(path("allowed/in.txt"));
+    const Object sub = files.GetFolder(path("allowed/sub"));
+    EXPECT_EQ(raised([&] { late::put(file, u"Name", name); }), invalid);
+    EXPECT_EQ(raised([&] { late::put(sub, u"Name", name); }), invalid);
+    EXPECT_EQ(raised([&] { late::call(sub, u"CreateTextFile", {name}); }), invalid);
+    EXPECT_EQ(raised([&] { late::call(file, u"Copy", {whole}); }), invalid);
+    EXPECT_EQ(raised([&] { late::call(file, u"Move", {whole}); }), invalid);
+    EXPECT_EQ(raised([&] { late::get(sub, u"Files", {u"x" + nul}); }), invalid);
+    EXPECT_EQ(raised([&] { files.CopyFile(path("allowed/in.txt"), whole, true); }), invalid);
+    EXPECT_EQ(raised([&] { files.CreateFolder(whole); }), invalid);
+    Stream stream;
+    stream.Open(Variant::missing(), adModeUnknown, -1, {}, {});
+    EXPECT_EQ(raised([&] { stream.SaveToFile(whole, adSaveCreateOverWrite); }), invalid);
+    EXPECT_EQ(raised([&] { stream.LoadFromFile(path("allowed/in.txt") + nul); }), invalid);
+    EXPECT_FALSE(fs::exists(allowed / "page.asp"));
+    EXPECT_TRUE(fs::exists(allowed / "in.txt"));
+}
+
+TEST_F(FileAccess, FoldersThatHoldExceptedFilesStayAsTheyAre) {
+    folder.write("allowed/pages/in/page.asp", "the page");
+    folder.write("allowed/pages/a.txt", "a");
+    folder.write("allowed/plain/a.txt", "plain");
+    fs::create_directories(allowed / "linked");
+    fs::create_symlink(allowed / "in.txt", allowed / "linked/page.asp");
+    allow(make_file_access({allowed},
+                           [](const fs::path& file) { return file.extension() == ".asp"; }));
+    for (const char* name : {"allowed/pages", "allowed/linked"}) {
+        const Text pages = path(name), target = path("allowed/target");
+        EXPECT_EQ(raised([&] { files.DeleteFolder(pages, true); }), denied) << name;
+        EXPECT_EQ(raised([&] { files.MoveFolder(pages, target); }), denied) << name;
+        EXPECT_EQ(raised([&] { files.CopyFolder(pages, target, true); }), denied) << name;
+        EXPECT_EQ(raised([&] { files.CopyFolder(path("allowed/plain"), pages, true); }), denied);
+        EXPECT_EQ(raised([&] { late::put(files.GetFolder(pages), u"Name", u"target"); }), denied);
+        EXPECT_EQ(raised([&] { late::call(files.GetFolder(pages), u"Delete", {true}); }), denied);
+        EXPECT_FALSE(fs::exists(allowed / "target")) << name;
+    }
+    EXPECT_EQ(content_of(allowed / "pages/in/page.asp"), "the page");
+    EXPECT_EQ(content_of(allowed / "pages/a.txt"), "a");
+    EXPECT_TRUE(fs::is_symlink(allowed / "linked/page.asp"));
+    EXPECT_EQ(raised([&] { files.CopyFolder(path("allowed/plain"), path("allowed/new"), true); }),
+              0);
+    EXPECT_EQ(raised([&] { files.DeleteFolder(path("allowed/plain"), false); }), 0);
+    EXPECT_EQ(content_of(allowed / "new/a.txt"), "plain");
+}
+
 }  // namespace
 }  // namespace orvo
