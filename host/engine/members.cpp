@@ -76,6 +76,19 @@ public:
     }
 
 protected:
+    bool takes_texts(duk_context* context) override {
+        const TakesTexts& asked = Runtime::of(context).options().takes_texts;
+        if (!asked) return false;
+        duk_push_current_function(context);
+        duk_get_prop_string(context, -1, target_key);
+        const Handle& handle = object_at(context, -1);
+        duk_get_prop_string(context, -2, member_key);
+        const MemberId member = duk_get_int(context, -1);
+        duk_pop_3(context);
+        bool is_taken = false;
+        attempt(context, [&] { is_taken = asked(handle.object, member); });
+        return is_taken;
+    }
     duk_ret_t finish(duk_context* context) {
         duk_get_prop_string(context, -1, target_key);
         object_ = &object_at(context, -1);

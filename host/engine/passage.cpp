@@ -173,6 +173,13 @@ void Passage::read_object(duk_context* context, duk_idx_t index, Variant& to) {
         duk_pop(context);
         return;
     }
+    duk_pop(context);
+    if (takes_texts(context)) {
+        duk_dup(context, index);
+        duk_to_string(context, -1);
+        read(context, -1, to);
+        return duk_pop(context);
+    }
     attempt(context, [] {
         throw Failure(runtime_error::type_mismatch, {},
                       u"Type mismatch: an object of the script's own cannot be given away");

@@ -22,6 +22,8 @@ namespace orvo::script {
 
 class Passage {
 public:
+    virtual ~Passage() = default;
+
     // Runs `body`, which calls nothing of Duktape's; what it throws is raised inside the script.
     template <class Body>
     void attempt(duk_context* context, Body&& body) {
@@ -29,7 +31,8 @@ public:
     }
 
     // The script's value at `index`, for an Automation object. An array of the script's becomes one
-    // of variants, a date one of local time; other objects of the script's own raise 13.
+    // of variants, a date one of local time; other objects of the script's own are their text or
+    // raise 13.
     void read(duk_context* context, duk_idx_t index, Variant& to);
     // All values from `first` to the top of the stack.
     void read_all(duk_context* context, duk_idx_t first, std::vector<Variant>& to);
@@ -41,6 +44,11 @@ public:
     void keep(Handle handle) { handle_ = std::move(handle); }
     // Pushes a plain object with this prototype (a name in the stash) that stands for it.
     void push_kept(duk_context* context, const char* prototype);
+
+protected:
+    // Whether other objects of the script's own are given away as their texts; leaves the stack as
+    // it was.
+    virtual bool takes_texts(duk_context*) { return false; }
 
 private:
     template <class Body>

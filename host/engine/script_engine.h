@@ -87,10 +87,15 @@ private:
 // A function of the host's that scripts call. What it raises, the script can catch.
 using HostFunction = std::function<Variant(std::span<const Variant> arguments)>;
 
+// Whether a member of an Automation object is given the script's own objects as their texts.
+using TakesTexts = std::function<bool(const Object& object, std::int32_t member)>;
+
 struct EngineOptions {
     // What `new ActiveXObject(progID)` and `CreateObject(progID)` do; without it scripts have
     // neither.
     std::function<Object(const Text& progid)> create_object = {};
+    // Asked only where such an object is given away; without it no member is.
+    TakesTexts takes_texts = {};
     // Bytes that the script's own code and values may take; what Automation objects take is not
     // counted.
     std::size_t memory_limit = std::size_t{64} << 20;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/interfaces/late_member.h"
 #include "platform/values/failure.h"
 
 namespace orvo::web {
@@ -59,7 +60,13 @@ PageRun::~PageRun() { page_.control = nullptr; }
 script::Ending PageRun::run(std::initializer_list<const script::Program*> programs,
                             script::HostFunction found) {
     script::Engine engine(
-        {.create_object = [this](const Text& progid) { return page_.create_object(progid); }});
+        {.create_object = [this](const Text& progid) { return page_.create_object(progid); },
+         .takes_texts =
+             [this](const Object& object, std::int32_t member) {
+                 const auto response = items_.find(u"Response");
+                 return response != items_.end() && object == response->second &&
+                        late::try_member(object, u"Write") == member;
+             }});
     for (const auto& [name, item] : items_) engine.set_global(to_utf8(name), item);
     if (found) engine.set_function(found_function, std::move(found));
     const Entry entry(engines_, engine);

@@ -155,6 +155,20 @@ TEST_F(PageRunnerTest, AnExecutedPageHasGlobalsOfItsOwn) {
     EXPECT_EQ(site_.run("<% var title = 'T'; Server.Transfer('inner.asp') %>"), "undefined");
 }
 
+TEST_F(PageRunnerTest, ObjectsOfTheScriptsOwnAreWrittenAsTheirText) {
+    EXPECT_EQ(site_.run("<% try { throw new TypeError('x') } catch (e) { %><%= e %>|<% }"
+                        " Response.Write(/a+/g); Response.Write([new Error('y'), 1]) %>|"
+                        "<%= {} %>|<%= { toString: function () { return 'mine' } } %>"),
+              "TypeError: x|/a+/gError: y,1|[object Object]|mine");
+    EXPECT_EQ(site_.run("<% try { Response.Write({ toString: function () { throw 'no' } }) }"
+                        " catch (e) { Response.Write(e) } %>"),
+              "no");
+    EXPECT_NE(failure_of("<% Session('e') = {} %>").find("cannot be given away"),
+              std::string::npos);
+    EXPECT_NE(failure_of("<% Response.AddHeader('X', {}) %>").find("cannot be given away"),
+              std::string::npos);
+}
+
 TEST_F(PageRunnerTest, AnExecutedPageMayHaveAQueryOfItsOwn) {
     site_.write("/inner.asp",
                 "[<%= Request.QueryString('a') %> <%= Request('a') %> <%= Request.QueryString %> "
