@@ -81,8 +81,8 @@ void PageContext::open_session() {
 }
 
 Object PageContext::create_object(const Text& progid) {
-    if (!waits_ && may_wait_for_directory(progid)) {
-        waits_ = true;
+    if (!waits_for_directory_ && may_wait_for_directory(progid)) {
+        waits_for_directory_ = true;
         if (request.try_wait && !request.try_wait()) {
             is_turned_away_ = true;
             if (control) control->stop();

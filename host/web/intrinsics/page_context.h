@@ -77,7 +77,7 @@ public:
     // For the page. Before the first one that may wait for the directory the page is counted among
     // those that do; where there are too many of them it is stopped and turned away.
     Object create_object(const Text& progid);
-    bool waits_for_directory() const { return waits_; }
+    bool waits_for_directory() const { return waits_for_directory_; }
     bool is_turned_away() const { return is_turned_away_; }
 
     // The session that the browser's cookie names, if any.
@@ -127,7 +127,7 @@ private:
     BodyUse body_use_ = BodyUse::none;
     std::uint64_t body_read_ = 0;
     bool is_login_ = false;
-    bool waits_ = false;
+    bool waits_for_directory_ = false;
     bool is_turned_away_ = false;
     bool is_new_ = false;  // the browser has not been told its identifier
     bool is_abandoned_ = false;

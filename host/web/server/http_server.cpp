@@ -71,7 +71,7 @@ Endpoints endpoints_of(const tcp::socket& socket, const tcp::endpoint& remote) {
     return endpoints;
 }
 
-// As far as it goes without waiting: who is not let in may say nothing, for all we know.
+// Never waits: what the system does not take at once is not sent.
 void say_busy(tcp::socket& socket) {
     static constexpr std::string_view answer =
         "HTTP/1.1 503 Service Unavailable\r\nConnection: close\r\nRetry-After: 10\r\n"

@@ -136,12 +136,11 @@ void HttpSession::dispatch() {
     if (!is_taken) refuse(*request_, Refusal(503, busy));
 }
 
-bool HttpSession::try_give_to(WorkerPool& pool, bool is_limited) {
+bool HttpSession::try_give_to(WorkerPool& pool, bool is_directory_job) {
     auto job = [self = shared_from_this(), request = request_, &core = core_, &pool]() mutable {
         StreamedAnswer stream(core.loop, self);
         request->stream = &stream;
-        if (&pool == &core.workers)
-            request->try_wait = [&core] { return core.workers.try_limit_this(); };
+        if (&pool == &core.workers) request->try_wait = [&core] { return core.workers.try_wait(); };
         HttpResponse response = core.handler(*request);
         request->stream = nullptr;
         request = nullptr;
@@ -152,7 +151,7 @@ bool HttpSession::try_give_to(WorkerPool& pool, bool is_limited) {
                               self->end_answer(std::move(response));
                           });
     };
-    return pool.try_add(std::move(job), is_limited);
+    return pool.try_add(std::move(job), is_directory_job);
 }
 
 void HttpSession::refuse(const HttpRequest& request, const Refusal& refusal) {

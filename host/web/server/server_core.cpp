@@ -9,7 +9,7 @@
 namespace orvo::web {
 namespace {
 
-int most_limited(const ServerOptions& options) {
+int most_directory_jobs(const ServerOptions& options) {
     return std::max(1, options.workers * options.directory_share / 100);
 }
 
@@ -33,7 +33,7 @@ ServerCore::ServerCore(ServerOptions taken, HttpServer::Handler taken_handler,
              .largest_upload = std::max(options.largest_body, options.largest_upload)},
       connections(options.most_connections, options.most_of_one_address,
                   [this](const std::string& notice) { tell(notice); }),
-      workers(options.workers, most_limited(options), options.most_waiting) {}
+      workers(options.workers, most_directory_jobs(options), options.most_waiting) {}
 
 void ServerCore::tell(const std::string& trouble) const {
     if (hooks.trouble) hooks.trouble(trouble);

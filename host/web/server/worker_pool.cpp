@@ -12,8 +12,8 @@ constexpr std::chrono::milliseconds patience_for_place{500};
 
 }  // namespace
 
-WorkerPool::WorkerPool(int workers, int most_limited, std::size_t most_waiting)
-    : most_limited_(most_limited), most_waiting_(most_waiting) {
+WorkerPool::WorkerPool(int workers, int most_directory_jobs, std::size_t most_waiting)
+    : most_directory_jobs_(most_directory_jobs), most_waiting_(most_waiting) {
     for (int i = 0; i < workers; ++i) threads_.emplace_back([this] { work(); });
 }
 
@@ -26,10 +26,10 @@ WorkerPool::~WorkerPool() {
     for (std::thread& thread : threads_) thread.join();
 }
 
-bool WorkerPool::try_add(Job job, bool is_limited) {
+bool WorkerPool::try_add(Job job, bool is_directory_job) {
     {
         const std::lock_guard guard(lock_);
-        Queue& queue = is_limited ? limited_ : ordinary_;
+        Queue& queue = is_directory_job ? directory_jobs_ : other_jobs_;
         if (queue.size() >= most_waiting_) return false;
         queue.push_back({++added_, std::move(job)});
     }
@@ -37,48 +37,50 @@ bool WorkerPool::try_add(Job job, bool is_limited) {
     return true;
 }
 
-bool WorkerPool::try_limit_this() {
+bool WorkerPool::try_wait() {
     std::unique_lock guard(lock_);
-    if (*is_this_limited_) return true;
+    if (*is_directory_job_) return true;
     if (!place_freed_.wait_for(guard, patience_for_place,
-                               [&] { return running_limited_ < most_limited_; }))
+                               [&] { return running_directory_jobs_ < most_directory_jobs_; }))
         return false;
-    ++running_limited_;
-    return *is_this_limited_ = true;
+    ++running_directory_jobs_;
+    return *is_directory_job_ = true;
 }
 
 WorkerPool::Queue* WorkerPool::next() {
-    const bool has_limited = !limited_.empty() && running_limited_ < most_limited_;
-    if (ordinary_.empty()) return has_limited ? &limited_ : nullptr;
-    if (has_limited && limited_.front().number < ordinary_.front().number) return &limited_;
-    return &ordinary_;
+    const bool has_directory_job =
+        !directory_jobs_.empty() && running_directory_jobs_ < most_directory_jobs_;
+    if (other_jobs_.empty()) return has_directory_job ? &directory_jobs_ : nullptr;
+    if (has_directory_job && directory_jobs_.front().number < other_jobs_.front().number)
+        return &directory_jobs_;
+    return &other_jobs_;
 }
 
-thread_local bool* WorkerPool::is_this_limited_ = nullptr;
+thread_local bool* WorkerPool::is_directory_job_ = nullptr;
 
 void WorkerPool::work() {
-    bool is_limited = false;
-    is_this_limited_ = &is_limited;
+    bool is_directory_job = false;
+    is_directory_job_ = &is_directory_job;
     std::unique_lock guard(lock_);
     while (true) {
         Queue* queue = next();
         if (!queue) {
-            if (is_ending_ && limited_.empty()) return;
+            if (is_ending_ && directory_jobs_.empty()) return;
             changed_.wait(guard);
             continue;
         }
-        is_limited = queue == &limited_;
+        is_directory_job = queue == &directory_jobs_;
         Job job = std::move(queue->front().job);
         queue->pop_front();
-        if (is_limited) ++running_limited_;
+        if (is_directory_job) ++running_directory_jobs_;
         guard.unlock();
         job();
         job = nullptr;
         guard.lock();
-        if (!is_limited) continue;
-        --running_limited_;
+        if (!is_directory_job) continue;
+        --running_directory_jobs_;
         place_freed_.notify_one();
-        // Somebody may have slept only because he was not to take one of these.
+        // A worker may sleep although directory jobs wait: there was no place for one.
         if (is_ending_)
             changed_.notify_all();
         else

@@ -34,15 +34,15 @@ TEST(WorkerPool, CarriesEverythingOutBeforeItEnds) {
     EXPECT_EQ(done, 200);
 }
 
-TEST(WorkerPool, LimitedJobsLeaveWorkersToTheOthers) {
+TEST(WorkerPool, DirectoryJobsLeaveWorkersToTheOthers) {
     Gate gate;
     std::latch begun(2), all(3);
-    std::atomic<int> limited = 0;
+    std::atomic<int> directory_jobs = 0;
     WorkerPool pool(3, 2, 10);
     for (int i = 0; i < 2; ++i) ASSERT_TRUE(pool.try_add(gate.job(begun), true));
     begun.wait();
     const auto count = [&] {
-        ++limited;
+        ++directory_jobs;
         all.count_down();
     };
     for (int i = 0; i < 3; ++i) ASSERT_TRUE(pool.try_add(count, true));
@@ -51,13 +51,13 @@ TEST(WorkerPool, LimitedJobsLeaveWorkersToTheOthers) {
         ASSERT_TRUE(pool.try_add([&] { done.set_value(); }));
         done.get_future().wait();
     }
-    EXPECT_EQ(limited, 0) << "their share is taken";
+    EXPECT_EQ(directory_jobs, 0) << "their share is taken";
     gate.open();
     all.wait();
-    EXPECT_EQ(limited, 3);
+    EXPECT_EQ(directory_jobs, 3);
 }
 
-TEST(WorkerPool, AJobMayTurnOutToBeLimited) {
+TEST(WorkerPool, AJobMayTurnOutToWaitForTheDirectory) {
     std::latch begun(2);
     Gate first, second;
     WorkerPool pool(3, 2, 10);
@@ -67,14 +67,14 @@ TEST(WorkerPool, AJobMayTurnOutToBeLimited) {
         return answer.get_future().get();
     };
     EXPECT_TRUE(pool.try_add([&, job = first.job(begun)] {
-        EXPECT_TRUE(pool.try_limit_this());
-        EXPECT_TRUE(pool.try_limit_this()) << "it counts once";
+        EXPECT_TRUE(pool.try_wait());
+        EXPECT_TRUE(pool.try_wait()) << "it counts once";
         job();
     }));
-    EXPECT_TRUE(result_of([&] { return pool.try_limit_this(); })) << "which then ends";
+    EXPECT_TRUE(result_of([&] { return pool.try_wait(); })) << "which then ends";
     EXPECT_TRUE(pool.try_add(second.job(begun), true));
     begun.wait();
-    EXPECT_FALSE(result_of([&] { return pool.try_limit_this(); }));
+    EXPECT_FALSE(result_of([&] { return pool.try_wait(); }));
     first.open();
     second.open();
 }
@@ -85,10 +85,10 @@ TEST(WorkerPool, TakesNoMoreThanMayWaitOfEitherKind) {
     WorkerPool pool(1, 1, 2);
     ASSERT_TRUE(pool.try_add(gate.job(begun)));
     begun.wait();
-    for (const bool is_limited : {false, true}) {
-        EXPECT_TRUE(pool.try_add([] {}, is_limited));
-        EXPECT_TRUE(pool.try_add([] {}, is_limited));
-        EXPECT_FALSE(pool.try_add([] {}, is_limited));
+    for (const bool is_directory_job : {false, true}) {
+        EXPECT_TRUE(pool.try_add([] {}, is_directory_job));
+        EXPECT_TRUE(pool.try_add([] {}, is_directory_job));
+        EXPECT_FALSE(pool.try_add([] {}, is_directory_job));
     }
     gate.open();
 }
