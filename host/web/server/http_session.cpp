@@ -51,8 +51,8 @@ void HttpSession::begin() {
 }
 
 bool HttpSession::is_asked() const {
-    return state_ == State::reading || state_ == State::answering || state_ == State::writing ||
-           state_ == State::ending;
+    return (state_ == State::reading && parser_.has_head()) || state_ == State::answering ||
+           state_ == State::writing || state_ == State::ending;
 }
 
 void HttpSession::close() {
@@ -75,7 +75,7 @@ void HttpSession::next_request() {
     begun_ = Clock::now();
     set_deadline(begun_ + core_.options.idle_time);
     take_in({});
-    if (state_ == State::idle && core_.is_stopping) close();
+    if (core_.is_stopping && !is_asked()) close();
 }
 
 void HttpSession::read() {

@@ -35,7 +35,7 @@ public:
     HttpSession& operator=(const HttpSession&) = delete;
 
     void begin();
-    // Whether anything of a request has come whose answer is not sent yet.
+    // Whether a request has come, its head at least, whose answer is not sent yet.
     bool is_asked() const;
     // At once. What still comes of an answer is thrown away.
     void close();

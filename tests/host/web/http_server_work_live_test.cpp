@@ -265,6 +265,19 @@ TEST(HttpServer, ClosesWhatIsIdleWhenItStopsAndAnswersWhatRuns) {
     EXPECT_TRUE(server.was_all_answered());
 }
 
+TEST(HttpServer, ClosesARequestWithoutAWholeHeadWhenItStops) {
+    ServerOptions options = quick();
+    options.idle_time = options.request_time = options.drain_time = 1h;
+    RunningServer server(options, echo);
+    Wire wire(server.port());
+    wire.send(get("/first") + "GET /second HT");
+    EXPECT_EQ(body(wire.read_until("[]")), "GET /first []");
+    server.stop();
+    EXPECT_EQ(wire.read_all(), "");
+    server.stop();  // where the time for what runs is waited for, it ends now
+    EXPECT_TRUE(server.was_all_answered());
+}
+
 TEST(HttpServer, EndsAtOnceWhenItIsStoppedTwiceOrTheTimeIsOver) {
     for (const bool is_stopped_twice : {true, false}) {
         Gate gate;
