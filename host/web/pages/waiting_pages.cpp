@@ -4,16 +4,25 @@
 
 namespace orvo::web {
 
-bool WaitingPages::contains(const std::string& address) const {
-    const std::lock_guard guard(lock_);
-    return addresses_.contains(address);
+namespace {
+
+std::string key_of(std::string_view method, std::string_view address) {
+    return std::string(method) + ' ' + std::string(address);
 }
 
-void WaitingPages::note(std::string address) {
+}  // namespace
+
+bool WaitingPages::contains(std::string_view method, std::string_view address) const {
+    const std::string key = key_of(method, address);
     const std::lock_guard guard(lock_);
-    if (addresses_.size() >= most_ && !addresses_.contains(address))
-        addresses_.erase(addresses_.begin());
-    addresses_.insert(std::move(address));
+    return requests_.contains(key);
+}
+
+void WaitingPages::note(std::string_view method, std::string_view address) {
+    std::string key = key_of(method, address);
+    const std::lock_guard guard(lock_);
+    if (requests_.size() >= most_ && !requests_.contains(key)) requests_.erase(requests_.begin());
+    requests_.insert(std::move(key));
 }
 
 bool may_wait_for_directory(TextView progid) {

@@ -2,26 +2,28 @@
 
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <unordered_set>
 
 #include "platform/values/text.h"
 
 namespace orvo::web {
 
-// The addresses of pages that have been seen to wait for the directory, as they were asked for,
-// without a query. Any thread; nobody waits here.
+// The requests that have been seen to wait for the directory, by method and address, as it was
+// asked for, without a query: a login page may need the directory for a form alone. Any thread;
+// nobody waits here.
 class WaitingPages {
 public:
     explicit WaitingPages(std::size_t most = 10'000) : most_(most) {}
 
-    bool contains(const std::string& address) const;
+    bool contains(std::string_view method, std::string_view address) const;
     // Beyond the bound another one is forgotten: its page is seen again.
-    void note(std::string address);
+    void note(std::string_view method, std::string_view address);
 
 private:
     const std::size_t most_;
     mutable std::mutex lock_;
-    std::unordered_set<std::string> addresses_;
+    std::unordered_set<std::string> requests_;
 };
 
 // Whether an object of this class may wait for the directory: any but those of the platform and of

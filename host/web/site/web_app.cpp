@@ -217,7 +217,7 @@ Lane WebApp::lane_of(const HttpRequest& request) const {
     const std::string_view path = path_part(request.target);
     if (path == "/health/live") return Lane::at_once;
     if (path == "/health/ready") return Lane::aside;
-    return waiting_pages_.contains(std::string(path)) ? Lane::directory : Lane::page;
+    return waiting_pages_.contains(request.method, path) ? Lane::directory : Lane::page;
 }
 
 void WebApp::note_refused(const HttpRequest& request, HttpResponse& response,
@@ -327,7 +327,7 @@ HttpResponse WebApp::page(Served& served, const HttpRequest& request, const Site
             is_answered = try_error_page(served, page, 500, std::move(failure));
         }
         if (page->waits_for_directory())
-            waiting_pages_.note(std::string(path_part(request.target)));
+            waiting_pages_.note(request.method, path_part(request.target));
         // What a page that failed would have told the browser is not sent; its session is kept.
         if (!is_answered) page->answer.cookies.clear();
     }

@@ -274,6 +274,17 @@ TEST_F(WaitingPagesTest, AreKnownByTheirAddressOnceTheyHaveMadeAnObject) {
     EXPECT_EQ(lane_of("/health/ready"), Lane::aside);
 }
 
+TEST_F(WaitingPagesTest, AreKnownByTheirMethodToo) {
+    pages_.write("/form.asp",
+                 "<% if (String(Request.ServerVariables('REQUEST_METHOD')) == 'POST')\n"
+                 "new ActiveXObject('Any.Component'); %>form");
+    const HttpRequest sent{.method = "POST", .target = "/form.asp"};
+    EXPECT_EQ(app().handle(sent).body, "form");
+    EXPECT_EQ(app().lane_of(sent), Lane::directory);
+    EXPECT_EQ(get("/form.asp").body, "form");
+    EXPECT_EQ(lane_of("/form.asp"), Lane::page) << "it is only shown";
+}
+
 TEST_F(WaitingPagesTest, AreTurnedAwayWhereTooManyWaitBeforeTheyAreKnown) {
     int asked = 0;
     const HttpResponse response =
@@ -291,11 +302,11 @@ TEST_F(WaitingPagesTest, AreTurnedAwayWhereTooManyWaitBeforeTheyAreKnown) {
 TEST(WaitingPages, AreNotKeptInAnyNumber) {
     WaitingPages pages(3);
     for (int i = 0; i < 100; ++i) {
-        pages.note("/" + std::to_string(i));
-        EXPECT_TRUE(pages.contains("/" + std::to_string(i)));
+        pages.note("GET", "/" + std::to_string(i));
+        EXPECT_TRUE(pages.contains("GET", "/" + std::to_string(i)));
     }
     int kept = 0;
-    for (int i = 0; i < 100; ++i) kept += pages.contains("/" + std::to_string(i)) ? 1 : 0;
+    for (int i = 0; i < 100; ++i) kept += pages.contains("GET", "/" + std::to_string(i)) ? 1 : 0;
     EXPECT_EQ(kept, 3);
 }
 
