@@ -14,6 +14,7 @@ struct MemorySessions::Session {
     SessionLogin login;
     std::size_t bytes = 0;
     bool is_leased = true;
+    std::size_t waiting = 0;  // requests
     bool is_dropped = false;
     Order* order = nullptr;
     Order::iterator place;
@@ -64,14 +65,12 @@ MemorySessions::~MemorySessions() = default;
 
 std::unique_ptr<SessionLease> MemorySessions::open(const std::string& id,
                                                    std::chrono::milliseconds patience,
-                                                   const std::function<bool()>& may_wait) {
+                                                   const std::function<bool()>& try_wait) {
     std::unique_lock guard(lock_);
     const auto found = sessions_.find(id);
     if (found == sessions_.end()) return nullptr;
     const std::shared_ptr<Session> session = found->second;
-    if ((session->is_leased && may_wait && !may_wait()) ||
-        !given_back_.wait_for(guard, patience, [&] { return !session->is_leased; }))
-        throw Refusal(503, "Another request of this session takes too long.");
+    if (session->is_leased) wait_for(*session, guard, patience, try_wait);
     // Whoever had it may have ended it or given it another identifier.
     if (session->is_dropped || session->id != id) return nullptr;
     if (has_ended(*session)) {
@@ -80,6 +79,21 @@ std::unique_ptr<SessionLease> MemorySessions::open(const std::string& id,
     }
     session->is_leased = true;
     return std::make_unique<Lease>(*this, session);
+}
+
+void MemorySessions::wait_for(Session& session, std::unique_lock<std::mutex>& guard,
+                              std::chrono::milliseconds patience,
+                              const std::function<bool()>& try_wait) {
+    if (session.waiting >= limits_.most_waiting)
+        throw Refusal(503, "Too many requests of this session wait.");
+    ++session.waiting;
+    guard.unlock();
+    const bool may_wait = !try_wait || try_wait();
+    guard.lock();
+    const bool is_free =
+        may_wait && given_back_.wait_for(guard, patience, [&] { return !session.is_leased; });
+    --session.waiting;
+    if (!is_free) throw Refusal(503, "Another request of this session takes too long.");
 }
 
 std::unique_ptr<SessionLease> MemorySessions::create() {

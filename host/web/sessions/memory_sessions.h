@@ -20,6 +20,9 @@ struct SessionLimits {
     // ago: first those without values, then those in which nobody has logged in, then the others.
     std::size_t most = 50'000;
     std::size_t most_bytes = 256 * 1024 * 1024;
+    // Requests that wait for one session while another one has it; more are refused. A browser
+    // has six connections to a site.
+    std::size_t most_waiting = 5;
 };
 
 // Sessions in the memory of this process.
@@ -30,7 +33,7 @@ public:
     ~MemorySessions() override;
 
     std::unique_ptr<SessionLease> open(const std::string& id, std::chrono::milliseconds patience,
-                                       const std::function<bool()>& may_wait = {}) override;
+                                       const std::function<bool()>& try_wait = {}) override;
     std::unique_ptr<SessionLease> create() override;
     SessionLogin login_of(const std::string& id) override;
 
@@ -52,6 +55,9 @@ private:
 
     bool has_ended(const Session& session) const;
     void give_back(const std::shared_ptr<Session>& session);
+    // `guard` holds the lock, but not while this waits.
+    void wait_for(Session& session, std::unique_lock<std::mutex>& guard,
+                  std::chrono::milliseconds patience, const std::function<bool()>& try_wait);
     template <class Condition>
     void end_where(Condition condition);
     // With the lock held.

@@ -46,13 +46,14 @@ SessionLogin login_in(const NamedValues& values);
 class SessionStore {
 public:
     virtual ~SessionStore() = default;
-    // Waits while another request has the session, at most `patience`, and then raises Refusal
-    // (503), as it does at once where `may_wait` then says no; that is called with a lock held, and
-    // must not come back here. Null for an identifier that the store did not give out, or whose
-    // session has ended; such an identifier is never adopted.
+    // Waits while another request has the session, at most `patience`. Before it waits it asks
+    // `try_wait`, which may take its time and must not raise. Raises Refusal (503) where try_wait
+    // says no, where too many requests wait for this session already, and where the patience is
+    // over. Null for an identifier that the store did not give out, or whose session has ended;
+    // such an identifier is never adopted.
     virtual std::unique_ptr<SessionLease> open(const std::string& id,
                                                std::chrono::milliseconds patience,
-                                               const std::function<bool()>& may_wait = {}) = 0;
+                                               const std::function<bool()>& try_wait = {}) = 0;
     virtual std::unique_ptr<SessionLease> create() = 0;
     // Who is logged in, as the last request left it; another one may have the session meanwhile,
     // and is not waited for. Empty texts for an identifier as above. Counts as a request.

@@ -3,10 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <future>
+#include <latch>
 #include <set>
 #include <thread>
 
 #include "host/web/messages/http_message.h"
+#include "host/web/server/worker_pool.h"
 
 namespace orvo::web {
 namespace {
@@ -133,6 +136,61 @@ TEST_F(MemorySessionsTest, ARequestThatMayNotWaitIsRefusedAtOnce) {
     EXPECT_EQ(asked, 0) << "it had not to wait";
     EXPECT_THROW(sessions_.open(id, 1h, no), Refusal);
     EXPECT_EQ(asked, 1);
+}
+
+TEST_F(MemorySessionsTest, WhoWaitsForAPlaceAmongTheWorkersDoesNotStopOtherSessions) {
+    const std::string id = create(), other = create();
+    std::promise<void> busy, end, asks, is_served;
+    std::promise<bool> was_refused;
+    const auto lease = open(id);
+    WorkerPool pool(2, 1, 10);
+    ASSERT_TRUE(pool.try_add([&] { busy.set_value(), end.get_future().wait(); }, true));
+    busy.get_future().wait();
+    ASSERT_TRUE(pool.try_add([&] {
+        const auto try_wait = [&] {
+            asks.set_value();
+            EXPECT_EQ(is_served.get_future().wait_for(10s), std::future_status::ready);
+            return pool.try_wait();
+        };
+        try {
+            sessions_.open(id, 1h, try_wait);
+            was_refused.set_value(false);
+        } catch (const Refusal&) {
+            was_refused.set_value(true);
+        }
+    }));
+    asks.get_future().wait();
+    EXPECT_TRUE(open(other));
+    is_served.set_value();
+    EXPECT_TRUE(was_refused.get_future().get()) << "the only place is taken";
+    end.set_value();
+}
+
+TEST_F(MemorySessionsTest, ItsWaitingRequestsLeavePlacesAmongTheWorkersToOthers) {
+    MemorySessions sessions({.most_waiting = 2});
+    auto lease = sessions.create();
+    const std::string id = lease->id();
+    std::atomic<int> refused = 0, served = 0;
+    std::promise<void> login;
+    {
+        WorkerPool pool(4, 3, 100);
+        for (int i = 0; i < 20; ++i)
+            ASSERT_TRUE(pool.try_add(
+                [&] {
+                    try {
+                        sessions.open(id, 1h, [&] { return pool.try_wait(); });
+                        ++served;
+                    } catch (const Refusal&) {
+                        ++refused;
+                    }
+                },
+                true));
+        ASSERT_TRUE(pool.try_add([&] { login.set_value(); }, true));
+        EXPECT_EQ(login.get_future().wait_for(10s), std::future_status::ready);
+        EXPECT_EQ(refused, 18);
+        lease.reset();
+    }
+    EXPECT_EQ(served, 2);
 }
 
 TEST_F(MemorySessionsTest, ARequestThatWaitedDoesNotGetASessionThatWasRenewedMeanwhile) {
