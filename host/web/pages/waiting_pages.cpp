@@ -12,13 +12,13 @@ std::string key_of(std::string_view method, std::string_view address) {
 
 }  // namespace
 
-bool WaitingPages::contains(std::string_view method, std::string_view address) const {
+bool RequestSet::contains(std::string_view method, std::string_view address) const {
     const std::string key = key_of(method, address);
     const std::lock_guard guard(lock_);
     return requests_.contains(key);
 }
 
-void WaitingPages::note(std::string_view method, std::string_view address) {
+void RequestSet::note(std::string_view method, std::string_view address) {
     std::string key = key_of(method, address);
     const std::lock_guard guard(lock_);
     if (requests_.size() >= most_ && !requests_.contains(key)) requests_.erase(requests_.begin());

@@ -9,15 +9,14 @@
 
 namespace orvo::web {
 
-// The requests that have been seen to wait for the directory, by method and address, as it was
-// asked for, without a query: a login page may need the directory for a form alone. Any thread;
-// nobody waits here.
-class WaitingPages {
+// A set of requests by method and address, as it was asked for, without a query: a login page may
+// need the directory for a form alone. Any thread; nobody waits here.
+class RequestSet {
 public:
-    explicit WaitingPages(std::size_t most = 10'000) : most_(most) {}
+    explicit RequestSet(std::size_t most = 10'000) : most_(most) {}
 
     bool contains(std::string_view method, std::string_view address) const;
-    // Beyond the bound another one is forgotten: its page is seen again.
+    // Beyond the bound another one is forgotten.
     void note(std::string_view method, std::string_view address);
 
 private:

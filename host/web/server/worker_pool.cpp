@@ -13,7 +13,9 @@ constexpr std::chrono::milliseconds patience_for_place{500};
 }  // namespace
 
 WorkerPool::WorkerPool(int workers, int most_directory_jobs, std::size_t most_waiting)
-    : most_directory_jobs_(most_directory_jobs), most_waiting_(most_waiting) {
+    : most_directory_jobs_(most_directory_jobs),
+      most_waiting_(most_waiting),
+      most_waiting_for_place_(workers - most_directory_jobs - 1) {
     for (int i = 0; i < workers; ++i) threads_.emplace_back([this] { work(); });
 }
 
@@ -40,9 +42,14 @@ bool WorkerPool::try_add(Job job, bool is_directory_job) {
 bool WorkerPool::try_wait() {
     std::unique_lock guard(lock_);
     if (*is_directory_job_) return true;
-    if (!place_freed_.wait_for(guard, patience_for_place,
-                               [&] { return running_directory_jobs_ < most_directory_jobs_; }))
-        return false;
+    const auto has_place = [&] { return running_directory_jobs_ < most_directory_jobs_; };
+    if (!has_place()) {
+        if (waiting_for_place_ >= most_waiting_for_place_) return false;
+        ++waiting_for_place_;
+        place_freed_.wait_for(guard, patience_for_place, has_place);
+        --waiting_for_place_;
+        if (!has_place()) return false;
+    }
     ++running_directory_jobs_;
     return *is_directory_job_ = true;
 }

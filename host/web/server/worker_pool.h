@@ -27,8 +27,9 @@ public:
     // False where too many wait already: the job is not carried out.
     bool try_add(Job job, bool is_directory_job = false);
     // Before a job waits for the directory: makes it a directory job until it ends. Where as many
-    // run as may, it waits up to half a second for one of them to end; false: none has, and the job
-    // must not wait for the directory. On a worker's thread only, with no lock held.
+    // run as may, it waits up to half a second for one of them to end, unless that would take the
+    // last worker that is left to the other jobs; false: none has, and the job must not wait for
+    // the directory. On a worker's thread only, with no lock held.
     bool try_wait();
 
 private:
@@ -50,6 +51,8 @@ private:
     Queue other_jobs_;
     Queue directory_jobs_;
     int running_directory_jobs_ = 0;
+    const int most_waiting_for_place_;
+    int waiting_for_place_ = 0;
     static thread_local bool* is_directory_job_;  // on a worker's thread
     std::uint64_t added_ = 0;
     bool is_ending_ = false;

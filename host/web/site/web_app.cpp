@@ -217,7 +217,12 @@ Lane WebApp::lane_of(const HttpRequest& request) const {
     const std::string_view path = path_part(request.target);
     if (path == "/health/live") return Lane::at_once;
     if (path == "/health/ready") return Lane::aside;
-    return waiting_pages_.contains(request.method, path) ? Lane::directory : Lane::page;
+    // A form is taken for one that waits until it is seen not to: many may log in at the same
+    // moment before the first of them is done.
+    const bool waits = request.method == "POST"
+                           ? !forms_that_do_not_wait_.contains(request.method, path)
+                           : waiting_pages_.contains(request.method, path);
+    return waits ? Lane::directory : Lane::page;
 }
 
 void WebApp::note_refused(const HttpRequest& request, HttpResponse& response,
@@ -328,6 +333,8 @@ HttpResponse WebApp::page(Served& served, const HttpRequest& request, const Site
         }
         if (page->waits_for_directory())
             waiting_pages_.note(request.method, path_part(request.target));
+        else if (request.method == "POST")
+            forms_that_do_not_wait_.note(request.method, path_part(request.target));
         // What a page that failed would have told the browser is not sent; its session is kept.
         if (!is_answered) page->answer.cookies.clear();
     }

@@ -299,8 +299,16 @@ TEST_F(WaitingPagesTest, AreTurnedAwayWhereTooManyWaitBeforeTheyAreKnown) {
               "nobody");
 }
 
-TEST(WaitingPages, AreNotKeptInAnyNumber) {
-    WaitingPages pages(3);
+TEST_F(WaitingPagesTest, AFormIsOneUntilItIsSeenNotToBe) {
+    pages_.write("/opinion.asp", "<%= Request.Form('text') %>");
+    const HttpRequest sent{.method = "POST", .target = "/opinion.asp"};
+    EXPECT_EQ(app().lane_of(sent), Lane::directory);
+    EXPECT_EQ(app().handle(sent).status, 200);
+    EXPECT_EQ(app().lane_of(sent), Lane::page);
+}
+
+TEST(RequestSet, IsBounded) {
+    RequestSet pages(3);
     for (int i = 0; i < 100; ++i) {
         pages.note("GET", "/" + std::to_string(i));
         EXPECT_TRUE(pages.contains("GET", "/" + std::to_string(i)));

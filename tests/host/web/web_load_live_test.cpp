@@ -92,8 +92,9 @@ protected:
 };
 
 TEST_F(WebLoad, BrowsersThatLogInAndOutNeverGetEachOthersSession) {
-    RunningServer server(options_,
-                         [&](const HttpRequest& request) { return app_.handle(request); });
+    RunningServer server(
+        options_, [&](const HttpRequest& request) { return app_.handle(request); },
+        {.lane = [&](const HttpRequest& request) { return app_.lane_of(request); }});
     constexpr int browsers = 16, rounds = 6, visits = 3;
     std::atomic<int> wrong = 0, visited = 0;
     std::mutex lock;
@@ -137,8 +138,9 @@ TEST_F(WebLoad, BrowsersThatLogInAndOutNeverGetEachOthersSession) {
 TEST_F(WebLoad, RequestsOfOneSessionFollowEachOther) {
     // As many as a browser has connections; of more, some would get a 503.
     options_.workers = 16;
-    RunningServer server(options_,
-                         [&](const HttpRequest& request) { return app_.handle(request); });
+    RunningServer server(
+        options_, [&](const HttpRequest& request) { return app_.handle(request); },
+        {.lane = [&](const HttpRequest& request) { return app_.lane_of(request); }});
     Browser owner(server.port());
     ASSERT_EQ(owner.post("/login.asp", {{"user", "one"}, {"round", "s"}})->status, 303);
     std::vector<std::thread> threads;
