@@ -302,9 +302,9 @@ TEST_F(MemorySessionsTest, WhoIsLoggedInIsToldWhileARequestHasTheSession) {
 }
 
 TEST(SessionsUnderThreads, OneRequestAtATimeHasASession) {
-    MemorySessions sessions;
-    const std::string id = sessions.create()->id();
     constexpr int threads = 8, rounds = 200;
+    MemorySessions sessions({.most_waiting = threads});
+    const std::string id = sessions.create()->id();
     std::vector<std::thread> all;
     std::atomic<int> inside = 0, mixed = 0;
     for (int i = 0; i < threads; ++i)
