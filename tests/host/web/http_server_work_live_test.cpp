@@ -299,18 +299,19 @@ TEST(HttpServer, EndsAtOnceWhenItIsStoppedTwiceOrTheTimeIsOver) {
 }
 
 TEST(HttpServer, FinishesWhatItServesBeforeItStops) {
-    std::atomic<bool> is_inside = false;
+    Gate gate;
     auto server = std::make_unique<RunningServer>(quick(), [&](const HttpRequest& request) {
-        is_inside = true;
-        std::this_thread::sleep_for(200ms);
+        gate.pass();
         return echo(request);
     });
     Wire wire(server->port());
     wire.send("GET /last HTTP/1.1\r\nHost: h\r\n\r\n");
-    while (!is_inside) std::this_thread::sleep_for(1ms);
+    gate.wait();
     const int port = server->port();
-    server.reset();
+    server->stop();
+    gate.open();
     EXPECT_EQ(body(wire.read_all()), "GET /last []");
+    server.reset();
     EXPECT_THROW(Wire{port}, std::runtime_error);
 }
 
