@@ -46,8 +46,9 @@ struct HttpRequest {
 // Who answers a request.
 enum class Lane {
     page,       // a worker
-    directory,  // a worker, as it may wait for the directory: such requests together hold a share
-                // of the workers at most
+    undecided,  // a worker; whether it waits for the directory turns out (try_wait)
+    directory,  // a worker, as it waits for the directory: such requests together hold a share of
+                // the workers at most
     at_once,    // the thread that reads and writes for all connections: must not wait for anything
     aside,      // a thread of its own, for what may wait but must not need a worker
 };

@@ -12,17 +12,18 @@ std::string key_of(std::string_view method, std::string_view address) {
 
 }  // namespace
 
-bool RequestSet::contains(std::string_view method, std::string_view address) const {
+std::optional<bool> WaitingPages::waits(std::string_view method, std::string_view address) const {
     const std::string key = key_of(method, address);
     const std::lock_guard guard(lock_);
-    return requests_.contains(key);
+    const auto seen = seen_.find(key);
+    return seen == seen_.end() ? std::nullopt : std::optional(seen->second);
 }
 
-void RequestSet::note(std::string_view method, std::string_view address) {
+void WaitingPages::note(std::string_view method, std::string_view address, bool waits) {
     std::string key = key_of(method, address);
     const std::lock_guard guard(lock_);
-    if (requests_.size() >= most_ && !requests_.contains(key)) requests_.erase(requests_.begin());
-    requests_.insert(std::move(key));
+    if (seen_.size() >= most_ && !seen_.contains(key)) seen_.erase(seen_.begin());
+    seen_[std::move(key)] |= waits;
 }
 
 bool may_wait_for_directory(TextView progid) {

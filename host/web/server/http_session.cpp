@@ -22,6 +22,11 @@ constexpr std::size_t large_buffer = 64 * 1024;
 
 constexpr const char* busy = "The server is busy. Please try again in a moment.";
 
+WorkerPool::Kind kind_of(Lane lane) {
+    if (lane == Lane::directory) return WorkerPool::Kind::directory;
+    return lane == Lane::undecided ? WorkerPool::Kind::undecided : WorkerPool::Kind::other;
+}
+
 }  // namespace
 
 HttpSession::HttpSession(ServerCore& core, std::unique_ptr<Transport> transport,
@@ -131,12 +136,12 @@ void HttpSession::dispatch() {
 
     const Lane lane = core_.hooks.lane ? core_.hooks.lane(*request_) : Lane::page;
     if (lane == Lane::at_once) return answer(core_.handler(*request_));
-    const bool is_taken = lane == Lane::aside ? try_give_to(core_.aside, false)
-                                              : try_give_to(core_.workers, lane == Lane::directory);
+    const bool is_taken = lane == Lane::aside ? try_give_to(core_.aside, WorkerPool::Kind::other)
+                                              : try_give_to(core_.workers, kind_of(lane));
     if (!is_taken) refuse(*request_, Refusal(503, busy));
 }
 
-bool HttpSession::try_give_to(WorkerPool& pool, bool is_directory_job) {
+bool HttpSession::try_give_to(WorkerPool& pool, WorkerPool::Kind kind) {
     auto job = [self = shared_from_this(), request = request_, &core = core_, &pool]() mutable {
         StreamedAnswer stream(core.loop, self);
         request->stream = &stream;
@@ -151,7 +156,7 @@ bool HttpSession::try_give_to(WorkerPool& pool, bool is_directory_job) {
                               self->end_answer(std::move(response));
                           });
     };
-    return pool.try_add(std::move(job), is_directory_job);
+    return pool.try_add(std::move(job), kind);
 }
 
 void HttpSession::refuse(const HttpRequest& request, const Refusal& refusal) {

@@ -73,7 +73,7 @@ private:
     void has_read(std::size_t count);
     void take_in(std::string_view bytes);
     void dispatch();
-    bool try_give_to(WorkerPool& pool, bool is_directory_job);
+    bool try_give_to(WorkerPool& pool, WorkerPool::Kind kind);
     void refuse(const HttpRequest& request, const Refusal& refusal);
     void answer(HttpResponse response);
     void send_head(const HttpResponse& response, Framing framing);

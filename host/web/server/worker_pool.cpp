@@ -1,21 +1,21 @@
 #include "host/web/server/worker_pool.h"
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
 namespace orvo::web {
 namespace {
 
-// Among many that wait a moment each, a place is free again soon; where none gets free, those who
-// wait for one keep their workers from others no longer than this.
+// Where the directory answers at all, a place gets free sooner than this.
 constexpr std::chrono::milliseconds patience_for_place{500};
 
 }  // namespace
 
 WorkerPool::WorkerPool(int workers, int most_directory_jobs, std::size_t most_waiting)
     : most_directory_jobs_(most_directory_jobs),
-      most_waiting_(most_waiting),
-      most_waiting_for_place_(workers - most_directory_jobs - 1) {
+      most_in_doubt_(std::max(most_directory_jobs, workers - 1)),
+      most_waiting_(most_waiting) {
     for (int i = 0; i < workers; ++i) threads_.emplace_back([this] { work(); });
 }
 
@@ -28,12 +28,11 @@ WorkerPool::~WorkerPool() {
     for (std::thread& thread : threads_) thread.join();
 }
 
-bool WorkerPool::try_add(Job job, bool is_directory_job) {
+bool WorkerPool::try_add(Job job, Kind kind) {
     {
         const std::lock_guard guard(lock_);
-        Queue& queue = is_directory_job ? directory_jobs_ : other_jobs_;
-        if (queue.size() >= most_waiting_) return false;
-        queue.push_back({++added_, std::move(job)});
+        if (queue(kind).size() >= most_waiting_) return false;
+        queue(kind).push_back({++added_, std::move(job)});
     }
     changed_.notify_one();
     return true;
@@ -41,56 +40,75 @@ bool WorkerPool::try_add(Job job, bool is_directory_job) {
 
 bool WorkerPool::try_wait() {
     std::unique_lock guard(lock_);
-    if (*is_directory_job_) return true;
-    const auto has_place = [&] { return running_directory_jobs_ < most_directory_jobs_; };
-    if (!has_place()) {
-        if (waiting_for_place_ >= most_waiting_for_place_) return false;
-        ++waiting_for_place_;
-        place_freed_.wait_for(guard, patience_for_place, has_place);
-        --waiting_for_place_;
-        if (!has_place()) return false;
+    if (*kind_ == Kind::directory) return true;
+    if (*kind_ == Kind::other) {
+        if (!may_run(Kind::undecided)) return false;
+        change_kind(Kind::undecided);
     }
-    ++running_directory_jobs_;
-    return *is_directory_job_ = true;
+    ++waiting_for_place_;
+    while (!has_place()) {
+        const auto is_freed = [&, seen = freed_places_] { return freed_places_ != seen; };
+        if (!place_freed_.wait_for(guard, patience_for_place, is_freed)) break;
+    }
+    --waiting_for_place_;
+    if (!has_place()) return false;
+    change_kind(Kind::directory);
+    return true;
 }
 
-WorkerPool::Queue* WorkerPool::next() {
-    const bool has_directory_job =
-        !directory_jobs_.empty() && running_directory_jobs_ < most_directory_jobs_;
-    if (other_jobs_.empty()) return has_directory_job ? &directory_jobs_ : nullptr;
-    if (has_directory_job && directory_jobs_.front().number < other_jobs_.front().number)
-        return &directory_jobs_;
-    return &other_jobs_;
+void WorkerPool::change_kind(Kind kind) {
+    --running(*kind_);
+    ++running(*kind_ = kind);
 }
 
-thread_local bool* WorkerPool::is_directory_job_ = nullptr;
+bool WorkerPool::may_run(Kind kind) const {
+    if (kind == Kind::other) return true;
+    const int in_doubt = running(Kind::directory) + running(Kind::undecided);
+    if (kind == Kind::undecided) return running(kind) == 0 || in_doubt < most_in_doubt_;
+    return running(kind) + waiting_for_place_ < most_directory_jobs_ && in_doubt < most_in_doubt_;
+}
+
+std::optional<WorkerPool::Kind> WorkerPool::next() const {
+    std::optional<Kind> first;
+    for (const Kind kind : {Kind::other, Kind::undecided, Kind::directory}) {
+        if (queue(kind).empty() || !may_run(kind)) continue;
+        if (!first || queue(kind).front().number < queue(*first).front().number) first = kind;
+    }
+    return first;
+}
+
+thread_local WorkerPool::Kind* WorkerPool::kind_ = nullptr;
 
 void WorkerPool::work() {
-    bool is_directory_job = false;
-    is_directory_job_ = &is_directory_job;
+    Kind kind = Kind::other;
+    kind_ = &kind;
     std::unique_lock guard(lock_);
     while (true) {
-        Queue* queue = next();
-        if (!queue) {
-            if (is_ending_ && directory_jobs_.empty()) return;
+        const std::optional<Kind> found = next();
+        if (!found) {
+            const auto is_empty = [](const auto& queue) { return queue.empty(); };
+            if (is_ending_ && std::ranges::all_of(queues_, is_empty)) return;
             changed_.wait(guard);
             continue;
         }
-        is_directory_job = queue == &directory_jobs_;
-        Job job = std::move(queue->front().job);
-        queue->pop_front();
-        if (is_directory_job) ++running_directory_jobs_;
+        kind = *found;
+        Job job = std::move(queue(kind).front().job);
+        queue(kind).pop_front();
+        ++running(kind);
         guard.unlock();
         job();
         job = nullptr;
         guard.lock();
-        if (!is_directory_job) continue;
-        --running_directory_jobs_;
-        place_freed_.notify_one();
-        // A worker may sleep although directory jobs wait: there was no place for one.
+        --running(kind);
+        if (kind == Kind::other) continue;
+        if (kind == Kind::directory) {
+            ++freed_places_;
+            place_freed_.notify_one();
+        }
+        // A worker may sleep although such jobs wait: there was no place for one.
         if (is_ending_)
             changed_.notify_all();
-        else
+        else if (!queue(Kind::directory).empty() || !queue(Kind::undecided).empty())
             changed_.notify_one();
     }
 }

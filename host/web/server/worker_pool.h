@@ -1,23 +1,27 @@
 #pragma once
 
+#include <array>
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <vector>
 
 namespace orvo::web {
 
-// Threads that carry out jobs in the order in which they came. Directory jobs, those that may wait
-// for the directory, are carried out by a share of the threads at most. Any thread.
+// Threads that carry out jobs in the order in which they came. Directory jobs, those that wait for
+// the directory, are carried out by a share of the threads at most, and together with those that
+// may turn out to be such they leave one thread to the others. Any thread.
 class WorkerPool {
 public:
     using Job = std::function<void()>;  // must not raise
+    enum class Kind { other, undecided, directory };
 
-    // most_waiting: jobs of either kind that no worker has taken yet.
+    // most_waiting: jobs of each kind that no worker has taken yet.
     WorkerPool(int workers, int most_directory_jobs, std::size_t most_waiting);
     // Carries out what waits, and waits for it.
     ~WorkerPool();
@@ -25,11 +29,11 @@ public:
     WorkerPool& operator=(const WorkerPool&) = delete;
 
     // False where too many wait already: the job is not carried out.
-    bool try_add(Job job, bool is_directory_job = false);
+    bool try_add(Job job, Kind kind = Kind::other);
     // Before a job waits for the directory: makes it a directory job until it ends. Where as many
-    // run as may, it waits up to half a second for one of them to end, unless that would take the
-    // last worker that is left to the other jobs; false: none has, and the job must not wait for
-    // the directory. On a worker's thread only, with no lock held.
+    // run as may, it waits until one of them ends, ahead of jobs that no worker has taken yet.
+    // False: none of them has ended for half a second, or no thread would be left to the others,
+    // and the job must not wait for the directory. On a worker's thread only, with no lock held.
     bool try_wait();
 
 private:
@@ -37,23 +41,33 @@ private:
         std::uint64_t number;  // in the order of arrival
         Job job;
     };
-    using Queue = std::deque<Waiting>;
+    static constexpr std::size_t kinds = 3;
 
     void work();
-    // The queue whose first job is next; null where none may be carried out now.
-    Queue* next();
+    // Of the job that is to be taken next; none where none may be carried out now.
+    std::optional<Kind> next() const;
+    bool may_run(Kind kind) const;
+    // Of the job that this thread carries out.
+    void change_kind(Kind kind);
+    bool has_place() const { return running(Kind::directory) < most_directory_jobs_; }
+    std::deque<Waiting>& queue(Kind kind) { return queues_[static_cast<std::size_t>(kind)]; }
+    const std::deque<Waiting>& queue(Kind kind) const {
+        return queues_[static_cast<std::size_t>(kind)];
+    }
+    int& running(Kind kind) { return running_[static_cast<std::size_t>(kind)]; }
+    int running(Kind kind) const { return running_[static_cast<std::size_t>(kind)]; }
 
     const int most_directory_jobs_;
+    const int most_in_doubt_;  // directory and undecided jobs that run
     const std::size_t most_waiting_;
     std::mutex lock_;
     std::condition_variable changed_;
     std::condition_variable place_freed_;  // among the directory jobs
-    Queue other_jobs_;
-    Queue directory_jobs_;
-    int running_directory_jobs_ = 0;
-    const int most_waiting_for_place_;
+    std::array<std::deque<Waiting>, kinds> queues_;
+    std::array<int, kinds> running_{};
     int waiting_for_place_ = 0;
-    static thread_local bool* is_directory_job_;  // on a worker's thread
+    std::uint64_t freed_places_ = 0;
+    static thread_local Kind* kind_;  // of the job that a worker's thread carries out
     std::uint64_t added_ = 0;
     bool is_ending_ = false;
     std::vector<std::thread> threads_;

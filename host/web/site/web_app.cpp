@@ -103,6 +103,12 @@ HttpResponse usual_answer(StaticFiles& files, const Site& site, const ErrorPage&
     }
 }
 
+// By its address, as it was sent: "/shop.css"
+bool is_plain_file(std::string_view path) {
+    const auto name = path.substr(path.rfind('/') + 1);
+    return name.find('.') != name.npos && name.find('%') == name.npos && !is_page(name);
+}
+
 // As the browser has it.
 std::string address_of(const HttpRequest& request) {
     return (request.is_secure ? "https://" : "http://") + std::string(request.header("Host")) +
@@ -217,12 +223,11 @@ Lane WebApp::lane_of(const HttpRequest& request) const {
     const std::string_view path = path_part(request.target);
     if (path == "/health/live") return Lane::at_once;
     if (path == "/health/ready") return Lane::aside;
-    // A form is taken for one that waits until it is seen not to: many may log in at the same
-    // moment before the first of them is done.
-    const bool waits = request.method == "POST"
-                           ? !forms_that_do_not_wait_.contains(request.method, path)
-                           : waiting_pages_.contains(request.method, path);
-    return waits ? Lane::directory : Lane::page;
+    const std::optional<bool> waits = seen_pages_.waits(request.method, path);
+    if (waits) return *waits ? Lane::directory : Lane::page;
+    // Many may log in at the same moment before the first of them is done.
+    if (request.method == "POST") return Lane::directory;
+    return is_plain_file(path) ? Lane::page : Lane::undecided;
 }
 
 void WebApp::note_refused(const HttpRequest& request, HttpResponse& response,
@@ -331,10 +336,7 @@ HttpResponse WebApp::page(Served& served, const HttpRequest& request, const Site
             failure.reference = from_utf8(usual.reference);
             is_answered = try_error_page(served, page, 500, std::move(failure));
         }
-        if (page->waits_for_directory())
-            waiting_pages_.note(request.method, path_part(request.target));
-        else if (request.method == "POST")
-            forms_that_do_not_wait_.note(request.method, path_part(request.target));
+        seen_pages_.note(request.method, path_part(request.target), page->waits_for_directory());
         // What a page that failed would have told the browser is not sent; its session is kept.
         if (!is_answered) page->answer.cookies.clear();
     }

@@ -84,9 +84,7 @@ private:
     WebLog& log_;
     const Options options_;
     ApplicationState application_;
-    // Pages that have been seen to wait for the directory, and forms that have been seen not to.
-    RequestSet waiting_pages_;
-    RequestSet forms_that_do_not_wait_;
+    WaitingPages seen_pages_;
     StaticFiles files_;
     GlobalEvents events_;
 };

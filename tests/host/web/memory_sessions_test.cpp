@@ -144,7 +144,8 @@ TEST_F(MemorySessionsTest, WhoWaitsForAPlaceAmongTheWorkersDoesNotStopOtherSessi
     std::promise<bool> was_refused;
     const auto lease = open(id);
     WorkerPool pool(2, 1, 10);
-    ASSERT_TRUE(pool.try_add([&] { busy.set_value(), end.get_future().wait(); }, true));
+    ASSERT_TRUE(pool.try_add([&] { busy.set_value(), end.get_future().wait(); },
+                             WorkerPool::Kind::directory));
     busy.get_future().wait();
     ASSERT_TRUE(pool.try_add([&] {
         const auto try_wait = [&] {
@@ -184,8 +185,8 @@ TEST_F(MemorySessionsTest, ItsWaitingRequestsLeavePlacesAmongTheWorkersToOthers)
                         ++refused;
                     }
                 },
-                true));
-        ASSERT_TRUE(pool.try_add([&] { login.set_value(); }, true));
+                WorkerPool::Kind::directory));
+        ASSERT_TRUE(pool.try_add([&] { login.set_value(); }, WorkerPool::Kind::directory));
         EXPECT_EQ(login.get_future().wait_for(10s), std::future_status::ready);
         EXPECT_EQ(refused, 18);
         lease.reset();

@@ -180,12 +180,15 @@ protected:
 };
 
 TEST_F(WaitingPagesTest, AreKnownByTheirAddressOnceTheyHaveMadeAnObject) {
-    EXPECT_EQ(lane_of("/wait.asp?a=1"), Lane::page);
+    EXPECT_EQ(lane_of("/wait.asp?a=1"), Lane::undecided);
     EXPECT_EQ(get("/wait.asp?a=2").body, "nobody");
     EXPECT_EQ(get("/plain.asp").body, "plain");
     EXPECT_EQ(lane_of("/wait.asp?a=1"), Lane::directory);
     EXPECT_EQ(lane_of("/plain.asp"), Lane::page) << "the filter is not the directory";
-    EXPECT_EQ(lane_of("/none.asp"), Lane::page);
+    EXPECT_EQ(lane_of("/none.asp"), Lane::undecided);
+    EXPECT_EQ(lane_of("/shop/"), Lane::undecided) << "a page of the folder answers";
+    EXPECT_EQ(lane_of("/shop.css?v=1"), Lane::page) << "a file";
+    EXPECT_EQ(lane_of("/wait.%61sp"), Lane::undecided);
     EXPECT_EQ(lane_of("/health/live"), Lane::at_once);
     EXPECT_EQ(lane_of("/health/ready"), Lane::aside);
 }
@@ -223,14 +226,24 @@ TEST_F(WaitingPagesTest, AFormIsOneUntilItIsSeenNotToBe) {
     EXPECT_EQ(app().lane_of(sent), Lane::page);
 }
 
-TEST(RequestSet, IsBounded) {
-    RequestSet pages(3);
+TEST_F(WaitingPagesTest, OnceSeenToWaitArePlacedAmongThemWhateverIsSeenLater) {
+    pages_.write("/order.asp",
+                 "<% if (Request.QueryString('sum').Count) new ActiveXObject('Any.Component'); %>");
+    get("/order.asp");
+    EXPECT_EQ(lane_of("/order.asp"), Lane::page);
+    get("/order.asp?sum=1");
+    get("/order.asp");
+    EXPECT_EQ(lane_of("/order.asp"), Lane::directory);
+}
+
+TEST(WaitingPages, AreBounded) {
+    WaitingPages pages(3);
     for (int i = 0; i < 100; ++i) {
-        pages.note("GET", "/" + std::to_string(i));
-        EXPECT_TRUE(pages.contains("GET", "/" + std::to_string(i)));
+        pages.note("GET", "/" + std::to_string(i), true);
+        EXPECT_EQ(pages.waits("GET", "/" + std::to_string(i)), true);
     }
     int kept = 0;
-    for (int i = 0; i < 100; ++i) kept += pages.contains("GET", "/" + std::to_string(i)) ? 1 : 0;
+    for (int i = 0; i < 100; ++i) kept += pages.waits("GET", "/" + std::to_string(i)) ? 1 : 0;
     EXPECT_EQ(kept, 3);
 }
 

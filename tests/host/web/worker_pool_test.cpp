@@ -2,12 +2,19 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <atomic>
+#include <functional>
 #include <future>
 #include <latch>
+#include <string>
+#include <thread>
 
 namespace orvo::web {
 namespace {
+
+using Kind = WorkerPool::Kind;
+constexpr std::array kinds{Kind::other, Kind::undecided, Kind::directory};
 
 // A job that waits until it is let go.
 class Gate {
@@ -29,7 +36,7 @@ TEST(WorkerPool, CarriesEverythingOutBeforeItEnds) {
     std::atomic<int> done = 0;
     {
         WorkerPool pool(4, 2, 1000);
-        for (int i = 0; i < 200; ++i) EXPECT_TRUE(pool.try_add([&] { ++done; }, i % 2 == 0));
+        for (int i = 0; i < 200; ++i) EXPECT_TRUE(pool.try_add([&] { ++done; }, kinds[i % 3]));
     }
     EXPECT_EQ(done, 200);
 }
@@ -39,13 +46,13 @@ TEST(WorkerPool, DirectoryJobsLeaveWorkersToTheOthers) {
     std::latch begun(2), all(3);
     std::atomic<int> directory_jobs = 0;
     WorkerPool pool(3, 2, 10);
-    for (int i = 0; i < 2; ++i) ASSERT_TRUE(pool.try_add(gate.job(begun), true));
+    for (int i = 0; i < 2; ++i) ASSERT_TRUE(pool.try_add(gate.job(begun), Kind::directory));
     begun.wait();
     const auto count = [&] {
         ++directory_jobs;
         all.count_down();
     };
-    for (int i = 0; i < 3; ++i) ASSERT_TRUE(pool.try_add(count, true));
+    for (int i = 0; i < 3; ++i) ASSERT_TRUE(pool.try_add(count, Kind::directory));
     for (int i = 0; i < 10; ++i) {
         std::promise<void> done;
         ASSERT_TRUE(pool.try_add([&] { done.set_value(); }));
@@ -72,28 +79,65 @@ TEST(WorkerPool, AJobMayTurnOutToWaitForTheDirectory) {
         job();
     }));
     EXPECT_TRUE(result_of([&] { return pool.try_wait(); })) << "which then ends";
-    EXPECT_TRUE(pool.try_add(second.job(begun), true));
+    EXPECT_TRUE(pool.try_add(second.job(begun), Kind::directory));
     begun.wait();
     EXPECT_FALSE(result_of([&] { return pool.try_wait(); }));
     first.open();
     second.open();
 }
 
-TEST(WorkerPool, TakesNoMoreThanMayWaitOfEitherKind) {
+TEST(WorkerPool, WhoWaitsForAPlaceComesBeforeJobsThatNobodyHasTaken) {
+    constexpr int many = 1'000'000;
+    std::atomic<bool> has_place = false;
+    std::atomic<int> carried_out = 0;
+    WorkerPool pool(3, 1, 100);
+    // There is always a next one, until the other job has its place.
+    const std::function<void()> next = [&] {
+        if (!has_place && ++carried_out < many) pool.try_add(next, Kind::directory);
+    };
+    for (int i = 0; i < 10; ++i) ASSERT_TRUE(pool.try_add(next, Kind::directory));
+    std::promise<bool> answer;
+    ASSERT_TRUE(pool.try_add(
+        [&] {
+            has_place = pool.try_wait();
+            answer.set_value(has_place);
+        },
+        Kind::undecided));
+    EXPECT_TRUE(answer.get_future().get());
+    EXPECT_LT(carried_out, many);
+}
+
+TEST(WorkerPool, AWorkerIsLeftToJobsThatAreKnownNotToWait) {
+    Gate gate;
+    std::latch begun(3);
+    WorkerPool pool(4, 2, 100);
+    for (int i = 0; i < 3; ++i) ASSERT_TRUE(pool.try_add(gate.job(begun), Kind::undecided));
+    begun.wait();
+    for (const Kind kind : {Kind::undecided, Kind::directory})
+        for (int i = 0; i < 5; ++i) ASSERT_TRUE(pool.try_add([] {}, kind));
+    for (int i = 0; i < 10; ++i) {
+        std::promise<bool> answer;
+        ASSERT_TRUE(pool.try_add([&] { answer.set_value(pool.try_wait()); }));
+        EXPECT_FALSE(answer.get_future().get()) << "it must not become one of those";
+    }
+    gate.open();
+}
+
+TEST(WorkerPool, TakesNoMoreThanMayWaitOfEachKind) {
     Gate gate;
     std::latch begun(1);
     WorkerPool pool(1, 1, 2);
     ASSERT_TRUE(pool.try_add(gate.job(begun)));
     begun.wait();
-    for (const bool is_directory_job : {false, true}) {
-        EXPECT_TRUE(pool.try_add([] {}, is_directory_job));
-        EXPECT_TRUE(pool.try_add([] {}, is_directory_job));
-        EXPECT_FALSE(pool.try_add([] {}, is_directory_job));
+    for (const Kind kind : kinds) {
+        EXPECT_TRUE(pool.try_add([] {}, kind));
+        EXPECT_TRUE(pool.try_add([] {}, kind));
+        EXPECT_FALSE(pool.try_add([] {}, kind));
     }
     gate.open();
 }
 
-TEST(WorkerPool, KeepsTheOrderOfArrivalAcrossBothKinds) {
+TEST(WorkerPool, KeepsTheOrderOfArrivalAcrossAllKinds) {
     Gate gate;
     std::latch begun(1);
     std::string order;
@@ -101,11 +145,12 @@ TEST(WorkerPool, KeepsTheOrderOfArrivalAcrossBothKinds) {
         WorkerPool pool(1, 1, 100);
         ASSERT_TRUE(pool.try_add(gate.job(begun)));
         begun.wait();
-        for (const char c : std::string("lolloo"))
-            ASSERT_TRUE(pool.try_add([&order, c] { order += c; }, c == 'l'));
+        for (const std::size_t kind : {2, 0, 1, 2, 2, 0, 1})
+            ASSERT_TRUE(
+                pool.try_add([&order, kind] { order += std::to_string(kind); }, kinds[kind]));
         gate.open();
     }
-    EXPECT_EQ(order, "lolloo");
+    EXPECT_EQ(order, "2012201");
 }
 
 }  // namespace
