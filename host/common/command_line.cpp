@@ -26,16 +26,6 @@ private:
     }
 };
 
-// "orvo directory import", as far as the words were understood.
-std::string command_of(const CLI::App& app) {
-    std::string command = app.get_name();
-    for (const CLI::App* at = &app; !at->get_subcommands().empty();) {
-        at = at->get_subcommands().front();
-        command += " " + at->get_name();
-    }
-    return command;
-}
-
 }  // namespace
 
 CommandLine::CommandLine(const std::string& program, const std::string& description)
@@ -56,7 +46,7 @@ std::optional<int> CommandLine::read(std::vector<std::string> words) {
     } catch (const CLI::CallForVersion& asked) {
         std::cout << asked.what() << '\n';
     } catch (const CLI::ParseError& mistake) {
-        std::cerr << get_name() << ": " << mistake.what() << "; see " << command_of(*this)
+        std::cerr << get_name() << ": " << mistake.what() << "; see " << words_read()
                   << " --help\n";
         return misused;
     }
@@ -65,6 +55,15 @@ std::optional<int> CommandLine::read(std::vector<std::string> words) {
 
 std::optional<int> CommandLine::read(int count, char** words) {
     return read(std::vector<std::string>(words + 1, words + count));
+}
+
+std::string CommandLine::words_read() const {
+    std::string words = get_name();
+    for (const CLI::App* at = this; !at->get_subcommands().empty();) {
+        at = at->get_subcommands().front();
+        words += " " + at->get_name();
+    }
+    return words;
 }
 
 std::string value_name(const CLI::Option& option) {

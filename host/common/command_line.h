@@ -21,6 +21,9 @@ public:
     // The exit code, where that was all: 0 after help or version, 2 after a mistake.
     std::optional<int> read(std::vector<std::string> words);
     std::optional<int> read(int count, char** words);
+
+    // The program and the commands that were read: "orvo directory import".
+    std::string words_read() const;
 };
 
 inline constexpr int misused = 2;

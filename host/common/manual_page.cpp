@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <map>
 #include <sstream>
 
 #include "host/common/command_line.h"
@@ -20,6 +21,11 @@ std::vector<const CLI::Option*> options_of(const CLI::App& app) {
 
 std::string spelled(std::string text, char first) {
     if (!text.empty()) text[0] = first;
+    return text;
+}
+
+std::string in_capitals(std::string text) {
+    std::ranges::transform(text, text.begin(), [](unsigned char c) { return std::toupper(c); });
     return text;
 }
 
@@ -53,22 +59,45 @@ std::string usage(const CLI::App& app, const std::string& command) {
     return line;
 }
 
+// Options of a group of their own are told once, in a chapter of that name.
+bool is_common(const CLI::Option* option) {
+    return option->nonpositional() && option->get_group() != "Options";
+}
+
 void row(std::ostream& out, const std::string& head, const std::string& text) {
     out << ".TP\n" << head << '\n' << text << '\n';
+}
+
+void row_of(std::ostream& out, const CLI::Option& option) {
+    std::string head = bold(option.get_name(false, true));
+    if (const std::string value = value_name(option); !value.empty()) head += " " + italic(value);
+    const std::string otherwise = option.get_default_str();
+    row(out, head,
+        escaped(option.get_description()) + "." +
+            (otherwise.empty() ? "" : " Without it: " + escaped(otherwise) + "."));
 }
 
 void rows_of_options(std::ostream& out, const CLI::App& app) {
     for (const CLI::Option* option : positionals_of(app))
         row(out, italic(option->get_name(true, false)), escaped(option->get_description()) + ".");
-    for (const CLI::Option* option : options_of(app)) {
-        if (app.get_parent() && option == app.get_help_ptr()) continue;
-        std::string head = bold(option->get_name(false, true));
-        if (option->get_type_size() != 0) head += " " + italic(value_name(*option));
-        const std::string otherwise = option->get_default_str();
-        row(out, head,
-            escaped(option->get_description()) + "." +
-                (otherwise.empty() ? "" : " Without it: " + escaped(otherwise) + "."));
-    }
+    for (const CLI::Option* option : options_of(app))
+        if (!is_common(option) && !(app.get_parent() && option == app.get_help_ptr()))
+            row_of(out, *option);
+    std::string common;
+    for (const CLI::Option* option : options_of(app))
+        if (is_common(option))
+            common += (common.empty() ? "" : ", ") + bold(option->get_name(false, true));
+    if (!common.empty()) out << ".PP\nAnd " << common << ".\n";
+}
+
+// By their groups and names.
+using CommonOptions = std::map<std::string, std::map<std::string, const CLI::Option*>>;
+
+void find_common_options(const CLI::App& app, CommonOptions& found) {
+    for (const CLI::Option* option : options_of(app))
+        if (is_common(option))
+            found[option->get_group()].try_emplace(option->get_name(false, true), option);
+    for (const CLI::App* below : app.get_subcommands({})) find_common_options(*below, found);
 }
 
 // The footer: prose, and chapters of rows with two blanks between name and text.
@@ -83,9 +112,7 @@ void chapters(std::ostream& out, const std::string& footer) {
                 escaped(line.substr(line.find_first_not_of(' ', gap))));
         } else if (line.ends_with(':') && !line.starts_with(' ')) {
             line.pop_back();
-            std::ranges::transform(line, line.begin(),
-                                   [](unsigned char c) { return std::toupper(c); });
-            out << ".SH " << line << '\n';
+            out << ".SH " << in_capitals(line) << '\n';
         } else {
             out << escaped(line.substr(std::min(line.size(), line.find_first_not_of(' ')))) << '\n';
         }
@@ -129,11 +156,10 @@ void completion_cases(const CLI::App& app, const std::string& path, std::string&
 
 std::string manual_page(const CLI::App& program, const std::string& see_also) {
     const std::string name = program.get_name();
-    std::string title = name;
-    std::ranges::transform(title, title.begin(), [](unsigned char c) { return std::toupper(c); });
     std::string description = program.get_description();
     std::ostringstream out;
-    out << ".TH " << escaped(title) << " 1 \"\" \"OrvoMembership " << version() << "\"\n"
+    out << ".TH " << escaped(in_capitals(name)) << " 1 \"\" \"OrvoMembership " << version()
+        << "\"\n"
         << ".SH NAME\n"
         << escaped(name) << " \\- "
         << escaped(spelled(description.substr(0, description.size() - 1),
@@ -151,6 +177,12 @@ std::string manual_page(const CLI::App& program, const std::string& see_also) {
     if (!program.get_subcommands({}).empty()) {
         out << ".SH COMMANDS\n";
         commands_below(out, program, name);
+    }
+    CommonOptions common;
+    find_common_options(program, common);
+    for (const auto& [chapter, options] : common) {
+        out << ".SH " << in_capitals(chapter) << '\n';
+        for (const auto& [option_name, option] : options) row_of(out, *option);
     }
     chapters(out, footer.substr(line));
     out << ".SH SEE ALSO\n" << escaped(see_also) << '\n';

@@ -1,4 +1,4 @@
-#include "host/admin/progress_bar.h"
+#include "host/admin/common/progress_bar.h"
 
 #include <gtest/gtest.h>
 

@@ -21,6 +21,10 @@ struct SiteSettings {
     std::string service_code;
 };
 
+// The settings of the site that a command works on: of the file that --site names, or without it
+// where the component looks for them. Raises std::runtime_error where there is no such file.
+std::filesystem::path site_file(const std::filesystem::path& given);
+
 // Raises std::exception for a file that cannot be read or lacks one of these.
 SiteSettings read_site_settings(const std::filesystem::path& file);
 

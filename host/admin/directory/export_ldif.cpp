@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "host/admin/directory_admin.h"
+#include "host/admin/directory/directory_admin.h"
 #include "suite/directory/embedded/store/new_file.h"
 #include "suite/directory/embedded/store/store.h"
 #include "suite/directory/ldif/ldif_writer.h"

@@ -1,4 +1,4 @@
-#include "host/admin/texts.h"
+#include "host/admin/common/texts.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "host/admin/common/component_failure.h"
 #include "platform/values/failure.h"
 
 namespace orvo::admin {
@@ -28,6 +29,7 @@ std::string printable(std::string_view text) {
 }
 
 std::string told(const std::exception& failure) {
+    if (const auto by_component = try_told_by_component(failure)) return printable(*by_component);
     const auto* own = dynamic_cast<const Failure*>(&failure);
     return printable(own ? to_utf8(own->description) : failure.what());
 }

@@ -6,9 +6,9 @@
 #include <optional>
 #include <set>
 
-#include "host/admin/directory_admin.h"
-#include "host/admin/progress_bar.h"
-#include "host/admin/texts.h"
+#include "host/admin/common/progress_bar.h"
+#include "host/admin/common/texts.h"
+#include "host/admin/directory/directory_admin.h"
 #include "suite/directory/embedded/store/store.h"
 #include "suite/directory/policy/failures.h"
 #include "suite/directory/schema/entry_check.h"

@@ -1,4 +1,4 @@
-#include "host/admin/input_file.h"
+#include "host/admin/common/input_file.h"
 
 #include <cerrno>
 #include <iostream>

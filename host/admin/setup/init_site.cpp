@@ -1,7 +1,6 @@
-#include "host/admin/init_site.h"
+#include "host/admin/setup/init_site.h"
 
 #include <pwd.h>
-#include <sys/random.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -13,8 +12,9 @@
 #include <system_error>
 #include <vector>
 
-#include "host/admin/directory_admin.h"
-#include "host/admin/site_settings.h"
+#include "host/admin/common/random_texts.h"
+#include "host/admin/common/site_settings.h"
+#include "host/admin/directory/directory_admin.h"
 #include "suite/configuration/suite_configuration.h"
 #include "suite/configuration/value_reference.h"
 #include "suite/directory/embedded/directory/directory.h"
@@ -31,38 +31,6 @@ namespace fs = std::filesystem;
 
 constexpr int number_of_user_types = 5;
 constexpr const char* policy_name = "cn=default,ou=Policies";
-
-unsigned char random_byte() {
-    unsigned char byte = 0;
-    if (getrandom(&byte, 1, 0) != 1)
-        throw std::system_error(errno, std::generic_category(), "random numbers");
-    return byte;
-}
-
-// Letters and digits that nobody takes for others.
-std::string random_password(std::size_t length) {
-    static constexpr std::string_view alphabet =
-        "abcdefghjkmnpqrstuvwxyzABCDEFGHJKLMNPQRSTUVWXYZ23456789";
-    // What is above would make some letters likelier than others.
-    constexpr unsigned usable = 256 / alphabet.size() * alphabet.size();
-    std::string password;
-    while (password.size() < length)
-        if (const unsigned char byte = random_byte(); byte < usable)
-            password += alphabet[byte % alphabet.size()];
-    return password;
-}
-
-// As users have it: 32 hexadecimal digits.
-std::string random_guid() {
-    static constexpr char digits[] = "0123456789ABCDEF";
-    std::string guid;
-    for (int i = 0; i < 16; ++i) {
-        const unsigned char byte = random_byte();
-        guid += digits[byte >> 4];
-        guid += digits[byte & 15];
-    }
-    return guid;
-}
 
 // What was made, to be taken away again unless everything was.
 class Made {

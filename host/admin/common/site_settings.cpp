@@ -1,8 +1,9 @@
-#include "host/admin/site_settings.h"
+#include "host/admin/common/site_settings.h"
 
 #include <stdexcept>
 
 #include "suite/configuration/ini_files.h"
+#include "suite/configuration/suite_configuration.h"
 
 namespace orvo::admin {
 namespace {
@@ -16,6 +17,15 @@ std::string read(const SiteSettings& site, const IniValues& values, TextView key
 }
 
 }  // namespace
+
+std::filesystem::path site_file(const std::filesystem::path& given) {
+    const std::filesystem::path file =
+        std::filesystem::absolute(given.empty() ? usual_site_file() : given);
+    if (std::filesystem::exists(file)) return file;
+    throw std::runtime_error(file.string() +
+                             ": there are no settings of a site; name them with --site, or make "
+                             "them with orvo init");
+}
 
 SiteSettings read_site_settings(const std::filesystem::path& file) {
     const std::shared_ptr<const IniValues> values = load_ini_file(file);

@@ -6,10 +6,10 @@
 #include <optional>
 #include <stdexcept>
 
-#include "host/admin/directory_admin.h"
-#include "host/admin/input_file.h"
-#include "host/admin/progress_bar.h"
-#include "host/admin/texts.h"
+#include "host/admin/common/input_file.h"
+#include "host/admin/common/progress_bar.h"
+#include "host/admin/common/texts.h"
+#include "host/admin/directory/directory_admin.h"
 #include "suite/directory/embedded/directory/directory.h"
 #include "suite/directory/embedded/transfer/loader.h"
 #include "suite/directory/policy/failures.h"

@@ -4,8 +4,8 @@
 #include <memory>
 #include <stdexcept>
 
-#include "host/admin/directory_admin.h"
-#include "host/admin/texts.h"
+#include "host/admin/common/texts.h"
+#include "host/admin/directory/directory_admin.h"
 #include "suite/directory/embedded/access/access_rules.h"
 #include "suite/directory/embedded/store/store.h"
 #include "suite/directory/embedded/transfer/loader.h"

@@ -1,0 +1,53 @@
+#include "host/admin/common/site.h"
+
+#include <stdexcept>
+
+#include "host/admin/common/names.h"
+#include "host/admin/common/site_settings.h"
+
+namespace orvo::admin {
+
+Site::Site(const std::filesystem::path& given) : file_(site_file(given)) {
+    Members().setServerInfo(file_.string());
+    info_.SetConfiguration(file_.string());
+    service_ = info_.GetMemScriptUser().to<std::string>();
+    service_code_ = info_.GetMemScriptCode().to<std::string>();
+    if (service_.empty())
+        throw std::runtime_error(file_.string() + " does not say MemScriptUser in [MEMBERSHIP]");
+}
+
+Members Site::members() const {
+    Members members;
+    members.BindAs(service_, service_code_);
+    return members;
+}
+
+Profiles Site::profiles() const {
+    Profiles profiles;
+    profiles.BindAs(service_, service_code_);
+    return profiles;
+}
+
+User Site::user(const std::string& name) const {
+    User user;
+    user.BindAs(name, service_, service_code_);
+    return user;
+}
+
+orvo::Profile Site::profile(const std::string& name) const {
+    orvo::Profile profile;
+    profile.BindAs(name, service_, service_code_);
+    return profile;
+}
+
+std::string Site::user_entry(const std::string& name) const {
+    return info_.GetUserNamingAttribute().to<std::string>() + "=" + as_name_value(name) + "," +
+           info_.GetUserContainer().to<std::string>();
+}
+
+std::string Site::profile_entry(const std::string& name) const {
+    return info_.GetProfileNamingAttribute().to<std::string>() + "=" + as_name_value(name) + "," +
+           info_.GetProfileContainer().to<std::string>();
+}
+
+}  // namespace orvo::admin
