@@ -17,8 +17,9 @@ WebCommandLine::WebCommandLine()
         ->check(CLI::Range(0, 65535))
         ->capture_default_str()
         ->type_name("PORT");
-    add_option("--workers", server.workers, "Requests that are served at a time")
-        ->check(CLI::Range(1, 256))
+    add_option("--workers", server.workers,
+               "Requests that are served at a time; 0: four for each processor, eight at least")
+        ->check(CLI::Range(0, 256))
         ->capture_default_str()
         ->type_name("N");
     add_option("--connections", server.most_connections, "Connections at a time; more are refused")

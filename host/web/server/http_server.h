@@ -13,8 +13,8 @@ namespace orvo::web {
 
 struct ServerOptions {
     std::string address = "127.0.0.1";
-    int port = 0;  // 0: any that is free
-    int workers = 16;
+    int port = 0;                     // 0: any that is free
+    int workers = 0;                  // 0: four for each processor, eight at least
     int directory_share = 75;         // percent of the workers, at least one: Lane::directory
     std::size_t most_waiting = 1000;  // requests for a worker, of either kind; more are refused
     std::filesystem::path certificate = {};  // PEM, with what leads to its issuer; makes it HTTPS

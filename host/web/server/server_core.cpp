@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <thread>
 #include <vector>
 
 #include "host/web/server/http_session.h"
@@ -9,8 +10,15 @@
 namespace orvo::web {
 namespace {
 
+int worker_count(const ServerOptions& options) {
+    constexpr int least = 8, of_each_processor = 4;
+    if (options.workers > 0) return options.workers;
+    return std::max(least,
+                    of_each_processor * static_cast<int>(std::thread::hardware_concurrency()));
+}
+
 int most_directory_jobs(const ServerOptions& options) {
-    return std::max(1, options.workers * options.directory_share / 100);
+    return std::max(1, worker_count(options) * options.directory_share / 100);
 }
 
 // A session that is closed may leave the set at once.
@@ -33,7 +41,7 @@ ServerCore::ServerCore(ServerOptions taken, HttpServer::Handler taken_handler,
              .largest_upload = std::max(options.largest_body, options.largest_upload)},
       connections(options.most_connections, options.most_of_one_address,
                   [this](const std::string& notice) { tell(notice); }),
-      workers(options.workers, most_directory_jobs(options), options.most_waiting) {}
+      workers(worker_count(options), most_directory_jobs(options), options.most_waiting) {}
 
 void ServerCore::tell(const std::string& trouble) const {
     if (hooks.trouble) hooks.trouble(trouble);

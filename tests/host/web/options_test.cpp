@@ -71,7 +71,7 @@ TEST(Options, AreRefusedWithASentence) {
              {{"a", "--port"}, "--port: 1 required PORT:INT in [0 - 65535] missing"},
              {{"a", "--port", "x"}, "--port: Value x not in range 0 to 65535"},
              {{"a", "--port", "65536"}, "--port: Value 65536 not in range 0 to 65535"},
-             {{"a", "--workers", "0"}, "--workers: Value 0 not in range 1 to 256"},
+             {{"a", "--workers", "257"}, "--workers: Value 257 not in range 0 to 256"},
              {{"a", "--config", ""}, "--config: A file is needed"},
              {{"a", "--key", "k.pem"}, "--key requires --certificate"},
          }) {
