@@ -40,13 +40,16 @@ public:
     template <class U>
     requires std::convertible_to<const U&, Text> InOut(const U& value) : value_(value) {}
     InOut(std::string* changed) : value_(*changed), target_(changed) {}
+    InOut(std::u16string* changed) : value_(*changed), wide_target_(changed) {}
 
     const Text& value() const { return value_; }
     std::string* target() const { return target_; }
+    std::u16string* wide_target() const { return wide_target_; }
 
 private:
     Text value_;
     std::string* target_ = nullptr;
+    std::u16string* wide_target_ = nullptr;
 };
 
 // A counted reference to an object; none by default.
@@ -205,19 +208,22 @@ template <class T>
 class Passed<InOut<T>> {
 public:
     explicit Passed(const InOut<T>& argument)
-        : raw_(Crossing<T>::give(argument.value())), target_(argument.target()) {}
+        : raw_(Crossing<T>::give(argument.value())), argument_(argument) {}
     ~Passed() { Crossing<T>::free(raw_); }
     Passed(const Passed&) = delete;
     Passed& operator=(const Passed&) = delete;
 
     auto pass() { return &raw_; }
     void take_back() {
-        if (target_) *target_ = Crossing<T>::take(raw_);
+        if (argument_.target()) *argument_.target() = Crossing<T>::take(raw_);
+        if constexpr (std::same_as<T, Text>)
+            if (argument_.wide_target())
+                *argument_.wide_target() = Bstr::attach(std::exchange(raw_, nullptr)).view();
     }
 
 private:
     typename Crossing<T>::raw raw_;
-    decltype(std::declval<InOut<T>>().target()) target_;
+    const InOut<T>& argument_;
 };
 
 template <class R, class... P>

@@ -107,6 +107,12 @@ public:
         raw_.bstrVal = made.release();
     }
     inline Value(const Object& object);
+    // Empty for none.
+    template <class T>
+    requires std::constructible_from<Value, const T&> Value(const std::optional<T>& value)
+        : Value() {
+        if (value) *this = Value(*value);
+    }
     // An array of variants.
     template <class T>
     requires std::constructible_from<Value, const T&> Value(const std::vector<T>& elements)

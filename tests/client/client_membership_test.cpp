@@ -83,6 +83,13 @@ TEST_F(ClientMembership, ArgumentsComeBackThroughPointersAlone) {
     std::string path = site();
     info.SetConfiguration(&path);
     EXPECT_EQ(path, site());
+    // The host loses its scheme in the caller's variable, too.
+    std::string host = "ldap://dir01";
+    std::u16string wide_host = orvo::to_utf16(host);
+    EXPECT_EQ(info.makeLDAPString(&host, "ou=Users", "tina"),
+              info.makeLDAPString(&wide_host, u"ou=Users", std::u16string(u"tina")));
+    EXPECT_EQ(host, "dir01");
+    EXPECT_EQ(wide_host, u"dir01");
     EXPECT_THAT(info.GetUserContainer().to<std::string>(), HasSubstr("ou=Users"));
     EXPECT_THROW(members().GetOrvoMembersHavingRole(100000), std::out_of_range);
 }

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <orvo/record_set.h>
 
+#include <ranges>
 #include <sstream>
 
 #include "tests/client/installed_modules.h"
@@ -60,6 +61,8 @@ TEST(ClientValue, OfNothingIsTheEmptyTextAndNoOptional) {
         EXPECT_FALSE(nothing.to<orvo::Object>());
     }
     EXPECT_EQ(Value("x").to<std::optional<std::string>>(), "x");
+    EXPECT_TRUE(Value(std::optional<std::int32_t>()).is_empty());
+    EXPECT_EQ(Value(std::optional<std::u16string>(u"y")).to<std::string>(), "y");
     std::ostringstream out;
     out << Value() << Value(7);
     EXPECT_EQ(out.str(), "7");
@@ -88,7 +91,24 @@ TEST(ClientDate, IsALocalTimeOnEitherSideOfItsFirstDay) {
     EXPECT_EQ(Value(orvo::Date(noon)).to<orvo::Date>().time(), noon);
 }
 
-class ClientObject : public InstalledModules {};
+class ClientObject : public InstalledModules {
+protected:
+    // Three rows, user0 to user2, aged 20 to 22; it stands on the first.
+    static orvo::RecordSet people() {
+        orvo::RecordSet people{orvo::Object("ADODB.Recordset")};
+        const auto fields = people.get("Fields").to<orvo::Object>();
+        fields.call("Append", "cn", 202, 50);
+        fields.call("Append", "age", 3);
+        people.call("Open");
+        for (int i = 0; i < 3; ++i) {
+            people.call("AddNew", std::vector<std::string>{"cn", "age"},
+                        std::vector<Value>{"user" + std::to_string(i), 20 + i});
+            people.call("Update");
+        }
+        people.call("MoveFirst");
+        return people;
+    }
+};
 
 TEST_F(ClientObject, IsMadeByItsProgidAndCalledByName) {
     const orvo::Object words("Scripting.Dictionary");
@@ -123,17 +143,7 @@ TEST_F(ClientObject, TellsWhatFails) {
 }
 
 TEST_F(ClientObject, ARecordSetIsARangeOfRows) {
-    orvo::RecordSet people{orvo::Object("ADODB.Recordset")};
-    const auto fields = people.get("Fields").to<orvo::Object>();
-    fields.call("Append", "cn", 202, 50);
-    fields.call("Append", "age", 3);
-    people.call("Open");
-    for (int i = 0; i < 3; ++i) {
-        people.call("AddNew", std::vector<std::string>{"cn", "age"},
-                    std::vector<Value>{"user" + std::to_string(i), 20 + i});
-        people.call("Update");
-    }
-    people.call("MoveFirst");
+    const orvo::RecordSet people = this->people();
     std::string shown;
     for (const orvo::Row& row : people)
         shown += row["CN"].to<std::string>() + row[1].to<std::string>() + ' ';
@@ -142,6 +152,27 @@ TEST_F(ClientObject, ARecordSetIsARangeOfRows) {
     EXPECT_THAT(people.columns(), ElementsAre("cn", "age"));
     EXPECT_THROW((*people.begin())["sn"], std::out_of_range);
     EXPECT_TRUE(orvo::RecordSet(people).get("EOF").to<bool>());
+}
+
+static_assert(std::ranges::forward_range<const orvo::RecordSet>);
+static_assert(std::ranges::sized_range<const orvo::RecordSet>);
+static_assert(std::ranges::common_range<const orvo::RecordSet>);
+
+TEST_F(ClientObject, AlgorithmsAndViewsTakeARecordSet) {
+    const orvo::RecordSet people = this->people();
+    const auto age = [](const orvo::Row& row) { return row["age"].to<int>(); };
+    EXPECT_EQ(std::ranges::count_if(
+                  people, [](int years) { return years > 20; }, age),
+              2);
+    EXPECT_EQ((*std::ranges::max_element(people, {}, age))["cn"].to<std::string>(), "user2");
+    EXPECT_EQ(std::ranges::find(people, 30, age), people.end());
+    std::vector<std::string> names;
+    for (const std::string& name :
+         this->people() | std::views::drop(1) | std::views::transform([](const orvo::Row& row) {
+             return row["cn"].to<std::string>();
+         }))
+        names.push_back(name);
+    EXPECT_THAT(names, ElementsAre("user1", "user2"));
 }
 
 }  // namespace

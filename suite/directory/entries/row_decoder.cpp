@@ -55,7 +55,7 @@ std::vector<Variant> RowDecoder::row(const EntryData& entry) {
 const RowDecoder::Spelling& RowDecoder::spelling_of(std::string_view name) {
     for (const Spelling& spelling : spellings_)
         if (spelling.name == name) return spelling;
-    Spelling& added = spellings_.emplace_back(std::string(name));
+    Spelling& added = spellings_.emplace_back(Spelling{std::string(name), {}});
     for (std::size_t column = 0; column < columns_.size(); ++column)
         if (types_.same(columns_[column].name, name)) added.columns.push_back(column);
     return added;
