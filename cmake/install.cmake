@@ -74,7 +74,8 @@ install(DIRECTORY platform DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvo/module C
         FILES_MATCHING PATTERN "*.h"
         PATTERN linux EXCLUDE PATTERN windows EXCLUDE PATTERN compat EXCLUDE
         PATTERN automation.h EXCLUDE)
-install(DIRECTORY platform/compat DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvo COMPONENT development)
+install(DIRECTORY platform/compat/ client/com/ COMPONENT development
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvo/compat)
 foreach(contract provider/directory_contract config/configuration_contract common/log_contract
                  auth/filter_contract)
   get_filename_component(folder ${contract} DIRECTORY)

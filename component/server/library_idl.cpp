@@ -7,24 +7,14 @@
 namespace orvo {
 namespace {
 
-struct Library {
-    const char* name;
-    const char* id;
-    const char* uses;  // another library, by its name; empty for none
-};
-
-constexpr Library component{"OrvoMembership", "6B0D9A7E-3C52-4F0B-9D2E-8A41C1F5E700",
-                            "TavikPMMInterfaces"};
-constexpr Library provider{"TavikPMMInterfaces", "6B0D9A7E-3C52-4F0B-9D2E-8A41C1F5E7A0", ""};
-
 // `macros`: what the text itself needs beforehand.
-std::string head(const Library& library, const std::string& macros) {
+std::string head(const LibraryName& library, const std::string& macros) {
     const std::string name = library.name;
     const std::string uses = library.uses;
     return "// Written from the interface tables by orvo-idl; not edited by hand.\n"
            "import \"oaidl.idl\";\n" +
            (uses.empty() ? "" : "import \"" + uses + ".idl\";\n") + "\n" + macros + "[ uuid(" +
-           library.id + "), version(1.0), helpstring(\"" + name +
+           idl_guid(library.id) + "), version(1.0), helpstring(\"" + name +
            " 1.0 Type Library\") ]\nlibrary " + name + "\n{\n    importlib(\"stdole2.tlb\");\n" +
            (uses.empty() ? "" : "    importlib(\"" + uses + ".tlb\");\n") + "\n";
 }
@@ -62,7 +52,7 @@ std::string coclass() {
 
 std::string component_idl() {
     IdlWriter writer;
-    writer.raw(head(component, idl_empty_text));
+    writer.raw(head(component_library, idl_empty_text));
     writer.raw(errors());
     [&]<class... C>(std::type_identity<std::tuple<C...>>) {
         write_interfaces<default_interface<C>...>(writer);
@@ -74,7 +64,7 @@ std::string component_idl() {
 
 std::string provider_idl() {
     IdlWriter writer;
-    writer.raw(head(provider, ""));
+    writer.raw(head(provider_library, ""));
     [&]<class... I>(std::type_identity<std::tuple<I...>>) {
         write_interfaces<I...>(writer);
     }(std::type_identity<ForeignInterfaces>{});

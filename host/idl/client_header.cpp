@@ -1,12 +1,12 @@
 #include "host/idl/client_header.h"
 
-#include <cstdio>
 #include <map>
 #include <optional>
 #include <vector>
 
 #include "component/common/OrvoMemErrors.h"
 #include "component/server/class_list.h"
+#include "host/idl/guid_numbers.h"
 #include "platform/interfaces/idl.h"
 
 namespace orvo {
@@ -44,17 +44,6 @@ std::string class_name(const char* progid) {
     return whole.substr(whole.find('.') + 1);
 }
 
-// "{0x6B0D9A7E, 0x3C52, 0x4F0B, {0x9D, …}}"
-std::string initializer(const abi::GUID& id) {
-    char text[128];
-    int length = std::snprintf(text, sizeof text, "{0x%08X, 0x%04X, 0x%04X, {",
-                               static_cast<unsigned>(id.Data1), id.Data2, id.Data3);
-    for (std::size_t i = 0; i < std::size(id.Data4); ++i)
-        length += std::snprintf(text + length, sizeof text - static_cast<std::size_t>(length),
-                                i == 0 ? "0x%02X" : ", 0x%02X", id.Data4[i]);
-    return std::string(text) + "}}";
-}
-
 // A class of the client, as it is declared and, behind all classes, defined.
 class ClassWriter {
 public:
@@ -64,8 +53,8 @@ public:
         name_ = class_name(class_of<C>.progid);
         declared += "// " + std::string(table_of<I>.about) + "\nclass " + name_ +
                     " : public Object {\npublic:\n    // Makes one.\n    " + name_ +
-                    "() : Object(\"" + class_of<C>.progid + "\", " + initializer(table_of<I>.iid) +
-                    ") {}\n    explicit " + name_ +
+                    "() : Object(\"" + class_of<C>.progid + "\", " + "{" +
+                    guid_numbers(table_of<I>.iid, "{") + "}}" + ") {}\n    explicit " + name_ +
                     "(Object object) : Object(std::move(object)) {}\n\n";
         const auto& table = table_of<I>;
         table.for_each([&]<auto M>(std::size_t index) {

@@ -6,6 +6,7 @@
 #include "component/server/library_idl.h"
 #include "host/common/command_line.h"
 #include "host/idl/client_header.h"
+#include "host/idl/com_headers.h"
 #include "host/idl/properties_page.h"
 #include "host/idl/properties_script.h"
 #include "host/idl/reference_pages.h"
@@ -39,6 +40,10 @@ int main(int count, char** words) {
     offer("--interfaces", "The IDL of others' interfaces (component/server/TavikPMMInterfaces.idl)",
           orvo::provider_idl);
     offer("--client", "The C++ client's header (client/orvo/membership.h)", orvo::client_header);
+    offer("--com", "The header for plain COM sources (client/com/OrvoMembership.h)",
+          orvo::component_com_header);
+    offer("--com-interfaces", "The same of others' interfaces (client/com/TavikPMMInterfaces.h)",
+          orvo::provider_com_header);
     offer("--properties", "The page of the user's properties (docs/user-properties.md)",
           orvo::user_properties_page);
     offer("--property-list", "Their names for scripts (tests/conformance/user_catalogue.js.part)",

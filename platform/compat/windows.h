@@ -125,6 +125,7 @@ enum : VARTYPE {
 union CY {
     std::int64_t int64;
 };
+using CURRENCY = CY;
 struct SAFEARRAY;
 struct SAFEARRAYBOUND {
     ULONG cElements;

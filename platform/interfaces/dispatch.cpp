@@ -265,8 +265,10 @@ void InterfaceInfo::finish() {
 }
 
 abi::DISPID InterfaceInfo::id_of(TextView name) const {
-    for (const Key& key : std::ranges::equal_range(by_name, name_key(name), {}, &Key::value))
-        if (is_named(members[key.member], name)) return members[key.member].id;
+    const std::uint32_t asked = name_key(name);
+    for (auto key = std::ranges::lower_bound(by_name, asked, {}, &Key::value);
+         key != by_name.end() && key->value == asked; ++key)
+        if (is_named(members[key->member], name)) return members[key->member].id;
     return abi::DISPID_UNKNOWN;
 }
 
@@ -285,8 +287,9 @@ abi::DISPID InterfaceInfo::parameter_of(abi::DISPID id, TextView name) const {
 
 const LateMember* InterfaceInfo::find(abi::DISPID id, Shape shape) const {
     const auto asked = static_cast<std::uint32_t>(id);
-    for (const Key& key : std::ranges::equal_range(by_id, asked, {}, &Key::value))
-        if (members[key.member].row->shape == shape) return &members[key.member];
+    for (auto key = std::ranges::lower_bound(by_id, asked, {}, &Key::value);
+         key != by_id.end() && key->value == asked; ++key)
+        if (members[key->member].row->shape == shape) return &members[key->member];
     return nullptr;
 }
 
