@@ -13,47 +13,63 @@
 namespace orvo {
 
 // One key of section "MEMBERSHIP", the field it fills (a text, a list split at ",", or a password)
-// and what it is for.
+// and what people are told of it (described_setting.h).
 struct ServerInfo::Setting {
     const char16_t* key;
     std::variant<Text ServerInfo::*, Variant ServerInfo::*, Secret ServerInfo::*> field;
+    const char* values;
+    const char* otherwise;
     const char* about;
 };
 
 // In the order in which they are read; the last one is read after the containers are composed.
 const ServerInfo::Setting ServerInfo::settings[] = {
-    {u"LDAPServer", &ServerInfo::server_name_,
-     "The directory server, or several with blanks between them; of the embedded directory its "
+    {u"LDAPServer", &ServerInfo::server_name_, "servers, with blanks between; or a file",
+     "no directory is found (0x8007203F, 0x80040321)",
+     "The directory server, or several in order of preference; of the embedded directory its "
      "file."},
-    {u"UserContainer", &ServerInfo::user_container_, "Where users live, below LDAPRoot."},
-    {u"ProfileContainer", &ServerInfo::profile_container_, "Where profiles live, below LDAPRoot."},
-    {u"AccountContainer", &ServerInfo::account_container_,
-     "Where the service accounts for types of users live, below LDAPRoot."},
-    {u"UserClass", &ServerInfo::user_classes_,
+    {u"UserContainer", &ServerInfo::user_container_, "distinguished name, below LDAPRoot",
+     "no user can be bound (0x80072032)", "Where users live."},
+    {u"ProfileContainer", &ServerInfo::profile_container_, "distinguished name, below LDAPRoot",
+     "no profile can be bound, and no user who has one (0x80072032)", "Where profiles live."},
+    {u"AccountContainer", &ServerInfo::account_container_, "distinguished name, below LDAPRoot",
+     "no user can be bound (0x80072032)", "Where the service accounts for types of users live."},
+    {u"UserClass", &ServerInfo::user_classes_, "class names, with commas between",
+     "searches fail (9), and users cannot be created (0x80072014)",
      "The object classes of users. The first alone selects users in searches; a new user gets "
      "all."},
-    {u"ProfileClass", &ServerInfo::profile_class_, "The object class of profiles."},
-    {u"AccountClass", &ServerInfo::account_class_, "The object class of service accounts."},
-    {u"ProfileNamingAttribute", &ServerInfo::profile_naming_attribute_,
+    {u"ProfileClass", &ServerInfo::profile_class_, "class name",
+     "role searches see the users' own roles alone", "The object class of profiles."},
+    {u"AccountClass", &ServerInfo::account_class_, "class name", "an empty text",
+     "The object class of service accounts, for programs that ask for it; the component does not."},
+    {u"ProfileNamingAttribute", &ServerInfo::profile_naming_attribute_, "attribute",
+     "no profile can be bound, and no user who has one (0x80072032)",
      "The attribute that names profiles."},
-    {u"UserNamingAttribute", &ServerInfo::user_naming_attribute_,
+    {u"UserNamingAttribute", &ServerInfo::user_naming_attribute_, "attribute",
+     "no user can be bound (0x80072032), and no password is right",
      "The attribute that names users."},
-    {u"AccountNamingAttribute", &ServerInfo::account_naming_attribute_,
-     "The attribute that names service accounts."},
+    {u"AccountNamingAttribute", &ServerInfo::account_naming_attribute_, "attribute",
+     "no user can be bound (0x80072032)", "The attribute that names service accounts."},
     {u"UserMandatoryAttributes", &ServerInfo::user_mandatory_attributes_,
+     "attributes, with commas between", "none",
      "What every new user has, besides names, GUID and password."},
-    {u"MemScriptUser", &ServerInfo::script_user_,
-     "The membership script account, below LDAPRoot: it creates users who register themselves, and "
-     "reads the service accounts."},
-    {u"MemScriptCode", &ServerInfo::script_code_, "Its password."},
-    {u"CookieName", &ServerInfo::cookie_name_,
-     "The login's cookie. Without one nobody can log in to a web site."},
-    {u"LDAPRoot", &ServerInfo::root_,
-     "The name under which everything lies. Without it there are no containers."},
-    {u"ConfigFileName", &ServerInfo::configuration_file_name_,
+    {u"MemScriptUser", &ServerInfo::script_user_, "distinguished name, below LDAPRoot",
+     "no user can be bound (0x8007052E)",
+     "The membership script account: it creates users who register themselves, and reads the "
+     "service accounts."},
+    {u"MemScriptCode", &ServerInfo::script_code_, "text", "no user can be bound (0x8007052E)",
+     "Its password."},
+    {u"CookieName", &ServerInfo::cookie_name_, "text",
+     "nobody can log in to a web site (0x8004044C)", "The login's cookie."},
+    {u"LDAPRoot", &ServerInfo::root_, "distinguished name",
+     "there are no containers: no user can be bound (0x80040321)",
+     "The name under which everything lies."},
+    {u"ConfigFileName", &ServerInfo::configuration_file_name_, "file name",
+     "BindToConfig fails (75)",
      "The file of [ConfigDN] and [Attributes], in the folder Config beside the site's file."},
-    {u"PlugableModuleImplementation", &ServerInfo::provider_implementation_,
-     "The directory provider's ProgID: OrvoDirectory.Embedded, OrvoDirectory.Ldap or one's own."},
+    {u"PlugableModuleImplementation", &ServerInfo::provider_implementation_, "ProgID",
+     "no directory is found (91)",
+     "The directory provider: OrvoDirectory.Embedded, OrvoDirectory.Ldap or one's own."},
 };
 
 namespace {
@@ -80,11 +96,8 @@ Secret read_as<Secret>(Variant value) {
 
 std::vector<DescribedSetting> ServerInfo::described_settings() {
     std::vector<DescribedSetting> all;
-    for (const Setting& setting : settings) {
-        const bool is_list = std::holds_alternative<Variant ServerInfo::*>(setting.field);
-        all.push_back({to_utf8(setting.key), is_list ? "texts, with commas between" : "text", "",
-                       setting.about});
-    }
+    for (const Setting& setting : settings)
+        all.push_back({to_utf8(setting.key), setting.values, setting.otherwise, setting.about});
     return all;
 }
 

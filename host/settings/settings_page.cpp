@@ -48,6 +48,12 @@ constexpr Variable variables[] = {
      "`orvo-script` sets it where it is not set."},
     {"ProgramData", "Windows' folder for the settings of all users."},
     {"CREDENTIALS_DIRECTORY", "Where `@credential:NAME` is looked for; systemd sets it."},
+    {"NOTIFY_SOCKET", "Where `orvo-web` tells that it serves, reloads and ends; systemd sets it."},
+    {"WATCHDOG_USEC",
+     "Microseconds after which systemd takes a service for hung; `orvo-web` tells twice as often "
+     "that "
+     "it is not."},
+    {"WATCHDOG_PID", "Whose watchdog that is; `orvo-web` passes over another process's."},
     {"ORVO_LOG_FILE", "The log's file."},
     {"ORVO_LOG_STDERR",
      "`1`: the log is written to the standard error; without `ORVO_LOG_FILE` to that alone."},
@@ -88,7 +94,7 @@ std::string settings_page() {
         "The file that `ConfigFileName` names, in the folder `Config` beside the site's "
         "configuration. `LdapAccess.BindToConfig` reads it.\n\n"
         "### [ConfigDN]\n\n" +
-        table({{"dn", "distinguished name", "",
+        table({{"dn", "distinguished name", "BindToConfig fails (0x80072030)",
                 "The entry that keeps the settings of the whole site, its full name."}}) +
         "### [Attributes]\n\n"
         "Every key is a name that programs use, its value the directory's attribute "

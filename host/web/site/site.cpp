@@ -154,7 +154,7 @@ fs::path file_folder(const Setting& setting, const fs::path& root, const Text& t
     return folder;
 }
 
-std::string none(const Site&) { return {}; }
+std::string none(const Site&) { return "none"; }
 std::string built_in(const Site&) { return "built in"; }
 
 constexpr std::array keys{
