@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cstdlib>
 #include <utility>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 namespace orvo::script {
 namespace {
@@ -24,7 +27,17 @@ constexpr std::size_t bytes_of_a_request = 4096;
 constexpr int times_asked = 11;
 constexpr std::chrono::milliseconds pause{250};
 
+// Looking for what can be given back takes milliseconds.
+constexpr std::size_t much = 8 * 1024 * 1024;
+
 }  // namespace
+
+Memory::~Memory() {
+#ifdef __GLIBC__
+    // It keeps what lies below a block in use, which one small block is enough for.
+    if (most_used_ >= much) malloc_trim(0);
+#endif
+}
 
 void Memory::set_limit(std::size_t added) {
     limit_ = added < std::numeric_limits<std::size_t>::max() - used_
@@ -36,6 +49,12 @@ bool Memory::fits(std::size_t added) {
     if (added <= limit_ && used_ <= limit_ - added) return true;
     refused_ = true;
     return false;
+}
+
+// Less than nothing where a block has become smaller.
+void Memory::count(std::size_t added) {
+    used_ += added;
+    most_used_ = std::max(most_used_, used_);
 }
 
 bool Memory::in_time(const void* block, std::size_t size) {
@@ -62,7 +81,7 @@ void* Memory::allocate(void* memory, std::size_t size) {
     void* begin = std::malloc(head + size);
     if (begin == nullptr) return nullptr;
     size_of(begin) = size;
-    self.used_ += size;
+    self.count(size);
     return block_of(begin);
 }
 
@@ -78,7 +97,7 @@ void* Memory::reallocate(void* memory, void* block, std::size_t size) {
     void* begin = std::realloc(begin_of(block), head + size);
     if (begin == nullptr) return nullptr;
     size_of(begin) = size;
-    self.used_ += size - before;
+    self.count(size - before);
     return block_of(begin);
 }
 

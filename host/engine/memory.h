@@ -19,6 +19,10 @@ class Memory {
 public:
     // time: null for work that is not limited; outlives the memory.
     explicit Memory(TimeLimit* time = nullptr) : time_(time) {}
+    // Where a script has used much, the process gives back to the system what is free now.
+    ~Memory();
+    Memory(const Memory&) = delete;
+    Memory& operator=(const Memory&) = delete;
 
     // From now on, so much may be added to what is used already. Until this is called, there is no
     // limit: Duktape cannot cope with a lack of memory while it starts.
@@ -34,6 +38,7 @@ public:
 
 private:
     bool fits(std::size_t added);
+    void count(std::size_t added);
     // Whether there is time for this request; block is null for a new one.
     bool in_time(const void* block, std::size_t size);
 
@@ -50,6 +55,7 @@ private:
     TimeLimit* time_;
     std::size_t limit_ = std::numeric_limits<std::size_t>::max();
     std::size_t used_ = 0;
+    std::size_t most_used_ = 0;
     bool refused_ = false;
     std::size_t work_ = 0;  // since the clock was looked at
     Refused late_;
