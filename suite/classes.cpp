@@ -1,4 +1,5 @@
 #include "platform/module/module.h"
+#include "suite/audit/suite_audit.h"
 #include "suite/authfilter/filter_connector.h"
 #include "suite/authfilter/live_logins.h"
 #include "suite/configuration/suite_configuration.h"
@@ -12,6 +13,7 @@ const ModuleDescription& this_module() {
     static constexpr ModuleClass classes[] = {
         module_class<SuiteConfiguration>(),
         module_class<SuiteLog>(),
+        module_class<audit::SuiteAudit>(),
         module_class<directory::ldap::LdapDirectory>(),
         module_class<directory::ldap::LdapServers>(),
         module_class<authfilter::FilterConnectorObject>(),

@@ -4,6 +4,7 @@
 
 #include "platform/values/failure.h"
 #include "platform/values/values.h"
+#include "suite/authfilter/audited_logins.h"
 #include "suite/authfilter/filter_user.h"
 #include "suite/authfilter/memory_store.h"
 
@@ -63,16 +64,29 @@ bool FilterConnectorObject::RegisterLogin(const Text& user, const Variant& appli
     require_guid(guid);
     if (user.empty())
         throw Failure(runtime_error::invalid_call, {}, u"A login needs the name of its user");
-    store_.begin({guid, user, numbers_in(applications), multi_login == 0, timeout_of(timeout)});
+    const std::vector<std::int32_t> numbers = numbers_in(applications);
+    store_.begin({guid, user, numbers, multi_login == 0, timeout_of(timeout)});
+    try {
+        record_login(store_.user_of(guid), numbers);
+    } catch (const Failure&) {
+        store_.forget(guid);
+        throw;
+    }
     return true;
 }
 
 bool FilterConnectorObject::IsLoggedIn(const Text& guid, std::int32_t application) {
-    return is_guid(guid) && store_.ask(guid, application);
+    if (!is_guid(guid)) return false;
+    if (store_.ask(guid, application)) return true;
+    if (const Text user = store_.user_of(guid); !user.empty()) record_refusal(user, application);
+    return false;
 }
 
 void FilterConnectorObject::Logout(const Text& guid) {
-    if (is_guid(guid)) store_.forget(guid);
+    if (!is_guid(guid)) return;
+    const Text user = store_.user_of(guid);
+    store_.forget(guid);
+    if (!user.empty()) record_logout(user);
 }
 
 }  // namespace orvo::authfilter

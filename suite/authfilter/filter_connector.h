@@ -20,7 +20,8 @@ public:
     // Applications: an array whose elements convert to 32-bit integers. Raises 13 where it is none,
     // 5 for a user without a name, 7 where the store is full. multi_login: any number but 0 means
     // many. timeout: below 1 the default of ten minutes (there is no login without an end), at most
-    // a year. Always true.
+    // a year. Always true. A login that the audit cannot record although it has to is none: that
+    // raises.
     bool RegisterLogin(const Text& user, const Variant& applications, const Text& guid,
                        std::int16_t multi_login, std::int32_t timeout) override;
     bool IsLoggedIn(const Text& guid, std::int32_t application) override;

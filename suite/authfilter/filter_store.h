@@ -66,6 +66,10 @@ public:
     // whatever the answer.
     virtual bool ask(const Text& guid, std::int32_t application) = 0;
 
+    // Whom the GUID has logged in, by the account path of its record, or else by name; empty where
+    // it has no live login. Does not count as a question for it.
+    virtual Text user_of(const Text& guid) = 0;
+
     // The GUID's login and record.
     virtual void forget(const Text& guid) = 0;
 

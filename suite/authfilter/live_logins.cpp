@@ -4,6 +4,7 @@
 
 #include "platform/values/failure.h"
 #include "platform/values/values.h"
+#include "suite/authfilter/audited_logins.h"
 
 namespace orvo::authfilter {
 
@@ -16,8 +17,15 @@ Variant LiveLogins::LoginsOf(const Text& guid) {
 
 bool LiveLogins::EndLogin(const Text& guid, const Text& id) {
     for (const LiveLoginFacts& facts : store_.logins_of(guid))
-        if (LiveLogin(facts).ID() == id) return store_.try_end(guid, facts.number);
+        if (LiveLogin(facts).ID() == id) return end(guid, facts);
     return false;
+}
+
+bool LiveLogins::end(const Text& guid, const LiveLoginFacts& facts) {
+    const Text user = store_.user_of(guid);
+    if (!store_.try_end(guid, facts.number)) return false;
+    record_logout(user, user);
+    return true;
 }
 
 void LiveLogins::put_MostOfOneUser(std::int32_t most) {

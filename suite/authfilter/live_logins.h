@@ -41,6 +41,8 @@ public:
     void put_MostOfOneUser(std::int32_t most);
 
 private:
+    bool end(const Text& guid, const LiveLoginFacts& facts);
+
     Store& store_;
 };
 

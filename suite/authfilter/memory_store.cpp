@@ -98,6 +98,14 @@ bool MemoryStore::ask(const Text& guid, std::int32_t application) {
     return std::ranges::find(held.login.applications, application) != held.login.applications.end();
 }
 
+Text MemoryStore::user_of(const Text& guid) {
+    const std::lock_guard guard(lock_);
+    if (!has_live_login(guid)) return {};
+    const auto record = records_.find(guid);
+    const bool has_path = record != records_.end() && !record->second.record.account_path.empty();
+    return has_path ? record->second.record.account_path : logins_.at(guid).login.user;
+}
+
 void MemoryStore::forget(const Text& guid) {
     const std::lock_guard guard(lock_);
     end_login(guid);

@@ -31,6 +31,7 @@ public:
     void save(const Text& guid, const Record& record) override;
     void begin(const Login& login) override;
     bool ask(const Text& guid, std::int32_t application) override;
+    Text user_of(const Text& guid) override;
     void forget(const Text& guid) override;
     std::vector<LiveLoginFacts> logins_of(const Text& guid) override;
     bool try_end(const Text& guid, std::uint64_t number) override;

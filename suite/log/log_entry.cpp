@@ -9,11 +9,6 @@ namespace {
 
 constexpr TextView indentation = u"    ";
 
-bool is_shown_by_code(char16_t unit) {
-    return (unit < 0x20 && unit != u'\t') || (unit >= 0x7F && unit <= 0x9F) ||
-           (unit >= 0x2028 && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069);
-}
-
 void append_on_one_line(Text& entry, TextView text) {
     for (;;) {
         const auto shown = std::find_if(text.begin(), text.end(), is_shown_by_code);
@@ -49,6 +44,11 @@ Text level_word(std::int32_t level) {
 }
 
 }  // namespace
+
+bool is_shown_by_code(char16_t unit) {
+    return (unit < 0x20 && unit != u'\t') || (unit >= 0x7F && unit <= 0x9F) ||
+           (unit >= 0x2028 && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069);
+}
 
 std::string log_entry(LogChannel channel, std::int32_t level, TextView source, TextView message) {
     Text entry = level_word(level);

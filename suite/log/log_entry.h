@@ -30,4 +30,8 @@ enum class LogChannel { main, alternate };
 // itself. The source is kept on one line by the same rule.
 std::string log_entry(LogChannel channel, std::int32_t level, TextView source, TextView message);
 
+// Whether a viewer is not to be given the character itself: control characters but the tab, and
+// what breaks lines or turns the writing direction.
+bool is_shown_by_code(char16_t unit);
+
 }  // namespace orvo

@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <csignal>
 #include <ctime>
@@ -14,6 +13,7 @@
 
 #include "platform/values/failure.h"
 #include "tests/support/environment.h"
+#include "tests/support/lowered_limit.h"
 #include "tests/support/temp_folder.h"
 
 namespace orvo {
@@ -24,23 +24,6 @@ using std::chrono::milliseconds;
 
 // 2024-05-06T07:08:09.123Z
 constexpr std::chrono::system_clock::time_point moment{milliseconds{1714979289123}};
-
-// One of the process's limits, lowered for a while.
-class Limit {
-public:
-    Limit(__rlimit_resource which, rlim_t lowered) : which_(which) {
-        getrlimit(which_, &before_);
-        const rlimit limit{lowered, before_.rlim_max};
-        setrlimit(which_, &limit);
-    }
-    ~Limit() { setrlimit(which_, &before_); }
-    Limit(const Limit&) = delete;
-    Limit& operator=(const Limit&) = delete;
-
-private:
-    __rlimit_resource which_;
-    rlimit before_{};
-};
 
 class LogWriterTest : public testing::Test {
 protected:
@@ -184,7 +167,7 @@ TEST_F(LogWriterTest, NotesFillFilesAsErrorsDo) {
 TEST_F(LogWriterTest, KeepsAFileOpenThatNobodyElseTouches) {
     LogWriter writer({file_});
     writer.write_error(moment, "one");
-    const Limit none(RLIMIT_NOFILE, 0);
+    const LoweredLimit none(RLIMIT_NOFILE, 0);
     EXPECT_NO_THROW(writer.write_error(moment, "two"));
     EXPECT_NO_THROW(writer.write_error(moment, "three"));
 }
@@ -192,7 +175,7 @@ TEST_F(LogWriterTest, KeepsAFileOpenThatNobodyElseTouches) {
 TEST_F(LogWriterTest, KeepsAFileOpenThatItBeganBecauseTheFormerWasFull) {
     LogWriter writer({file_, false, 70, 3});
     for (const char* entry : {"1...", "2...", "3..."}) writer.write_error(moment, entry);
-    const Limit none(RLIMIT_NOFILE, 0);
+    const LoweredLimit none(RLIMIT_NOFILE, 0);
     EXPECT_NO_THROW(writer.write_error(moment, "4..."));
 }
 
@@ -247,7 +230,7 @@ TEST_F(LogWriterTest, AnEntryThatFailedIsNotWrittenLater) {
     writer.write_error(moment, "one");
     {
         const auto before = std::signal(SIGXFSZ, SIG_IGN);
-        const Limit full(RLIMIT_FSIZE, fs::file_size(file_));
+        const LoweredLimit full(RLIMIT_FSIZE, fs::file_size(file_));
         expect_failure(writer, file_.string() +
                                    ": the log cannot be written (Failed flush to file " +
                                    file_.string() + ": File too large)");
@@ -263,7 +246,7 @@ TEST_F(LogWriterTest, ANewFileThatCannotBeOpenedIsAFailureAndTheNextEntryTriesAg
     writer.write_error(moment, "1...");
     writer.write_error(moment, "2...");
     {
-        const Limit none(RLIMIT_NOFILE, 0);
+        const LoweredLimit none(RLIMIT_NOFILE, 0);
         expect_failure(writer, file_.string() +
                                    ": the log cannot be written (Failed opening file " +
                                    file_.string() + " for writing: Too many open files)");

@@ -31,6 +31,8 @@ public:
     void authenticate();
 
     const Directory& directory() const { return *directory_; }
+    // As it was given; empty for nobody.
+    const std::string& user() const { return user_; }
     // The user's DistinguishedName::key(); empty for nobody.
     const std::string& user_key() const { return user_key_; }
     const Schema& schema() const { return *schema_; }

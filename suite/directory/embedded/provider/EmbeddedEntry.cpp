@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/values/values.h"
+#include "suite/directory/entries/audited.h"
 #include "suite/directory/entries/child_name.h"
 #include "suite/directory/entries/given_password.h"
 #include "suite/directory/entries/proven_password.h"
@@ -34,6 +35,7 @@ void EmbeddedEntry::Bind(Text& server, Text& container, Text& common_name, Text&
     const Text name = entry_name(common_name, container_name(container));
     require_whole(name);
     name_ = to_utf8(name);
+    server_ = server;
     login.authenticate();
     login.known(name_);
     login_ = std::move(login);
@@ -62,6 +64,10 @@ void EmbeddedEntry::SetValues(Text& name, Variant& value) {
     require_bound();
     require_whole(name);
     const std::string attribute = to_utf8(name);
+    audited_change(change_of(attribute), [&] { set_values(attribute, value); });
+}
+
+void EmbeddedEntry::set_values(const std::string& attribute, const Variant& value) {
     if (!is_password(attribute)) {
         const AttributeType* type = login_->schema().types.find(attribute);
         std::vector<std::string> values = encode_values(type, value);
@@ -81,7 +87,12 @@ void EmbeddedEntry::ClearValues(Text& name) {
     require_bound();
     require_whole(name);
     if (name.empty()) raise_runtime_error(runtime_error::invalid_call);
-    login_->modify(name_, {{to_utf8(name), {}}});
+    const std::string attribute = to_utf8(name);
+    audited_change(change_of(attribute), [&] { login_->modify(name_, {{attribute, {}}}); });
+}
+
+AuditedChange EmbeddedEntry::change_of(const std::string& attribute) const {
+    return {event_of_change(attribute), server_, name_, login_->user(), attribute};
 }
 
 // A name that is empty, too, is what is behind the last comma of a list.
@@ -104,13 +115,16 @@ void EmbeddedEntry::CreateChild(Variant& classes, Text& naming_attribute, Object
                             [&](const std::string& name) { return takes_blank(schema, name); }))
         for (const std::string& name : entry.required_empty)
             entry.attributes.push_back({name, {" "}});
-    login_->add({to_utf8(entry.name_below(from_utf8(name_))), std::move(entry.attributes)},
-                entry.password);
+    const std::string name = to_utf8(entry.name_below(from_utf8(name_)));
+    audited_change({u"create", server_, name, login_->user()}, [&] {
+        login_->add({name, std::move(entry.attributes)}, entry.password);
+    });
 }
 
 void EmbeddedEntry::DeleteChild(Text&, Text& entry_name) {
     require_bound();
-    login_->remove(child_name(entry_name, name_));
+    const std::string name = child_name(entry_name, name_);
+    audited_change({u"delete", server_, name, login_->user()}, [&] { login_->remove(name); });
 }
 
 void EmbeddedEntry::require_bound() const {

@@ -10,7 +10,11 @@
 #include "suite/directory/entries/new_entry.h"
 
 namespace orvo {
-namespace directory::embedded {
+namespace directory {
+
+struct AuditedChange;
+
+namespace embedded {
 
 // One entry of a directory in a file, which the server setting names. Every operation is a
 // transaction of its own. Used by one thread.
@@ -58,14 +62,18 @@ public:
 
 private:
     void require_bound() const;
+    AuditedChange change_of(const std::string& attribute) const;
+    void set_values(const std::string& attribute, const Variant& value);
     Variant decoded_values(const EntryData& entry, const std::string& attribute) const;
     void require_known(const GivenAttribute& attribute) const;
 
     std::optional<Login> login_;  // set while bound
+    Text server_;
     std::string name_;
 };
 
-}  // namespace directory::embedded
+}  // namespace embedded
+}  // namespace directory
 
 template <>
 inline constexpr auto class_of<directory::embedded::EmbeddedEntry> =

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "suite/directory/entries/audited.h"
 #include "suite/directory/entries/proven_password.h"
 #include "suite/directory/names/written_name.h"
 #include "suite/directory/policy/failures.h"
@@ -22,6 +23,10 @@ std::int32_t EmbeddedValidator::Validate(Variant& path, Variant& password) {
     ProvenPassword::forget();
     const Text written = path.to<Text>();
     const auto secret = password.to<Secret>();
+    return audited_check(server_, written, [&] { return check_password(written, secret); });
+}
+
+std::int32_t EmbeddedValidator::check_password(TextView written, const Secret& secret) {
     if (!container_name_) {
         const Text container = container_name(container_);
         container_name_ = DistinguishedName::try_parse(container);

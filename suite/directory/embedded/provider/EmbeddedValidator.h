@@ -27,6 +27,8 @@ public:
     }
 
 private:
+    std::int32_t check_password(TextView written, const Secret& secret);
+
     bool is_open_ = false;
     Text server_;
     Text container_;  // as it was given

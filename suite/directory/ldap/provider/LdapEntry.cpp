@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "suite/directory/entries/audited.h"
 #include "suite/directory/entries/proven_password.h"
 #include "suite/directory/names/written_name.h"
 #include "suite/directory/policy/failures.h"
@@ -122,16 +123,24 @@ void LdapEntry::SetValues(Text& name, Variant& value) {
     require_bound();
     require_whole(name);
     const std::string attribute = to_utf8(name);
-    if (is_password(attribute)) return set_password(value);
-    replace(attribute, encode_values(type_of(attribute), value));
+    audited_change(change_of(attribute), [&] {
+        if (is_password(attribute)) return set_password(value);
+        replace(attribute, encode_values(type_of(attribute), value));
+    });
 }
 
 void LdapEntry::ClearValues(Text& name) {
     require_bound();
     require_whole(name);
     const std::string attribute = to_utf8(name);
-    if (is_password(attribute)) return clear_password(attribute);
-    replace(attribute, {});
+    audited_change(change_of(attribute), [&] {
+        if (is_password(attribute)) return clear_password(attribute);
+        replace(attribute, {});
+    });
+}
+
+AuditedChange LdapEntry::change_of(const std::string& attribute) const {
+    return {event_of_change(attribute), server_, name_, login_->user(), attribute};
 }
 
 void LdapEntry::replace(const std::string& name, std::vector<std::string> values) {

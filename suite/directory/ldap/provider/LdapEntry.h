@@ -13,6 +13,7 @@
 namespace orvo {
 namespace directory {
 
+struct AuditedChange;
 struct GivenAttribute;
 struct NewEntry;
 
@@ -111,6 +112,7 @@ private:
     std::optional<std::vector<std::string>> try_known(const std::string& name,
                                                       const AttributeType* type);
     bool is_first_reading(const std::string& list);
+    AuditedChange change_of(const std::string& attribute) const;
     void set_password(const Variant& value);
     void clear_password(const std::string& name);
     PasswordWriting password_writing();
@@ -121,6 +123,7 @@ private:
     void require_known(const GivenAttribute& attribute);
     void add(const std::string& name, const NewEntry& entry, const Secret& created_with);
     void set_first_password(const std::string& name, const Secret& password);
+    void remove_child(const std::string& name);
     Text remove_again(const std::string& name, TextView is_or_may_be);
     void require_bound() const;
 

@@ -1,5 +1,6 @@
 #include <utility>
 
+#include "suite/directory/entries/audited.h"
 #include "suite/directory/entries/child_name.h"
 #include "suite/directory/entries/given_password.h"
 #include "suite/directory/entries/new_entry.h"
@@ -63,9 +64,11 @@ void LdapEntry::CreateChild(Variant& classes, Text& naming_attribute, Object& at
     }
 
     const std::string name = to_utf8(entry.name_below(from_utf8(name_)));
-    const NotedWrite noted(client_.writes(), EntryKey(name));
-    add(name, entry, created_with);
-    if (!entry.password.empty()) set_first_password(name, entry.password);
+    audited_change({u"create", server_, name, login_->user()}, [&] {
+        const NotedWrite noted(client_.writes(), EntryKey(name));
+        add(name, entry, created_with);
+        if (!entry.password.empty()) set_first_password(name, entry.password);
+    });
 }
 
 // An unknown one with a value the server refuses; an empty text it is not told of. A name that is
@@ -146,6 +149,10 @@ Text LdapEntry::remove_again(const std::string& name, TextView is_or_may_be) {
 void LdapEntry::DeleteChild(Text&, Text& entry_name) {
     require_bound();
     const std::string name = child_name(entry_name, name_);
+    audited_change({u"delete", server_, name, login_->user()}, [&] { remove_child(name); });
+}
+
+void LdapEntry::remove_child(const std::string& name) {
     const NotedWrite noted(client_.writes(), EntryKey(name));
     bool may_be_done = false;
     try {

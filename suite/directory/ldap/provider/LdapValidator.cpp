@@ -3,6 +3,7 @@
 #include <memory>
 #include <utility>
 
+#include "suite/directory/entries/audited.h"
 #include "suite/directory/entries/proven_password.h"
 #include "suite/directory/ldap/pool/attempts.h"
 #include "suite/directory/ldap/wire/password_policy.h"
@@ -43,6 +44,11 @@ std::int32_t LdapValidator::Validate(Variant& path, Variant& password) {
     const Text converted = path.is_text() ? Text() : path.to<Text>();
     const TextView written = path.is_text() ? path.text_view() : converted;
     const auto secret = password.to<Secret>();
+    const std::shared_ptr<const CheckTarget> asked = target_;  // the check may find another
+    return audited_check(asked->server, written, [&] { return check_password(written, secret); });
+}
+
+std::int32_t LdapValidator::check_password(TextView written, const Secret& secret) {
     if (!target_->container_name) read_container();
     if (secret.empty() || !secret.is_well_formed() || unusable(secret) || !is_well_formed(written))
         return password_check::wrong;

@@ -38,6 +38,7 @@ public:
     }
 
 private:
+    std::int32_t check_password(TextView written, const Secret& secret);
     void read_container();
     void find_checks();
 

@@ -1,0 +1,80 @@
+#include "suite/directory/entries/audited.h"
+
+#include "platform/interfaces/call.h"
+#include "suite/audit/audit_call.h"
+#include "suite/directory/policy/password_attributes.h"
+#include "suite/directory/policy/password_check.h"
+
+namespace orvo::directory {
+namespace {
+
+Text result_of_check(std::int32_t number) {
+    switch (number) {
+        case password_check::right:
+            return u"right";
+        case password_check::wrong:
+            return u"wrong";
+        case password_check::locked:
+            return u"locked";
+        case password_check::disabled:
+            return u"disabled";
+        case password_check::expired:
+            return u"expired";
+        case password_check::too_many_failures:
+            return u"too many failures";
+    }
+    return decimal(number);
+}
+
+// Does the work, and records a failure of it; the failure itself is what is told, also where that
+// cannot be recorded: the log has the event then.
+template <class Work, class Record>
+auto done_or_recorded(Work work, Record record) {
+    try {
+        return work();
+    } catch (const Failure& failure) {
+        try {
+            record(audit::failed(failure.number));
+        } catch (const Failure&) {
+        }
+        throw;
+    }
+}
+
+}  // namespace
+
+std::int32_t audited_check(TextView server, TextView user,
+                           const std::function<std::int32_t()>& check) {
+    const Ref<Audit> audit = audit::try_audit();
+    if (!audit) return check();
+    const auto record = [&](const Text& result) {
+        call<&Audit::Record>(audit, Text(u"check"), result, Text(user), Text(), Text(server),
+                             Text());
+    };
+    const std::int32_t number = done_or_recorded(check, record);
+    record(result_of_check(number));
+    return number;
+}
+
+void audited_change(const AuditedChange& change, const std::function<void()>& make) {
+    const Ref<Audit> audit = audit::try_audit();
+    if (!audit) return make();
+    const auto record = [&](const Text& result) {
+        call<&Audit::Record>(audit, Text(change.event), result, from_utf8(change.entry),
+                             from_utf8(change.by), Text(change.server),
+                             from_utf8(change.attribute));
+    };
+    done_or_recorded(make, record);
+    try {
+        record(Text(audit::done));
+    } catch (const Failure& failure) {
+        throw Failure(failure.number, failure.source,
+                      failure.description + u" The change has been made all the same.");
+    }
+}
+
+TextView event_of_change(std::string_view attribute) {
+    return is_password(attribute) ? u"password" : u"change";
+}
+
+}  // namespace orvo::directory
