@@ -5,6 +5,7 @@
 #include "component/auth/login_settings.h"
 #include "component/config/ServerInfo.h"
 #include "host/web/site/site.h"
+#include "suite/audit/audit_settings.h"
 #include "suite/directory/settings/cache_settings.h"
 #include "suite/directory/settings/pool_settings.h"
 #include "suite/log/log_target.h"
@@ -90,6 +91,11 @@ std::string settings_page() {
         "[embedded.md](../embedded.md).\n\n"
         "### [GLOBAL]\n\n" +
         table({told(multi_login), told(multi_login_timeout)}) +
+        "### [AUDIT]\n\n"
+        "Who logs in and who changes what: [audit.md](../audit.md). Read from the site's own file; "
+        "a "
+        "key that is not listed here keeps everybody out.\n\n" +
+        table(audit::described_settings()) +
         "## The directory's configuration\n\n"
         "The file that `ConfigFileName` names, in the folder `Config` beside the site's "
         "configuration. `LdapAccess.BindToConfig` reads it.\n\n"

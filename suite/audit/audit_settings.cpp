@@ -115,7 +115,7 @@ std::string usual_value(TextView name) {
     const Settings usual;
     if (name == u"Largest") return std::to_string(usual.rotation.largest);
     if (name == u"Count") return std::to_string(usual.rotation.count);
-    return name == u"File" ? "" : "no";
+    return name == u"File" ? "no file" : "no";
 }
 
 [[noreturn]] void refuse_name(const Value& value, TextView name) {
