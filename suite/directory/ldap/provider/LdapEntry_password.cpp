@@ -79,7 +79,7 @@ Result LdapEntry::write_password(ServerLogin& login, const Secret& password, con
     const PasswordWriting way = password_writing();
     Replacement hashed{user_password, {}};
     if (way == PasswordWriting::hashed_here) hashed.values = {hashed_password(password)};
-    const auto write = [&](Session& session) {
+    const auto write = [&](Session& session) -> Result {
         switch (way) {
             case PasswordWriting::unicode_attribute:
                 return session.change_unicode_password(name_, password, former);

@@ -156,22 +156,57 @@ std::string written(std::time_t time) {
     return std::string(text.data(), size);
 }
 
+CertificateFault fault_of(const Certificate& certificate, const std::string& host,
+                          std::time_t now) {
+    const std::string today = written(now);
+    if (today > certificate.end) return CertificateFault::has_expired;
+    if (today < certificate.begin) return CertificateFault::is_not_valid_yet;
+    return is_for(certificate, host) ? CertificateFault::issuer_unknown
+                                     : CertificateFault::is_for_another_name;
+}
+
+std::string sentence_end(CertificateFault fault, const Certificate& certificate,
+                         const std::string& host) {
+    switch (fault) {
+        case CertificateFault::has_expired:
+            return "expired on " + readable(certificate.end) + ".";
+        case CertificateFault::is_not_valid_yet:
+            return "is not valid before " + readable(certificate.begin) + ".";
+        case CertificateFault::issuer_unknown:
+            return "is not trusted; it was issued by " + quoted_name(certificate.issuer) + ".";
+        case CertificateFault::is_for_another_name:
+            break;
+    }
+    std::string names;
+    for (const std::string& name : certificate.names)
+        names += (names.empty() ? "" : ", ") + quoted_name(name);
+    return "is for " + names + ", not for " + quoted_name(host) + ".";
+}
+
 }  // namespace
 
 std::string objection_to(std::string_view bytes, const std::string& host, std::time_t now) {
     const std::optional<Certificate> certificate = try_read(bytes);
     if (!certificate) return {};
-    const std::string whose = "The server's certificate " + quoted_name(certificate->subject) + " ";
-    const std::string today = written(now);
-    if (today > certificate->end) return whose + "expired on " + readable(certificate->end) + ".";
-    if (today < certificate->begin)
-        return whose + "is not valid before " + readable(certificate->begin) + ".";
-    if (is_for(*certificate, host))
-        return whose + "is not trusted; it was issued by " + quoted_name(certificate->issuer) + ".";
-    std::string names;
-    for (const std::string& name : certificate->names)
-        names += (names.empty() ? "" : ", ") + quoted_name(name);
-    return whose + "is for " + names + ", not for " + quoted_name(host) + ".";
+    return "The server's certificate " + quoted_name(certificate->subject) + " " +
+           sentence_end(fault_of(*certificate, host, now), *certificate, host);
 }
 
 }  // namespace orvo::directory::ldap::detail
+
+namespace orvo::directory::ldap {
+
+std::optional<CertificateWords> certificate_words(std::string_view certificate) {
+    const auto read = detail::try_read(certificate);
+    if (!read) return std::nullopt;
+    return CertificateWords{read->subject, read->issuer, read->end};
+}
+
+std::optional<CertificateFault> fault_of(std::string_view certificate, const std::string& host,
+                                         std::time_t now) {
+    const auto read = detail::try_read(certificate);
+    if (!read) return std::nullopt;
+    return detail::fault_of(*read, host, now);
+}
+
+}  // namespace orvo::directory::ldap

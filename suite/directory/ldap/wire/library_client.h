@@ -56,6 +56,8 @@ public:
                              EntryData& entry, Outcome& outcome) = 0;
 
     // See Session.
+    virtual void set_controls(std::span<const Control> controls) = 0;
+    virtual std::string certificate() const = 0;
     virtual bool seems_open() const = 0;
     // How much has been sent on this connection; nothing where the library does not show it.
     virtual std::optional<std::uint64_t> bytes_sent() const = 0;

@@ -192,6 +192,22 @@ public:
         return Received::outcome;
     }
 
+    void set_controls(std::span<const Control> controls) override {
+        std::vector<LDAPControl> list;
+        for (const Control& control : controls)
+            list.push_back({const_cast<char*>(control.oid.c_str()),
+                            value_of<Library>(control.value), control.is_critical});
+        std::vector<LDAPControl*> pointers;
+        for (LDAPControl& control : list) {
+            if (control.ldctl_value.bv_len == 0) control.ldctl_value = {};
+            pointers.push_back(&control);
+        }
+        pointers.push_back(nullptr);
+        const int set = ldap_set_option(get(), LDAP_OPT_SERVER_CONTROLS, pointers.data());
+        check(sent(set));
+    }
+    std::string certificate() const override { return server_certificate(get()); }
+
     bool seems_open() const override { return is_quiet(get()); }
     std::optional<std::uint64_t> bytes_sent() const override { return detail::bytes_sent(get()); }
 

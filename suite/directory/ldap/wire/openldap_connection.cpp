@@ -1,6 +1,7 @@
 #include "suite/directory/ldap/wire/openldap_connection.h"
 
 #include <ldap.h>
+#include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <openldap.h>
@@ -19,6 +20,7 @@
 #include "suite/directory/ldap/wire/certificate.h"
 #include "suite/directory/ldap/wire/deadline.h"
 #include "suite/directory/ldap/wire/openldap_transport.h"
+#include "suite/directory/ldap/wire/reach.h"
 #include "suite/directory/ldap/wire/resolver.h"
 #include "suite/directory/names/ascii.h"
 #include "suite/directory/policy/result_codes.h"
@@ -213,19 +215,20 @@ std::string expected_name(const ServerHost& host) {
     return is_local && ::gethostname(own.data(), own.size() - 1) == 0 ? own.data() : host.name;
 }
 
-// The library does not say what it has against a certificate, nor does it keep one that it has
-// refused. So a second connection fetches it, and is closed.
-std::string objection(const ServerHost& host, const Limits& limits, const Deadline& deadline) {
+// The library keeps no certificate that it has refused. So a second connection fetches it, and is
+// closed.
+std::string refused_certificate(const ServerHost& host, const Limits& limits,
+                                const Deadline& deadline) {
     Result ignored;
     const Handle handle = connected(host, limits, deadline, Verify::never, ignored);
     if (!handle || !agree_on_encryption(handle.get(), deadline, ignored)) return {};
-    berval certificate{};
-    if (ldap_get_option(handle.get(), LDAP_OPT_X_TLS_PEERCERT, &certificate) != LDAP_OPT_SUCCESS ||
-        !certificate.bv_val)
-        return {};
-    const std::unique_ptr<void, decltype(&ber_memfree)> held(certificate.bv_val, ber_memfree);
-    return objection_to({certificate.bv_val, certificate.bv_len}, expected_name(host),
-                        std::time(nullptr));
+    return server_certificate(handle.get());
+}
+
+// Nor does it say what it has against one.
+std::string objection(const ServerHost& host, const Limits& limits, const Deadline& deadline) {
+    const std::string certificate = refused_certificate(host, limits, deadline);
+    return objection_to(certificate, expected_name(host), std::time(nullptr));
 }
 
 // False: `why` tells.
@@ -246,6 +249,15 @@ bool encrypt(LDAP* handle, const ServerHost& host, const Limits& limits, const D
 }  // namespace
 
 void CloseHandle::operator()(::ldap* handle) const { ldap_unbind_ext(handle, nullptr, nullptr); }
+
+std::string server_certificate(::ldap* handle) {
+    berval certificate{};
+    if (ldap_get_option(handle, LDAP_OPT_X_TLS_PEERCERT, &certificate) != LDAP_OPT_SUCCESS ||
+        !certificate.bv_val)
+        return {};
+    const std::unique_ptr<void, decltype(&ber_memfree)> held(certificate.bv_val, ber_memfree);
+    return {certificate.bv_val, certificate.bv_len};
+}
 
 void FreeMessage::operator()(void* message) const {
     ldap_msgfree(static_cast<LDAPMessage*>(message));
@@ -304,3 +316,41 @@ Handle open_connection(const ServerHost& host, const Limits& limits, const Deadl
 }
 
 }  // namespace orvo::directory::ldap::detail
+
+namespace orvo::directory::ldap {
+namespace {
+
+std::string text_of(const sockaddr* address, socklen_t size) {
+    std::array<char, NI_MAXHOST> text{};
+    const int failed =
+        ::getnameinfo(address, size, text.data(), text.size(), nullptr, 0, NI_NUMERICHOST);
+    return failed ? std::string() : text.data();
+}
+
+}  // namespace
+
+std::vector<std::string> find_addresses(const ServerHost& host, const Limits& limits, Result& why) {
+    std::vector<std::string> texts;
+    const detail::Addresses found = detail::find_addresses(host, Deadline(limits.connect), why);
+    for (const addrinfo* address = found.get(); address; address = address->ai_next)
+        texts.push_back(text_of(address->ai_addr, address->ai_addrlen));
+    return texts;
+}
+
+std::string reached_address(const ServerHost& host, const Limits& limits, Result& why) {
+    const detail::Socket socket(
+        detail::connected_socket(host, limits, Deadline(limits.connect), why));
+    sockaddr_storage peer{};
+    socklen_t size = sizeof peer;
+    auto* address = reinterpret_cast<sockaddr*>(&peer);
+    if (socket.get() < 0 || ::getpeername(socket.get(), address, &size) != 0) return {};
+    return text_of(address, size);
+}
+
+std::optional<CertificateFault> certificate_fault(const ServerHost& host, const Limits& limits) {
+    const std::string certificate =
+        detail::refused_certificate(host, limits, Deadline(limits.connect));
+    return fault_of(certificate, detail::expected_name(host), std::time(nullptr));
+}
+
+}  // namespace orvo::directory::ldap

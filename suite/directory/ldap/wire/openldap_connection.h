@@ -4,6 +4,7 @@
 // the library's sources.
 
 #include <memory>
+#include <string>
 
 #include "suite/directory/ldap/wire/deadline.h"
 #include "suite/directory/ldap/wire/session.h"
@@ -21,6 +22,10 @@ using Handle = std::unique_ptr<::ldap, CloseHandle>;
 // `why` tells; with code 85 its message names what was not done in time.
 Handle open_connection(const ServerHost& host, const Limits& limits, const Deadline& deadline,
                        Result& why);
+
+// The certificate that the server of an encrypted connection has shown (X.509, DER); empty where
+// there is none.
+std::string server_certificate(::ldap* handle);
 
 // The result of a client call that failed with the library's own code.
 Result client_result(::ldap* handle, int library_code);

@@ -188,12 +188,11 @@ Result Session::remove(const std::string& name) {
         .result;
 }
 
-Result Session::modify(const std::string& name, std::span<const Replacement> replacements) {
-    return connection_
-        ->ask_once([&](int& request) {
-            return connection_->client->send_modify(name, replacements, request);
-        })
-        .result;
+UpdateResult Session::modify(const std::string& name, std::span<const Replacement> replacements) {
+    Outcome outcome = connection_->ask_once([&](int& request) {
+        return connection_->client->send_modify(name, replacements, request);
+    });
+    return {std::move(outcome.result), std::move(outcome.controls)};
 }
 
 Result Session::change_password(const std::string& name, const Secret& new_password,
@@ -205,6 +204,12 @@ Result Session::change_password(const std::string& name, const Secret& new_passw
         })
         .result;
 }
+
+void Session::set_controls(std::span<const Control> controls) {
+    connection_->client->set_controls(controls);
+}
+
+std::string Session::certificate() const { return connection_->client->certificate(); }
 
 WhoAmIResult Session::who_am_i() {
     Outcome outcome = connection_->ask_once([&](int& request) {

@@ -52,10 +52,12 @@ struct Result {
 // Raises the failure of a result that is not `success`.
 void check(const Result& result);
 
-// A control that came with an answer; `value` is BER, possibly empty.
+// A control of a request or of its answer; `value` is BER, possibly empty.
 struct Control {
     std::string oid;
     std::string value;
+    // Of a request: a server that does not know it refuses (12), and does nothing.
+    bool is_critical = false;
 };
 
 // Whether a bind asks for the password policy (draft-behera-ldap-password-policy, 6.1).
@@ -63,6 +65,10 @@ enum class Policy { not_asked, asked };
 inline constexpr const char* policy_control = "1.3.6.1.4.1.42.2.27.8.5.1";
 
 struct BindResult : Result {
+    std::vector<Control> controls;
+};
+
+struct UpdateResult : Result {
     std::vector<Control> controls;
 };
 
@@ -133,7 +139,7 @@ public:
     Result remove(const std::string& name);
 
     // All changes, or none of them.
-    Result modify(const std::string& name, std::span<const Replacement> replacements);
+    UpdateResult modify(const std::string& name, std::span<const Replacement> replacements);
 
     // The Password Modify operation (RFC 3062); with the former password, unless it is empty, the
     // server does it only where that is the one.
@@ -143,6 +149,13 @@ public:
     // own change, whoever asks for it; with an empty one an administrator's.
     Result change_unicode_password(const std::string& name, const Secret& new_password,
                                    const Secret& former_password = {});
+
+    // Go along with every request from now on that has no controls of its own (a bind that asks for
+    // the policy, a search with pages); an empty list: none any more. Raises 92 on Windows.
+    void set_controls(std::span<const Control> controls);
+    // The server's certificate (X.509, DER); empty where the connection is not encrypted, and on
+    // Windows.
+    std::string certificate() const;
 
     // Whom the server takes this session for (RFC 4532): "dn:" and a name, empty for nobody.
     WhoAmIResult who_am_i();

@@ -6,7 +6,7 @@
 
 #include "suite/directory/ldap/wire/library_client.h"
 #include "suite/directory/ldap/wire/library_values.h"
-#include "suite/directory/policy/result_codes.h"
+#include "suite/directory/policy/failures.h"
 
 namespace orvo::directory::ldap::detail {
 namespace {
@@ -177,6 +177,9 @@ public:
     }
 
     // The library shows nothing of its connection; a lost one shows at its next use.
+    // Only diagnosis asks, which there is none of here.
+    void set_controls(std::span<const Control>) override { raise_code(result_code::not_supported); }
+    std::string certificate() const override { return {}; }
     bool seems_open() const override { return true; }
     std::optional<std::uint64_t> bytes_sent() const override { return std::nullopt; }
 

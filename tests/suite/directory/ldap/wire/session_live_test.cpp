@@ -145,6 +145,26 @@ TEST(Session, RefusesAFilterThatCannotBeRead) {
     EXPECT_EQ(session.search(request, [](EntryData&&) {}).code, 87);
 }
 
+TEST(Session, SendsControlsAlongUntilTheyAreTakenBack) {
+    PrivateSlapd server;
+    Session session = Session::connect(host(server.server()));
+    check(session.bind(server.root_dn(), secret(server.root_password())));
+    const std::string user = server.user_dn("djansen");
+    const Replacement change{"sn", {"Janssen"}};
+    const Control no_operation{"1.3.6.1.4.1.4203.666.5.2", {}, true};
+    const Control unknown{"1.3.6.1.4.1.4203.666.1000", {}, true};
+    LdapProbe probe(server.url(), server.root_dn(), server.root_password());
+
+    session.set_controls({&no_operation, 1});
+    EXPECT_EQ(session.modify(user, {&change, 1}).code, 0x410E);
+    session.set_controls({&unknown, 1});
+    EXPECT_EQ(session.modify(user, {&change, 1}).code, 12);
+    EXPECT_THAT(probe.values(user, "sn"), ElementsAre("Jansen"));
+    session.set_controls({});
+    EXPECT_EQ(session.modify(user, {&change, 1}).code, 0);
+    EXPECT_THAT(probe.values(user, "sn"), ElementsAre("Janssen"));
+}
+
 TEST(Session, ReplacesAndRemovesValuesAtOnce) {
     PrivateSlapd server;
     Session session = Session::connect(host(server.server()));

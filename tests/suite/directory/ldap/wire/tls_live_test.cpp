@@ -12,6 +12,7 @@
 #include "tests/suite/directory/expect_failure.h"
 #include "tests/suite/directory/ldap/support/bad_server.h"
 #include "tests/support/child_process.h"
+#include "tests/support/server_certificate.h"
 #include "tests/support/slapd.h"
 
 namespace orvo::directory::ldap {
@@ -54,19 +55,15 @@ TEST_F(TlsTest, SaysWhoseCertificateIsNotTrusted) {
                           "issued by 'CN=private slapd'.");
 }
 
-// A certificate of the server's own, made anew with these options of `openssl x509`.
-void replace_certificate(PrivateSlapd& server, const std::string& subject,
-                         const std::vector<std::string>& options) {
-    server.stop();
-    const std::string tls = (server.folder() / "tls").string();
-    const std::string key = tls + "/key.pem", request = tls + "/request.pem";
-    output_of({"/usr/bin/openssl", "req", "-new", "-key", key, "-subj", subject, "-out", request});
-    std::vector<std::string> command = {
-        "/usr/bin/openssl", "x509", "-req", "-in", request, "-signkey", key, "-out",
-        tls + "/cert.pem"};
-    command.insert(command.end(), options.begin(), options.end());
-    output_of(command);
-    server.start();
+TEST_F(TlsTest, ShowsTheCertificateOfAServerThatIsTrusted) {
+    for (const ServerHost& host : hosts(shop(), shop().ca_file().string())) {
+        const auto words = certificate_words(Session::connect(host).certificate());
+        ASSERT_TRUE(words);
+        EXPECT_EQ(words->subject, "CN=private slapd");
+        EXPECT_EQ(words->issuer, "CN=private slapd");
+    }
+    const ServerHost plain{"127.0.0.1", hosts(shop(), "").back().port};
+    EXPECT_EQ(Session::connect(plain).certificate(), "");
 }
 
 TEST_F(TlsTest, SaysForWhichNamesACertificateIs) {
