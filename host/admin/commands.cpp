@@ -1,5 +1,6 @@
 #include "host/admin/commands.h"
 
+#include "host/admin/diagnosis/diagnosis_commands.h"
 #include "host/admin/directory/directory_commands.h"
 #include "host/admin/setup/setup_commands.h"
 
@@ -10,6 +11,7 @@ Commands::Commands()
     require_subcommand(1);
     add_setup_commands(*this);
     add_directory_commands(*this);
+    add_diagnosis_commands(*this);
     footer(
         "Each command has a --help of its own.\n"
         "\n"

@@ -42,8 +42,11 @@ SiteSettings read_site_settings(const std::filesystem::path& file) {
     site.service_code = of(u"MemScriptCode");
     for (const Text& name : split(from_utf8(of(u"UserClass")), u","))
         site.user_classes.push_back(to_utf8(trimmed(name)));
+    site.profile_class = of(u"ProfileClass");
     site.account_class = of(u"AccountClass");
     site.naming_attribute = of(u"UserNamingAttribute");
+    site.profile_naming_attribute = of(u"ProfileNamingAttribute");
+    site.account_naming_attribute = of(u"AccountNamingAttribute");
     return site;
 }
 

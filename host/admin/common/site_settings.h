@@ -15,8 +15,9 @@ struct SiteSettings {
     // Relative to the root.
     std::string users, profiles, accounts, service;
     std::vector<std::string> user_classes;
-    std::string account_class;
+    std::string profile_class, account_class;
     std::string naming_attribute;  // of users
+    std::string profile_naming_attribute, account_naming_attribute;
     // MemScriptCode as it is written: "@file:service.code"
     std::string service_code;
 };

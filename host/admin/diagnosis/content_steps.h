@@ -1,0 +1,34 @@
+#pragma once
+
+// What a site expects to find in its directory, whatever kind that is.
+
+#include "host/admin/common/site_settings.h"
+#include "host/admin/diagnosis/directory_view.h"
+#include "host/admin/diagnosis/step.h"
+#include "suite/directory/schema/attribute_types.h"
+#include "suite/directory/schema/object_classes.h"
+
+namespace orvo::admin {
+
+enum class Provider { ldap, embedded };
+// Raises std::runtime_error for any other.
+Provider provider_of(const SiteSettings& site);
+
+// The full name of what the settings name below the root: "ou=Users,o=Shop".
+std::string below_root(const SiteSettings& site, const std::string& relative);
+// The full name of an entry in a container of the settings.
+std::string entry_below(const SiteSettings& site, const std::string& attribute,
+                        const std::string& value, const std::string& container);
+
+// That the schema has the product's attributes, and the classes that the settings name. `advice`:
+// how it gets them.
+Finding examine_schema(const SiteSettings& site, const directory::AttributeTypes& types,
+                       const directory::ObjectClasses& classes, const std::string& advice);
+// That the containers are there.
+Finding examine_containers(const SiteSettings& site, DirectoryView& view);
+// That there is an account for each type that users have.
+Finding examine_accounts(const SiteSettings& site, DirectoryView& view);
+// That somebody is an administrator.
+Finding examine_administrators(const SiteSettings& site, DirectoryView& view);
+
+}  // namespace orvo::admin
