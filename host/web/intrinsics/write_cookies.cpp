@@ -29,6 +29,16 @@ Object WriteCookieObject::NewEnum() {
     return make_enumerator(std::move(names));
 }
 
+void WriteCookieObject::put_Domain(const Text& domain) {
+    cookie_attribute(u"Domain", domain);
+    cookie().domain = domain;
+}
+
+void WriteCookieObject::put_Path(const Text& path) {
+    cookie_attribute(u"Path", path);
+    cookie().path = path;
+}
+
 void WriteCookieObject::put_SameSite(const Text& same_site) {
     for (const TextView known : {u"Lax", u"Strict", u"None"})
         if (equal_ignoring_case(same_site, known)) {

@@ -13,8 +13,8 @@ public:
 
     void put_Item(const Variant& key, const Text& value) override;
     void put_Expires(Date date) override { cookie().expires = date; }
-    void put_Domain(const Text& domain) override { cookie().domain = domain; }
-    void put_Path(const Text& path) override { cookie().path = path; }
+    void put_Domain(const Text& domain) override;
+    void put_Path(const Text& path) override;
     void put_Secure(bool is_secure) override { cookie().is_secure = is_secure; }
     bool HasKeys() override { return !cookie_->keys.empty(); }
     Object NewEnum() override;

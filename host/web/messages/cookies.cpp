@@ -1,11 +1,13 @@
 #include "host/web/messages/cookies.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 
 #include "host/web/messages/encoding.h"
+#include "platform/values/failure.h"
 
 namespace orvo::web {
 namespace {
@@ -34,16 +36,6 @@ void for_each_cookie(const HttpRequest& request, Visit visit) {
     }
 }
 
-// A part of the header that a page wrote: nothing in it may begin another part or another line.
-std::string attribute(TextView text) {
-    std::string result;
-    for (const char byte : to_utf8(text)) {
-        const auto value = static_cast<unsigned char>(byte);
-        if (value > 0x20 && value < 0x7F && byte != ';' && byte != ',') result += byte;
-    }
-    return result;
-}
-
 }  // namespace
 
 RequestFields cookies_of(const HttpRequest& request) {
@@ -66,6 +58,16 @@ std::optional<std::string_view> try_exact_cookie(const HttpRequest& request,
     return found;
 }
 
+std::string cookie_attribute(TextView name, const Text& value) {
+    const bool may_be = std::ranges::all_of(
+        value, [](char16_t unit) { return unit >= 0x20 && unit < 0x7F && unit != u';'; });
+    if (!may_be)
+        throw Failure(runtime_error::invalid_call, {},
+                      u"A cookie's " + Text(name) +
+                          u" cannot have a \";\", a line end or anything beyond ASCII in it");
+    return to_utf8(value);
+}
+
 std::string header_text(const OutgoingCookie& cookie) {
     std::string text = to_utf8(url_encode(cookie.name)) + '=';
     if (cookie.keys.empty()) {
@@ -77,12 +79,13 @@ std::string header_text(const OutgoingCookie& cookie) {
             text += to_utf8(url_encode(key)) + '=' + to_utf8(url_encode(value));
         }
     }
-    if (!cookie.path.empty()) text += "; Path=" + attribute(cookie.path);
-    if (!cookie.domain.empty()) text += "; Domain=" + attribute(cookie.domain);
+    if (!cookie.path.empty()) text += "; Path=" + cookie_attribute(u"Path", cookie.path);
+    if (!cookie.domain.empty()) text += "; Domain=" + cookie_attribute(u"Domain", cookie.domain);
     if (cookie.expires) text += "; Expires=" + http_date(*cookie.expires);
     if (cookie.is_secure) text += "; Secure";
     if (cookie.is_http_only) text += "; HttpOnly";
-    if (!cookie.same_site.empty()) text += "; SameSite=" + attribute(cookie.same_site);
+    if (!cookie.same_site.empty())
+        text += "; SameSite=" + cookie_attribute(u"SameSite", cookie.same_site);
     return text;
 }
 

@@ -34,8 +34,13 @@ struct OutgoingCookie {
     Text same_site = u"Lax";  // "Lax", "Strict" or "None"
 };
 
-// The value of the header Set-Cookie. Name, value and keys are encoded as in a form.
+// The value of the header Set-Cookie. Name, value and keys are encoded as in a form. Raises Failure
+// as cookie_attribute.
 std::string header_text(const OutgoingCookie& cookie);
+
+// The value of a cookie's Path or Domain as it is sent. Raises Failure (5) where it has something
+// in it that would begin another attribute or another line, or that is not ASCII.
+std::string cookie_attribute(TextView name, const Text& value);
 
 // "Sat, 21 Nov 2026 02:32:11 GMT"
 std::string http_date(Date date);

@@ -28,6 +28,7 @@ struct HttpRequest {
     Headers headers = {};
     RequestBody body = {};
     std::string remote_address = {};
+    int remote_port = 0;
     std::string local_address = {};
     int local_port = 0;
     bool is_secure = false;

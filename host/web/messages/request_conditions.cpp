@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <limits>
 #include <string>
 
 #include "host/web/messages/cookies.h"
@@ -14,11 +15,13 @@ namespace {
 constexpr std::array<std::string_view, 12> months{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                                   "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
+// Of a number that is larger than that the largest one.
 std::optional<std::uint64_t> try_number(std::string_view text) {
     std::uint64_t number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (text.empty() || error != std::errc() || end != text.data() + text.size())
-        return std::nullopt;
+    if (text.empty() || end != text.data() + text.size()) return std::nullopt;
+    if (error == std::errc::result_out_of_range) return std::numeric_limits<std::uint64_t>::max();
+    if (error != std::errc()) return std::nullopt;
     return number;
 }
 

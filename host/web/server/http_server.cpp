@@ -60,7 +60,7 @@ asio::ip::address plain_address(const asio::ip::address& address) {
 Endpoints endpoints_of(const tcp::socket& socket, const tcp::endpoint& remote) {
     error_code ignored;  // who has gone already has no address
     const auto from = plain_address(remote.address());
-    Endpoints endpoints{from.to_string(),
+    Endpoints endpoints{from.to_string(), remote.port(),
                         plain_address(socket.local_endpoint(ignored).address()).to_string(),
                         from.to_string()};
     if (from.is_v6()) {

@@ -13,9 +13,11 @@ namespace orvo::web {
 
 struct ServerOptions {
     std::string address = "127.0.0.1";
-    int port = 0;                     // 0: any that is free
-    int workers = 0;                  // 0: four for each processor, eight at least
-    int directory_share = 75;         // percent of the workers, at least one: Lane::directory
+    int port = 0;              // 0: any that is free
+    int workers = 0;           // 0: four for each processor, eight at least
+    int directory_share = 75;  // percent of the workers, at least one: Lane::directory
+    int worker_count() const;
+    int directory_workers() const;
     std::size_t most_waiting = 1000;  // requests for a worker, of either kind; more are refused
     std::filesystem::path certificate = {};  // PEM, with what leads to its issuer; makes it HTTPS
     std::filesystem::path key = {};

@@ -127,6 +127,7 @@ void HttpSession::dispatch() {
     is_last_ = !parser_.keeps_alive();
     request_ = std::make_shared<HttpRequest>(parser_.take());
     request_->remote_address = endpoints_.remote_address;
+    request_->remote_port = endpoints_.remote_port;
     request_->local_address = endpoints_.local_address;
     request_->local_port = core_.port;
     request_->is_secure = core_.tls.has_value();

@@ -21,6 +21,7 @@ struct ServerCore;
 // The two ends of a connection, as text.
 struct Endpoints {
     std::string remote_address;
+    int remote_port;
     std::string local_address;
     std::string counted_as;  // by ConnectionLimits
 };

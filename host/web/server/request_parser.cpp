@@ -140,9 +140,10 @@ private:
     }
 
     void check_length() {
+        int lengths = 0;
         for (const auto& [name, value] : request.headers)
             if (equal_ascii_ignoring_case(name, "content-length") &&
-                value.find_first_not_of("0123456789") != std::string::npos)
+                (++lengths > 1 || value.find_first_not_of("0123456789") != std::string::npos))
                 throw Refusal(400, "The length of the request cannot be read.");
         if (!chunked() && !content_length() && request.method == "POST")
             throw Refusal(411, "A form has to say its length in front.");

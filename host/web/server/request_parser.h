@@ -20,8 +20,8 @@ struct RequestLimits {
 
 // Reads one request after the other, strictly: what two readers could understand differently is
 // refused, so that no request hides in another one. Refused are lines that do not end with CR LF,
-// headers on several lines, blanks before a colon, a length beside a transfer encoding, lengths
-// that differ. One thread.
+// headers on several lines, blanks before a colon, a length beside a transfer encoding, more
+// than one length, even where they are equal. One thread.
 class RequestParser {
 public:
     explicit RequestParser(const RequestLimits& limits);

@@ -10,17 +10,6 @@
 namespace orvo::web {
 namespace {
 
-int worker_count(const ServerOptions& options) {
-    constexpr int least = 8, of_each_processor = 4;
-    if (options.workers > 0) return options.workers;
-    return std::max(least,
-                    of_each_processor * static_cast<int>(std::thread::hardware_concurrency()));
-}
-
-int most_directory_jobs(const ServerOptions& options) {
-    return std::max(1, worker_count(options) * options.directory_share / 100);
-}
-
 // A session that is closed may leave the set at once.
 std::vector<std::shared_ptr<HttpSession>> all(const std::set<HttpSession*>& sessions) {
     std::vector<std::shared_ptr<HttpSession>> kept;
@@ -29,6 +18,17 @@ std::vector<std::shared_ptr<HttpSession>> all(const std::set<HttpSession*>& sess
 }
 
 }  // namespace
+
+int ServerOptions::worker_count() const {
+    constexpr int least = 8, of_each_processor = 4;
+    if (workers > 0) return workers;
+    return std::max(least,
+                    of_each_processor * static_cast<int>(std::thread::hardware_concurrency()));
+}
+
+int ServerOptions::directory_workers() const {
+    return std::max(1, worker_count() * directory_share / 100);
+}
 
 ServerCore::ServerCore(ServerOptions taken, HttpServer::Handler taken_handler,
                        ServerHooks taken_hooks)
@@ -41,7 +41,7 @@ ServerCore::ServerCore(ServerOptions taken, HttpServer::Handler taken_handler,
              .largest_upload = std::max(options.largest_body, options.largest_upload)},
       connections(options.most_connections, options.most_of_one_address,
                   [this](const std::string& notice) { tell(notice); }),
-      workers(worker_count(options), most_directory_jobs(options), options.most_waiting) {}
+      workers(options.worker_count(), options.directory_workers(), options.most_waiting) {}
 
 void ServerCore::tell(const std::string& trouble) const {
     if (hooks.trouble) hooks.trouble(trouble);

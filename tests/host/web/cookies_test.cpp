@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/values/failure.h"
+
 namespace orvo::web {
 namespace {
 
@@ -55,10 +57,16 @@ TEST(OutgoingCookie, WithKeysHasThemInPlaceOfAValue) {
 
 TEST(OutgoingCookie, CannotBreakOutOfItsHeader) {
     OutgoingCookie cookie{.name = u"a;b\r\n", .value = u"x\r\nSet-Cookie: y=1; z"};
-    cookie.path = u"/; Domain=evil.example\r\nX: y";
     EXPECT_EQ(header_text(cookie),
-              "a%3Bb%0D%0A=x%0D%0ASet-Cookie%3A+y%3D1%3B+z; Path=/Domain=evil.exampleX:y; "
-              "HttpOnly; SameSite=Lax");
+              "a%3Bb%0D%0A=x%0D%0ASet-Cookie%3A+y%3D1%3B+z; Path=/; HttpOnly; SameSite=Lax");
+    for (const Text text : {u"/; Domain=evil.example", u"/\r\nX: y", u"/\n", u"/\u00e4", u"/\t"}) {
+        OutgoingCookie path{.name = u"c", .path = text};
+        EXPECT_THROW(header_text(path), Failure) << to_utf8(text);
+        OutgoingCookie domain{.name = u"c", .domain = text};
+        EXPECT_THROW(header_text(domain), Failure) << to_utf8(text);
+    }
+    EXPECT_EQ(header_text({.name = u"c", .path = u"/a b,c"}),
+              "c=; Path=/a b,c; HttpOnly; SameSite=Lax");
 }
 
 TEST(HttpDate, IsWrittenInGreenwichTime) {

@@ -58,7 +58,11 @@ TEST(Ranges, AreOneStretchOfBytes) {
              {"bytes=", {}},
              {"bytes=a-b", {}},
              {"bytes=0-1,4-5", {}},
-             {"bytes=99999999999999999999-", {}},
+             {"bytes=99999999999999999999-", ByteRange{18446744073709551615u, 0}},
+             {"bytes=99999999999999999999-99999999999999999999",
+              ByteRange{18446744073709551615u, 0}},
+             {"bytes=2-99999999999999999999", ByteRange{2, 8}},
+             {"bytes=-99999999999999999999", ByteRange{0, 10}},
              {"lines=0-1", {}},
              {"", {}}})
         EXPECT_EQ(try_range(range, 10), bytes) << range;

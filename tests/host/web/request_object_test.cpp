@@ -45,6 +45,7 @@ HttpRequest form(std::string body) {
                         {"X-Odd-Name", "odd"}},
             .body = RequestBody(std::move(body)),
             .remote_address = "192.0.2.7",
+            .remote_port = 50123,
             .local_address = "192.0.2.1",
             .local_port = 8080,
             .is_secure = true};
@@ -119,6 +120,7 @@ TEST_F(RequestObjectTest, ServerVariablesTellOfTheRequest) {
     EXPECT_EQ(text(u"ServerVariables", u"script_name"), u"/p.asp");
     EXPECT_EQ(text(u"ServerVariables", u"QUERY_STRING"), u"q=1&both=query");
     EXPECT_EQ(text(u"ServerVariables", u"REMOTE_ADDR"), u"192.0.2.7");
+    EXPECT_EQ(text(u"ServerVariables", u"REMOTE_PORT"), u"50123");
     EXPECT_EQ(text(u"ServerVariables", u"SERVER_NAME"), u"shop.example");
     EXPECT_EQ(text(u"ServerVariables", u"SERVER_PORT"), u"8080");
     EXPECT_EQ(text(u"ServerVariables", u"HTTPS"), u"on");

@@ -200,11 +200,10 @@ TEST(RequestParser, RefusesWhatIsTooLong) {
 TEST(RequestParser, RefusesALengthThatIsNoneOrCouldBeTwo) {
     EXPECT_EQ(read(with_headers("Content-Length: 0\r\n")).body.size(), 0u);
     EXPECT_EQ(read("GET / HTTP/1.1\r\nHost: h\r\n\r\n").body.size(), 0u);
-    EXPECT_EQ(read(with_headers("Content-Length: 1\r\ncontent-length: 1\r\n") + "x").body.size(),
-              1u);
     constexpr std::string_view unreadable = "400 The length of the request cannot be read.";
     for (const std::string_view headers : {
              "Content-Length: 7\r\nContent-Length: 8\r\n",
+             "Content-Length: 7\r\ncontent-length: 7\r\n",
              "Content-Length: 7, 7\r\n",
              "Content-Length: 7, 8\r\n",
              "Content-Length: -1\r\n",

@@ -132,6 +132,11 @@ TEST_F(ResponseObjectTest, ACookieHasItsAttributesAndKeys) {
               u"SameSite is \"Lax\", \"Strict\" or \"None\", not \"Sometimes\"");
     EXPECT_EQ(refusal([&] { late::put(response_, u"Cookies", u"x", {u""}); }),
               u"A cookie needs a name");
+    const Object cookie = late::get(response_, u"Cookies", {u"c"}).to<Object>();
+    EXPECT_EQ(refusal([&] { late::put(cookie, u"Path", u"/\r\nX: y"); }),
+              u"A cookie's Path cannot have a \";\", a line end or anything beyond ASCII in it");
+    EXPECT_EQ(refusal([&] { late::put(cookie, u"Domain", u"a;b"); }),
+              u"A cookie's Domain cannot have a \";\", a line end or anything beyond ASCII in it");
     EXPECT_EQ(refusal([&] { late::put(response_, u"Cookies", u"x", {u"OrvoSession"}); }),
               u"The session's cookie is the server's own business");
 }
