@@ -16,14 +16,21 @@ namespace {
 
 using namespace orvo::web;
 
-SessionLimits session_limits(const Site& site) {
+SessionLimits session_limits(const Site& site, const ServerOptions& server) {
+    // What waits for its session holds a worker: some are left to the others, whoever asks.
+    constexpr int of_a_browser = 6, left_to_others = 2;
+    const int share = server.directory_workers();
+    const int usual = std::max({2, share / 2, std::min(of_a_browser, share - left_to_others)});
+    const int requests = site.requests_of_one_session.value_or(usual);
     return {.timeout = site.session_timeout,
             .absolute = site.session_lifetime,
-            .most_bytes = site.session_memory};
+            .most_bytes = site.session_memory,
+            .most_waiting = static_cast<std::size_t>(requests - 1)};
 }
 
 // Goes on with new files for the logs and new settings; what cannot be read leaves the old ones.
-void reload(const Options& options, WebApp& app, MemorySessions& sessions, WebLog& log) {
+void reload(const Options& options, const ServerOptions& server, WebApp& app,
+            MemorySessions& sessions, WebLog& log) {
     log.reopen();
     try {
         const Site site = read_site(options.site, options.config);
@@ -35,7 +42,7 @@ void reload(const Options& options, WebApp& app, MemorySessions& sessions, WebLo
         for (const std::string& key : keys_for_next_start(app.site(), site))
             said += "; " + key + " counts from the next start";
         app.replace(site);
-        sessions.set_limits(session_limits(site));
+        sessions.set_limits(session_limits(site, server));
         log.trouble(said);
     } catch (const orvo::Failure& failure) {
         log.trouble("the settings stay as they were: " + orvo::to_utf8(failure.description));
@@ -59,7 +66,6 @@ void serve(const Options& options) {
     const ServiceManager manager;
     Site site = read_site(options.site, options.config);
     set_up_directory(site);
-    MemorySessions sessions(session_limits(site));
     DirectoryHealth health;
     WebLog log(options.access_log);
     ServerOptions server_options = options.server;
@@ -67,6 +73,7 @@ void serve(const Options& options) {
     server_options.largest_upload = site.largest_upload;
     server_options.directory_share = site.directory_share;
     server_options.drain_time = site.drain_time;
+    MemorySessions sessions(session_limits(site, server_options));
     WebApp app(std::move(site), sessions, health, log, {.shows_details = options.shows_details});
     ServerHooks hooks{
         .lane = [&](const HttpRequest& request) { return app.lane_of(request); },
@@ -86,7 +93,7 @@ void serve(const Options& options) {
         },
         [&] {
             tell(manager, &ServiceManager::reloading, log);
-            reload(options, app, sessions, log);
+            reload(options, server_options, app, sessions, log);
             tell(manager, &ServiceManager::ready, log);
         });
     std::cout << "Listening on " << server.url() << std::endl;

@@ -13,6 +13,9 @@
 
 namespace orvo::authfilter {
 
+// How many logins, and records, one user has, where the site does not say it.
+inline constexpr std::int32_t usual_logins_of_one_user = 100;
+
 // The credentials under one GUID.
 struct Record {
     Text user_name = {};

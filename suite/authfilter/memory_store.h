@@ -15,7 +15,7 @@ struct Limits {
     // Records, and as many logins. Where the store is full of live ones, a new one is refused.
     std::size_t most = 100'000;
     // Of these, how many one user has.
-    std::size_t most_of_user = 100;
+    std::size_t most_of_user = usual_logins_of_one_user;
     // How long a record without a live login is kept after it was last stored or found.
     std::chrono::minutes record_lifetime{60};
 };

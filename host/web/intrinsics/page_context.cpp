@@ -75,6 +75,10 @@ std::string PageContext::read_body(std::uint64_t count) {
     return bytes;
 }
 
+PageFailure PageContext::failure_within(const script::ScriptError& error) const {
+    return passes_on(error) ? inner_failure.failure : failure_of(error, root);
+}
+
 void PageContext::open_session() {
     if (has_session_ && !session_)
         session_ = sessions_.open(session_id_of(request), patience_, request.try_wait);

@@ -63,7 +63,20 @@ public:
     std::vector<std::filesystem::path> file_folders = {};
     bool maps_paths = true;
     PageFailure last_failure = {};  // which an error page is shown for
-    Text user = {};                 // who is logged in, where the guard has let somebody in
+    // What failed in a page that another one executes: the first one tells the place, the others
+    // are told of it by this sentence.
+    struct InnerFailure {
+        Text sentence;
+        PageFailure failure;
+    };
+    InnerFailure inner_failure = {};
+    // Whether a page's failure is but the inner one.
+    bool passes_on(const script::ScriptError& error) const {
+        return !inner_failure.sentence.empty() && error.description == inner_failure.sentence;
+    }
+    // Of the page that the browser asked for.
+    PageFailure failure_within(const script::ScriptError& error) const;
+    Text user = {};  // who is logged in, where the guard has let somebody in
     PageAnswer answer;
     ApplicationState::Holder application;
     PageControl* control = nullptr;
@@ -132,6 +145,21 @@ private:
     bool is_new_ = false;  // the browser has not been told its identifier
     bool is_abandoned_ = false;
     bool has_session_ = true;
+};
+
+// Gives back what a page holds, however it ended.
+class PageEnd {
+public:
+    explicit PageEnd(PageContext& page) : page_(page) {}
+    ~PageEnd() {
+        page_.finish();
+        page_.complete_head = {};
+    }
+    PageEnd(const PageEnd&) = delete;
+    PageEnd& operator=(const PageEnd&) = delete;
+
+private:
+    PageContext& page_;
 };
 
 // The name of the session's cookie. Under TLS browsers take one of this name from this very host

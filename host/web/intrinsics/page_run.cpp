@@ -95,11 +95,14 @@ void PageRun::execute(const Text& address) {
     try {
         const script::Program program = pages_->get(page_.running_path).program;
         run({&program});
+        return;
     } catch (const PageError& error) {
-        throw Failure(runtime_error::invalid_call, {}, from_utf8(error.what()));
+        page_.inner_failure = {from_utf8(error.what()), failure_of(error, page_.root)};
     } catch (const script::ScriptError& error) {
-        throw Failure(runtime_error::invalid_call, {}, from_utf8(error.what()));
+        if (!page_.passes_on(error))
+            page_.inner_failure = {from_utf8(error.what()), failure_of(error, page_.root)};
     }
+    throw Failure(runtime_error::invalid_call, {}, page_.inner_failure.sentence);
 }
 
 void PageRun::limit(script::Engine& engine) const {

@@ -31,7 +31,8 @@ GlobalEvents::GlobalEvents(std::filesystem::path root, ApplicationState& applica
       application_(application),
       sessions_(sessions),
       log_(log),
-      options_(options) {}
+      options_(options),
+      time_limit_(options.time_limit) {}
 
 GlobalEvents::~GlobalEvents() { stop(); }
 
@@ -137,7 +138,7 @@ void GlobalEvents::stop() {
 std::shared_ptr<PageContext> GlobalEvents::context() const {
     auto page = std::make_shared<PageContext>(HttpRequest{}, global_path, root_, application_,
                                               sessions_, options_.patience);
-    page->time_limit = options_.time_limit;
+    page->time_limit = time_limit_;
     return page;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <exception>
@@ -35,6 +36,9 @@ public:
     GlobalEvents(const GlobalEvents&) = delete;
     GlobalEvents& operator=(const GlobalEvents&) = delete;
 
+    // Of each handler that begins from now on.
+    void set_time_limit(std::chrono::seconds limit) { time_limit_ = limit; }
+
     // Before each page: the first time it reads the file and carries Application_OnStart out, while
     // the others wait. Raises PageError and script::ScriptError to all that waited; the next page
     // tries again. Null where the site has no global.asa.
@@ -59,6 +63,7 @@ private:
     SessionStore& sessions_;
     WebLog& log_;
     const Options options_;
+    std::atomic<std::chrono::seconds> time_limit_;
 
     std::mutex lock_;
     std::condition_variable changed_;

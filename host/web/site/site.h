@@ -5,6 +5,8 @@
 //     LoginPage = /login.asp
 //     ; path = number of the application; everything below the path is guarded
 //     Guard = /account/ = 1, /admin/ = 10
+//     ; 1: what was typed into a form goes on to the login page
+//     KeepForms = 0
 //     ; the login's cookie; as a rule the site configuration's CookieName says it
 //     LoginCookie = QUENDRAID
 //     ; minutes without a request, and minutes altogether, after which a session ends
@@ -22,16 +24,11 @@
 //     DirectoryCache = Entries = 1000, TimeToLive = 5
 //     ; percent of the workers that pages hold together which wait for the directory
 //     DirectoryShare = 75
-//     ; live logins of one user, and bytes of all sessions together
-//     LoginsOfOneUser = 100
-//     SessionMemory = 268435456
-//     ; seconds for what is being served when the program is asked to end
-//     DrainTime = 10
-//     ; folders below which pages may write files
-//     FileFolders = uploads, /var/lib/shop
-//     ; pages or files that are shown in place of what failed
-//     ErrorPage404 = /errors/404.asp
-//     ErrorPage500 = /errors/500.asp
+//     ; live logins of one user, requests of one session at once, and bytes of all sessions
+//     together LoginsOfOneUser = 100 RequestsOfOneSession = 6 SessionMemory = 268435456 ; seconds
+//     for what is being served when the program is asked to end DrainTime = 10 ; folders below
+//     which pages may write files FileFolders = uploads, /var/lib/shop ; pages or files that are
+//     shown in place of what failed ErrorPage404 = /errors/404.asp ErrorPage500 = /errors/500.asp
 //     ErrorPage503 = /errors/503.html
 //     ContentSecurityPolicy = frame-ancestors 'none'; base-uri 'self'; form-action 'self'
 //
@@ -67,6 +64,7 @@ struct Site {
     bool has_settings = false;   // whether there was a file of settings
     std::string login_page = "/login.asp";
     std::vector<GuardedPath> guards = {};
+    bool keeps_forms = false;
     Text login_cookie = {};
     std::chrono::minutes session_timeout{20};
     std::chrono::minutes session_lifetime{720};
@@ -79,6 +77,7 @@ struct Site {
     std::vector<ProviderSetting> directory_cache = {};
     int directory_share = 75;                             // percent
     std::optional<std::int32_t> logins_of_one_user = {};  // the filter's own, where empty
+    std::optional<int> requests_of_one_session = {};      // half of the share, where empty
     std::size_t session_memory = 256 * 1024 * 1024;
     std::chrono::seconds drain_time{10};
     std::vector<std::string> default_pages{"default.asp", "index.html"};

@@ -11,6 +11,7 @@
 #include "platform/interfaces/call.h"
 #include "platform/interfaces/create.h"
 #include "platform/interfaces/late_call.h"
+#include "suite/authfilter/filter_store.h"
 
 namespace orvo::web {
 namespace {
@@ -57,7 +58,8 @@ HttpResponse broken_off(PageAnswer& answer, const HttpResponse& failure) {
 }
 
 HttpResponse to_login(const Site& site, const HttpRequest& request) {
-    return redirect(request.method == "POST" ? 303 : 302, login_address(site, request.target));
+    const int status = request.method != "POST" ? 302 : site.keeps_forms ? 307 : 303;
+    return redirect(status, login_address(site, request.target));
 }
 
 // The guards of a path, and of where links in it lead.
@@ -69,6 +71,12 @@ std::vector<const GuardedPath*> guards_of(const Site& site, const SitePath& foun
         if (guard && (guards.empty() || guards.front() != guard)) guards.push_back(guard);
     }
     return guards;
+}
+
+Object logins_of_users() { return create_object(u"TavikAuthFilter.Logins"); }
+
+void put_logins_of_one_user(const Object& logins, std::int32_t most) {
+    late::put(logins, u"MostOfOneUser", most);
 }
 
 void add_security_headers(const Site& site, HttpResponse& response) {
@@ -86,47 +94,11 @@ void add_security_headers(const Site& site, HttpResponse& response) {
     }
 }
 
-// The site's own file for an error, where it has one, or the built-in page.
-HttpResponse usual_answer(StaticFiles& files, const Site& site, const ErrorPage& usual) {
-    const auto own = site.error_pages.find(usual.status);
-    const auto file = own == site.error_pages.end() || is_page(own->second)
-                          ? std::nullopt
-                          : try_site_file(site.root, own->second);
-    if (!file) return error_response(usual);
-    try {
-        HttpResponse response = files.answer(*file, HttpRequest{});
-        response.status = usual.status;
-        response.headers = {{"Cache-Control", "no-store"}};
-        return response;
-    } catch (const std::exception&) {
-        return error_response(usual);  // the file has gone meanwhile
-    }
-}
-
 // By its address, as it was sent: "/shop.css"
 bool is_plain_file(std::string_view path) {
     const auto name = path.substr(path.rfind('/') + 1);
     return name.find('.') != name.npos && name.find('%') == name.npos && !is_page(name);
 }
-
-// As the browser has it.
-std::string address_of(const HttpRequest& request) {
-    return (request.is_secure ? "https://" : "http://") + std::string(request.header("Host")) +
-           request.target;
-}
-
-// Gives back what a page holds, however it ended.
-class Finish {
-public:
-    explicit Finish(PageContext& page) : page_(page) {}
-    ~Finish() {
-        page_.finish();
-        page_.complete_head = {};
-    }
-
-private:
-    PageContext& page_;
-};
 
 }  // namespace
 
@@ -159,15 +131,17 @@ WebApp::WebApp(Site site, SessionStore& sessions, DirectoryHealth& health, WebLo
       health_(health),
       log_(log),
       options_(options),
+      errors_(files_, log, options.shows_details,
+              [this](const ServedSite& served, const HttpRequest& request,
+                     const std::string& path) { return open(served, request, path); }),
       events_(served_->site.root, application_, sessions, log,
               {.time_limit = served_->site.page_timeout, .patience = served_->site.drain_time}) {
     need_filter(served_->site);
+    if (served_->site.logins_of_one_user)
+        put_logins_of_one_user(logins_of_users(), *served_->site.logins_of_one_user);
 }
 
 void WebApp::need_filter(const Site& site) {
-    if (site.logins_of_one_user)
-        late::put(create_object(u"TavikAuthFilter.Logins"), u"MostOfOneUser",
-                  *site.logins_of_one_user);
     if (application_.get(filter_connector_progid).is_object()) return;
     Object connector;
     try {
@@ -181,19 +155,26 @@ void WebApp::need_filter(const Site& site) {
         .put(filter_connector_progid, connector);
 }
 
-std::shared_ptr<WebApp::Served> WebApp::serve(Site site) {
+std::shared_ptr<ServedSite> WebApp::serve(Site site) {
     Text cookie = login_cookie_of(site);
-    return std::make_shared<Served>(std::move(site), std::move(cookie));
+    return std::make_shared<ServedSite>(std::move(site), std::move(cookie));
 }
 
-std::shared_ptr<WebApp::Served> WebApp::served() const {
+std::shared_ptr<ServedSite> WebApp::served() const {
     const std::lock_guard guard(lock_);
     return served_;
 }
 
+// What may fail stands in front of what counts.
 void WebApp::replace(Site site) {
-    need_filter(site);
     auto fresh = serve(std::move(site));
+    const auto most = fresh->site.logins_of_one_user;
+    Object logins;
+    if (most || served()->site.logins_of_one_user) logins = logins_of_users();
+    need_filter(fresh->site);
+
+    if (logins) put_logins_of_one_user(logins, most.value_or(authfilter::usual_logins_of_one_user));
+    events_.set_time_limit(fresh->site.page_timeout);
     const std::lock_guard guard(lock_);
     served_ = std::move(fresh);
 }
@@ -206,13 +187,13 @@ HttpResponse WebApp::handle(const HttpRequest& request) {
     try {
         response = route(*served, request, note);
     } catch (const Refusal& refusal) {
-        response = error_answer(*served, request, {refusal.status, refusal.what()});
+        response = errors_.answer(*served, request, {refusal.status, refusal.what()});
         if (refusal.status == 405) response.headers.emplace_back("Allow", "GET, HEAD, POST");
         if (refusal.status == 503) response.headers.emplace_back("Retry-After", "1");
     } catch (const std::exception& failure) {
-        const ErrorPage usual = noted(std::string(path_part(request.target)),
-                                      "The page could not be shown.", failure.what());
-        response = error_answer(*served, request, usual, failure_of(failure));
+        const ErrorPage usual = errors_.noted(std::string(path_part(request.target)),
+                                              "The page could not be shown.", failure.what());
+        response = errors_.answer(*served, request, usual, failure_of(failure));
     }
     add_security_headers(served->site, response);
     log_.request(request, response, std::chrono::steady_clock::now() - begin, note);
@@ -236,7 +217,7 @@ void WebApp::note_refused(const HttpRequest& request, HttpResponse& response,
     log_.request(request, response, duration, {});
 }
 
-HttpResponse WebApp::route(Served& served, const HttpRequest& request, std::string& note) {
+HttpResponse WebApp::route(ServedSite& served, const HttpRequest& request, std::string& note) {
     if (request.method != "GET" && request.method != "HEAD" && request.method != "POST")
         throw Refusal(405, "This server answers GET, HEAD and POST.");
     const std::string path = decoded_path(request.target);
@@ -254,7 +235,7 @@ HttpResponse WebApp::health(const std::string& path) {
     return plain(503, "directory unreachable\n");
 }
 
-std::shared_ptr<PageContext> WebApp::open(const Served& served, const HttpRequest& request,
+std::shared_ptr<PageContext> WebApp::open(const ServedSite& served, const HttpRequest& request,
                                           const std::string& path) {
     auto page =
         std::make_shared<PageContext>(request, path, served.site.root, application_, sessions_,
@@ -271,8 +252,8 @@ std::shared_ptr<PageContext> WebApp::open(const Served& served, const HttpReques
     return page;
 }
 
-bool WebApp::is_open(const Served& served, const SessionLogin& login, const RequestFields& cookies,
-                     const SitePath& found) const {
+bool WebApp::is_open(const ServedSite& served, const SessionLogin& login,
+                     const RequestFields& cookies, const SitePath& found) const {
     const auto* cookie = cookies.find(served.login_cookie);
     const Text guid = cookie ? cookie->values.front() : Text();
     const Variant connector = application_.get(filter_connector_progid);
@@ -283,7 +264,8 @@ bool WebApp::is_open(const Served& served, const SessionLogin& login, const Requ
 
 // The session is not held for a file: a page of the same session that waits for the directory does
 // not keep it from the browser.
-HttpResponse WebApp::file(const Served& served, const HttpRequest& request, const SitePath& found) {
+HttpResponse WebApp::file(const ServedSite& served, const HttpRequest& request,
+                          const SitePath& found) {
     if (!guards_of(served.site, found).empty() &&
         !is_open(served, sessions_.login_of(session_id_of(request)), cookies_of(request), found))
         return to_login(served.site, request);
@@ -298,7 +280,7 @@ HttpResponse WebApp::file(const Served& served, const HttpRequest& request, cons
     return files_.answer(*found.file, request);
 }
 
-HttpResponse WebApp::page(Served& served, const HttpRequest& request, const SitePath& found,
+HttpResponse WebApp::page(ServedSite& served, const HttpRequest& request, const SitePath& found,
                           std::string& note) {
     const std::string& path = found.path;
     const auto page = open(served, request, path);
@@ -314,27 +296,27 @@ HttpResponse WebApp::page(Served& served, const HttpRequest& request, const Site
     PageFailure failure;
     bool is_answered = false;
     {
-        const Finish finish(*page);
+        const PageEnd end(*page);
         try {
             run_page(page, served.pages, path, events_.start());
             is_answered = true;
         } catch (const PageError& error) {
-            usual = noted(path, "The page could not be shown.", error.what());
+            usual = errors_.noted(path, "The page could not be shown.", error.what());
             failure = failure_of(error, served.site.root);
         } catch (const script::ScriptError& error) {
-            usual = noted(path,
-                          error.trouble == script::Trouble::time_limit
-                              ? "The page took too long and was stopped."
-                              : "The page could not be shown.",
-                          error.what(),
-                          {error.what(), to_utf8(error.source),
-                           error.number ? "0x" + to_utf8(hexadecimal(error.number)) : ""});
-            failure = failure_of(error, served.site.root);
+            usual = errors_.noted(path,
+                                  error.trouble == script::Trouble::time_limit
+                                      ? "The page took too long and was stopped."
+                                      : "The page could not be shown.",
+                                  error.what(),
+                                  {error.what(), to_utf8(error.source),
+                                   error.number ? "0x" + to_utf8(hexadecimal(error.number)) : ""});
+            failure = page->failure_within(error);
         }
         note = page->answer.log_note;
         if (!is_answered && !page->answer.has_begun) {
             failure.reference = from_utf8(usual.reference);
-            is_answered = try_error_page(served, page, 500, std::move(failure));
+            is_answered = errors_.try_page(served, page, 500, std::move(failure));
         }
         seen_pages_.note(request.method, path_part(request.target), page->waits_for_directory());
         // What a page that failed would have told the browser is not sent; its session is kept.
@@ -344,61 +326,10 @@ HttpResponse WebApp::page(Served& served, const HttpRequest& request, const Site
         throw Refusal(503, "Too many pages wait for the directory. Please try again.");
     if (is_answered) return response_of(std::move(page->answer));
     if (page->answer.has_begun) return broken_off(page->answer, error_response(usual));
-    HttpResponse response = usual_answer(files_, served.site, usual);
+    HttpResponse response = errors_.usual(served.site, usual);
     for (const auto& cookie : page->answer.cookies)
         response.headers.emplace_back("Set-Cookie", header_text(*cookie));
     return response;
-}
-
-ErrorPage WebApp::noted(const std::string& path, std::string sentence, const std::string& cause,
-                        std::vector<std::string> details) {
-    ErrorPage page{.status = 500, .sentence = std::move(sentence)};
-    page.reference = log_.failure(path, cause);
-    if (details.empty()) details = {cause};
-    std::erase(details, "");
-    if (options_.shows_details) page.details = std::move(details);
-    return page;
-}
-
-HttpResponse WebApp::error_answer(Served& served, const HttpRequest& request,
-                                  const ErrorPage& usual, PageFailure failure) {
-    const auto own = served.site.error_pages.find(usual.status);
-    if (own == served.site.error_pages.end() || !is_page(own->second))
-        return usual_answer(files_, served.site, usual);
-    failure.reference = from_utf8(usual.reference);
-    try {
-        HttpRequest inner = request;
-        inner.stream = nullptr;  // the page fails as a whole
-        const auto page = open(served, inner, own->second);
-        bool is_shown = false;
-        {
-            const Finish finish(*page);
-            page->query = PageQuery(std::to_string(usual.status) + ';' + address_of(request));
-            // A session that is not to be had may be what is told.
-            if (usual.status == 503) page->do_without_session();
-            is_shown = try_error_page(served, page, usual.status, std::move(failure));
-        }
-        if (is_shown) return response_of(std::move(page->answer));
-    } catch (const std::exception& failed) {
-        log_.failure(own->second, failed.what());
-    }
-    return usual_answer(files_, served.site, usual);
-}
-
-bool WebApp::try_error_page(Served& served, const std::shared_ptr<PageContext>& page, int status,
-                            PageFailure failure) {
-    const auto own = served.site.error_pages.find(status);
-    if (own == served.site.error_pages.end() || !is_page(own->second)) return false;
-    page->answer = {.status = status};
-    page->last_failure = std::move(failure);
-    page->time_limit = served.site.page_timeout;
-    try {
-        run_page(page, served.pages, own->second);
-        return !page->is_turned_away();
-    } catch (const std::exception& failed) {
-        log_.failure(own->second, failed.what());
-        return page->answer.has_begun;
-    }
 }
 
 }  // namespace orvo::web

@@ -4,10 +4,9 @@
 
 #include "host/web/files/static_files.h"
 #include "host/web/intrinsics/page_context.h"
-#include "host/web/messages/error_page.h"
-#include "host/web/pages/page_cache.h"
 #include "host/web/pages/waiting_pages.h"
 #include "host/web/site/directory_health.h"
+#include "host/web/site/error_answers.h"
 #include "host/web/site/global_events.h"
 #include "host/web/site/site.h"
 #include "host/web/site/web_log.h"
@@ -37,48 +36,29 @@ public:
                       std::chrono::steady_clock::duration duration);
 
     // Serves by other settings from now on; a request that runs keeps those that it began with.
-    // Raises what the constructor does, and then goes on as before.
+    // Raises what the constructor does, and then nothing has changed.
     void replace(Site site);
     Site site() const { return served()->site; }
 
     ApplicationState& application() { return application_; }
 
 private:
-    // A site as it was last read.
-    struct Served {
-        Served(Site read, Text cookie)
-            : site(std::move(read)), login_cookie(std::move(cookie)), pages(site.root) {}
-        const Site site;
-        const Text login_cookie;
-        PageCache pages;
-    };
-    static std::shared_ptr<Served> serve(Site site);
+    static std::shared_ptr<ServedSite> serve(Site site);
     void need_filter(const Site& site);
-    std::shared_ptr<Served> served() const;
+    std::shared_ptr<ServedSite> served() const;
 
-    HttpResponse route(Served& served, const HttpRequest& request, std::string& note);
+    HttpResponse route(ServedSite& served, const HttpRequest& request, std::string& note);
     HttpResponse health(const std::string& path);
-    HttpResponse file(const Served& served, const HttpRequest& request, const SitePath& found);
-    HttpResponse page(Served& served, const HttpRequest& request, const SitePath& found,
+    HttpResponse file(const ServedSite& served, const HttpRequest& request, const SitePath& found);
+    HttpResponse page(ServedSite& served, const HttpRequest& request, const SitePath& found,
                       std::string& note);
-    std::shared_ptr<PageContext> open(const Served& served, const HttpRequest& request,
+    std::shared_ptr<PageContext> open(const ServedSite& served, const HttpRequest& request,
                                       const std::string& path);
-    bool is_open(const Served& served, const SessionLogin& login, const RequestFields& cookies,
+    bool is_open(const ServedSite& served, const SessionLogin& login, const RequestFields& cookies,
                  const SitePath& found) const;
-    // Logs a failure; the built-in page for it.
-    ErrorPage noted(const std::string& path, std::string sentence, const std::string& cause,
-                    std::vector<std::string> details = {});
-    // What is shown for a request that no page has answered: the site's own page for that, where
-    // there is one and it does not fail, otherwise `usual`.
-    HttpResponse error_answer(Served& served, const HttpRequest& request, const ErrorPage& usual,
-                              PageFailure failure = {});
-    // Carries the site's own page out in the place of what a page has written. False where there is
-    // none, and where it fails.
-    bool try_error_page(Served& served, const std::shared_ptr<PageContext>& page, int status,
-                        PageFailure failure);
 
     mutable std::mutex lock_;
-    std::shared_ptr<Served> served_;
+    std::shared_ptr<ServedSite> served_;
     SessionStore& sessions_;
     DirectoryHealth& health_;
     WebLog& log_;
@@ -86,6 +66,7 @@ private:
     ApplicationState application_;
     WaitingPages seen_pages_;
     StaticFiles files_;
+    ErrorAnswers errors_;
     GlobalEvents events_;
 };
 

@@ -205,6 +205,15 @@ TEST_F(GlobalEventsTest, AHandlerHasATimeLimit) {
     EXPECT_NE(get().find("The script ran longer than it may"), std::string::npos);
 }
 
+TEST_F(GlobalEventsTest, TheTimeLimitIsThatOfTheSettingsAsTheyWereReadLast) {
+    global("function Application_OnStart() { for (;;); }");
+    events().set_time_limit(std::chrono::seconds(1));
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_NE(get().find("The script ran longer than it may"), std::string::npos);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20))
+        << "the first one was 30 seconds";
+}
+
 TEST_F(GlobalEventsTest, TheFilesNameHasNoCase) {
     site_.write("/GLOBAL.ASA",
                 "<script runat=server>function Application_OnStart() { Application('n') = 1 "

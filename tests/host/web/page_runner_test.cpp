@@ -144,6 +144,17 @@ TEST_F(PageRunnerTest, APageExecutesOthersAndTransfersToThem) {
               std::string::npos);
 }
 
+TEST_F(PageRunnerTest, TheFirstPageThatFailsTellsItsPlaceAndTheOthersPassItOn) {
+    site_.write("/deep.asp", "\n\n<% unknown() %>");
+    site_.write("/inner.asp", "\n<% Server.Execute('deep.asp') %>");
+    EXPECT_EQ(failure_of("<% Server.Execute('inner.asp') %>"),
+              "/page.asp, line 1: /deep.asp, line 3: ReferenceError: identifier 'unknown' "
+              "undefined");
+    EXPECT_EQ(failure_of("<% Server.Execute('page.asp') %>"),
+              "/page.asp, line 1: /page.asp, line 1: Pages execute each other too deeply: "
+              "page.asp");
+}
+
 TEST_F(PageRunnerTest, AnExecutedPageHasGlobalsOfItsOwn) {
     site_.write("/inner.asp",
                 "<%= typeof title %><% var title = 'inner'; Session('n') = 1;"

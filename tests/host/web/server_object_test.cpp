@@ -94,6 +94,9 @@ TEST_F(ServerObjectTest, MakesObjectsByProgId) {
         FAIL();
     } catch (const Failure& failure) {
         EXPECT_EQ(failure.number, 429);
+        const std::string said = to_utf8(failure.description);
+        EXPECT_NE(said.find("The component \"No.Such\" is not known in /"), std::string::npos)
+            << said;
     }
 }
 

@@ -51,7 +51,8 @@ TEST_F(SiteTest, IsSettledByItsFile) {
         "SessionTimeout = 5\nSessionLifetime = 60\nPageTimeout = 3\nLargestRequest = 2048\n"
         "LargestUpload = 4096\n"
         "DirectoryPool = MaximumSize = 32, IdleLimit=60\nDirectoryCache = Entries = 9\n"
-        "DirectoryShare = 50\nLoginsOfOneUser = 3\nSessionMemory = 2000000\nDrainTime = 0\n"
+        "DirectoryShare = 50\nLoginsOfOneUser = 3\nRequestsOfOneSession = 9\nKeepForms = "
+        "1\nSessionMemory = 2000000\nDrainTime = 0\n"
         "defaultpages = start.asp\nContentSecurityPolicy = default-src 'self'\n");
     EXPECT_EQ(site.login_page, "/in/login.asp");
     EXPECT_EQ(site.guards, (std::vector<GuardedPath>{{"/account/", 1}, {"/admin/", 10}}));
@@ -66,6 +67,8 @@ TEST_F(SiteTest, IsSettledByItsFile) {
     EXPECT_EQ(site.directory_cache, (std::vector<ProviderSetting>{{u"Entries", u"9"}}));
     EXPECT_EQ(site.directory_share, 50);
     EXPECT_EQ(site.logins_of_one_user, 3);
+    EXPECT_EQ(site.requests_of_one_session, 9);
+    EXPECT_TRUE(site.keeps_forms);
     EXPECT_EQ(site.session_memory, 2000000u);
     EXPECT_EQ(site.drain_time, std::chrono::seconds(0));
     EXPECT_EQ(site.default_pages, std::vector<std::string>{"start.asp"});

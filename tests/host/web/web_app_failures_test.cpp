@@ -74,6 +74,15 @@ TEST_F(WebAppTest, ASiteHasErrorPagesOfItsOwn) {
     pages_.write("/broken.asp", "\n<% never closed");
     EXPECT_EQ(get("/broken.asp").body.substr(0, 71),
               "/broken.asp|2|<% never closed|\"<%\" is not closed by \"%>\"|Pages|True||-1");
+    pages_.write("/outer.asp", "<% Server.Execute('inner.asp') %>");
+    pages_.write("/inner.asp", "\n<% Server.Execute('fail.asp') %>");
+    EXPECT_EQ(get("/outer.asp").body,
+              "/fail.asp|2|unknown(); %>|identifier 'unknown' undefined|JScript "
+              "runtime|True||-1|8|1")
+        << "as if the page had been asked for";
+    pages_.write("/caught.asp", "<% try { Server.Execute('fail.asp') } catch (e) {}\nother(); %>");
+    EXPECT_EQ(get("/caught.asp").body.substr(0, 48),
+              "/caught.asp|2|other(); %>|identifier 'other' und");
     pages_.write("/endless.asp", "<% for (;;); %>");
     EXPECT_NE(get("/endless.asp").body.find("|ASP 0113|"), std::string::npos);
     pages_.write("/status.asp", "<% Response.Status = 'fine' %>");

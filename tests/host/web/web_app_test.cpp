@@ -1,5 +1,7 @@
 #include "tests/host/web/web_app_test.h"
 
+#include "suite/authfilter/live_logins.h"
+
 namespace orvo::web {
 namespace {
 
@@ -162,6 +164,50 @@ TEST_F(WebAppTest, ServesByNewSettingsAndKeepsTheOldOnesWhereTheyCannotBeRead) {
     unnamed.guards.push_back({"/account/", 1});
     EXPECT_THROW(app().replace(unnamed), Failure) << "nothing tells the login's cookie";
     EXPECT_EQ(get("/old/x.html").status, 302);
+}
+
+TEST_F(WebAppTest, SettingsThatCannotBeHadChangeNothing) {
+    const LocalClass logins = local_class<authfilter::LiveLogins>();
+    const auto filter = register_login();
+    const auto live = [&](const Text& guid) {
+        return call<&FilterConnector::IsLoggedIn>(filter, guid, 1);
+    };
+    const auto log_in = [&](const Text& guid) {
+        call<&FilterConnector::Logout>(filter, guid);
+        const auto user = call<&FilterConnector::CreateUserWithGUID>(filter, guid);
+        call<&FilterUser::put_AccountPath>(user, u"cn=a");
+        call<&FilterUser::Save>(user);
+        call<&FilterConnector::RegisterLogin>(filter, u"a", Values{1}, guid, std::int16_t{1}, 10);
+    };
+    Site wanted = app().site();
+    wanted.logins_of_one_user = 1;
+    wanted.login_cookie.clear();
+    EXPECT_THROW(app().replace(wanted), Failure) << "nothing tells the login's cookie";
+    log_in(u"G2");
+    EXPECT_TRUE(live(u"G1")) << "a user still has many logins";
+    wanted.login_cookie = u"LoginID";
+    app().replace(wanted);
+    log_in(u"G3");
+    EXPECT_FALSE(live(u"G1"));
+    EXPECT_FALSE(live(u"G2"));
+    wanted.logins_of_one_user.reset();
+    app().replace(wanted);
+    log_in(u"G4");
+    EXPECT_TRUE(live(u"G3")) << "without the key it is as at first";
+}
+
+TEST_F(WebAppTest, AFormWithoutALoginGoesOnToTheLoginPageWhereTheSiteWantsThat) {
+    const HttpRequest form{.method = "POST", .target = "/account/?a=1"};
+    HttpResponse response = app().handle(form);
+    EXPECT_EQ(response.status, 303);
+    EXPECT_EQ(header(response, "Location"), "/login/login.asp?url=%2Faccount%2F%3Fa%3D1");
+    Site site = app().site();
+    site.keeps_forms = true;
+    app().replace(site);
+    response = app().handle(form);
+    EXPECT_EQ(response.status, 307);
+    EXPECT_EQ(header(response, "Location"), "/login/login.asp?url=%2Faccount%2F%3Fa%3D1");
+    EXPECT_EQ(get("/account/").status, 302);
 }
 
 class WaitingPagesTest : public WebAppTest {
