@@ -64,6 +64,8 @@ constexpr Variable variables[] = {
      "any "
      "folder the log is the standard error."},
     {"LOCALAPPDATA", "The same on Windows."},
+    {"TERM", "`dumb`, or nothing: `orvo` writes no colours."},
+    {"NO_COLOR", "Anything: `orvo` writes no colours."},
 };
 
 }  // namespace
