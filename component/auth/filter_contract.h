@@ -40,18 +40,21 @@ protected:
 template <>
 inline constexpr auto table_of<FilterUser> = describe<FilterUser>(
     "IFilterUser", "8e5a3c1d-7b64-4f5e-9a0c-2d1f6b7c8e01",
-    get<&FilterUser::GUID>("GUID"),
-    get<&FilterUser::UserName>("UserName"),
+    about("What the authorization filter keeps of somebody who logs in: a record under a GUID."),
+    get<&FilterUser::GUID>("GUID").help("The login's GUID, the value of the login cookie."),
+    get<&FilterUser::UserName>("UserName").help("The name as it was typed."),
     put<&FilterUser::put_UserName>("UserName", "name"),
-    get<&FilterUser::AccountPath>("AccountPath"),
+    get<&FilterUser::AccountPath>("AccountPath").help("The user's distinguished name."),
     put<&FilterUser::put_AccountPath>("AccountPath", "path"),
-    get<&FilterUser::Password>("Password"),
+    get<&FilterUser::Password>("Password").help("The user's password."),
     put<&FilterUser::put_Password>("Password", "password"),
-    get<&FilterUser::NTUser>("NTUser"),
+    get<&FilterUser::NTUser>("NTUser")
+        .help("The name of the service account of the user's type."),
     put<&FilterUser::put_NTUser>("NTUser", "user"),
-    get<&FilterUser::NTPassword>("NTPassword"),
+    get<&FilterUser::NTPassword>("NTPassword").help("That account's password."),
     put<&FilterUser::put_NTPassword>("NTPassword", "password"),
-    method<&FilterUser::Save>("Save"));
+    method<&FilterUser::Save>("Save")
+        .help("Stores all that was put, at once; without it nothing changes."));
 // clang-format on
 
 // A GUID has 1 to so many characters.
@@ -82,12 +85,21 @@ protected:
 template <>
 inline constexpr auto table_of<FilterConnector> = describe<FilterConnector>(
     "IFilterConnector", "8e5a3c1d-7b64-4f5e-9a0c-2d1f6b7c8e02",
-    method<&FilterConnector::FindUserByGUID>("FindUserByGUID", "guid"),
-    method<&FilterConnector::CreateUserWithGUID>("CreateUserWithGUID", "guid"),
+    about("The authorization filter: who is logged in, and for which applications."),
+    method<&FilterConnector::FindUserByGUID>("FindUserByGUID", "guid")
+        .help("The record under a GUID, or nothing."),
+    method<&FilterConnector::CreateUserWithGUID>("CreateUserWithGUID", "guid")
+        .help("A new record; nothing where there is one already."),
     method<&FilterConnector::RegisterLogin>("RegisterLogin", "user", "applications", "guid",
-                                            "multiLogin", "timeout"),
-    method<&FilterConnector::IsLoggedIn>("IsLoggedIn", "guid", "application"),
-    method<&FilterConnector::Logout>("Logout", "guid"));
+                                            "multiLogin", "timeout")
+        .help("Begins a login for these applications, an array of numbers; always true. With a "
+              "multiLogin of 0 it ends the user's other logins. The timeout is in minutes without "
+              "a question for it: 10 where it is below 1, at most a year."),
+    method<&FilterConnector::IsLoggedIn>("IsLoggedIn", "guid", "application")
+        .help("Whether the login is alive and has this application. The question counts as a "
+              "request."),
+    method<&FilterConnector::Logout>("Logout", "guid")
+        .help("Ends the login and forgets its record."));
 // clang-format on
 
 // Both the connector's ProgID and its name in the web application object.

@@ -4,6 +4,7 @@
 
 #include "component/common/OrvoMemErrors.h"
 #include "component/server/class_list.h"
+#include "host/idl/suite_classes.h"
 #include "suite/configuration/ini_parser.h"
 #include "suite/directory/policy/result_codes.h"
 
@@ -13,8 +14,10 @@ namespace {
 using configuration_error::file_not_found;
 using configuration_error::file_not_readable;
 using configuration_error::malformed_file;
+using runtime_error::invalid_call;
 using runtime_error::no_current_record;
 using runtime_error::object_not_set;
+using runtime_error::out_of_memory;
 using runtime_error::overflow;
 using runtime_error::type_mismatch;
 
@@ -112,6 +115,27 @@ constexpr MemberFailure failures[] = {
     raises<&Validator::setServerInfo>(malformed_file, "the file is no configuration"),
     raises<&Validator::ChangePassword>(emErrPwdNotCorrect,
                                        "the old password is refused, whatever for"),
+
+    raises<&Configuration::LoadSiteConfigurationFile>(file_not_found, "the path names no file"),
+    raises<&Configuration::LoadSiteConfigurationFile>(malformed_file,
+                                                      "the file is no configuration"),
+    raises<&Configuration::LoadConfigurationFile>(file_not_found, "the path names no file"),
+    raises<&Configuration::LoadConfigurationFile>(malformed_file, "the file is no configuration"),
+    raises<&Configuration::LoadSiteConfig>(file_not_found,
+                                           "ORVO_SITE_CONFIG names a file that is not there"),
+    raises<&Configuration::LoadSiteConfig>(malformed_file, "the file is no configuration"),
+
+    raises<&FilterConnector::CreateUserWithGUID>(
+        invalid_call, "the GUID is empty, or longer than 256 characters"),
+    raises<&FilterConnector::CreateUserWithGUID>(out_of_memory, "there are 100,000 records"),
+    raises<&FilterConnector::RegisterLogin>(invalid_call,
+                                            "the user has no name, or the GUID is empty or longer "
+                                            "than 256 characters"),
+    raises<&FilterConnector::RegisterLogin>(type_mismatch,
+                                            "the applications are no array of numbers"),
+    raises<&FilterConnector::RegisterLogin>(out_of_memory, "there are 100,000 logins"),
+    raises<&FilterUser::Save>(out_of_memory, "the record was forgotten, and there are 100,000"),
+    raises<&authfilter::LiveLogins::put_MostOfOneUser>(invalid_call, "it is below 1"),
 };
 
 struct NumberText {

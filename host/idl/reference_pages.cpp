@@ -10,6 +10,7 @@
 #include "component/server/class_list.h"
 #include "host/idl/described_member.h"
 #include "host/idl/member_failures.h"
+#include "host/idl/suite_classes.h"
 #include "platform/interfaces/idl.h"
 #include "suite/directory/policy/result_codes.h"
 
@@ -45,10 +46,25 @@ std::string anchor(std::string name) {
 template <class C>
 using default_interface = typename detail::description_of<C>::first;
 
+using DescribedClasses =
+    decltype(std::tuple_cat(std::declval<PublicClasses>(), std::declval<SuiteClasses>()));
+
 template <class C>
 std::string class_name() {
     const std::string progid = class_of<C>.progid;
     return progid.substr(progid.find('.') + 1);
+}
+
+// Its page, without the ending: a class of the component's is called by its own name alone.
+template <class C>
+std::string page_name() {
+    const std::string progid = class_of<C>.progid;
+    return progid.starts_with("OrvoMembership.") ? class_name<C>() : progid;
+}
+
+template <class C>
+std::string page_link() {
+    return "[" + page_name<C>() + "](" + page_name<C>() + ".md)";
 }
 
 // "[User](User.md)" for "IUser*", "[IDirectoryEntry](interfaces.md#idirectoryentry)" for the
@@ -56,10 +72,8 @@ std::string class_name() {
 std::map<std::string, std::string> interface_links() {
     std::map<std::string, std::string> links;
     [&]<class... C>(std::type_identity<std::tuple<C...>>) {
-        ((links[table_of<default_interface<C>>.name] =
-              "[" + class_name<C>() + "](" + class_name<C>() + ".md)"),
-         ...);
-    }(std::type_identity<PublicClasses>{});
+        ((links[table_of<default_interface<C>>.name] = page_link<C>()), ...);
+    }(std::type_identity<DescribedClasses>{});
     [&]<class... I>(std::type_identity<std::tuple<I...>>) {
         ((links[table_of<I>.name] = std::string("[") + table_of<I>.name + "](interfaces.md" +
                                     anchor(table_of<I>.name) + ")"),
@@ -141,14 +155,19 @@ std::string class_page(const std::filesystem::path& examples) {
         if (!member.is_property) methods += method_text(table_of<I>.name, member);
     for (const DescribedMember& member : members)
         if (member.is_property) properties += property_row(member);
-    const std::string name = class_name<C>();
-    std::string page = std::string("# ") + class_of<C>.progid + "\n\n" + written_by +
-                       table_of<I>.about + "\n\n| | |\n|---|---|\n| Class | " +
-                       code("{" + idl_guid(class_of<C>.clsid) + "}") + " |\n| Interface | " +
-                       code(table_of<I>.name) + ", " + code("{" + idl_guid(table_of<I>.iid) + "}") +
-                       " |\n\n## Example\n\n```js\n" + content_of_file(examples / (name + ".js")) +
-                       "```\n\nprints\n\n```\n" + content_of_file(examples / (name + ".expected")) +
-                       "```\n\n";
+    const std::string name = page_name<C>();
+    // A class that is not created has no identifier; the page of who hands it out has the example.
+    const bool is_created = class_of<C>.clsid != abi::GUID{};
+    std::string page =
+        std::string("# ") + class_of<C>.progid + "\n\n" + written_by + table_of<I>.about +
+        "\n\n| | |\n|---|---|\n" +
+        (is_created ? "| Class | " + code("{" + idl_guid(class_of<C>.clsid) + "}") + " |\n" : "") +
+        "| Interface | " + code(table_of<I>.name) + ", " +
+        code("{" + idl_guid(table_of<I>.iid) + "}") + " |\n\n";
+    if (is_created)
+        page += "## Example\n\n```js\n" + content_of_file(examples / (name + ".js")) +
+                "```\n\nprints\n\n```\n" + content_of_file(examples / (name + ".expected")) +
+                "```\n\n";
     if (!properties.empty())
         page += "## Properties\n\n| Property | Type | Access | |\n|---|---|---|---|\n" +
                 properties + "\n";
@@ -200,16 +219,22 @@ std::string raised_by(std::int32_t number) {
 }
 
 std::string index_page() {
-    std::string page = "# Reference\n\n" + std::string(written_by) + "| Class | |\n|---|---|\n";
-    [&]<class... C>(std::type_identity<std::tuple<C...>>) {
-        ((page += "| [" + class_name<C>() + "](" + class_name<C>() + ".md) | " +
-                  table_of<default_interface<C>>.about + " |\n"),
-         ...);
-    }(std::type_identity<PublicClasses>{});
+    const auto list = []<class... C>(std::type_identity<std::tuple<C...>>) {
+        return (std::string("| Class | |\n|---|---|\n") + ... +
+                ("| " + page_link<C>() + " | " + table_of<default_interface<C>>.about + " |\n"));
+    };
+    std::string page =
+        "# Reference\n\n" + std::string(written_by) + list(std::type_identity<PublicClasses>{}) +
+        "\nThe suite, which the component works with, has classes for programs, too:\n\n" +
+        list(std::type_identity<SuiteClasses>{});
     page +=
-        "\n[interfaces.md](interfaces.md): what a directory provider, a configuration and a log of "
+        "\n[settings.md](settings.md): every setting of configuration and environment. "
+        "[interfaces.md](interfaces.md): what a directory provider, a configuration and a log of "
         "one's own implement.\n\n"
-        "Classes are created by their names, `OrvoMembership.User`. Arguments of direction \"in, "
+        "Classes are created by their names: `OrvoMembership.User`, those of the suite as they "
+        "stand "
+        "here. `TavikAuthFilter.User` and `.Login` are handed out by the others of the filter. "
+        "Arguments of direction \"in, "
         "out\" are passed by reference, and the members leave them as they are unless their page "
         "says otherwise. One that may be left out is what stands under \"Without it\".\n\n"
         "The examples are the scripts of `examples/reference`, which a test runs on the sample "
@@ -254,8 +279,8 @@ std::string index_page() {
 std::vector<ReferencePage> reference_pages(const std::filesystem::path& examples) {
     std::vector<ReferencePage> pages{{"README.md", index_page()}};
     [&]<class... C>(std::type_identity<std::tuple<C...>>) {
-        (pages.push_back({class_name<C>() + ".md", class_page<C>(examples)}), ...);
-    }(std::type_identity<PublicClasses>{});
+        (pages.push_back({page_name<C>() + ".md", class_page<C>(examples)}), ...);
+    }(std::type_identity<DescribedClasses>{});
     pages.push_back({"interfaces.md", interfaces_page()});
     return pages;
 }

@@ -52,15 +52,24 @@ namespace orvo {
 
 template <>
 inline constexpr auto table_of<authfilter::LiveLogin> = describe<authfilter::LiveLogin>(
-    "ILiveLogin", "8e5a3c1d-7b64-4f5e-9a0c-2d1f6b7c8e03", get<&authfilter::LiveLogin::ID>("ID"),
-    get<&authfilter::LiveLogin::Age>("Age"), get<&authfilter::LiveLogin::IdleTime>("IdleTime"),
-    get<&authfilter::LiveLogin::IsThisOne>("IsThisOne"));
+    "ILiveLogin", "8e5a3c1d-7b64-4f5e-9a0c-2d1f6b7c8e03",
+    about("A live login, as it was when it was asked for."),
+    get<&authfilter::LiveLogin::ID>("ID").help("Names it for EndLogin; it is not the GUID."),
+    get<&authfilter::LiveLogin::Age>("Age").help("Seconds since it began."),
+    get<&authfilter::LiveLogin::IdleTime>("IdleTime").help("Seconds since its last request."),
+    get<&authfilter::LiveLogin::IsThisOne>("IsThisOne").help("Whether it is the one that asked."));
 template <>
 inline constexpr auto table_of<authfilter::LiveLogins> = describe<authfilter::LiveLogins>(
     "ILiveLogins", "8e5a3c1d-7b64-4f5e-9a0c-2d1f6b7c8e04",
-    method<&authfilter::LiveLogins::LoginsOf>("LoginsOf", "guid"),
-    method<&authfilter::LiveLogins::EndLogin>("EndLogin", "guid", "id"),
-    put<&authfilter::LiveLogins::put_MostOfOneUser>("MostOfOneUser", "most"));
+    about("A user's live logins, for a page on which people see and end their own."),
+    method<&authfilter::LiveLogins::LoginsOf>("LoginsOf", "guid")
+        .help("The live logins of the user who is logged in under this GUID, as an array, the last "
+              "login first; without elements where nobody is."),
+    method<&authfilter::LiveLogins::EndLogin>("EndLogin", "guid", "id")
+        .help("Ends one of them, and says whether it was there."),
+    put<&authfilter::LiveLogins::put_MostOfOneUser>("MostOfOneUser", "most")
+        .help(
+            "How many logins a user has at most, in the whole process. The site's host puts it."));
 
 template <>
 inline constexpr auto class_of<authfilter::LiveLogin> =

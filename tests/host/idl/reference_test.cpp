@@ -8,6 +8,7 @@
 #include "host/idl/described_member.h"
 #include "host/idl/member_failures.h"
 #include "host/idl/reference_pages.h"
+#include "host/idl/suite_classes.h"
 #include "tests/support/temp_folder.h"
 
 namespace orvo {
@@ -35,9 +36,11 @@ TEST(Reference, EveryMemberHasASentence) {
             EXPECT_TRUE(std::regex_match(member.help, std::regex("[A-Z].*\\.")))
                 << table_of<I>.name << "." << member.name << ": " << member.help;
     };
-    [&]<class... C>(std::type_identity<std::tuple<C...>>) {
+    const auto check_classes = [&]<class... C>(std::type_identity<std::tuple<C...>>) {
         (check(std::type_identity<typename detail::description_of<C>::first>{}), ...);
-    }(std::type_identity<PublicClasses>{});
+    };
+    check_classes(std::type_identity<PublicClasses>{});
+    check_classes(std::type_identity<SuiteClasses>{});
     [&]<class... I>(std::type_identity<std::tuple<I...>>) {
         (check(std::type_identity<I>{}), ...);
     }(std::type_identity<ForeignInterfaces>{});

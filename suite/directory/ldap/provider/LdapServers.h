@@ -31,7 +31,11 @@ protected:
 template <>
 inline constexpr auto table_of<directory::DirectoryServers> = describe<directory::DirectoryServers>(
     "IDirectoryServers", "ad6637a5-d0e6-4742-8f27-7de2af8f7796",
-    method<&directory::DirectoryServers::States>("States"));
+    about("How the servers of the LDAP provider are doing."),
+    method<&directory::DirectoryServers::States>("States").help(
+        "A row for each server that this process has worked with. Columns: Server, State "
+        "(up, suspected or down), Reason, Since, NextProbe, Operations, Failures and Latency "
+        "(milliseconds)."));
 
 namespace directory::ldap {
 

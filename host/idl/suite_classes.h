@@ -1,0 +1,19 @@
+#pragma once
+
+// The suite's classes that programs create, and those of the objects that these hand out.
+
+#include <tuple>
+
+#include "suite/authfilter/filter_user.h"
+#include "suite/authfilter/live_logins.h"
+#include "suite/configuration/suite_configuration.h"
+#include "suite/directory/ldap/provider/LdapServers.h"
+#include "suite/log/suite_log.h"
+
+namespace orvo {
+
+using SuiteClasses = std::tuple<SuiteConfiguration, SuiteLog, directory::ldap::LdapServers,
+                                authfilter::FilterConnectorObject, authfilter::FilterUserObject,
+                                authfilter::LiveLogins, authfilter::LiveLogin>;
+
+}  // namespace orvo
