@@ -93,16 +93,5 @@ INSTANTIATE_TEST_SUITE_P(Programs, Manual,
                              return name;
                          });
 
-TEST(ManualOfSettings, HasEveryKeyThatIsInTheSettings) {
-    const std::string page = content_of(ORVO_SOURCE "/docs/manual/orvo-site.ini.5");
-    for (const char* file : {"/host/web/service/site.ini", "/examples/site.ini"}) {
-        std::string settings = content_of(std::string(ORVO_SOURCE) + file);
-        settings.resize(std::min(settings.size(), settings.find("[ConfigDN]")));
-        const std::set<std::string> keys = found_in(settings, "^([A-Za-z]+)=");
-        EXPECT_GT(keys.size(), 10u) << file;
-        for (const std::string& key : keys) EXPECT_THAT(page, HasSubstr("\\fB" + key + "\\fR"));
-    }
-}
-
 }  // namespace
 }  // namespace orvo
