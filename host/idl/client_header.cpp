@@ -131,6 +131,7 @@ std::string client_header() {
            "// constructor, copies are the same object, and members are called by their slots:\n"
            "//\n"
            "//     orvo::Members members;\n"
+           "//     members.setServerInfo(site);\n"
            "//     members.BindAs(service, code);\n"
            "//     for (auto row : members.GetOrvoMembersHavingRole(24, \"sn\"))\n"
            "//         std::cout << row[\"cn\"] << '\\n';\n"
