@@ -308,8 +308,11 @@ DEFINE_GUID(IID_IErrorInfo, 0x1CF2B120, 0x547D, 0x101B, 0x8E, 0x65, 0x08, 0x00, 
 extern "C" {
 BSTR SysAllocString(const OLECHAR* text);
 BSTR SysAllocStringLen(const OLECHAR* text, UINT length);
+BSTR SysAllocStringByteLen(const char* bytes, UINT count);
+INT SysReAllocStringLen(BSTR* text, const OLECHAR* from, UINT length);
 void SysFreeString(BSTR text);
 UINT SysStringLen(BSTR text);
+UINT SysStringByteLen(BSTR text);
 void VariantInit(VARIANT* value);
 HRESULT VariantClear(VARIANT* value);
 HRESULT VariantCopy(VARIANT* to, const VARIANT* from);
@@ -320,6 +323,13 @@ HRESULT VariantChangeTypeEx(VARIANT* to, const VARIANT* from, LCID locale, USHOR
 SAFEARRAY* SafeArrayCreateVector(VARTYPE type, LONG lower, ULONG count);
 SAFEARRAY* SafeArrayCreate(VARTYPE type, UINT dimensions, SAFEARRAYBOUND* bounds);
 HRESULT SafeArrayDestroy(SAFEARRAY* array);
+HRESULT SafeArrayCopy(SAFEARRAY* from, SAFEARRAY** to);
+HRESULT SafeArrayRedim(SAFEARRAY* array, SAFEARRAYBOUND* last_bound);
+UINT SafeArrayGetElemsize(SAFEARRAY* array);
+HRESULT SafeArrayGetVartype(SAFEARRAY* array, VARTYPE* type);
+HRESULT SafeArrayLock(SAFEARRAY* array);
+HRESULT SafeArrayUnlock(SAFEARRAY* array);
+HRESULT SafeArrayPtrOfIndex(SAFEARRAY* array, LONG* indices, void** out);
 HRESULT SafeArrayAccessData(SAFEARRAY* array, void** data);
 HRESULT SafeArrayUnaccessData(SAFEARRAY* array);
 UINT SafeArrayGetDim(SAFEARRAY* array);
@@ -331,6 +341,7 @@ HRESULT CreateErrorInfo(ICreateErrorInfo** out);
 HRESULT SetErrorInfo(ULONG reserved, IErrorInfo* info);
 HRESULT GetErrorInfo(ULONG reserved, IErrorInfo** info);
 HRESULT CoCreateGuid(GUID* out);
+void CoFreeUnusedLibraries();
 HRESULT CoGetClassObject(REFCLSID clsid, DWORD context, void* server_info, REFIID iid, void** out);
 HRESULT CLSIDFromProgID(LPCOLESTR progid, CLSID* out);
 HRESULT CoCreateInstance(REFCLSID clsid, IUnknown* outer, std::uint32_t context, REFIID iid,
