@@ -6,6 +6,7 @@
 // constructor, copies are the same object, and members are called by their slots:
 //
 //     orvo::Members members;
+//     members.setServerInfo(site);
 //     members.BindAs(service, code);
 //     for (auto row : members.GetOrvoMembersHavingRole(24, "sn"))
 //         std::cout << row["cn"] << '\n';
