@@ -199,6 +199,20 @@ duk_ret_t present(duk_context* context) {
     return 1;
 }
 
+// A heap serves many scripts, and the language's own function would give each of them the same
+// numbers.
+duk_ret_t random_number(duk_context* context) {
+    duk_push_number(context, Runtime::of(context).random_number());
+    return 1;
+}
+
+void add_random(duk_context* context) {
+    duk_get_global_literal(context, "Math");
+    push_own_function(context, random_number, "random", 0);
+    define_part(context, "random");
+    duk_pop(context);
+}
+
 void add_evaluation(duk_context* context) {
     duk_get_global_string(context, "eval");
     put_stash(context, stash::evaluate);
@@ -313,12 +327,11 @@ void add_library(duk_context* context, const std::string& code) {
     add_errors(context);
     add_dates(context);
     add_patterns(context);
-    if (Runtime::of(context).options().create_object) {
-        for (const char* name : {"ActiveXObject", "CreateObject"}) {
-            duk_push_c_function(context, function_of<CreateObject>, 1);
-            define_global(context, name);
-        }
+    for (const char* name : creation_names) {
+        duk_push_c_function(context, function_of<CreateObject>, 1);
+        define_global(context, name);
     }
+    add_random(context);
     add_older_library(context);
     add_collections(context);
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
+#include <new>
 #include <utility>
 #ifdef __GLIBC__
 #include <malloc.h>
@@ -10,21 +12,14 @@
 namespace orvo::script {
 namespace {
 
-// Each block begins with its size, padded so that what follows is aligned for everything.
-constexpr std::size_t head = alignof(std::max_align_t);
-static_assert(head >= sizeof(std::size_t));
-
-std::size_t& size_of(void* begin) { return *static_cast<std::size_t*>(begin); }
-void* begin_of(void* block) { return static_cast<char*>(block) - head; }
-void* block_of(void* begin) { return static_cast<char*>(begin) + head; }
+// Several times what the language's library takes; what is not used of it takes no memory.
+constexpr std::size_t most_of_a_snapshot = std::size_t{1} << 20;
 
 // Work is counted in requests, and in what is copied with them: one look at the clock costs about
 // as much as a request, so it is a small part of this.
 constexpr std::size_t work_of_a_look = 64;
 constexpr std::size_t bytes_of_a_request = 4096;
 
-// Duktape asks once, and once more after each of ten collections.
-constexpr int times_asked = 11;
 constexpr std::chrono::milliseconds pause{250};
 
 // Looking for what can be given back takes milliseconds.
@@ -32,17 +27,29 @@ constexpr std::size_t much = 8 * 1024 * 1024;
 
 }  // namespace
 
-Memory::~Memory() {
-#ifdef __GLIBC__
-    // It keeps what lies below a block in use, which one small block is enough for.
-    if (most_used_ >= much) malloc_trim(0);
-#endif
+Memory::~Memory() { free_all(); }
+
+void Memory::begin_snapshot() { snapshot_.emplace(most_of_a_snapshot); }
+
+void Memory::take_snapshot() {
+    if (all_.next != &all_) throw std::bad_alloc();  // something did not fit into it
+    snapshot_->take();
+    used_by_snapshot_ = used_;
+}
+
+void Memory::reset() {
+    free_all();
+    snapshot_->restore();
+    used_ = used_by_snapshot_;
+    limit_ = no_limit;
+    time_ = nullptr;
+    refused_ = false;
+    work_ = 0;
+    late_ = {};
 }
 
 void Memory::set_limit(std::size_t added) {
-    limit_ = added < std::numeric_limits<std::size_t>::max() - used_
-                 ? used_ + added
-                 : std::numeric_limits<std::size_t>::max();
+    limit_ = added < no_limit - used_ ? used_ + added : no_limit;
 }
 
 bool Memory::fits(std::size_t added) {
@@ -58,10 +65,7 @@ void Memory::count(std::size_t added) {
 }
 
 bool Memory::in_time(const void* block, std::size_t size) {
-    if (late_.times_left > 0 && late_.block == block && late_.size == size) {
-        --late_.times_left;
-        return false;
-    }
+    if (late_.is_waited_for && late_.block == block && late_.size == size) return false;
     work_ += 1 + size / bytes_of_a_request;
     if (work_ < work_of_a_look) return true;
     work_ = 0;
@@ -71,18 +75,47 @@ bool Memory::in_time(const void* block, std::size_t size) {
     const auto now = std::chrono::steady_clock::now();
     // Whoever knows of it is about to raise an error, which needs memory.
     if (is_known && now < std::max(time_->last_look(), late_.at) + pause) return true;
-    late_ = {block, size, times_asked - 1, now};
+    late_ = {true, block, size, now};
     return false;
+}
+
+void* Memory::new_block(std::size_t size) {
+    const bool is_of_snapshot = snapshot_ && !snapshot_->is_taken();
+    void* place = is_of_snapshot ? snapshot_->allocate(sizeof(Head) + size) : nullptr;
+    if (place != nullptr) return block_of(new (place) Head{.size = size});
+    place = std::malloc(sizeof(Head) + size);
+    if (place == nullptr) return nullptr;
+    Head* head = new (place) Head{size, &all_, all_.next};
+    all_.next->previous = head;
+    all_.next = head;
+    return block_of(head);
+}
+
+void Memory::free_block(Head* head) {
+    if (head->next == nullptr) {
+        if (!snapshot_->is_taken()) snapshot_->release(head, sizeof(Head) + head->size);
+        return;
+    }
+    head->previous->next = head->next;
+    head->next->previous = head->previous;
+    std::free(head);
+}
+
+void Memory::free_all() {
+    for (Head* head = all_.next; head != &all_;) std::free(std::exchange(head, head->next));
+    all_.previous = all_.next = &all_;
+#ifdef __GLIBC__
+    // It keeps what lies below a block in use, which one small block is enough for.
+    if (std::exchange(most_used_, 0) >= much) malloc_trim(0);
+#endif
 }
 
 void* Memory::allocate(void* memory, std::size_t size) {
     Memory& self = *static_cast<Memory*>(memory);
     if (size == 0 || !self.in_time(nullptr, size) || !self.fits(size)) return nullptr;
-    void* begin = std::malloc(head + size);
-    if (begin == nullptr) return nullptr;
-    size_of(begin) = size;
-    self.count(size);
-    return block_of(begin);
+    void* block = self.new_block(size);
+    if (block != nullptr) self.count(size);
+    return block;
 }
 
 void* Memory::reallocate(void* memory, void* block, std::size_t size) {
@@ -92,19 +125,29 @@ void* Memory::reallocate(void* memory, void* block, std::size_t size) {
         return nullptr;
     }
     Memory& self = *static_cast<Memory*>(memory);
-    const std::size_t before = size_of(begin_of(block));
+    Head* head = head_of(block);
+    const std::size_t before = head->size;
     if (size > before && (!self.in_time(block, size) || !self.fits(size - before))) return nullptr;
-    void* begin = std::realloc(begin_of(block), head + size);
-    if (begin == nullptr) return nullptr;
-    size_of(begin) = size;
+    if (head->next != nullptr) {
+        head = static_cast<Head*>(std::realloc(head, sizeof(Head) + size));
+        if (head == nullptr) return nullptr;
+        head->previous->next = head->next->previous = head;
+        block = block_of(head);
+    } else if (size > before) {
+        void* copy = self.new_block(size);
+        if (copy == nullptr) return nullptr;
+        block = std::memcpy(copy, block, before);
+        self.free_block(std::exchange(head, head_of(block)));
+    }
+    head->size = size;
     self.count(size - before);
-    return block_of(begin);
+    return block;
 }
 
 void Memory::release(void* memory, void* block) {
     if (block == nullptr) return;
-    static_cast<Memory*>(memory)->used_ -= size_of(begin_of(block));
-    std::free(begin_of(block));
+    static_cast<Memory*>(memory)->used_ -= head_of(block)->size;
+    static_cast<Memory*>(memory)->free_block(head_of(block));
 }
 
 bool Memory::take_refusal() { return std::exchange(refused_, false); }

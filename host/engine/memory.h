@@ -3,7 +3,9 @@
 #include <chrono>
 #include <cstddef>
 #include <limits>
+#include <optional>
 
+#include "host/engine/snapshot.h"
 #include "host/engine/time_limit.h"
 
 namespace orvo::script {
@@ -17,16 +19,26 @@ namespace orvo::script {
 // carried out next looks at the clock, too.
 class Memory {
 public:
-    // time: null for work that is not limited; outlives the memory.
-    explicit Memory(TimeLimit* time = nullptr) : time_(time) {}
-    // Where a script has used much, the process gives back to the system what is free now.
+    Memory() = default;
+    // Frees all blocks: a heap need not be destroyed before its memory. Where a script has used
+    // much, the process gives back to the system what is free then, as it does after reset().
     ~Memory();
     Memory(const Memory&) = delete;
     Memory& operator=(const Memory&) = delete;
 
+    // What is allocated between these two is what reset() comes back to. Raises bad_alloc for more
+    // than a snapshot holds. Nothing is limited meanwhile.
+    void begin_snapshot();
+    void take_snapshot();
+    bool has_snapshot() const { return snapshot_ && snapshot_->is_taken(); }
+    // Frees all blocks but those of the snapshot, which are again what they were. Limits end.
+    void reset();
+
     // From now on, so much may be added to what is used already. Until this is called, there is no
     // limit: Duktape cannot cope with a lack of memory while it starts.
     void set_limit(std::size_t added);
+    // time: null for work that is not limited; outlives its use here.
+    void set_time(TimeLimit* time) { time_ = time; }
 
     static void* allocate(void* memory, std::size_t size);
     static void* reallocate(void* memory, void* block, std::size_t size);
@@ -35,27 +47,46 @@ public:
     std::size_t used() const { return used_; }
     // Whether something did not fit since the last question.
     bool take_refusal();
+    // The script is about to end, or has: what was refused for lack of time is granted again.
+    void end_refusal() { late_ = {.at = late_.at}; }
 
 private:
+    // What stands before each block. Those of the snapshot are in no list.
+    struct alignas(std::max_align_t) Head {
+        std::size_t size = 0;
+        Head* previous = nullptr;
+        Head* next = nullptr;
+    };
+    static void* block_of(Head* head) { return head + 1; }
+    static Head* head_of(void* block) { return static_cast<Head*>(block) - 1; }
+
     bool fits(std::size_t added);
     void count(std::size_t added);
     // Whether there is time for this request; block is null for a new one.
     bool in_time(const void* block, std::size_t size);
+    void* new_block(std::size_t size);
+    void free_block(Head* head);
+    void free_all();
 
-    // A request is made again after each of several collections of garbage, until it is granted or
-    // the error is raised, which needs memory itself. So one request is refused, and then none for
-    // a while.
+    // A request is made again after each of several collections of garbage, which make requests of
+    // their own and fail without harm. So all like it are refused until end_refusal(). The error
+    // that is raised then needs memory, too: of other requests none is refused for a while.
     struct Refused {
+        bool is_waited_for = false;
         const void* block = nullptr;
         std::size_t size = 0;
-        int times_left = 0;
         std::chrono::steady_clock::time_point at = {};
     };
 
-    TimeLimit* time_;
-    std::size_t limit_ = std::numeric_limits<std::size_t>::max();
+    static constexpr std::size_t no_limit = std::numeric_limits<std::size_t>::max();
+
+    std::optional<Snapshot> snapshot_;
+    Head all_{.previous = &all_, .next = &all_};  // begins and ends the list of all other blocks
+    TimeLimit* time_ = nullptr;
+    std::size_t limit_ = no_limit;
     std::size_t used_ = 0;
     std::size_t most_used_ = 0;
+    std::size_t used_by_snapshot_ = 0;
     bool refused_ = false;
     std::size_t work_ = 0;  // since the clock was looked at
     Refused late_;

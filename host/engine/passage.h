@@ -178,6 +178,9 @@ void push_match_functions(duk_context* context);
 // and CollectGarbage.
 void add_older_library(duk_context* context);
 
+// The globals that make Automation objects.
+inline constexpr const char* creation_names[] = {"ActiveXObject", "CreateObject"};
+
 // Defines ActiveXObject, CreateObject and the collections, and adapts the language's own library;
 // code: library_code(), which is C++ and so asked for before Duktape is entered.
 void add_library(duk_context* context, const std::string& code);

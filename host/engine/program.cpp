@@ -13,18 +13,6 @@ namespace {
 // Reading a script takes at most this much, however the script runs later.
 constexpr std::size_t compiler_memory = std::size_t{256} << 20;
 
-struct Heap {
-    Memory memory;
-    duk_context* context =
-        duk_create_heap(Memory::allocate, Memory::reallocate, Memory::release, &memory, nullptr);
-    Heap() = default;
-    Heap(const Heap&) = delete;
-    Heap& operator=(const Heap&) = delete;
-    ~Heap() {
-        if (context != nullptr) duk_destroy_heap(context);
-    }
-};
-
 // What goes into and comes out of the compiler; Duktape leaves its functions by jumps, so nothing
 // in them may need to be destroyed.
 struct Compilation {
@@ -75,15 +63,16 @@ Place Program::Content::place_of(int line) const {
 }
 
 std::string compiled(const std::string& source, const std::string& file, unsigned flags) {
-    Heap heap;
-    if (heap.context == nullptr) throw std::bad_alloc();
-    heap.memory.set_limit(compiler_memory);
+    Memory memory;
+    duk_context* context =
+        duk_create_heap(Memory::allocate, Memory::reallocate, Memory::release, &memory, nullptr);
+    if (context == nullptr) throw std::bad_alloc();
+    memory.set_limit(compiler_memory);
     Compilation work{source, file, flags};
-    if (duk_safe_call(heap.context, compile_source, &work, 0, 1) == DUK_EXEC_SUCCESS)
+    if (duk_safe_call(context, compile_source, &work, 0, 1) == DUK_EXEC_SUCCESS)
         return {work.bytes, work.count};
-    const bool readable =
-        duk_safe_call(heap.context, read_problem, &work, 1, 1) == DUK_EXEC_SUCCESS;
-    const char* message = readable ? duk_get_string(heap.context, -1) : nullptr;
+    const bool readable = duk_safe_call(context, read_problem, &work, 1, 1) == DUK_EXEC_SUCCESS;
+    const char* message = readable ? duk_get_string(context, -1) : nullptr;
     throw SyntaxProblem(work.line,
                         without_line(message != nullptr ? message : "the script cannot be read"));
 }

@@ -1,7 +1,5 @@
 #include "host/engine/runtime.h"
 
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <new>
 
@@ -20,16 +18,15 @@ constexpr int rounds_of_a_tick = 31;
 constexpr std::chrono::milliseconds slow_rounds{1};
 constexpr std::int32_t no_number = 0;
 
-// What Duktape hands to `protect`'s steps is all outside of its reach; this happens only when the
-// engine itself is at fault.
-[[noreturn]] void report_fault(void*, const char* message) {
-    std::fprintf(stderr, "script engine: %s\n", message != nullptr ? message : "unknown fault");
-    std::abort();
-}
-
 duk_ret_t set_up(duk_context* context, void* code) {
     add_members(context);
     add_library(context, *static_cast<const std::string*>(code));
+    return 0;
+}
+
+duk_ret_t remove_creation(duk_context* context, void*) {
+    duk_push_global_object(context);
+    for (const char* name : creation_names) duk_del_prop_string(context, -1, name);
     return 0;
 }
 
@@ -103,25 +100,26 @@ std::string shown_megabytes(std::size_t bytes) { return std::to_string(bytes >> 
 
 }  // namespace
 
-Runtime::Runtime(EngineOptions options) : options_(std::move(options)), memory_(*this) {
-    std::string code = library_code();
-    context_ = duk_create_heap(Memory::allocate, Memory::reallocate, Memory::release,
-                               static_cast<Memory*>(&memory_), report_fault);
-    if (context_ == nullptr) throw std::bad_alloc();
-    if (duk_safe_call(context_, set_up, &code, 0, 1) != DUK_EXEC_SUCCESS) {
-        duk_destroy_heap(context_);
-        throw std::bad_alloc();  // nothing else can be amiss with the same globals every time
+Runtime::Runtime(EngineOptions options)
+    : options_(std::move(options)), heap_(ScriptHeap::acquire(*this)), context_(heap_->context()) {
+    if (!heap_->is_kept()) {
+        std::string code = library_code();
+        if (duk_safe_call(context_, set_up, &code, 0, 1) != DUK_EXEC_SUCCESS)
+            throw std::bad_alloc();  // nothing else can be amiss with the same globals every time
+        duk_pop(context_);
+        heap_->keep();
     }
-    duk_pop(context_);
-    memory_.set_limit(options_.memory_limit);
+    if (!options_.create_object) {
+        int nothing = 0;
+        protect(remove_creation, nothing);
+    }
+    memory().set_time(&time_);
+    memory().set_limit(options_.memory_limit);
 }
 
-Runtime::~Runtime() { duk_destroy_heap(context_); }
-
-Runtime& Runtime::of(duk_context* context) {
-    duk_memory_functions functions;
-    duk_get_memory_functions(context, &functions);
-    return static_cast<OwnMemory*>(static_cast<Memory*>(functions.udata))->runtime;
+Runtime::~Runtime() {
+    handles_.clear();
+    ScriptHeap::release(std::move(heap_));
 }
 
 Handle* Runtime::add(Handle handle) {
@@ -141,13 +139,21 @@ void Runtime::clear_time_limit() { time_.clear(); }
 
 void Runtime::check(duk_context* context) {
     if (is_stopped_) raise_error(context, stash::error, "The script was stopped");
-    if (time_.is_over()) raise_error(context, stash::error, "The script ran longer than it may");
+    if (!time_.is_over()) return;
+    memory().end_refusal();
+    raise_error(context, stash::error, "The script ran longer than it may");
 }
 
 int Runtime::tick(duk_context* context) {
     const auto before = time_.last_look();
     check(context);
     return time_.last_look() - before > slow_rounds ? 0 : rounds_of_a_tick;
+}
+
+double Runtime::random_number() {
+    if (!numbers_) numbers_.emplace(std::random_device{}());
+    constexpr double of_53_bits = 1.0 / (std::uint64_t{1} << 53);
+    return static_cast<double>((*numbers_)() >> 11) * of_53_bits;
 }
 
 void Runtime::note_thrown(duk_context* context, bool knows_place) {
@@ -181,7 +187,7 @@ Place Runtime::noted_place() const {
 
 template <class Work>
 void Runtime::protect(duk_ret_t (*step)(duk_context*, void*), Work& work) {
-    memory_.take_refusal();
+    memory().take_refusal();
     if (duk_safe_call(context_, step, &work, 0, 1) != DUK_EXEC_SUCCESS) raise_uncaught();
     duk_pop(context_);
 }
@@ -201,7 +207,7 @@ Ending Runtime::run(const std::shared_ptr<const Program::Content>& program) {
     if (is_stopped_) return Ending::stopped;
     programs_[program->file] = program;
     noted_ = {};
-    memory_.take_refusal();
+    memory().take_refusal();
     const bool raised =
         duk_safe_call(context_, execute, const_cast<Program::Content*>(program.get()), 0, 1) !=
         DUK_EXEC_SUCCESS;
@@ -219,7 +225,8 @@ void Runtime::raise_late(Place place) {
 }
 
 void Runtime::raise_uncaught() {
-    const bool refused = memory_.take_refusal();
+    memory().end_refusal();
+    const bool refused = memory().take_refusal();
     const bool described =
         duk_safe_call(context_, describe, nullptr, 1, description_parts) == DUK_EXEC_SUCCESS;
     const duk_idx_t first = duk_get_top(context_) - description_parts;

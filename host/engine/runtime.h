@@ -9,9 +9,11 @@
 #include <list>
 #include <map>
 #include <memory>
+#include <optional>
+#include <random>
 
-#include "host/engine/memory.h"
 #include "host/engine/script_engine.h"
+#include "host/engine/script_heap.h"
 #include "host/engine/time_limit.h"
 
 namespace orvo::script {
@@ -41,7 +43,7 @@ public:
     Runtime(const Runtime&) = delete;
     Runtime& operator=(const Runtime&) = delete;
 
-    static Runtime& of(duk_context* context);
+    static Runtime& of(duk_context* context) { return ScriptHeap::runtime_of(context); }
 
     void set_global(const std::string& name, const Variant& value);
     void set_function(const std::string& name, HostFunction function);
@@ -60,6 +62,9 @@ public:
     // knows its place, or where the time has run out.
     void note_thrown(duk_context* context, bool knows_place);
 
+    // From 0 to below 1.
+    double random_number();
+
     const EngineOptions& options() const { return options_; }
     const HostFunction& function(std::size_t index) const { return functions_[index]; }
 
@@ -68,6 +73,7 @@ public:
     void remove(Handle* handle) noexcept;
 
 private:
+    Memory& memory() { return heap_->memory(); }
     // Calls `step(context, &work)` where Duktape may raise. Raises ScriptError.
     template <class Work>
     void protect(duk_ret_t (*step)(duk_context*, void*), Work& work);
@@ -77,18 +83,15 @@ private:
     void note_place(duk_context* context);
     Place noted_place() const;
 
-    struct OwnMemory : Memory {
-        explicit OwnMemory(Runtime& runtime) : Memory(&runtime.time_), runtime(runtime) {}
-        Runtime& runtime;
-    };
-
     EngineOptions options_;
     TimeLimit time_;
-    OwnMemory memory_;
+    std::unique_ptr<ScriptHeap> heap_;
+    duk_context* context_;
     std::list<Handle> handles_;
     std::deque<HostFunction> functions_;
     std::map<std::string, std::shared_ptr<const Program::Content>, std::less<>>
-        programs_;  // by file
+        programs_;                            // by file
+    std::optional<std::mt19937_64> numbers_;  // once somebody asks for one
     bool is_stopped_ = false;
     bool is_end_noted_ = false;  // the place at which the time ran out
     // Where a value was thrown last that is no error object, and so knows no place itself.
@@ -96,7 +99,6 @@ private:
         std::shared_ptr<const Program::Content> program;
         int line = 0;
     } noted_;
-    duk_context* context_ = nullptr;
 };
 
 }  // namespace orvo::script

@@ -99,6 +99,8 @@ constexpr const char* long_calls[] = {
     "var s = new Array(1e6).join('a'); for (;;) { for (var k in [1]) s.indexOf('b'); }",
     "(function () { var s = ''; for (;;) { s += 'abc'; if (s.length > 1e6) s = ''; } })()",
     "(function () { for (;;) eval('1'); })()",
+    "/^(a+)+$/.test(new Array(40).join('a') + 'b')",
+    "'x'.replace(/x/, function () { return /^(a|aa)+$/.test(new Array(80).join('a') + 'b'); })",
 };
 
 TEST_F(ScriptLimits, LongCallsOfTheLanguagesOwnAreBrokenOff) {
