@@ -13,7 +13,7 @@ duk_ret_t make_error(duk_context* context) {
     const bool has_number = duk_is_number(context, 0);
     const bool has_text = !duk_is_undefined(context, 1);
     duk_push_current_function(context);
-    duk_get_prop_string(context, -1, original_key);
+    get_key(context, -1, original_key);
     duk_dup(context, has_number && has_text ? 1 : 0);
     duk_new(context, 1);
     if (has_number) {
@@ -39,7 +39,7 @@ void add_errors(duk_context* context) {
         duk_dup(context, -3);
         duk_put_prop_literal(context, -2, "constructor");
         duk_swap_top(context, -2);
-        duk_put_prop_string(context, -3, original_key);
+        put_key(context, -3, original_key);
         duk_swap_top(context, -2);
         take_prototype(context, -2);
         define_global(context, name);

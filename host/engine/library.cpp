@@ -51,7 +51,7 @@ public:
         runtime.check(context);
         read_all(context, 0, arguments_);
         duk_push_current_function(context);
-        duk_get_prop_string(context, -1, member_key);
+        get_key(context, -1, member_key);
         const auto index = static_cast<std::size_t>(duk_get_int(context, -1));
         attempt(context, [&] { result_ = runtime.function(index)(arguments_); });
         runtime.check(context);
@@ -181,7 +181,7 @@ duk_ret_t call_target(duk_context* context) {
     refuse_construction(context);
     const duk_idx_t count = duk_get_top(context);
     duk_push_current_function(context);
-    duk_get_prop_string(context, -1, target_key);
+    get_key(context, -1, target_key);
     duk_push_this(context);
     duk_remove(context, -3);
     duk_insert(context, 0);
@@ -195,7 +195,7 @@ duk_ret_t present(duk_context* context) {
     duk_del_prop_literal(context, 0, "fileName");
     push_own_function(context, call_target, duk_get_string(context, 1), duk_get_int(context, 2));
     duk_dup(context, 0);
-    duk_put_prop_string(context, -2, target_key);
+    put_key(context, -2, target_key);
     return 1;
 }
 
@@ -311,7 +311,7 @@ void take_prototype(duk_context* context, duk_idx_t prototype) {
 void push_host_function(duk_context* context, std::size_t index) {
     duk_push_c_function(context, function_of<HostCall>, DUK_VARARGS);
     duk_push_int(context, static_cast<duk_int_t>(index));
-    duk_put_prop_string(context, -2, member_key);
+    put_key(context, -2, member_key);
 }
 
 const std::string& library_code() {

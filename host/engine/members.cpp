@@ -80,9 +80,9 @@ protected:
         const TakesTexts& asked = Runtime::of(context).options().takes_texts;
         if (!asked) return false;
         duk_push_current_function(context);
-        duk_get_prop_string(context, -1, target_key);
+        get_key(context, -1, target_key);
         const Handle& handle = object_at(context, -1);
-        duk_get_prop_string(context, -2, member_key);
+        get_key(context, -2, member_key);
         const MemberId member = duk_get_int(context, -1);
         duk_pop_3(context);
         bool is_taken = false;
@@ -90,9 +90,9 @@ protected:
         return is_taken;
     }
     duk_ret_t finish(duk_context* context) {
-        duk_get_prop_string(context, -1, target_key);
+        get_key(context, -1, target_key);
         object_ = &object_at(context, -1);
-        duk_get_prop_string(context, -2, member_key);
+        get_key(context, -2, member_key);
         call(context, duk_get_int(context, -1));
         return 1;
     }
@@ -110,6 +110,8 @@ public:
 class GetTrap : public MemberCall {
 public:
     duk_ret_t run(duk_context* context) {
+        const bool is_lasting = object_at(context, 0).is_lasting;
+        if (is_lasting && is_known_method(context)) return 1;
         find(context, 0, 1);
         if (!found_) return unknown_member(context);
         attempt(context, [&] { kind_ = late::try_kind_of(target(), *found_); });
@@ -118,13 +120,37 @@ public:
         push_stash(context, stash::member_prototype);
         duk_set_prototype(context, -2);
         duk_dup(context, 0);
-        duk_put_prop_string(context, -2, target_key);
+        put_key(context, -2, target_key);
         duk_push_int(context, *found_);
-        duk_put_prop_string(context, -2, member_key);
+        put_key(context, -2, member_key);
+        if (is_lasting && kind_ && kind_->is_method) keep_method(context);
         return 1;
     }
 
 private:
+    // The functions of an object that lasts as long as the script are made once. Others would keep
+    // their object from being released as soon as the script lets go of it.
+    bool is_known_method(duk_context* context) {
+        get_key(context, 0, methods_key);
+        if (duk_is_undefined(context, -1)) return false;
+        duk_dup(context, 1);
+        duk_get_prop(context, -2);
+        return duk_is_function(context, -1) != 0;
+    }
+    void keep_method(duk_context* context) {
+        get_key(context, 0, methods_key);
+        if (duk_is_undefined(context, -1)) {
+            duk_pop(context);
+            duk_push_bare_object(context);
+            duk_dup_top(context);
+            put_key(context, 0, methods_key);
+        }
+        duk_dup(context, 1);
+        duk_dup(context, -3);
+        duk_put_prop(context, -3);
+        duk_pop(context);
+    }
+
     // Of a member whose kind is known: pushes what it is read as, unless it is a function.
     bool is_value(duk_context* context) {
         const bool is_called = kind_->is_method || kind_->is_readable;
@@ -243,14 +269,14 @@ public:
         const Handle* handle = handle_of(context, 0);
         if (handle != nullptr && handle->kind == Handle::Kind::object) {
             duk_dup(context, 0);
-            duk_put_prop_string(context, 3, target_key);
+            put_key(context, 3, target_key);
             if (has_name) {
                 duk_to_string(context, 1);
                 find(context, 0, 1);
                 require_found(context);
             }
             duk_push_int(context, has_name ? *found_ : late::default_member);
-            duk_put_prop_string(context, 3, member_key);
+            put_key(context, 3, member_key);
         } else {
             const bool is_member = !has_name && duk_is_object(context, 0) &&
                                    duk_has_prop_string(context, 0, member_key);
@@ -258,12 +284,12 @@ public:
                 return duk_type_error(context,
                                       "only a call of an Automation object can be assigned to");
             for (const char* key : {target_key, member_key}) {
-                duk_get_prop_string(context, 0, key);
-                duk_put_prop_string(context, 3, key);
+                get_key(context, 0, key);
+                put_key(context, 3, key);
             }
         }
         duk_dup(context, 2);
-        duk_put_prop_string(context, 3, arguments_key);
+        put_key(context, 3, arguments_key);
         return 1;
     }
 };
@@ -273,7 +299,7 @@ protected:
     MemberId read_slot(duk_context* context) {
         duk_push_this(context);
         const duk_idx_t self = duk_get_top_index(context);
-        duk_get_prop_string(context, self, arguments_key);
+        get_key(context, self, arguments_key);
         const auto count = static_cast<duk_idx_t>(duk_get_length(context, -1));
         duk_require_stack(context, count + 8);
         const duk_idx_t list = duk_get_top_index(context);
@@ -281,9 +307,9 @@ protected:
             duk_get_prop_index(context, list, static_cast<duk_uarridx_t>(i));
         read_all(context, list + 1, arguments_);
         duk_set_top(context, self + 1);
-        duk_get_prop_string(context, self, target_key);
+        get_key(context, self, target_key);
         object_ = &object_at(context, -1);
-        duk_get_prop_string(context, self, member_key);
+        get_key(context, self, member_key);
         return duk_get_int(context, -1);
     }
 };
@@ -307,12 +333,12 @@ public:
 };
 
 duk_ret_t give_up(duk_context* context) {
-    duk_get_prop_string(context, 0, handle_key);
+    get_key(context, 0, handle_key);
     auto* handle = static_cast<Handle*>(duk_get_pointer(context, -1));
     // An object that only inherits the handle does not end it.
     if (handle == nullptr || handle->owner != duk_get_heapptr(context, 0)) return 0;
     duk_push_pointer(context, nullptr);
-    duk_put_prop_string(context, 0, handle_key);
+    put_key(context, 0, handle_key);
     Runtime::of(context).remove(handle);
     return 0;
 }

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 
 #include "host/engine/engine_text.h"
 #include "platform/interfaces/late_member.h"
@@ -42,22 +43,30 @@ void push_error(duk_context* context, const char* constructor, const char* messa
 
 }  // namespace
 
+void get_key(duk_context* context, duk_idx_t object, const char* key) {
+    duk_get_prop_literal_raw(context, object, key, std::strlen(key));
+}
+
+void put_key(duk_context* context, duk_idx_t object, const char* key) {
+    duk_put_prop_literal_raw(context, object, key, std::strlen(key));
+}
+
 void put_stash(duk_context* context, const char* name) {
     duk_push_heap_stash(context);
     duk_swap_top(context, -2);
-    duk_put_prop_string(context, -2, name);
+    put_key(context, -2, name);
     duk_pop(context);
 }
 
 void push_stash(duk_context* context, const char* name) {
     duk_push_heap_stash(context);
-    duk_get_prop_string(context, -1, name);
-    duk_remove(context, -2);
+    get_key(context, -1, name);
+    duk_replace(context, -2);
 }
 
 Handle* handle_of(duk_context* context, duk_idx_t index) {
     if (!duk_is_object(context, index)) return nullptr;
-    duk_get_prop_string(context, index, handle_key);
+    get_key(context, index, handle_key);
     auto* handle = static_cast<Handle*>(duk_get_pointer(context, -1));
     duk_pop(context);
     return handle;
@@ -318,13 +327,13 @@ void Passage::push_kept(duk_context* context, const char* prototype) {
 void Passage::hand_over(duk_context* context) {
     // Once the property is there, writing it once more cannot fail.
     duk_push_pointer(context, nullptr);
-    duk_put_prop_string(context, -2, handle_key);
+    put_key(context, -2, handle_key);
     Handle* handle = nullptr;
     attempt(context, [&] { handle = Runtime::of(context).add(std::move(*handle_)); });
     handle->owner = duk_get_heapptr(context, -1);
     handle_.reset();
     duk_push_pointer(context, handle);
-    duk_put_prop_string(context, -2, handle_key);
+    put_key(context, -2, handle_key);
 }
 
 }  // namespace orvo::script

@@ -104,6 +104,11 @@ Handle& object_at(duk_context* context, duk_idx_t index);
 [[noreturn]] void raise_error(duk_context* context, const char* constructor, const char* message);
 [[noreturn]] void raise_number(duk_context* context, std::int32_t number, const char* text);
 
+// Read and write a property by one of the names below. Duktape knows a literal again by its
+// address, which spares it looking the text up: the name is one of those below at every call.
+void get_key(duk_context* context, duk_idx_t object, const char* key);
+void put_key(duk_context* context, duk_idx_t object, const char* key);
+
 // Takes the value on top of the stack as the stash's `name`, and pushes it.
 void put_stash(duk_context* context, const char* name);
 void push_stash(duk_context* context, const char* name);
@@ -113,6 +118,7 @@ inline constexpr const char* handle_key = DUK_HIDDEN_SYMBOL("handle");
 inline constexpr const char* target_key = DUK_HIDDEN_SYMBOL("target");
 inline constexpr const char* member_key = DUK_HIDDEN_SYMBOL("member");
 inline constexpr const char* arguments_key = DUK_HIDDEN_SYMBOL("arguments");
+inline constexpr const char* methods_key = DUK_HIDDEN_SYMBOL("methods");
 
 // Names in the stash.
 namespace stash {

@@ -12,7 +12,7 @@ void call_original(duk_context* context) {
     refuse_construction(context);
     const duk_idx_t count = duk_get_top(context);
     duk_push_current_function(context);
-    duk_get_prop_string(context, -1, original_key);
+    get_key(context, -1, original_key);
     duk_push_this(context);
     for (duk_idx_t i = 0; i < count; ++i) duk_dup(context, i);
     duk_call_method(context, count);
@@ -158,7 +158,7 @@ void replace_method(duk_context* context, const char* name, duk_c_function funct
     duk_get_prop_literal(context, -1, "length");
     push_own_function(context, function, name, duk_get_int(context, -1));
     duk_get_prop_string(context, -4, original);
-    duk_put_prop_string(context, -2, original_key);
+    put_key(context, -2, original_key);
     define_part(context, name, 2);
     duk_pop_2(context);
 }

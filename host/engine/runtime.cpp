@@ -38,6 +38,7 @@ struct Global : Passage {
     static duk_ret_t put(duk_context* context, void* data) {
         auto& self = *static_cast<Global*>(data);
         self.push(context, self.value);
+        if (Handle* handle = handle_of(context, -1)) handle->is_lasting = true;
         define_global(context, self.name.c_str());
         return 0;
     }

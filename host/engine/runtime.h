@@ -30,6 +30,7 @@ struct Handle {
     Variant value = {};
     std::vector<Variant> items = {};
     std::size_t next = 0;
+    bool is_lasting = false;  // one of the script's globals
     // The script's object whose end is the handle's, and the handle's own place in the list.
     void* owner = nullptr;
     std::list<Handle>::iterator self = {};

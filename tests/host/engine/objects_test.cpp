@@ -191,6 +191,26 @@ TEST_F(ScriptObjects, AreReleasedWhenTheScriptLetsGoOfThem) {
     EXPECT_EQ(alive, 0);
 }
 
+TEST_F(ScriptObjects, ThatAreCalledByTheWayAreReleasedAtOnce) {
+    int alive = 0;
+    Engine other;
+    other.set_global("first", make<Shelf>(&alive).object());
+    other.run(
+        Program::compile("for (var i = 0; i < 10; ++i) first.Other.Echo(first.Other.Touch());"
+                         "var held = first.Other, f = held.Echo; f = held = null;",
+                         "test.js"));
+    EXPECT_EQ(alive, 1);
+}
+
+TEST_F(ScriptObjects, ThatAreGlobalsHaveOneFunctionForEachMethod) {
+    EXPECT_EQ(text("[shelf.Echo === shelf.Echo, shelf.Echo === shelf.Touch, shelf.echo(2), "
+                   "shelf.Echo(3), 'Echo' in shelf]"),
+              "true,false,2,3,true");
+    EXPECT_EQ(text("[shelf.Calls, shelf.Touch(), shelf.Calls, shelf.Touch(), shelf.Calls]"),
+              "0,1,1,2,2");
+    EXPECT_EQ(text("[shelf.Echo.call(null, 4), Object.getOwnPropertyNames(shelf).length]"), "4,0");
+}
+
 TEST_F(ScriptObjects, InArraysAndEnumeratorsAreReleasedToo) {
     int alive = 0;
     {
