@@ -7,10 +7,12 @@
 #include "host/web/files/site_files.h"
 #include "host/web/intrinsics/page_runner.h"
 #include "host/web/messages/encoding.h"
+#include "host/web/site/asking_browser.h"
 #include "host/web/site/guard.h"
 #include "platform/interfaces/call.h"
 #include "platform/interfaces/create.h"
 #include "platform/interfaces/late_call.h"
+#include "platform/objects/context/context_scope.h"
 #include "suite/authfilter/filter_store.h"
 
 namespace orvo::web {
@@ -252,8 +254,10 @@ std::shared_ptr<PageContext> WebApp::open(const ServedSite& served, const HttpRe
     return page;
 }
 
-bool WebApp::is_open(const ServedSite& served, const SessionLogin& login,
-                     const RequestFields& cookies, const SitePath& found) const {
+bool WebApp::is_open(const ServedSite& served, const HttpRequest& request,
+                     const SessionLogin& login, const RequestFields& cookies,
+                     const SitePath& found) const {
+    const ContextScope asker({{u"Request", make<AskingBrowser>(request.remote_address).object()}});
     const auto* cookie = cookies.find(served.login_cookie);
     const Text guid = cookie ? cookie->values.front() : Text();
     const Variant connector = application_.get(filter_connector_progid);
@@ -267,7 +271,8 @@ bool WebApp::is_open(const ServedSite& served, const SessionLogin& login,
 HttpResponse WebApp::file(const ServedSite& served, const HttpRequest& request,
                           const SitePath& found) {
     if (!guards_of(served.site, found).empty() &&
-        !is_open(served, sessions_.login_of(session_id_of(request)), cookies_of(request), found))
+        !is_open(served, request, sessions_.login_of(session_id_of(request)), cookies_of(request),
+                 found))
         return to_login(served.site, request);
     if (found.lacks_slash) {
         const std::string query(query_part(request.target));
@@ -286,8 +291,8 @@ HttpResponse WebApp::page(ServedSite& served, const HttpRequest& request, const 
     const auto page = open(served, request, path);
     if (!guards_of(served.site, found).empty()) {
         page->open_session();
-        if (!page->session() ||
-            !is_open(served, login_in(page->session()->data().values), page->cookies, found))
+        if (!page->session() || !is_open(served, request, login_in(page->session()->data().values),
+                                         page->cookies, found))
             return to_login(served.site, request);
         page->user = page->session()->data().values.get(u"REMOTE_USER").text_view();
     }

@@ -54,8 +54,9 @@ private:
                       std::string& note);
     std::shared_ptr<PageContext> open(const ServedSite& served, const HttpRequest& request,
                                       const std::string& path);
-    bool is_open(const ServedSite& served, const SessionLogin& login, const RequestFields& cookies,
-                 const SitePath& found) const;
+    // Whether the guard lets this login through, or the path needs none.
+    bool is_open(const ServedSite& served, const HttpRequest& request, const SessionLogin& login,
+                 const RequestFields& cookies, const SitePath& found) const;
 
     mutable std::mutex lock_;
     std::shared_ptr<ServedSite> served_;

@@ -69,7 +69,7 @@ protected:
         std::string text = content_of(slapd->site_ini());
         text = std::regex_replace(text, std::regex("MultiLogin=1"),
                                   "MultiLogin=" + std::to_string(multi_login_));
-        std::ofstream(file) << text;
+        std::ofstream(file) << text << '\n' << audit_;
         fs::create_directories(folder_.path() / "Config");
         fs::copy_file(slapd->site_ini().parent_path() / "Config/Directory.ini",
                       folder_.path() / "Config/Directory.ini",
@@ -118,6 +118,7 @@ protected:
     static inline std::unique_ptr<PrivateSlapd> slapd;
     TempFolder folder_;
     int multi_login_ = 1;
+    std::string audit_;  // section of the site's configuration
     std::optional<ChildProcess> process_;
 };
 
@@ -194,6 +195,41 @@ TEST_F(OrvoWebTest, ASecondLoginLeavesTheFirstAliveOrEndsIt) {
         process_->send(SIGTERM);
         EXPECT_EQ(process_->wait(), 0);
     }
+}
+
+TEST_F(OrvoWebTest, TheAuditSaysFromWhereSomebodyLoggedIn) {
+    audit_ = "[AUDIT]\nFile=audit.jsonl\nSync=yes\n";
+    Browser browser(start());
+    log_in(browser, "jsmith", "wrong-sample");
+    ASSERT_EQ(log_in(browser, "jsmith", "shop-sample")->status, 303);
+    EXPECT_EQ(browser.get("/account/")->status, 200);
+    EXPECT_EQ(browser.get("/admin/")->status, 302);
+    EXPECT_EQ(browser.get("/logout.asp")->body, "bye");
+
+    const std::string audit = content_of(folder_.path() / "audit.jsonl");
+    const std::string seen = std::regex_replace(
+        audit, std::regex(R"("time":"[-0-9T:.]+Z",|,"server":"127\.0\.0\.1:\d+")"), "");
+    const std::string jsmith = R"(,"user":"cn=jsmith,ou=Users,o=Shop","from":"127.0.0.1")";
+    EXPECT_EQ(seen, R"({"event":"check","result":"wrong")" + jsmith + "}\n" +
+                        R"({"event":"check","result":"right")" + jsmith + "}\n" +
+                        R"({"event":"login","result":"done")" + jsmith +
+                        R"(,"what":"application 1, 2"})" + "\n" +
+                        R"({"event":"refusal","result":"refused")" + jsmith +
+                        R"(,"what":"application 10"})" + "\n" +
+                        R"({"event":"logout","result":"done")" + jsmith + "}\n");
+    EXPECT_EQ(audit.find("sample"), std::string::npos) << "no password, right or wrong";
+}
+
+TEST_F(OrvoWebTest, NobodyLogsInWhereThatCannotBeRecordedAndHasToBe) {
+    audit_ = "[AUDIT]\nFile=/dev/full\nSync=yes\n";
+    Browser browser(start());
+    EXPECT_EQ(log_in(browser, "jsmith", "shop-sample")->body, "login failed");
+    EXPECT_EQ(browser.cookies.count("QUENDRAID"), 0u);
+    EXPECT_EQ(browser.get("/account/")->status, 302);
+    const std::string failures = content_of(folder_.path() / "orvo.log");
+    EXPECT_NE(failures.find("/dev/full: the audit cannot be written (No space left on device)"),
+              std::string::npos);
+    EXPECT_EQ(failures.find("shop-sample"), std::string::npos);
 }
 
 // As long and with as many browsers as the environment says; a few seconds with few otherwise.
