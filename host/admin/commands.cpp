@@ -1,5 +1,6 @@
 #include "host/admin/commands.h"
 
+#include "host/admin/audit/audit_commands.h"
 #include "host/admin/diagnosis/diagnosis_commands.h"
 #include "host/admin/directory/directory_commands.h"
 #include "host/admin/setup/setup_commands.h"
@@ -12,6 +13,7 @@ Commands::Commands()
     add_setup_commands(*this);
     add_directory_commands(*this);
     add_diagnosis_commands(*this);
+    add_audit_commands(*this);
     footer(
         "Each command has a --help of its own.\n"
         "\n"

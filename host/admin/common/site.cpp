@@ -1,5 +1,6 @@
 #include "host/admin/common/site.h"
 
+#include <cstdlib>
 #include <stdexcept>
 
 #include "host/admin/common/names.h"
@@ -8,6 +9,8 @@
 namespace orvo::admin {
 
 Site::Site(const std::filesystem::path& given) : file_(site_file(given)) {
+    // Who looks for the site's own settings, the audit say, finds the same.
+    setenv("ORVO_SITE_CONFIG", file_.c_str(), 1);
     Members().setServerInfo(file_.string());
     info_.SetConfiguration(file_.string());
     service_ = info_.GetMemScriptUser().to<std::string>();
