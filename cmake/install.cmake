@@ -7,7 +7,7 @@ include(package/orvo_modules)
 # orvo_find_runtime(TARGET FOLDER): that the target, installed in FOLDER, finds the runtime library.
 # Where the system's own loader looks, nothing has to be said.
 function(orvo_find_runtime target folder)
-  if(NOT CMAKE_INSTALL_FULL_LIBDIR IN_LIST CMAKE_PLATFORM_IMPLICIT_LINK_DIRECTORIES)
+  if(NOT CMAKE_INSTALL_FULL_LIBDIR IN_LIST CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES)
     file(RELATIVE_PATH way ${folder} ${CMAKE_INSTALL_FULL_LIBDIR})
     string(REGEX REPLACE "/$" "" way "${way}")
     set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/${way}")
