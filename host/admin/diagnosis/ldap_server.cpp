@@ -19,7 +19,10 @@ using namespace directory;
 using namespace directory::ldap;
 
 std::optional<EntryData> LdapView::find(const std::string& name) {
-    ReadResult result = session_.read(name, {"*", "+"});
+    // Of some servers, those that they compute have to be asked for.
+    ReadResult result =
+        session_.read(name, {"*", "+", "nsAccountLock", "msDS-User-Account-Control-Computed",
+                             "msDS-UserPasswordExpiryTimeComputed"});
     if (result.code == result_code::no_such_object) return std::nullopt;
     check(result);
     return std::move(result.entry);

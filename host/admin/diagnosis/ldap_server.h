@@ -54,6 +54,11 @@ void log_in(LdapServer& server);
 // The steps of a server, in their order.
 std::vector<Examined> examine_server(LdapServer& server);
 
+// Of OpenLDAP with password policies, without a login: whether this is the user's password, as a
+// change says that is never made; nothing where the server does not tell.
+std::optional<bool> try_former_password(LdapServer& server, const std::string& user,
+                                        const Secret& password);
+
 Finding examine_writing(LdapServer& server);
 Finding examine_indexes(LdapServer& server);
 Finding examine_clock(LdapServer& server);

@@ -5,6 +5,7 @@
 
 #include "host/admin/diagnosis/content_steps.h"
 #include "host/admin/diagnosis/ldap_server.h"
+#include "suite/directory/ldap/wire/password_policy.h"
 #include "suite/directory/names/ascii.h"
 #include "suite/directory/policy/failures.h"
 
@@ -32,8 +33,8 @@ struct Right {
 
 class Controls {
 public:
-    Controls(Session& session, Control control) : session_(session) {
-        session_.set_controls({&control, 1});
+    Controls(Session& session, const std::vector<Control>& controls) : session_(session) {
+        session_.set_controls(controls);
     }
     ~Controls() { session_.set_controls({}); }
     Controls(const Controls&) = delete;
@@ -68,7 +69,7 @@ std::vector<Attribute> new_attributes(const LdapServer& server, const std::strin
 }
 
 std::vector<Right> tried_rights(LdapServer& server, const std::string& user) {
-    const Controls held(*server.session, {no_operation, {}, true});
+    const Controls held(*server.session, {{no_operation, {}, true}});
     const std::string name = unused_name();
     const std::string made =
         entry_below(server.site, server.site.naming_attribute, name, server.site.users);
@@ -103,7 +104,7 @@ bool has_right(const EntryData& entry, std::string_view attribute, char right) {
 }
 
 std::vector<Right> told_rights(LdapServer& server, const std::string& user) {
-    const Controls held(*server.session, {effective_rights, "dn: " + server.service(), true});
+    const Controls held(*server.session, {{effective_rights, "dn: " + server.service(), true}});
     const auto read = [&](const std::string& name) {
         return server.session->read(name, {"OrvoRole", "userPassword"});
     };
@@ -155,6 +156,25 @@ std::string words_of(const std::vector<Right>& rights, May may) {
 }
 
 }  // namespace
+
+std::optional<bool> try_former_password(LdapServer& server, const std::string& user,
+                                        const Secret& password) {
+    constexpr int former_is_wrong = 4;
+    const Controls held(*server.session, {{no_operation, {}, true}, {policy_control, {}, false}});
+    Replacement changes[] = {{"userPassword", {}, Change::remove},
+                             {"userPassword", {"orvo-doctor-1-Password"}, Change::add}};
+    std::string& former = changes[0].values.emplace_back(password.reveal());
+    const UpdateResult result = server.session->modify(user, changes);
+    overwrite(former.data(), former.size());
+    const std::optional<int> error = policy_in(result.controls).error;
+    if (error == former_is_wrong) return false;
+    if (result.code == would_be_done) return true;
+    // What it has against the new one it looks at later.
+    constexpr int after_the_former[] = {5, 6, 8};  // quality, length, history
+    if (error && std::ranges::find(after_the_former, *error) != std::end(after_the_former))
+        return true;
+    return std::nullopt;
+}
 
 Finding examine_writing(LdapServer& server) {
     const std::string users = below_root(server.site, server.site.users);

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <memory>
+
+#include "host/admin/common/site_settings.h"
+#include "host/admin/diagnosis/account.h"
+#include "platform/values/secret.h"
+
+namespace orvo::admin {
+
+// Where users are looked at. What goes wrong is raised as a Failure. Used by one thread.
+class AccountSource {
+public:
+    virtual ~AccountSource() = default;
+
+    virtual DirectoryView& view() = 0;
+    virtual const AccountReader& reader() const = 0;
+    virtual Policy policy_of(const directory::EntryData& user) = 0;
+    // Whether the password is the user's, found out in a way that counts nowhere, or not known.
+    virtual Finding compare(const directory::EntryData& user, const Secret& password) = 0;
+    // A login, which counts as one.
+    virtual Finding log_in(const directory::EntryData& user, const Secret& password) = 0;
+};
+
+// Of the first server that lets the service account in, or of the file. `site` lives longer. Raises
+// std::exception where there is none.
+std::unique_ptr<AccountSource> open_accounts(const SiteSettings& site);
+
+// What a login or a comparison came to.
+Finding right_password();
+Finding wrong_password();
+// Of the provider's number for it (password_check.h).
+Finding finding_of_check(int number);
+
+}  // namespace orvo::admin

@@ -1,0 +1,156 @@
+#include "host/admin/diagnosis/why.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <iostream>
+
+#include "host/admin/common/output.h"
+#include "host/admin/common/password_input.h"
+#include "host/admin/diagnosis/account_source.h"
+#include "host/admin/diagnosis/content_steps.h"
+#include "host/admin/diagnosis/report.h"
+#include "suite/directory/names/ascii.h"
+#include "suite/directory/names/written_name.h"
+#include "suite/directory/policy/failures.h"
+
+namespace orvo::admin {
+namespace {
+
+using namespace directory;
+
+// Who wants to log in, and what the steps so far have found.
+struct Login {
+    const WhyRequest& request;
+    const SiteSettings& site;
+    AccountSource& source;
+    std::optional<Secret> password = {};
+
+    std::string name = {};  // of the entry
+    Account account = {};
+    std::optional<EntryData> profile = {};
+
+    int type() const {
+        const std::string value = value_of(account.entry, "OrvoUserType");
+        return value.empty() ? 0 : std::atoi(value.c_str());
+    }
+};
+
+Finding examine_name(Login& login) {
+    const std::string container = below_root(login.site, login.site.users);
+    const auto parsed = DistinguishedName::try_parse(from_utf8(container));
+    // As the component completes what was typed.
+    const std::string relative = login.request.user.find('=') == std::string::npos
+                                     ? login.site.naming_attribute + "=" + login.request.user
+                                     : login.request.user;
+    const auto name =
+        parsed ? name_below(from_utf8(relative + "," + container), *parsed) : std::nullopt;
+    if (login.request.user.empty() || !name)
+        return failed(quoted_name(login.request.user) + " cannot be the name of a user.");
+    login.name = to_utf8(*name);
+    return found("is " + login.name);
+}
+
+Finding examine_entry(Login& login) {
+    auto entry = login.source.view().find(login.name);
+    if (!entry)
+        return failed("There is no such user.",
+                      "Correct the name, or make the user: orvo users add " + login.request.user);
+    login.account = {
+        login.request.user,
+        *std::move(entry),
+        {},
+        std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now())};
+    login.account.policy = login.source.policy_of(login.account.entry);
+    return found("is there");
+}
+
+template <auto part>
+Finding told_by_directory(Login& login) {
+    return (login.source.reader().*part)(login.account);
+}
+
+Finding examine_given_password(Login& login) {
+    if (!login.password) return {Outcome::skipped, "not asked for; --password does"};
+    if (login.password->empty()) return failed("An empty one is always refused.");
+    return login.request.is_tried ? login.source.log_in(login.account.entry, *login.password)
+                                  : login.source.compare(login.account.entry, *login.password);
+}
+
+Finding examine_profile(Login& login) {
+    const std::string name = value_of(login.account.entry, "ProfileCN");
+    if (name.empty()) return found("the user has none");
+    login.profile = login.source.view().find(
+        entry_below(login.site, login.site.profile_naming_attribute, name, login.site.profiles));
+    if (login.profile) return found(name);
+    return failed("There is no profile " + quoted_name(name) + ", which the user has (ProfileCN).",
+                  "Make it, or give the user another: orvo users profile " + login.request.user);
+}
+
+Finding examine_account(Login& login) {
+    const std::string type = std::to_string(login.type());
+    const std::string name =
+        entry_below(login.site, login.site.account_naming_attribute, type, login.site.accounts);
+    if (login.source.view().find(name)) return found("type " + type + ", " + name);
+    return failed("There is no " + name + " for users of type " + type + ".",
+                  "Make it, or correct the user's OrvoUserType.");
+}
+
+Finding examine_applications(Login& login) {
+    constexpr int local_administrator = 3, administrator = 4;
+    std::vector<std::string> numbers = values_of(login.account.entry, "OrvoApps");
+    if ((numbers.empty() || numbers.front() == "0") && login.profile)
+        numbers = values_of(*login.profile, "OrvoApps");
+    if (!numbers.empty() && numbers.front() == "0") numbers.clear();
+    const int type = login.type();
+    if (type == local_administrator || type == administrator) numbers.emplace_back("10");
+    if (numbers.empty())
+        return found("none: the login succeeds, but opens no guarded page",
+                     "orvo users apps " + login.request.user);
+    std::string text;
+    for (const std::string& number : numbers) text += (text.empty() ? "" : ", ") + number;
+    return found(text);
+}
+
+constexpr Step<Login> login_steps[] = {
+    {"name", nullptr, examine_name},
+    {"entry", "name", examine_entry},
+    {"enabled", "entry", told_by_directory<&AccountReader::enabled>},
+    {"locked", "entry", told_by_directory<&AccountReader::locked>},
+    {"password's age", "entry", told_by_directory<&AccountReader::age>},
+    {"password", "entry", examine_given_password},
+    {"profile", "entry", examine_profile},
+    {"account", "entry", examine_account},
+    {"applications", "entry", examine_applications},
+};
+
+void write_conclusion(const Examination& examination) {
+    std::string refusing;
+    for (const auto& [step, finding] : examination.steps)
+        if (finding.outcome == Outcome::failed) refusing += (refusing.empty() ? "" : ", ") + step;
+    put(std::cout, refusing.empty() ? "\nNothing that was looked at refuses the login.\n"
+                                    : "\nThe login is refused: " + refusing + ".\n");
+}
+
+}  // namespace
+
+bool explain_login(const WhyRequest& request) {
+    const SiteSettings site = read_site_settings(site_file(request.site));
+    const std::unique_ptr<AccountSource> source = open_accounts(site);
+    Login login{request, site, *source};
+    if (request.has_password || request.is_tried) {
+        std::string typed = read_password("Password of " + request.user);
+        login.password = Secret::of_bytes(typed);
+        overwrite(typed.data(), typed.size());
+    }
+    const Examination examination{request.user, examine<Login>(login_steps, login)};
+    constexpr const char* refused = "refused";
+    if (request.is_json) {
+        write_json(std::cout, {examination}, refused);
+    } else {
+        write_text(std::cout, {examination}, refused, Terminal::of_output());
+        write_conclusion(examination);
+    }
+    return !examination.has_failed();
+}
+
+}  // namespace orvo::admin
