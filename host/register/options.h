@@ -8,6 +8,7 @@ struct RegisterCommandLine : CommandLine {
     RegisterCommandLine();
 
     std::vector<std::string> modules;
+    std::vector<std::string> classes;  // "Maker.Class={CLSID}"
     bool unregister = false;
 };
 

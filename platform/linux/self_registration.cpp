@@ -4,9 +4,12 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/linux/failure_reason.h"
+#include "platform/linux/runtime_calls.h"
 #include "platform/values/failure.h"
+#include "platform/values/guid.h"
 #include "platform/values/text.h"
 
 namespace orvo::runtime {
@@ -19,16 +22,38 @@ using abi::HRESULT;
     throw Failure(number, {}, from_utf8(module) + u": " + reason);
 }
 
+class LoadedModule {
+public:
+    explicit LoadedModule(const std::filesystem::path& file)
+        : name_(std::filesystem::absolute(file).string()),
+          handle_(dlopen(name_.c_str(), RTLD_NOW | RTLD_LOCAL), dlclose) {
+        if (!handle_) refuse(abi::co_e_dllnotfound, name_, from_utf8(dlerror()));
+        abi::SetErrorInfo(0, nullptr);
+    }
+
+    template <class Function>
+    Function* exported(const char* name) const {
+        auto* entry = reinterpret_cast<Function*>(dlsym(handle_.get(), name));
+        if (!entry) refuse(abi::co_e_errorindll, name_, u"it does not export " + from_utf8(name));
+        return entry;
+    }
+    void require(HRESULT outcome) const {
+        if (abi::failed(outcome)) refuse(outcome, name_, failure_reason(outcome));
+    }
+    const std::string& name() const { return name_; }
+
+private:
+    std::string name_;
+    std::unique_ptr<void, int (*)(void*)> handle_;
+};
+
 void call_export(const std::filesystem::path& file, const char* name) {
-    std::string module = std::filesystem::absolute(file).string();
-    std::unique_ptr<void, int (*)(void*)> handle(dlopen(module.c_str(), RTLD_NOW | RTLD_LOCAL),
-                                                 dlclose);
-    if (!handle) refuse(abi::co_e_dllnotfound, module, from_utf8(dlerror()));
-    auto entry = reinterpret_cast<HRESULT (*)()>(dlsym(handle.get(), name));
-    if (!entry) refuse(abi::co_e_errorindll, module, u"it does not export " + from_utf8(name));
-    abi::SetErrorInfo(0, nullptr);
-    HRESULT outcome = entry();
-    if (abi::failed(outcome)) refuse(outcome, module, failure_reason(outcome));
+    const LoadedModule module(file);
+    module.require(module.exported<HRESULT()>(name)());
+}
+
+Text manifest_name(const std::filesystem::path& module) {
+    return from_utf8(module.stem().string());
 }
 
 }  // namespace
@@ -39,6 +64,32 @@ void register_module_file(const std::filesystem::path& module) {
 
 void unregister_module_file(const std::filesystem::path& module) {
     call_export(module, "DllUnregisterServer");
+}
+
+void register_module_classes(const std::filesystem::path& file,
+                             std::span<const ManifestClass> classes) {
+    const LoadedModule module(file);
+    using GetClassObject = HRESULT(const abi::CLSID*, const abi::IID*, void**);
+    auto* get = module.exported<GetClassObject>("DllGetClassObject");
+    std::vector<OrvoModuleClass> entries;
+    for (const ManifestClass& one : classes) {
+        void* factory = nullptr;
+        if (const HRESULT outcome = get(&one.clsid, &abi::iid_class_factory, &factory);
+            abi::failed(outcome))
+            refuse(outcome, module.name(), u"it has no class " + from_utf8(braced(one.clsid)));
+        abi::release(static_cast<abi::IUnknown*>(factory));
+        entries.push_back({one.progid.c_str(), one.clsid});
+    }
+    module.require(OrvoRegisterModule(reinterpret_cast<const void*>(get),
+                                      manifest_name(file).c_str(), entries.data(),
+                                      static_cast<std::uint32_t>(entries.size())));
+}
+
+void unregister_module_classes(const std::filesystem::path& file) {
+    abi::SetErrorInfo(0, nullptr);
+    if (const HRESULT outcome = OrvoUnregisterModule(manifest_name(file).c_str());
+        abi::failed(outcome))
+        refuse(outcome, file.string(), failure_reason(outcome));
 }
 
 }  // namespace orvo::runtime

@@ -129,6 +129,35 @@ TEST_F(Registration, ToolTellsModuleAndReasonAndGoesOn) {
     EXPECT_NE(said.find("cannot be written: Not a directory"), std::string::npos) << said;
 }
 
+TEST_F(Registration, ToolRegistersTheClassesOfAModuleThatDoesNotDoSoItself) {
+    const std::string sample = "Sample.Plain={11111111-2222-3333-0102-030405060708}";
+    const std::filesystem::path manifest =
+        folder("front") / (std::filesystem::path(SAMPLE_MODULE).stem().string() + ".manifest");
+    int status = -1;
+    EXPECT_EQ(run_tool({"--class", sample, SAMPLE_MODULE}, status),
+              std::string(SAMPLE_MODULE) + ": registered\n");
+    EXPECT_EQ(status, 0);
+    EXPECT_NE(
+        content(manifest).find("class = {11111111-2222-3333-0102-030405060708} Sample.Plain\n"),
+        std::string::npos);
+    EXPECT_EQ(run_tool({"--unregister", "--class", sample, SAMPLE_MODULE}, status),
+              std::string(SAMPLE_MODULE) + ": unregistered\n");
+    EXPECT_FALSE(std::filesystem::exists(manifest));
+
+    std::string unknown = sample;
+    unknown.replace(unknown.find("1111"), 4, "9999");
+    EXPECT_NE(run_tool({"--class", unknown, SAMPLE_MODULE}, status)
+                  .find(": it has no class {99991111-2222-3333-0102-030405060708}"),
+              std::string::npos);
+    EXPECT_EQ(status, 1);
+    EXPECT_FALSE(std::filesystem::exists(manifest));
+    EXPECT_EQ(run_tool({"--class", "Sample.Plain", SAMPLE_MODULE}, status),
+              "orvo-register: \"Sample.Plain\" is no Maker.Class={CLSID}\n");
+    EXPECT_EQ(status, 2);
+    run_tool({"--class", sample, SAMPLE_MODULE, REGISTERING_MODULE}, status);
+    EXPECT_EQ(status, 2);
+}
+
 TEST_F(Registration, ToolSaysWhatIsMissing) {
     int status = -1;
     EXPECT_EQ(run_tool({}, status),
