@@ -89,7 +89,9 @@ install(FILES component/server/OrvoMembership.idl component/server/TavikPMMInter
 
 install(DIRECTORY schema/ DESTINATION ${CMAKE_INSTALL_DATADIR}/orvo/schema COMPONENT modules
   FILES_MATCHING PATTERN "*.schema" PATTERN "*.ldif")
-install(FILES README.md CHANGELOG.md SECURITY.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md LICENSE
+        DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)
+install(FILES schema/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/schema COMPONENT documentation)
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT documentation)
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)
 
