@@ -74,6 +74,7 @@ constexpr MemberFailure failures[] = {
     raises<&LdapAccess::BindToConfig>(file_not_found,
                                       "the folder Config beside the site's file lacks the one that "
                                       "ConfigFileName names"),
+    raises<&LdapAccess::BindToConfig>(file_not_readable, "no ConfigFileName is configured"),
     raises<&LdapAccess::GetAttributeName>(object_not_set, "BindToConfig has not been called"),
 
     raises<&Profile::GetAttribValue>(object_not_set, "the object is not bound"),

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <set>
 #include <stdexcept>
 
 #include "component/common/OrvoMemErrors.h"
@@ -211,10 +212,10 @@ std::string raised_by(std::int32_t number) {
                 if (failure.number == number &&
                     std::string_view(failure.interface_name) == table_of<default_interface<D>>.name)
                     text +=
-                        (text.empty() ? "" : ", ") + code(class_name<D>() + "." + failure.member);
+                        (text.empty() ? "" : ", ") + code(page_name<D>() + "." + failure.member);
         };
         (add(std::type_identity<C>{}), ...);
-    }(std::type_identity<PublicClasses>{});
+    }(std::type_identity<DescribedClasses>{});
     return text.empty() ? "no member" : text;
 }
 
@@ -228,7 +229,9 @@ std::string index_page() {
         "\nThe suite, which the component works with, has classes for programs, too:\n\n" +
         list(std::type_identity<SuiteClasses>{});
     page +=
-        "\n[settings.md](settings.md): every setting of configuration and environment. "
+        "\n[failures.md](failures.md): OrvoMemErrors and every other number. "
+        "[settings.md](settings.md): every setting of configuration and environment. "
+        "[user-properties.md](../user-properties.md): a user's properties with their attributes. "
         "[interfaces.md](interfaces.md): what a directory provider, a configuration and a log of "
         "one's own implement.\n\n"
         "Classes are created by their names: `OrvoMembership.User`, those of the suite as they "
@@ -244,24 +247,40 @@ std::string index_page() {
     for (const TypeWords& type : type_words)
         page +=
             std::string("| ") + type.words + " | " + code(type.idl) + " | " + type.script + " |\n";
-    page +=
-        "| record set | `IDispatch*` | an ADO record set, on its first row |\n\n"
-        "## Failures\n\n"
+    return page + "| record set | `IDispatch*` | an ADO record set, on its first row |\n";
+}
+
+std::string failure_row(const std::string& shown, std::int32_t number) {
+    return "| " + shown + " | " + std::to_string(number) + " | " + number_text(number) + " | " +
+           raised_by(number) + " |\n";
+}
+
+std::string failures_page() {
+    std::string page =
+        "# Failures\n\n" + std::string(written_by) +
         "Every failure arrives as an Automation error: number, source, description. The "
-        "description "
-        "is a block that tells number, method and cause. A run-time error such as 91 is 0x800A005B "
-        "in languages that show the whole number.\n\n"
-        "### OrvoMemErrors\n\n| Name | Number | | Text | Raised by |\n|---|---|---|---|---|\n";
+        "description is a block that tells number, method and cause.\n\n"
+        "## OrvoMemErrors\n\n| Name | Number | | Text | Raised by |\n|---|---|---|---|---|\n";
     for (const MemError& error : mem_errors)
-        page += "| " + code(error.name) + " | " + shown_number(error.value) + " | " +
-                std::to_string(static_cast<std::int32_t>(error.value)) + " | " + error.text +
-                " | " + raised_by(error.value) + " |\n";
-    page += "\n### Outside the enumeration\n\n| Number | | Text | Raised by |\n|---|---|---|---|\n";
-    for (const std::int32_t number : {membership_failed, entry_already_exists, no_such_entry})
-        page += "| " + shown_number(number) + " | " + std::to_string(number) + " | " +
-                number_text(number) + " | " + raised_by(number) + " |\n";
+        page += "| " + code(error.name) + " " + failure_row(shown_number(error.value), error.value);
     page +=
-        "\n### What a directory refuses\n\n"
+        "\n## Run-time errors\n\n"
+        "In languages that show the whole number, 91 is 0x800A005B.\n\n"
+        "| Number | | Text | Raised by |\n|---|---|---|---|\n";
+    std::set<std::int32_t> numbers;
+    for (const MemberFailure& failure : member_failures()) numbers.insert(failure.number);
+    for (const std::int32_t number : numbers)
+        if (number >= 0)
+            page +=
+                failure_row(shown_number(static_cast<std::int32_t>(0x800A0000u + number)), number);
+    page += "\n## Other numbers\n\n| Number | | Text | Raised by |\n|---|---|---|---|\n";
+    for (const std::int32_t number : numbers)
+        if (number < 0 && std::ranges::none_of(mem_errors, [&](const MemError& error) {
+                return error.value == number;
+            }))
+            page += failure_row(shown_number(number), number);
+    page +=
+        "\n## What a directory refuses\n\n"
         "Any member that reaches the directory passes these on. The description begins with the "
         "code in parentheses.\n\n| Number | Code | Text |\n|---|---|---|\n";
     for (int number = 1; number < 100; ++number) {
@@ -281,6 +300,7 @@ std::vector<ReferencePage> reference_pages(const std::filesystem::path& examples
     [&]<class... C>(std::type_identity<std::tuple<C...>>) {
         (pages.push_back({page_name<C>() + ".md", class_page<C>(examples)}), ...);
     }(std::type_identity<DescribedClasses>{});
+    pages.push_back({"failures.md", failures_page()});
     pages.push_back({"interfaces.md", interfaces_page()});
     return pages;
 }
