@@ -6,6 +6,7 @@
 #include "suite/directory/names/ascii.h"
 #include "suite/directory/names/written_name.h"
 #include "suite/directory/policy/failures.h"
+#include "suite/directory/policy/password_attributes.h"
 #include "suite/directory/schema/schema.h"
 
 namespace orvo::admin {
@@ -42,9 +43,6 @@ std::string entry_below(const SiteSettings& site, const std::string& attribute,
         entry_name(from_utf8(attribute + "=" + value), from_utf8(below_root(site, container))));
 }
 
-namespace {
-
-// "a, b and 3 more"
 std::string listed(const std::vector<std::string>& items) {
     constexpr std::size_t most = 5;
     std::string text;
@@ -53,6 +51,8 @@ std::string listed(const std::vector<std::string>& items) {
     if (items.size() > most) text += " and " + std::to_string(items.size() - most) + " more";
     return text;
 }
+
+namespace {
 
 std::vector<std::string> named_classes(const SiteSettings& site) {
     std::vector<std::string> names = site.user_classes;
@@ -72,7 +72,33 @@ std::vector<const AttributeType*> product_attributes() {
     return types;
 }
 
+// Of the product's class, but for passwords, which nobody reads.
+std::vector<std::string> readable_attributes(const char* object_class) {
+    const Schema& product = Schema::of_product();
+    std::vector<std::string> names;
+    for (const AttributeType* type : product.rules_of(*product.classes.find(object_class)).allowed)
+        if (!holds_hashes(type->name()) && !type->is_operational) names.push_back(type->name());
+    std::ranges::sort(names);
+    return names;
+}
+
 }  // namespace
+
+std::vector<ReadEntries> entries_read(const SiteSettings& site) {
+    return {{"users", below_root(site, site.users), site.user_classes.front(),
+             readable_attributes("orvoPerson")},
+            {"profiles", below_root(site, site.profiles), site.profile_class,
+             readable_attributes("orvoProfile")},
+            {"accounts", below_root(site, site.accounts), site.account_class,
+             readable_attributes("orvoAccount")}};
+}
+
+Finding finding_of_reading(const SiteSettings& site, const std::string& cannot,
+                           const std::string& advice) {
+    if (cannot.empty()) return found("the service account can read users, profiles and accounts");
+    return failed("The service account cannot read, of " + cannot + ".",
+                  advice + quoted_name(site.root) + " and below.");
+}
 
 Finding examine_schema(const SiteSettings& site, const AttributeTypes& types,
                        const ObjectClasses& classes, const std::string& advice) {

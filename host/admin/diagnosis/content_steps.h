@@ -28,6 +28,21 @@ Finding examine_schema(const SiteSettings& site, const directory::AttributeTypes
 Finding examine_containers(const SiteSettings& site, DirectoryView& view);
 // That there is an account for each type that users have.
 Finding examine_accounts(const SiteSettings& site, DirectoryView& view);
+// What the service account has to read: entries of these classes with these attributes.
+struct ReadEntries {
+    const char* words;  // "users"
+    std::string container;
+    std::string object_class;
+    std::vector<std::string> attributes;
+};
+std::vector<ReadEntries> entries_read(const SiteSettings& site);
+// `cannot`: what it cannot read, with the entries in front: "users: mail, sn". `advice` ends with
+// where.
+Finding finding_of_reading(const SiteSettings& site, const std::string& cannot,
+                           const std::string& advice);
+// "a, b and 3 more"
+std::string listed(const std::vector<std::string>& items);
+
 // That somebody is an administrator.
 Finding examine_administrators(const SiteSettings& site, DirectoryView& view);
 

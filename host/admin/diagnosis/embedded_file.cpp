@@ -171,15 +171,40 @@ Finding examine_service(EmbeddedFile& file) {
     return found(entry->name + " has the password of the settings");
 }
 
+// That has been found.
+Identity service_account(const EmbeddedFile& file, const Reading& reading) {
+    const auto name = DistinguishedName::try_parse(from_utf8(file.service()));
+    return Identity::of(*name, *reading.find(*name));
+}
+
+Finding examine_reading(EmbeddedFile& file) {
+    const Reading reading = file.directory->read();
+    const auto rules = file.directory->access_rules(reading);
+    const Identity service = service_account(file, reading);
+    std::string cannot;
+    for (const ReadEntries& row : entries_read(file.site)) {
+        const auto entry =
+            DistinguishedName::try_parse(from_utf8("cn=orvo-doctor," + row.container));
+        std::vector<std::string> missing = row.attributes;
+        std::erase_if(missing, [&](const std::string& attribute) {
+            return rules->allow(service, Right::read, *entry, attribute);
+        });
+        if (!missing.empty())
+            cannot +=
+                (cannot.empty() ? "" : "; ") + std::string(row.words) + ": " + listed(missing);
+    }
+    return finding_of_reading(file.site, cannot,
+                              "Let the access rules (orvo directory set --access FILE) read ");
+}
+
 Finding examine_rights(EmbeddedFile& file) {
     const Reading reading = file.directory->read();
     const auto rules = file.directory->access_rules(reading);
-    const auto name = DistinguishedName::try_parse(from_utf8(file.service()));
     const std::string users = below_root(file.site, file.site.users);
     const auto container = DistinguishedName::try_parse(from_utf8(users));
     const auto user = DistinguishedName::try_parse(from_utf8(
         entry_below(file.site, file.site.naming_attribute, "orvo-doctor", file.site.users)));
-    const Identity service = Identity::of(*name, *reading.find(*name));
+    const Identity service = service_account(file, reading);
     struct Row {
         const char* words;
         const DistinguishedName& entry;
@@ -210,6 +235,7 @@ constexpr Step<EmbeddedFile> file_steps[] = {
     {"service account", "version", examine_service},
     {"accounts", "containers", seen_in_file<examine_accounts>},
     {"administrators", "containers", seen_in_file<examine_administrators>},
+    {"reading", "service account", examine_reading},
     {"writing", "service account", examine_rights},
 };
 

@@ -160,16 +160,11 @@ Time time_of(LdapServer& server, const std::string& filter, Time enough = Time(0
     return shortest;
 }
 
-std::string listed(const std::vector<std::string>& names) {
-    std::string text;
-    for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
-    return text;
-}
-
 Finding told(const LdapServer& server, const std::vector<std::string>& missing,
              const std::string& seen) {
     if (missing.empty()) return found("for all that is searched for, " + seen);
-    const std::string which = listed(missing);
+    std::string which;
+    for (const std::string& name : missing) which += (which.empty() ? "" : ", ") + name;
     std::string advice = "Index for equality: " + which + ".";
     if (server.make == Make::openldap)
         advice = "Add an index 'eq' for " + which +

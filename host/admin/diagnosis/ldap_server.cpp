@@ -103,16 +103,18 @@ std::string advice_against(const LdapServer& server) {
 }
 
 // "valid until 2026-12-22, for 30 days"
-std::string validity(const Session& session) {
+Finding validity(const Session& session) {
+    constexpr std::chrono::days soon(14);
     const std::optional<CertificateWords> words = certificate_words(session.certificate());
     const auto end = words ? try_seconds(words->end) : std::nullopt;
-    if (!end) return "agreed on";
+    if (!end) return found("agreed on");
     const auto left =
         std::chrono::floor<std::chrono::days>(*end - std::chrono::system_clock::now());
     const std::string day =
         words->end.substr(0, 4) + "-" + words->end.substr(4, 2) + "-" + words->end.substr(6, 2);
-    return "the certificate " + quoted_name(words->subject) + " is valid until " + day + ", for " +
-           std::to_string(left.count()) + " days";
+    return found("the certificate " + quoted_name(words->subject) + " is valid until " + day +
+                     ", for " + std::to_string(left.count()) + " days",
+                 left < soon ? "Renew it before then." : "");
 }
 
 Make make_of(const EntryData& root) {
@@ -129,7 +131,7 @@ Finding examine_encryption(LdapServer& server) {
     Result why;
     server.session = Session::try_connect(server.host, server.limits, why);
     if (!server.session) return failed(sentence_of(why), advice_against(server));
-    if (server.host.security != Security::none) return found(validity(*server.session));
+    if (server.host.security != Security::none) return validity(*server.session);
     const bool is_here = server.host.name == "localhost" || server.host.name == "::1" ||
                          server.host.name.starts_with("127.");
     if (is_here) return found("none, on this machine");
@@ -196,6 +198,7 @@ constexpr Step<LdapServer> server_steps[] = {
     {"containers", service_account, seen_by_service<examine_containers>},
     {"accounts", "containers", seen_by_service<examine_accounts>},
     {"administrators", "containers", seen_by_service<examine_administrators>},
+    {"reading", "containers", examine_reading},
     {"writing", "containers", examine_writing},
     {"indexes", "containers", examine_indexes},
     {"clock", service_account, examine_clock},

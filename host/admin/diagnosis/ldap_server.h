@@ -59,6 +59,7 @@ std::vector<Examined> examine_server(LdapServer& server);
 std::optional<bool> try_former_password(LdapServer& server, const std::string& user,
                                         const Secret& password);
 
+Finding examine_reading(LdapServer& server);
 Finding examine_writing(LdapServer& server);
 Finding examine_indexes(LdapServer& server);
 Finding examine_clock(LdapServer& server);

@@ -66,6 +66,7 @@ protected:
                "  skipped    containers       needs service account\n"
                "  skipped    accounts         needs containers\n"
                "  skipped    administrators   needs containers\n"
+               "  skipped    reading          needs containers\n"
                "  skipped    writing          needs containers\n"
                "  skipped    indexes          needs containers\n"
                "  skipped    clock            needs service account\n";
@@ -90,6 +91,8 @@ TEST_F(OrvoDoctor, FindsNothingWrongWhereNothingIs) {
             "  ok         containers       ou=Users, ou=Profiles, ou=Accounts below o=Shop\n"
             "  ok         accounts         5 accounts, one for each type that users have\n"
             "  ok         administrators   there is one: cn=admin,ou=Users,o=Shop\n"
+            "  ok         reading          the service account can read users, profiles and "
+            "accounts\n"
             "  ok         writing          the service account can make users, change users, "
             "set passwords, remove users\n"
             "  ok         indexes          for all that is searched for, by the server's "
@@ -141,12 +144,39 @@ TEST_F(OrvoDoctor, SaysWhatTheServiceAccountCannotWrite) {
     EXPECT_EQ(code, 1);
 }
 
+// "mail" is hidden altogether; by "sn" the account may search.
+TEST_F(OrvoDoctor, SaysWhatTheServiceAccountCannotRead) {
+    PrivateSlapd server;
+    const std::string first = "access to dn.subtree=\"ou=Users,o=Shop\" attrs=userPassword\n";
+    const std::string service = "by dn.exact=\"cn=orvo-service,ou=Services,o=Shop\" ";
+    reconfigure(server, first,
+                "access to dn.subtree=\"ou=Users,o=Shop\" attrs=mail " + service + "none\n" +
+                    "access to dn.subtree=\"ou=Users,o=Shop\" attrs=sn " + service + "search\n" +
+                    first);
+    EXPECT_THAT(doctor(settings(server)),
+                HasSubstr("  failed     reading          The service account cannot read, of "
+                          "users: mail, sn.\n"
+                          "                              To do: Give it the right to read and "
+                          "search all attributes of 'o=Shop' and below.\n"));
+    EXPECT_EQ(code, 1);
+}
+
+TEST_F(OrvoDoctor, SaysThatACertificateExpiresSoon) {
+    PrivateSlapd server({.tls = true});
+    const std::filesystem::path names = folder.write("names", "subjectAltName=IP:127.0.0.1\n");
+    replace_certificate(server, "/O=Shop/CN=dir01", {"-days", "10", "-extfile", names.string()});
+    EXPECT_THAT(doctor(settings(server, address_with_tls(server))),
+                HasSubstr(", for 9 days\n"
+                          "                              To do: Renew it before then.\n"));
+    EXPECT_EQ(code, 0);
+}
+
 TEST_F(OrvoDoctor, SaysUntilWhenACertificateIsValid) {
     PrivateSlapd server({.tls = true});
     EXPECT_THAT(doctor(settings(server, address_with_tls(server))),
                 HasSubstr("  ok         encryption       the certificate 'CN=private slapd' is "
                           "valid until 20"));
-    EXPECT_THAT(content_of(path("log")), HasSubstr(", for 29 days\n"));
+    EXPECT_THAT(content_of(path("log")), HasSubstr(", for 29 days\n  ok "));
     EXPECT_EQ(code, 0);
 }
 

@@ -5,12 +5,14 @@
 
 #include <fstream>
 
+#include "suite/directory/embedded/access/access_rules.h"
 #include "suite/directory/embedded/store/sqlite.h"
 #include "tests/host/admin/orvo_program.h"
 
 namespace orvo {
 namespace {
 
+using directory::embedded::AccessRules;
 using directory::embedded::Database;
 using testing::EndsWith;
 using testing::HasSubstr;
@@ -40,6 +42,7 @@ protected:
                "  skipped    service account  needs version\n"
                "  skipped    accounts         needs containers\n"
                "  skipped    administrators   needs containers\n"
+               "  skipped    reading          needs service account\n"
                "  skipped    writing          needs service account\n";
     }
     std::string owner() {
@@ -64,6 +67,8 @@ TEST_F(OrvoDoctorEmbedded, FindsNothingWrongWhereNothingIs) {
             "password of the settings\n"
             "  ok         accounts         5 accounts, one for each type that users have\n"
             "  ok         administrators   there is one: cn=admin,ou=Users,o=Shop\n"
+            "  ok         reading          the service account can read users, profiles and "
+            "accounts\n"
             "  ok         writing          the service account can make and remove users, "
             "change users, set passwords\n");
     EXPECT_EQ(code, 0);
@@ -136,6 +141,25 @@ TEST_F(OrvoDoctorEmbedded, ComparesTheServiceAccountsPasswordWithoutALogin) {
     EXPECT_EQ(code, 1);
 }
 
+TEST_F(OrvoDoctorEmbedded, SaysWhatTheAccessRulesForbidTheServiceAccount) {
+    const std::string store = shop();
+    const std::string rule =
+        "rule\n    entries subtree ou=Users,o=Shop\n    attributes mail userPassword\n"
+        "    write self\n    authenticate anonymous\n\n";
+    directory({"set", store, "--access",
+               folder.write("access", rule + AccessRules::text_of_product("o=Shop"))});
+    EXPECT_EQ(code, 0);
+    EXPECT_THAT(
+        doctor(store),
+        EndsWith("  failed     reading          The service account cannot read, of users: mail.\n"
+                 "                              To do: Let the access rules (orvo directory set "
+                 "--access FILE) read 'o=Shop' and below.\n"
+                 "  failed     writing          The service account cannot set passwords.\n"
+                 "                              To do: Let the access rules write to "
+                 "'ou=Users,o=Shop': orvo directory set --access FILE.\n"));
+    EXPECT_EQ(code, 1);
+}
+
 TEST_F(OrvoDoctorEmbedded, SaysWhatIsMissing) {
     directory({"create", path("empty.db"), "--base", "o=Shop"});
     directory({"import", path("empty.db"),
@@ -161,6 +185,7 @@ TEST_F(OrvoDoctorEmbedded, SaysWhatIsMissing) {
                  "OrvoNTUser and OrvoNTPassword where the site needs them.\n"
                  "  failed     administrators   No user is an administrator.\n"
                  "                              To do: Give one the OrvoUserType 4.\n"
+                 "  skipped    reading          needs service account\n"
                  "  skipped    writing          needs service account\n"));
     EXPECT_EQ(code, 1);
     EXPECT_THAT(doctor(path("empty.db"), "UserContainer=ou=Users", "UserContainer=ou=People"),

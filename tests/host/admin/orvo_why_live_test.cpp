@@ -23,6 +23,7 @@ using std::chrono::minutes;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
+using namespace std::string_literals;
 
 const Moment now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
 
@@ -79,7 +80,29 @@ std::string users() {
            user("idle", "OrvoUserType: 1\n") + user("boss", "OrvoUserType: 4\nOrvoApps: 3\n");
 }
 
-class OrvoWhy : public OrvoProgram, public testing::WithParamInterface<const char*> {
+class OrvoWhyProgram : public OrvoProgram {
+protected:
+    // What `orvo why` prints on either stream; `input` is its standard input.
+    std::string run_why(const std::string& name, const std::filesystem::path& site,
+                        const std::vector<std::string>& more, const std::string& input) {
+        std::vector<std::string> command{"/bin/sh",
+                                         "-c",
+                                         "exec \"$@\" < \"$0\"",
+                                         folder.write("input", input).string(),
+                                         ORVO_ADMIN,
+                                         "why",
+                                         name,
+                                         "--site",
+                                         site.string()};
+        command.insert(command.end(), more.begin(), more.end());
+        const std::filesystem::path log = folder.path() / "log";
+        std::filesystem::remove(log);
+        code = ChildProcess(command, log).wait();
+        return content_of(log);
+    }
+};
+
+class OrvoWhy : public OrvoWhyProgram, public testing::WithParamInterface<const char*> {
 protected:
     void SetUp() override {
         const std::filesystem::path ldif = folder.write("users.ldif", users());
@@ -98,23 +121,9 @@ protected:
     }
     static bool is_embedded() { return std::string(GetParam()) == "embedded"; }
 
-    // What `orvo why` prints on either stream; `input` is its standard input.
     std::string why(const std::string& name, const std::vector<std::string>& more = {},
                     const std::string& input = {}) {
-        std::vector<std::string> command{"/bin/sh",
-                                         "-c",
-                                         "exec \"$@\" < \"$0\"",
-                                         folder.write("input", input).string(),
-                                         ORVO_ADMIN,
-                                         "why",
-                                         name,
-                                         "--site",
-                                         path("site.ini")};
-        command.insert(command.end(), more.begin(), more.end());
-        const std::filesystem::path log = folder.path() / "log";
-        std::filesystem::remove(log);
-        code = ChildProcess(command, log).wait();
-        return content_of(log);
+        return run_why(name, path("site.ini"), more, input);
     }
     // All that the directory has of a user.
     std::string entry_of(const std::string& name) {
@@ -300,13 +309,14 @@ TEST_P(OrvoWhy, WritesJson) {
     EXPECT_EQ(code, 1);
 }
 
-class OrvoWhyServer : public OrvoProgram {
+class OrvoWhyServer : public OrvoWhyProgram {
 protected:
-    std::string why(PrivateSlapd& server, const std::string& name) {
-        const std::filesystem::path log = folder.path() / "log";
-        std::filesystem::remove(log);
-        code = ChildProcess({ORVO_ADMIN, "why", name, "--site", server.site_ini()}, log).wait();
-        return content_of(log);
+    // With a password: asks for it to be compared.
+    std::string why(PrivateSlapd& server, const std::string& name,
+                    const std::string& password = {}) {
+        return run_why(name, server.site_ini(),
+                       password.empty() ? std::vector<std::string>() : std::vector{"--password"s},
+                       password);
     }
 };
 
@@ -323,6 +333,41 @@ TEST_F(OrvoWhyServer, SaysWhatAHiddenPolicyLeavesOpen) {
                 HasSubstr(", after 3 wrong passwords; until when, the password policy says, which "
                           "the service account cannot see.\n"));
     EXPECT_EQ(code, 1);
+}
+
+// Of two policies, the one that the server's configuration names.
+TEST_F(OrvoWhyServer, GoesByTheServersDefaultPolicy) {
+    PrivateSlapd server({.password_policy = true,
+                         .config = "database config\naccess to dn.subtree=cn=config by "
+                                   "dn.exact=cn=root,o=Shop read by * none\n",
+                         .ldif = {folder.write("policy.ldif", policy)}});
+    std::string settings = content_of(server.site_ini());
+    const auto replace = [&](const std::string& from, const std::string& to) {
+        settings.replace(settings.find(from), from.size(), to);
+    };
+    replace("cn=orvo-service,ou=Services", "cn=root");
+    replace("service-sample", server.root_password());
+    std::ofstream(server.site_ini()) << settings;
+    EXPECT_EQ(LdapProbe(server.url()).bind(server.user_dn("jsmith"), "wrong"), 49);
+    EXPECT_THAT(why(server, "jsmith"),
+                HasSubstr("  ok         locked          no, after 1 wrong password; 3 lock it\n"
+                          "  ok         password's age  does not expire\n"));
+    // The hash is not hidden from this account.
+    EXPECT_THAT(why(server, "jsmith", "shop-sample\n"),
+                HasSubstr("  ok         password        right\n"));
+    EXPECT_THAT(why(server, "jsmith", "wrong\n"),
+                HasSubstr("  refused    password        It is not the user's.\n"));
+    LdapProbe probe(server.url(), server.root_dn(), server.root_password());
+    EXPECT_EQ(probe.values(server.user_dn("jsmith"), "pwdFailureTime").size(), 1u);
+}
+
+// Where nothing counts logins, one says whether the password is right.
+TEST_F(OrvoWhyServer, ComparesByALoginWhereThereAreNoPolicies) {
+    PrivateSlapd server;
+    EXPECT_THAT(why(server, "jsmith", "shop-sample\n"),
+                HasSubstr("  ok         password        right\n"));
+    EXPECT_THAT(why(server, "jsmith", "wrong\n"),
+                HasSubstr("  refused    password        It is not the user's.\n"));
 }
 
 TEST_F(OrvoWhyServer, AsksTheNextServerOfTheList) {
