@@ -6,6 +6,7 @@
 #include "component/config/ServerInfo.h"
 #include "host/web/site/site.h"
 #include "suite/audit/audit_settings.h"
+#include "suite/directory/map/map_reader.h"
 #include "suite/directory/settings/cache_settings.h"
 #include "suite/directory/settings/pool_settings.h"
 #include "suite/log/log_target.h"
@@ -98,6 +99,19 @@ std::string settings_page() {
         "a "
         "key that is not listed here keeps everybody out.\n\n" +
         table(audit::described_settings()) +
+        "### [DIRECTORY.MAP]\n\n"
+        "A directory that does not know the product's schema: "
+        "[directory-map.md](../directory-map.md). Any other key is the name of one of the "
+        "product's attributes, its value those of the directory, with `|` between. What is not "
+        "known here is refused (0x8007203F).\n\n" +
+        table(directory::described_map_settings()) +
+        "`[DIRECTORY.MAP.DEFAULTS]` has values of users who have none, "
+        "`[DIRECTORY.MAP.VALUES.attribute]` values and what they are there, "
+        "`[DIRECTORY.MAP.CLASSES]` names of classes, `[DIRECTORY.MAP.ACCOUNTS]` the accounts for "
+        "types of users (`1.User`, `1.Password`), `[DIRECTORY.MAP.GROUPS.attribute]` values and "
+        "the groups whose members have them.\n\n"
+        "### [DIRECTORY.MAP.GROUPS]\n\n" +
+        table(directory::described_group_settings()) +
         "## The directory's configuration\n\n"
         "The file that `ConfigFileName` names, in the folder `Config` beside the site's "
         "configuration. `LdapAccess.BindToConfig` reads it.\n\n"

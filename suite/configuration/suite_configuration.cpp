@@ -6,6 +6,7 @@
 
 #include "platform/values/environment.h"
 #include "suite/configuration/ini_files.h"
+#include "suite/configuration/loaded_files.h"
 #include "suite/configuration/value_reference.h"
 
 namespace orvo {
@@ -142,6 +143,7 @@ bool SuiteConfiguration::is_loaded(const fs::path& file) const {
 }
 
 void SuiteConfiguration::lay_on_top(const fs::path& file, std::shared_ptr<const IniValues> values) {
+    note_loaded(file, values);
     layers_.reserve(layers_.size() + 1);
     std::erase_if(layers_, [&](const Layer& layer) { return layer.file == file; });
     layers_.push_back({file, std::move(values)});

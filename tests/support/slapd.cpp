@@ -45,7 +45,7 @@ private:
 
 }  // namespace
 
-PrivateSlapd::PrivateSlapd(SlapdOptions options) : tls_(options.tls) {
+PrivateSlapd::PrivateSlapd(SlapdOptions options) : suffix_(options.suffix), tls_(options.tls) {
     prepare(options);
     root_password_ = content_of(folder() / "root.pw");
     // Between finding a free port and the server's taking it, somebody else may take it.
@@ -63,6 +63,8 @@ void PrivateSlapd::prepare(const SlapdOptions& options) {
     if (options.tls) command.push_back("--tls");
     if (options.sorting) command.push_back("--sssvlv");
     if (options.password_policy) command.push_back("--ppolicy");
+    if (!options.directory.empty())
+        command.insert(command.end(), {"--directory", options.directory});
     if (!options.shop.empty()) command.insert(command.end(), {"--shop", options.shop});
     for (const auto& file : options.ldif) command.insert(command.end(), {"--ldif", file});
     if (!options.config.empty()) {

@@ -18,6 +18,10 @@ struct SlapdOptions {
     std::string config = {};          // more lines for the database section of its configuration
     std::filesystem::path shop = {};  // entries instead of the sample shop's
     std::vector<std::filesystem::path> ldif = {};  // more entries
+    // A folder as examples/directories/openldap instead of all that, and what its entries are
+    // below.
+    std::filesystem::path directory = {};
+    std::string suffix = "o=Shop";
 };
 
 // A directory server of a test's own on the loopback address, on a free port, in a temporary folder
@@ -48,7 +52,7 @@ public:
     const std::filesystem::path& folder() const { return folder_.path(); }
 
     // The account that no access rule and no size limit holds back.
-    std::string root_dn() const { return "cn=root,o=Shop"; }
+    std::string root_dn() const { return "cn=root," + suffix_; }
     const std::string& root_password() const { return root_password_; }
     // The account of the site configuration ("MemScriptUser").
     std::string service_dn() const { return "cn=orvo-service,ou=Services,o=Shop"; }
@@ -66,6 +70,7 @@ private:
 
     TempFolder folder_;
     std::string root_password_;
+    std::string suffix_;
     bool tls_;
     int port_ = 0;
     int tls_port_ = 0;

@@ -79,7 +79,7 @@ AttributeTypes AttributeTypes::from_descriptions(std::span<const std::string> de
         return found == read.end() ? nullptr : &found->second;
     };
     for (auto& [oid, description] : read) {
-        AttributeType& type = result.types_.emplace_back(description.type);
+        AttributeType type = description.type;
         type.time_form = times;
         const TypeDescription* owner = &description;
         for (int depth = 0; owner && depth < deepest_inheritance; ++depth) {
@@ -87,8 +87,31 @@ AttributeTypes AttributeTypes::from_descriptions(std::span<const std::string> de
             owner = owner->superior.empty() ? nullptr : find_read(ascii::lower(owner->superior));
         }
         type.syntax = syntax_of(type.syntax_oid);
-        result.by_name_[oid] = &type;
-        for (const std::string& name : type.names) result.by_name_[name] = &type;
+        result.add(type);
+    }
+    return result;
+}
+
+void AttributeTypes::add(const AttributeType& type) {
+    const AttributeType* added = &types_.emplace_back(type);
+    by_name_[ascii::lower(added->oid)] = added;
+    for (const std::string& name : added->names) by_name_[name] = added;
+}
+
+AttributeTypes AttributeTypes::merged(const AttributeTypes& first, const AttributeTypes& others) {
+    AttributeTypes result;
+    TimeForm times = TimeForm::whole_seconds;
+    for (const AttributeType& type : first.types_) {
+        result.add(type);
+        times = type.time_form;
+    }
+    for (AttributeType type : others.types_) {
+        const bool is_known = result.find_type(type.oid) ||
+                              std::ranges::any_of(type.names, [&](const std::string& name) {
+                                  return result.find_type(name) != nullptr;
+                              });
+        type.time_form = times;
+        if (!is_known) result.add(type);
     }
     return result;
 }

@@ -61,6 +61,10 @@ public:
     static AttributeTypes from_descriptions(std::span<const std::string> descriptions,
                                             TimeForm times = TimeForm::whole_seconds);
 
+    // The types of `first`, and those of `others` that have neither a name nor a number of theirs;
+    // times are in the form of `first`.
+    static AttributeTypes merged(const AttributeTypes& first, const AttributeTypes& others);
+
     bool empty() const { return types_.empty(); }
     const std::deque<AttributeType>& all() const { return types_; }
 
@@ -74,6 +78,7 @@ public:
 
 private:
     const AttributeType* find_type(std::string_view name) const;
+    void add(const AttributeType& type);
 
     std::deque<AttributeType> types_;  // does not move what the index points to
     std::unordered_map<std::string, const AttributeType*, ascii::HashIgnoringCase,

@@ -27,6 +27,7 @@ bool has_value(const EntryData& entry, std::string_view name, std::string_view v
 void judge(const EntryData& root, ServerFacts& facts) {
     if (has_value(root, "supportedCapabilities", active_directory)) {
         facts.password_writing = PasswordWriting::unicode_attribute;
+        facts.has_chain_rule = true;
         facts.tells_own_change_from_reset = true;
     } else if (has_value(root, "supportedExtension", password_modify_oid)) {
         facts.tells_own_change_from_reset = has_value(root, "vendorName", "389 Project");

@@ -28,6 +28,8 @@ struct ServerFacts {
     // server than one that another account sets for them: which they may have to change at once,
     // say.
     bool tells_own_change_from_reset = false;
+    // Whether it follows groups in groups itself, by the rule 1.2.840.113556.1.4.1941.
+    bool has_chain_rule = false;
 };
 
 struct FactsResult : Result {

@@ -35,14 +35,27 @@ void LdapEntry::Bind(Text& server, Text& container, Text& common_name, Text& use
     known_ = {};
     lists_read_.clear();
     name_.clear();
-    ServerLogin login(client_.pool(), server, user, password, limits_);
+    account_ = nullptr;
+    mapped_ = MappedDirectory::try_open(client_, server, container, limits_);
+    ServerLogin login = mapped_ ? mapped_->login(user, password)
+                                : ServerLogin(client_.pool(), server, user, password, limits_);
     server_ = server;
-    const Text name = entry_name(common_name, container_name(container));
-    require_whole(name);
-    name_ = to_utf8(name);
+    find_entry(container, common_name);
     key_ = name_ == login.user() ? login.user_key() : EntryKey(name_);
+    if (account_ && !(login.user_key() == EntryKey(mapped_->map().service_user.name)))
+        raise_code(result_code::insufficient_access,
+                   "The accounts of the directory's map are the service account's alone.");
+    if (mapped_) {
+        facts_ = login.facts();
+        mapped_->learn(facts_);
+    }
 
     const std::vector<std::string> asked = names_in(attributes);
+    if (account_) {
+        login.authenticate();
+        login_ = std::move(login);
+        return;
+    }
     known_ = client_.cache().find(cache_key(login));
     // An entry that is known is there.
     if (known_.entry && (known_.entry->is_whole || asked.empty()))
@@ -50,6 +63,15 @@ void LdapEntry::Bind(Text& server, Text& container, Text& common_name, Text& use
     else
         known_ = remember(login, read(login, asked, true));
     login_ = std::move(login);
+}
+
+void LdapEntry::find_entry(TextView container, TextView common_name) {
+    const Text name = entry_name(common_name, container_name(container));
+    require_whole(name);
+    name_ = to_utf8(name);
+    if (!mapped_) return;
+    account_ = mapped_->map().account_of(name_);
+    if (!account_) name_ = mapped_->require(name_);
 }
 
 CacheKey LdapEntry::cache_key(const ServerLogin& login) const {
@@ -60,6 +82,8 @@ LdapEntry::Reading LdapEntry::read(ServerLogin& login, std::vector<std::string> 
                                    bool is_whole) const {
     std::vector<std::string> wanted = asked;
     if (is_whole) wanted.push_back(all_user_attributes);
+    const std::vector<std::string> ours = wanted;
+    if (mapped_) wanted = mapped_->translation().asked(ours);
     Reading reading;
     ReadResult result = login.read(name_, [&](Session& session) {
         reading.write_mark = client_.writes().mark(key_);
@@ -67,6 +91,11 @@ LdapEntry::Reading LdapEntry::read(ServerLogin& login, std::vector<std::string> 
         return session.read(name_, wanted);
     });
     check(result);
+    if (mapped_) {
+        result.entry = mapped_->translation().ours(std::move(result.entry), ours);
+        for (std::string& name : wanted)
+            if (name != all_user_attributes) asked.push_back(std::move(name));
+    }
     reading.entry = {std::move(result.entry.attributes), std::move(asked), is_whole};
     return reading;
 }
@@ -82,15 +111,18 @@ const ServerFacts& LdapEntry::facts() {
 }
 
 const AttributeType* LdapEntry::type_of(const std::string& name) {
-    const AttributeTypes& types = facts().types;
-    if (const auto* known = types.find(name)) return known;
-    if (types.empty()) return nullptr;  // this user may not read the schema
+    const AttributeTypes& known_types = types();
+    if (const auto* known = known_types.find(name)) return known;
+    if (facts_->types.empty()) return nullptr;  // this user may not read the schema
     facts_ = login_->refreshed_facts();
-    return facts_->types.find(name);
+    if (mapped_) mapped_->learn(facts_);
+    return types().find(name);
 }
 
 bool LdapEntry::is_first_reading(const std::string& list) {
-    const auto is_it = [&](const std::string& other) { return facts_->types.same(other, list); };
+    const auto is_it = [&](const std::string& other) {
+        return types_in(*facts_).same(other, list);
+    };
     if (std::ranges::any_of(lists_read_, is_it)) return false;
     lists_read_.push_back(list);
     return true;
@@ -102,7 +134,7 @@ std::optional<std::vector<std::string>> LdapEntry::try_known(const std::string& 
     const bool is_list = !type || !type->single_value;
     if (is_list && !is_first_reading(name) && !cache.is_on()) return std::nullopt;
     if (!cache.is_current(known_, key_)) known_ = cache.find(cache_key(*login_));
-    return known_.entry ? known_.entry->try_values(name, facts_->types) : std::nullopt;
+    return known_.entry ? known_.entry->try_values(name, types_in(*facts_)) : std::nullopt;
 }
 
 Variant LdapEntry::GetValues(Text& name) {
@@ -110,13 +142,19 @@ Variant LdapEntry::GetValues(Text& name) {
     if (name.empty()) raise_runtime_error(runtime_error::invalid_call);
     require_whole(name);
     const std::string attribute = to_utf8(name);
-    const AttributeType* type = type_of(attribute);
-    if (const auto known = try_known(attribute, type)) return decode_values(type, *known);
+    const std::vector<std::string> values = current_values(attribute);
+    return decode_values(type_of(attribute), values);
+}
+
+std::vector<std::string> LdapEntry::current_values(const std::string& attribute) {
+    if (account_) return account_values(attribute);
+    if (const auto* of_groups = attribute_of_groups(attribute)) return values_of_groups(*of_groups);
+    if (auto known = try_known(attribute, type_of(attribute))) return std::move(*known);
     Reading fresh = read(*login_, {attribute}, false);
-    const auto values = fresh.entry.try_values(attribute, facts_->types);
+    auto values = fresh.entry.try_values(attribute, types_in(*facts_));
     // Without room in the cache only what a bind fetches is kept.
     if (client_.cache().is_on()) known_ = remember(*login_, std::move(fresh));
-    return decode_values(type, *values);
+    return std::move(*values);
 }
 
 void LdapEntry::SetValues(Text& name, Variant& value) {
@@ -145,11 +183,19 @@ AuditedChange LdapEntry::change_of(const std::string& attribute) const {
 
 void LdapEntry::replace(const std::string& name, std::vector<std::string> values) {
     if (name.empty()) raise_runtime_error(runtime_error::invalid_call);
-    const Replacement replacement{name, std::move(values)};
+    if (account_)
+        raise_code(result_code::unwilling_to_perform,
+                   "This account is the configuration's ([DIRECTORY.MAP.ACCOUNTS]).");
+    if (const auto* of_groups = attribute_of_groups(name)) return assign_groups(*of_groups, values);
+    std::vector<Replacement> changes;
+    if (mapped_) {
+        changes = mapped_->translation().changes(name, values);
+        if (changes.empty()) return;
+    } else {
+        changes.push_back({name, std::move(values)});
+    }
     const NotedWrite noted(client_.writes(), key_);
-    check(login_->write(name_, [&](Session& session) {
-        return session.modify(name_, {&replacement, 1});
-    }));
+    check(login_->write(name_, [&](Session& session) { return session.modify(name_, changes); }));
 }
 
 void LdapEntry::require_bound() const {

@@ -9,6 +9,7 @@
 #include "suite/directory/entries/failure_note.h"
 #include "suite/directory/ldap/pool/server_login.h"
 #include "suite/directory/ldap/provider/client.h"
+#include "suite/directory/ldap/provider/mapped_directory.h"
 
 namespace orvo {
 namespace directory {
@@ -30,6 +31,10 @@ namespace ldap {
 // pays for one round trip. Of an attribute that may have several values only the object's first
 // reading is answered so: lists are read in order to be changed and written back, and what another
 // process has added meanwhile must not be lost.
+//
+// In a directory with a map (MappedDirectory) callers give and get our names and values; the entry
+// itself, `name_`, has its real name. Values that come from groups are not among what a bind
+// takes along; an account of the operating system that the map has is no entry at all.
 class LdapEntry final : public DirectoryEntry {
 public:
     // `limits`: instead of those that the connection pool has for all.
@@ -104,15 +109,26 @@ private:
         std::uint64_t write_mark = 0;
     };
 
+    void find_entry(TextView container, TextView common_name);
     CacheKey cache_key(const ServerLogin& login) const;
     Reading read(ServerLogin& login, std::vector<std::string> asked, bool is_whole) const;
     Remembered remember(const ServerLogin& login, Reading reading) const;
     const ServerFacts& facts();
+    const AttributeTypes& types() { return types_in(facts()); }
+    const AttributeTypes& types_in(const ServerFacts& facts) const {
+        return mapped_ ? mapped_->types() : facts.types;
+    }
     const AttributeType* type_of(const std::string& name);
     std::optional<std::vector<std::string>> try_known(const std::string& name,
                                                       const AttributeType* type);
     bool is_first_reading(const std::string& list);
     AuditedChange change_of(const std::string& attribute) const;
+    std::vector<std::string> current_values(const std::string& attribute);
+    const MappedAttribute* attribute_of_groups(const std::string& name) const;
+    EntryData as_groups_see_it(const MappedAttribute& attribute);
+    std::vector<std::string> values_of_groups(const MappedAttribute& attribute);
+    void assign_groups(const MappedAttribute& attribute, const std::vector<std::string>& values);
+    std::vector<std::string> account_values(const std::string& attribute) const;
     void set_password(const Variant& value);
     void clear_password(const std::string& name);
     PasswordWriting password_writing();
@@ -130,6 +146,8 @@ private:
     Client& client_;
     std::optional<Limits> limits_;
     std::optional<ServerLogin> login_;  // set while bound
+    std::optional<MappedDirectory> mapped_;
+    const MappedAccount* account_ = nullptr;  // the map's
     Text server_;
     std::string name_;
     EntryKey key_{""};

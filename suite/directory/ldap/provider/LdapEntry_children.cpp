@@ -49,7 +49,7 @@ void LdapEntry::CreateChild(Variant& classes, Text& naming_attribute, Object& at
     for (const GivenAttribute& attribute : given) require_known(attribute);
     require_whole(naming_attribute);
     const ServerFacts& server = facts();
-    NewEntry entry(given, classes, to_utf8(naming_attribute), server.types, server.classes);
+    NewEntry entry(given, classes, to_utf8(naming_attribute), types(), server.classes);
     const PasswordWriting way =
         entry.password.empty() ? PasswordWriting::unknown : password_writing();
     Secret created_with;
@@ -58,12 +58,13 @@ void LdapEntry::CreateChild(Variant& classes, Text& naming_attribute, Object& at
         entry.password = Secret();
     } else if (way == PasswordWriting::unicode_attribute) {
         created_with = unicode_password(entry.password);
-        if (!entry.find(user_account_control, server.types))
+        if (!entry.find(user_account_control, types()))
             entry.attributes.push_back({user_account_control, {enabled_account}});
         entry.password = Secret();
     }
 
-    const std::string name = to_utf8(entry.name_below(from_utf8(name_)));
+    std::string name = to_utf8(entry.name_below(from_utf8(name_)));
+    if (mapped_) name = mapped_->map().their_name(name);
     audited_change({u"create", server_, name, login_->user()}, [&] {
         const NotedWrite noted(client_.writes(), EntryKey(name));
         add(name, entry, created_with);
@@ -84,6 +85,7 @@ void LdapEntry::add(const std::string& name, const NewEntry& entry, const Secret
     bool may_be_done = false;
     const auto add_with = [&](const std::vector<std::string>& blanks) {
         std::vector<Attribute> attributes = with_blanks(entry.attributes, blanks);
+        if (mapped_) attributes = mapped_->translation().created(attributes);
         const SecretAttribute secret(attributes, created_with);
         // Who was bound as a former entry of this name is not the new one.
         return login_->write_password(name, Secret(), [&](Session& session) {
@@ -148,7 +150,8 @@ Text LdapEntry::remove_again(const std::string& name, TextView is_or_may_be) {
 
 void LdapEntry::DeleteChild(Text&, Text& entry_name) {
     require_bound();
-    const std::string name = child_name(entry_name, name_);
+    std::string name = child_name(entry_name, name_);
+    if (mapped_) name = mapped_->require(name);
     audited_change({u"delete", server_, name, login_->user()}, [&] { remove_child(name); });
 }
 

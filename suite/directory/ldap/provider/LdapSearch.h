@@ -7,6 +7,7 @@
 #include "suite/directory/entries/failure_note.h"
 #include "suite/directory/ldap/pool/server_login.h"
 #include "suite/directory/ldap/provider/client.h"
+#include "suite/directory/ldap/provider/mapped_directory.h"
 
 namespace orvo {
 namespace directory::ldap {
@@ -41,6 +42,10 @@ public:
     //
     // Raises 91 before Connect, 0x8007203E for a filter that cannot be read, 0x8007203F for names
     // that cannot be columns (column_names), 0x80072030 for a container that is not there.
+    //
+    // In a directory with a map (MappedDirectory) filter, columns and order are in our names. Of
+    // what its server cannot be asked so, more is read, and decided here; members of groups are
+    // read before.
     Object Execute(Text& filter, Variant& attributes, std::int32_t maximum) override;
 
     void failed(const char* operation, const Failure& failure) const noexcept {
@@ -49,10 +54,12 @@ public:
 
 private:
     void learn_types_of(const std::vector<std::string>& attributes);
+    const AttributeTypes& types() const { return mapped_ ? mapped_->types() : facts_->types; }
 
     Client& client_;
     std::optional<Limits> limits_;
     std::optional<ServerLogin> login_;  // set while connected
+    std::optional<MappedDirectory> mapped_;
     std::string base_;
     std::shared_ptr<const ServerFacts> facts_;
 };

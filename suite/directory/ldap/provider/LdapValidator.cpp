@@ -6,6 +6,7 @@
 #include "suite/directory/entries/audited.h"
 #include "suite/directory/entries/proven_password.h"
 #include "suite/directory/ldap/pool/attempts.h"
+#include "suite/directory/ldap/provider/mapped_directory.h"
 #include "suite/directory/ldap/wire/password_policy.h"
 #include "suite/directory/names/written_name.h"
 #include "suite/directory/policy/failures.h"
@@ -59,6 +60,13 @@ std::int32_t LdapValidator::check_password(TextView written, const Secret& secre
         name = to_utf8(*below);
     } else {
         return password_check::wrong;
+    }
+
+    if (auto mapped =
+            MappedDirectory::try_open(client_, target_->server, target_->container, limits_)) {
+        const std::optional<std::string> user = mapped->find(name);
+        if (!user) return password_check::wrong;
+        name = *user;
     }
 
     if (!target_->checks) find_checks();

@@ -6,6 +6,7 @@
 #include "suite/directory/ldap/pool/prober.h"
 #include "suite/directory/ldap/pool/servers.h"
 #include "suite/directory/ldap/provider/check_target.h"
+#include "suite/directory/ldap/provider/directory_maps.h"
 
 namespace orvo::directory::ldap {
 
@@ -26,6 +27,7 @@ public:
     ConnectionPool& pool() { return pool_; }
     EntryCache& cache() { return cache_; }
     LastCheckTarget& last_check_target() { return last_check_target_; }
+    DirectoryMaps& maps() { return maps_; }
 
 private:
     WriteMarks writes_;
@@ -33,6 +35,7 @@ private:
     ConnectionPool pool_;
     EntryCache cache_;
     LastCheckTarget last_check_target_;
+    DirectoryMaps maps_;
     Prober prober_;  // ends first
 };
 
