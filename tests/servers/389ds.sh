@@ -13,7 +13,7 @@ prepare() {
     tls_port=$(free_port)
     listens=("$tls_port")
     cp /etc/dirsrv/config/*.conf "$root/etc/"
-    "$servers/schema-for" 389ds "$source_tree/schema/orvo.schema" >"$root/etc/schema/98orvo.ldif"
+    [[ $company ]] || "$servers/schema-for" 389ds "$source_tree/schema/orvo.schema" >"$root/etc/schema/98orvo.ldif"
     cp /etc/dirsrv/schema/99user.ldif "$root/etc/schema/"
 
     make_certificates "$work/tls" 127.0.0.1
@@ -23,14 +23,21 @@ prepare() {
     pk12util -i "$root/server.p12" -d "sql:$root/etc" -W '' -K '' >/dev/null
     certutil -A -d "sql:$root/etc" -n CA -t C,, -i "$work/tls/ca.pem"
 
+    suffix=o=Shop
+    [[ ! $company ]] || suffix=o=Company
     configuration >"$root/etc/dse.ldif"
-    "$servers/shop-for" 389ds "$source_tree/examples/directory/shop.ldif" >"$root/shop.ldif"
+    if [[ $company ]]; then
+        "$servers/company-for" 389ds "$company_entries" >"$root/shop.ldif"
+    else
+        "$servers/shop-for" 389ds "$source_tree/examples/directory/shop.ldif" >"$root/shop.ldif"
+    fi
     ns-slapd ldif2db -D "$root/etc" -n userRoot -i "$root/shop.ldif" >"$work/import.log" 2>&1 &&
         ! grep -q 'Skipping entry' "$work/import.log" ||
         { tail -n 20 "$work/import.log" >&2; fail "the entries could not be loaded"; }
 
-    sed -e 's/OrvoDirectory.Embedded/OrvoDirectory.Ldap/' \
-        -e "s|@SERVER@|ldaps://127.0.0.1:$tls_port/?cafile=$work/tls/ca.pem|" \
+    local address="ldaps://127.0.0.1:$tls_port/?cafile=$work/tls/ca.pem"
+    if [[ $company ]]; then company_site "$address" "$suffix"; return; fi
+    sed -e 's/OrvoDirectory.Embedded/OrvoDirectory.Ldap/' -e "s|@SERVER@|$address|" \
         "$source_tree/examples/site.ini" >"$work/site.ini"
 }
 
@@ -48,7 +55,7 @@ configuration() {
         -e "s|%db_lib%|bdb|; s|%fqdn%|localhost|; s|%ds_port%|$plain_port|" \
         -e "s|%ds_user%|$(id -un)|; s|%rootdn%|cn=Directory Manager|; s|%ds_passwd%|$hash|" \
         -e "s|%ldapi_enabled%|off|; s|%ldapi%|$root/run/ldapi|; s|%ldapi_autobind%|off|" \
-        -e "s|%ds_suffix%|o=Shop|" \
+        -e "s|%ds_suffix%|$suffix|" \
         -e "/^nsslapd-localhost:/r /dev/fd/3" /usr/share/dirsrv/data/template-dse.ldif 3<<END
 nsslapd-listenhost: 127.0.0.1
 nsslapd-securelistenhost: 127.0.0.1
@@ -70,13 +77,13 @@ dn: cn=userRoot,cn=ldbm database,cn=plugins,cn=config
 objectClass: extensibleObject
 objectClass: nsBackendInstance
 cn: userRoot
-nsslapd-suffix: o=Shop
+nsslapd-suffix: $suffix
 nsslapd-directory: $root/db/userRoot
 
-dn: cn="o=Shop",cn=mapping tree,cn=config
+dn: cn="$suffix",cn=mapping tree,cn=config
 objectClass: extensibleObject
 objectClass: nsMappingTree
-cn: "o=Shop"
+cn: "$suffix"
 nsslapd-state: backend
 nsslapd-backend: userRoot
 END

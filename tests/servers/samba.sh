@@ -9,7 +9,6 @@ scripts=(Accessor.js LdapAccess.js Members.js MustChange.js Passwords.js Profile
 root=DC=shop,DC=example
 
 prepare() {
-    local part
     [[ $EUID -eq 0 ]] || fail "a Samba domain runs as root"
     address=$(free_address)
     listens=(636 "$address")
@@ -24,14 +23,14 @@ prepare() {
     settings >"$work/server/etc/own.conf"
     sed -i "/^\[global\]/a include = $work/server/etc/own.conf" "$work/server/etc/smb.conf"
 
-    for part in attributes classes; do
-        "$servers/schema-for" samba --part $part --root "CN=Schema,CN=Configuration,$root" \
-            "$source_tree/schema/orvo.schema" >"$work/$part.ldif"
-        load "$work/$part.ldif" --option='dsdb:schema update allowed=true'
-    done
+    [[ $company ]] || load_schema
     samba-tool domain passwordsettings set "${database[@]}" --complexity=off --min-pwd-length=8 \
         --account-lockout-threshold=3 --account-lockout-duration=0 --history-length=0 \
         --min-pwd-age=0 --max-pwd-age=0 >>"$work/load.log"
+    if [[ $company ]]; then
+        load_company
+        return
+    fi
     "$servers/shop-for" samba --root "$root" "$source_tree/examples/directory/shop.ldif" \
         >"$work/shop.ldif"
     load "$work/shop.ldif"
@@ -44,6 +43,25 @@ prepare() {
         -e "s/^LDAPRoot=.*/LDAPRoot=$root/" \
         -e 's/^UserClass=.*/UserClass=orvoMember,user,organizationalPerson,person,top/' \
         "$source_tree/examples/site.ini" >"$work/site.ini"
+}
+
+load_schema() {
+    local part
+    for part in attributes classes; do
+        "$servers/schema-for" samba --part $part --root "CN=Schema,CN=Configuration,$root" \
+            "$source_tree/schema/orvo.schema" >"$work/$part.ldif"
+        load "$work/$part.ldif" --option='dsdb:schema update allowed=true'
+    done
+}
+
+load_company() {
+    "$servers/company-for" samba --root "$root" "$company_entries" >"$work/company.ldif"
+    load "$work/company.ldif"
+    "$servers/company-for" samba-members --root "$root" "$company_entries" >"$work/members.ldif"
+    ldbmodify "${database[@]}" "$work/members.ldif" >>"$work/load.log" 2>&1 ||
+        { tail -n 5 "$work/load.log" >&2; fail "the teams could not be loaded"; }
+    samba-tool group addmembers 'Domain Admins' shop "${database[@]}" >>"$work/load.log"
+    company_site "ldaps://$address/?cafile=$work/tls/ca.pem" "$root"
 }
 
 free_address() {

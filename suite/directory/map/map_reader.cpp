@@ -113,9 +113,10 @@ private:
 };
 
 const Option map_options[] = {
-    {u"File", "path", "", "Has these sections instead of this file; beside it unless absolute.",
+    {u"File", "path", "these sections",
+     "Another file that has these sections; beside this one unless absolute.",
      [](Reader&, const IniKey&) {}},
-    {u"UserSearch", "`one` or `sub`", "",
+    {u"UserSearch", "`one` or `sub`", "not searched",
      "How far below their container users are looked for: right below it, or at any depth. With "
      "this or `LoginAttributes` users are searched for by what they log in with; without both they "
      "are where their names say.",
