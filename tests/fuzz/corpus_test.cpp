@@ -31,6 +31,7 @@ TEST_P(EveryInputOf, HasTheProperties) {
 INSTANTIATE_TEST_SUITE_P(
     All, EveryInputOf,
     testing::Values(Corpus{"access_rules", access_rules_properties},
+                    Corpus{"cookies", cookies_properties},
                     Corpus{"distinguished_name", distinguished_name_properties},
                     Corpus{"filter", filter_properties},
                     Corpus{"generalized_time", generalized_time_properties},

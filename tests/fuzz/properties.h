@@ -35,6 +35,7 @@ std::pair<std::string_view, std::string_view> first_line_and_rest(std::string_vi
 
 // Each raises Broken, or nothing.
 void access_rules_properties(std::string_view input);
+void cookies_properties(std::string_view input);
 void distinguished_name_properties(std::string_view input);
 void filter_properties(std::string_view input);
 void generalized_time_properties(std::string_view input);

@@ -21,15 +21,6 @@ OutgoingCookie session_cookie(bool is_secure) {
 
 }  // namespace
 
-std::string_view session_cookie_name(bool is_secure) {
-    return is_secure ? "__Host-orvosession" : "orvosession";
-}
-
-std::string session_id_of(const HttpRequest& request) {
-    return std::string(
-        try_exact_cookie(request, session_cookie_name(request.is_secure)).value_or(""));
-}
-
 std::string_view path_part(std::string_view target) { return target.substr(0, target.find('?')); }
 
 std::string_view query_part(std::string_view target) {

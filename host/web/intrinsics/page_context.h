@@ -162,12 +162,6 @@ private:
     PageContext& page_;
 };
 
-// The name of the session's cookie. Under TLS browsers take one of this name from this very host
-// only.
-std::string_view session_cookie_name(bool is_secure);
-// What the session's cookie says, as it came; empty where there is none.
-std::string session_id_of(const HttpRequest& request);
-
 // "path?query" cut at the first "?".
 std::string_view path_part(std::string_view target);
 std::string_view query_part(std::string_view target);

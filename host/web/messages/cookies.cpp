@@ -58,6 +58,15 @@ std::optional<std::string_view> try_exact_cookie(const HttpRequest& request,
     return found;
 }
 
+std::string_view session_cookie_name(bool is_secure) {
+    return is_secure ? "__Host-orvosession" : "orvosession";
+}
+
+std::string session_id_of(const HttpRequest& request) {
+    return std::string(
+        try_exact_cookie(request, session_cookie_name(request.is_secure)).value_or(""));
+}
+
 std::string cookie_attribute(TextView name, const Text& value) {
     const bool may_be = std::ranges::all_of(
         value, [](char16_t unit) { return unit >= 0x20 && unit < 0x7F && unit != u';'; });

@@ -19,6 +19,12 @@ RequestFields cookies_of(const HttpRequest& request);
 // passes for it. Where it comes twice the first one counts.
 std::optional<std::string_view> try_exact_cookie(const HttpRequest& request, std::string_view name);
 
+// The name of the session's cookie. Under TLS browsers take one of this name from this very host
+// only.
+std::string_view session_cookie_name(bool is_secure);
+// What the session's cookie says, as it came; empty where there is none.
+std::string session_id_of(const HttpRequest& request);
+
 // A cookie that an answer sets. Unless a page says otherwise it lasts as long as the browser runs,
 // no script in the browser can read it, other sites' forms do not send it, and it never travels
 // without TLS once it came with TLS.
