@@ -8,12 +8,14 @@
 #include <atomic>
 #include <csignal>
 #include <fstream>
+#include <functional>
 #include <mutex>
 #include <optional>
 #include <regex>
 #include <thread>
 
 #include "tests/host/web/browser.h"
+#include "tests/host/web/wire.h"
 #include "tests/support/child_process.h"
 #include "tests/support/slapd.h"
 #include "tests/support/temp_folder.h"
@@ -109,6 +111,14 @@ protected:
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }
         return content_of(log()).find(what) != std::string::npos;
+    }
+    // Whether this comes true, as it is to do without anything more being done.
+    static bool seen(const std::function<bool()>& comes_true) {
+        for (int i = 0; i < 2000; ++i) {
+            if (comes_true()) return true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        return false;
     }
     static HttpResult log_in(Browser& browser, const std::string& user, const std::string& password,
                              const std::string& address = "/login.asp") {
@@ -279,10 +289,10 @@ TEST_F(OrvoWebTest, WithoutItsDirectoryItSaysSoAndSetsNothing) {
     Browser browser(start());
     EXPECT_EQ(browser.get("/health/ready")->body, "ready\n");
     slapd->stop();
-    std::this_thread::sleep_for(std::chrono::milliseconds(2100));
     const auto login = log_in(browser, "jsmith", "shop-sample");
     EXPECT_EQ(browser.get("/health/live")->status, 200);
-    EXPECT_EQ(browser.get("/health/ready")->status, 503);
+    // What was learned a moment ago is answered again.
+    EXPECT_TRUE(seen([&] { return browser.get("/health/ready")->status == 503; }));
     slapd->start();
     EXPECT_EQ(login->body, "login failed");
     EXPECT_TRUE(browser.cookies.empty());
@@ -419,6 +429,89 @@ TEST_F(OrvoWebTest, SighupReadsTheSettingsAgainAndOpensTheLogAnew) {
     process_->send(SIGHUP);
     EXPECT_TRUE(says("orvo-web: the settings stay as they were: site.ini is not there any more\n"));
     EXPECT_EQ(browser.get("/extra/x.html")->status, 302);
+}
+
+TEST_F(OrvoWebTest, AnUploadIsAFileForThePageAndLeavesNothingBehind) {
+    fs::create_directory(folder_.path() / "uploads");
+    fs::create_directory(folder_.path() / "tmp");
+    write("site.ini", "[SITE]\nFileFolders = " + (folder_.path() / "uploads").string() +
+                          "\nLargestUpload = 1000000\n");
+    write("upload.asp",
+          "<% var file = Request.Files('photo');"
+          " file.SaveAs('" +
+              (folder_.path() / "uploads").string() +
+              "/' + Request.Form('name')) %>"
+              "<%= Request.Files.Count %>|<%= file.FileName %>|<%= file.Size %>|"
+              "<%= file.ContentType %>");
+    setenv("TMPDIR", (folder_.path() / "tmp").c_str(), 1);
+    const int port = start();
+    unsetenv("TMPDIR");
+    std::string bytes;
+    for (int i = 0; bytes.size() < 500'000; ++i) bytes += std::to_string(i) + "\r\n--b\n";
+    const auto form = [&](const std::string& content) {
+        return "--border\r\nContent-Disposition: form-data; name=\"name\"\r\n\r\nkept.bin\r\n"
+               "--border\r\nContent-Disposition: form-data; name=\"photo\"; "
+               "filename=\"C:\\photos\\me.jpg\"\r\nContent-Type: image/jpeg\r\n\r\n" +
+               content + "\r\n--border--\r\n";
+    };
+    HttpClient client(port);
+    const auto sent =
+        client.post("/upload.asp", form(bytes), "multipart/form-data; boundary=border");
+    ASSERT_TRUE(sent) << sent.error();
+    EXPECT_EQ(sent->body, "1|me.jpg|" + std::to_string(bytes.size()) + "|image/jpeg");
+    EXPECT_EQ(content_of(folder_.path() / "uploads/kept.bin"), bytes);
+    EXPECT_TRUE(fs::is_empty(folder_.path() / "tmp"));
+    const auto again =
+        client.post("/upload.asp", form("x"), "multipart/form-data; boundary=border");
+    EXPECT_EQ(again->status, 500) << "a file is never written over";
+    EXPECT_EQ(content_of(folder_.path() / "uploads/kept.bin"), bytes);
+    const auto large = HttpClient(port).post("/upload.asp", form(std::string(1'100'000, 'x')),
+                                             "multipart/form-data; boundary=border");
+    ASSERT_TRUE(large) << large.error();
+    EXPECT_EQ(large->status, 413);
+}
+
+TEST_F(OrvoWebTest, WhatAPageFlushesIsSentWhileItRuns) {
+    write("slow.asp",
+          "<% Response.Write('first'); Response.Flush();"
+          "   while (!Application('go')); %>second");
+    write("go.asp", "<% Application('go') = true %>went");
+    const int port = start();
+    Wire wire(port);
+    wire.send("GET /slow.asp HTTP/1.1\r\nHost: h\r\nConnection: close\r\n\r\n");
+    const std::string head = wire.read_until("first");
+    EXPECT_NE(head.find("HTTP/1.1 200 OK\r\n"), std::string::npos) << head;
+    EXPECT_TRUE(head.ends_with("first")) << head;
+    EXPECT_EQ(HttpClient(port).get("/go.asp")->body, "went");
+    EXPECT_NE(wire.read_all().find("second"), std::string::npos);
+}
+
+TEST_F(OrvoWebTest, WhatCannotBeHadNowIsToldByTheSitesOwnPage) {
+    write("busy.html", "<p>come again</p>");
+    write("site.ini", "[SITE]\nErrorPage503 = /busy.html\nRequestsOfOneSession = 1\n");
+    write("begin.asp", "<% Session('a') = 1 %>begun");
+    write("hold.asp", "<% Application('held') = true; while (!Application('go')); %>done");
+    write("held.asp", "<%@ EnableSessionState=False %><%= Application('held') ? 'yes' : 'no' %>");
+    write("go.asp", "<%@ EnableSessionState=False %><% Application('go') = true %>went");
+    const int port = start();
+    Browser browser(port);
+    ASSERT_EQ(browser.get("/begin.asp")->body, "begun");
+    std::string held;
+    std::thread holding([&, holder = browser.cookies] {
+        Browser same(port);
+        same.cookies = holder;
+        held = same.get("/hold.asp")->body;
+    });
+    EXPECT_TRUE(seen([&] { return browser.get("/held.asp")->body == "yes"; }));
+    const auto refused = browser.get("/begin.asp");
+    EXPECT_EQ(refused->status, 503);
+    EXPECT_EQ(refused->body, "<p>come again</p>");
+    EXPECT_EQ(refused->get_header_value("Retry-After"), "1");
+    EXPECT_EQ(Browser(port).get("/begin.asp")->body, "begun") << "others have theirs";
+    EXPECT_EQ(browser.get("/go.asp")->body, "went");
+    holding.join();
+    EXPECT_EQ(held, "done");
+    EXPECT_EQ(browser.get("/begin.asp")->body, "begun");
 }
 
 class OrvoWebStopTest : public OrvoWebTest {
