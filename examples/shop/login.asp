@@ -5,11 +5,16 @@ var problem = "", mustChange = false;
 // Where to go afterwards: the page that was asked for, if it is one of this site.
 var url = Server.LocalURL(asked("url"), "");
 
-if (isPost()) {
+if (isPost() && Request.Form("user").Count == 0) {
+    keepForm(url);
+    Response.Redirect("/login.asp?url=" + Server.URLEncode(url));
+} else if (isPost()) {
     if (!isOwnForm()) {
         problem = staleForm;
     } else {
+        var kept = Session("KeptForm");
         forgetLogin();
+        if (kept) Session("KeptForm") = kept;
         try {
             var validator = Server.CreateObject("OrvoMembership.Validator");
             var result = validator.ValidateCredentials(posted("user"), posted("password"), url);
@@ -31,6 +36,8 @@ if (isPost()) {
             problem = explained(error);
         }
     }
+} else if (url != "" && hasKeptForm(url)) {
+    problem = "Your login has ended. Please log in again: what you typed is kept, but for passwords.";
 } else if (url != "" && isLoggedIn()) {
     problem = "Your account may not open this page. You can log in with another one.";
 } else if (url != "" && Session("QUENDRAID")) {

@@ -1,7 +1,7 @@
 'use strict';
 
 const assert = require('node:assert/strict');
-const { inTheShop } = require('./shop');
+const { inTheShop, refused } = require('./shop');
 
 const entry = async (directory, cn, attributes) =>
     (await directory.search(`(cn=${cn})`, attributes))[0];
@@ -88,7 +88,7 @@ inTheShop('account', (tell) => {
             await elsewhere.page.reload();
             assert.equal(await elsewhere.refusal(), 'Your login has ended. Please log in again.');
             await elsewhere.logInHere('glee', 'shop-sample');
-            assert.equal(await elsewhere.refusal(), 'User name or password is wrong.');
+            assert.equal(await elsewhere.refusal(), refused);
             await elsewhere.logInHere('glee', 'a longer word');
             assert.equal(await elsewhere.loggedInAs(), 'glee');
         });
@@ -172,4 +172,69 @@ inTheShop('account', (tell) => {
             assert.deepEqual(saved, { PhoneNumber: ['2'], Position: ['Head of something'],
                 OutOfOfficeOn: ['1'] });
         });
+
+    // Somebody logs out in another window, or the login's time runs out.
+    const endLogin = async (visitor) => {
+        const other = await visitor.context.newPage();
+        await other.goto(visitor.url + '/');
+        await other.getByRole('button', { name: 'Log out' }).click();
+        await other.getByRole('link', { name: 'Log in', exact: true }).first().waitFor();
+        await other.close();
+    };
+    const phoneOf = async (shop, name) =>
+        (await shop.directory.search(`(cn=${name})`, ['PhoneNumber']))[0].PhoneNumber;
+
+    tell('a form that is sent after the login has ended is there again after the next one',
+        async (visitor, shop) => {
+            await visitor.logIn('jsmith');
+            const before = await phoneOf(shop, 'jsmith');
+            await visitor.field('Phone').fill('0815');
+            await visitor.field('Position').fill('Buyer <&> "more"');
+            await endLogin(visitor);
+            await visitor.press('Save');
+            assert.equal(visitor.address(), '/login.asp?url=%2Faccount%2F');
+            assert.equal(await visitor.refusal(), 'Your login has ended. Please log in again: what ' +
+                'you typed is kept, but for passwords.');
+            await visitor.logInHere('jsmith', 'wrong');
+            await visitor.logInHere('jsmith');
+            assert.equal(visitor.address(), '/account/');
+            assert.match(await visitor.refusal(), /^Your login had ended\. Nothing has been done yet/);
+            assert.equal(await visitor.field('Phone').inputValue(), '0815');
+            assert.equal(await visitor.field('Position').inputValue(), 'Buyer <&> "more"');
+            assert.deepEqual(await phoneOf(shop, 'jsmith'), before);
+            await visitor.look('account with a kept form');
+            await visitor.press('Save');
+            assert.equal(await visitor.done(), 'Your account has been saved.');
+            assert.deepEqual(await phoneOf(shop, 'jsmith'), ['0815']);
+            await visitor.go('/account/');
+            assert.equal(await visitor.refusal(), '');
+        });
+
+    tell('what somebody has typed is not shown to the next one at the browser',
+        async (visitor) => {
+            await visitor.logIn('jsmith');
+            await visitor.field('Phone').fill('4711');
+            await endLogin(visitor);
+            await visitor.press('Save');
+            await visitor.logInHere('zeros');
+            assert.equal(visitor.address(), '/account/');
+            assert.equal(await visitor.refusal(), '');
+            assert.notEqual(await visitor.field('Phone').inputValue(), '4711');
+        });
+
+    tell('another site cannot put words into a form that is kept', async (visitor) => {
+        await visitor.go('/login.asp');
+        const send = (origin) => visitor.context.request.post(visitor.url + '/account/', {
+            form: { sender: 'jsmith', 'was-FirstName': '', PhoneNumber: '0190', Password: 'secret' },
+            headers: origin ? { Origin: origin } : {},
+        });
+        for (const origin of ['https://evil.example', 'null', '']) {
+            assert.doesNotMatch(await (await send(origin)).text(), /is kept/);
+            await visitor.logIn('jsmith');
+            assert.equal(await visitor.refusal(), '');
+            assert.notEqual(await visitor.field('Phone').inputValue(), '0190');
+            await visitor.press('Log out');
+        }
+        assert.match(await (await send(visitor.url)).text(), /is kept/);
+    });
 });

@@ -1,7 +1,7 @@
 'use strict';
 
 const assert = require('node:assert/strict');
-const { inTheShop } = require('./shop');
+const { inTheShop, refused } = require('./shop');
 
 inTheShop('login', (tell) => {
     tell('a right password leads to the account', async (visitor) => {
@@ -69,7 +69,7 @@ inTheShop('login', (tell) => {
 
     tell('a wrong password is refused and leaves no login', async (visitor) => {
         await visitor.logIn('guest', 'wrong');
-        assert.equal(await visitor.refusal(), 'User name or password is wrong.');
+        assert.equal(await visitor.refusal(), refused);
         assert.equal(await visitor.field('User name').inputValue(), 'guest');
         assert.equal(await visitor.field('Password').inputValue(), '');
         assert.deepEqual(await visitor.cookies(), ['orvosession']);
@@ -80,7 +80,7 @@ inTheShop('login', (tell) => {
 
     tell('a user who does not exist is refused with the same words', async (visitor) => {
         await visitor.logIn('nobody at all');
-        assert.equal(await visitor.refusal(), 'User name or password is wrong.');
+        assert.equal(await visitor.refusal(), refused);
     });
 
     tell('a guarded page is shown after the login, with its query', async (visitor) => {

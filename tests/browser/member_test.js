@@ -1,7 +1,7 @@
 'use strict';
 
 const assert = require('node:assert/strict');
-const { inTheShop } = require('./shop');
+const { inTheShop, refused } = require('./shop');
 
 inTheShop('member', (tell) => {
     tell('a member is created, logs in after choosing a password, and is deleted',
@@ -210,7 +210,7 @@ inTheShop('member', (tell) => {
 
         const himself = await shop.visitor();
         await himself.logIn('jsmith');
-        assert.equal(await himself.refusal(), 'User name or password is wrong.');
+        assert.equal(await himself.refusal(), refused);
         await himself.logInHere('jsmith', password);
         await himself.follow('Choose a new password');
         await himself.changePassword(password, 'my own words');

@@ -1,7 +1,7 @@
 'use strict';
 
 const assert = require('node:assert/strict');
-const { inTheShop } = require('./shop');
+const { inTheShop, refused } = require('./shop');
 
 const names = (visitor) =>
     visitor.page.locator('#members tbody tr td:first-child').allTextContents();
@@ -110,6 +110,25 @@ inTheShop('members', (tell) => {
         assert.equal(await visitor.text('#state'), 'Nothing is known against this account.');
         await guessed.logIn('awalker');
         assert.equal(await guessed.loggedInAs(), 'awalker');
+    });
+
+    tell('an account is disabled and enabled again', async (visitor, shop) => {
+        const own = await shop.visitor();
+        await visitor.resume('admin');
+        await visitor.go('/admin/member.asp?cn=glee');
+        await visitor.press('Disable');
+        assert.equal(await visitor.done(), 'The account has been disabled.');
+        assert.equal(await visitor.text('#state'), 'disabled');
+        await visitor.look('member disabled');
+        await own.logIn('glee');
+        assert.equal(await own.refusal(), refused);
+        await visitor.press('Enable');
+        assert.equal(await visitor.done(), 'The account has been enabled.');
+        await own.logIn('glee');
+        assert.equal(await own.loggedInAs(), 'glee');
+        await visitor.go('/admin/member.asp?cn=admin');
+        await visitor.press('Disable');
+        assert.equal(await visitor.refusal(), 'This is your own account.');
     });
 
     tell('the list is a file that a spreadsheet takes for text', async (visitor) => {

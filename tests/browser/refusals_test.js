@@ -1,17 +1,17 @@
 'use strict';
 
 const assert = require('node:assert/strict');
-const { inTheShop } = require('./shop');
+const { inTheShop, refused } = require('./shop');
 
 inTheShop('refusals', (tell) => {
     tell('three wrong passwords lock the account', async (visitor) => {
         for (let i = 0; i < 3; ++i) {
             await visitor.logIn('zeros', 'wrong');
-            assert.equal(await visitor.refusal(), 'User name or password is wrong.');
+            assert.equal(await visitor.refusal(), refused);
         }
         await visitor.logIn('zeros');
-        assert.equal(await visitor.refusal(),
-            'This account is locked. Please ask an administrator.');
+        assert.equal(await visitor.refusal(), refused);
+        assert.equal(await visitor.loggedInAs(), '');
         assert.deepEqual(await visitor.cookies(), ['orvosession']);
         await visitor.look('login locked');
     });
@@ -86,10 +86,29 @@ inTheShop('refusals', (tell) => {
             assert.equal(visitor.address(), '/login.asp?url=%2Fpassword.asp');
         });
 
-    tell('who is disabled is told so', async (visitor) => {
+    tell('a name that is locked is not told from one that is not there', async (visitor) => {
+        const said = {};
+        for (const name of ['zeros', 'nobody at all', 'retired']) {
+            const answers = [];
+            for (let i = 0; i < 4; ++i) {
+                await visitor.go('/login.asp');
+                await visitor.field('User name').fill(name);
+                await visitor.field('Password').fill('wrong');
+                const [answer] = await Promise.all([
+                    visitor.page.waitForResponse((one) => one.request().method() === 'POST'),
+                    visitor.press('Log in')]);
+                answers.push([answer.status(), await visitor.refusal(),
+                    (await visitor.text('main')).replaceAll(name, '')]);
+            }
+            said[name] = answers;
+        }
+        assert.deepEqual(said.zeros, said['nobody at all']);
+        assert.deepEqual(said.retired, said['nobody at all']);
+    });
+
+    tell('who is disabled is not let in', async (visitor) => {
         await visitor.logIn('retired');
-        assert.equal(await visitor.refusal(),
-            'This account is locked. Please ask an administrator.');
+        assert.equal(await visitor.refusal(), refused);
     });
 
     tell('who may use no application is told so and is not logged in', async (visitor) => {

@@ -220,4 +220,8 @@ function inTheShop(name, cases) {
     });
 }
 
-module.exports = { inTheShop };
+// What the login page says, whatever is wrong with a name or its account.
+const refused = 'User name or password is wrong, or the account is locked. ' +
+    'Please try again later, or ask an administrator.';
+
+module.exports = { inTheShop, refused };

@@ -90,6 +90,16 @@ var deeds = {
         user.ClearAttribValue("pwdAccountLockedTime");
         goOn(self, "The account has been unlocked.");
     },
+    enable: function () {
+        user.ClearAttribValue("pwdAccountLockedTime");
+        goOn(self, "The account has been enabled.");
+    },
+    disable: function () {
+        if (isOneself()) return "This is your own account.";
+        // The directory's mark for "for good": no time ends it.
+        user.SetAttribValue("pwdAccountLockedTime", ["000001010000Z"]);
+        goOn(self, "The account has been disabled.");
+    },
     reset: function () {
         if (isOneself()) return "This is your own account.";
         var password = Server.RandomText(16), done = "The password has been replaced.";
@@ -105,6 +115,11 @@ var deeds = {
         goOn(self, done);
     }
 };
+
+function deedButton(deed, words) {
+    return "<form method=\"post\" action=\"" + html(self) + "\">" + tokenField() +
+        "<button name=\"do\" value=\"" + deed + "\">" + words + "</button></form>";
+}
 
 var isReady = false;
 try {
@@ -156,7 +171,8 @@ head(title, shown);
 <p id="state"><% if (state == "locked") { %><b class="mark">locked</b> since <%= moment(new Date(lockedSince)) %><%
    } else if (state) { %><b class="mark"><%= state %></b><% } else { %>Nothing is known against this account.<% } %></p>
 <div class="bar">
-<% if (lockedSince) { %><form method="post" action="<%= html(self) %>"><%= tokenField() %><button name="do" value="unlock">Unlock</button></form><% } %>
+<% if (state == "locked") { %><%= deedButton("unlock", "Unlock") %><% } %>
+<%= state == "disabled" ? deedButton("enable", "Enable") : deedButton("disable", "Disable") %>
 <a class="button plain" href="<%= html(self) %>&amp;ask=reset">New password</a>
 <a class="button plain" href="<%= html(self) %>&amp;ask=remove">Delete this member</a>
 </div>

@@ -135,6 +135,8 @@ std::optional<BindAnswer> Directory::try_bind(const std::string& name, const Sec
     if (!account->policy || !state.is_locked(*account->policy, now())) {
         if (proof == Proof::known) credentials = credentials_.find(user, password, account->hash);
         is_right = credentials || is_hash_of(account->hash, password);
+    } else {
+        imitate_check(password, HashCost::usual);  // takes as long as for a name that is not there
     }
     BindOutcome outcome;
     if (account->policy)
