@@ -8,6 +8,7 @@
 
 #include "platform/values/failure.h"
 #include "suite/directory/names/ascii.h"
+#include "suite/directory/policy/account_state.h"
 #include "suite/directory/policy/result_codes.h"
 #include "suite/directory/schema/generalized_time.h"
 
@@ -67,6 +68,8 @@ std::string encode_time(TimeForm form, const Variant& value) {
         std::string text = to_utf8(value.text_view());
         if (const std::optional<Date> date = try_date(text))
             return form == TimeForm::whole_seconds ? text : generalized_time(*date, form);
+        // Of what is locked for good: a time before all dates of Automation.
+        if (text == account::locked_for_good) return text;
     }
     return generalized_time(value.to<Date>(), form);
 }

@@ -2,11 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <ctime>
 #include <string>
 
 #include "suite/directory/policy/password_hash.h"
+#include "tests/support/processor_time.h"
 
 namespace orvo::directory {
 namespace {
@@ -124,18 +123,6 @@ TEST(ARenewal, IsDueWhereTheCostIsLower) {
         for (int wanted = HashCost::lowest; wanted <= HashCost::highest; ++wanted)
             EXPECT_EQ(should_be_renewed(hash, wanted), wanted > cost) << cost << " " << wanted;
     }
-}
-
-// In seconds, of three the least disturbed.
-template <class Action>
-double processor_time(Action action) {
-    double least = 1e9;
-    for (int run = 0; run < 3; ++run) {
-        const std::clock_t begin = std::clock();
-        action();
-        least = std::min(least, static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC);
-    }
-    return least;
 }
 
 TEST(AnImitatedCheck, TakesAsLongAsARealOne) {

@@ -132,6 +132,9 @@ TEST(EncodedValues, OfTimesAreGeneralizedTimes) {
               (Encoded{"20240229120000Z"}));
     EXPECT_EQ(encode_values(&time, u"202402291200+0100"), (Encoded{"202402291200+0100"}));
     EXPECT_EQ(encode_values(&time, u"2/29/2024 12:00:00"), (Encoded{"20240229120000Z"}));
+    EXPECT_EQ(encode_values(&time, u"000001010000Z"), (Encoded{"000001010000Z"}))
+        << "what locks an account for good";
+    EXPECT_EQ(number_of_refusal(time, u"000101010000Z"), 13);
     EXPECT_EQ(number_of_refusal(time, u"yesterday"), 13);
 }
 

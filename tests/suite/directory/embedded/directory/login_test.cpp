@@ -7,6 +7,7 @@
 #include "platform/values/values.h"
 #include "tests/suite/directory/embedded/directory/shop_fixture.h"
 #include "tests/support/environment.h"
+#include "tests/support/processor_time.h"
 #include "tests/support/recording/recording_log.h"
 
 namespace orvo::directory::embedded {
@@ -148,6 +149,14 @@ TEST_F(Logins, ALockedAccountIsOpenAgainAfterItsTime) {
     EXPECT_EQ(check(user("jsmith"), "shop-sample"), password_check::locked);
     now = now.load() + 61s;
     EXPECT_EQ(check(user("jsmith"), "shop-sample"), password_check::right);
+}
+
+TEST_F(Logins, ALockedAccountIsNotToldFromANameThatIsNotThereByItsTime) {
+    demand({{"pwdLockout", {"TRUE"}}, {"pwdMaxFailure", {"1"}}});
+    check(user("jsmith"), "another");
+    const double locked = processor_time([&] { check(user("jsmith"), "another"); });
+    const double nobody = processor_time([&] { check(user("nobody"), "another"); });
+    EXPECT_GT(locked, nobody / 1.6);
 }
 
 TEST_F(Logins, WhoUnlocksAnAccountEndsItsFailures) {
