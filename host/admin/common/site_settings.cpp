@@ -1,5 +1,6 @@
 #include "host/admin/common/site_settings.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "suite/configuration/ini_files.h"
@@ -32,6 +33,9 @@ SiteSettings read_site_settings(const std::filesystem::path& file) {
     SiteSettings site;
     site.file = file;
     const auto of = [&](TextView key) { return read(site, *values, key); };
+    site.is_mapped = std::ranges::any_of(values->sections(), [](const IniSection& section) {
+        return to_utf8(lower(section.name)).starts_with("directory.map");
+    });
     site.provider = of(u"PlugableModuleImplementation");
     site.server = of(u"LDAPServer");
     site.root = of(u"LDAPRoot");

@@ -20,6 +20,8 @@ struct SiteSettings {
     std::string profile_naming_attribute, account_naming_attribute;
     // MemScriptCode as it is written: "@file:service.code"
     std::string service_code;
+    // The directory does not know the product's schema: a section DIRECTORY.MAP describes it.
+    bool is_mapped = false;
 };
 
 // The settings of the site that a command works on: of the file that --site names, or without it

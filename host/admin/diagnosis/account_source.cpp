@@ -160,6 +160,10 @@ Finding ServerAccounts::compare(const EntryData& user, const Secret& password) {
 
 std::unique_ptr<AccountSource> open_accounts(const SiteSettings& site) {
     if (provider_of(site) == Provider::embedded) return std::make_unique<FileAccounts>(site);
+    if (site.is_mapped)
+        throw std::runtime_error(site.file.string() +
+                                 " describes the directory in DIRECTORY.MAP, which why does not "
+                                 "look through");
     const auto address = ldap::ServerAddress::parse(from_utf8(site.server));
     for (const ldap::ServerHost& host : address.hosts()) {
         LdapServer server{site, host};

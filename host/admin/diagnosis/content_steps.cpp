@@ -118,16 +118,18 @@ Finding examine_containers(const SiteSettings& site, DirectoryView& view) {
         const char* setting;
         std::string name;
     };
-    const Row rows[] = {{"LDAPRoot", site.root},
-                        {"UserContainer", below_root(site, site.users)},
-                        {"ProfileContainer", below_root(site, site.profiles)},
-                        {"AccountContainer", below_root(site, site.accounts)}};
+    std::vector<Row> rows{{"LDAPRoot", site.root}, {"UserContainer", below_root(site, site.users)}};
+    if (!site.is_mapped) {
+        rows.push_back({"ProfileContainer", below_root(site, site.profiles)});
+        rows.push_back({"AccountContainer", below_root(site, site.accounts)});
+    }
     std::vector<std::string> missing, settings;
     for (const Row& row : rows) {
         if (view.find(row.name)) continue;
         missing.push_back(quoted_name(row.name));
         settings.push_back(row.setting);
     }
+    if (missing.empty() && site.is_mapped) return found(site.users + " below " + site.root);
     if (missing.empty())
         return found(listed({site.users, site.profiles, site.accounts}) + " below " + site.root);
     return failed("There is no " + listed(missing) + ", or it is hidden from the service account.",

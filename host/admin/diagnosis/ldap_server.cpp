@@ -187,6 +187,14 @@ Finding seen_by_service(LdapServer& server) {
     return examine(server.site, view);
 }
 
+// A step that looks for the product's own names and entries.
+template <auto examine>
+Finding unmapped(LdapServer& server) {
+    if (server.site.is_mapped)
+        return unknown("is not looked at where DIRECTORY.MAP describes the directory");
+    return examine(server);
+}
+
 constexpr const char* service_account = "service account";
 
 constexpr Step<LdapServer> server_steps[] = {
@@ -194,13 +202,13 @@ constexpr Step<LdapServer> server_steps[] = {
     {"connection", "name", examine_connection},
     {"encryption", "connection", examine_encryption},
     {service_account, "encryption", examine_service},
-    {"schema", service_account, examine_server_schema},
+    {"schema", service_account, unmapped<examine_server_schema>},
     {"containers", service_account, seen_by_service<examine_containers>},
-    {"accounts", "containers", seen_by_service<examine_accounts>},
-    {"administrators", "containers", seen_by_service<examine_administrators>},
-    {"reading", "containers", examine_reading},
-    {"writing", "containers", examine_writing},
-    {"indexes", "containers", examine_indexes},
+    {"accounts", "containers", unmapped<seen_by_service<examine_accounts>>},
+    {"administrators", "containers", unmapped<seen_by_service<examine_administrators>>},
+    {"reading", "containers", unmapped<examine_reading>},
+    {"writing", "containers", unmapped<examine_writing>},
+    {"indexes", "containers", unmapped<examine_indexes>},
     {"clock", service_account, examine_clock},
 };
 

@@ -337,6 +337,22 @@ TEST_F(OrvoDoctor, TellsAMissingIndexByTheTimeThatSearchesTake) {
     EXPECT_EQ(code, 1);
 }
 
+TEST_F(OrvoDoctor, LeavesOpenWhatADirectoryWithAMapIsNotAskedFor) {
+    PrivateSlapd server;
+    EXPECT_THAT(
+        doctor(
+            replaced(settings(server), "ProfileContainer=ou=Profiles", "ProfileContainer=ou=None") +
+            "\n[DIRECTORY.MAP]\nOrvoGUID=\n"),
+        HasSubstr(
+            "  ok         service account  cn=orvo-service,ou=Services,o=Shop is accepted\n"
+            "  not known  schema           is not looked at where DIRECTORY.MAP describes the "
+            "directory\n"
+            "  ok         containers       ou=Users below o=Shop\n"
+            "  not known  accounts         is not looked at where DIRECTORY.MAP describes the "
+            "directory\n"));
+    EXPECT_EQ(code, 0);
+}
+
 TEST_F(OrvoDoctor, WritesJson) {
     PrivateSlapd server;
     const std::string said =

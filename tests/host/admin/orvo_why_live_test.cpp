@@ -370,6 +370,15 @@ TEST_F(OrvoWhyServer, ComparesByALoginWhereThereAreNoPolicies) {
                 HasSubstr("  refused    password        It is not the user's.\n"));
 }
 
+TEST_F(OrvoWhyServer, SaysThatItDoesNotLookThroughAMap) {
+    PrivateSlapd server;
+    std::ofstream(server.site_ini(), std::ios::app) << "\n[DIRECTORY.MAP]\ncn=uid\n";
+    EXPECT_EQ(why(server, "jsmith"), "orvo: " + server.site_ini().string() +
+                                         " describes the directory in DIRECTORY.MAP, which why "
+                                         "does not look through\n");
+    EXPECT_EQ(code, 1);
+}
+
 TEST_F(OrvoWhyServer, AsksTheNextServerOfTheList) {
     PrivateSlapd server, gone;
     const std::string address = gone.server();
