@@ -3,6 +3,7 @@
 #include "host/admin/audit/audit_commands.h"
 #include "host/admin/diagnosis/diagnosis_commands.h"
 #include "host/admin/directory/directory_commands.h"
+#include "host/admin/process/process_commands.h"
 #include "host/admin/setup/setup_commands.h"
 
 namespace orvo::admin {
@@ -14,6 +15,7 @@ Commands::Commands()
     add_directory_commands(*this);
     add_diagnosis_commands(*this);
     add_audit_commands(*this);
+    add_process_commands(*this);
     footer(
         "Each command has a --help of its own.\n"
         "\n"

@@ -4,6 +4,7 @@
 
 #include <tuple>
 
+#include "suite/audit/suite_audit.h"
 #include "suite/authfilter/filter_user.h"
 #include "suite/authfilter/live_logins.h"
 #include "suite/configuration/suite_configuration.h"
@@ -12,8 +13,9 @@
 
 namespace orvo {
 
-using SuiteClasses = std::tuple<SuiteConfiguration, SuiteLog, directory::ldap::LdapServers,
-                                authfilter::FilterConnectorObject, authfilter::FilterUserObject,
-                                authfilter::LiveLogins, authfilter::LiveLogin>;
+using SuiteClasses =
+    std::tuple<SuiteConfiguration, SuiteLog, audit::SuiteAudit, directory::ldap::LdapServers,
+               authfilter::FilterConnectorObject, authfilter::FilterUserObject,
+               authfilter::LiveLogins, authfilter::LiveLogin>;
 
 }  // namespace orvo

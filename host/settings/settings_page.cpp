@@ -51,6 +51,9 @@ constexpr Variable variables[] = {
     {"ProgramData", "Windows' folder for the settings of all users."},
     {"CREDENTIALS_DIRECTORY", "Where `@credential:NAME` is looked for; systemd sets it."},
     {"NOTIFY_SOCKET", "Where `orvo-web` tells that it serves, reloads and ends; systemd sets it."},
+    {"RUNTIME_DIRECTORY",
+     "The folder in which `orvo-web` makes its administration socket where the site names none; "
+     "systemd sets it."},
     {"WATCHDOG_USEC",
      "Microseconds after which systemd takes a service for hung; `orvo-web` tells twice as often "
      "that "

@@ -2,7 +2,10 @@
 
 #include <cstdlib>
 #include <iostream>
+#include <optional>
 
+#include "host/web/administration/administration_socket.h"
+#include "host/web/administration/process_state.h"
 #include "host/web/options.h"
 #include "host/web/service_manager.h"
 #include "host/web/sessions/memory_sessions.h"
@@ -66,6 +69,7 @@ void serve(const Options& options) {
     const ServiceManager manager;
     Site site = read_site(options.site, options.config);
     set_up_directory(site);
+    const auto admin_socket = site.admin_socket.value_or(usual_administration_socket());
     DirectoryHealth health;
     WebLog log(options.access_log);
     ServerOptions server_options = options.server;
@@ -96,6 +100,8 @@ void serve(const Options& options) {
             reload(options, server_options, app, sessions, log);
             tell(manager, &ServiceManager::ready, log);
         });
+    std::optional<AdministrationSocket> administration;
+    if (!admin_socket.empty()) administration.emplace(admin_socket, answer_about_process);
     std::cout << "Listening on " << server.url() << std::endl;
     manager.ready();
     if (const auto warning = warning_of_open_password(orvo::usual_site_file()); !warning.empty())

@@ -83,6 +83,7 @@ std::vector<std::string> keys_for_next_start(const Site& before, const Site& now
     compare("DirectoryCache", before.directory_cache, now.directory_cache);
     compare("DirectoryShare", before.directory_share, now.directory_share);
     compare("DrainTime", before.drain_time, now.drain_time);
+    compare("AdminSocket", before.admin_socket, now.admin_socket);
     return keys;
 }
 

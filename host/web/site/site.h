@@ -80,6 +80,7 @@ struct Site {
     std::optional<int> requests_of_one_session = {};      // half of the share, where empty
     std::size_t session_memory = 256 * 1024 * 1024;
     std::chrono::seconds drain_time{10};
+    std::optional<std::filesystem::path> admin_socket = {};  // without it the service's own
     std::vector<std::string> default_pages{"default.asp", "index.html"};
     std::string content_security_policy =
         "frame-ancestors 'none'; base-uri 'self'; form-action 'self'; object-src 'none'";

@@ -162,6 +162,19 @@ constexpr std::array keys{
             .about = "How long what is being served may go on when the program is asked to end.",
             .read = [](const SiteSetting& s,
                        Site& site) { site.drain_time = std::chrono::seconds(s.number()); }},
+    SiteKey{.name = u"AdminSocket",
+            .values = "path",
+            .otherwise =
+                [](const Site&) {
+                    return std::string("orvo-web.sock in the service's runtime folder, if any");
+                },
+            .about = "The socket for administrators of this machine (orvo pool, orvo cache clear); "
+                     "a relative path counts from the site's folder. Empty: there is none.",
+            .read =
+                [](const SiteSetting& s, Site& site) {
+                    site.admin_socket =
+                        s.text().empty() ? std::filesystem::path() : site.root / to_utf8(s.text());
+                }},
     SiteKey{.name = u"DefaultPages",
             .values = "names, with commas between",
             .otherwise =

@@ -355,6 +355,59 @@ TEST_F(OrvoWebTest, HandsSettingsOfPoolAndCacheToTheProvider) {
     EXPECT_EQ(browser.get("/account/")->body, "jsmith|jsmith");
 }
 
+TEST_F(OrvoWebTest, TellsAnAdministratorOfItsConnectionsAndForgetsEntries) {
+    write("site.ini",
+          "[SITE]\nGuard = /account/ = 1\nAdminSocket = ../admin.sock\n"
+          "DirectoryCache = Entries = 10, TimeToLive = 60\n");
+    const fs::path socket = folder_.path() / "admin.sock";
+    const auto orvo = [&](std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), std::string(ORVO_BIN) + "/orvo");
+        arguments.insert(arguments.end(), {"--socket", socket});
+        return output_of(arguments);
+    };
+    Browser browser(start());
+    EXPECT_EQ(fs::status(socket).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    ASSERT_EQ(log_in(browser, "jsmith", "shop-sample")->status, 303);
+    EXPECT_EQ(browser.get("/account/")->status, 200);
+
+    const std::string server = slapd->url();
+    EXPECT_EQ(orvo({"pool", "--format", "csv"}),
+              "User,Use,Servers,InUse,Idle,Waiting\r\n"
+              ",checks," +
+                  server + ",0,0,0\r\n" + "\"cn=jsmith,ou=Users,o=Shop\",user," + server +
+                  ",0,1,0\r\n" + "\"cn=orvo-service,ou=Services,o=Shop\",user," + server +
+                  ",0,1,0\r\n");
+    EXPECT_EQ(orvo({"pool", "--servers", "--columns", "Server,State,Reason", "--format", "csv"}),
+              "Server,State,Reason\r\n" + server + ",up,\r\n");
+    EXPECT_TRUE(std::regex_match(orvo({"cache", "clear"}),
+                                 std::regex("The host has forgotten [1-9] entries\\.\n")));
+    EXPECT_EQ(orvo({"cache", "clear"}), "The host has forgotten 0 entries.\n");
+    EXPECT_EQ(browser.get("/account/")->status, 200);
+
+    process_->send(SIGTERM);
+    EXPECT_EQ(process_->wait(), 0);
+    EXPECT_FALSE(fs::exists(socket));
+    EXPECT_THROW(orvo({"pool"}), std::runtime_error);
+}
+
+TEST_F(OrvoWebTest, TakesOverTheSocketOfAHostThatIsGoneAndNoOther) {
+    write("site.ini", "[SITE]\nAdminSocket = ../admin.sock\n");
+    const fs::path socket = folder_.path() / "admin.sock";
+    start();
+    ChildProcess second({std::string(ORVO_BIN) + "/orvo-web", site(), "--port", "0"},
+                        folder_.path() / "second");
+    EXPECT_EQ(second.wait(), 1);
+    EXPECT_EQ(content_of(folder_.path() / "second"),
+              "orvo-web: " + (site() / "../admin.sock").string() +
+                  ": no administration socket can be made (another process listens there)\n");
+    process_->send(SIGKILL);
+    process_->wait();
+    EXPECT_TRUE(fs::exists(socket));
+    start();
+    EXPECT_EQ(output_of({std::string(ORVO_BIN) + "/orvo", "cache", "clear", "--socket", socket}),
+              "The host has forgotten 0 entries.\n");
+}
+
 TEST_F(OrvoWebTest, OneUserHasAsManyLoginsAsTheSiteSays) {
     write("site.ini", "[SITE]\nGuard = /account/ = 1\nLoginsOfOneUser = 1\n");
     const int port = start();

@@ -63,6 +63,14 @@ void EntryCache::configure(const Variant& names, const Variant& values) {
     while (order_.size() > settings_.entries) drop(std::prev(order_.end()));
 }
 
+std::size_t EntryCache::clear() {
+    const std::lock_guard lock(mutex_);
+    const std::size_t count = order_.size();
+    by_key_.clear();
+    order_.clear();
+    return count;
+}
+
 bool EntryCache::is_current(const Remembered& known, const EntryKey& entry) const {
     return known.entry && clock_.now() - known.read_at < lifetime() &&
            writes_.mark(entry) == known.write_mark;

@@ -72,6 +72,8 @@ public:
     CacheSettings settings() const;
     // All of what is given, or nothing of it.
     void configure(const Variant& names, const Variant& values);
+    // Forgets all that is kept; how many entries that were. What an object has in hand stays.
+    std::size_t clear();
     // Whether there is room for entries. Costs nothing.
     bool is_on() const { return is_on_.load(std::memory_order_relaxed); }
 

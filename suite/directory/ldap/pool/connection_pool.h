@@ -52,6 +52,9 @@ public:
     // The connections for password checks of users below `container`.
     ConnectionSetRef checks_below(const ServerAddress& address, const std::string& container);
 
+    // Those that are alive, in no order.
+    std::vector<ConnectionSetRef> all_sets() const;
+
     // Before a connection of the set is used: closes what is idle for too long, anywhere.
     void tidy(ConnectionSet& set);
     // After a connection of the set has become idle.
@@ -98,7 +101,6 @@ private:
     // Out of the sets with idle connections; the set's end may be the caller's.
     ConnectionSetRef drop(IdleSets::iterator place);
     std::size_t count_idle() const;
-    std::vector<ConnectionSetRef> all_sets() const;
 
     const Clock& clock_;
     WriteMarks& writes_;

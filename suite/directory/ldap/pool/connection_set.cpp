@@ -169,6 +169,11 @@ void ConnectionSet::evict_all() {
     closing.swap(idle_);
 }
 
+ConnectionSet::Counts ConnectionSet::counts() const {
+    const std::lock_guard lock(mutex_);
+    return {leased_, idle_.size(), waiting_.size()};
+}
+
 std::size_t ConnectionSet::idle() const {
     const std::lock_guard lock(mutex_);
     return idle_.size();

@@ -34,6 +34,14 @@ public:
                   const SharedSettings& settings, const WriteMarks& writes);
     ConnectionSet(const ConnectionSet&) = delete;
 
+    // How many connections it has, and who waits for one.
+    struct Counts {
+        std::size_t in_use;
+        std::size_t idle;
+        std::size_t waiting;
+    };
+    Counts counts() const;
+
     Use use() const { return use_; }
     ServerGroup& group() const { return *group_; }
     const std::string& user() const { return user_; }

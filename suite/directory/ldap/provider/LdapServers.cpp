@@ -54,4 +54,25 @@ Object LdapServers::States() {
     return builder.open().object();
 }
 
+Object LdapServers::Connections() {
+    std::vector<ConnectionSetRef> sets = client_.pool().all_sets();
+    std::ranges::sort(sets, {}, [](const ConnectionSetRef& set) { return set->user(); });
+    RecordSetBuilder builder({u"User", u"Use", u"Servers", u"InUse", u"Idle", u"Waiting"});
+    const auto number = [](std::size_t count) { return static_cast<std::int32_t>(count); };
+    for (const ConnectionSetRef& set : sets) {
+        Text servers;
+        for (const ServerRef& server : set->group().servers())
+            servers += (servers.empty() ? u"" : u" ") + from_utf8(server->url());
+        const auto counts = set->counts();
+        const bool is_user = set->use() == ConnectionSet::Use::as_user;
+        builder.add({from_utf8(set->user()), Text(is_user ? u"user" : u"checks"), servers,
+                     number(counts.in_use), number(counts.idle), number(counts.waiting)});
+    }
+    return builder.open().object();
+}
+
+std::int32_t LdapServers::ClearCache() {
+    return static_cast<std::int32_t>(client_.cache().clear());
+}
+
 }  // namespace orvo::directory::ldap

@@ -21,6 +21,17 @@ public:
     //   Failures    how many were not, or with "busy" or "unavailable"
     //   Latency     the mean of the latest answers, in milliseconds
     virtual Object States() = 0;
+    // A record set with a row for the connections of each user, and one for those of the password
+    // checks below each container, ordered by "User". The columns:
+    //   User     a distinguished name; empty for nobody's, and for password checks
+    //   Use      "user" or "checks"
+    //   Servers  the servers that they lead to, in order of preference
+    //   InUse    how many are in use
+    //   Idle     how many are idle
+    //   Waiting  how many operations wait for one
+    virtual Object Connections() = 0;
+    // Forgets what this process keeps of entries; how many those were.
+    virtual std::int32_t ClearCache() = 0;
 
 protected:
     ~DirectoryServers() = default;
@@ -35,7 +46,12 @@ inline constexpr auto table_of<directory::DirectoryServers> = describe<directory
     method<&directory::DirectoryServers::States>("States").help(
         "A row for each server that this process has worked with. Columns: Server, State "
         "(up, suspected or down), Reason, Since, NextProbe, Operations, Failures and Latency "
-        "(milliseconds)."));
+        "(milliseconds)."),
+    method<&directory::DirectoryServers::Connections>("Connections")
+        .help("A row for the connections of each user, and for those of password checks. Columns: "
+              "User, Use (user or checks), Servers, InUse, Idle and Waiting."),
+    method<&directory::DirectoryServers::ClearCache>("ClearCache")
+        .help("Forgets what this process keeps of entries; how many those were."));
 
 namespace directory::ldap {
 
@@ -45,6 +61,8 @@ public:
     explicit LdapServers(Client& client = Client::of_process()) : client_(client) {}
 
     Object States() override;
+    Object Connections() override;
+    std::int32_t ClearCache() override;
 
 private:
     Client& client_;

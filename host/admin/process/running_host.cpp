@@ -1,0 +1,124 @@
+#include "host/admin/process/running_host.h"
+
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <iostream>
+#include <sstream>
+#include <stdexcept>
+#include <system_error>
+
+#include "host/admin/common/exit_codes.h"
+#include "host/admin/common/output.h"
+
+namespace orvo::admin {
+namespace {
+
+class Connection {
+public:
+    explicit Connection(const std::filesystem::path& file)
+        : descriptor_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        file.native().copy(address.sun_path, sizeof address.sun_path - 1);
+        if (descriptor_ != -1 &&
+            connect(descriptor_, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0)
+            return;
+        const std::string reason = std::generic_category().message(errno);
+        if (descriptor_ != -1) close(descriptor_);
+        throw std::runtime_error(
+            file.string() + ": no host answers (" + reason +
+            "); name its AdminSocket with --socket, and be root or the user that it runs as");
+    }
+    ~Connection() { close(descriptor_); }
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    std::string answer_to(const std::string& request) const {
+        if (send(descriptor_, request.data(), request.size(), MSG_NOSIGNAL) !=
+            static_cast<ssize_t>(request.size()))
+            return {};
+        std::string answer;
+        char part[4096];
+        for (ssize_t size; (size = recv(descriptor_, part, sizeof part, 0)) > 0;)
+            answer.append(part, static_cast<std::size_t>(size));
+        return answer;
+    }
+
+private:
+    const int descriptor_;
+};
+
+std::vector<std::string> cells(const std::string& line) {
+    std::vector<std::string> cells;
+    for (std::size_t begin = 0; begin <= line.size();) {
+        const std::size_t end = std::min(line.find('\t', begin), line.size());
+        cells.push_back(line.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    return cells;
+}
+
+// Where each of the chosen columns is in the host's rows.
+std::vector<std::size_t> places_of(const HostTable& table, const std::vector<std::string>& chosen) {
+    std::vector<std::size_t> places;
+    for (std::size_t i = 0; chosen.empty() && i < table.columns.size(); ++i) places.push_back(i);
+    for (const std::string& name : chosen) {
+        const auto found = std::ranges::find(table.columns, name);
+        if (found == table.columns.end()) throw Misuse("there is no column \"" + name + "\"");
+        places.push_back(static_cast<std::size_t>(found - table.columns.begin()));
+    }
+    return places;
+}
+
+}  // namespace
+
+HostTable ask_host(const std::filesystem::path& socket, const std::string& request) {
+    std::istringstream answer(Connection(socket).answer_to(request + '\n'));
+    std::string line;
+    std::getline(answer, line);
+    if (line != "ok")
+        throw std::runtime_error(socket.string() + ": the host " +
+                                 (line.empty() ? "gives no answer" : line));
+    HostTable table;
+    std::getline(answer, line);
+    table.columns = cells(line);
+    while (std::getline(answer, line)) {
+        table.rows.push_back(cells(line));
+        table.rows.back().resize(table.columns.size());
+    }
+    return table;
+}
+
+int show_pool(const HostRequest& request) {
+    if (request.rows.format == Format::ldif)
+        throw Misuse("connections are no entries: --format is table, csv or json");
+    const HostTable table =
+        ask_host(request.socket, request.about_servers ? "servers" : "connections");
+    const auto places = places_of(table, request.rows.columns);
+    std::vector<Column> heads;
+    for (const std::size_t place : places) heads.push_back({table.columns[place]});
+    const auto writer =
+        make_row_writer(request.rows.format, std::cout, std::move(heads), Terminal::of_output());
+    for (const auto& cells : table.rows) {
+        OutputRow row;
+        for (const std::size_t place : places)
+            row.values.push_back(cells[place].empty() ? std::vector<std::string>()
+                                                      : std::vector{cells[place]});
+        writer->write(row);
+    }
+    writer->finish();
+    return done;
+}
+
+int clear_cache(const HostRequest& request) {
+    const HostTable table = ask_host(request.socket, "clear cache");
+    if (!request.common.is_quiet && !table.rows.empty())
+        put(std::cout, "The host has forgotten " + table.rows.front().front() + " entries.\n");
+    return done;
+}
+
+}  // namespace orvo::admin

@@ -1,0 +1,33 @@
+#pragma once
+
+// A running orvo-web, over its administration socket.
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "host/admin/common/options.h"
+
+namespace orvo::admin {
+
+inline constexpr const char* usual_host_socket = "/run/orvo/orvo-web.sock";
+
+struct HostRequest {
+    CommonOptions common;
+    RowOptions rows;
+    std::filesystem::path socket = usual_host_socket;
+    bool about_servers = false;
+};
+
+struct HostTable {
+    std::vector<std::string> columns;
+    std::vector<std::vector<std::string>> rows;
+};
+
+// Raises std::runtime_error, with what to do, where nobody listens there or the host refuses.
+HostTable ask_host(const std::filesystem::path& socket, const std::string& request);
+
+int show_pool(const HostRequest& request);
+int clear_cache(const HostRequest& request);
+
+}  // namespace orvo::admin

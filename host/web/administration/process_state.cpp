@@ -1,0 +1,63 @@
+#include "host/web/administration/process_state.h"
+
+#include "platform/interfaces/create.h"
+#include "platform/interfaces/late_call.h"
+#include "platform/values/environment.h"
+#include "platform/values/failure.h"
+
+namespace orvo::web {
+namespace {
+
+std::string cell(const Variant& value) {
+    std::string text = to_utf8(value.to<Text>());
+    for (char& c : text)
+        if (static_cast<unsigned char>(c) < ' ') c = ' ';
+    return text;
+}
+
+std::string table(const Object& rows) {
+    const Object fields = late::get(rows, u"Fields").to<Object>();
+    const auto columns = late::get(fields, u"Count").to<std::int32_t>();
+    const auto line = [&](TextView property) {
+        std::string text;
+        for (std::int32_t i = 0; i < columns; ++i) {
+            const Object field = late::get(fields, u"Item", {i}).to<Object>();
+            text += (i == 0 ? "" : "\t") + cell(late::get(field, property));
+        }
+        return text + '\n';
+    };
+    std::string text = "ok\n" + line(u"Name");
+    for (; !late::get(rows, u"EOF").to<bool>(); late::call(rows, u"MoveNext"))
+        text += line(u"Value");
+    return text;
+}
+
+std::string answer(std::string_view request) {
+    const Object servers = create_object(u"OrvoDirectory.LdapServers");
+    if (request == "servers") return table(late::call(servers, u"States").to<Object>());
+    if (request == "connections") return table(late::call(servers, u"Connections").to<Object>());
+    if (request == "clear cache")
+        return "ok\nEntries\n" + cell(late::call(servers, u"ClearCache")) + '\n';
+    return "failed this host knows no such request\n";
+}
+
+}  // namespace
+
+std::string answer_about_process(std::string_view request) noexcept {
+    try {
+        return answer(request);
+    } catch (const Failure& failure) {
+        return "failed " + to_utf8(replaced(failure.description, u"\n", u" ")) + '\n';
+    } catch (const std::exception& failure) {
+        return std::string("failed ") + failure.what() + '\n';
+    }
+}
+
+std::filesystem::path usual_administration_socket() {
+    // systemd names several folders with ":" between them.
+    const Text folders = environment_variable("RUNTIME_DIRECTORY");
+    if (folders.empty()) return {};
+    return std::filesystem::path(split(folders, u":").front()) / "orvo-web.sock";
+}
+
+}  // namespace orvo::web

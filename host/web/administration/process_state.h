@@ -1,0 +1,25 @@
+#pragma once
+
+// What an administrator may ask of the process, and have it do.
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace orvo::web {
+
+// The answer to one request:
+//
+//   servers       the directory servers, a row each (DirectoryServers::States)
+//   connections   the connections to them (DirectoryServers::Connections)
+//   clear cache   forgets what is kept of entries; a row with how many those were
+//
+// A table begins with the line "ok" and one with the columns' names; texts have tabs between them,
+// and none in them. Whatever fails is the line "failed", a blank and a sentence. Does not raise.
+std::string answer_about_process(std::string_view request) noexcept;
+
+// Where the socket is without a setting: in the folder that systemd gives the service
+// (RuntimeDirectory=); empty without one.
+std::filesystem::path usual_administration_socket();
+
+}  // namespace orvo::web
