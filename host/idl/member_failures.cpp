@@ -126,6 +126,10 @@ constexpr MemberFailure failures[] = {
                                            "ORVO_SITE_CONFIG names a file that is not there"),
     raises<&Configuration::LoadSiteConfig>(malformed_file, "the file is no configuration"),
 
+    raises<&Audit::IsOn>(malformed_file, "section [AUDIT] says what cannot be"),
+    raises<&Audit::Record>(malformed_file, "section [AUDIT] says what cannot be"),
+    raises<&Audit::Record>(file_not_readable, "the site says Sync, and the file cannot be written"),
+
     raises<&FilterConnector::CreateUserWithGUID>(
         invalid_call, "the GUID is empty, or longer than 256 characters"),
     raises<&FilterConnector::CreateUserWithGUID>(out_of_memory, "there are 100,000 records"),
@@ -145,7 +149,7 @@ struct NumberText {
 };
 constexpr NumberText other_numbers[] = {
     {membership_failed, "The login cannot be finished."},
-    {file_not_readable, "The file cannot be read."},
+    {file_not_readable, "The file cannot be read, or not be written."},
     {malformed_file, "The configuration file is malformed."},
 };
 

@@ -1,5 +1,7 @@
 #include "host/web/administration/process_state.h"
 
+#include <cstdio>
+
 #include "platform/interfaces/create.h"
 #include "platform/interfaces/late_call.h"
 #include "platform/values/environment.h"
@@ -8,7 +10,15 @@
 namespace orvo::web {
 namespace {
 
+std::string date_text(const DateParts& date) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02dZ", date.year, date.month,
+                  date.day, date.hour, date.minute, date.second);
+    return text;
+}
+
 std::string cell(const Variant& value) {
+    if (value.kind() == Kind::date) return date_text(parts_of(value.to<Date>()));
     std::string text = to_utf8(value.to<Text>());
     for (char& c : text)
         if (static_cast<unsigned char>(c) < ' ') c = ' ';
