@@ -17,14 +17,14 @@ inline const DirectoryKind*& directory_kind() {
     return kind;
 }
 
-template <class Fixture, class Test>
+template <class Fixture>
 bool register_for_each_directory(const char* fixture, const std::string& name, const char* file,
-                                 int line) {
+                                 int line, Fixture* (*make)()) {
     for (const DirectoryKind& kind : every_directory())
         testing::RegisterTest(fixture, (name + "/" + kind.name).c_str(), nullptr, nullptr, file,
-                              line, [&kind]() -> Fixture* {
+                              line, [&kind, make]() -> Fixture* {
                                   directory_kind() = &kind;
-                                  return new Test;
+                                  return make();
                               });
     return true;
 }
@@ -32,15 +32,12 @@ bool register_for_each_directory(const char* fixture, const std::string& name, c
 }  // namespace orvo
 
 // As TEST_FRESH. The fixture finds its kind of directory in directory_kind().
-#define TEST_FRESH_FOR_EACH(fixture, name)                                                        \
-    class fixture##_##name##_Fresh : public fixture {                                             \
-        void TestBody() override {                                                                \
-            orvo::in_fresh_thread([this] { body(); });                                            \
-        }                                                                                         \
-        void body();                                                                              \
-        static const bool registered_;                                                            \
-    };                                                                                            \
-    const bool fixture##_##name##_Fresh::registered_ =                                            \
-        orvo::register_for_each_directory<fixture, fixture##_##name##_Fresh>(#fixture, #name,     \
-                                                                             __FILE__, __LINE__); \
+#define TEST_FRESH_FOR_EACH(fixture, name)                                                \
+    class fixture##_##name##_Fresh : public orvo::InFreshThread<fixture> {                \
+        void body() override;                                                             \
+        static const bool registered_;                                                    \
+    };                                                                                    \
+    const bool fixture##_##name##_Fresh::registered_ = orvo::register_for_each_directory( \
+        #fixture, #name, __FILE__, __LINE__,                                              \
+        +[]() -> fixture* { return new fixture##_##name##_Fresh; });                      \
     void fixture##_##name##_Fresh::body()
