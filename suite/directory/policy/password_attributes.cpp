@@ -30,4 +30,8 @@ bool is_secret(std::string_view attribute) {
     return is_password(attribute) || is_one_of(attribute, {"OrvoNTPassword", "OrvoAttribute:58"});
 }
 
+bool is_account_lock(std::string_view attribute) {
+    return is_one_of(attribute, {"pwdAccountLockedTime", "1.3.6.1.4.1.42.2.27.8.1.17"});
+}
+
 }  // namespace orvo::directory

@@ -1,6 +1,6 @@
 #pragma once
 
-// Which attributes hold passwords.
+// Which attributes hold passwords, or say what becomes of them.
 
 #include <string_view>
 
@@ -13,5 +13,9 @@ bool holds_hashes(std::string_view attribute);
 // Whether its values are kept nowhere once they were read: passwords, also "OrvoNTPassword", that
 // of an account of the operating system, which a directory gives out as it is.
 bool is_secret(std::string_view attribute);
+
+// Whether it is "pwdAccountLockedTime". A server takes its deletion as unlocking, and forgets the
+// failures, too; one that is replaced by nothing it does not, so that the next failure locks anew.
+bool is_account_lock(std::string_view attribute);
 
 }  // namespace orvo::directory

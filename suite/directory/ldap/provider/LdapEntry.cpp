@@ -8,6 +8,7 @@
 #include "suite/directory/names/written_name.h"
 #include "suite/directory/policy/failures.h"
 #include "suite/directory/policy/password_attributes.h"
+#include "suite/directory/policy/result_codes.h"
 #include "suite/directory/schema/attribute_values.h"
 
 namespace orvo::directory::ldap {
@@ -194,8 +195,14 @@ void LdapEntry::replace(const std::string& name, std::vector<std::string> values
     } else {
         changes.push_back({name, std::move(values)});
     }
+    const bool is_unlocking = changes.size() == 1 && changes.front().values.empty() &&
+                              is_account_lock(changes.front().attribute);
+    if (is_unlocking) changes.front().kind = Change::remove;
     const NotedWrite noted(client_.writes(), key_);
-    check(login_->write(name_, [&](Session& session) { return session.modify(name_, changes); }));
+    const Result result =
+        login_->write(name_, [&](Session& session) { return session.modify(name_, changes); });
+    if (is_unlocking && result.code == result_code::no_such_attribute) return;
+    check(result);
 }
 
 void LdapEntry::require_bound() const {

@@ -64,7 +64,8 @@ public:
     // and of those whose password this thread has just checked (ProvenPassword). Where the server
     // makes no difference, and it may be done otherwise, it is set by whom the entry is bound as.
     void SetValues(Text& name, Variant& value) override;
-    // An Active Directory clears no password (53).
+    // An Active Directory clears no password (53). The lock of an account is deleted, so that the
+    // server forgets the wrong passwords that led to it (is_account_lock).
     void ClearValues(Text& name) override;
 
     // See NewEntry for what may be given. An attribute given as an empty text is created with a
