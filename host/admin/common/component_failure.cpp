@@ -10,6 +10,9 @@ namespace {
 
 constexpr std::int32_t number(std::uint32_t bits) { return static_cast<std::int32_t>(bits); }
 
+constexpr std::int32_t refused_account = number(0x8007052E);
+constexpr std::int32_t unreachable = number(0x8007203A);
+
 struct Advice {
     std::int32_t number;
     std::string_view sentence;  // what it means to an administrator, and what to do
@@ -17,10 +20,10 @@ struct Advice {
 
 constexpr Advice advice[] = {
     {number(0x80040154), "the component's modules are not known here: orvo-register MODULE.so"},
-    {number(0x8007052E),
+    {refused_account,
      "the directory refuses the service account: see MemScriptUser and MemScriptCode in the site's "
      "settings"},
-    {number(0x8007203A),
+    {unreachable,
      "the directory cannot be reached: see whether it runs, and LDAPServer in the site's settings"},
     {number(0x80072098),
      "the service account has not the right to do that: see the directory's access rules"},
@@ -37,6 +40,11 @@ std::string_view cause_in(std::string_view description) {
     return description.substr(0, description.find(".\r\n"));
 }
 
+bool has_number(const std::exception& failure, std::int32_t number) {
+    const auto* error = dynamic_cast<const Error*>(&failure);
+    return error && error->number() == number;
+}
+
 }  // namespace
 
 std::optional<std::string> try_told_by_component(const std::exception& failure) {
@@ -47,6 +55,20 @@ std::optional<std::string> try_told_by_component(const std::exception& failure) 
     const auto known = std::ranges::find(advice, error->number(), &Advice::number);
     if (known == std::end(advice)) return cause.empty() ? error->what() : cause;
     return std::string(known->sentence) + (cause.empty() ? "" : " (" + cause + ")");
+}
+
+bool is_of_whole_directory(const std::exception& failure) {
+    return has_number(failure, unreachable) || has_number(failure, refused_account);
+}
+
+bool is_missing_entry(const std::exception& failure) {
+    return has_number(failure, number(0x80072030));
+}
+bool is_existing_entry(const std::exception& failure) {
+    return has_number(failure, number(0x8004044F));
+}
+bool is_unknown_attribute(const std::exception& failure) {
+    return has_number(failure, number(0x8007200C));
 }
 
 }  // namespace orvo::admin

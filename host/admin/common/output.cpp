@@ -6,6 +6,8 @@
 #include <string>
 #include <system_error>
 
+#include "host/admin/common/texts.h"
+
 namespace orvo::admin {
 namespace {
 
@@ -24,6 +26,10 @@ void put(std::ostream& out, std::string_view text) {
 void flush_output() {
     errno = 0;
     if (!std::cout.flush()) raise_unwritable(errno);
+}
+
+void say(const CommonOptions& options, const std::string& name, const std::string& what) {
+    if (!options.is_quiet) put(std::cout, printable(name + ": " + what + ".") + "\n");
 }
 
 }  // namespace orvo::admin

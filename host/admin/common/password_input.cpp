@@ -1,5 +1,6 @@
 #include "host/admin/common/password_input.h"
 
+#include <poll.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -7,6 +8,7 @@
 #include <cerrno>
 #include <csignal>
 #include <iostream>
+#include <optional>
 #include <stdexcept>
 #include <system_error>
 
@@ -21,24 +23,40 @@ class SilentTerminal {
 public:
     SilentTerminal() {
         if (::tcgetattr(STDIN_FILENO, &before_) != 0) raise_unusable();
-        ended_by = 0;
-        struct sigaction noted {};
-        noted.sa_handler = [](int signal) { ended_by = signal; };
-        for (std::size_t i = 0; i < ends.size(); ++i) ::sigaction(ends[i], &noted, &actions_[i]);
         termios silent = before_;
         silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
         silent.c_lflag |= ECHONL;
-        if (::tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent) != 0) {
-            put_back();
-            raise_unusable();
-        }
+        if (::tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent) != 0) raise_unusable();
+        ended_by = 0;
+        sigset_t blocked;
+        sigemptyset(&blocked);
+        for (const int signal : ends) sigaddset(&blocked, signal);
+        sigprocmask(SIG_BLOCK, &blocked, &mask_);
+        struct sigaction noted {};
+        noted.sa_handler = [](int signal) { ended_by = signal; };
+        for (std::size_t i = 0; i < ends.size(); ++i) ::sigaction(ends[i], &noted, &actions_[i]);
     }
     ~SilentTerminal() {
-        put_back();
+        ::tcsetattr(STDIN_FILENO, TCSANOW, &before_);
+        for (std::size_t i = 0; i < ends.size(); ++i) ::sigaction(ends[i], &actions_[i], nullptr);
         if (ended_by != 0) ::raise(ended_by);
+        sigprocmask(SIG_SETMASK, &mask_, nullptr);
     }
     SilentTerminal(const SilentTerminal&) = delete;
     SilentTerminal& operator=(const SilentTerminal&) = delete;
+
+    // Nothing where the program is to end, or there is no line.
+    std::optional<std::string> try_line() const {
+        std::string line;
+        for (char c = 0;;) {
+            pollfd input{STDIN_FILENO, POLLIN, 0};
+            // Signals come here, and nowhere else: none is missed.
+            if (::ppoll(&input, 1, nullptr, &mask_) != 1) return std::nullopt;
+            if (::read(STDIN_FILENO, &c, 1) != 1) return std::nullopt;
+            if (c == '\n') return line;
+            line += c;
+        }
+    }
 
 private:
     static constexpr std::array ends{SIGINT, SIGTERM, SIGHUP, SIGQUIT};
@@ -46,28 +64,14 @@ private:
     [[noreturn]] static void raise_unusable() {
         throw std::system_error(errno, std::generic_category(), "the terminal");
     }
-    void put_back() {
-        ::tcsetattr(STDIN_FILENO, TCSANOW, &before_);
-        for (std::size_t i = 0; i < ends.size(); ++i) ::sigaction(ends[i], &actions_[i], nullptr);
-    }
 
     termios before_{};
+    sigset_t mask_{};
     std::array<struct sigaction, ends.size()> actions_{};
 };
 
 [[noreturn]] void raise_missing() {
     throw std::runtime_error("there is no password in standard input");
-}
-
-// A terminal hands out whole lines.
-std::string line_of_terminal() {
-    std::string line;
-    for (char c = 0; c != '\n';) {
-        if (::read(STDIN_FILENO, &c, 1) != 1) raise_missing();
-        line += c;
-    }
-    line.pop_back();
-    return line;
 }
 
 std::string line_of_input() {
@@ -81,9 +85,10 @@ std::string line_of_input() {
 
 std::string read_password(const std::string& prompt) {
     if (!::isatty(STDIN_FILENO)) return line_of_input();
+    const SilentTerminal silent;  // before anybody types
     std::cerr << prompt << ": " << std::flush;
-    const SilentTerminal silent;
-    return line_of_terminal();
+    if (std::optional<std::string> line = silent.try_line()) return *std::move(line);
+    raise_missing();
 }
 
 std::string read_new_password(const std::string& whose) {

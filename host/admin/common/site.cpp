@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <stdexcept>
 
+#include "host/admin/common/component_failure.h"
 #include "host/admin/common/names.h"
 #include "host/admin/common/site_settings.h"
 
@@ -33,14 +34,47 @@ Profiles Site::profiles() const {
 
 User Site::user(const std::string& name) const {
     User user;
-    user.BindAs(name, service_, service_code_);
+    try {
+        user.BindAs(name, service_, service_code_);
+    } catch (const Error& failure) {
+        if (!is_missing_entry(failure)) throw;
+        const auto is_of = [&](const char* method) {
+            return failure.description().find(method) != std::string::npos;
+        };
+        if (is_of("OrvoMembership.Profile.BindAs"))
+            throw std::runtime_error("the profile of '" + name +
+                                     "' is not there: give the user another one with orvo users "
+                                     "profile");
+        if (is_of("OrvoMembership.Account.Init"))
+            throw std::runtime_error("there is no account for the type of '" + name + "' in " +
+                                     info_.GetAccountContainer().to<std::string>());
+        throw std::runtime_error("there is no user '" + name + "'");
+    }
     return user;
 }
 
 orvo::Profile Site::profile(const std::string& name) const {
     orvo::Profile profile;
-    profile.BindAs(name, service_, service_code_);
+    try {
+        profile.BindAs(name, service_, service_code_);
+    } catch (const Error& failure) {
+        if (!is_missing_entry(failure)) throw;
+        throw std::runtime_error("there is no profile '" + name + "'");
+    }
     return profile;
+}
+
+LdapAccess Site::user_attributes(const std::string& name) const {
+    LdapAccess entry;
+    try {
+        entry.BindAs(info_.GetUserNamingAttribute().to<std::string>() + "=" + name, service_,
+                     service_code_, info_.GetServerName().to<std::string>(),
+                     info_.GetUserContainer().to<std::string>());
+    } catch (const Error& failure) {
+        if (!is_missing_entry(failure)) throw;
+        throw std::runtime_error("there is no user '" + name + "'");
+    }
+    return entry;
 }
 
 std::string Site::user_entry(const std::string& name) const {

@@ -26,8 +26,13 @@ public:
 
     Members members() const;
     Profiles profiles() const;
+    // Raise std::runtime_error where there is none of that name, or a user's profile or account is
+    // not there, without which nobody can be bound.
     User user(const std::string& name) const;
     orvo::Profile profile(const std::string& name) const;
+
+    // A user's entry alone, also of one whose profile is not there. Raises as user().
+    LdapAccess user_attributes(const std::string& name) const;
 
     // The entry of a user or profile of this common name, escaped.
     std::string user_entry(const std::string& name) const;

@@ -1,0 +1,79 @@
+#pragma once
+
+// `orvo users`: each function is one command and answers its exit code. What it has done goes to
+// standard output, what went wrong is raised; nothing is half done then.
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "host/admin/common/options.h"
+#include "host/admin/people/user_filter.h"
+
+namespace orvo::admin {
+
+struct UserListRequest {
+    CommonOptions common;
+    RowOptions rows;
+    UserFilter filter;
+    std::size_t limit = 0;  // rows; 0: all
+};
+int list_users(const UserListRequest& request);
+
+struct NamesRequest {
+    CommonOptions common;
+    RowOptions rows = {};
+    std::vector<std::string> names;
+};
+int show_users(const NamesRequest& request);
+int remove_users(const NamesRequest& request);
+
+struct PasswordRequest {
+    CommonOptions common;
+    std::string name;
+    bool is_generated = false;
+    bool is_temporary = false;  // to be changed at the next login
+};
+int set_password(const PasswordRequest& request);
+
+struct UserAddRequest {
+    PasswordRequest password;
+    std::vector<std::string> assignments;  // "mail=a@shop.example"
+    std::string profile = {};
+    std::string type = "RegisteredUser";
+    std::vector<std::string> roles = {}, applications = {};
+};
+int add_user(const UserAddRequest& request);
+
+struct AssignmentsRequest {
+    CommonOptions common;
+    std::string name;
+    std::vector<std::string> assignments;
+};
+int set_user(const AssignmentsRequest& request);
+
+// What a user or profile has of something; with none of these it is shown.
+struct GrantRequest {
+    CommonOptions common;
+    std::string name;
+    std::vector<std::string> add, remove, set;
+    bool is_cleared = false;
+
+    bool is_asked() const { return add.empty() && remove.empty() && set.empty() && !is_cleared; }
+};
+int grant_user_roles(const GrantRequest& request);
+int grant_user_applications(const GrantRequest& request);
+
+struct ProfileRequest {
+    CommonOptions common;
+    std::string name;
+    std::string profile = {};
+    bool is_cleared = false;
+};
+int give_profile(const ProfileRequest& request);
+
+// What an account is to be. Of a user it applies to: exit code and sentences as above.
+enum class AccountChange { unlock, disable, enable, expire };
+int change_accounts(AccountChange change, const NamesRequest& request);
+
+}  // namespace orvo::admin
