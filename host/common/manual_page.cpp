@@ -141,15 +141,58 @@ std::string words_of(const CLI::App& app) {
     return words;
 }
 
-// Cases of two questions: into which command a word leads, and what may stand in a command.
-void completion_cases(const CLI::App& app, const std::string& path, std::string& steps,
-                      std::string& words) {
-    words += "        '" + path + "') words='" + words_of(app) + "' ;;\n";
-    for (const CLI::App* below : app.get_subcommands({})) {
-        const std::string deeper = path + " " + below->get_name();
-        steps += "            '" + deeper + "') path='" + deeper + "' ;;\n";
-        completion_cases(*below, deeper, steps, words);
+// The cases of a completion function's questions, for all commands.
+struct CompletionCases {
+    const std::vector<std::string>& kinds;
+    std::string steps;   // into which command a word leads
+    std::string words;   // what may stand in a command
+    std::string values;  // of which kind an option's value is, or an argument
+
+    void add(const CLI::App& app, const std::string& path) {
+        words += "        '" + path + "') words='" + words_of(app) + "' ;;\n";
+        for (const CLI::Option* option : options_of(app))
+            if (option->get_type_size() != 0)
+                for (const std::string& name : option->get_lnames())
+                    add_value("'" + path + " --" + name + "'", *option);
+        for (const CLI::Option* option : positionals_of(app))
+            if (is_completed(*option)) add_value("'" + path + " '*", *option);
+        for (const CLI::App* below : app.get_subcommands({})) {
+            const std::string deeper = path + " " + below->get_name();
+            steps += "            '" + deeper + "') path='" + deeper + "' ;;\n";
+            add(*below, deeper);
+        }
     }
+
+private:
+    bool is_completed(const CLI::Option& option) const {
+        return std::ranges::find(kinds, value_name(option)) != kinds.end();
+    }
+    void add_value(const std::string& pattern, const CLI::Option& option) {
+        if (kinds.empty()) return;
+        values += "        " + pattern +
+                  ") kind=" + (is_completed(option) ? value_name(option) : std::string("none")) +
+                  " ;;\n";
+    }
+};
+
+// Where a name is expected, the program is asked for names, of the site that the line names.
+std::string names_of_kinds(const std::string& program, const std::string& values) {
+    return "    local kind= site=() current=\"${COMP_WORDS[COMP_CWORD]}\" at\n"
+           "    case \"$path ${COMP_WORDS[COMP_CWORD-1]}\" in\n" +
+           values +
+           "    esac\n"
+           "    [[ $kind != none ]] || return 0\n"
+           "    if [[ $kind && $current != -* ]]; then\n"
+           "        for ((at = 1; at < COMP_CWORD - 1; at++)); do\n"
+           "            [[ ${COMP_WORDS[at]} != --site ]] || site=(--site "
+           "\"${COMP_WORDS[at+1]}\")\n"
+           "        done\n"
+           "        mapfile -t COMPREPLY < <(" +
+           program +
+           " completion \"${site[@]}\" -- \"$kind\" \"${current//\\\\/}\" 2>/dev/null |\n"
+           "            while IFS= read -r word; do printf '%q\\n' \"$word\"; done)\n"
+           "        return 0\n"
+           "    fi\n";
 }
 
 }  // namespace
@@ -189,23 +232,24 @@ std::string manual_page(const CLI::App& program, const std::string& see_also) {
     return out.str();
 }
 
-std::string bash_completion(const CLI::App& program) {
-    std::string steps, words;
-    completion_cases(program, "", steps, words);
+std::string bash_completion(const CLI::App& program, const std::vector<std::string>& kinds) {
+    CompletionCases cases{kinds, {}, {}, {}};
+    cases.add(program, "");
     std::string function = "_" + program.get_name();
     std::ranges::replace(function, '-', '_');
     std::string loop;
-    if (!steps.empty())
+    if (!cases.steps.empty())
         loop =
             "    for word in \"${COMP_WORDS[@]:1:COMP_CWORD-1}\"; do\n"
             "        case \"$path $word\" in\n" +
-            steps +
+            cases.steps +
             "        esac\n"
             "    done\n";
     return function +
            "() {\n"
            "    local word path= words=\n" +
-           loop + "    case \"$path\" in\n" + words +
+           loop + (kinds.empty() ? "" : names_of_kinds(program.get_name(), cases.values)) +
+           "    case \"$path\" in\n" + cases.words +
            "    esac\n"
            "    mapfile -t COMPREPLY < <(compgen -W \"$words\" -- \"${COMP_WORDS[COMP_CWORD]}\")\n"
            "}\n"

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -13,6 +14,8 @@ namespace orvo {
 std::string manual_page(const CLI::App& program, const std::string& see_also);
 
 // What bash completes of the program's commands and options (a file for its completions' folder).
-std::string bash_completion(const CLI::App& program);
+//   kinds  of values that the program itself knows: where an option's or argument's value_name is
+//          "USER", bash asks "PROGRAM completion USER BEGIN", which prints one in a line
+std::string bash_completion(const CLI::App& program, const std::vector<std::string>& kinds);
 
 }  // namespace orvo

@@ -6,6 +6,7 @@
 #include <map>
 
 #include "host/admin/commands.h"
+#include "host/admin/people/common_arguments.h"
 #include "host/common/manual_page.h"
 #include "host/register/options.h"
 #include "host/script/options.h"
@@ -21,10 +22,14 @@ std::unique_ptr<orvo::CommandLine> make() {
 struct Program {
     std::unique_ptr<orvo::CommandLine> (*command_line)();
     const char* see_also;
+    std::vector<std::string> completed = {};
 };
 
 const std::map<std::string, Program> programs{
-    {"orvo", {make<orvo::admin::Commands>, "orvo-site.ini(5), orvo-web(1)"}},
+    {"orvo",
+     {make<orvo::admin::Commands>,
+      "orvo-site.ini(5), orvo-web(1)",
+      {orvo::admin::user_argument, orvo::admin::role_argument, orvo::admin::profile_argument}}},
     {"orvo-register", {make<orvo::RegisterCommandLine>, "orvo-script(1)"}},
     {"orvo-script", {make<orvo::script::ScriptCommandLine>, "orvo-site.ini(5), orvo-web(1)"}},
     {"orvo-web",
@@ -44,7 +49,7 @@ int main(int count, char** words) {
     if (const std::optional<int> code = line.read(count, words)) return *code;
     const Program& program = programs.at(name);
     const auto described = program.command_line();
-    std::cout << (is_completion ? orvo::bash_completion(*described)
+    std::cout << (is_completion ? orvo::bash_completion(*described, program.completed)
                                 : orvo::manual_page(*described, program.see_also));
     return std::cout.flush() ? 0 : 1;
 }
