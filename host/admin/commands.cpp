@@ -3,8 +3,8 @@
 #include "host/admin/audit/audit_commands.h"
 #include "host/admin/diagnosis/diagnosis_commands.h"
 #include "host/admin/directory/directory_commands.h"
-#include "host/admin/process/process_commands.h"
 #include "host/admin/people/people_commands.h"
+#include "host/admin/process/process_commands.h"
 #include "host/admin/setup/setup_commands.h"
 
 namespace orvo::admin {
