@@ -20,11 +20,8 @@ namespace {
 using namespace orvo::web;
 
 SessionLimits session_limits(const Site& site, const ServerOptions& server) {
-    // What waits for its session holds a worker: some are left to the others, whoever asks.
-    constexpr int of_a_browser = 6, left_to_others = 2;
-    const int share = server.directory_workers();
-    const int usual = std::max({2, share / 2, std::min(of_a_browser, share - left_to_others)});
-    const int requests = site.requests_of_one_session.value_or(usual);
+    const int requests = site.requests_of_one_session.value_or(
+        usual_requests_of_one_session(server.directory_workers()));
     return {.timeout = site.session_timeout,
             .absolute = site.session_lifetime,
             .most_bytes = site.session_memory,

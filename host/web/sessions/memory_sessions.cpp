@@ -1,5 +1,7 @@
 #include "host/web/sessions/memory_sessions.h"
 
+#include <algorithm>
+
 #include "host/web/messages/http_message.h"
 #include "host/web/messages/random_token.h"
 
@@ -56,6 +58,12 @@ SessionLogin login_in(const NamedValues& values) {
         return value.is_text() ? Text(value.text_view()) : Text();
     };
     return {text(u"QUENDRAID"), text(u"REMOTE_ACCOUNT")};
+}
+
+int usual_requests_of_one_session(int directory_workers) {
+    constexpr int of_a_browser = 6, left_to_others = 2, least = 2;
+    return std::max(
+        {least, directory_workers / 2, std::min(of_a_browser, directory_workers - left_to_others)});
 }
 
 MemorySessions::MemorySessions(SessionLimits limits, std::function<SessionClock::time_point()> now)

@@ -20,10 +20,15 @@ struct SessionLimits {
     // ago: first those without values, then those in which nobody has logged in, then the others.
     std::size_t most = 50'000;
     std::size_t most_bytes = 256 * 1024 * 1024;
-    // Requests that wait for one session while another one has it; more are refused. A browser
-    // has six connections to a site.
+    // Requests that wait for one session while another one has it; more are refused.
     std::size_t most_waiting = 5;
 };
+
+// How many requests of one session may be there at once where the site does not say it. Each that
+// waits holds one of the workers that may wait for the directory: half of them, or as many as a
+// browser has connections to a site (six), but two are left to others where there are more than
+// that.
+int usual_requests_of_one_session(int directory_workers);
 
 // Sessions in the memory of this process.
 class MemorySessions : public SessionStore {

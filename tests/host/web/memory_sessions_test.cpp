@@ -194,6 +194,12 @@ TEST_F(MemorySessionsTest, ItsWaitingRequestsLeavePlacesAmongTheWorkersToOthers)
     EXPECT_EQ(served, 2);
 }
 
+TEST(RequestsOfOneSession, AreAsManyAsABrowserHasConnectionsWhereOthersHaveWorkersLeft) {
+    for (const auto& [workers, requests] : std::initializer_list<std::pair<int, int>>{
+             {1, 2}, {3, 2}, {4, 2}, {6, 4}, {8, 6}, {12, 6}, {13, 6}, {24, 12}})
+        EXPECT_EQ(usual_requests_of_one_session(workers), requests) << workers;
+}
+
 TEST_F(MemorySessionsTest, ARequestThatWaitedDoesNotGetASessionThatWasRenewedMeanwhile) {
     const std::string id = create();
     auto lease = open(id);
