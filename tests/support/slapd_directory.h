@@ -7,7 +7,7 @@
 namespace orvo {
 
 // A directory server, in front of which is the provider over LDAP.
-class SlapdDirectory final : public TestDirectory {
+class SlapdDirectory : public TestDirectory {
 public:
     explicit SlapdDirectory(const DirectoryOptions& options);
 

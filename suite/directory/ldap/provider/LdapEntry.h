@@ -126,7 +126,7 @@ private:
     AuditedChange change_of(const std::string& attribute) const;
     std::vector<std::string> current_values(const std::string& attribute);
     const MappedAttribute* attribute_of_groups(const std::string& name) const;
-    EntryData as_groups_see_it(const MappedAttribute& attribute);
+    EntryData as_groups_see_it();
     std::vector<std::string> values_of_groups(const MappedAttribute& attribute);
     void assign_groups(const MappedAttribute& attribute, const std::vector<std::string>& values);
     std::vector<std::string> account_values(const std::string& attribute) const;

@@ -12,11 +12,10 @@ const MappedAttribute* LdapEntry::attribute_of_groups(const std::string& name) c
     return attribute && attribute->is_of_groups() ? attribute : nullptr;
 }
 
-// What tells who is whose member: by the entry's name there is nothing to be read.
-EntryData LdapEntry::as_groups_see_it(const MappedAttribute& attribute) {
+EntryData LdapEntry::as_groups_see_it() {
     EntryData theirs{name_, {}};
-    for (const std::string& name : mapped_->translation().asked({&attribute.name, 1}))
-        if (name != "1.1") theirs.attributes.push_back({name, current_values(name)});
+    for (const std::string& name : MappedGroups(*mapped_).asked(name_))
+        theirs.attributes.push_back({name, current_values(name)});
     return theirs;
 }
 
@@ -24,7 +23,7 @@ std::vector<std::string> LdapEntry::values_of_groups(const MappedAttribute& attr
     using Known = MappedGroups::Known;
     const bool may_be_known = is_first_reading(attribute.name) || client_.cache().is_on();
     std::vector<std::string> values = MappedGroups(*mapped_).values_of(
-        attribute, as_groups_see_it(attribute), may_be_known ? Known::used : Known::not_used);
+        attribute, as_groups_see_it(), may_be_known ? Known::used : Known::not_used);
     if (values.empty() && mapped_->map().is_user(name_)) values = attribute.otherwise;
     return values;
 }
@@ -32,8 +31,7 @@ std::vector<std::string> LdapEntry::values_of_groups(const MappedAttribute& attr
 void LdapEntry::assign_groups(const MappedAttribute& attribute,
                               const std::vector<std::string>& values) {
     const NotedWrite noted(client_.writes(), key_);
-    MappedGroups(*mapped_).assign(attribute, as_groups_see_it(attribute), values, client_.writes(),
-                                  *login_);
+    MappedGroups(*mapped_).assign(attribute, as_groups_see_it(), values, client_.writes(), *login_);
 }
 
 // As it is configured at this moment; nothing of it is kept.

@@ -137,18 +137,24 @@ std::optional<SearchRequest> MappedDirectory::user_search(const std::string& nam
     return request;
 }
 
-std::optional<std::string> MappedDirectory::find(const std::string& name) {
+std::vector<std::string> MappedDirectory::all_called(const std::string& name) {
     const std::optional<SearchRequest> request = user_search(name);
-    if (!request) return map_->login ? name : map_->their_name(name);
-    const std::vector<std::string> found = names_found(*request, too_many_users);
+    if (request) return names_found(*request, too_many_users);
+    return {map_->login ? name : map_->their_name(name)};
+}
+
+std::optional<std::string> MappedDirectory::find(const std::string& name) {
+    std::vector<std::string> found = all_called(name);
     if (found.size() != 1) return std::nullopt;
-    return found.front();
+    return std::move(found.front());
 }
 
 std::string MappedDirectory::require(const std::string& name) {
-    if (auto found = find(name)) return std::move(*found);
+    std::vector<std::string> found = all_called(name);
+    if (found.size() == 1) return std::move(found.front());
     raise_code(result_code::no_such_object,
-               "No user, or more than one, is called " + quoted_name(name) + ".");
+               (found.empty() ? "No user is called " : "More than one user is called ") +
+                   quoted_name(name) + ".");
 }
 
 ServerLogin MappedDirectory::login(TextView user, const Secret& password) {

@@ -29,7 +29,7 @@ public:
     // The real name of the entry that is called so: of a user the one entry that matches; anybody
     // else's name is the name. Nothing where no entry matches, or several.
     std::optional<std::string> find(const std::string& name);
-    // The same; raises 0x80072030 where there is none.
+    // The same; raises 0x80072030, and says whether none or several match.
     std::string require(const std::string& name);
 
     // Who works with these credentials, as ServerLogin has it, under the real name. Raises
@@ -54,6 +54,7 @@ private:
                     const std::optional<Limits>& limits)
         : client_(&client), server_(server), map_(std::move(map)), limits_(limits) {}
 
+    std::vector<std::string> all_called(const std::string& name);
     std::optional<SearchRequest> user_search(const std::string& name) const;
     ServerLogin& service();
     // Runs `body` with the service account, whose failures are not those of the user.

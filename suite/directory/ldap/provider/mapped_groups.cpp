@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "suite/directory/entries/entry_order.h"
 #include "suite/directory/names/name_parts.h"
 #include "suite/directory/policy/failures.h"
 
@@ -11,6 +12,7 @@ namespace {
 
 constexpr const char* chain_rule = "1.2.840.113556.1.4.1941";
 constexpr const char* member_of_attribute = "memberOf";
+constexpr const char* user_id = "uid";
 // Of one entry; who is in more is in some of them.
 constexpr std::size_t most_groups = 1000;
 // A filter that names more is longer than some servers read.
@@ -62,8 +64,10 @@ bool MappedGroups::has_chain_rule() const {
 // The entry as its groups name it.
 std::string MappedGroups::member_of(const EntryData& theirs) const {
     if (directory_.map().groups.kind != GroupRules::Kind::posix) return theirs.name;
-    const std::vector<std::string> uids = values_in(theirs, "uid");
-    return uids.empty() ? std::string() : uids.front();
+    const NamingPart naming = naming_part(theirs.name);
+    if (ascii::equal_ignoring_case(naming.attribute, user_id)) return naming.value;
+    const std::vector<std::string> ids = values_in(theirs, user_id);
+    return ids.empty() ? std::string() : ids.front();
 }
 
 std::string MappedGroups::comparable(std::string_view member) const {
@@ -108,6 +112,14 @@ MappedGroups::Names MappedGroups::groups_of(const EntryData& theirs, std::size_t
         members = std::move(next);
     }
     return groups;
+}
+
+std::vector<std::string> MappedGroups::asked(const std::string& entry) const {
+    if (is_told_by_entries()) return {member_of_attribute};
+    const bool is_named_by_id = ascii::equal_ignoring_case(naming_part(entry).attribute, user_id);
+    if (directory_.map().groups.kind == GroupRules::Kind::posix && !is_named_by_id)
+        return {user_id};
+    return {};
 }
 
 std::vector<std::string> MappedGroups::values_of(const MappedAttribute& ours,
@@ -199,7 +211,7 @@ std::optional<MappedFilter> MappedGroups::condition(const MappedGroup& group) co
     MappedFilter condition{{.kind = Filter::Kind::any_of}, false};
     for (const std::string& member : loaded->second.written) {
         if (directory_.map().groups.kind == GroupRules::Kind::posix) {
-            condition.sent.parts.push_back(equality("uid", member));
+            condition.sent.parts.push_back(equality(user_id, member));
             continue;
         }
         const auto parts = try_name_parts(member);

@@ -17,8 +17,10 @@ class MappedGroups {
 public:
     explicit MappedGroups(MappedDirectory& directory) : directory_(directory) {}
 
-    // Our values that an entry of theirs has, of which `theirs` holds what Translation::asked
-    // names.
+    // What has to be known of the entry of this name, beside the name, to tell its groups.
+    std::vector<std::string> asked(const std::string& entry) const;
+
+    // Our values that an entry of theirs has, of which `theirs` holds what `asked` names.
     using Known = MappedDirectory::Known;
     std::vector<std::string> values_of(const MappedAttribute& ours, const EntryData& theirs,
                                        Known known = Known::used);

@@ -4,6 +4,7 @@
 #include "platform/objects/dictionary/dictionary.h"
 #include "suite/directory/embedded/provider/EmbeddedDirectory.h"
 #include "suite/directory/ldap/provider/LdapDirectory.h"
+#include "tests/suite/directory/provider/mapped_shop.h"
 
 namespace orvo::directory {
 
@@ -68,6 +69,15 @@ Given new_user(const Text& name, const Text& password) {
             {u"sn", u""},
             {u"OrvoUserType", u""},
             {u"objectClass", Values{u"orvoPerson", u"top"}}};
+}
+
+std::vector<DirectoryKind> every_provider() {
+    std::vector<DirectoryKind> kinds = every_directory();
+    kinds.push_back({"Mapped", u"OrvoDirectory.Ldap",
+                     [](const DirectoryOptions& options) -> std::unique_ptr<TestDirectory> {
+                         return std::make_unique<MappedShop>(options);
+                     }});
+    return kinds;
 }
 
 ProviderTest::ProviderTest(const DirectoryOptions& options)

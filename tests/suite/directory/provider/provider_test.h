@@ -32,6 +32,9 @@ using Rows = Ref<RecordSet>;
 using Row = std::vector<Variant>;
 using Given = std::vector<std::pair<Text, Variant>>;
 
+// Those of every_directory, and one that is seen through a map.
+std::vector<DirectoryKind> every_provider();
+
 struct Login {
     std::string user;
     std::string password;
@@ -68,6 +71,9 @@ protected:
     };
     explicit ProviderTest(const Shared& shared);
     static void TearDownTestSuite() { shared_.clear(); }
+
+    // Whether users are looked for, which tells names that nobody has in words of its own.
+    static bool is_looked_for() { return std::string_view(GetParam().name) == "Mapped"; }
 
     static Login service() {
         return {TestDirectory::service_dn(), TestDirectory::service_password()};
@@ -119,6 +125,6 @@ protected:
 }  // namespace orvo::directory
 
 // Runs the tests of a fixture for every kind of directory.
-#define FOR_EVERY_DIRECTORY(fixture)                                                \
-    INSTANTIATE_TEST_SUITE_P(, fixture, testing::ValuesIn(orvo::every_directory()), \
+#define FOR_EVERY_DIRECTORY(fixture)                                                          \
+    INSTANTIATE_TEST_SUITE_P(, fixture, testing::ValuesIn(orvo::directory::every_provider()), \
                              [](const auto& info) { return info.param.name; })

@@ -28,7 +28,11 @@ TEST_F(MappedUsers, OfOneNameAreNobodyWhicheverPasswordComes) {
     EXPECT_EQ(checked("twin"), -1);
     EXPECT_EQ(checked("tina.winter@company.example"), 0);
     LdapEntry entry({}, client_);
-    EXPECT_EQ(failure_of([&] { bind(entry, "twin"); }).number, error_number(0x80072030));
+    EXPECT_EQ(failure_of([&] { bind(entry, "twin"); }).description,
+              u"(32) There is no such entry. More than one user is called "
+              u"'uid=twin,ou=People,o=Company'.");
+    EXPECT_EQ(failure_of([&] { bind(entry, "nobody"); }).description,
+              u"(32) There is no such entry. No user is called 'uid=nobody,ou=People,o=Company'.");
     const Failure login =
         failure_of([&] { bind(entry, path_of("twin"), "company-sample", u"uid=jsmith"); });
     EXPECT_EQ(login.number, error_number(0x8007052E));
