@@ -6,6 +6,7 @@
 #include "host/admin/people/people_commands.h"
 #include "host/admin/process/process_commands.h"
 #include "host/admin/setup/setup_commands.h"
+#include "host/admin/transfer/transfer_commands.h"
 
 namespace orvo::admin {
 
@@ -15,6 +16,7 @@ Commands::Commands()
     add_setup_commands(*this);
     add_user_commands(*this);
     add_profile_commands(*this);
+    add_transfer_commands(*this);
     add_directory_commands(*this);
     add_diagnosis_commands(*this);
     add_audit_commands(*this);

@@ -23,7 +23,7 @@ void add_row_options(CLI::App& command, RowOptions& options) {
             "How the rows are written: table, csv, json or ldif")
         ->type_name("FORMAT")
         ->check(CLI::IsMember({"table", "csv", "json", "ldif"}))
-        ->default_str("table");
+        ->default_str(std::string(name_of(options.format)));
     command
         .add_option("--columns", options.columns, "The columns, by their attributes: cn,mail,sn")
         ->type_name("NAMES")

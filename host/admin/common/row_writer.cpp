@@ -128,6 +128,10 @@ std::optional<Format> try_format(std::string_view name) {
     return found == formats.end() ? std::nullopt : std::optional(found->second);
 }
 
+std::string_view name_of(Format format) {
+    return std::ranges::find(formats, format, &std::pair<std::string_view, Format>::second)->first;
+}
+
 std::unique_ptr<RowWriter> make_row_writer(Format format, std::ostream& out,
                                            std::vector<Column> columns, const Terminal& terminal) {
     switch (format) {

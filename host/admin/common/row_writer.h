@@ -17,6 +17,7 @@ enum class Format { table, csv, json, ldif };
 
 // Nothing for another name than "table", "csv", "json" or "ldif".
 std::optional<Format> try_format(std::string_view name);
+std::string_view name_of(Format format);
 
 struct Column {
     std::string name;      // the attribute's

@@ -1,0 +1,183 @@
+// orvo import and orvo export, on every kind of directory.
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+
+#include "tests/host/admin/orvo_site.h"
+
+namespace orvo {
+namespace {
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+class OrvoTransfer : public OrvoSite {
+protected:
+    std::string path(const std::string& name) { return (folder_.path() / name).string(); }
+    std::string file(const std::string& name, const std::string& text) {
+        return folder_.write(name, text).string();
+    }
+    std::vector<std::string> values(const std::string& user, const std::string& attribute) {
+        return directory_->values(directory_->user_dn(user), attribute);
+    }
+    int bind(const std::string& user, const std::string& password) {
+        return directory_->bind(directory_->user_dn(user), password);
+    }
+
+    const std::string two_users_ =
+        "cn,sn,mail,OrvoRole,OrvoUserType,password\r\n"
+        "ada,Lovelace,ada@shop.example,1;24,1,first-secret\r\n"
+        "grace,\"Hopper, Grace\",,,1,\r\n";
+};
+
+INSTANTIATE_TEST_SUITE_P(On, OrvoTransfer, testing::ValuesIn(every_directory()), name_of_directory);
+
+TEST_P(OrvoTransfer, MakesUsersWithAllThatTheyHave) {
+    const std::string csv = file("two.csv", two_users_);
+    EXPECT_EQ(done({"import", csv}), csv + ": 2 made, 0 changed, 0 unchanged, 0 refused.\n");
+    EXPECT_THAT(values("ada", "sn"), ElementsAre("Lovelace"));
+    EXPECT_THAT(values("ada", "OrvoRole"), ElementsAre("1", "24"));
+    EXPECT_EQ(values("ada", "OrvoGUID").front().size(), 32u);
+    EXPECT_EQ(bind("ada", "first-secret"), 0);
+    EXPECT_THAT(values("grace", "sn"), ElementsAre("Hopper, Grace"));
+    EXPECT_THAT(values("grace", "mail"), ElementsAre()) << "an empty cell says nothing";
+}
+
+TEST_P(OrvoTransfer, DoesNothingTheSecondTime) {
+    const std::string csv = file("two.csv", two_users_);
+    done({"import", csv, "--quiet"});
+    EXPECT_EQ(done({"import", csv}), csv + ": 0 made, 0 changed, 2 unchanged, 0 refused.\n");
+    EXPECT_EQ(bind("ada", "first-secret"), 0);
+}
+
+TEST_P(OrvoTransfer, SaysLineByLineWhatItWouldDo) {
+    done({"import", "-", "--quiet"}, two_users_);
+    EXPECT_EQ(done({"import", "-", "--dry-run", "--update", "--create"},
+                   "cn,sn,mail\r\nada,Lovelace,ada@shop.example\r\ngrace,Murray,g@shop.example\r\n"
+                   "kay,McNulty,\r\n"),
+              "line 2: ada: is as it should be\n"
+              "line 3: grace: would get other values: sn, mail\n"
+              "line 4: kay: would be made\n"
+              "standard input: 1 would be made, 1 would be changed, 1 unchanged, 0 refused.\n");
+    EXPECT_THAT(values("grace", "sn"), ElementsAre("Hopper, Grace"));
+    EXPECT_THAT(done({"users", "list", "--name", "kay"}), Not(HasSubstr("McNulty")));
+}
+
+TEST_P(OrvoTransfer, ChangesWhoIsThereWhenItIsToldTo) {
+    done({"import", "-", "--quiet"}, two_users_);
+    const std::string other = "cn,sn,mail,password\r\nada,Byron,,other-secret\r\n";
+    const Ended refused = orvo({"import", "-"}, other);
+    EXPECT_EQ(refused.code, 1);
+    EXPECT_EQ(refused.err,
+              "standard input, line 2: ada: is there, with other values: sn (--update "
+              "would change them)\n");
+    EXPECT_EQ(done({"import", "-", "--update"}, other),
+              "standard input: 0 made, 1 changed, 0 unchanged, 0 refused.\n");
+    EXPECT_THAT(values("ada", "sn"), ElementsAre("Byron"));
+    EXPECT_THAT(values("ada", "mail"), ElementsAre("ada@shop.example"));
+    EXPECT_EQ(bind("ada", "first-secret"), 0) << "a password is not changed by an import";
+
+    const Ended unknown = orvo({"import", "-", "--update"}, "cn,sn\r\nkay,McNulty\r\n");
+    EXPECT_EQ(unknown.err, "standard input, line 2: kay: there is no such user\n");
+}
+
+TEST_P(OrvoTransfer, WritesWhatWasRefusedAsAFileThatCanBeCorrectedAndImported) {
+    const std::string csv =
+        file("users.csv",
+             "cn,sn,OrvoRole,password\r\nada,Lovelace,1,first-secret\r\n"
+             "\"Hopper, Grace\",Hopper,much,second-secret\r\nada,Again,,\r\nshort\r\n");
+    const Ended ended = orvo({"import", csv, "--refused", path("refused.csv")});
+    EXPECT_EQ(ended.code, 3);
+    EXPECT_EQ(ended.out, csv + ": 1 made, 0 changed, 0 unchanged, 3 refused.\n");
+    EXPECT_THAT(ended.err, HasSubstr(csv + ", line 3: Hopper, Grace: "));
+    EXPECT_THAT(ended.err, HasSubstr(csv + ", line 4: ada: line 2 has this user, too\n"));
+    EXPECT_THAT(ended.err,
+                HasSubstr(csv + ", line 5: short: it has 1 cells, and the first line 4\n"));
+    const std::string refused = content_of(path("refused.csv"));
+    EXPECT_THAT(refused, StartsWith("\"cn\",\"sn\",\"OrvoRole\",\"password\",#line,#reason\r\n"
+                                    "\"Hopper, Grace\",\"Hopper\",\"much\",\"\",3,"));
+    EXPECT_THAT(refused, HasSubstr("\r\n\"short\",5,\"it has 1 cells, and the first line 4\"\r\n"));
+    EXPECT_THAT(refused, Not(HasSubstr("secret")));
+    EXPECT_THAT(done({"users", "list", "--name", "Hopper*"}), Not(HasSubstr("Hopper, Grace")));
+
+    const std::size_t much = refused.find("much");
+    file("refused.csv", refused.substr(0, much) + "24" + refused.substr(much + 4));
+    EXPECT_EQ(orvo({"import", path("refused.csv")}).out,
+              path("refused.csv") + ": 1 made, 0 changed, 0 unchanged, 2 refused.\n");
+    EXPECT_THAT(values("Hopper\\, Grace", "OrvoRole"), ElementsAre("24"));
+    EXPECT_EQ(orvo({"import", csv, "--refused", path("refused.csv")}).err,
+              "orvo: " + path("refused.csv") + " is there already\n");
+}
+
+TEST_P(OrvoTransfer, RefusesFilesThatAreNone) {
+    EXPECT_EQ(refused({"import", path("no.csv")}),
+              "orvo: " + path("no.csv") + ": No such file or directory\n");
+    EXPECT_THAT(refused({"import", "-"}, ""),
+                StartsWith("orvo: standard input, the file is empty;"));
+    EXPECT_THAT(
+        refused({"import", "-"}, "name,sn\r\n"),
+        StartsWith("orvo: standard input, line 1: no column is named cn; the first line has "
+                   "the attributes' names;"));
+    EXPECT_THAT(refused({"import", "-"}, "cn,sn,SN\r\n"),
+                StartsWith("orvo: standard input, line 1: two columns are named sn;"));
+    const std::string before_that =
+        "0 made, 0 changed, 0 unchanged, 0 refused before that; run it "
+        "again to go on\n";
+    EXPECT_EQ(refused({"import", "-"}, "cn,sn\r\n\"ada,x\r\n"),
+              "orvo: standard input, line 2: a quotation mark has no second one; " + before_that);
+}
+
+TEST_P(OrvoTransfer, AnExportIsWhatAnImportNeeds) {
+    for (const std::string format : {"csv", "ldif"}) {
+        const std::string written = path("all." + format);
+        EXPECT_EQ(done({"export", written, "--format", format}),
+                  written + ": 197 users written.\n");
+        EXPECT_EQ(done({"import", written}),
+                  written + ": 0 made, 0 changed, 197 unchanged, 0 refused.\n");
+        EXPECT_THAT(content_of(written),
+                    AllOf(Not(HasSubstr("userPassword")), Not(HasSubstr("{"))));
+    }
+    done({"users", "remove", "jsmith"});
+    EXPECT_EQ(done({"import", path("all.ldif")}),
+              path("all.ldif") + ": 1 made, 0 changed, 196 unchanged, 0 refused.\n");
+    EXPECT_EQ(done({"import", path("all.csv")}),
+              path("all.csv") + ": 0 made, 0 changed, 197 unchanged, 0 refused.\n");
+    EXPECT_THAT(refused({"export", path("all.csv")}), HasSubstr("all.csv"))
+        << "no file is replaced";
+}
+
+TEST_P(OrvoTransfer, TakesUsersOfAnLdifFileAlone) {
+    const std::string ldif =
+        "version: 1\n\n"
+        "dn: " +
+        directory_->user_dn("ada") +
+        "\nobjectClass: person\ncn: ada\nsn: Lovelace\n"
+        "userPassword: first-secret\n\n"
+        "dn: cn=ada,ou=Elsewhere,o=Shop\ncn: ada\nsn: Lovelace\nuserPassword: second-secret\n\n"
+        "dn: " +
+        directory_->user_dn("jsmith") + "\nchangetype: delete\n\n";
+    const Ended ended = orvo({"import", "-", "--refused", path("refused.ldif")}, ldif);
+    EXPECT_EQ(ended.out, "standard input: 1 made, 0 changed, 0 unchanged, 2 refused.\n");
+    EXPECT_EQ(bind("ada", "first-secret"), 0);
+    EXPECT_THAT(values("jsmith", "sn"), ElementsAre("Smith"));
+    EXPECT_THAT(content_of(path("refused.ldif")),
+                AllOf(HasSubstr("# line 9: it is no user's entry: cn=…,ou=Users,o=Shop\n"
+                                "dn: cn=ada,ou=Elsewhere,o=Shop\ncn: ada\nsn: Lovelace\n"),
+                      Not(HasSubstr("secret"))));
+}
+
+TEST_P(OrvoTransfer, ShowsHowFarItIsOnATerminalAlone) {
+    std::string csv = "cn,sn\r\n";
+    for (int i = 0; i < 50; ++i) csv += "user" + std::to_string(i) + ",Name\r\n";
+    PseudoTerminal terminal({ORVO_ADMIN, "import", file("many.csv", csv)});
+    EXPECT_EQ(terminal.wait(), 0);
+    EXPECT_THAT(terminal.shown(), AllOf(HasSubstr("\rImporting " + path("many.csv") + " ["),
+                                        HasSubstr("50 made, 0 changed, 0 unchanged, 0 refused.")));
+}
+
+}  // namespace
+}  // namespace orvo
