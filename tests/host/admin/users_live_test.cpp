@@ -374,6 +374,23 @@ TEST_P(OrvoUsers, NeedASiteWithAServiceAccount) {
                            "MemScriptCode in the site's settings ("));
 }
 
+TEST_P(OrvoUsers, StayAsTheyAreWhereTheServiceAccountHasNoRights) {
+    std::string settings = content_of(directory_->site_ini());
+    const auto put = [&](const std::string& key, const std::string& value) {
+        const std::size_t at = settings.find("\n" + key + "=") + 1;
+        settings.replace(at, settings.find('\n', at) - at, key + "=" + value);
+    };
+    put("MemScriptUser", "cn=jsmith,ou=Users");
+    put("MemScriptCode", directory_->user_password());
+    const std::string weak = folder_.write("weak.ini", settings).string();
+    for (const char* command : {"remove", "disable", "expire"})
+        EXPECT_THAT(refused({"users", command, "glee", "--site", weak}),
+                    StartsWith("orvo: the service account has not the right to do that: see the "
+                               "directory's access rules ((50) The rights are not sufficient"))
+            << command;
+    EXPECT_EQ(bind("glee", directory_->user_password()), 0);
+}
+
 TEST_P(OrvoUsers, OfADirectoryThatIsAwayAreOneSentence) {
     std::string settings = content_of(directory_->site_ini());
     settings.replace(settings.find(directory_->server()), directory_->server().size(),
