@@ -158,5 +158,46 @@ TEST_F(MappedGroupsTest, ThatAreNotThereHaveNoMembers) {
     EXPECT_THAT(found(u"(&(objectClass=inetOrgPerson)(OrvoRole=7))"), IsEmpty());
 }
 
+// A server that keeps with each user the groups that name it.
+class MappedMemberOf : public MappedTest {
+protected:
+    MappedMemberOf()
+        : MappedTest({.config = "moduleload memberof\noverlay memberof\nmemberof-refint true\n"}) {
+        use(users +
+            "[DIRECTORY.MAP.GROUPS]\nKind = memberOf\nContainer = ou=Teams\n"
+            "[DIRECTORY.MAP.GROUPS.OrvoRole]\n2 = cn=buyers,ou=Teams\n"
+            "24 = cn=receivers,ou=Teams\n");
+        // It learns of what is written while it runs.
+        const std::string group = "cn=receivers,ou=Teams,o=Company";
+        EXPECT_EQ(probe_.replace(group, "member", {dn("djansen", "Warehouse")}), 0);
+    }
+};
+
+TEST_F(MappedMemberOf, IsReadFromTheEntryItselfAndInOneSearch) {
+    LdapEntry entry({}, client_);
+    bind(entry, "djansen");
+    searches();
+    const long before = searches();
+    EXPECT_EQ(text(entry, u"OrvoRole"), "24");
+    EXPECT_EQ(searches() - before, 0);
+    const long alone = searches();
+    EXPECT_THAT(found(u"(&(objectClass=inetOrgPerson)(OrvoRole=24))", {u"cn", u"OrvoRole"}),
+                ElementsAre("djansen 24"));
+    EXPECT_EQ(searches() - alone, 1);
+    EXPECT_THAT(found(u"(&(objectClass=inetOrgPerson)(!(OrvoRole=24))(cn=d*))"), IsEmpty());
+}
+
+TEST_F(MappedMemberOf, IsChangedInTheGroup) {
+    LdapEntry entry({}, client_);
+    bind(entry, "djansen");
+    set(entry, u"OrvoRole", Values{std::int32_t{2}, std::int32_t{24}});
+    EXPECT_EQ(text(entry, u"OrvoRole"), "2,24");
+    set(entry, u"OrvoRole", Values{std::int32_t{24}});
+    EXPECT_EQ(text(entry, u"OrvoRole"), "24");
+    LdapEntry other({}, client_);
+    bind(other, "djansen");
+    EXPECT_EQ(text(other, u"OrvoRole"), "24");
+}
+
 }  // namespace
 }  // namespace orvo::directory::ldap
