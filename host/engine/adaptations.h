@@ -49,6 +49,22 @@ inline constexpr const char* adaptations = R"js(function (present, last_match, t
         return list;
     }, "sort", 1));
 
+    // The engine's own names are not listed.
+    function add_listing(object, name) {
+        var all = object[name], numbers = Number.prototype, begins =
+            Function.prototype.call.bind(String.prototype.lastIndexOf);
+        define(object, name, present(function (listed) {
+            var names = all(listed), shown = [], i;
+            if (listed !== global && listed !== numbers) return names;
+            for (i = 0; i < names.length; ++i)
+                if (typeof names[i] !== "string" || begins(names[i], "__orvo_", 0) !== 0)
+                    shown[shown.length] = names[i];
+            return shown;
+        }, name, 1));
+    }
+    add_listing(Object, "getOwnPropertyNames");
+    add_listing(Reflect, "ownKeys");
+
     ["Duktape", "CBOR", "Buffer", "TextEncoder", "TextDecoder", "performance"].forEach(
         function (name) { delete global[name]; });
     delete String.fromBufferRaw;

@@ -67,12 +67,12 @@ private:
 // A text of a script's that is rewritten; what is no script raises SyntaxError.
 class Rewriting : public Passage {
 protected:
-    void push_rewritten(duk_context* context, duk_idx_t index) {
+    void push_rewritten(duk_context* context, duk_idx_t index, Within within = Within::nothing) {
         duk_size_t size = 0;
         const char* bytes = duk_require_lstring(context, index, &size);
         attempt(context, [&] {
             try {
-                source_ = rewritten({bytes, size});
+                source_ = rewritten({bytes, size}, within);
             } catch (const SyntaxProblem& problem) {
                 refusal_ = problem.what();
             }
@@ -132,7 +132,7 @@ public:
         const bool is_own = duk_strict_equals(context, 0, -1) != 0;
         push_stash(context, stash::evaluated);
         if (is_own && duk_is_string(context, -1) && !duk_is_symbol(context, -1))
-            push_rewritten(context, -1);
+            push_rewritten(context, -1, Within::other_text);
         return 1;
     }
 };
@@ -164,8 +164,23 @@ public:
     }
 };
 
+// Takes from the error's message what only Duktape's own functions know: a place on their stack.
+void clean_message(duk_context* context) {
+    constexpr std::string_view place = " (stack index ";
+    duk_get_prop_literal(context, 0, "message");
+    const std::string_view message = duk_is_string(context, -1) ? duk_get_string(context, -1) : "";
+    const std::size_t end = message.rfind(place);
+    if (end != std::string_view::npos &&
+        message.find_first_not_of("-0123456789", end + place.size()) == message.size() - 1) {
+        duk_push_lstring(context, message.data(), end);
+        duk_put_prop_literal(context, 0, "message");
+    }
+    duk_pop(context);
+}
+
 // Called by Duktape for each value that is thrown.
 duk_ret_t note_thrown(duk_context* context) {
+    if (duk_is_error(context, 0)) clean_message(context);
     Runtime::of(context).note_thrown(context, duk_is_error(context, 0) != 0);
     duk_dup(context, 0);
     return 1;
@@ -233,8 +248,19 @@ void add_evaluation(duk_context* context) {
     duk_pop_2(context);
 }
 
+void add_ticks(duk_context* context) {
+    put_lasting_global(context, tick_name, tick, 0);
+    duk_get_global_literal(context, "Number");
+    duk_get_prop_literal(context, -1, "prototype");
+    duk_push_string(context, tick_name);
+    duk_push_c_function(context, tick, 0);
+    duk_def_prop(context, -3, DUK_DEFPROP_HAVE_GETTER | DUK_DEFPROP_CLEAR_EC);
+    duk_pop_2(context);
+}
+
 void keep_originals(duk_context* context) {
-    for (const char* name : {stash::error, stash::type_error, stash::syntax_error}) {
+    for (const char* name :
+         {stash::error, stash::type_error, stash::syntax_error, stash::reference_error}) {
         duk_get_global_string(context, name);
         put_stash(context, name);
     }
@@ -321,7 +347,7 @@ const std::string& library_code() {
 }
 
 void add_library(duk_context* context, const std::string& code) {
-    put_lasting_global(context, tick_name, tick, 0);
+    add_ticks(context);
     keep_originals(context);
     add_evaluation(context);
     add_errors(context);

@@ -281,8 +281,8 @@ public:
             const bool is_member = !has_name && duk_is_object(context, 0) &&
                                    duk_has_prop_string(context, 0, member_key);
             if (!is_member)
-                return duk_type_error(context,
-                                      "only a call of an Automation object can be assigned to");
+                raise_error(context, stash::reference_error,
+                            "only a call of an Automation object can be assigned to");
             for (const char* key : {target_key, member_key}) {
                 get_key(context, 0, key);
                 put_key(context, 3, key);

@@ -34,34 +34,31 @@ void Memory::begin_snapshot() { snapshot_.emplace(most_of_a_snapshot); }
 void Memory::take_snapshot() {
     if (all_.next != &all_) throw std::bad_alloc();  // something did not fit into it
     snapshot_->take();
-    used_by_snapshot_ = used_;
 }
 
 void Memory::reset() {
     free_all();
     snapshot_->restore();
-    used_ = used_by_snapshot_;
-    limit_ = no_limit;
+    budget_ = nullptr;
     time_ = nullptr;
     refused_ = false;
     work_ = 0;
     late_ = {};
 }
 
-void Memory::set_limit(std::size_t added) {
-    limit_ = added < no_limit - used_ ? used_ + added : no_limit;
+bool Memory::take(std::size_t bytes) {
+    if (budget_ != nullptr && !budget_->take(bytes)) {
+        refused_ = true;
+        return false;
+    }
+    taken_ += bytes;
+    most_taken_ = std::max(most_taken_, taken_);
+    return true;
 }
 
-bool Memory::fits(std::size_t added) {
-    if (added <= limit_ && used_ <= limit_ - added) return true;
-    refused_ = true;
-    return false;
-}
-
-// Less than nothing where a block has become smaller.
-void Memory::count(std::size_t added) {
-    used_ += added;
-    most_used_ = std::max(most_used_, used_);
+void Memory::give_back(std::size_t bytes) {
+    if (budget_ != nullptr) budget_->give_back(bytes);
+    taken_ -= bytes;
 }
 
 bool Memory::in_time(const void* block, std::size_t size) {
@@ -80,11 +77,15 @@ bool Memory::in_time(const void* block, std::size_t size) {
 }
 
 void* Memory::new_block(std::size_t size) {
-    const bool is_of_snapshot = snapshot_ && !snapshot_->is_taken();
-    void* place = is_of_snapshot ? snapshot_->allocate(sizeof(Head) + size) : nullptr;
-    if (place != nullptr) return block_of(new (place) Head{.size = size});
-    place = std::malloc(sizeof(Head) + size);
-    if (place == nullptr) return nullptr;
+    if (snapshot_ && !snapshot_->is_taken())
+        if (void* place = snapshot_->allocate(sizeof(Head) + size))
+            return block_of(new (place) Head{.size = size});
+    if (!take(size)) return nullptr;
+    void* place = std::malloc(sizeof(Head) + size);
+    if (place == nullptr) {
+        give_back(size);
+        return nullptr;
+    }
     Head* head = new (place) Head{size, &all_, all_.next};
     all_.next->previous = head;
     all_.next = head;
@@ -96,6 +97,7 @@ void Memory::free_block(Head* head) {
         if (!snapshot_->is_taken()) snapshot_->release(head, sizeof(Head) + head->size);
         return;
     }
+    give_back(head->size);
     head->previous->next = head->next;
     head->next->previous = head->previous;
     std::free(head);
@@ -104,18 +106,16 @@ void Memory::free_block(Head* head) {
 void Memory::free_all() {
     for (Head* head = all_.next; head != &all_;) std::free(std::exchange(head, head->next));
     all_.previous = all_.next = &all_;
+    give_back(taken_);
 #ifdef __GLIBC__
     // It keeps what lies below a block in use, which one small block is enough for.
-    if (std::exchange(most_used_, 0) >= much) malloc_trim(0);
+    if (std::exchange(most_taken_, 0) >= much) malloc_trim(0);
 #endif
 }
 
 void* Memory::allocate(void* memory, std::size_t size) {
     Memory& self = *static_cast<Memory*>(memory);
-    if (size == 0 || !self.in_time(nullptr, size) || !self.fits(size)) return nullptr;
-    void* block = self.new_block(size);
-    if (block != nullptr) self.count(size);
-    return block;
+    return size != 0 && self.in_time(nullptr, size) ? self.new_block(size) : nullptr;
 }
 
 void* Memory::reallocate(void* memory, void* block, std::size_t size) {
@@ -127,27 +127,32 @@ void* Memory::reallocate(void* memory, void* block, std::size_t size) {
     Memory& self = *static_cast<Memory*>(memory);
     Head* head = head_of(block);
     const std::size_t before = head->size;
-    if (size > before && (!self.in_time(block, size) || !self.fits(size - before))) return nullptr;
-    if (head->next != nullptr) {
-        head = static_cast<Head*>(std::realloc(head, sizeof(Head) + size));
-        if (head == nullptr) return nullptr;
-        head->previous->next = head->next->previous = head;
-        block = block_of(head);
-    } else if (size > before) {
+    const std::size_t added = size > before ? size - before : 0;
+    if (added > 0 && !self.in_time(block, size)) return nullptr;
+    if (head->next == nullptr && added > 0) {  // one of the snapshot's
         void* copy = self.new_block(size);
         if (copy == nullptr) return nullptr;
-        block = std::memcpy(copy, block, before);
-        self.free_block(std::exchange(head, head_of(block)));
+        std::memcpy(copy, block, before);
+        self.free_block(head);
+        return copy;
+    }
+    if (head->next != nullptr) {
+        if (!self.take(added)) return nullptr;
+        void* moved = std::realloc(head, sizeof(Head) + size);
+        if (moved == nullptr) {
+            self.give_back(added);
+            return nullptr;
+        }
+        head = static_cast<Head*>(moved);
+        head->previous->next = head->next->previous = head;
+        if (size < before) self.give_back(before - size);
     }
     head->size = size;
-    self.count(size - before);
-    return block;
+    return block_of(head);
 }
 
 void Memory::release(void* memory, void* block) {
-    if (block == nullptr) return;
-    static_cast<Memory*>(memory)->used_ -= head_of(block)->size;
-    static_cast<Memory*>(memory)->free_block(head_of(block));
+    if (block != nullptr) static_cast<Memory*>(memory)->free_block(head_of(block));
 }
 
 bool Memory::take_refusal() { return std::exchange(refused_, false); }

@@ -2,11 +2,11 @@
 
 #include <chrono>
 #include <cstddef>
-#include <limits>
 #include <optional>
 
 #include "host/engine/snapshot.h"
 #include "host/engine/time_limit.h"
+#include "platform/objects/context/memory_budget.h"
 
 namespace orvo::script {
 
@@ -34,9 +34,9 @@ public:
     // Frees all blocks but those of the snapshot, which are again what they were. Limits end.
     void reset();
 
-    // From now on, so much may be added to what is used already. Until this is called, there is no
-    // limit: Duktape cannot cope with a lack of memory while it starts.
-    void set_limit(std::size_t added);
+    // What is allocated from now on is taken from there. Until this is called, there is no limit:
+    // Duktape cannot cope with a lack of memory while it starts. The budget outlives its use here.
+    void set_budget(MemoryBudget* budget) { budget_ = budget; }
     // time: null for work that is not limited; outlives its use here.
     void set_time(TimeLimit* time) { time_ = time; }
 
@@ -44,7 +44,6 @@ public:
     static void* reallocate(void* memory, void* block, std::size_t size);
     static void release(void* memory, void* block);
 
-    std::size_t used() const { return used_; }
     // Whether something did not fit since the last question.
     bool take_refusal();
     // The script is about to end, or has: what was refused for lack of time is granted again.
@@ -60,8 +59,8 @@ private:
     static void* block_of(Head* head) { return head + 1; }
     static Head* head_of(void* block) { return static_cast<Head*>(block) - 1; }
 
-    bool fits(std::size_t added);
-    void count(std::size_t added);
+    bool take(std::size_t bytes);
+    void give_back(std::size_t bytes);
     // Whether there is time for this request; block is null for a new one.
     bool in_time(const void* block, std::size_t size);
     void* new_block(std::size_t size);
@@ -78,15 +77,12 @@ private:
         std::chrono::steady_clock::time_point at = {};
     };
 
-    static constexpr std::size_t no_limit = std::numeric_limits<std::size_t>::max();
-
     std::optional<Snapshot> snapshot_;
     Head all_{.previous = &all_, .next = &all_};  // begins and ends the list of all other blocks
     TimeLimit* time_ = nullptr;
-    std::size_t limit_ = no_limit;
-    std::size_t used_ = 0;
-    std::size_t most_used_ = 0;
-    std::size_t used_by_snapshot_ = 0;
+    MemoryBudget* budget_ = nullptr;
+    std::size_t taken_ = 0;  // by all blocks but the snapshot's
+    std::size_t most_taken_ = 0;
     bool refused_ = false;
     std::size_t work_ = 0;  // since the clock was looked at
     Refused late_;

@@ -142,6 +142,7 @@ inline constexpr const char* evaluated = "evaluated";  // what eval is about to 
 inline constexpr const char* error = "Error";
 inline constexpr const char* type_error = "TypeError";
 inline constexpr const char* syntax_error = "SyntaxError";
+inline constexpr const char* reference_error = "ReferenceError";
 }  // namespace stash
 
 // Defines what scripts see of Automation objects: the traps and prototypes above, and the slots of

@@ -63,11 +63,12 @@ Place Program::Content::place_of(int line) const {
 }
 
 std::string compiled(const std::string& source, const std::string& file, unsigned flags) {
+    MemoryBudget budget(compiler_memory);
     Memory memory;
+    memory.set_budget(&budget);
     duk_context* context =
         duk_create_heap(Memory::allocate, Memory::reallocate, Memory::release, &memory, nullptr);
     if (context == nullptr) throw std::bad_alloc();
-    memory.set_limit(compiler_memory);
     Compilation work{source, file, flags};
     if (duk_safe_call(context, compile_source, &work, 0, 1) == DUK_EXEC_SUCCESS)
         return {work.bytes, work.count};

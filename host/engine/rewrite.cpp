@@ -12,6 +12,7 @@ namespace orvo::script {
 namespace {
 
 constexpr std::string_view tick = "__orvo_tick()";
+constexpr std::string_view number_tick = "(0).__orvo_tick";
 constexpr std::string_view counted_tick = "--__orvo_n<0&&(__orvo_n=__orvo_tick())";
 constexpr std::string_view refused_assignment =
     "an assignment to this call cannot be carried out; keep the object in a variable and write "
@@ -43,7 +44,8 @@ std::string unescaped(std::string_view name) {
 
 class Rewriter {
 public:
-    explicit Rewriter(std::string_view source) : source_(source), lexer_(source) {}
+    Rewriter(std::string_view source, Within within)
+        : source_(source), lexer_(source), has_with_(within != Within::nothing) {}
 
     std::string run() {
         for (;;) {
@@ -91,7 +93,7 @@ private:
                 edits_[index].after = loop_tick() + ",";
         } else if (token.is("{")) {
             if (pieces_.follows_word(index, "finally") || follows_catch(index))
-                edits_[index].after = as_statement(tick);
+                edits_[index].after = as_statement(own_tick());
         } else if (token.is(")") && piece.role == Role::loop) {
             if (pieces_.closed().in_at != nowhere) for_in_body_ = index;
         } else if (token.is("}") &&
@@ -104,6 +106,8 @@ private:
         } else if (token.is_word("in")) {
             if (!pieces_.open().empty() && pieces_.open().back().in_at == index)
                 edits_[index].after = " " + loop_tick() + ",";
+        } else if (token.is_word("with") && piece.is_reserved) {
+            has_with_ = true;
         } else if (piece.is_prefix) {
             has_prefix_ = true;
         }
@@ -114,8 +118,11 @@ private:
                pieces_.follows_word(pieces_[brace - 1].partner, "catch");
     }
 
+    std::string_view own_tick() const { return has_with_ ? number_tick : tick; }
+
     // The tick of a loop that is read just now.
     std::string loop_tick() {
+        if (has_with_) return std::string(number_tick);
         for (auto bracket = pieces_.open().rbegin(); bracket != pieces_.open().rend(); ++bracket) {
             const Role role = pieces_[bracket->piece].role;
             if (role != Role::body && role != Role::expression_body) continue;
@@ -180,8 +187,8 @@ private:
         std::string& after = edits_[last].after;
         const bool needs_end = last != opening && !pieces_[last].token.is(";");
         after = (needs_end ? ";" : "") +
-                std::string(edits_[opening].has_loop ? "var __orvo_n=" : "") + std::string(tick) +
-                ";" + after;
+                std::string(edits_[opening].has_loop ? "var __orvo_n=" : "") +
+                std::string(own_tick()) + ";" + after;
     }
 
     // Now that the token behind a call is known: whether something is assigned to the call, or
@@ -293,14 +300,15 @@ private:
     std::vector<Edit> edits_;  // one for each piece
     std::size_t for_condition_ = nowhere;
     std::size_t for_in_body_ = nowhere;  // the ")" before it
+    bool has_with_;                      // whether there may be a `with` around what is read
     bool has_prefix_ = false;            // whether any "++" or "--" stands before its operand
 };
 
 }  // namespace
 
-std::string rewritten(std::string_view source) {
+std::string rewritten(std::string_view source, Within within) {
     if (source.starts_with("\xEF\xBB\xBF")) source.remove_prefix(3);
-    return Rewriter(source).run();
+    return Rewriter(source, within).run();
 }
 
 }  // namespace orvo::script

@@ -110,12 +110,13 @@ Runtime::Runtime(EngineOptions options)
         duk_pop(context_);
         heap_->keep();
     }
+    if (!options_.memory) options_.memory = std::make_shared<MemoryBudget>(options_.memory_limit);
+    memory().set_budget(options_.memory.get());
     if (!options_.create_object) {
         int nothing = 0;
         protect(remove_creation, nothing);
     }
     memory().set_time(&time_);
-    memory().set_limit(options_.memory_limit);
 }
 
 Runtime::~Runtime() {
@@ -254,7 +255,7 @@ void Runtime::raise_uncaught() {
     if (lacks_memory)
         throw ScriptError(Trouble::memory_limit, place,
                           "The script needed more memory than it may (" +
-                              shown_megabytes(options_.memory_limit) + ")");
+                              shown_megabytes(options_.memory->limit()) + ")");
     if (!described) message = u"a failure that cannot be described";
     if (number != no_number && !description.empty())
         message = description;

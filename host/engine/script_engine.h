@@ -21,6 +21,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/objects/context/memory_budget.h"
 #include "platform/values/object.h"
 #include "platform/values/variant.h"
 
@@ -96,9 +97,11 @@ struct EngineOptions {
     std::function<Object(const Text& progid)> create_object = {};
     // Asked only where such an object is given away; without it no member is.
     TakesTexts takes_texts = {};
-    // Bytes that the script's own code and values may take; what Automation objects take is not
-    // counted.
+    // Bytes that the script's own code and values may take.
     std::size_t memory_limit = std::size_t{64} << 20;
+    // What they are taken from together with others', instead: other engines' of the thread, and
+    // objects that tell what they hold (platform/objects/context/memory_account.h).
+    std::shared_ptr<MemoryBudget> memory = {};
 };
 
 enum class Ending {

@@ -8,6 +8,7 @@
 #include "host/engine/script_engine.h"
 #include "host/script/options.h"
 #include "host/script/script_host.h"
+#include "platform/interfaces/late_member.h"
 
 namespace {
 
@@ -50,7 +51,13 @@ int run(Request request) {
     try {
         std::vector<Program> programs;
         for (const std::string& path : request.files) programs.push_back(program_of(path));
-        Engine engine({.create_object = make_for_script, .memory_limit = memory_limit});
+        Object host;
+        Engine engine({.create_object = make_for_script,
+                       .takes_texts =
+                           [&host](const Object& object, std::int32_t member) {
+                               return object == host && late::try_member(host, u"Echo") == member;
+                           },
+                       .memory_limit = memory_limit});
         state.stop = [&engine] { engine.stop(); };
         state.set_timeout = [&engine](std::int32_t seconds) {
             if (seconds > 0)
@@ -58,7 +65,8 @@ int run(Request request) {
             else
                 engine.clear_time_limit();
         };
-        engine.set_global("WScript", make<ScriptHost>(state).object());
+        host = make<ScriptHost>(state).object();
+        engine.set_global("WScript", host);
         for (const Program& program : programs) engine.run(program);
         return state.exit_code;
     } catch (const ScriptError& error) {

@@ -50,8 +50,9 @@ private:
     PageQuery query_;
 };
 
-PageRun::PageRun(PageContext& page, PageCache* pages, const ContextItems& items)
-    : page_(page), pages_(pages), items_(items) {
+PageRun::PageRun(PageContext& page, PageCache* pages, const ContextItems& items,
+                 std::shared_ptr<MemoryBudget> memory)
+    : page_(page), pages_(pages), items_(items), memory_(std::move(memory)) {
     page_.control = this;
 }
 
@@ -66,7 +67,8 @@ script::Ending PageRun::run(std::initializer_list<const script::Program*> progra
                  const auto response = items_.find(u"Response");
                  return response != items_.end() && object == response->second &&
                         late::try_member(object, u"Write") == member;
-             }});
+             },
+         .memory = memory_});
     for (const auto& [name, item] : items_) engine.set_global(to_utf8(name), item);
     if (found) engine.set_function(found_function, std::move(found));
     const Entry entry(engines_, engine);

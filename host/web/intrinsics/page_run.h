@@ -14,8 +14,10 @@ namespace orvo::web {
 // globals of its own. The request's thread.
 class PageRun : public PageControl {
 public:
-    // pages: null where no page can be executed. items: what scripts find ready, by name.
-    PageRun(PageContext& page, PageCache* pages, const ContextItems& items);
+    // pages: null where no page can be executed. items: what scripts find ready, by name. memory:
+    // what all of them take together.
+    PageRun(PageContext& page, PageCache* pages, const ContextItems& items,
+            std::shared_ptr<MemoryBudget> memory);
     ~PageRun() override;
     PageRun(const PageRun&) = delete;
     PageRun& operator=(const PageRun&) = delete;
@@ -38,6 +40,7 @@ private:
     PageContext& page_;
     PageCache* const pages_;
     const ContextItems& items_;
+    const std::shared_ptr<MemoryBudget> memory_;
     std::vector<script::Engine*> engines_;  // those that run, the innermost last
     const std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
 };

@@ -6,20 +6,30 @@
 #include "host/web/intrinsics/server_object.h"
 #include "host/web/intrinsics/session_object.h"
 #include "host/web/intrinsics/uploaded_files.h"
+#include "platform/objects/context/memory_account.h"
 #include "platform/objects/files/file_access.h"
 
 namespace orvo::web {
 
 namespace {
 
+// Bytes that one request's scripts and the objects that they make may take.
+constexpr std::size_t memory_of_a_page = std::size_t{64} << 20;
+
+std::shared_ptr<MemoryBudget> page_memory() {
+    return std::make_shared<MemoryBudget>(memory_of_a_page);
+}
+
 // What components find in the object context: what scripts do, but for a session that the page does
-// without, and the folders whose files they may use.
-ContextItems for_components(const std::shared_ptr<PageContext>& page, ContextItems items) {
+// without, the folders whose files they may use, and where they tell what they hold.
+ContextItems for_components(const std::shared_ptr<PageContext>& page, ContextItems items,
+                            const std::shared_ptr<MemoryBudget>& memory) {
     if (!page->has_session()) items.erase(u"Session");
     items.emplace(file_access_item,
                   make_file_access(page->file_folders, [page](const std::filesystem::path& file) {
                       return is_part_of_pages(*page, file);
                   }));
+    items.emplace(memory_account_item, make_memory_account(memory));
     return items;
 }
 
@@ -35,8 +45,9 @@ void run_page(const std::shared_ptr<PageContext>& page, PageCache& pages, const 
                              {u"Session", make<SessionObject>(page).object()},
                              {u"Application", make<ApplicationObject>(page).object()},
                              {u"Server", make<ServerObject>(page).object()}};
-    const ContextScope scope(for_components(page, items));
-    PageRun run(*page, &pages, items);
+    const std::shared_ptr<MemoryBudget> memory = page_memory();
+    const ContextScope scope(for_components(page, items, memory));
+    PageRun run(*page, &pages, items, memory);
     if (global && global->handles(GlobalEvent::session_start) && page->has_session() &&
         !page->session()) {
         page->need_session();
@@ -63,9 +74,10 @@ Handlers run_event(const std::shared_ptr<PageContext>& page, const script::Progr
                        {u"Server", make<ServerObject>(page).object()}};
     if (event == GlobalEvent::session_end)
         items.emplace(u"Session", make<SessionObject>(page).object());
-    const ContextScope scope(for_components(page, items));
+    const std::shared_ptr<MemoryBudget> memory = page_memory();
+    const ContextScope scope(for_components(page, items, memory));
     Handlers handlers;
-    PageRun(*page, nullptr, items)
+    PageRun(*page, nullptr, items, memory)
         .run({&global, &search_for_handlers(), &call_of(event)},
              [&](std::span<const Variant> arguments) {
                  handlers.insert(static_cast<GlobalEvent>(arguments[0].to<std::int32_t>()));

@@ -18,6 +18,18 @@ Ref<ObjectContext> AppServerObject::Establish(const Ref<ObjectContext>& context)
     return std::exchange(current_context(), context);
 }
 
+HeldMemory counted_memory() {
+    const Ref<ObjectContext>& context = current_context();
+    if (!context) return {};
+    Variant account;
+    try {
+        account = call<&ObjectContext::Item>(context, memory_account_item);
+    } catch (const Failure&) {  // it has no such item
+        return {};
+    }
+    return HeldMemory(Ref<MemoryAccount>::from(account.to<Object>()));
+}
+
 template struct detail::callee<AppServer>;
 template struct detail::callee<ContextHost>;
 

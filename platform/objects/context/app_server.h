@@ -5,6 +5,7 @@
 
 #include "platform/interfaces/hosted.h"
 #include "platform/objects/context/context_contract.h"
+#include "platform/objects/context/memory_account.h"
 
 namespace orvo {
 
@@ -16,6 +17,9 @@ public:
     Variant SafeRef(const Variant& object) override { return object; }
     Ref<ObjectContext> Establish(const Ref<ObjectContext>& context) override;
 };
+
+// For an object that is made now: what it holds is counted in the calling thread's context.
+HeldMemory counted_memory();
 
 extern template struct detail::callee<AppServer>;
 extern template struct detail::callee<ContextHost>;

@@ -1,14 +1,35 @@
 #include "platform/objects/dictionary/dictionary.h"
 
 #include "platform/interfaces/enumerator.h"
-#include "platform/values/values.h"
+#include "platform/system/vartypes.h"
+#include "platform/values/array_shape.h"
 
 namespace orvo {
 namespace {
 
 constexpr std::int32_t element_not_found = 32811;
 
+// Of an entry without texts and arrays: what list and index need for it.
+constexpr std::size_t bytes_of_entry = 160;
+
+// What a value keeps beside itself. An object tells for itself what it holds.
+std::size_t bytes_beside(const Variant& value) {
+    if (value.is_text()) return value.text_view().size() * sizeof(char16_t);
+    if (!value.is_array()) return 0;
+    const abi::VARIANT& raw = *value.get();
+    std::size_t bytes = element_count(value) * raw.parray->cbElements;
+    const auto type = static_cast<abi::VARTYPE>(raw.vt & ~abi::VT_ARRAY);
+    if (type == abi::VT_VARIANT || type == abi::VT_BSTR)
+        for (std::size_t i = 0; i < element_count(value); ++i)
+            bytes += bytes_beside(element_at(value, i));
+    return bytes;
+}
+
 }  // namespace
+
+std::size_t DictionaryObject::Entry::bytes() const {
+    return bytes_of_entry + bytes_beside(key) + bytes_beside(item);
+}
 
 dictionary::Texts DictionaryObject::texts() const {
     return mode_ == BinaryCompare ? dictionary::Texts::exactly : dictionary::Texts::ignoring_case;
@@ -25,22 +46,25 @@ DictionaryObject::Index::iterator DictionaryObject::find_or_raise(const Wanted& 
 }
 
 void DictionaryObject::append(const Wanted& wanted, Variant item) {
-    entries_.push_back({wanted.key, std::move(item), wanted.hash});
+    std::list<Entry> added;
+    added.push_back({wanted.key, std::move(item), wanted.hash});
+    held_.add(added.back().bytes());
     try {
-        index_.insert(std::prev(entries_.end()));
+        index_.insert(added.begin());
     } catch (...) {  // list and index hold the same entries
-        entries_.pop_back();
+        held_.subtract(added.back().bytes());
         throw;
     }
+    entries_.splice(entries_.end(), added);
 }
 
 void DictionaryObject::SetItem(Variant& key, Variant& item) {
     const Wanted asked = wanted(key);
     const auto found = index_.find(asked);
-    if (found != index_.end())
-        (*found)->item = item;
-    else
-        append(asked, item);
+    if (found == index_.end()) return append(asked, item);
+    held_.add(bytes_beside(item));
+    const Variant before = std::exchange((*found)->item, item);
+    held_.subtract(bytes_beside(before));
 }
 
 Variant DictionaryObject::Item(Variant& key) {
@@ -78,6 +102,8 @@ void DictionaryObject::SetKey(Variant& key, Variant& new_key) {
     const auto other = index_.find(asked);
     if (other != index_.end() && *other != place) raise_runtime_error(runtime_error::duplicate_key);
     Variant kept = new_key;
+    held_.add(bytes_beside(kept));
+    held_.subtract(bytes_beside(place->key));
     auto node = index_.extract(found);
     place->key = std::move(kept);
     place->hash = asked.hash;
@@ -91,12 +117,14 @@ void DictionaryObject::Remove(Variant& key) {
     // An item's own destruction may come back to this dictionary: the entry is out of it by then.
     std::list<Entry> removed;
     removed.splice(removed.begin(), entries_, place);
+    held_.subtract(removed.back().bytes());
 }
 
 void DictionaryObject::RemoveAll() {
     index_.clear();
     std::list<Entry> removed = std::move(entries_);
     entries_.clear();
+    held_.set(0);
 }
 
 void DictionaryObject::SetCompareMode(std::int32_t mode) {

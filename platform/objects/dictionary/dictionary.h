@@ -6,6 +6,7 @@
 #include <unordered_set>
 
 #include "platform/interfaces/hosted.h"
+#include "platform/objects/context/app_server.h"
 #include "platform/objects/dictionary/dictionary_contract.h"
 #include "platform/objects/dictionary/key.h"
 
@@ -13,6 +14,9 @@ namespace orvo {
 
 class DictionaryObject : public Dictionary {
 public:
+    // held: where what it keeps is counted.
+    explicit DictionaryObject(HeldMemory held = counted_memory()) : held_(std::move(held)) {}
+
     void SetItemObject(Variant& key, Variant& item) override { SetItem(key, item); }
     void SetItem(Variant& key, Variant& item) override;
     Variant Item(Variant& key) override;
@@ -34,6 +38,8 @@ private:
         Variant key;
         Variant item;
         std::size_t hash;
+
+        std::size_t bytes() const;
     };
     using Place = std::list<Entry>::iterator;
 
@@ -64,6 +70,7 @@ private:
     template <auto part>
     Variant all() const;
 
+    HeldMemory held_;
     std::list<Entry> entries_;  // in the order of adding
     Index index_{0, Hash{}, Same{this}};
     std::int32_t mode_ = BinaryCompare;

@@ -1,5 +1,6 @@
 #include <memory>
 
+#include "platform/objects/context/app_server.h"
 #include "platform/objects/files/file_entries.h"
 #include "platform/objects/files/opened_file.h"
 #include "platform/objects/files/text_stream.h"
@@ -10,7 +11,7 @@ namespace {
 Object reader(std::shared_ptr<OpenedFile> file, Encoding encoding) {
     return make<TextStream>(
                ReadBytes([file = std::move(file)](std::span<char> to) { return file->read(to); }),
-               encoding)
+               encoding, counted_memory())
         .object();
 }
 

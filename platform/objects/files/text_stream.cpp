@@ -31,6 +31,7 @@ bool TextStream::has_ahead(std::size_t count) {
         if (ahead().size() > most_characters) raise_runtime_error(runtime_error::out_of_memory);
         if (taken_ > 0) ahead_.erase(0, std::exchange(taken_, 0));
         const std::size_t before = bytes_.size();
+        held_.set((ahead_.size() + bytes_at_once) * sizeof(char16_t) + before + bytes_at_once);
         bytes_.resize(before + bytes_at_once);
         std::size_t fetched = 0;
         try {
@@ -51,6 +52,7 @@ bool TextStream::has_ahead(std::size_t count) {
         ahead_ += decoded(encoding_, std::string_view(bytes_).substr(0, whole));
         bytes_.erase(0, whole);
     }
+    held_.set(ahead_.size() * sizeof(char16_t) + bytes_.size());
     return ahead().size() >= count;
 }
 

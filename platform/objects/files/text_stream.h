@@ -7,6 +7,7 @@
 #include <span>
 
 #include "platform/interfaces/hosted.h"
+#include "platform/objects/context/memory_account.h"
 #include "platform/objects/files/encoding.h"
 #include "platform/values/text.h"
 
@@ -21,7 +22,9 @@ using WriteBytes = std::function<void(std::string_view bytes)>;
 // stream of the other direction and 91 once it was closed.
 class TextStream {
 public:
-    TextStream(ReadBytes read, Encoding encoding) : read_(std::move(read)), encoding_(encoding) {}
+    // held: where the text is counted that was read and is not taken yet.
+    TextStream(ReadBytes read, Encoding encoding, HeldMemory held = {})
+        : held_(std::move(held)), read_(std::move(read)), encoding_(encoding) {}
     TextStream(WriteBytes write, Encoding encoding)
         : write_(std::move(write)), encoding_(encoding) {}
 
@@ -55,6 +58,7 @@ private:
     void note_place(TextView passed);
     void put(Text text);
 
+    HeldMemory held_;
     ReadBytes read_;
     WriteBytes write_;
     Encoding encoding_;

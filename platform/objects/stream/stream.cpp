@@ -53,7 +53,7 @@ void Stream::SetPosition(LongPtr position) {
     if (place > bytes_.size()) {
         require_writing();
         if (place > most_bytes) raise_runtime_error(runtime_error::out_of_memory);
-        bytes_.resize(place);
+        resize(place);
     }
     position_ = place;
 }
@@ -123,8 +123,16 @@ std::string Stream::take_line() {
     return line;
 }
 
+// With zeros where it grows.
+void Stream::resize(std::size_t size) {
+    if (size > bytes_.size()) held_.set(size);
+    bytes_.resize(size);
+    held_.set(size);
+}
+
 void Stream::put(std::string_view bytes) {
     if (bytes.size() > most_bytes - position_) raise_runtime_error(runtime_error::out_of_memory);
+    held_.set(std::max(bytes_.size(), position_ + bytes.size()));
     bytes_.replace(position_, std::min(bytes.size(), bytes_.size() - position_), bytes);
     position_ += bytes.size();
 }
@@ -150,7 +158,7 @@ void Stream::Open(const Variant& source, std::int32_t mode, std::int32_t, const 
                             !(source.is_text() && source.text_view().empty());
     if (has_source) raise_runtime_error(recordset::not_capable);
     if (mode != adModeUnknown) SetMode(mode);
-    bytes_.clear();
+    resize(0);
     position_ = 0;
     is_open_ = true;
 }
@@ -158,6 +166,7 @@ void Stream::Open(const Variant& source, std::int32_t mode, std::int32_t, const 
 void Stream::Close() {
     require_open();
     bytes_ = {};
+    held_.set(0);
     position_ = 0;
     is_open_ = false;
 }
@@ -179,7 +188,7 @@ void Stream::Write(const Variant& buffer) {
 void Stream::SetEOS() {
     require_open();
     require_writing();
-    bytes_.resize(position_);
+    resize(position_);
 }
 
 void Stream::CopyTo(const Ref<Stream>& target, LongPtr count) {
@@ -234,15 +243,18 @@ void Stream::LoadFromFile(const Text& file) {
         while (const std::size_t count = source.read(part)) {
             if (content.size() + count > most_bytes)
                 raise_runtime_error(runtime_error::out_of_memory);
+            held_.set(bytes_.size() + content.size() + count);
             content.append(part.data(), count);
         }
     } catch (const Failure& failure) {
+        held_.set(bytes_.size());
         if (failure.number == runtime_error::out_of_memory) throw;
         throw Failure(recordset::opening_failed, failure.source,
                       Text(runtime_error_text(recordset::opening_failed)) + u" (" +
                           failure.description + u")");
     }
     bytes_ = std::move(content);
+    held_.set(bytes_.size());
     position_ = 0;
 }
 

@@ -12,6 +12,7 @@
 // more than 256 MiB.
 
 #include "platform/interfaces/hosted.h"
+#include "platform/objects/context/app_server.h"
 #include "platform/objects/files/encoding.h"
 #include "platform/objects/recordset/long_ptr.h"
 
@@ -26,6 +27,9 @@ enum StreamMode : std::int32_t { adModeUnknown = 0, adModeRead = 1, adModeWrite 
 
 class Stream {
 public:
+    // held: where what it keeps is counted.
+    explicit Stream(HeldMemory held = counted_memory()) : held_(std::move(held)) {}
+
     LongPtr Size();
     bool EOS();
     LongPtr Position();
@@ -78,9 +82,11 @@ private:
     // The bytes of that many characters ahead.
     std::string take_characters(std::int32_t count);
     std::string take_line();
+    void resize(std::size_t size);
     void put(std::string_view bytes);
     void put_text(TextView text);
 
+    HeldMemory held_;
     std::string bytes_;
     std::size_t position_ = 0;
     bool is_open_ = false;

@@ -177,46 +177,89 @@ TEST_F(ScriptErrors, OfSyntaxTellTheirLine) {
         const char* source;
         const char* what;
     };
-    for (const Case& wrong : {
-             Case{"var a = 1;\nvar = 2;", "test.js, line 2: invalid variable declaration"},
-             Case{"\nreturn 1;", "test.js, line 2: invalid return"},
-             Case{"a;\nf(1", "test.js, line 2: the '(' of this line is never closed"},
-             Case{"a;\nb)", "test.js, line 2: this ')' closes nothing"},
-             Case{"\n'abc", "test.js, line 2: the text that begins here has no end"},
-             Case{"\n/* abc\n", "test.js, line 2: the comment that begins here has no end"},
-             Case{"a\n= /abc",
-                  "test.js, line 2: the regular expression that begins here has no "
-                  "end"},
-             Case{"a = `b`",
-                  "test.js, line 1: this language has no texts between ` and `; join texts with "
-                  "\"+\""},
-             Case{"a;\nlet b = 1;", "test.js, line 2: this language has no \"let\"; use \"var\""},
-             Case{"let {a} = b", "test.js, line 1: this language has no \"let\"; use \"var\""},
-             Case{"a = (b) => b",
-                  "test.js, line 1: this language has no \"=>\"; write function (a) { return b; }"},
-             Case{"\nclass A {}",
-                  "test.js, line 2: this language has no \"class\"; use a function and its "
-                  "prototype"},
-             Case{"for (a of b) c",
-                  "test.js, line 1: this language has no \"of\"; count with an index, or use "
-                  "\"in\" for names"},
-             Case{"f(...a)",
-                  "test.js, line 1: this language has no \"...\"; use concat, or apply for a call"},
-             Case{"async function f() {}",
-                  "test.js, line 1: this language has no \"async\"; calls return when their work "
-                  "is done"},
-             Case{"__orvo_tick = 1",
-                  "test.js, line 1: names that begin with '__orvo_' belong to "
-                  "the script engine"},
-             Case{"new Date(1) = 2",
-                  "test.js, line 1: an assignment to this call cannot be carried "
-                  "out; keep the object in a variable and write "
-                  "object.Member(index) = value"},
-         }) {
+    for (
+        const Case& wrong : {
+            Case{"var a = 1;\nvar = 2;", "test.js, line 2: invalid variable declaration"},
+            Case{"\nreturn 1;", "test.js, line 2: invalid return"},
+            Case{"a;\nf(1", "test.js, line 2: the '(' of this line is never closed"},
+            Case{"a;\nb)", "test.js, line 2: this ')' closes nothing"},
+            Case{"\n'abc", "test.js, line 2: the text that begins here has no end"},
+            Case{"\n/* abc\n", "test.js, line 2: the comment that begins here has no end"},
+            Case{"a\n= /abc",
+                 "test.js, line 2: the regular expression that begins here has no "
+                 "end"},
+            Case{"a = `b`",
+                 "test.js, line 1: this language has no texts between ` and `; join texts with "
+                 "\"+\""},
+            Case{
+                "function f(b, a = 1) {}",
+                "test.js, line 1: this language has no \"(a = 1)\"; ask in the function: if (a === "
+                "undefined) a = 1"},
+            Case{
+                "(function (a = 1) {})",
+                "test.js, line 1: this language has no \"(a = 1)\"; ask in the function: if (a === "
+                "undefined) a = 1"},
+            Case{"function f(a, {b}) {}",
+                 "test.js, line 1: this language has no \"({a})\"; take an object, and read its "
+                 "parts "
+                 "one by one"},
+            Case{"\nvar {a} = b;",
+                 "test.js, line 2: this language has no \"var {\"; read the parts one by one"},
+            Case{"for (var [a, b] in c) {}",
+                 "test.js, line 1: this language has no \"var [\"; read the parts one by one"},
+            Case{"a?.b",
+                 "test.js, line 1: this language has no \"?.\"; ask first whether the object is "
+                 "there: a && a.b"},
+            Case{"a ?? b", "test.js, line 1: this language has no \"??\"; write a != null ? a : b"},
+            Case{"function* f() {}",
+                 "test.js, line 1: this language has no \"function*\"; fill an array"},
+            Case{"function f() { yield 1; }",
+                 "test.js, line 1: this language has no \"yield\"; fill an array"},
+            Case{"a;\nlet b = 1;", "test.js, line 2: this language has no \"let\"; use \"var\""},
+            Case{"let {a} = b", "test.js, line 1: this language has no \"let\"; use \"var\""},
+            Case{"a = (b) => b",
+                 "test.js, line 1: this language has no \"=>\"; write function (a) { return b; }"},
+            Case{"\nclass A {}",
+                 "test.js, line 2: this language has no \"class\"; use a function and its "
+                 "prototype"},
+            Case{"for (a of b) c",
+                 "test.js, line 1: this language has no \"of\"; count with an index, or use "
+                 "\"in\" for names"},
+            Case{"f(...a)",
+                 "test.js, line 1: this language has no \"...\"; use concat, or apply for a call"},
+            Case{"async function f() {}",
+                 "test.js, line 1: this language has no \"async\"; calls return when their work "
+                 "is done"},
+            Case{"__orvo_tick = 1",
+                 "test.js, line 1: names that begin with '__orvo_' belong to "
+                 "the script engine"},
+            Case{"new Date(1) = 2",
+                 "test.js, line 1: an assignment to this call cannot be carried "
+                 "out; keep the object in a variable and write "
+                 "object.Member(index) = value"},
+        }) {
         const ScriptError failed = error(wrong.source);
         EXPECT_EQ(failed.trouble, Trouble::syntax) << wrong.source;
         EXPECT_STREQ(failed.what(), wrong.what);
     }
+}
+
+TEST_F(ScriptErrors, SayNothingOfTheEnginesOwnStack) {
+    EXPECT_STREQ(error("5 instanceof 5").what(),
+                 "test.js, line 1: TypeError: object required, found 5");
+    EXPECT_EQ(text("(function () { try { 5 instanceof 5; } catch (e) { return e.message + "
+                   "e.number; } })()"),
+              "object required, found 50");
+    EXPECT_EQ(
+        text("(function () { try { throw new Error('a (stack index b)'); } catch (e) { return "
+             "e.message; } })()"),
+        "a (stack index b)");
+}
+
+TEST_F(ScriptErrors, AnAssignmentToAnyOtherCallIsNoneToAVariable) {
+    EXPECT_STREQ(error("function f() {}\nf(1) = 2").what(),
+                 "test.js, line 2: ReferenceError: only a call of an Automation object can be "
+                 "assigned to");
 }
 
 TEST_F(ScriptErrors, AreReportedWhereAGeneratedLineComesFrom) {

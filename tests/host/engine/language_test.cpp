@@ -150,6 +150,19 @@ TEST_F(ScriptLanguage, NothingLeadsToTheEnginesOwnSide) {
     EXPECT_EQ(text("Object.getOwnPropertyNames(shelf).length"), "0");
 }
 
+TEST_F(ScriptLanguage, NoListShowsTheEnginesOwnNames) {
+    EXPECT_EQ(
+        text("Object.getOwnPropertyNames(this).concat(Reflect.ownKeys(this), "
+             "Object.getOwnPropertyNames(Number.prototype), Reflect.ownKeys(Number.prototype))"
+             ".filter(function (name) { return /orvo/.test(name); })"),
+        "");
+    EXPECT_EQ(text("[Object.getOwnPropertyNames(this).indexOf('Math') >= 0, "
+                   "Object.getOwnPropertyNames({b: 1, a: 2}), Object.getOwnPropertyNames.length, "
+                   "Object.getOwnPropertyNames('ab'), Reflect.ownKeys([1])]"),
+              "true,b,a,1,0,1,length,0,length");
+    EXPECT_EQ(error("Object.getOwnPropertyNames(null)").message.substr(0, 9), "TypeError");
+}
+
 TEST_F(ScriptLanguage, DateMayBeReplacedWithoutHarm) {
     EXPECT_EQ(text("(Date.prototype.getTime = null, Date = null, Object.prototype.toString = null, "
                    "1)"),

@@ -132,6 +132,27 @@ TEST_F(ScriptLimits, LongArraysAreFineInTime) {
     EXPECT_EQ(text("new Array(1000002).join('x').length"), "1000001");
 }
 
+TEST_F(ScriptLimits, NoObjectStandsInFrontOfTheClock) {
+    const std::string shadow =
+        "var o = {}; o['__orvo_' + 'tick'] = Math.random; o['__orvo_' + 'n'] = 1e300;";
+    for (const char* endless : {
+             "with (o) for (;;) {}",
+             "with (o) { while (true) ; }",
+             "(function () { with (o) { do {} while (true) } })()",
+             "(function () { for (;;) with (o) { for (var i = 0; i < 9; --i) {} } })()",
+             "with (o) eval('for (;;) {}')",
+             "with (o) (function () { var a; while (true) a = 1; })()",
+             "with (o) for (;;) { try { for (;;) {} } catch (e) { for (;;) {} } finally {} }",
+         })
+        EXPECT_EQ(error_within(100ms, shadow + endless).trouble, Trouble::time_limit) << endless;
+    for (const char* change : {"Number.prototype", "this"})
+        EXPECT_EQ(error_within(100ms, "try { Object.defineProperty(" + std::string(change) +
+                                          ", '__orvo_' + 'tick', {value: Math.random}); } catch (e)"
+                                          " {} with (o = {}) for (;;) {}")
+                      .trouble,
+                  Trouble::time_limit);
+}
+
 TEST_F(ScriptLimits, ANewLimitBeginsAnew) {
     EXPECT_EQ(error_within(30ms, "for (;;) {}").trouble, Trouble::time_limit);
     engine.set_time_limit(60s);

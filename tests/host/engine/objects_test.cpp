@@ -81,9 +81,9 @@ TEST_F(ScriptObjects, ArgumentsThatNobodyTakesAreRefused) {
 
 TEST_F(ScriptObjects, OnlyCallsOfAutomationObjectsAreAssignedTo) {
     EXPECT_EQ(error("function f() {} f(1) = 2").message,
-              "TypeError: only a call of an Automation object can be assigned to");
+              "ReferenceError: only a call of an Automation object can be assigned to");
     EXPECT_EQ(error("var o = {m: function () {}}; o.m(1) = 2").message,
-              "TypeError: only a call of an Automation object can be assigned to");
+              "ReferenceError: only a call of an Automation object can be assigned to");
     EXPECT_EQ(error("shelf.Nowhere(1) = 2").description,
               u"Object doesn't support this property or method");
 }

@@ -51,6 +51,14 @@ TEST_F(OrvoScript, EchoesAnyNumberOfValues) {
               "1 2 3 4 5 6 7 8 9 10 e 12\n x\n");
 }
 
+TEST_F(OrvoScript, EchoesTheScriptsOwnObjectsAsTheirTexts) {
+    EXPECT_EQ(run_text("WScript.Echo(new Error('x'), {}, /a/g, {toString: function () { return "
+                       "'own'; }}); try { null.x } catch (e) { WScript.Echo(e) }"),
+              "Error: x [object Object] /a/g own\n"
+              "TypeError: cannot read property 'x' of null\n");
+    EXPECT_EQ(code, 0);
+}
+
 TEST_F(OrvoScript, ReadsItsInput) {
     const std::string script =
         file("test.js",

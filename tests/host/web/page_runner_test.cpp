@@ -5,7 +5,9 @@
 #include "platform/interfaces/call.h"
 #include "platform/interfaces/create.h"
 #include "platform/interfaces/late_call.h"
+#include "platform/objects/dictionary/dictionary.h"
 #include "platform/objects/files/file_system.h"
+#include "platform/objects/stream/stream.h"
 #include "tests/host/web/test_site.h"
 
 namespace orvo::web {
@@ -298,6 +300,73 @@ TEST_F(PageRunnerTest, ThePageFormOfAClientsValuesIsNeverCode) {
     EXPECT_EQ(site_.run("<%= Server.HTMLEncode(Request.QueryString('q')) %>",
                         {.target = "/page.asp?q=%3C%25%3D+1+%25%3E%22"}),
               "&lt;%= 1 %&gt;&quot;");
+}
+
+// What a page's scripts have in common: text of a MiB, and the number of what a function raises.
+constexpr std::string_view memory_of_objects =
+    "<% var mib = new Array(512 * 1024 + 1).join('x');"
+    "function raised(body) { try { body(); } catch (e) { return e.description; } }"
+    "var told = 'Out of memory: the script and its objects need more than they may (64 MiB)'; %>";
+
+TEST_F(PageRunnerTest, WhatObjectsHoldCountsAsThePagesMemory) {
+    const LocalClass dictionary = local_class<DictionaryObject>(), stream = local_class<Stream>();
+    const auto shown = [&](const std::string& page) {
+        return site_.run(std::string(memory_of_objects) + "<% " + page + " %>");
+    };
+    EXPECT_EQ(shown("var d = new ActiveXObject('Scripting.Dictionary'), n = 0;"
+                    "Response.Write((raised(function () { for (;;) d.Add(n++, mib); }) == told) + "
+                    "' ' + (n > 55 && n <= 64 && d.Count == n - 1));"),
+              "true true");
+    EXPECT_EQ(shown("var d = new ActiveXObject('Scripting.Dictionary'), n = 0;"
+                    "Response.Write(raised(function () { for (;;) d.Add(n++, [[mib], n]); }) == "
+                    "told);"),
+              "True");
+    EXPECT_EQ(shown("var s = new ActiveXObject('ADODB.Stream'); s.Open(); s.Type = 1; "
+                    "Response.Write(raised(function () { s.Position = 1e8; }) == told);"),
+              "True");
+}
+
+TEST_F(PageRunnerTest, WhatObjectsLetGoOfIsGivenBack) {
+    const LocalClass dictionary = local_class<DictionaryObject>(), stream = local_class<Stream>();
+    EXPECT_EQ(site_.run(std::string(memory_of_objects) +
+                        "<% for (var i = 0; i < 25; ++i) {"
+                        "var d = new ActiveXObject('Scripting.Dictionary');"
+                        "d.Add('a', mib); d.Item('a') = mib; d.Key('a') = mib; d.Remove(mib);"
+                        "d.Item(mib) = mib; if (i % 2) d.RemoveAll();"
+                        "var s = new ActiveXObject('ADODB.Stream'); s.Open(); s.WriteText(mib);"
+                        "s.Position = 0; if (i % 2) s.SetEOS(); else if (i % 3) s.Close();"
+                        "} %><%= i %>"),
+              "25");
+}
+
+TEST_F(PageRunnerTest, TextThatAStreamHasReadAheadIsCountedUntilItIsTaken) {
+    const LocalClass files = local_class<FileSystem>();
+    site_.write("/data/long.txt", std::string(40 << 20, 'a'));
+    site_.write("/data/lines.txt", [] {
+        std::string lines;
+        while (lines.size() < (80 << 20)) lines.append(65535, 'a') += '\n';
+        return lines;
+    }());
+    site_.write("/read.asp",
+                std::string(memory_of_objects) +
+                    "<% var files = new ActiveXObject('Scripting.FileSystemObject'), n = 0;"
+                    "var t = files.OpenTextFile(Server.MapPath('/data/long.txt'));"
+                    "Response.Write(String(raised(function () { t.ReadLine(); }) == told));"
+                    "t = files.OpenTextFile(Server.MapPath('/data/lines.txt'));"
+                    "for (; !t.AtEndOfStream; ++n) t.SkipLine(); Response.Write(' ' + n); %>");
+    const auto page = site_.request({.target = "/read.asp"});
+    page->file_folders = {site_.root / "data"};
+    run_page(page, site_.pages);
+    EXPECT_EQ(page->answer.body, "true 1280");
+}
+
+TEST_F(PageRunnerTest, AScriptHasTheMemoryThatItsObjectsLeave) {
+    const LocalClass stream = local_class<Stream>();
+    const std::string array = "; var a = []; for (var i = 0; i < 1e6; ++i) a.push({}); %>fine";
+    EXPECT_EQ(failure_of("<% var s = new ActiveXObject('ADODB.Stream'); s.Open(); s.Type = 1; "
+                         "s.Position = 60 << 20" +
+                         array),
+              "/page.asp, line 1: The script needed more memory than it may (64 MiB)");
 }
 
 TEST_F(PageRunnerTest, NoPageWritesAPageOfItsSite) {
