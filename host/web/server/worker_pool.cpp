@@ -53,6 +53,8 @@ bool WorkerPool::try_wait() {
     --waiting_for_place_;
     if (!has_place()) return false;
     change_kind(Kind::directory);
+    // The last undecided job may have become one: the next of them may run.
+    if (!queue(Kind::undecided).empty()) changed_.notify_one();
     return true;
 }
 

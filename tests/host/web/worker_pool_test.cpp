@@ -4,6 +4,7 @@
 
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <future>
 #include <latch>
@@ -105,6 +106,29 @@ TEST(WorkerPool, WhoWaitsForAPlaceComesBeforeJobsThatNobodyHasTaken) {
         Kind::undecided));
     EXPECT_TRUE(answer.get_future().get());
     EXPECT_LT(carried_out, many);
+}
+
+TEST(WorkerPool, AnUndecidedJobMayBeginOnceTheLastOneHasBecomeADirectoryJob) {
+    Gate gate;
+    std::latch begun(2), waits(1), may_become(1), has_become(1);
+    std::promise<void> next;
+    WorkerPool pool(4, 3, 100);
+    for (int i = 0; i < 2; ++i) ASSERT_TRUE(pool.try_add(gate.job(begun), Kind::directory));
+    begun.wait();
+    ASSERT_TRUE(pool.try_add(
+        [&, until_end = gate.job(has_become)] {
+            waits.count_down();
+            may_become.wait();
+            EXPECT_TRUE(pool.try_wait());
+            until_end();
+        },
+        Kind::undecided));
+    waits.wait();
+    ASSERT_TRUE(pool.try_add([&] { next.set_value(); }, Kind::undecided));
+    may_become.count_down();
+    has_become.wait();
+    EXPECT_EQ(next.get_future().wait_for(std::chrono::seconds(10)), std::future_status::ready);
+    gate.open();
 }
 
 TEST(WorkerPool, AWorkerIsLeftToJobsThatAreKnownNotToWait) {
