@@ -135,6 +135,9 @@ std::optional<BindAnswer> Directory::try_bind(const std::string& name, const Sec
     if (!account->policy || !state.is_locked(*account->policy, now())) {
         if (proof == Proof::known) credentials = credentials_.find(user, password, account->hash);
         is_right = credentials || is_hash_of(account->hash, password);
+        // What was imported may cost next to nothing.
+        if (!is_right && should_be_renewed(account->hash, HashCost::usual))
+            imitate_check(password, HashCost::usual);
     } else {
         imitate_check(password, HashCost::usual);  // takes as long as for a name that is not there
     }

@@ -38,6 +38,17 @@ TEST_F(Logins, AnImportedHashIsReplacedAtTheFirstRightLoginAndNotBefore) {
     EXPECT_EQ(stored(user("jsmith"), "userPassword"), renewed);
 }
 
+TEST_F(Logins, AWrongOneTakesAsLongForACheapHashAsForAnUnknownName) {
+    const auto time_of_wrong = [&](const std::string& name) {
+        return processor_time([&] { EXPECT_EQ(check(name, "another"), password_check::wrong); });
+    };
+    for (const std::string& cheap :
+         {imported, hashed_password(Secret(u"shop-sample"), HashCost::lowest)}) {
+        put(user("jsmith"), "userPassword", {cheap});
+        EXPECT_GT(time_of_wrong(user("jsmith")), time_of_wrong(user("nobody")) / 1.6) << cheap;
+    }
+}
+
 TEST_F(Logins, ARightOneWritesNothingAndWaitsForNoWriter) {
     demand({{"pwdLockout", {"TRUE"}}, {"pwdMaxFailure", {"3"}}});
     const Writing other = directory->store().write(Durability::process);
