@@ -164,23 +164,8 @@ public:
     }
 };
 
-// Takes from the error's message what only Duktape's own functions know: a place on their stack.
-void clean_message(duk_context* context) {
-    constexpr std::string_view place = " (stack index ";
-    duk_get_prop_literal(context, 0, "message");
-    const std::string_view message = duk_is_string(context, -1) ? duk_get_string(context, -1) : "";
-    const std::size_t end = message.rfind(place);
-    if (end != std::string_view::npos &&
-        message.find_first_not_of("-0123456789", end + place.size()) == message.size() - 1) {
-        duk_push_lstring(context, message.data(), end);
-        duk_put_prop_literal(context, 0, "message");
-    }
-    duk_pop(context);
-}
-
 // Called by Duktape for each value that is thrown.
 duk_ret_t note_thrown(duk_context* context) {
-    if (duk_is_error(context, 0)) clean_message(context);
     Runtime::of(context).note_thrown(context, duk_is_error(context, 0) != 0);
     duk_dup(context, 0);
     return 1;

@@ -228,9 +228,9 @@ void Runtime::raise_late(Place place) {
 
 void Runtime::raise_uncaught() {
     memory().end_refusal();
-    const bool refused = memory().take_refusal();
     const bool described =
         duk_safe_call(context_, describe, nullptr, 1, description_parts) == DUK_EXEC_SUCCESS;
+    const bool refused = memory().take_refusal();
     const duk_idx_t first = duk_get_top(context_) - description_parts;
     const int line = duk_get_int_default(context_, first, 0);
     const Text file = text_at(context_, first + 1);

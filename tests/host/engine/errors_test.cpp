@@ -244,16 +244,35 @@ TEST_F(ScriptErrors, OfSyntaxTellTheirLine) {
     }
 }
 
-TEST_F(ScriptErrors, SayNothingOfTheEnginesOwnStack) {
-    EXPECT_STREQ(error("5 instanceof 5").what(),
-                 "test.js, line 1: TypeError: object required, found 5");
-    EXPECT_EQ(text("(function () { try { 5 instanceof 5; } catch (e) { return e.message + "
-                   "e.number; } })()"),
-              "object required, found 50");
-    EXPECT_EQ(
-        text("(function () { try { throw new Error('a (stack index b)'); } catch (e) { return "
-             "e.message; } })()"),
-        "a (stack index b)");
+TEST_F(ScriptErrors, AreCaughtAsTheyWereThrown) {
+    struct Case {
+        const char* source;
+        const char* caught;
+    };
+    for (const Case& one : {
+             Case{"var e = new Error('a');"
+                  "Object.defineProperty(e, 'message', {get: function () { throw 'other'; }});"
+                  "try { throw e; } catch (caught) { give(String(caught === e)); }",
+                  "true"},
+             Case{"var e = Object.freeze(new Error('x (stack index 5)'));"
+                  "try { throw e; } catch (caught) { give(caught === e ? e.message : 'another'); }",
+                  "x (stack index 5)"},
+             Case{"try { throw new Error('x (stack index 5)'); }"
+                  "catch (caught) { give(caught.message); }",
+                  "x (stack index 5)"},
+             Case{"var looks = 0; var e = new Error('a');"
+                  "Object.defineProperty(e, 'message', {get: function () { ++looks; }});"
+                  "try { throw e; } catch (caught) { give(String(looks)); }",
+                  "0"},
+             Case{"try { throw Object.create(new Error('x (stack index 5)')); }"
+                  "catch (caught) { give(String(caught.hasOwnProperty('message'))); }",
+                  "false"},
+         }) {
+        given.clear();
+        EXPECT_NO_THROW(run(one.source)) << one.source;
+        ASSERT_EQ(given.size(), 1u) << one.source;
+        EXPECT_EQ(to_utf8(given[0].text_view()), one.caught) << one.source;
+    }
 }
 
 TEST_F(ScriptErrors, AnAssignmentToAnyOtherCallIsNoneToAVariable) {

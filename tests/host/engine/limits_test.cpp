@@ -167,6 +167,8 @@ TEST_F(ScriptLimits, MemoryIsLimited) {
              "var s = 'x'; for (;;) s = [s, s].join('');",
              "new Uint8Array(100000000)",
              "function f() { var o = [f]; o.push(f()); return o; } f()",
+             "var e = new Error('a'); Object.defineProperty(e, 'name', {get: function () {"
+             " var s = 'x'; for (;;) s += s; }}); throw e;",
          }) {
         try {
             little.run(Program::compile(greedy, "test.js"));
