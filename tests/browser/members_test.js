@@ -117,7 +117,8 @@ inTheShop('members', (tell) => {
         await visitor.resume('admin');
         await visitor.go('/admin/member.asp?cn=glee');
         await visitor.press('Disable');
-        assert.equal(await visitor.done(), 'The account has been disabled.');
+        assert.equal(await visitor.done(), 'The account has been disabled, which counts where the ' +
+            'directory\'s password policy locks accounts.');
         assert.equal(await visitor.text('#state'), 'disabled');
         await visitor.look('member disabled');
         await own.logIn('glee');

@@ -98,7 +98,8 @@ var deeds = {
         if (isOneself()) return "This is your own account.";
         // The directory's mark for "for good": no time ends it.
         user.SetAttribValue("pwdAccountLockedTime", ["000001010000Z"]);
-        goOn(self, "The account has been disabled.");
+        goOn(self, "The account has been disabled, which counts where the directory's password policy " +
+            "locks accounts.");
     },
     reset: function () {
         if (isOneself()) return "This is your own account.";

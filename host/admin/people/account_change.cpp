@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "host/admin/common/component_failure.h"
+#include "host/admin/diagnosis/lockout.h"
 #include "host/admin/people/entry_values.h"
 
 namespace orvo::admin {
@@ -54,6 +55,8 @@ public:
     virtual bool is_locked(const Account& account) const = 0;
     virtual void unlock(const Account& account) const = 0;
     virtual void expire(const Account& account) const = 0;
+    // Whether the directory refuses who is disabled.
+    virtual Lockout lockout(const Site&, const std::string&) const { return Lockout::in_force; }
     // Whether a new password enables an account that was disabled.
     virtual bool is_enabled_by_password() const { return false; }
 };
@@ -77,6 +80,9 @@ class PolicyKeeper : public Keeper {
     }
     void unlock(const Account& account) const override { account.clear(locked_time); }
     void expire(const Account& account) const override { account.write("pwdReset", "TRUE"); }
+    Lockout lockout(const Site& site, const std::string& name) const override {
+        return lockout_of(site.file(), name);
+    }
     bool is_enabled_by_password() const override { return true; }
 };
 
@@ -147,10 +153,18 @@ std::string change_account(const Site& site, const std::string& name, AccountCha
             }
             if (is_disabled) account.raise("is disabled, not locked: see orvo users enable");
             return "not locked";
-        case AccountChange::disable:
+        case AccountChange::disable: {
+            const Lockout lockout = keeper.lockout(site, name);
+            if (lockout == Lockout::none)
+                account.raise(
+                    "cannot be disabled and could still log in, as no password policy with "
+                    "pwdLockout applies: make such a policy first");
             if (is_disabled) return "disabled already";
             keeper.put_disabled(account, true);
-            return "disabled";
+            return lockout == Lockout::in_force
+                       ? "disabled"
+                       : "disabled, if the password policy, which cannot be seen, has pwdLockout";
+        }
         case AccountChange::enable:
             if (!is_disabled) return "not disabled";
             keeper.put_disabled(account, false);

@@ -38,11 +38,20 @@ protected:
     std::vector<std::string> values(const std::string& user, const std::string& attribute) {
         return directory_->values(directory_->user_dn(user), attribute);
     }
+    bool is_embedded() const {
+        return GetParam().provider == std::u16string_view(u"OrvoDirectory.Embedded");
+    }
+    // The server's rules do not let the service account see the policy.
+    std::string disabled(const std::string& user) const {
+        return user + ": disabled" +
+               (is_embedded() ? ""
+                              : ", if the password policy, which cannot be seen, has pwdLockout") +
+               ".\n";
+    }
     // With what the password policy says of it.
     int bind(const std::string& user, const std::string& password) {
         const std::string name = directory_->user_dn(user);
-        if (GetParam().provider != std::u16string_view(u"OrvoDirectory.Embedded"))
-            return directory_->bind(name, password);
+        if (!is_embedded()) return directory_->bind(name, password);
         using directory::embedded::Directory;
         return Directory::of(from_utf8(directory_->server()))
             ->bind(name, Secret::of_bytes(password), Directory::Proof::anew)
@@ -303,7 +312,7 @@ TEST_P(OrvoUsers, AreUnlockedAndTheirFailuresForgotten) {
 }
 
 TEST_P(OrvoUsers, AreDisabledUntilTheyAreEnabled) {
-    EXPECT_EQ(done({"users", "disable", "jsmith"}), "jsmith: disabled.\n");
+    EXPECT_EQ(done({"users", "disable", "jsmith"}), disabled("jsmith"));
     EXPECT_THAT(values("jsmith", "pwdAccountLockedTime"), ElementsAre("000001010000Z"));
     EXPECT_EQ(bind("jsmith", directory_->user_password()), 49);
     EXPECT_EQ(done({"users", "disable", "jsmith"}), "jsmith: disabled already.\n");
@@ -317,7 +326,26 @@ TEST_P(OrvoUsers, AreDisabledUntilTheyAreEnabled) {
     EXPECT_EQ(bind("jsmith", directory_->user_password()), 0);
     EXPECT_EQ(done({"users", "enable", "jsmith"}), "jsmith: not disabled.\n");
     lock("jsmith");
-    EXPECT_EQ(done({"users", "disable", "jsmith"}), "jsmith: disabled.\n");
+    EXPECT_EQ(done({"users", "disable", "jsmith"}), disabled("jsmith"));
+}
+
+TEST_P(OrvoUsers, WhoCouldStillLogInAreNotCalledDisabled) {
+    const std::string reason =
+        " cannot be disabled and could still log in, as no password policy with pwdLockout "
+        "applies: make such a policy first\n";
+    const auto without_policy = GetParam().make({});
+    EXPECT_EQ(
+        refused({"users", "disable", "jsmith", "--site", without_policy->site_ini().string()}),
+        "orvo: 'jsmith'" + reason);
+    EXPECT_THAT(without_policy->values(directory_->user_dn("jsmith"), "pwdAccountLockedTime"),
+                IsEmpty());
+    if (!is_embedded()) return;
+    ASSERT_EQ(directory_->replace("cn=default,ou=Policies,o=Shop", "pwdLockout", {"FALSE"}), 0);
+    EXPECT_EQ(refused({"users", "disable", "jsmith"}), "orvo: 'jsmith'" + reason);
+    EXPECT_THAT(values("jsmith", "pwdAccountLockedTime"), IsEmpty());
+    const Ended both = orvo({"users", "disable", "jsmith", "glee"});
+    EXPECT_EQ(both.code, 1);
+    EXPECT_EQ(both.err, "orvo: jsmith: 'jsmith'" + reason + "orvo: glee: 'glee'" + reason);
 }
 
 TEST_P(OrvoUsers, HaveToChangeAnExpiredPassword) {
