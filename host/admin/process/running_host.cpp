@@ -17,22 +17,20 @@
 namespace orvo::admin {
 namespace {
 
+sockaddr_un address_of(const std::filesystem::path& file) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    constexpr std::size_t longest = sizeof address.sun_path - 1;
+    if (file.native().size() > longest)
+        throw std::runtime_error(file.string() + ": a socket's name has at most " +
+                                 std::to_string(longest) + " octets");
+    file.native().copy(address.sun_path, longest);
+    return address;
+}
+
 class Connection {
 public:
-    explicit Connection(const std::filesystem::path& file)
-        : descriptor_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        file.native().copy(address.sun_path, sizeof address.sun_path - 1);
-        if (descriptor_ != -1 &&
-            connect(descriptor_, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0)
-            return;
-        const std::string reason = std::generic_category().message(errno);
-        if (descriptor_ != -1) close(descriptor_);
-        throw std::runtime_error(
-            file.string() + ": no host answers (" + reason +
-            "); name its AdminSocket with --socket, and be root or the user that it runs as");
-    }
+    explicit Connection(const std::filesystem::path& file) : Connection(file, address_of(file)) {}
     ~Connection() { close(descriptor_); }
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
@@ -49,6 +47,18 @@ public:
     }
 
 private:
+    Connection(const std::filesystem::path& file, const sockaddr_un& address)
+        : descriptor_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+        if (descriptor_ != -1 &&
+            connect(descriptor_, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0)
+            return;
+        const std::string reason = std::generic_category().message(errno);
+        if (descriptor_ != -1) close(descriptor_);
+        throw std::runtime_error(
+            file.string() + ": no host answers (" + reason +
+            "); name its AdminSocket with --socket, and be root or the user that it runs as");
+    }
+
     const int descriptor_;
 };
 

@@ -18,7 +18,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t longest_request = 200;
-constexpr timeval patience{.tv_sec = 5, .tv_usec = 0};
+constexpr int pause_without_descriptors = 200;  // milliseconds
 
 [[noreturn]] void raise(const fs::path& file, const std::string& reason) {
     throw std::runtime_error(file.string() + ": no administration socket can be made (" + reason +
@@ -64,8 +64,9 @@ bool is_allowed(int connection) {
 
 }  // namespace
 
-AdministrationSocket::AdministrationSocket(fs::path file, Answer answer)
-    : file_(std::move(file)), answer_(std::move(answer)) {
+AdministrationSocket::AdministrationSocket(fs::path file, Answer answer,
+                                           std::chrono::milliseconds patience)
+    : file_(std::move(file)), answer_(std::move(answer)), patience_(patience) {
     const sockaddr_un address = address_of(file_);
     make_way(file_, address);
     listener_ = new_socket(file_);
@@ -97,24 +98,51 @@ void AdministrationSocket::serve() {
     for (;;) {
         if (poll(waited.data(), waited.size(), -1) == -1) continue;
         if (waited[1].revents != 0) return;
-        const int connection = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
-        if (connection == -1) continue;
+        const int connection = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
+        if (connection == -1) {
+            poll(&waited[1], 1, pause_without_descriptors);
+            continue;
+        }
         if (is_allowed(connection)) serve_one(connection);
         close(connection);
     }
 }
 
-void AdministrationSocket::serve_one(int connection) const {
-    for (const int limit : {SO_RCVTIMEO, SO_SNDTIMEO})
-        setsockopt(connection, SOL_SOCKET, limit, &patience, sizeof patience);
+// False where the time is over, or the host ends.
+bool AdministrationSocket::wait_for(short event, int connection, Deadline deadline) const {
+    using std::chrono::milliseconds;
+    std::array<pollfd, 2> waited{pollfd{connection, event, 0}, pollfd{end_, POLLIN, 0}};
+    for (;;) {
+        const auto left =
+            std::chrono::ceil<milliseconds>(deadline - std::chrono::steady_clock::now());
+        if (left <= milliseconds(0)) return false;
+        const int ready = poll(waited.data(), waited.size(), static_cast<int>(left.count()));
+        if (ready == -1 && errno == EINTR) continue;
+        return ready > 0 && waited[1].revents == 0;
+    }
+}
+
+std::optional<std::string> AdministrationSocket::request_from(int connection,
+                                                              Deadline deadline) const {
     std::string request;
-    char next = 0;
-    while (request.size() <= longest_request && recv(connection, &next, 1, 0) == 1 && next != '\n')
-        request += next;
-    if (next != '\n') return;
-    const std::string answer = answer_(request);
+    std::array<char, longest_request + 1> part{};
+    while (request.size() <= longest_request && wait_for(POLLIN, connection, deadline)) {
+        const ssize_t size = recv(connection, part.data(), part.size(), 0);
+        if (size <= 0) break;
+        request.append(part.data(), static_cast<std::size_t>(size));
+        const std::size_t end = request.find('\n');
+        if (end != std::string::npos && end <= longest_request) return request.substr(0, end);
+    }
+    return std::nullopt;
+}
+
+void AdministrationSocket::serve_one(int connection) const {
+    const Deadline deadline = std::chrono::steady_clock::now() + patience_;
+    const auto request = request_from(connection, deadline);
+    if (!request) return;
+    const std::string answer = answer_(*request);
     std::size_t sent = 0;
-    while (sent < answer.size()) {
+    while (sent < answer.size() && wait_for(POLLOUT, connection, deadline)) {
         const ssize_t part =
             send(connection, answer.data() + sent, answer.size() - sent, MSG_NOSIGNAL);
         if (part <= 0) return;

@@ -408,6 +408,14 @@ TEST_F(OrvoWebTest, TakesOverTheSocketOfAHostThatIsGoneAndNoOther) {
               "The host has forgotten 0 entries.\n");
 }
 
+TEST_F(OrvoWebTest, IsNotAskedByANameThatNoSocketCanHave) {
+    const std::string name = "/" + std::string(107, 'x');
+    const fs::path said = folder_.path() / "said";
+    ChildProcess orvo({std::string(ORVO_BIN) + "/orvo", "pool", "--socket", name}, said);
+    EXPECT_EQ(orvo.wait(), 1);
+    EXPECT_EQ(content_of(said), "orvo: " + name + ": a socket's name has at most 107 octets\n");
+}
+
 TEST_F(OrvoWebTest, OneUserHasAsManyLoginsAsTheSiteSays) {
     write("site.ini", "[SITE]\nGuard = /account/ = 1\nLoginsOfOneUser = 1\n");
     const int port = start();
