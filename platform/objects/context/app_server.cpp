@@ -27,6 +27,7 @@ HeldMemory counted_memory() {
     } catch (const Failure&) {  // it has no such item
         return {};
     }
+    if (!account.is_object()) return {};  // nothing, from a context that knows no names of its own
     return HeldMemory(Ref<MemoryAccount>::from(account.to<Object>()));
 }
 
