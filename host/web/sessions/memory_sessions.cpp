@@ -101,6 +101,8 @@ void MemorySessions::wait_for(Session& session, std::unique_lock<std::mutex>& gu
     const bool is_free =
         may_wait && given_back_.wait_for(guard, patience, [&] { return !session.is_leased; });
     --session.waiting;
+    if (!may_wait)
+        throw Refusal(503, "Another request of this session runs, and too many requests wait.");
     if (!is_free) throw Refusal(503, "Another request of this session takes too long.");
 }
 

@@ -134,7 +134,14 @@ TEST_F(MemorySessionsTest, ARequestThatMayNotWaitIsRefusedAtOnce) {
     auto lease = sessions_.open(id, 1h, no);
     EXPECT_TRUE(lease);
     EXPECT_EQ(asked, 0) << "it had not to wait";
-    EXPECT_THROW(sessions_.open(id, 1h, no), Refusal);
+    try {
+        sessions_.open(id, 1h, no);
+        FAIL() << "two requests have the session";
+    } catch (const Refusal& refusal) {
+        EXPECT_EQ(refusal.status, 503);
+        EXPECT_STREQ(refusal.what(),
+                     "Another request of this session runs, and too many requests wait.");
+    }
     EXPECT_EQ(asked, 1);
 }
 
