@@ -10,8 +10,8 @@
 
 namespace orvo::web {
 
-// Which requests wait for the directory, as it was seen, by method and address as it was asked for
-// without a query: a login page may need the directory for a form alone. Any thread; nobody waits
+// Which requests wait for the directory, as it was seen, by method and address, decoded and
+// without its query: a login page may need the directory for a form alone. Any thread; nobody waits
 // here.
 class WaitingPages {
 public:

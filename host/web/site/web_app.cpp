@@ -96,10 +96,10 @@ void add_security_headers(const Site& site, HttpResponse& response) {
     }
 }
 
-// By its address, as it was sent: "/shop.css"
+// By its address, decoded: "/shop.css"
 bool is_plain_file(std::string_view path) {
     const auto name = path.substr(path.rfind('/') + 1);
-    return name.find('.') != name.npos && name.find('%') == name.npos && !is_page(name);
+    return name.find('.') != name.npos && !is_page(name);
 }
 
 }  // namespace
@@ -203,14 +203,15 @@ HttpResponse WebApp::handle(const HttpRequest& request) {
 }
 
 Lane WebApp::lane_of(const HttpRequest& request) const {
-    const std::string_view path = path_part(request.target);
-    if (path == "/health/live") return Lane::at_once;
-    if (path == "/health/ready") return Lane::aside;
-    const std::optional<bool> waits = seen_pages_.waits(request.method, path);
+    const auto path = try_path_decoded(path_part(request.target));
+    if (!path) return Lane::undecided;
+    if (*path == "/health/live") return Lane::at_once;
+    if (*path == "/health/ready") return Lane::aside;
+    const std::optional<bool> waits = seen_pages_.waits(request.method, *path);
     if (waits) return *waits ? Lane::directory : Lane::page;
     // Many may log in at the same moment before the first of them is done.
     if (request.method == "POST") return Lane::directory;
-    return is_plain_file(path) ? Lane::page : Lane::undecided;
+    return is_plain_file(*path) ? Lane::page : Lane::undecided;
 }
 
 void WebApp::note_refused(const HttpRequest& request, HttpResponse& response,
@@ -323,7 +324,7 @@ HttpResponse WebApp::page(ServedSite& served, const HttpRequest& request, const 
             failure.reference = from_utf8(usual.reference);
             is_answered = errors_.try_page(served, page, 500, std::move(failure));
         }
-        seen_pages_.note(request.method, path_part(request.target), page->waits_for_directory());
+        seen_pages_.note(request.method, decoded_path(request.target), page->waits_for_directory());
         // What a page that failed would have told the browser is not sent; its session is kept.
         if (!is_answered) page->answer.cookies.clear();
     }

@@ -234,7 +234,10 @@ TEST_F(WaitingPagesTest, AreKnownByTheirAddressOnceTheyHaveMadeAnObject) {
     EXPECT_EQ(lane_of("/none.asp"), Lane::undecided);
     EXPECT_EQ(lane_of("/shop/"), Lane::undecided) << "a page of the folder answers";
     EXPECT_EQ(lane_of("/shop.css?v=1"), Lane::page) << "a file";
-    EXPECT_EQ(lane_of("/wait.%61sp"), Lane::undecided);
+    EXPECT_EQ(lane_of("/wait.%61sp"), Lane::directory) << "the same page";
+    EXPECT_EQ(lane_of("/new.%61sp"), Lane::undecided);
+    EXPECT_EQ(get("/plain%2Easp").body, "plain");
+    EXPECT_EQ(lane_of("/wait%2.asp"), Lane::undecided) << "no address";
     EXPECT_EQ(lane_of("/health/live"), Lane::at_once);
     EXPECT_EQ(lane_of("/health/ready"), Lane::aside);
 }
@@ -348,7 +351,9 @@ TEST_F(WebAppTest, OneSessionIsServedOneRequestAtATime) {
 }
 
 TEST_F(WebAppTest, DoesNotStartWithGuardsAndWithoutAFilter) {
-    pages_.write("/site.ini", "[SITE]\nGuard = /account/ = 1\nLoginCookie = LoginID\n");
+    pages_.write("/site.ini",
+                 "[SITE]\nGuard = /account/ = 1\nLoginPage = /login/login.asp\n"
+                 "LoginCookie = LoginID\n");
     const Site site = read_site(pages_.root);
     connector_.reset();
     EXPECT_THROW(WebApp(site, pages_.sessions, health_, log_, {}), Failure);
