@@ -34,12 +34,17 @@ void reload(const Options& options, const ServerOptions& server, WebApp& app,
     log.reopen();
     try {
         const Site site = read_site(options.site, options.config);
+        const Site before = app.site();
         // A site without settings has no guards: one that had some is not opened by a file that is
         // being put in another one's place.
-        if (app.site().has_settings && !site.has_settings)
+        if (before.has_settings && !site.has_settings)
             throw std::runtime_error("site.ini is not there any more");
+        // Nor by one that is cut off.
+        if (const GuardedPath* lost = lost_guard(before, site))
+            throw std::runtime_error("the guard of " + lost->path +
+                                     " is gone; restart to serve it without this guard");
         std::string said = "the site's settings have been read again";
-        for (const std::string& key : keys_for_next_start(app.site(), site))
+        for (const std::string& key : keys_for_next_start(before, site))
             said += "; " + key + " counts from the next start";
         app.replace(site);
         sessions.set_limits(session_limits(site, server));

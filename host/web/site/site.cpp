@@ -67,9 +67,22 @@ Site read_site(const fs::path& folder, const fs::path& config) {
         read_settings(*reload_ini_file(config), from_utf8(config.string()), site);
     else if (site.has_settings)
         read_settings(*reload_ini_file(own), u"site.ini", site);
+    if (!site.guards.empty() && !try_site_file(site.root, site.login_page))
+        refuse(u"The site guards paths, but there is no login page \"" +
+               from_utf8(site.login_page) + u"\"");
     if (const auto link = try_dangling_link(site.root))
         refuse(from_utf8(link->string()) + u": this link leads nowhere");
     return site;
+}
+
+const GuardedPath* lost_guard(const Site& before, const Site& now) {
+    const auto is_lost = [&](const GuardedPath& guard) {
+        const GuardedPath* other = guard_of(now, guard.path);
+        return !other ||
+               (other->path.size() != guard.path.size() && other->application != guard.application);
+    };
+    const auto lost = std::ranges::find_if(before.guards, is_lost);
+    return lost == before.guards.end() ? nullptr : &*lost;
 }
 
 std::vector<std::string> keys_for_next_start(const Site& before, const Site& now) {

@@ -93,8 +93,13 @@ struct Site {
 //                   cannot be read
 //     0x80040201    the settings say what cannot be: a key or section that is not known ("site.ini,
 //                   line 4: there is no key "Gaurd"; did you mean "Guard"?"), a value, a guard
-//                   whose folder is not there; or a link in the folder leads nowhere
+//                   whose folder is not there, a login page that is not there; or a link in the
+//                   folder leads nowhere
 Site read_site(const std::filesystem::path& folder, const std::filesystem::path& config = {});
+
+// A guard of `before` whose path `now` guards neither itself nor for the same application; null
+// where there is none.
+const GuardedPath* lost_guard(const Site& before, const Site& now);
 
 // The keys that differ between two readings and count from the next start of the program only.
 std::vector<std::string> keys_for_next_start(const Site& before, const Site& now);

@@ -12,12 +12,17 @@ constexpr std::array keys{
     SiteKey{.name = u"LoginPage",
             .values = "path of the site",
             .otherwise = [](const Site& usual) { return usual.login_page; },
-            .about = "Where a browser goes that asks for a guarded page without a login.",
-            .read = [](const SiteSetting& s, Site& site) { site.login_page = s.page(); }},
+            .about = "Where a browser goes that asks for a guarded page without a login. A site "
+                     "with guards does "
+                     "not start without it.",
+            .read = [](const SiteSetting& s,
+                       Site& site) { site.login_page = s.page_or_file(site.root); }},
     SiteKey{.name = u"Guard",
             .values = "/path/ = number, with commas between",
             .otherwise = none,
-            .about = "What lies below the path needs a login for the application of this number.",
+            .about = "What lies below the path needs a login for the application of this number. A "
+                     "guard that is "
+                     "left out counts until the next start.",
             .read = [](const SiteSetting& s, Site& site) { site.guards = s.guards(site.root); }},
     SiteKey{
         .name = u"KeepForms",
@@ -89,19 +94,19 @@ constexpr std::array keys{
             .otherwise = built_in,
             .about = "The page or file that is shown in place of what is not there.",
             .read = [](const SiteSetting& s,
-                       Site& site) { site.error_pages[404] = s.error_page(site.root); }},
+                       Site& site) { site.error_pages[404] = s.page_or_file(site.root); }},
     SiteKey{.name = u"ErrorPage500",
             .values = "path of the site",
             .otherwise = built_in,
             .about = "The page or file that is shown in place of a page that fails.",
             .read = [](const SiteSetting& s,
-                       Site& site) { site.error_pages[500] = s.error_page(site.root); }},
+                       Site& site) { site.error_pages[500] = s.page_or_file(site.root); }},
     SiteKey{.name = u"ErrorPage503",
             .values = "path of the site",
             .otherwise = built_in,
             .about = "The page or file that is shown in place of what cannot be had now.",
             .read = [](const SiteSetting& s,
-                       Site& site) { site.error_pages[503] = s.error_page(site.root); }},
+                       Site& site) { site.error_pages[503] = s.page_or_file(site.root); }},
     SiteKey{
         .name = u"DirectoryPool",
         .values = "Name = number, with commas between",

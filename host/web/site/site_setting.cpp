@@ -41,12 +41,6 @@ std::vector<Text> SiteSetting::list() const {
     return pieces;
 }
 
-std::string SiteSetting::page() const {
-    if (!is_local_url(text()) || text().find(u'?') != Text::npos)
-        refuse(u"\"" + text() + u"\" is no path of the site");
-    return to_utf8(text());
-}
-
 // "name = value", cut at the first "=".
 std::pair<Text, Text> SiteSetting::cut(const Text& text, const Text& shape) const {
     const auto equals = text.find(u'=');
@@ -104,8 +98,10 @@ std::vector<ProviderSetting> SiteSetting::provider_settings() const {
     return settings;
 }
 
-std::string SiteSetting::error_page(const fs::path& root) const {
-    std::string path = page();
+std::string SiteSetting::page_or_file(const fs::path& root) const {
+    if (!is_local_url(text()) || text().find(u'?') != Text::npos)
+        refuse(u"\"" + text() + u"\" is no path of the site");
+    std::string path = to_utf8(text());
     const auto file = try_site_file(root, path);
     if (!file || (!is_page(path) && content_type_of(*file).empty()))
         refuse(u"\"" + text() + u"\" is no page or file of the site");

@@ -19,14 +19,12 @@ public:
     std::int64_t number() const;
     // The pieces between commas, without blanks around them.
     std::vector<Text> list() const;
-    // A path of the site, as it is typed in an address.
-    std::string page() const;
     // "/path/ = number", with commas between.
     std::vector<GuardedPath> guards(const std::filesystem::path& root) const;
     // "Name = value", with commas between. What the values may be is the provider's.
     std::vector<ProviderSetting> provider_settings() const;
     // A page or file of the site, as a path of it.
-    std::string error_page(const std::filesystem::path& root) const;
+    std::string page_or_file(const std::filesystem::path& root) const;
     std::vector<std::filesystem::path> folders(const std::filesystem::path& root) const;
 
 private:

@@ -468,16 +468,16 @@ TEST_F(OrvoWebTest, SighupReadsTheSettingsAgainAndOpensTheLogAnew) {
     Browser browser(start({"--access-log", access}));
     EXPECT_EQ(browser.get("/extra/x.html")->status, 200);
     fs::rename(access, folder_.path() / "access.log.1");
-    write("site.ini", "[SITE]\nGuard = /extra/ = 1\nDrainTime = 3\n");
+    write("site.ini", "[SITE]\nGuard = /account/ = 1, /extra/ = 1, /admin/ = 1\nDrainTime = 3\n");
     process_->send(SIGHUP);
     EXPECT_TRUE(
         says("orvo-web: the site's settings have been read again; DrainTime counts from the "
              "next start\n"));
     EXPECT_EQ(browser.get("/extra/x.html")->status, 302);
-    EXPECT_EQ(browser.get("/admin/")->status, 200);
+    EXPECT_EQ(browser.get("/default.asp")->status, 200);
     EXPECT_NE(content_of(folder_.path() / "access.log.1").find("GET /extra/x.html 200"),
               std::string::npos);
-    EXPECT_NE(content_of(access).find("GET /admin/ 200"), std::string::npos);
+    EXPECT_NE(content_of(access).find("GET /default.asp 200"), std::string::npos);
 
     write("site.ini", "[SITE]\nGaurd = /admin/ = 10\n");
     process_->send(SIGHUP);
@@ -485,6 +485,19 @@ TEST_F(OrvoWebTest, SighupReadsTheSettingsAgainAndOpensTheLogAnew) {
         says("orvo-web: the settings stay as they were: site.ini, line 2: there is no key "
              "\"Gaurd\"; did you mean \"Guard\"?\n"));
     EXPECT_EQ(browser.get("/extra/x.html")->status, 302);
+
+    write("site.ini", "[SITE]\nGuard = /account/ = 1, /extra/ = 1");
+    process_->send(SIGHUP);
+    EXPECT_TRUE(
+        says("orvo-web: the settings stay as they were: the guard of /admin/ is gone; restart to "
+             "serve it without this guard\n"));
+    EXPECT_EQ(browser.get("/admin/")->status, 302);
+    write("site.ini", "");
+    process_->send(SIGHUP);
+    EXPECT_TRUE(
+        says("orvo-web: the settings stay as they were: the guard of /account/ is gone; restart "
+             "to serve it without this guard\n"));
+    EXPECT_EQ(browser.get("/account/")->status, 302);
 
     fs::remove(site() / "site.ini");
     process_->send(SIGHUP);

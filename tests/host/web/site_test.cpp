@@ -16,6 +16,8 @@ protected:
     SiteTest() {
         for (const char* folder : {"account/admin", "admin", "a"})
             std::filesystem::create_directories(folder_.path() / folder);
+        folder_.write("login.asp", "");
+        folder_.write("in/login.asp", "");
     }
     Site read(std::string_view settings) {
         std::ofstream(folder_.path() / "site.ini", std::ios::trunc) << "[SITE]\n" << settings;
@@ -125,6 +127,8 @@ TEST_F(SiteTest, RefusesWhatCannotBeAndSaysWhere) {
               u"site.ini, line 2: DirectoryCache: \"= 6\" is not \"Name = value\""},
              {"LoginPage = http://x/",
               u"site.ini, line 2: LoginPage: \"http://x/\" is no path of the site"},
+             {"LoginPage = /none.asp",
+              u"site.ini, line 2: LoginPage: \"/none.asp\" is no page or file of the site"},
              {"SessionTimeout = 0",
               u"site.ini, line 2: SessionTimeout: \"0\" is no number from 1 to 525600"},
              {"PageTimeout = soon",
@@ -174,6 +178,30 @@ TEST_F(SiteTest, RefusesAGuardOfAFolderThatIsNotThere) {
     for (const auto& [settings, reason] : rows)
         EXPECT_EQ(to_utf8(refusal(settings)), to_utf8(reason)) << settings;
     EXPECT_EQ(read("Guard = / = 1").guards, (std::vector<GuardedPath>{{"/", 1}}));
+}
+
+TEST_F(SiteTest, NeedsItsLoginPageWhereItHasGuards) {
+    std::filesystem::remove(folder_.path() / "login.asp");
+    EXPECT_EQ(to_utf8(refusal("Guard = /account/ = 1")),
+              "The site guards paths, but there is no login page \"/login.asp\"");
+    EXPECT_EQ(read("Guard = /account/ = 1\nLoginPage = /in/login.asp").login_page, "/in/login.asp");
+    EXPECT_TRUE(read("PageTimeout = 5").guards.empty());
+}
+
+TEST_F(SiteTest, TellsWhichGuardIsLost) {
+    const Site before = read("Guard = /account/ = 1, /account/admin/ = 10, /admin/ = 10");
+    const auto lost = [&](std::string_view settings) {
+        const Site now = read(settings);
+        const GuardedPath* guard = lost_guard(before, now);
+        return guard ? guard->path : "none";
+    };
+    EXPECT_EQ(lost(""), "/account/");
+    EXPECT_EQ(lost("Guard = /account/ = 1, /account/admin/ = 10"), "/admin/");
+    EXPECT_EQ(lost("Guard = /account/ = 1, /admin/ = 10"), "/account/admin/")
+        << "the guard of /account/ lets others in";
+    EXPECT_EQ(lost("Guard = /account/ = 10, /admin/ = 10"), "none");
+    EXPECT_EQ(lost("Guard = /a/ = 1, /admin/ = 1, /account/admin/ = 2, /account/ = 3"), "none");
+    EXPECT_EQ(lost("Guard = / = 10"), "/account/") << "of another application";
 }
 
 TEST_F(SiteTest, AFileOfSettingsThatIsNamedIsReadInPlaceOfTheFoldersOwn) {
