@@ -36,7 +36,7 @@ if (isPost() && Request.Form("user").Count == 0) {
             problem = explained(error);
         }
     }
-} else if (url != "" && hasKeptForm(url)) {
+} else if (url != "" && hasKeptForm(url) && isKeptForVisitor()) {
     problem = "Your login has ended. Please log in again: what you typed is kept, but for passwords.";
 } else if (url != "" && isLoggedIn()) {
     problem = "Your account may not open this page. You can log in with another one.";

@@ -222,6 +222,18 @@ inTheShop('account', (tell) => {
             assert.notEqual(await visitor.field('Phone').inputValue(), '4711');
         });
 
+    tell('what somebody has typed is not said to be kept for the next one', async (visitor) => {
+        await visitor.go('/login.asp');
+        const answer = await visitor.context.request.post(visitor.url + '/admin/members.asp', {
+            form: { sender: 'zeros', Phone: '4711' }, headers: { Origin: visitor.url },
+        });
+        assert.match(await answer.text(), /is kept/);
+        await visitor.logIn('jsmith');
+        await visitor.go('/admin/members.asp');
+        assert.equal(await visitor.refusal(),
+            'Your account may not open this page. You can log in with another one.');
+    });
+
     tell('another site cannot put words into a form that is kept', async (visitor) => {
         await visitor.go('/login.asp');
         const send = (origin) => visitor.context.request.post(visitor.url + '/account/', {
