@@ -21,13 +21,10 @@ Ref<ObjectContext> AppServerObject::Establish(const Ref<ObjectContext>& context)
 HeldMemory counted_memory() {
     const Ref<ObjectContext>& context = current_context();
     if (!context) return {};
-    Variant account;
-    try {
-        account = call<&ObjectContext::Item>(context, memory_account_item);
-    } catch (const Failure&) {  // it has no such item
-        return {};
-    }
-    if (!account.is_object()) return {};  // nothing, from a context that knows no names of its own
+    const auto host = Ref<MemoryHost>::try_from(context.object());
+    if (!host) return {};
+    const Variant account = call<&MemoryHost::Account>(host);
+    if (!account.is_object()) return {};
     return HeldMemory(Ref<MemoryAccount>::from(account.to<Object>()));
 }
 

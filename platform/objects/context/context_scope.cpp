@@ -3,13 +3,14 @@
 #include "platform/interfaces/call.h"
 #include "platform/interfaces/create.h"
 #include "platform/interfaces/hosted.h"
+#include "platform/objects/context/memory_account.h"
 
 namespace orvo {
 namespace {
 
 // A context without transactions and without security: votes on a transaction have no effect, and
 // everybody is in every role.
-class HostContext : public ObjectContext {
+class HostContext : public ObjectContext, public MemoryHost {
 public:
     explicit HostContext(ContextItems items) {
         for (auto& [name, item] : items) items_.emplace(lower(name), item);
@@ -30,6 +31,10 @@ public:
             throw Failure(abi::e_invalidarg, {}, u"The context has no item named " + name);
         return found->second;
     }
+    Variant Account() override {
+        const auto found = items_.find(lower(memory_account_item));
+        return found == items_.end() ? Variant() : found->second;
+    }
 
 private:
     ContextItems items_;
@@ -38,7 +43,8 @@ private:
 }  // namespace
 
 template <>
-inline constexpr auto class_of<HostContext> = describe_class<ObjectContext>("MTxAS.ObjectContext");
+inline constexpr auto class_of<HostContext> =
+    describe_class<ObjectContext, MemoryHost>("MTxAS.ObjectContext");
 
 ContextScope::ContextScope(ContextItems items)
     : host_(Ref<ContextHost>::from(create_object(app_server_progid))),

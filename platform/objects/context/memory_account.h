@@ -31,6 +31,21 @@ inline constexpr auto table_of<MemoryAccount> =
     describe<MemoryAccount>("IMemoryAccount", "5d4b3c53-6f0e-4a61-9d0c-1f6f4f6a2c13",
                             method<&MemoryAccount::Hold>("Hold", "bytes"));
 
+// How an object finds the item, beside ObjectContext on the context of a host that counts: no other
+// context is asked for a name that it has not heard of.
+class MemoryHost {
+public:
+    // Nothing where it has no such item.
+    virtual Variant Account() = 0;
+
+protected:
+    ~MemoryHost() = default;
+};
+
+template <>
+inline constexpr auto table_of<MemoryHost> = describe<MemoryHost>(
+    "IMemoryHost", "5d4b3c53-6f0e-4a61-9d0c-1f6f4f6a2c14", method<&MemoryHost::Account>("Account"));
+
 // That item, which takes what it counts from the budget. It belongs to the calling thread, as the
 // context does.
 Object make_memory_account(std::shared_ptr<MemoryBudget> budget);
