@@ -34,6 +34,8 @@ class Visitor {
     address() { return this.page.url().slice(this.url.length); }
     title() { return this.page.locator('h1').textContent(); }
     text(selector) { return this.page.locator(selector).textContent(); }
+    // Waits until what is found this way has the focus: a page gives it when it is drawn.
+    focus(selector) { return this.page.waitForSelector(`${selector}:focus`); }
     // What the page says went wrong, or has been done; '' where it says nothing.
     async refusal() {
         const texts = await this.page.getByRole('alert').allTextContents();

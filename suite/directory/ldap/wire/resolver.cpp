@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -68,26 +69,23 @@ int start(gaicb* lookup) {
     return getaddrinfo_a(GAI_NOWAIT, list, 1, nullptr);
 }
 
-int wait(gaicb* lookup, const timespec& limit) {
-    const gaicb* list[] = {lookup};
-    return gai_suspend(list, 1, &limit);
-}
+int state(gaicb* lookup) { return gai_error(lookup); }
 
-// 0, or an EAI_ number: EAI_INPROGRESS after the deadline.
+// 0, or an EAI_ number: EAI_INPROGRESS after the deadline. It looks again and again: gai_suspend()
+// with a limit leaves a pointer to its stack behind where a look-up ends just as the limit does.
 int run(Lookup& lookup, const Deadline& deadline, const Resolver& resolver) {
-    int error = resolver.start(&lookup.request);
-    if (error != 0) return error;
-    do {
-        const milliseconds left = deadline.left();
-        error =
-            resolver.wait(&lookup.request, {left.count() / 1000, left.count() % 1000 * 1000000});
-    } while (error == EAI_INTR);
-    return error == EAI_AGAIN ? EAI_INPROGRESS : gai_error(&lookup.request);
+    constexpr milliseconds longest_pause{16};
+    if (const int error = resolver.start(&lookup.request); error != 0) return error;
+    for (milliseconds pause{1};; pause = std::min(2 * pause, longest_pause)) {
+        const int error = resolver.state(&lookup.request);
+        if (error != EAI_INPROGRESS || deadline.has_passed()) return error;
+        std::this_thread::sleep_for(std::min(pause, deadline.left()));
+    }
 }
 
 }  // namespace
 
-const Resolver system_resolver = {start, wait};
+const Resolver system_resolver = {start, state};
 
 Addresses find_addresses(const ServerHost& host, const Deadline& deadline, Result& why,
                          const Resolver& resolver) {

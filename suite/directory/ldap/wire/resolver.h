@@ -12,12 +12,12 @@
 
 namespace orvo::directory::ldap::detail {
 
-// The C library's asynchronous look-up: it starts one, and waits until it is done, EAI_AGAIN where
-// that takes too long. What it is still busy with goes on in the C library's own threads, which
-// need nothing of this module.
+// The C library's asynchronous look-up: it starts one, and tells how it stands, EAI_INPROGRESS
+// while it runs. What it is still busy with after a deadline goes on in the C library's own
+// threads, which need nothing of this module.
 struct Resolver {
     int (*start)(gaicb* lookup);
-    int (*wait)(gaicb* lookup, const timespec& limit);
+    int (*state)(gaicb* lookup);
 };
 extern const Resolver system_resolver;
 
