@@ -6,6 +6,8 @@
 #include <optional>
 #include <utility>
 
+#include "bench/table.h"
+
 namespace orvo::failover {
 namespace {
 
@@ -41,29 +43,6 @@ std::optional<double> tail(const std::vector<double>& sorted) {
     if (sorted.empty()) return std::nullopt;
     return sorted[(sorted.size() * 999 + 999) / 1000 - 1];
 }
-
-class Table {
-public:
-    explicit Table(std::vector<std::string> head) { rows_.push_back(std::move(head)); }
-    void add(std::vector<std::string> row) { rows_.push_back(std::move(row)); }
-    void print(std::ostream& out) const {
-        std::vector<std::size_t> widths(rows_.front().size());
-        for (const auto& row : rows_)
-            for (std::size_t i = 0; i < row.size(); ++i)
-                widths[i] = std::max(widths[i], row[i].size());
-        for (const auto& row : rows_) {
-            for (std::size_t i = 0; i < row.size(); ++i) {
-                const std::string gap(widths[i] - row[i].size(), ' ');
-                // The first column is text, the others are figures.
-                out << (i == 0 ? row[i] + gap : "  " + gap + row[i]);
-            }
-            out << '\n';
-        }
-    }
-
-private:
-    std::vector<std::vector<std::string>> rows_;
-};
 
 const char* name_of(Kind kind) {
     switch (kind) {

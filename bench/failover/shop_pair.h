@@ -7,8 +7,7 @@
 
 #include "bench/failover/sightings.h"
 #include "tests/support/faulty_proxy.h"
-#include "tests/support/ldap_probe.h"
-#include "tests/support/slapd.h"
+#include "tests/support/slapd_pair.h"
 #include "tests/support/temp_folder.h"
 
 namespace orvo::failover {
@@ -39,7 +38,7 @@ public:
     explicit ShopPair(Sightings& sightings);
 
     std::string site_ini() const { return site_.path() / "site.ini"; }
-    const PrivateSlapd& shop() const { return *servers_.front(); }
+    const PrivateSlapd& shop() const { return servers_[preferred]; }
     // Names of users of the shop with ordinary names and a type.
     std::vector<std::string> users() const;
 
@@ -47,13 +46,13 @@ public:
     void heal(Fault fault);
 
     // Waits until both servers say that they know the same changes; false after 30 s.
-    bool settle();
+    bool settle() const { return servers_.settle(); }
     // A look into one server, past its proxy, as its root.
-    std::unique_ptr<LdapProbe> look_into(int server) const;
+    std::unique_ptr<LdapProbe> look_into(int server) const { return servers_.look_into(server); }
 
 private:
     TempFolder site_;
-    std::vector<std::unique_ptr<PrivateSlapd>> servers_;
+    SlapdPair servers_;
     std::vector<std::unique_ptr<FaultyProxy>> proxies_;
 };
 

@@ -22,6 +22,7 @@ public:
     ChildProcess& operator=(const ChildProcess&) = delete;
 
     bool running();
+    pid_t pid() const { return pid_; }
     void send(int signal);
     // Makes it stand still; returns when it does. send(SIGCONT) lets it go on.
     void pause();

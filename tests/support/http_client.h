@@ -39,12 +39,12 @@ private:
     std::string error_;
 };
 
-// Keeps its connection while the server does, and makes a new one where it has gone. Waits a
-// minute for an answer. One thread.
+// Keeps its connection while the server does, and makes a new one where it has gone. One thread.
 class HttpClient {
 public:
-    // certificate: of the server, by TLS; empty: plain.
-    explicit HttpClient(int port, std::filesystem::path certificate = {});
+    // certificate: of the server, by TLS; empty: plain. patience: seconds until it gives up when
+    // nothing comes.
+    explicit HttpClient(int port, std::filesystem::path certificate = {}, int patience = 60);
     ~HttpClient();
     HttpClient(HttpClient&&) noexcept;
 
@@ -62,6 +62,7 @@ private:
 
     const int port_;
     const std::filesystem::path certificate_;
+    const int patience_;
     std::unique_ptr<Connection> connection_;
 };
 

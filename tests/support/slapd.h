@@ -44,7 +44,8 @@ public:
     void resume();
     bool running();
 
-    std::string server() const;              // "127.0.0.1:23456", as the site configuration has it
+    std::string server() const;  // "127.0.0.1:23456", as the site configuration has it
+    int port() const { return port_; }
     std::string url() const;                 // "ldap://127.0.0.1:23456"
     std::string tls_url() const;             // "ldaps://127.0.0.1:23457"; only with `tls`
     std::filesystem::path ca_file() const;   // what a client has to trust; only with `tls`

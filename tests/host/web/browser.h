@@ -9,7 +9,8 @@ namespace orvo::web {
 // A client that keeps cookies, of one host and without regard to their attributes.
 class Browser {
 public:
-    explicit Browser(int port) : client_(port) {}
+    // patience: seconds until it gives up when nothing comes.
+    explicit Browser(int port, int patience = 60) : client_(port, {}, patience) {}
 
     HttpResult get(const std::string& path) { return noted(client_.get(path, headers())); }
     HttpResult post(const std::string& path, const HttpFields& form) {
