@@ -1,9 +1,9 @@
 #pragma once
 
+#include "platform/module/prober.h"
 #include "suite/directory/ldap/memory/entry_cache.h"
 #include "suite/directory/ldap/memory/write_marks.h"
 #include "suite/directory/ldap/pool/connection_pool.h"
-#include "suite/directory/ldap/pool/prober.h"
 #include "suite/directory/ldap/pool/servers.h"
 #include "suite/directory/ldap/provider/check_target.h"
 #include "suite/directory/ldap/provider/directory_maps.h"

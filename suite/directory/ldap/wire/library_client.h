@@ -15,7 +15,7 @@
 #include <string_view>
 #include <vector>
 
-#include "suite/directory/ldap/wire/deadline.h"
+#include "platform/network/deadline.h"
 #include "suite/directory/ldap/wire/session.h"
 
 namespace orvo::directory::ldap::detail {

@@ -17,11 +17,11 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/network/deadline.h"
+#include "platform/network/resolver.h"
 #include "suite/directory/ldap/wire/certificate.h"
-#include "suite/directory/ldap/wire/deadline.h"
 #include "suite/directory/ldap/wire/openldap_transport.h"
 #include "suite/directory/ldap/wire/reach.h"
-#include "suite/directory/ldap/wire/resolver.h"
 #include "suite/directory/names/ascii.h"
 #include "suite/directory/policy/result_codes.h"
 
@@ -92,10 +92,20 @@ void set_socket_options(int descriptor, const Limits& limits) {
     set(IPPROTO_TCP, TCP_KEEPCNT, 3);
 }
 
+// As they are tried; none: `why` tells.
+auto addresses_of(const ServerHost& host, const Deadline& deadline, Result& why) {
+    FoundAddresses found = orvo::find_addresses(host.name, host.port, deadline);
+    if (found.error == EAI_INPROGRESS)
+        why = {result_code::timeout, "its address was not found", {}};
+    else if (found.error != 0)
+        why = {result_code::server_down, gai_strerror(found.error), {}};
+    return std::move(found.list);
+}
+
 // A connected socket, which waits unless it is told otherwise; -1: `why` tells.
 int connected_socket(const ServerHost& host, const Limits& limits, const Deadline& deadline,
                      Result& why) {
-    const Addresses addresses = find_addresses(host, deadline, why);
+    const auto addresses = addresses_of(host, deadline, why);
     int reason = 0;
     for (const addrinfo* address = addresses.get(); address; address = address->ai_next) {
         Socket socket(::socket(address->ai_family, SOCK_STREAM | SOCK_CLOEXEC, 0));
@@ -331,7 +341,7 @@ std::string text_of(const sockaddr* address, socklen_t size) {
 
 std::vector<std::string> find_addresses(const ServerHost& host, const Limits& limits, Result& why) {
     std::vector<std::string> texts;
-    const detail::Addresses found = detail::find_addresses(host, Deadline(limits.connect), why);
+    const auto found = detail::addresses_of(host, Deadline(limits.connect), why);
     for (const addrinfo* address = found.get(); address; address = address->ai_next)
         texts.push_back(text_of(address->ai_addr, address->ai_addrlen));
     return texts;

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "suite/directory/ldap/wire/deadline.h"
+#include "platform/network/deadline.h"
 #include "suite/directory/ldap/wire/session.h"
 
 struct ldap;

@@ -16,8 +16,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/network/deadline.h"
 #include "platform/values/secret.h"
-#include "suite/directory/ldap/wire/deadline.h"
 #include "suite/directory/ldap/wire/session.h"
 
 namespace orvo::directory::ldap::detail {

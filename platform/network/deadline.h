@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <chrono>
 
-namespace orvo::directory::ldap {
+namespace orvo {
 
 class Deadline {
 public:
@@ -25,4 +25,4 @@ private:
     std::chrono::steady_clock::time_point at_;
 };
 
-}  // namespace orvo::directory::ldap
+}  // namespace orvo

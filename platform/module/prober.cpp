@@ -1,10 +1,10 @@
-#include "suite/directory/ldap/pool/prober.h"
+#include "platform/module/prober.h"
 
 #include <system_error>
 
 #include "platform/interfaces/face.h"
 
-namespace orvo::directory::ldap {
+namespace orvo {
 
 Prober::~Prober() {
     {
@@ -46,4 +46,4 @@ void Prober::work() {
     --detail::live_objects();
 }
 
-}  // namespace orvo::directory::ldap
+}  // namespace orvo

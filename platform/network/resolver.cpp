@@ -1,15 +1,12 @@
-#include "suite/directory/ldap/wire/resolver.h"
+#include "platform/network/resolver.h"
 
 #include <algorithm>
 #include <mutex>
-#include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
-#include "suite/directory/policy/result_codes.h"
-
-namespace orvo::directory::ldap::detail {
+namespace orvo {
 namespace {
 
 using std::chrono::milliseconds;
@@ -23,15 +20,19 @@ addrinfo hints_with(int flags) {
 
 // A look-up and the texts that it reads.
 struct Lookup {
-    explicit Lookup(const ServerHost& host)
-        : name(host.name), port(std::to_string(host.port)), hints(hints_with(0)) {
+    Lookup(const std::string& host, int port_number)
+        : name(host), port(std::to_string(port_number)), hints(hints_with(0)) {
         request.ar_name = name.c_str();
         request.ar_service = port.c_str();
         request.ar_request = &hints;
     }
     Lookup(const Lookup&) = delete;
-    ~Lookup() { Addresses(request.ar_result); }
-    Addresses take() { return Addresses(std::exchange(request.ar_result, nullptr)); }
+    ~Lookup() { take(); }
+    FoundAddresses take() {
+        FoundAddresses found;
+        found.list.reset(std::exchange(request.ar_result, nullptr));
+        return found;
+    }
 
     std::string name;
     std::string port;
@@ -87,24 +88,23 @@ int run(Lookup& lookup, const Deadline& deadline, const Resolver& resolver) {
 
 const Resolver system_resolver = {start, state};
 
-Addresses find_addresses(const ServerHost& host, const Deadline& deadline, Result& why,
-                         const Resolver& resolver) {
+FoundAddresses find_addresses(const std::string& host, int port, const Deadline& deadline,
+                              const Resolver& resolver) {
     const addrinfo numeric = hints_with(AI_NUMERICHOST);
     addrinfo* found = nullptr;
-    if (getaddrinfo(host.name.c_str(), std::to_string(host.port).c_str(), &numeric, &found) == 0)
-        return Addresses(found);
+    if (getaddrinfo(host.c_str(), std::to_string(port).c_str(), &numeric, &found) == 0) {
+        FoundAddresses addresses;
+        addresses.list.reset(found);
+        return addresses;
+    }
 
     abandoned().free_those_done();
-    auto lookup = std::make_unique<Lookup>(host);
+    auto lookup = std::make_unique<Lookup>(host, port);
     const int error = run(*lookup, deadline, resolver);
     if (error == 0) return lookup->take();
-    if (error != EAI_INPROGRESS) {
-        why = {result_code::server_down, gai_strerror(error), {}};
-        return nullptr;
-    }
-    if (gai_cancel(&lookup->request) == EAI_NOTCANCELED) abandoned().add(std::move(lookup));
-    why = {result_code::timeout, "its address was not found", {}};
-    return nullptr;
+    if (error == EAI_INPROGRESS && gai_cancel(&lookup->request) == EAI_NOTCANCELED)
+        abandoned().add(std::move(lookup));
+    return {nullptr, error};
 }
 
-}  // namespace orvo::directory::ldap::detail
+}  // namespace orvo

@@ -1,14 +1,13 @@
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <mutex>
 #include <optional>
 #include <thread>
 
-#include "suite/directory/settings/clock.h"
-
-namespace orvo::directory::ldap {
+namespace orvo {
 
 // A thread that works in rounds while there is something to do. It is there from a call of `wake`
 // until a round says that there is no next one; as long, the module is not unloaded. The destructor
@@ -16,6 +15,7 @@ namespace orvo::directory::ldap {
 class Prober {
 public:
     // A round, which returns when the next one is due, by the steady clock; nothing: there is none.
+    using Clock = std::chrono::steady_clock;
     using Round = std::function<std::optional<Clock::time_point>()>;
 
     explicit Prober(Round round) : round_(std::move(round)) {}
@@ -37,4 +37,4 @@ private:
     std::thread thread_;
 };
 
-}  // namespace orvo::directory::ldap
+}  // namespace orvo

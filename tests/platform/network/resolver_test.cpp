@@ -1,11 +1,11 @@
-#include "suite/directory/ldap/wire/resolver.h"
+#include "platform/network/resolver.h"
 
 #include <gmock/gmock.h>
 #include <netinet/in.h>
 
 #include <chrono>
 
-namespace orvo::directory::ldap::detail {
+namespace orvo {
 namespace {
 
 using namespace std::chrono_literals;
@@ -31,10 +31,9 @@ struct Silent {
 
 TEST(Resolver, IsGivenNoMoreTimeThanThereIs) {
     const auto begin = std::chrono::steady_clock::now();
-    Result why;
-    EXPECT_FALSE(find_addresses({"dir01"}, Deadline(40ms), why, Silent::resolver()));
-    EXPECT_EQ(why.code, 85);
-    EXPECT_EQ(why.message, "its address was not found");
+    const FoundAddresses found = find_addresses("dir01", 389, Deadline(40ms), Silent::resolver());
+    EXPECT_FALSE(found.list);
+    EXPECT_EQ(found.error, EAI_INPROGRESS);
     EXPECT_GE(std::chrono::steady_clock::now() - begin, 40ms);
     EXPECT_EQ(Silent::started, 1);
     EXPECT_LE(Silent::asked, 8) << "after pauses that grow";
@@ -42,33 +41,32 @@ TEST(Resolver, IsGivenNoMoreTimeThanThereIs) {
 
 TEST(Resolver, IsNotAskedForNumericAddresses) {
     for (const char* address : {"127.0.0.1", "::1"}) {
-        Result why;
-        const Addresses found =
-            find_addresses({address, 3890}, Deadline(0ms), why, Silent::resolver());
-        ASSERT_TRUE(found) << address;
+        const FoundAddresses found =
+            find_addresses(address, 3890, Deadline(0ms), Silent::resolver());
+        ASSERT_TRUE(found.list) << address;
         EXPECT_EQ(Silent::started, 0);
-        EXPECT_EQ(reinterpret_cast<sockaddr_in*>(found->ai_addr)->sin_port, htons(3890));
+        EXPECT_EQ(reinterpret_cast<sockaddr_in*>(found.list->ai_addr)->sin_port, htons(3890));
     }
 }
 
 TEST(Resolver, FindsAHostByItsName) {
-    Result why;
-    EXPECT_TRUE(find_addresses({"localhost"}, Deadline(10s), why)) << why.message;
+    const FoundAddresses found = find_addresses("localhost", 1, Deadline(10s));
+    EXPECT_TRUE(found.list) << gai_strerror(found.error);
 }
 
 TEST(Resolver, SaysThatAHostIsNotKnown) {
-    Result why;
-    EXPECT_FALSE(find_addresses({"no-such-host.invalid"}, Deadline(60s), why));
-    EXPECT_EQ(why.code, 81);
-    EXPECT_NE(why.message, "");
+    const FoundAddresses found = find_addresses("no-such-host.invalid", 1, Deadline(60s));
+    EXPECT_FALSE(found.list);
+    EXPECT_NE(found.error, 0);
+    EXPECT_NE(found.error, EAI_INPROGRESS);
 }
 
 TEST(Resolver, GoesOnAfterALookUpThatTookTooLong) {
-    Result why;
     for (int round = 0; round < 50; ++round)
-        find_addresses({"no-such-host.invalid"}, Deadline(0ms), why);
-    EXPECT_TRUE(find_addresses({"localhost"}, Deadline(60s), why)) << why.message;
+        find_addresses("no-such-host.invalid", 1, Deadline(0ms));
+    const FoundAddresses found = find_addresses("localhost", 1, Deadline(60s));
+    EXPECT_TRUE(found.list) << gai_strerror(found.error);
 }
 
 }  // namespace
-}  // namespace orvo::directory::ldap::detail
+}  // namespace orvo
