@@ -4,6 +4,8 @@
 option(ORVO_PROGRAMS "Build the programs" ${PROJECT_IS_TOP_LEVEL})
 option(ORVO_WEB "Build the web host, too" ${PROJECT_IS_TOP_LEVEL})
 option(ORVO_EMBEDDED "Build the embedded directory (SQLite)" ${PROJECT_IS_TOP_LEVEL})
+option(ORVO_REDIS "Build what shares logins and sessions with other machines (Redis)"
+       ${PROJECT_IS_TOP_LEVEL})
 option(ORVO_EXAMPLES "Build the examples" ${PROJECT_IS_TOP_LEVEL})
 option(ORVO_INSTALL "Install all that is built" ${PROJECT_IS_TOP_LEVEL})
 option(ORVO_TESTS "Build the tests; they need all of the above" ${PROJECT_IS_TOP_LEVEL})
@@ -11,8 +13,13 @@ option(ORVO_BENCH "Build the benchmarks" OFF)
 option(ORVO_FUZZ "Build the fuzzers, with clang alone" OFF)
 option(ORVO_WERROR "Take warnings for errors" ${PROJECT_IS_TOP_LEVEL})
 option(ORVO_PRECOMPILE "Precompile the headers that many sources read" ON)
-if(ORVO_TESTS AND NOT (ORVO_PROGRAMS AND ORVO_WEB AND ORVO_EMBEDDED AND ORVO_EXAMPLES))
-  message(FATAL_ERROR "ORVO_TESTS needs ORVO_PROGRAMS, ORVO_WEB, ORVO_EMBEDDED and ORVO_EXAMPLES")
+if(WIN32)
+  set(ORVO_REDIS OFF)
+endif()
+if(ORVO_TESTS AND NOT (ORVO_PROGRAMS AND ORVO_WEB AND ORVO_EMBEDDED AND ORVO_EXAMPLES AND
+                       (ORVO_REDIS OR WIN32)))
+  message(FATAL_ERROR
+    "ORVO_TESTS needs ORVO_PROGRAMS, ORVO_WEB, ORVO_EMBEDDED, ORVO_REDIS and ORVO_EXAMPLES")
 endif()
 set(ORVO_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize= takes them")
 

@@ -10,6 +10,7 @@
 #include "suite/directory/settings/cache_settings.h"
 #include "suite/directory/settings/pool_settings.h"
 #include "suite/log/log_target.h"
+#include "suite/store/store_settings.h"
 
 namespace orvo {
 namespace {
@@ -103,6 +104,10 @@ std::string settings_page() {
         "a "
         "key that is not listed here keeps everybody out.\n\n" +
         table(audit::described_settings()) +
+        "### [STORE]\n\n"
+        "What several machines of a site share: [store.md](../store.md). Read from the site's own "
+        "file, once per process; a key that is not listed here keeps everybody out.\n\n" +
+        table(store::described_settings()) +
         "### [DIRECTORY.MAP]\n\n"
         "A directory that does not know the product's schema: "
         "[directory-map.md](../directory-map.md). Any other key is the name of one of the "

@@ -2,6 +2,7 @@
 
 // The connections to the shared store.
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <memory>
@@ -13,7 +14,13 @@
 #include "suite/store/reply.h"
 #include "suite/store/store_settings.h"
 
-namespace orvo::store {
+namespace orvo {
+
+class Deadline;
+
+namespace store {
+
+class Pool;
 
 // Runs commands on the store's master (Redis 6 or later, not a cluster): the one of the addresses
 // that is a master, or the one that Sentinel names. A command takes a connection for itself; there
@@ -77,8 +84,19 @@ public:
 
 private:
     friend class Subscription;
-    class Pool;
-    const std::shared_ptr<Pool> pool_;
+    enum class Repeat { never, once };
+    struct Exchange;
+
+    std::vector<Reply> exchange(const Exchange& asked);
+    std::vector<Reply> ask(const Exchange& asked, const Deadline& deadline);
+    Reply run_script(const Script& script, const std::vector<std::string>& keys,
+                     const std::vector<std::string>& arguments, Repeat repeat);
+
+    const std::unique_ptr<Pool> pool_;
+    std::atomic<std::uint64_t> commands_ = 0;
+    std::atomic<std::uint64_t> failures_ = 0;
+    std::atomic<std::uint64_t> microseconds_ = 0;
 };
 
-}  // namespace orvo::store
+}  // namespace store
+}  // namespace orvo

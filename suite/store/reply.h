@@ -15,6 +15,9 @@ class Reply {
 public:
     struct Error {
         std::string text;  // "WRONGTYPE Operation against a key …"
+        // As much of it as a message may show: a server repeats arguments, of which one may be a
+        // password.
+        std::string reason() const;
         bool operator==(const Error&) const = default;
     };
     using List = std::vector<Reply>;
@@ -29,6 +32,9 @@ public:
     std::int64_t integer() const;
     const std::string& text() const;
     const List& list() const;
+    // Null for a reply of another kind.
+    const std::string* try_text() const { return std::get_if<std::string>(&value_); }
+    const List* try_list() const { return std::get_if<List>(&value_); }
     // Null where it is none. Redis raises these, so its callers meet none.
     const Error* error() const { return std::get_if<Error>(&value_); }
     bool operator==(const Reply&) const = default;

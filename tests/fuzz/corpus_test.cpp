@@ -38,7 +38,9 @@ INSTANTIATE_TEST_SUITE_P(
                     Corpus{"http_request", http_request_properties},
                     Corpus{"ldif", ldif_properties}, Corpus{"multipart", multipart_properties},
                     Corpus{"page", page_properties}, Corpus{"schema_file", schema_file_properties},
-                    Corpus{"script", script_properties}),
+                    Corpus{"script", script_properties},
+                    Corpus{"store_reply", store_reply_properties},
+                    Corpus{"store_secrets", store_secrets_properties}),
     [](const auto& info) { return info.param.name; });
 
 }  // namespace

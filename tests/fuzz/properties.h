@@ -45,5 +45,7 @@ void multipart_properties(std::string_view input);
 void page_properties(std::string_view input);
 void schema_file_properties(std::string_view input);
 void script_properties(std::string_view input);
+void store_reply_properties(std::string_view input);
+void store_secrets_properties(std::string_view input);
 
 }  // namespace orvo::fuzz

@@ -13,8 +13,9 @@ namespace orvo {
 class RedisServer;
 
 struct RedisOptions {
-    std::string password = {};                // of the default user; the same on a replica
-    bool tls = false;                         // rediss:// on a second port
+    std::string password = {};  // of the default user; the same on a replica
+    bool tls = false;           // rediss:// on a second port
+    std::string certificate_for = "IP:127.0.0.1,DNS:localhost";
     const RedisServer* replica_of = nullptr;  // in step with it when the constructor returns
 };
 
@@ -61,11 +62,7 @@ public:
     std::string dump() const;
 
 private:
-    void write_configuration() const;
-    void choose_ports();
-    bool try_start();
-    bool answers() const;
-    std::string log_text() const;
+    std::string configuration() const;
 
     TempFolder folder_;
     const RedisOptions options_;
@@ -84,7 +81,7 @@ public:
     static constexpr const char* master_name = "shop";
     // Where it says that the master is: "127.0.0.1:23456".
     std::string master() const;
-    // How many replicas of it, and other Sentinels, it has heard of.
+    // How many replicas of the master it has heard of.
     int replicas() const;
 
 private:
