@@ -4,6 +4,7 @@
 #include <iostream>
 #include <optional>
 
+#include "host/web/administration/administration_pages.h"
 #include "host/web/administration/administration_socket.h"
 #include "host/web/administration/process_state.h"
 #include "host/web/options.h"
@@ -65,6 +66,16 @@ void tell(const ServiceManager& manager, void (ServiceManager::*what)() const, W
     }
 }
 
+// pages: outlive the server.
+std::optional<Administration> administration_at(const std::optional<SocketAddress>& address,
+                                                const AdministrationPages& pages) {
+    if (!address) return std::nullopt;
+    return Administration{
+        .address = *address,
+        .handler = [&pages](const HttpRequest& request) { return pages.answer(request); },
+        .lane = [&pages](const HttpRequest& request) { return pages.lane_of(request); }};
+}
+
 // Until it is asked to end.
 void serve(const Options& options) {
     hold_signals();
@@ -78,7 +89,10 @@ void serve(const Options& options) {
     server_options.largest_body = site.largest_request;
     server_options.largest_upload = site.largest_upload;
     server_options.directory_share = site.directory_share;
+    server_options.proxies = site.proxies;
+    server_options.drain_delay = site.drain_delay;
     server_options.drain_time = site.drain_time;
+    const auto admin_address = site.admin_address;
     MemorySessions sessions(session_limits(site, server_options));
     WebApp app(std::move(site), sessions, health, log, {.shows_details = options.shows_details});
     ServerHooks hooks{
@@ -90,10 +104,17 @@ void serve(const Options& options) {
         hooks.alive = [&] { tell(manager, &ServiceManager::alive, log); };
         hooks.alive_each = manager.watch();
     }
+    AdministrationPages admin_pages;
+    admin_pages.add("/health/live", Lane::at_once,
+                    [&](const HttpRequest&) { return app.health("/health/live"); });
+    admin_pages.add("/health/ready", Lane::aside,
+                    [&](const HttpRequest&) { return app.health("/health/ready"); });
     HttpServer server(
-        server_options, [&](const HttpRequest& request) { return app.handle(request); }, hooks);
+        server_options, [&](const HttpRequest& request) { return app.handle(request); }, hooks,
+        administration_at(admin_address, admin_pages));
     const Signals signals(
         [&] {
+            app.leave();
             tell(manager, &ServiceManager::stopping, log);
             server.stop();
         },
@@ -105,6 +126,8 @@ void serve(const Options& options) {
     std::optional<AdministrationSocket> administration;
     if (!admin_socket.empty()) administration.emplace(admin_socket, answer_about_process);
     std::cout << "Listening on " << server.url() << std::endl;
+    if (admin_address)
+        std::cout << "For administrators: " << server.administration_url() << std::endl;
     manager.ready();
     if (const auto warning = warning_of_open_password(orvo::usual_site_file()); !warning.empty())
         std::cerr << "orvo-web: " << warning << std::endl;

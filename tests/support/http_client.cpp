@@ -60,8 +60,10 @@ const HttpResult::Answer* HttpResult::operator->() const {
 
 class HttpClient::Connection {
 public:
-    Connection(int port, const std::filesystem::path& certificate, int patience)
+    Connection(int port, const std::filesystem::path& certificate, int patience,
+               const std::string& greeting)
         : socket_(loopback_socket(port, patience)), is_open_(socket_ >= 0) {
+        write(greeting);
         if (is_open_ && !certificate.empty()) greet(certificate);
     }
     ~Connection() {
@@ -116,8 +118,12 @@ private:
     std::array<char, 64 * 1024> buffer_;
 };
 
-HttpClient::HttpClient(int port, std::filesystem::path certificate, int patience)
-    : port_(port), certificate_(std::move(certificate)), patience_(patience) {}
+HttpClient::HttpClient(int port, std::filesystem::path certificate, int patience,
+                       std::string greeting)
+    : port_(port),
+      certificate_(std::move(certificate)),
+      patience_(patience),
+      greeting_(std::move(greeting)) {}
 HttpClient::~HttpClient() = default;
 HttpClient::HttpClient(HttpClient&&) noexcept = default;
 
@@ -142,7 +148,8 @@ HttpResult HttpClient::post(const std::string& target, const HttpFields& form,
 
 HttpResult HttpClient::ask(const std::string& request) {
     const bool is_new = !connection_;
-    if (is_new) connection_ = std::make_unique<Connection>(port_, certificate_, patience_);
+    if (is_new)
+        connection_ = std::make_unique<Connection>(port_, certificate_, patience_, greeting_);
     boost::beast::error_code error;
     http::response_parser<http::string_body> parser;
     parser.body_limit(std::numeric_limits<std::uint64_t>::max());

@@ -43,8 +43,9 @@ private:
 class HttpClient {
 public:
     // certificate: of the server, by TLS; empty: plain. patience: seconds until it gives up when
-    // nothing comes.
-    explicit HttpClient(int port, std::filesystem::path certificate = {}, int patience = 60);
+    // nothing comes. greeting: what each connection begins with, in front of TLS.
+    explicit HttpClient(int port, std::filesystem::path certificate = {}, int patience = 60,
+                        std::string greeting = {});
     ~HttpClient();
     HttpClient(HttpClient&&) noexcept;
 
@@ -63,6 +64,7 @@ private:
     const int port_;
     const std::filesystem::path certificate_;
     const int patience_;
+    const std::string greeting_;
     std::unique_ptr<Connection> connection_;
 };
 

@@ -51,7 +51,8 @@ ServerVariables server_variables(const PageContext& page) {
     add(u"APPL_MD_PATH", "/LM/W3SVC/1/ROOT");  // as of a machine's first site
     add(u"REMOTE_ADDR", request.remote_address);
     add(u"REMOTE_HOST", request.remote_address);
-    add(u"REMOTE_PORT", std::to_string(request.remote_port));
+    // A proxy need not tell it.
+    add(u"REMOTE_PORT", request.remote_port == 0 ? "" : std::to_string(request.remote_port));
     for (const TextView name : {u"AUTH_USER", u"LOGON_USER", u"REMOTE_USER"})
         variables.emplace_back(name, page.user);
     add(u"AUTH_TYPE", page.user.empty() ? "" : "Forms");

@@ -17,20 +17,37 @@ bool ConnectionLimits::try_enter(const std::string& address) {
         note_refusal("there are " + std::to_string(most_));
         return false;
     }
-    std::size_t& of_this = of_address_[address];
-    if (of_this >= most_of_one_address_) {
-        note_refusal(address + " has " + std::to_string(most_of_one_address_));
-        return false;
-    }
-    ++of_this;
+    if (!try_count(address)) return false;
     ++count_;
     return true;
 }
 
 void ConnectionLimits::leave(const std::string& address) {
     --count_;
+    uncount(address);
+}
+
+bool ConnectionLimits::try_change(std::string& address, const std::string& to) {
+    if (address == to) return true;
+    if (!try_count(to)) return false;
+    uncount(std::exchange(address, to));
+    return true;
+}
+
+bool ConnectionLimits::try_count(const std::string& address) {
+    if (address.empty()) return true;
+    std::size_t& of_this = of_address_[address];
+    if (of_this >= most_of_one_address_) {
+        note_refusal(address + " has " + std::to_string(most_of_one_address_));
+        return false;
+    }
+    ++of_this;
+    return true;
+}
+
+void ConnectionLimits::uncount(const std::string& address) {
     const auto found = of_address_.find(address);
-    if (--found->second == 0) of_address_.erase(found);
+    if (found != of_address_.end() && --found->second == 0) of_address_.erase(found);
 }
 
 void ConnectionLimits::note_refusal(const std::string& reason) {

@@ -19,13 +19,20 @@ public:
                      std::function<void(const std::string&)> notice,
                      std::function<Clock::time_point()> now = Clock::now);
 
-    // One that is let in counts until leave(); false: it is not let in.
+    // One that is let in counts until leave(), in all and for an address; without one in all alone.
+    // False: it is not let in.
     bool try_enter(const std::string& address);
     void leave(const std::string& address);
+    // Counts one that is in for another address from now on; false: that has as many as it may, and
+    // nothing has changed.
+    bool try_change(std::string& address, const std::string& to);
     std::size_t count() const { return count_; }
+    // Notices that a connection was refused for another reason.
+    void note_refusal(const std::string& reason);
 
 private:
-    void note_refusal(const std::string& reason);
+    bool try_count(const std::string& address);
+    void uncount(const std::string& address);
 
     const std::size_t most_;
     const std::size_t most_of_one_address_;

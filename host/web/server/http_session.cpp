@@ -30,22 +30,30 @@ WorkerPool::Kind kind_of(Lane lane) {
 }  // namespace
 
 HttpSession::HttpSession(ServerCore& core, std::unique_ptr<Transport> transport,
-                         Endpoints endpoints)
+                         ConnectionClient client)
     : core_(core),
       transport_(std::move(transport)),
-      endpoints_(std::move(endpoints)),
+      client_(std::move(client)),
       parser_(core.limits),
       timer_(core.loop) {
     core_.sessions.insert(this);
 }
 
-HttpSession::~HttpSession() {
-    core_.connections.leave(endpoints_.counted_as);
-    core_.leave(this);
-}
+HttpSession::~HttpSession() { core_.leave(this); }
 
 void HttpSession::begin() {
     set_deadline(Clock::now() + core_.options.greeting_time);
+    if (!client_.sends_header()) return greet();
+    transport_->read_proxy_greeting([self = shared_from_this()](const ProxyGreeting& greeting) {
+        if (self->state_ != State::greeting) return;
+        if (self->client_.try_take(greeting))
+            self->greet();
+        else
+            self->close();
+    });
+}
+
+void HttpSession::greet() {
     transport_->greet([self = shared_from_this()](std::size_t is_done) {
         if (self->state_ != State::greeting) return;
         if (is_done)
@@ -76,6 +84,7 @@ void HttpSession::next_request() {
     state_ = State::idle;
     request_ = nullptr;
     has_told_to_continue_ = has_begun_answer_ = is_chunked_ = false;
+    client_.end_request();
     sent_ = 0;
     begun_ = Clock::now();
     set_deadline(begun_ + core_.options.idle_time);
@@ -126,19 +135,20 @@ void HttpSession::dispatch() {
     state_ = State::answering;
     is_last_ = !parser_.keeps_alive();
     request_ = std::make_shared<HttpRequest>(parser_.take());
-    request_->remote_address = endpoints_.remote_address;
-    request_->remote_port = endpoints_.remote_port;
-    request_->local_address = endpoints_.local_address;
-    request_->local_port = core_.port;
-    request_->is_secure = core_.tls.has_value();
     is_head_ = request_->method == "HEAD";
     is_old_ = request_->version == "HTTP/1.0";
     set_deadline(Clock::time_point::max());
+    try {
+        client_.begin_request(*request_);
+    } catch (const Refusal& refusal) {
+        return refuse(*request_, refusal);
+    }
 
     const Lane lane = core_.hooks.lane ? core_.hooks.lane(*request_) : Lane::page;
     if (lane == Lane::at_once) return answer(core_.handler(*request_));
-    const bool is_taken = lane == Lane::aside ? try_give_to(core_.aside, WorkerPool::Kind::other)
-                                              : try_give_to(core_.workers, kind_of(lane));
+    const bool is_taken = lane == Lane::aside
+                              ? try_give_to(core_.pools.aside, WorkerPool::Kind::other)
+                              : try_give_to(core_.pools.workers, kind_of(lane));
     if (!is_taken) refuse(*request_, Refusal(503, busy));
 }
 
@@ -146,7 +156,7 @@ bool HttpSession::try_give_to(WorkerPool& pool, WorkerPool::Kind kind) {
     auto job = [self = shared_from_this(), request = request_, &core = core_, &pool]() mutable {
         StreamedAnswer stream(core.loop, self);
         request->stream = &stream;
-        if (&pool == &core.workers) request->try_wait = [&core] { return core.workers.try_wait(); };
+        if (&pool == &core.pools.workers) request->try_wait = [&pool] { return pool.try_wait(); };
         HttpResponse response = core.handler(*request);
         request->stream = nullptr;
         request = nullptr;
@@ -167,7 +177,7 @@ void HttpSession::refuse(const HttpRequest& request, const Refusal& refusal) {
     if (state_ != State::answering) is_last_ = true;
     if (core_.hooks.refused) {
         HttpRequest known = request;
-        known.remote_address = endpoints_.remote_address;
+        if (known.remote_address.empty()) client_.tell(known);
         core_.hooks.refused(known, response, Clock::now() - begun_);
     }
     answer(std::move(response));
@@ -189,13 +199,14 @@ void HttpSession::answer(HttpResponse response) {
 }
 
 void HttpSession::send_head(const HttpResponse& response, Framing framing) {
-    is_last_ = is_last_ || core_.is_stopping || framing == Framing::close;
+    is_last_ = is_last_ || core_.is_leaving || framing == Framing::close;
     Headers more;
     if (is_last_)
         more.emplace_back("Connection", "close");
     else if (is_old_)
         more.emplace_back("Connection", "keep-alive");
-    if (core_.tls && core_.options.strict_transport.count() > 0)
+    const bool is_secure = request_ ? request_->is_secure : client_.endpoints().is_secure;
+    if (is_secure && core_.options.strict_transport.count() > 0)
         more.emplace_back("Strict-Transport-Security",
                           "max-age=" + std::to_string(core_.options.strict_transport.count()));
     begun_ = Clock::now();

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "host/web/server/answer_head.h"
+#include "host/web/server/connection_client.h"
 #include "host/web/server/request_parser.h"
 #include "host/web/server/transport.h"
 #include "host/web/server/worker_pool.h"
@@ -18,19 +19,11 @@ namespace orvo::web {
 
 struct ServerCore;
 
-// The two ends of a connection, as text.
-struct Endpoints {
-    std::string remote_address;
-    int remote_port;
-    std::string local_address;
-    std::string counted_as;  // by ConnectionLimits
-};
-
 // Reads a request, has it answered, sends the answer, and begins anew. It lives as long as an
 // operation of its connection runs, or a handler of its request. The event thread's.
 class HttpSession : public std::enable_shared_from_this<HttpSession> {
 public:
-    HttpSession(ServerCore& core, std::unique_ptr<Transport> transport, Endpoints endpoints);
+    HttpSession(ServerCore& core, std::unique_ptr<Transport> transport, ConnectionClient client);
     ~HttpSession();
     HttpSession(const HttpSession&) = delete;
     HttpSession& operator=(const HttpSession&) = delete;
@@ -55,7 +48,7 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
     enum class State {
-        greeting,   // TLS
+        greeting,   // of a proxy, and TLS
         idle,       // between two requests
         reading,    // a request
         answering,  // a handler runs; a part of its answer may already go out
@@ -69,6 +62,7 @@ private:
         std::optional<FilePart> file = {};
     };
 
+    void greet();
     void next_request();
     void read();
     void has_read(std::size_t count);
@@ -96,7 +90,7 @@ private:
 
     ServerCore& core_;
     const std::unique_ptr<Transport> transport_;
-    const Endpoints endpoints_;
+    ConnectionClient client_;
     RequestParser parser_;
     State state_ = State::greeting;
     std::vector<char> in_;

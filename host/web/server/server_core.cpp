@@ -31,7 +31,8 @@ int ServerOptions::directory_workers() const {
 }
 
 ServerCore::ServerCore(ServerOptions taken, HttpServer::Handler taken_handler,
-                       ServerHooks taken_hooks)
+                       ServerHooks taken_hooks, boost::asio::io_context& its_loop,
+                       LanePools& its_pools)
     : options(std::move(taken)),
       handler(std::move(taken_handler)),
       hooks(std::move(taken_hooks)),
@@ -39,9 +40,10 @@ ServerCore::ServerCore(ServerOptions taken, HttpServer::Handler taken_handler,
              .most_headers = options.most_headers,
              .largest_body = options.largest_body,
              .largest_upload = std::max(options.largest_body, options.largest_upload)},
+      loop(its_loop),
+      pools(its_pools),
       connections(options.most_connections, options.most_of_one_address,
-                  [this](const std::string& notice) { tell(notice); }),
-      workers(options.worker_count(), options.directory_workers(), options.most_waiting) {}
+                  [this](const std::string& notice) { tell(notice); }) {}
 
 void ServerCore::tell(const std::string& trouble) const {
     if (hooks.trouble) hooks.trouble(trouble);

@@ -1,6 +1,6 @@
 #pragma once
 
-// What the connections of one server share. For the sources of the server alone.
+// What the connections to one listener share. For the sources of the server alone.
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ssl/context.hpp>
@@ -16,9 +16,20 @@ namespace orvo::web {
 
 class HttpSession;
 
-// The event thread's, but for the pools and for posting to the loop.
+// The threads of the requests' lanes. Their jobs post the answers to the loop, which outlives them.
+struct LanePools {
+    explicit LanePools(const ServerOptions& options)
+        : workers(options.worker_count(), options.directory_workers(), options.most_waiting) {}
+
+    WorkerPool aside{1, 1, 100};
+    WorkerPool workers;
+};
+
+// The event thread's, but for the pools and for posting to the loop. It outlives the loop, in which
+// connections end that still run.
 struct ServerCore {
-    ServerCore(ServerOptions options, HttpServer::Handler handler, ServerHooks hooks);
+    ServerCore(ServerOptions options, HttpServer::Handler handler, ServerHooks hooks,
+               boost::asio::io_context& loop, LanePools& pools);
 
     void tell(const std::string& trouble) const;
     // A session has ended; the last one of a server that stops ends the loop.
@@ -35,17 +46,15 @@ struct ServerCore {
     const HttpServer::Handler handler;
     const ServerHooks hooks;
     const RequestLimits limits;
+    boost::asio::io_context& loop;
+    LanePools& pools;
     ConnectionLimits connections;
     std::set<HttpSession*> sessions = {};
     std::size_t unsent = 0;  // bytes of answers, of all connections
     bool is_running = false;
-    bool is_stopping = false;
-    int port = 0;
+    bool is_leaving = false;   // each answer is the last one of its connection
+    bool is_stopping = false;  // nothing more is accepted
     std::optional<boost::asio::ssl::context> tls = {};
-    boost::asio::io_context loop{1};
-    // Behind the loop, to which the jobs post their answers.
-    WorkerPool aside{1, 1, 100};
-    WorkerPool workers;
 };
 
 }  // namespace orvo::web

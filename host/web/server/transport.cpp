@@ -74,6 +74,10 @@ private:
 
 }  // namespace
 
+void Transport::read_proxy_greeting(std::function<void(ProxyGreeting)> done) {
+    web::read_proxy_greeting(socket_, std::move(done));
+}
+
 void Transport::drain(std::span<char> into, Done done) { read_socket(into, std::move(done)); }
 
 void Transport::read_socket(std::span<char> into, Done done) {

@@ -9,6 +9,8 @@
 #include <span>
 #include <string_view>
 
+#include "host/web/server/proxy_greeting.h"
+
 namespace orvo::web {
 
 // The event thread's. Of each operation one at a time runs; what it works on has to live until it
@@ -20,6 +22,8 @@ public:
 
     virtual ~Transport() = default;
 
+    // Before greet(), where a proxy begins with a word of its own.
+    void read_proxy_greeting(std::function<void(ProxyGreeting)> done);
     // The TLS handshake; 1 or 0. Costs hardly anything until the other side says something.
     virtual void greet(Done done) = 0;
     virtual void read(std::span<char> into, Done done) = 0;

@@ -70,6 +70,8 @@ Site read_site(const fs::path& folder, const fs::path& config) {
     if (!site.guards.empty() && !try_site_file(site.root, site.login_page))
         refuse(u"The site guards paths, but there is no login page \"" +
                from_utf8(site.login_page) + u"\"");
+    if (site.proxies.begin_with_header && site.proxies.networks.empty())
+        refuse(u"ProxyProtocol is for connections of TrustedProxies, and there are none");
     if (const auto link = try_dangling_link(site.root))
         refuse(from_utf8(link->string()) + u": this link leads nowhere");
     return site;
@@ -95,7 +97,12 @@ std::vector<std::string> keys_for_next_start(const Site& before, const Site& now
     compare("DirectoryPool", before.directory_pool, now.directory_pool);
     compare("DirectoryCache", before.directory_cache, now.directory_cache);
     compare("DirectoryShare", before.directory_share, now.directory_share);
+    compare("DrainDelay", before.drain_delay, now.drain_delay);
     compare("DrainTime", before.drain_time, now.drain_time);
+    compare("TrustedProxies", before.proxies.networks, now.proxies.networks);
+    compare("ProxyProtocol", before.proxies.begin_with_header, now.proxies.begin_with_header);
+    compare("ForwardedHeaders", before.proxies.headers, now.proxies.headers);
+    compare("AdminAddress", before.admin_address, now.admin_address);
     compare("AdminSocket", before.admin_socket, now.admin_socket);
     return keys;
 }

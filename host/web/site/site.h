@@ -24,11 +24,26 @@
 //     DirectoryCache = Entries = 1000, TimeToLive = 5
 //     ; percent of the workers that pages hold together which wait for the directory
 //     DirectoryShare = 75
-//     ; live logins of one user, requests of one session at once, and bytes of all sessions
-//     together LoginsOfOneUser = 100 RequestsOfOneSession = 6 SessionMemory = 268435456 ; seconds
-//     for what is being served when the program is asked to end DrainTime = 10 ; folders below
-//     which pages may write files FileFolders = uploads, /var/lib/shop ; pages or files that are
-//     shown in place of what failed ErrorPage404 = /errors/404.asp ErrorPage500 = /errors/500.asp
+//     ; live logins of one user
+//     LoginsOfOneUser = 100
+//     ; requests of one session at once
+//     RequestsOfOneSession = 6
+//     ; bytes of all sessions together
+//     SessionMemory = 268435456
+//     ; seconds, when the program is asked to end: serving as before, and then for what is served
+//     DrainDelay = 5
+//     DrainTime = 10
+//     ; the proxies whose word of the client counts, and how they give it
+//     TrustedProxies = 127.0.0.1, 10.0.0.0/8
+//     ProxyProtocol = 0
+//     ForwardedHeaders = X-Forwarded-For, X-Forwarded-Proto
+//     ; health and figures, for those who run the program
+//     AdminAddress = 127.0.0.1:9090
+//     ; folders below which pages may write files
+//     FileFolders = uploads, /var/lib/shop
+//     ; pages or files that are shown in place of what failed
+//     ErrorPage404 = /errors/404.asp
+//     ErrorPage500 = /errors/500.asp
 //     ErrorPage503 = /errors/503.html
 //     ContentSecurityPolicy = frame-ancestors 'none'; base-uri 'self'; form-action 'self'
 //
@@ -41,6 +56,7 @@
 #include <optional>
 #include <vector>
 
+#include "host/web/messages/forwarded.h"
 #include "platform/values/described_setting.h"
 #include "platform/values/text.h"
 
@@ -79,7 +95,10 @@ struct Site {
     std::optional<std::int32_t> logins_of_one_user = {};  // the filter's own, where empty
     std::optional<int> requests_of_one_session = {};      // half of the share, where empty
     std::size_t session_memory = 256 * 1024 * 1024;
+    std::chrono::seconds drain_delay{0};
     std::chrono::seconds drain_time{10};
+    TrustedProxies proxies = {};
+    std::optional<SocketAddress> admin_address = {};
     std::optional<std::filesystem::path> admin_socket = {};  // without it the service's own
     std::vector<std::string> default_pages{"default.asp", "index.html"};
     std::string content_security_policy =

@@ -159,6 +159,45 @@ constexpr std::array keys{
                  "others wait for it, each on a worker. More are answered 503.",
         .read = [](const SiteSetting& s,
                    Site& site) { site.requests_of_one_session = static_cast<int>(s.number()); }},
+    SiteKey{.name = u"TrustedProxies",
+            .values = "addresses and networks, with commas between",
+            .otherwise = none,
+            .about =
+                "The proxies in front. What they say of their clients counts as if the clients "
+                "were connected themselves; what others say does not, and reaches no page.",
+            .read = [](const SiteSetting& s, Site& site) { site.proxies.networks = s.networks(); }},
+    SiteKey{.name = u"ProxyProtocol",
+            .least = 0,
+            .most = 1,
+            .values = "number",
+            .otherwise = [](const Site&) { return std::string("0"); },
+            .about = "1: each connection of a trusted proxy begins with a header of the PROXY "
+                     "protocol, version 1 or 2, in front of TLS, and is closed without one.",
+            .read = [](const SiteSetting& s,
+                       Site& site) { site.proxies.begin_with_header = s.number() == 1; }},
+    SiteKey{.name = u"ForwardedHeaders",
+            .values = "names of headers, with commas between",
+            .otherwise =
+                [](const Site&) {
+                    return std::string(
+                        "Forwarded, X-Forwarded-For, X-Forwarded-Proto, X-Forwarded-Host");
+                },
+            .about =
+                "Of these the headers that are read where a trusted proxy sends them. Leave out "
+                "what the proxies neither set nor take away: a client may have made it up.",
+            .read = [](const SiteSetting& s,
+                       Site& site) { site.proxies.headers = s.forwarded_headers(); }},
+    SiteKey{
+        .name = u"DrainDelay",
+        .least = 0,
+        .most = 3600,
+        .values = "seconds",
+        .otherwise = [](const Site& usual) { return std::to_string(usual.drain_delay.count()); },
+        .about = "How long the program goes on as before when it is asked to end, while "
+                 "/health/ready answers 503 and each answer ends its connection: so long that a "
+                 "balancer has learned of it. Then comes DrainTime.",
+        .read = [](const SiteSetting& s,
+                   Site& site) { site.drain_delay = std::chrono::seconds(s.number()); }},
     SiteKey{.name = u"DrainTime",
             .least = 0,
             .most = 3600,
@@ -180,6 +219,14 @@ constexpr std::array keys{
                     site.admin_socket =
                         s.text().empty() ? std::filesystem::path() : site.root / to_utf8(s.text());
                 }},
+    SiteKey{
+        .name = u"AdminAddress",
+        .values = "address:port",
+        .otherwise = none,
+        .about = "A second address for those who run the program, plain HTTP, that answers "
+                 "/health/live, /health/ready and /metrics and nothing else, also while all "
+                 "workers are busy.",
+        .read = [](const SiteSetting& s, Site& site) { site.admin_address = s.socket_address(); }},
     SiteKey{.name = u"DefaultPages",
             .values = "names, with commas between",
             .otherwise =

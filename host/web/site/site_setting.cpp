@@ -120,4 +120,36 @@ std::vector<fs::path> SiteSetting::folders(const fs::path& root) const {
     return folders;
 }
 
+Networks SiteSetting::networks() const {
+    Networks networks;
+    if (text().empty()) return networks;
+    for (const Text& text : list())
+        if (!networks.try_add(to_utf8(text)))
+            refuse(u"\"" + text + u"\" is no address, nor a network as 10.0.0.0/8");
+    return networks;
+}
+
+ForwardedHeaders SiteSetting::forwarded_headers() const {
+    static constexpr std::pair<TextView, bool ForwardedHeaders::*> known[]{
+        {u"Forwarded", &ForwardedHeaders::forwarded},
+        {u"X-Forwarded-For", &ForwardedHeaders::x_for},
+        {u"X-Forwarded-Proto", &ForwardedHeaders::x_proto},
+        {u"X-Forwarded-Host", &ForwardedHeaders::x_host}};
+    ForwardedHeaders headers{false, false, false, false};
+    for (const Text& text : list()) {
+        const auto found = std::ranges::find_if(
+            known, [&](const auto& row) { return equal_ignoring_case(row.first, text); });
+        if (found == std::end(known)) refuse(u"\"" + text + u"\" is no header that is read here");
+        headers.*found->second = true;
+    }
+    return headers;
+}
+
+std::optional<SocketAddress> SiteSetting::socket_address() const {
+    if (text().empty()) return std::nullopt;
+    const auto address = SocketAddress::try_read(to_utf8(text()));
+    if (!address) refuse(u"\"" + text() + u"\" is no address and port as 127.0.0.1:9090");
+    return address;
+}
+
 }  // namespace orvo::web

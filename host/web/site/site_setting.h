@@ -26,6 +26,12 @@ public:
     // A page or file of the site, as a path of it.
     std::string page_or_file(const std::filesystem::path& root) const;
     std::vector<std::filesystem::path> folders(const std::filesystem::path& root) const;
+    // Addresses and networks, with commas between.
+    Networks networks() const;
+    // Names of headers, with commas between.
+    ForwardedHeaders forwarded_headers() const;
+    // "127.0.0.1:9090"; none where the text is empty.
+    std::optional<SocketAddress> socket_address() const;
 
 private:
     std::pair<Text, Text> cut(const Text& text, const Text& shape) const;

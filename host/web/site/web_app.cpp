@@ -232,6 +232,7 @@ HttpResponse WebApp::route(ServedSite& served, const HttpRequest& request, std::
 HttpResponse WebApp::health(const std::string& path) {
     if (path == "/health/live") return plain(200, "alive\n");
     if (path != "/health/ready") throw Refusal(404, "There is no such page.");
+    if (is_leaving_) return plain(503, "it is about to end\n");
     const std::string trouble = health_.trouble();
     if (trouble.empty()) return plain(200, "ready\n");
     if (options_.shows_details) return plain(503, "directory unreachable: " + trouble + "\n");

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <mutex>
 
 #include "host/web/files/static_files.h"
@@ -35,6 +36,12 @@ public:
     void note_refused(const HttpRequest& request, HttpResponse& response,
                       std::chrono::steady_clock::duration duration);
 
+    // Of "/health/live" and "/health/ready"; raises Refusal (404) for any other path. The latter
+    // may take seconds.
+    HttpResponse health(const std::string& path);
+    // It is ready no longer, and goes on: for balancers, before the end.
+    void leave() { is_leaving_ = true; }
+
     // Serves by other settings from now on; a request that runs keeps those that it began with.
     // Raises what the constructor does, and then nothing has changed.
     void replace(Site site);
@@ -48,7 +55,6 @@ private:
     std::shared_ptr<ServedSite> served() const;
 
     HttpResponse route(ServedSite& served, const HttpRequest& request, std::string& note);
-    HttpResponse health(const std::string& path);
     HttpResponse file(const ServedSite& served, const HttpRequest& request, const SitePath& found);
     HttpResponse page(ServedSite& served, const HttpRequest& request, const SitePath& found,
                       std::string& note);
@@ -64,6 +70,7 @@ private:
     DirectoryHealth& health_;
     WebLog& log_;
     const Options options_;
+    std::atomic<bool> is_leaving_ = false;
     ApplicationState application_;
     WaitingPages seen_pages_;
     StaticFiles files_;

@@ -29,6 +29,28 @@ TEST_F(ConnectionLimitsTest, LetsInAsManyAsTheyAre) {
     EXPECT_EQ(limits_.count(), 3u);
 }
 
+TEST_F(ConnectionLimitsTest, CountSomeInAllAlone) {
+    for (int i = 0; i < 3; ++i) EXPECT_TRUE(limits_.try_enter(""));
+    EXPECT_FALSE(limits_.try_enter("")) << "three in all";
+    limits_.leave("");
+    EXPECT_TRUE(limits_.try_enter("a"));
+}
+
+TEST_F(ConnectionLimitsTest, CountForAnotherAddressWhereThatHasRoom) {
+    std::string first, second;
+    EXPECT_TRUE(limits_.try_enter(first));
+    EXPECT_TRUE(limits_.try_enter(second));
+    EXPECT_TRUE(limits_.try_enter("a"));
+    EXPECT_TRUE(limits_.try_change(first, "a"));
+    EXPECT_EQ(first, "a");
+    EXPECT_TRUE(limits_.try_change(first, "a"));
+    EXPECT_FALSE(limits_.try_change(second, "a")) << "two of one address";
+    EXPECT_EQ(second, "");
+    EXPECT_TRUE(limits_.try_change(first, "b"));
+    EXPECT_TRUE(limits_.try_change(second, "a"));
+    EXPECT_EQ(limits_.count(), 3u);
+}
+
 TEST_F(ConnectionLimitsTest, TellOfRefusalsOnceInAWhile) {
     for (int i = 0; i < 5; ++i) limits_.try_enter("a");
     EXPECT_EQ(notices_, (std::vector<std::string>{"1 connection refused: a has 2"}));

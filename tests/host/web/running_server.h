@@ -9,8 +9,10 @@ namespace orvo::web {
 // A server on a free port of the loopback address, on a thread of its own, as long as this lives.
 class RunningServer {
 public:
-    RunningServer(ServerOptions options, HttpServer::Handler handler, ServerHooks hooks = {})
-        : server_(std::move(options), std::move(handler), std::move(hooks)),
+    RunningServer(ServerOptions options, HttpServer::Handler handler, ServerHooks hooks = {},
+                  std::optional<Administration> administration = {})
+        : server_(std::move(options), std::move(handler), std::move(hooks),
+                  std::move(administration)),
           thread_([this] { was_all_answered_ = server_.run(); }) {}
     ~RunningServer() {
         server_.stop();
@@ -25,6 +27,7 @@ public:
     }
 
     int port() const { return server_.port(); }
+    int administration_port() const { return server_.administration_port(); }
     std::string url() const { return server_.url(); }
 
 private:

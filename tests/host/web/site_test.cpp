@@ -45,6 +45,9 @@ TEST_F(SiteTest, NeedsNoSettings) {
     EXPECT_EQ(site.page_timeout, std::chrono::seconds(30));
     EXPECT_EQ(site.largest_request, 1048576u);
     EXPECT_EQ(site.largest_upload, 10485760u);
+    EXPECT_EQ(site.drain_delay, std::chrono::seconds(0));
+    EXPECT_EQ(site.proxies, TrustedProxies());
+    EXPECT_FALSE(site.admin_address);
 }
 
 TEST_F(SiteTest, IsSettledByItsFile) {
@@ -54,7 +57,9 @@ TEST_F(SiteTest, IsSettledByItsFile) {
         "LargestUpload = 4096\n"
         "DirectoryPool = MaximumSize = 32, IdleLimit=60\nDirectoryCache = Entries = 9\n"
         "DirectoryShare = 50\nLoginsOfOneUser = 3\nRequestsOfOneSession = 9\nKeepForms = "
-        "1\nSessionMemory = 2000000\nDrainTime = 0\n"
+        "1\nSessionMemory = 2000000\nDrainTime = 0\nDrainDelay = 5\n"
+        "TrustedProxies = 127.0.0.1, fd00::/8\nProxyProtocol = 1\n"
+        "ForwardedHeaders = x-forwarded-for, X-Forwarded-Host\nAdminAddress = [::1]:9090\n"
         "defaultpages = start.asp\nContentSecurityPolicy = default-src 'self'\n");
     EXPECT_EQ(site.login_page, "/in/login.asp");
     EXPECT_EQ(site.guards, (std::vector<GuardedPath>{{"/account/", 1}, {"/admin/", 10}}));
@@ -73,6 +78,12 @@ TEST_F(SiteTest, IsSettledByItsFile) {
     EXPECT_TRUE(site.keeps_forms);
     EXPECT_EQ(site.session_memory, 2000000u);
     EXPECT_EQ(site.drain_time, std::chrono::seconds(0));
+    EXPECT_EQ(site.drain_delay, std::chrono::seconds(5));
+    EXPECT_TRUE(site.proxies.networks.contain(IpAddress::try_read("fd00::1").value()));
+    EXPECT_FALSE(site.proxies.networks.contain(IpAddress::try_read("127.0.0.2").value()));
+    EXPECT_TRUE(site.proxies.begin_with_header);
+    EXPECT_EQ(site.proxies.headers, (ForwardedHeaders{.forwarded = false, .x_proto = false}));
+    EXPECT_EQ(site.admin_address, SocketAddress::try_read("[::1]:9090"));
     EXPECT_EQ(site.default_pages, std::vector<std::string>{"start.asp"});
     EXPECT_EQ(site.content_security_policy, "default-src 'self'");
 }
@@ -139,6 +150,16 @@ TEST_F(SiteTest, RefusesWhatCannotBeAndSaysWhere) {
               u"1073741824"},
              {"DirectoryShare = 0",
               u"site.ini, line 2: DirectoryShare: \"0\" is no number from 1 to 100"},
+             {"TrustedProxies = 10.0.0.0/8, proxy.example",
+              u"site.ini, line 2: TrustedProxies: \"proxy.example\" is no address, nor a network "
+              u"as 10.0.0.0/8"},
+             {"ForwardedHeaders = X-Real-IP",
+              u"site.ini, line 2: ForwardedHeaders: \"X-Real-IP\" is no header that is read here"},
+             {"AdminAddress = localhost:9090",
+              u"site.ini, line 2: AdminAddress: \"localhost:9090\" is no address and port as "
+              u"127.0.0.1:9090"},
+             {"ProxyProtocol = 1",
+              u"ProxyProtocol is for connections of TrustedProxies, and there are none"},
          })
         EXPECT_EQ(to_utf8(refusal(settings)), to_utf8(reason)) << settings;
 }
@@ -248,6 +269,11 @@ TEST_F(SiteTest, IsNotWhereThereIsNoFolder) {
 TEST_F(SiteTest, TellsWhatCountsFromTheNextStartOnly) {
     const Site before = read("PageTimeout = 5\nDrainTime = 1\n");
     EXPECT_EQ(keys_for_next_start(before, before), std::vector<std::string>());
+    EXPECT_EQ(keys_for_next_start(before, read("TrustedProxies = ::1\nProxyProtocol = 1\n"
+                                               "ForwardedHeaders = Forwarded\nDrainTime = 1\n"
+                                               "DrainDelay = 1\nAdminAddress = 127.0.0.1:1\n")),
+              (std::vector<std::string>{"DrainDelay", "TrustedProxies", "ProxyProtocol",
+                                        "ForwardedHeaders", "AdminAddress"}));
     EXPECT_EQ(keys_for_next_start(before, read("PageTimeout = 6\nLargestRequest = 5000\n"
                                                "DirectoryCache = Entries = 5\n")),
               (std::vector<std::string>{"LargestRequest", "DirectoryCache", "DrainTime"}));

@@ -338,6 +338,15 @@ TEST_F(WebAppTest, IsAliveButNotReadyWithoutItsDirectory) {
     EXPECT_EQ(ready.body, "directory unreachable\n");
 }
 
+TEST_F(WebAppTest, IsReadyNoLongerWhenItLeavesAndServesOn) {
+    app().leave();
+    const HttpResponse ready = get("/health/ready");
+    EXPECT_EQ(ready.status, 503);
+    EXPECT_EQ(ready.body, "it is about to end\n");
+    EXPECT_EQ(get("/health/live").status, 200);
+    EXPECT_EQ(get("/default.asp").body, "home");
+}
+
 TEST_F(WebAppTest, OneSessionIsServedOneRequestAtATime) {
     const auto lease = pages_.sessions.create();
     const HttpResponse response = get("/kept.asp", {{"Cookie", "orvosession=" + lease->id()}});
