@@ -91,9 +91,12 @@ void ProxyHeaderReader::look() {
 }
 
 void ProxyHeaderReader::look_at_line() {
-    is_complete_ = bytes_.back() == '\n';
-    if (is_complete_) return read_line();
-    if (bytes_.size() == longest_line) refuse_unread();
+    if (bytes_.back() == '\n') {
+        read_line();
+        is_complete_ = true;
+    } else if (bytes_.size() == longest_line) {
+        refuse_unread();
+    }
 }
 
 void ProxyHeaderReader::look_at_octets() {
@@ -102,8 +105,9 @@ void ProxyHeaderReader::look_at_octets() {
     if (size > largest)
         throw std::runtime_error("sent a PROXY header that is longer than " +
                                  std::to_string(largest) + " bytes");
-    is_complete_ = bytes_.size() == size;
-    if (is_complete_) read_octets();
+    if (bytes_.size() < size) return;
+    read_octets();
+    is_complete_ = true;
 }
 
 void ProxyHeaderReader::read_line() {

@@ -15,6 +15,7 @@ std::string read(std::string_view bytes) {
         if (!reader.is_complete()) return "incomplete";
         EXPECT_EQ(taken, bytes.size());
     } catch (const std::runtime_error& failure) {
+        EXPECT_FALSE(reader.is_complete());
         return failure.what();
     }
     const ProxyHeader& header = reader.header();
