@@ -9,3 +9,7 @@ for (var i = 0; i < mine.length; i++)
                  (mine[i].IdleTime < 60));
 WScript.Echo(logins.EndLogin("on the phone", mine[1].ID));
 WScript.Echo(filter.IsLoggedIn("at the desk", 24));
+
+filter.RegisterLogin("jsmith", [24], "at home", 1, 10);
+WScript.Echo(logins.EndOthers("at home") + " other ended");
+WScript.Echo(logins.EndAllOf("jsmith") + " ended");

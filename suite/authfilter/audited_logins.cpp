@@ -29,4 +29,9 @@ void record_logout(const Text& user, const Text& by) {
     record(u"logout", Text(audit::done), user, by, {});
 }
 
+void record_logouts(const Text& user, const Text& by, std::size_t count) {
+    record(u"logout", Text(audit::done), user, by,
+           count == 1 ? u"1 login" : decimal(static_cast<long long>(count)) + u" logins");
+}
+
 }  // namespace orvo::authfilter

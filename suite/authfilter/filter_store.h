@@ -81,6 +81,13 @@ public:
     virtual std::vector<LiveLoginFacts> logins_of(const Text& guid) = 0;
     // Ends one of these, and forgets its GUID's record; false where it is none of them.
     virtual bool try_end(const Text& guid, std::uint64_t number) = 0;
+    // Ends the other logins of the user whom the GUID has logged in, and forgets their records; how
+    // many those were, 0 where the GUID has no live login.
+    virtual std::size_t end_others(const Text& guid) = 0;
+    // Ends all logins of an account, but for the one under `except` (empty: none), and forgets all
+    // of its records but that one's; how many logins those were. `account`: an account path; for
+    // logins whose records have none, a name.
+    virtual std::size_t end_all_of(const Text& account, const Text& except) = 0;
 
     // More logins of one user than this there are not, nor more records: a new one ends the one
     // that was used longest ago. Counts from the next new one.

@@ -28,6 +28,20 @@ bool LiveLogins::end(const Text& guid, const LiveLoginFacts& facts) {
     return true;
 }
 
+std::int32_t LiveLogins::EndOthers(const Text& guid) {
+    const Text user = store_.user_of(guid);
+    const std::size_t ended = store_.end_others(guid);
+    if (ended != 0) record_logouts(user, user, ended);
+    return static_cast<std::int32_t>(ended);
+}
+
+std::int32_t LiveLogins::EndAllOf(const Text& account, const Text& except) {
+    const Text by = except.empty() ? Text() : store_.user_of(except);
+    const std::size_t ended = store_.end_all_of(account, except);
+    if (ended != 0) record_logouts(account, by, ended);
+    return static_cast<std::int32_t>(ended);
+}
+
 void LiveLogins::put_MostOfOneUser(std::int32_t most) {
     if (most < 1)
         throw Failure(runtime_error::invalid_call, {},

@@ -39,6 +39,13 @@ public:
     // How many logins (and records) one user has at most, from 1; a new one ends the one that was
     // used longest ago. Raises 5 for what is below. All of the process share it.
     void put_MostOfOneUser(std::int32_t most);
+    // Ends all logins of the user who is logged in under this GUID but this one, and their records;
+    // how many those were.
+    std::int32_t EndOthers(const Text& guid);
+    // Ends all logins of an account, whoever asks, but for the one under `except`; how many those
+    // were. Records go with them, and those of logins that are only just beginning, which are
+    // refused then. `account`: the account path, or the name of a user whose records have none.
+    std::int32_t EndAllOf(const Text& account, const Text& except);
 
 private:
     bool end(const Text& guid, const LiveLoginFacts& facts);
@@ -68,8 +75,14 @@ inline constexpr auto table_of<authfilter::LiveLogins> = describe<authfilter::Li
     method<&authfilter::LiveLogins::EndLogin>("EndLogin", "guid", "id")
         .help("Ends one of them, and says whether it was there."),
     put<&authfilter::LiveLogins::put_MostOfOneUser>("MostOfOneUser", "most")
-        .help(
-            "How many logins a user has at most, in the whole process. The site's host puts it."));
+        .help("How many logins a user has at most, in the whole process. The site's host puts it."),
+    method<&authfilter::LiveLogins::EndOthers>("EndOthers", "guid")
+        .help("Ends all logins of the user who is logged in under this GUID but this one; how many "
+              "those were."),
+    method<&authfilter::LiveLogins::EndAllOf>("EndAllOf", "account", optional("except"))
+        .help("Ends all logins of an account, on an administrator's word, but for the one under "
+              "the GUID that is excepted; how many those were. The account is its full name, as "
+              "Session(\"REMOTE_ACCOUNT\") has it."));
 
 template <>
 inline constexpr auto class_of<authfilter::LiveLogin> =

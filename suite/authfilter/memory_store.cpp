@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "platform/values/failure.h"
-#include "suite/directory/names/written_name.h"
+#include "suite/authfilter/user_key.h"
 
 namespace orvo::authfilter {
 namespace {
@@ -14,17 +14,6 @@ constexpr std::chrono::minutes sweep_interval{1};
     throw Failure(runtime_error::out_of_memory, {},
                   u"The authorization filter holds " + decimal(static_cast<long long>(most)) +
                       u" live " + Text(what) + u", its most; a new one is refused");
-}
-
-// The entry that a record tells of, so that a name counts as one however it was typed; without a
-// readable one the name.
-Text key_of(const Text& account_path, const Text& name) {
-    if (!account_path.empty()) {
-        const auto parsed =
-            directory::DistinguishedName::try_parse(directory::full_name(account_path));
-        if (parsed) return from_utf8(parsed->key());
-    }
-    return lower(trimmed(name));
 }
 
 }  // namespace
@@ -74,7 +63,7 @@ void MemoryStore::begin(const Login& login) {
     const std::lock_guard guard(lock_);
     sweep_if_due();
     Text user = user_key(login);
-    if (login.is_only_one) end_others_of(login, user);
+    if (login.is_only_one) end_logins_of(user, login.guid);
     make_room_of_user(login.guid, user, logins_of_user_);
     if (!logins_.contains(login.guid) && logins_.size() >= limits_.most) {
         sweep();
@@ -140,6 +129,21 @@ bool MemoryStore::try_end(const Text& guid, std::uint64_t number) {
     return false;
 }
 
+std::size_t MemoryStore::end_others(const Text& guid) {
+    const std::lock_guard guard(lock_);
+    if (!has_live_login(guid)) return 0;
+    return end_logins_of(Text(logins_.at(guid).user), guid);
+}
+
+std::size_t MemoryStore::end_all_of(const Text& account, const Text& except) {
+    const Text user = user_key_of(account, account);
+    const std::lock_guard guard(lock_);
+    const std::size_t live = end_logins_of(user, except);
+    for (const Text& guid : records_of_user_.of(user))
+        if (guid != except) drop_record(guid);
+    return live;
+}
+
 void MemoryStore::set_most_of_user(std::size_t most) {
     const std::lock_guard guard(lock_);
     limits_.most_of_user = most;
@@ -169,7 +173,7 @@ bool MemoryStore::has_live_login(const Text& guid) const {
 }
 
 void MemoryStore::hold(const Text& guid, Record record) {
-    const Text user = key_of(record.account_path, record.user_name);
+    const Text user = user_key_of(record.account_path, record.user_name);
     if (!user.empty()) make_room_of_user(guid, user, records_of_user_);
     if (!records_.contains(guid) && records_.size() >= limits_.most) {
         sweep();
@@ -209,16 +213,19 @@ bool MemoryStore::is_of_same_user(const Text& guid, const Record& record) const 
 
 Text MemoryStore::user_key(const Login& login) const {
     const auto record = records_.find(login.guid);
-    return key_of(record == records_.end() ? Text() : record->second.record.account_path,
-                  login.user);
+    return user_key_of(record == records_.end() ? Text() : record->second.record.account_path,
+                       login.user);
 }
 
-void MemoryStore::end_others_of(const Login& login, const Text& user) {
+std::size_t MemoryStore::end_logins_of(const Text& user, const Text& except) {
+    std::size_t live = 0;
     for (const Text& guid : logins_of_user_.of(user)) {
-        if (guid == login.guid) continue;
+        if (guid == except) continue;
+        if (has_live_login(guid)) ++live;
         end_login(guid);
         drop_record(guid);
     }
+    return live;
 }
 
 // What the user has under other GUIDs is counted; the one that was used longest ago goes, those

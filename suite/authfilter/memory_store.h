@@ -35,6 +35,8 @@ public:
     void forget(const Text& guid) override;
     std::vector<LiveLoginFacts> logins_of(const Text& guid) override;
     bool try_end(const Text& guid, std::uint64_t number) override;
+    std::size_t end_others(const Text& guid) override;
+    std::size_t end_all_of(const Text& account, const Text& except) override;
     void set_most_of_user(std::size_t most) override;
 
     // How many are held, ended ones that were not swept yet included.
@@ -75,7 +77,8 @@ private:
     void end_login(const Text& guid);
     void drop_record(const Text& guid);
     void drop_record(Records::iterator record);
-    void end_others_of(const Login& login, const Text& user);
+    // With their records; how many of them were live.
+    std::size_t end_logins_of(const Text& user, const Text& except);
     void make_room_of_user(const Text& guid, const Text& user, const GuidsByUser& held);
     Clock::time_point last_use(const Text& guid) const;
     Text user_key(const Login& login) const;

@@ -103,6 +103,19 @@ TEST_F(AuditedLoginsTest, OfALoginThatIsEndedFromElsewhereIsRecordedWhoEndedIt) 
     EXPECT_THAT(recorded(), ElementsAre("logout|done|smith|smith||"));
 }
 
+TEST_F(AuditedLoginsTest, OfLoginsThatAreEndedTogetherIsRecordedHowManyAndByWhom) {
+    for (const char16_t* guid : {u"g", u"h", u"i"}) log_in(guid, u"smith", u"cn=smith,o=Shop");
+    log_in(u"admin", u"admin", u"cn=admin,o=Shop");
+    recorded();
+    LiveLogins logins(store_);
+    EXPECT_EQ(logins.EndOthers(u"g"), 2);
+    EXPECT_THAT(recorded(), ElementsAre("logout|done|cn=smith,o=Shop|cn=smith,o=Shop||2 logins"));
+    EXPECT_EQ(logins.EndAllOf(u"cn=smith,o=Shop", u"admin"), 1);
+    EXPECT_THAT(recorded(), ElementsAre("logout|done|cn=smith,o=Shop|cn=admin,o=Shop||1 login"));
+    EXPECT_EQ(logins.EndAllOf(u"cn=smith,o=Shop", u""), 0);
+    EXPECT_THAT(recorded(), IsEmpty());
+}
+
 TEST_F(AuditedLoginsTest, ALoginThatHasToBeRecordedAndIsNotIsNone) {
     RecordingAudit::is_full = true;
     EXPECT_EQ(raised_by([&] { log_in(u"g", u"smith"); }).number, 75);

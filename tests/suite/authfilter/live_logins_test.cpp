@@ -88,6 +88,34 @@ TEST_F(LiveLoginsTest, AreEndedByTheirOwnUserOnly) {
     EXPECT_TRUE(store_.ask(u"G1", 1));
 }
 
+TEST_F(LiveLoginsTest, AreAllButOneEndedAtOnce) {
+    for (const char16_t* guid : {u"G1", u"G2", u"G3"}) login(guid, u"cn=smith,o=Shop");
+    login(u"G4", u"cn=jones,o=Shop");
+    EXPECT_EQ(late::call(logins_, u"EndOthers", {u"G2"}), Variant(2));
+    EXPECT_EQ(late::call(logins_, u"EndOthers", {u"G2"}), Variant(0));
+    EXPECT_EQ(late::call(logins_, u"EndOthers", {u"G1"}), Variant(0)) << "it has ended";
+    EXPECT_FALSE(store_.ask(u"G1", 1));
+    EXPECT_FALSE(store_.find(u"G3"));
+    EXPECT_TRUE(store_.ask(u"G2", 1));
+    EXPECT_TRUE(store_.ask(u"G4", 1));
+}
+
+TEST_F(LiveLoginsTest, OfAnAccountAreEndedOnAnAdministratorsWord) {
+    login(u"G1", u"cn=smith,o=Shop");
+    login(u"G2", u"cn=smith,o=Shop");
+    login(u"G3", u"cn=jones,o=Shop");
+    EXPECT_EQ(late::call(logins_, u"EndAllOf", {u"cn=nobody,o=Shop"}), Variant(0));
+    EXPECT_EQ(late::call(logins_, u"EndAllOf", {u"CN=Smith, o=Shop"}), Variant(2));
+    EXPECT_FALSE(store_.ask(u"G1", 1));
+    EXPECT_FALSE(store_.find(u"G2"));
+    EXPECT_TRUE(store_.ask(u"G3", 1));
+    login(u"G1", u"cn=smith,o=Shop");
+    login(u"G2", u"cn=smith,o=Shop");
+    EXPECT_EQ(late::call(logins_, u"EndAllOf", {u"cn=smith,o=Shop", u"G2"}), Variant(1));
+    EXPECT_TRUE(store_.ask(u"G2", 1));
+    EXPECT_TRUE(store_.find(u"G2"));
+}
+
 TEST_F(LiveLoginsTest, ALookAtThemKeepsNoneAlive) {
     login(u"G1", u"cn=smith,o=Shop");
     now_ += std::chrono::minutes(9);
