@@ -1,7 +1,6 @@
 <%@ Language="JScript" CodePage=65001 %>
 <!-- #include virtual="/parts/lib.inc" -->
 <!-- #include virtual="/parts/form.inc" -->
-<!-- #include virtual="/parts/logins.inc" -->
 <%
 // For who is logged in, and for who has just come from the login page with a password that is right
 // but has expired or has to be changed. So the session knows the password, and what is typed is held
@@ -38,11 +37,10 @@ function change() {
         goOn("/login.asp", done + " Please log in with the new one.");
     }
     Session.Contents.Remove("WrongPasswords");
-    // Session and filter know the old one; the login goes on with the new one. Others would try the
-    // old one.
+    // The change has ended the user's other logins. This one goes on; session and filter still know
+    // the old password.
     Session("REMOTE_PASSWORD") = posted("new");
     validator.ValidateCredentials(user, posted("new"), "");
-    endOtherLogins();
     goOn("/account/", done);
 }
 

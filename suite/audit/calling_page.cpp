@@ -6,17 +6,40 @@
 #include "platform/objects/context/context_contract.h"
 
 namespace orvo::audit {
+namespace {
 
-Text address_of_calling_page() noexcept {
+// Empty where the item is not there, or does not know it: a host need not know addresses.
+template <class Ask>
+Text told_by(const Text& item, Ask ask) noexcept {
+    try {
+        const Object object = item_of_calling_page(item);
+        return object ? ask(object).template to<Text>() : Text();
+    } catch (const std::exception&) {
+        return {};
+    }
+}
+
+}  // namespace
+
+Object item_of_calling_page(const Text& name) noexcept {
     try {
         const auto server = Ref<AppServer>::from(create_object(app_server_progid));
         const auto context = call<&AppServer::GetObjectContext>(server);
-        if (!context) return {};
-        const Variant request = call<&ObjectContext::Item>(context, Text(u"Request"));
-        return late::get(request.to<Object>(), u"ServerVariables", {u"REMOTE_ADDR"}).to<Text>();
+        return context ? call<&ObjectContext::Item>(context, name).to<Object>() : Object();
     } catch (const std::exception&) {
-        return {};  // no page, or one of a host that knows no addresses
+        return {};
     }
+}
+
+Text address_of_calling_page() noexcept {
+    return told_by(u"Request", [](const Object& request) {
+        return late::get(request, u"ServerVariables", {u"REMOTE_ADDR"});
+    });
+}
+
+Text login_of_calling_page() noexcept {
+    return told_by(u"Session",
+                   [](const Object& session) { return late::value_of(session, {u"QUENDRAID"}); });
 }
 
 }  // namespace orvo::audit

@@ -93,12 +93,22 @@ inTheShop('account', (tell) => {
             assert.equal(await elsewhere.loggedInAs(), 'glee');
         });
 
-    tell('a login whose password was changed elsewhere is told so', async (visitor, shop) => {
-        await visitor.logIn('awalker');
+    tell('a login ends when an administrator replaces its password', async (visitor, shop) => {
+        await visitor.logIn('akilic');
         const admin = await shop.visitor();
         await admin.logIn('admin');
-        await admin.go('/admin/member.asp?cn=awalker&ask=reset');
+        await admin.go('/admin/member.asp?cn=akilic&ask=reset');
         await admin.press('Replace password');
+        await visitor.go('/account/');
+        assert.equal(visitor.address(), '/login.asp?url=%2Faccount%2F');
+        assert.equal(await visitor.refusal(), 'Your login has ended. Please log in again.');
+        await admin.go('/account/');
+        assert.equal(await admin.loggedInAs(), 'admin');
+    });
+
+    tell('a login whose password was changed elsewhere is told so', async (visitor, shop) => {
+        await visitor.logIn('awalker');
+        await shop.directory.replacePassword('awalker');
         await visitor.go('/account/');
         assert.equal(await visitor.refusal(), 'The directory does not accept your name and ' +
             'password any more. Please log in again.');

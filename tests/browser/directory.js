@@ -81,6 +81,12 @@ class Directory {
         return ldif;
     }
 
+    // By another program, of which the web host hears nothing.
+    async replacePassword(cn) {
+        await outputOf(path.join(bin, 'orvo'), ['users', 'password', cn, '--generate', '--quiet',
+            '--site', path.join(this.folder, 'site.ini')], this.environment);
+    }
+
     // The site configuration for this directory, which has been started before.
     siteConfiguration(multiLogin) {
         const file = path.join(this.folder, `site-${multiLogin}.ini`);

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "platform/values/values.h"
-#include "suite/directory/entries/audited.h"
 #include "suite/directory/entries/child_name.h"
+#include "suite/directory/entries/ended_logins.h"
 #include "suite/directory/entries/given_password.h"
 #include "suite/directory/entries/proven_password.h"
 #include "suite/directory/names/written_name.h"
@@ -64,16 +64,18 @@ void EmbeddedEntry::SetValues(Text& name, Variant& value) {
     require_bound();
     require_whole(name);
     const std::string attribute = to_utf8(name);
-    audited_change(change_of(attribute), [&] { set_values(attribute, value); });
+    audited_account_change(change_of(attribute), [&] { return set_values(attribute, value); });
 }
 
-void EmbeddedEntry::set_values(const std::string& attribute, const Variant& value) {
+EndedLogins EmbeddedEntry::set_values(const std::string& attribute, const Variant& value) {
     if (!is_password(attribute)) {
         const AttributeType* type = login_->schema().types.find(attribute);
         std::vector<std::string> values = encode_values(type, value);
         if (attribute.empty()) raise_runtime_error(runtime_error::invalid_call);
+        EndedLogins ended;
+        if (disables_account(attribute, values)) ended.accounts = {name_};
         login_->modify(name_, {{attribute, std::move(values)}});
-        return;
+        return ended;
     }
     const std::optional<Secret> former =
         ProvenPassword::take(login_->directory().key(), EntryKey(name_), Clock::steady().now());
@@ -81,6 +83,7 @@ void EmbeddedEntry::set_values(const std::string& attribute, const Variant& valu
     if (password.empty())
         raise_code(result_code::constraint_violation, "A new password cannot be empty.");
     login_->set_password(name_, password, former);
+    return {.accounts = {name_}, .spares_own = true};
 }
 
 void EmbeddedEntry::ClearValues(Text& name) {
@@ -88,7 +91,11 @@ void EmbeddedEntry::ClearValues(Text& name) {
     require_whole(name);
     if (name.empty()) raise_runtime_error(runtime_error::invalid_call);
     const std::string attribute = to_utf8(name);
-    audited_change(change_of(attribute), [&] { login_->modify(name_, {{attribute, {}}}); });
+    audited_account_change(change_of(attribute), [&]() -> EndedLogins {
+        login_->modify(name_, {{attribute, {}}});
+        if (!is_password(attribute)) return {};
+        return {.accounts = {name_}, .spares_own = true};
+    });
 }
 
 AuditedChange EmbeddedEntry::change_of(const std::string& attribute) const {
@@ -124,7 +131,10 @@ void EmbeddedEntry::CreateChild(Variant& classes, Text& naming_attribute, Object
 void EmbeddedEntry::DeleteChild(Text&, Text& entry_name) {
     require_bound();
     const std::string name = child_name(entry_name, name_);
-    audited_change({u"delete", server_, name, login_->user()}, [&] { login_->remove(name); });
+    audited_account_change({u"delete", server_, name, login_->user()}, [&]() -> EndedLogins {
+        login_->remove(name);
+        return {.accounts = {name}};
+    });
 }
 
 void EmbeddedEntry::require_bound() const {

@@ -13,6 +13,7 @@ namespace orvo {
 namespace directory {
 
 struct AuditedChange;
+struct EndedLogins;
 
 namespace embedded {
 
@@ -37,6 +38,9 @@ public:
     // hash is stored; an empty one is refused (result code 19). It is the user's own change for
     // those who work as themselves, and for those whose password this thread has just checked
     // (ProvenPassword); otherwise it is an administrator's.
+    //
+    // The user's logins end (audited_account_change) with a password, and with a value that
+    // disables the account; so they do with the password that is cleared, and with the entry.
     void SetValues(Text& name, Variant& value) override;
     void ClearValues(Text& name) override;
 
@@ -63,7 +67,7 @@ public:
 private:
     void require_bound() const;
     AuditedChange change_of(const std::string& attribute) const;
-    void set_values(const std::string& attribute, const Variant& value);
+    EndedLogins set_values(const std::string& attribute, const Variant& value);
     Variant decoded_values(const EntryData& entry, const std::string& attribute) const;
     void require_known(const GivenAttribute& attribute) const;
 

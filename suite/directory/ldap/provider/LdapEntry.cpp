@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "suite/directory/entries/audited.h"
+#include "suite/directory/entries/ended_logins.h"
 #include "suite/directory/entries/proven_password.h"
 #include "suite/directory/names/written_name.h"
 #include "suite/directory/policy/failures.h"
@@ -162,9 +162,17 @@ void LdapEntry::SetValues(Text& name, Variant& value) {
     require_bound();
     require_whole(name);
     const std::string attribute = to_utf8(name);
-    audited_change(change_of(attribute), [&] {
-        if (is_password(attribute)) return set_password(value);
-        replace(attribute, encode_values(type_of(attribute), value));
+    audited_account_change(change_of(attribute), [&] {
+        EndedLogins ended;
+        if (is_password(attribute)) {
+            ended = {.accounts = accounts_of(name_), .spares_own = true};
+            set_password(value);
+            return ended;
+        }
+        std::vector<std::string> values = encode_values(type_of(attribute), value);
+        if (disables_account(attribute, values)) ended.accounts = accounts_of(name_);
+        replace(attribute, std::move(values));
+        return ended;
     });
 }
 
@@ -172,10 +180,20 @@ void LdapEntry::ClearValues(Text& name) {
     require_bound();
     require_whole(name);
     const std::string attribute = to_utf8(name);
-    audited_change(change_of(attribute), [&] {
-        if (is_password(attribute)) return clear_password(attribute);
-        replace(attribute, {});
+    audited_account_change(change_of(attribute), [&] {
+        EndedLogins ended;
+        if (is_password(attribute)) {
+            ended = {.accounts = accounts_of(name_), .spares_own = true};
+            clear_password(attribute);
+        } else {
+            replace(attribute, {});
+        }
+        return ended;
     });
+}
+
+std::vector<std::string> LdapEntry::accounts_of(const std::string& name) {
+    return mapped_ ? mapped_->login_names(name) : std::vector{name};
 }
 
 AuditedChange LdapEntry::change_of(const std::string& attribute) const {

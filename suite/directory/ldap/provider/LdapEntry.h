@@ -63,6 +63,9 @@ public:
     // A password is set by the user where the former one is known: of those who work as themselves,
     // and of those whose password this thread has just checked (ProvenPassword). Where the server
     // makes no difference, and it may be done otherwise, it is set by whom the entry is bound as.
+    //
+    // The user's logins end (audited_account_change) with a password, and with a value that
+    // disables the account; so they do with the password that is cleared, and with the entry.
     void SetValues(Text& name, Variant& value) override;
     // An Active Directory clears no password (53). The lock of an account is deleted, so that the
     // server forgets the wrong passwords that led to it (is_account_lock).
@@ -124,6 +127,8 @@ private:
                                                       const AttributeType* type);
     bool is_first_reading(const std::string& list);
     AuditedChange change_of(const std::string& attribute) const;
+    // The full names with which the user may have logged in who has this entry.
+    std::vector<std::string> accounts_of(const std::string& name);
     std::vector<std::string> current_values(const std::string& attribute);
     const MappedAttribute* attribute_of_groups(const std::string& name) const;
     EntryData as_groups_see_it();

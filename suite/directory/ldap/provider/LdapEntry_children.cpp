@@ -1,7 +1,7 @@
 #include <utility>
 
-#include "suite/directory/entries/audited.h"
 #include "suite/directory/entries/child_name.h"
+#include "suite/directory/entries/ended_logins.h"
 #include "suite/directory/entries/given_password.h"
 #include "suite/directory/entries/new_entry.h"
 #include "suite/directory/ldap/provider/LdapEntry.h"
@@ -152,7 +152,11 @@ void LdapEntry::DeleteChild(Text&, Text& entry_name) {
     require_bound();
     std::string name = child_name(entry_name, name_);
     if (mapped_) name = mapped_->require(name);
-    audited_change({u"delete", server_, name, login_->user()}, [&] { remove_child(name); });
+    audited_account_change({u"delete", server_, name, login_->user()}, [&] {
+        EndedLogins ended{.accounts = accounts_of(name)};
+        remove_child(name);
+        return ended;
+    });
 }
 
 void LdapEntry::remove_child(const std::string& name) {

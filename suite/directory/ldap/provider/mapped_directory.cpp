@@ -157,6 +157,30 @@ std::string MappedDirectory::require(const std::string& name) {
                    quoted_name(name) + ".");
 }
 
+std::vector<std::string> MappedDirectory::login_names(const std::string& real_name) {
+    std::vector<std::string> names{real_name};
+    const auto parts = try_name_parts(real_name);
+    const auto container = try_name_parts(map_->user_container.name);
+    if (!parts || !container || !map_->is_user(real_name)) return names;
+    const auto add = [&](const std::string& value) {
+        std::vector<RelativeName> name{{{map_->naming_attribute, value}}};
+        name.insert(name.end(), container->begin(), container->end());
+        std::string joined = joined_name(name);
+        if (std::ranges::find(names, joined) == names.end()) names.push_back(std::move(joined));
+    };
+    if (!map_->login) {
+        add(parts->front().front().value);
+        return names;
+    }
+    SearchRequest request;
+    request.base = real_name;
+    request.attributes = map_->login->attributes;
+    for (const EntryData& entry : entries_found(request))
+        for (const Attribute& attribute : entry.attributes)
+            for (const std::string& value : attribute.values) add(value);
+    return names;
+}
+
 ServerLogin MappedDirectory::login(TextView user, const Secret& password) {
     const std::string written = login_name(user, password);
     if (written.empty()) return {client_->pool(), server_, user, password, limits_};

@@ -32,6 +32,9 @@ public:
     // The same; raises 0x80072030, and says whether none or several match.
     std::string require(const std::string& name);
 
+    // All names that find() takes for this user, by its real name; for any other entry its own.
+    std::vector<std::string> login_names(const std::string& real_name);
+
     // Who works with these credentials, as ServerLogin has it, under the real name. Raises
     // 0x8007052E where no entry matches, or several.
     ServerLogin login(TextView user, const Secret& password);

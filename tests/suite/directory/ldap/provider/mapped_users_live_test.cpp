@@ -71,6 +71,21 @@ TEST_F(MappedUsers, ChangeTheirPasswordAndItCountsAtOnce) {
     EXPECT_EQ(checked("john.smith@company.example", "another-sample"), 0);
 }
 
+TEST_F(MappedUsers, HaveAllTheNamesWithWhichTheyLogIn) {
+    auto mapped = MappedDirectory::try_open(client_, from_utf8(server_.server()), people, {});
+    ASSERT_TRUE(mapped);
+    EXPECT_THAT(
+        mapped->login_names(dn("djansen", "Warehouse")),
+        testing::UnorderedElementsAre(dn("djansen", "Warehouse"), "uid=djansen,ou=People,o=Company",
+                                      "uid=dirk.jansen@company.example,ou=People,o=Company"));
+    EXPECT_THAT(mapped->login_names("cn=buyers,ou=Groups,o=Company"),
+                testing::ElementsAre("cn=buyers,ou=Groups,o=Company"));
+    use("[DIRECTORY.MAP]\ncn = uid\n");
+    auto unsearched = MappedDirectory::try_open(client_, from_utf8(server_.server()), people, {});
+    EXPECT_THAT(unsearched->login_names("uid=jsmith,ou=People,o=Company"),
+                testing::ElementsAre("uid=jsmith,ou=People,o=Company"));
+}
+
 TEST_F(MappedUsers, RightBelowTheirContainerAloneWithoutASearchBelowIt) {
     use("[DIRECTORY.MAP]\nUserSearch = one\n");
     EXPECT_EQ(checked("jsmith"), -1);

@@ -1,0 +1,26 @@
+#pragma once
+
+// Whose logins at the site's authorization filter end with a change of the directory.
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "suite/directory/entries/audited.h"
+
+namespace orvo::directory {
+
+struct EndedLogins {
+    // Full names of users as people log in with them, more than one where a user has several;
+    // empty: no logins end.
+    std::vector<std::string> accounts = {};
+    // The login of the page that makes the change goes on: whoever changes the own password stays.
+    bool spares_own = false;
+};
+
+// Makes a change as audited_change does, from `make`, and ends the logins that it answers. A
+// process or machine without the filter has none to end. Where they cannot be ended that raises,
+// and says that the change is made.
+void audited_account_change(const AuditedChange& change, const std::function<EndedLogins()>& make);
+
+}  // namespace orvo::directory

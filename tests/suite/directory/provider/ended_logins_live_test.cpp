@@ -1,0 +1,120 @@
+// With which changes of an entry its user's logins end.
+
+#include "platform/module/local_class.h"
+#include "platform/objects/context/app_server.h"
+#include "platform/objects/context/context_scope.h"
+#include "tests/suite/directory/provider/provider_test.h"
+
+namespace orvo {
+namespace directory {
+
+// The filter's logins, of which the test reads what was ended.
+class RecordedLogins {
+public:
+    static inline std::vector<std::string> ended;
+    static inline bool is_away = false;
+
+    std::int32_t EndAllOf(const Text& account, const Text& except) {
+        if (is_away) throw Failure(4711, u"Store", u"The store is away.");
+        ended.push_back(to_utf8(account) + (except.empty() ? "" : " but " + to_utf8(except)));
+        return 1;
+    }
+};
+
+// A page's session, in which somebody is logged in.
+class LoggedInSession {
+public:
+    Text Value(const Text& name) { return name == u"QUENDRAID" ? u"G1" : u""; }
+};
+
+}  // namespace directory
+
+template <>
+inline constexpr auto table_of<directory::RecordedLogins> = describe<directory::RecordedLogins>(
+    "IRecordedLogins", "5e0f4b0a-6f3e-4b43-9a57-0f6f2a1d7c01",
+    method<&directory::RecordedLogins::EndAllOf>("EndAllOf", "account", optional("except")));
+template <>
+inline constexpr auto class_of<directory::RecordedLogins> =
+    describe_class<directory::RecordedLogins>("TavikAuthFilter.Logins",
+                                              "5e0f4b0a-6f3e-4b43-9a57-0f6f2a1d7c02");
+template <>
+inline constexpr auto table_of<directory::LoggedInSession> = describe<directory::LoggedInSession>(
+    "ILoggedInSession", "5e0f4b0a-6f3e-4b43-9a57-0f6f2a1d7c03",
+    get<&directory::LoggedInSession::Value>("Value", "name").as_default());
+template <>
+inline constexpr auto class_of<directory::LoggedInSession> =
+    describe_class<directory::LoggedInSession>("Test.LoggedInSession");
+
+namespace directory {
+namespace {
+
+constexpr const char* djansen = "cn=djansen,ou=Users,o=Shop";
+constexpr const char* made_all_the_same =
+    "The store is away. The change has been made all the same, but the user's logins go on.";
+
+class EndedLoginsTest : public ProviderTest {
+protected:
+    EndedLoginsTest() : ProviderTest({.password_policy = true}) {
+        RecordedLogins::ended.clear();
+        RecordedLogins::is_away = false;
+    }
+    static std::vector<std::string> ended() { return std::exchange(RecordedLogins::ended, {}); }
+
+    LocalClass logins_ = local_class<RecordedLogins>();
+    LocalClass app_server_{app_server_progid, class_of<AppServerObject>.clsid,
+                           [] { return make<AppServerObject>().object(); }};
+};
+FOR_EVERY_DIRECTORY(EndedLoginsTest);
+
+TEST_P(EndedLoginsTest, AreThoseOfAUserWhosePasswordIsChangedOrCleared) {
+    const Entry entry = bound(u"CN=djansen");
+    set(entry, u"userPassword", u"other-sample");
+    EXPECT_THAT(ended(), ElementsAre(testing::StrCaseEq(djansen)));
+    clear(entry, u"userpassword");
+    EXPECT_THAT(ended(), ElementsAre(testing::StrCaseEq(djansen)));
+    set(entry, u"userPassword", u"shop-sample");
+    ended();
+    EXPECT_NE(refusal_of([&] { set(entry, u"userPassword", u""); }).number, 0);
+    EXPECT_THAT(ended(), IsEmpty()) << "nothing was changed";
+}
+
+TEST_P(EndedLoginsTest, AreThoseOfAUserWhoIsDisabledOrRemoved) {
+    const Entry entry = bound();
+    set(entry, u"pwdAccountLockedTime", u"000001010000Z");
+    EXPECT_THAT(ended(), ElementsAre(djansen));
+    clear(entry, u"pwdAccountLockedTime");
+    set(entry, u"sn", u"Jansen");
+    EXPECT_THAT(ended(), IsEmpty());
+    remove(bound(u""), u"cn=djansen,ou=Users,o=Shop");
+    EXPECT_THAT(ended(), ElementsAre(djansen));
+}
+
+TEST_P(EndedLoginsTest, AreAllButThatOfThePageThatChangesThePassword) {
+    const Entry entry = bound();
+    {
+        const ContextScope page({{u"Session", make<LoggedInSession>().object()}});
+        set(entry, u"userPassword", u"other-sample");
+        EXPECT_THAT(ended(), ElementsAre(djansen + std::string(" but G1")));
+        set(entry, u"pwdAccountLockedTime", u"000001010000Z");
+        EXPECT_THAT(ended(), ElementsAre(djansen)) << "a disabled account has no login";
+    }
+    const ContextScope script({});
+    set(entry, u"userPassword", u"shop-sample");
+    EXPECT_THAT(ended(), ElementsAre(djansen));
+}
+
+TEST_P(EndedLoginsTest, ThatCannotBeEndedAreToldWithTheChangeThatIsMade) {
+    const Entry entry = bound();
+    RecordedLogins::is_away = true;
+    const Failure failure = failure_of([&] { set(entry, u"userPassword", u"other-sample"); });
+    EXPECT_EQ(failure.number, 4711);
+    EXPECT_EQ(to_utf8(failure.description), made_all_the_same);
+    EXPECT_EQ(shop_.bind(djansen, "other-sample"), 0);
+    EXPECT_EQ(to_utf8(failure_of([&] { remove(bound(u""), from_utf8(djansen)); }).description),
+              made_all_the_same);
+    EXPECT_THAT(shop_.find("ou=Users,o=Shop", "(cn=djansen)"), IsEmpty());
+}
+
+}  // namespace
+}  // namespace directory
+}  // namespace orvo
