@@ -4,6 +4,7 @@
 // standard output, what went wrong is raised; nothing is half done then.
 
 #include <cstddef>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -75,5 +76,12 @@ int give_profile(const ProfileRequest& request);
 // What an account is to be. Of a user it applies to: exit code and sentences as above.
 enum class AccountChange { unlock, disable, enable, expire };
 int change_accounts(AccountChange change, const NamesRequest& request);
+
+struct LogoutRequest {
+    NamesRequest users;
+    std::filesystem::path socket;  // of the running host that keeps the logins
+};
+// Ends all logins of these users, also of those who are in no directory any more.
+int log_out_users(const LogoutRequest& request);
 
 }  // namespace orvo::admin

@@ -3,6 +3,8 @@
 #include "host/admin/common/program.h"
 #include "host/admin/people/common_arguments.h"
 #include "host/admin/people/people_commands.h"
+#include "host/admin/process/process_commands.h"
+#include "host/admin/process/running_host.h"
 
 namespace orvo::admin {
 namespace {
@@ -76,6 +78,13 @@ public:
         add_change("enable", "Enable accounts that were disabled", AccountChange::enable);
         add_change("expire", "Have users change their passwords at the next login",
                    AccountChange::expire);
+
+        const auto logout = std::make_shared<LogoutRequest>();
+        logout->socket = usual_host_socket;
+        CLI::App& out = program_.command(users_, "logout", "End all logins of users",
+                                         [logout] { return log_out_users(*logout); });
+        add_names(out, logout->users);
+        add_socket(out, logout->socket);
     }
 
     void add_grants() {

@@ -17,7 +17,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t longest_request = 200;
 constexpr int pause_without_descriptors = 200;  // milliseconds
 
 [[noreturn]] void raise(const fs::path& file, const std::string& reason) {

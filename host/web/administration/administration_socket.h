@@ -3,6 +3,7 @@
 // The socket over which an administrator of this machine asks a running host.
 
 #include <chrono>
+#include <cstddef>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -13,12 +14,13 @@
 namespace orvo::web {
 
 // Listens as long as it lives, on a thread of its own, and answers one request after the other. A
-// connection is one request, a line of at most 200 octets; what `answer` gives for it is sent, and
-// the connection ends; so it does when the request and its answer have not gone over within
-// `patience`. Only the user whom the host runs as, and root, may connect (mode 0600).
+// connection is one request, a line of at most longest_request octets; what `answer` gives for it
+// is sent, and the connection ends; so it does when the request and its answer have not gone over
+// within `patience`. Only the user whom the host runs as, and root, may connect (mode 0600).
 class AdministrationSocket {
 public:
     using Answer = std::function<std::string(std::string_view request)>;
+    static constexpr std::size_t longest_request = 4096;  // an entry's name fits
 
     // Makes the socket, in place of one that nobody listens at any more. Raises std::runtime_error
     // with the file and the reason, also where another process listens there. `answer` does not

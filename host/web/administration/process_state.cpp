@@ -42,7 +42,14 @@ std::string table(const Object& rows) {
     return text;
 }
 
+std::string end_logins(std::string_view account) {
+    const Object logins = create_object(u"TavikAuthFilter.Logins");
+    return "ok\nLogins\n" + cell(late::call(logins, u"EndAllOf", {from_utf8(account)})) + '\n';
+}
+
 std::string answer(std::string_view request) {
+    constexpr std::string_view logout = "logout ";
+    if (request.starts_with(logout)) return end_logins(request.substr(logout.size()));
     const Object servers = create_object(u"OrvoDirectory.LdapServers");
     if (request == "servers") return table(late::call(servers, u"States").to<Object>());
     if (request == "connections") return table(late::call(servers, u"Connections").to<Object>());

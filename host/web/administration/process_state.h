@@ -13,6 +13,8 @@ namespace orvo::web {
 //   servers       the directory servers, a row each (DirectoryServers::States)
 //   connections   the connections to them (DirectoryServers::Connections)
 //   clear cache   forgets what is kept of entries; a row with how many those were
+//   logout NAME   ends all logins of the account with this full name; a row with how many those
+//   were
 //
 // A table begins with the line "ok" and one with the columns' names; texts have tabs between them,
 // and none in them. Whatever fails is the line "failed", a blank and a sentence. Does not raise.

@@ -212,7 +212,8 @@ constexpr std::array keys{
                 [](const Site&) {
                     return std::string("orvo-web.sock in the service's runtime folder, if any");
                 },
-            .about = "The socket for administrators of this machine (orvo pool, orvo cache clear); "
+            .about = "The socket for administrators of this machine (orvo pool, orvo cache clear, "
+                     "orvo users logout); "
                      "a relative path counts from the site's folder. Empty: there is none.",
             .read =
                 [](const SiteSetting& s, Site& site) {

@@ -83,10 +83,11 @@ TEST_F(AnAdministrationSocket, AnswersARequestHoweverItComes) {
     parts.wait_until_read();
     EXPECT_TRUE(parts.say("vers\n"));
     EXPECT_EQ(parts.heard(), "heard servers");
+    constexpr std::size_t most = AdministrationSocket::longest_request;
     const Client longest(file_), too_long(file_);
-    EXPECT_TRUE(longest.say(std::string(200, 'x') + '\n'));
-    EXPECT_EQ(longest.heard(), "heard " + std::string(200, 'x'));
-    EXPECT_TRUE(too_long.say(std::string(201, 'x') + '\n'));
+    EXPECT_TRUE(longest.say(std::string(most, 'x') + '\n'));
+    EXPECT_EQ(longest.heard(), "heard " + std::string(most, 'x'));
+    EXPECT_TRUE(too_long.say(std::string(most + 1, 'x') + '\n'));
     EXPECT_EQ(too_long.heard(), "");
 }
 

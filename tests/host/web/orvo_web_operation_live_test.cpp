@@ -120,6 +120,26 @@ TEST_F(OrvoWebTest, TellsAnAdministratorOfItsConnectionsAndForgetsEntries) {
     EXPECT_THROW(orvo({"pool"}), std::runtime_error);
 }
 
+TEST_F(OrvoWebTest, EndsAUsersLoginsOnAnAdministratorsWord) {
+    write("site.ini", "[SITE]\nGuard = /account/ = 1\nAdminSocket = ../admin.sock\n");
+    const int port = start();
+    Browser first(port), second(port), other(port);
+    for (Browser* browser : {&first, &second})
+        ASSERT_EQ(log_in(*browser, "jsmith", "shop-sample")->status, 303);
+    ASSERT_EQ(log_in(other, "admin", "shop-sample")->status, 303);
+    const auto log_out = [&](const std::string& name) {
+        return output_of({std::string(ORVO_BIN) + "/orvo", "users", "logout", name, "--socket",
+                          folder_.path() / "admin.sock"});
+    };
+    EXPECT_EQ(log_out("JSmith"), "JSmith: logged out, 2 logins.\n");
+    EXPECT_EQ(first.get("/account/")->status, 302);
+    EXPECT_EQ(second.get("/account/")->status, 302);
+    EXPECT_EQ(other.get("/account/")->status, 200);
+    EXPECT_EQ(log_out("jsmith"), "jsmith: not logged in.\n");
+    EXPECT_EQ(log_out("admin"), "admin: logged out.\n");
+    EXPECT_EQ(other.get("/account/")->status, 302);
+}
+
 TEST_F(OrvoWebTest, TakesOverTheSocketOfAHostThatIsGoneAndNoOther) {
     write("site.ini", "[SITE]\nAdminSocket = ../admin.sock\n");
     const fs::path socket = folder_.path() / "admin.sock";
