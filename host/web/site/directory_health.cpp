@@ -1,5 +1,6 @@
 #include "host/web/site/directory_health.h"
 
+#include <algorithm>
 #include <array>
 
 #include "component/config/configuration_contract.h"
@@ -11,7 +12,7 @@
 namespace orvo::web {
 namespace {
 
-constexpr std::chrono::seconds fresh_for{2};
+constexpr std::chrono::milliseconds moment{200};
 
 }  // namespace
 
@@ -32,11 +33,23 @@ void reach_directory() {
     Text user = setting(u"GetMemScriptUser");
     Secret password = late::get(settings, u"GetMemScriptCode").to<Secret>();
     Variant attributes = Values{};
-    call<&DirectoryEntry::Bind>(entry, server, container, name, user, password, attributes);
+    const auto bind = [&] {
+        call<&DirectoryEntry::Bind>(entry, server, container, name, user, password, attributes);
+    };
+    try {
+        bind();
+    } catch (const Failure&) {
+        // A bind is sent once, to one server; the next one goes to a server that is up.
+        bind();
+    }
 }
 
-DirectoryHealth::DirectoryHealth(std::function<void()> reach, std::chrono::milliseconds patience)
-    : reach_(std::move(reach)), patience_(patience), thread_([this] { serve(); }) {}
+DirectoryHealth::DirectoryHealth(std::function<void()> reach, std::chrono::milliseconds patience,
+                                 std::chrono::milliseconds fresh_for)
+    : reach_(std::move(reach)),
+      patience_(patience),
+      fresh_for_(fresh_for),
+      thread_([this] { serve(); }) {}
 
 DirectoryHealth::~DirectoryHealth() {
     {
@@ -49,14 +62,18 @@ DirectoryHealth::~DirectoryHealth() {
 
 std::string DirectoryHealth::trouble() {
     std::unique_lock guard(lock_);
-    if (Clock::now() < fresh_until_) return trouble_;
+    const auto now = Clock::now();
+    if (now < fresh_until_) return trouble_;
     const auto before = answers_;
-    is_wanted_ = true;
-    changed_.notify_all();
-    if (!changed_.wait_for(guard, patience_, [&] { return answers_ != before; })) {
-        trouble_ = "The directory does not answer.";
-        fresh_until_ = Clock::now() + fresh_for;
+    if (!is_wanted_) {
+        is_wanted_ = true;
+        asked_ = now;
+        changed_.notify_all();
     }
+    const auto latest = asked_ + patience_;
+    changed_.wait_until(guard, before == 0 ? latest : std::min(latest, now + moment),
+                        [&] { return answers_ != before; });
+    if (answers_ == before && Clock::now() >= latest) trouble_ = "The directory does not answer.";
     return trouble_;
 }
 
@@ -65,7 +82,6 @@ void DirectoryHealth::serve() {
     while (true) {
         changed_.wait(guard, [&] { return is_wanted_ || is_ending_; });
         if (is_ending_) return;
-        is_wanted_ = false;
         guard.unlock();
         std::string trouble;
         try {
@@ -77,8 +93,9 @@ void DirectoryHealth::serve() {
             trouble = failure.what();
         }
         guard.lock();
+        is_wanted_ = false;
         trouble_ = trouble;
-        fresh_until_ = Clock::now() + fresh_for;
+        fresh_until_ = Clock::now() + fresh_for_;
         ++answers_;
         changed_.notify_all();
     }

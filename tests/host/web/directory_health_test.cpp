@@ -43,5 +43,41 @@ TEST(DirectoryHealth, DoesNotWaitForADirectoryThatIsSilent) {
     EXPECT_LT(std::chrono::steady_clock::now() - begin, 5s);
 }
 
+TEST(DirectoryHealth, WhatWasKnownHoldsUntilThereIsAnAnswer) {
+    std::atomic<bool> stands_still = false;
+    DirectoryHealth health(
+        [&] {
+            const bool has_stood_still = stands_still;
+            while (stands_still) std::this_thread::sleep_for(1ms);
+            if (has_stood_still) throw std::runtime_error("broken");
+        },
+        10min, 0ms);
+    EXPECT_EQ(health.trouble(), "");
+    stands_still = true;
+    EXPECT_EQ(health.trouble(), "");
+    EXPECT_EQ(health.trouble(), "");
+    stands_still = false;
+    std::string seen;
+    for (int i = 0; i < 2000 && seen.empty(); ++i) seen = health.trouble();
+    EXPECT_EQ(seen, "broken");
+}
+
+TEST(DirectoryHealth, ADirectoryThatFallsSilentIsTroubleAfterThePatience) {
+    std::atomic<bool> stands_still = false;
+    DirectoryHealth health(
+        [&] {
+            while (stands_still) std::this_thread::sleep_for(1ms);
+        },
+        300ms, 0ms);
+    EXPECT_EQ(health.trouble(), "");
+    stands_still = true;
+    std::string seen;
+    for (int i = 0; i < 2000 && seen.empty(); ++i) seen = health.trouble();
+    EXPECT_EQ(seen, "The directory does not answer.");
+    stands_still = false;
+    for (int i = 0; i < 2000 && !seen.empty(); ++i) seen = health.trouble();
+    EXPECT_EQ(seen, "");
+}
+
 }  // namespace
 }  // namespace orvo::web
