@@ -2,7 +2,7 @@
 // a balancer. scripts/fleet runs it; docs/fleet.md says how to read what it prints.
 //
 //   fleet [serve]
-//   fleet chaos [--minutes N | --brief] [--browsers N]
+//   fleet chaos [--minutes N | --brief] [--browsers N] [--only WORDS]
 
 #include <charconv>
 #include <cstring>
@@ -15,7 +15,8 @@ namespace orvo::fleet {
 namespace {
 
 constexpr const char* usage =
-    "usage: fleet [serve] | chaos [--minutes 1..60 | --brief] [--browsers 1..256]";
+    "usage: fleet [serve] | chaos [--minutes 1..60 | --brief] [--browsers 1..256] "
+    "[--only WORDS]";
 
 int number(const std::string& text, int least, int most) {
     int value = 0;
@@ -44,6 +45,12 @@ int chaos(const std::vector<std::string>& arguments) {
             options.duration = std::chrono::minutes(number(next(), 1, 60));
         } else if (arguments[i] == "--browsers") {
             options.browsers = static_cast<std::size_t>(number(next(), 1, 256));
+        } else if (arguments[i] == "--only") {
+            // The faults with these words in their names.
+            const std::string words = next();
+            std::erase_if(options.faults, [&](const Fault& fault) {
+                return fault.name.find(words) == std::string::npos;
+            });
         } else if (arguments[i] == "--brief") {
             options.faults = brief_faults();
             options.duration = std::chrono::seconds(25);

@@ -22,8 +22,11 @@ constexpr auto longest_start = std::chrono::seconds(30);
 // Longer than what is being served may go on (DrainTime).
 constexpr double longest_end = 30;
 
+// Nobody else may read it: passwords stand in it.
 void write(const fs::path& file, const std::string& content) {
-    if (!(std::ofstream(file) << content << std::flush))
+    std::ofstream stream(file);
+    fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);
+    if (!(stream << content << std::flush))
         throw std::runtime_error("cannot write " + file.string());
 }
 
