@@ -6,6 +6,7 @@ namespace {
 using Way = FaultyProxy& (*)(Node&);
 
 FaultyProxy& to_first_directory(Node& node) { return node.directory(0); }
+FaultyProxy& to_store(Node& node) { return node.store(); }
 FaultyProxy& to_second_directory(Node& node) { return node.directory(1); }
 
 // Of a network: nothing comes through any more, and nobody is told.
@@ -87,14 +88,44 @@ std::vector<Fault> faults_of_directories() {
     };
 }
 
+std::vector<Fault> faults_of_store() {
+    const auto die = [](Fleet& fleet) {
+        fleet.store().kill();
+        refuse(fleet, to_store);
+    };
+    const auto return_to_life = [](Fleet& fleet) {
+        fleet.store().start();
+        join(fleet, to_store);
+    };
+    return {
+        {"Redis frozen", Part::store, [](Fleet& fleet) { fleet.store().freeze(); },
+         [](Fleet& fleet) { fleet.store().go_on(); }},
+        {"Redis killed", Part::store, die, return_to_life},
+        {"Redis restarted", Part::store,
+         [return_to_life](Fleet& fleet) {
+             fleet.store().stop();
+             refuse(fleet, to_store);
+             return_to_life(fleet);
+         },
+         [](Fleet&) {}, true},
+        {"Redis cut off from all nodes", Part::store, [](Fleet& fleet) { part(fleet, to_store); },
+         [](Fleet& fleet) { join(fleet, to_store); }},
+        {"node 3 cut off from Redis", Part::store,
+         [](Fleet& fleet) { fleet.node(2).store().fall_silent(); },
+         [](Fleet& fleet) { fleet.node(2).store().pass_on(); }},
+    };
+}
+
 }  // namespace
 
 std::vector<Fault> every_fault() {
     std::vector<Fault> all;
-    const auto nodes = faults_of_nodes(), directories = faults_of_directories();
+    const auto nodes = faults_of_nodes(), directories = faults_of_directories(),
+               stores = faults_of_store();
     for (std::size_t i = 0; i < nodes.size(); ++i) {
         all.push_back(nodes[i]);
         all.push_back(directories[i]);
+        all.push_back(stores[i]);
     }
     all.push_back(
         {"rolling restart of the nodes", Part::all_nodes, restart_all, [](Fleet&) {}, true});
@@ -105,7 +136,7 @@ std::vector<Fault> brief_faults() {
     std::vector<Fault> chosen;
     for (Fault& fault : every_fault())
         if (fault.name == "node 2 killed" || fault.name == "directory 1 frozen" ||
-            fault.part == Part::all_nodes)
+            fault.name == "Redis frozen" || fault.part == Part::all_nodes)
             chosen.push_back(std::move(fault));
     return chosen;
 }

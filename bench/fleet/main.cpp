@@ -10,6 +10,7 @@
 #include <stdexcept>
 
 #include "bench/fleet/report.h"
+#include "bench/fleet/throughput.h"
 
 namespace orvo::fleet {
 namespace {
@@ -67,6 +68,16 @@ int chaos(const std::vector<std::string>& arguments) {
     return verdict.is_good() ? 0 : 1;
 }
 
+int throughput(const std::vector<std::string>& arguments) {
+    ThroughputOptions options;
+    if (arguments == std::vector<std::string>{"--brief"})
+        options = {.browsers = 8, .each = std::chrono::seconds(1), .rounds = 1, .logins = 100};
+    else if (!arguments.empty())
+        throw std::invalid_argument(usage);
+    measure_throughput(options, std::cout);
+    return 0;
+}
+
 int main(std::vector<std::string> arguments) {
     catch_interruptions();
     if (arguments.empty()) return serve();
@@ -74,6 +85,7 @@ int main(std::vector<std::string> arguments) {
     arguments.erase(arguments.begin());
     if (command == "serve" && arguments.empty()) return serve();
     if (command == "chaos") return chaos(arguments);
+    if (command == "throughput") return throughput(arguments);
     throw std::invalid_argument(usage);
 }
 

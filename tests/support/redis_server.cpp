@@ -112,6 +112,7 @@ std::string RedisServer::configuration() const {
                        folder().string() +
                        "\nsave \"\"\nrdbcompression no\nrepl-diskless-sync-delay 0\n"
                        "enable-debug-command local\n";
+    if (options_.keeps_its_data) text += "appendonly yes\n";
     if (!options_.password.empty())
         text += "requirepass " + options_.password + "\nmasterauth " + options_.password + "\n";
     if (options_.tls)

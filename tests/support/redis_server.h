@@ -17,12 +17,13 @@ struct RedisOptions {
     bool tls = false;           // rediss:// on a second port
     std::string certificate_for = "IP:127.0.0.1,DNS:localhost";
     const RedisServer* replica_of = nullptr;  // in step with it when the constructor returns
+    bool keeps_its_data = false;  // each write goes to a file, and is there after an end
 };
 
-// A Redis of a test's own on the loopback address, on a free port, in a temporary folder. It writes
-// nothing to disk: after an end it comes back empty. Runs from the construction to stop(), kill()
-// or the end of the object's life, and never longer than the thread that made it. Everything that
-// fails raises std::runtime_error with the server's own words.
+// A Redis of a test's own on the loopback address, on a free port, in a temporary folder. Unless it
+// is to keep its data it writes nothing to disk, and comes back empty after an end. Runs from the
+// construction to stop(), kill() or the end of the object's life, and never longer than the thread
+// that made it. Everything that fails raises std::runtime_error with the server's own words.
 class RedisServer {
 public:
     explicit RedisServer(RedisOptions options = {});
@@ -32,7 +33,7 @@ public:
     void stop();
     // It dies as if killed from outside (SIGKILL).
     void kill();
-    // It comes back on the same ports, empty. Returns when it answers.
+    // It comes back on the same ports. Returns when it answers.
     void start();
     // It falls silent: connections stay and are accepted, but nothing is answered.
     void freeze();
