@@ -73,6 +73,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/automation.h COMPONENT development
 install(DIRECTORY platform DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvo/module COMPONENT development
         FILES_MATCHING PATTERN "*.h"
         PATTERN linux EXCLUDE PATTERN windows EXCLUDE PATTERN compat EXCLUDE
+        PATTERN network EXCLUDE
         PATTERN automation.h EXCLUDE)
 install(DIRECTORY platform/compat/ client/com/ COMPONENT development
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvo/compat)

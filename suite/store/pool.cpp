@@ -24,11 +24,12 @@ Pool::Lease Pool::acquire(const Deadline& deadline) {
     const std::uint64_t generation = generation_;
     if (auto idle = take_idle()) return Lease(*this, std::move(idle), generation);
     lock.unlock();
+    const auto begin = Clock::now();
     try {
         return Lease(*this, connect(deadline), generation);
     } catch (const Lost& lost) {
         release(nullptr, generation);
-        go_away(lost.what());
+        if (lost.why != Lost::Why::silent || was_silent_for_long(begin)) go_away(lost.what());
         throw Lost(lost.what(), lost.why);
     }
 }
@@ -59,7 +60,8 @@ void Pool::release(std::unique_ptr<Connection> connection, std::uint64_t generat
 void Pool::Lease::discard(const Lost& lost) {
     connection_.reset();
     pool_.end_generation(generation_);
-    if (lost.why == Lost::Why::silent) pool_.go_away(lost.what());
+    if (lost.why == Lost::Why::silent && pool_.was_silent_for_long(begin_))
+        pool_.go_away(lost.what());
 }
 
 void Pool::end_generation(std::uint64_t generation) {
@@ -67,6 +69,10 @@ void Pool::end_generation(std::uint64_t generation) {
     if (generation != generation_) return;
     ++generation_;
     idle_.clear();
+}
+
+bool Pool::was_silent_for_long(Clock::time_point begin) const {
+    return Clock::now() - begin >= settings_.time_limit / 2;
 }
 
 void Pool::go_away(const std::string& reason) {

@@ -2,6 +2,7 @@
 
 // The connections of one Redis object.
 
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <memory>
@@ -20,6 +21,8 @@ namespace orvo::store {
 // all. While it is not, nobody gets a connection, and a thread tries to make one. Thread-safe.
 class Pool {
 public:
+    using Clock = std::chrono::steady_clock;
+
     // Raises what Masters raises.
     explicit Pool(Settings settings);
     Pool(const Pool&) = delete;
@@ -35,13 +38,15 @@ public:
         Connection& operator*() const { return *connection_; }
         Connection* operator->() const { return connection_.get(); }
         // It is of no use any more, nor are those that were made before now: the server has ended,
-        // does not answer, or is no master any more.
+        // does not answer, or is no master any more. Where it was silent for half of the time limit
+        // the store is away; who had to wait for a connection may have had less time to ask.
         void discard(const Lost& lost);
 
     private:
         Pool& pool_;
         std::unique_ptr<Connection> connection_;  // null: it was discarded
         const std::uint64_t generation_;
+        const Clock::time_point begin_ = Clock::now();
     };
     // An idle connection that has not ended, or a new one. Waits while all are in use. Raises Lost.
     Lease acquire(const Deadline& deadline);
@@ -58,12 +63,11 @@ public:
     Counts counts() const;
 
 private:
-    using Clock = std::chrono::steady_clock;
-
     std::unique_ptr<Connection> take_idle();
     std::unique_ptr<Connection> connect(const Deadline& deadline);
     void release(std::unique_ptr<Connection> connection, std::uint64_t generation);
     void end_generation(std::uint64_t generation);
+    bool was_silent_for_long(Clock::time_point begin) const;
     void go_away(const std::string& reason);
     std::optional<Clock::time_point> probe();
 

@@ -182,6 +182,27 @@ TEST_F(RedisStore, ACommandThatMayHaveArrivedIsNotSentAgain) {
     EXPECT_EQ(behind.run({"GET", "n"}).text(), "1");
 }
 
+TEST(Redis, WhoHadHardlyTimeToAskDoesNotTakeTheStoreForAway) {
+    ScriptedRedis server([](int, const Command& command) {
+        return std::optional(command.front() == "GET" ? "" : usual_answer(command));
+    });
+    Pool pool(server.settings());
+    const auto ask = [&](std::chrono::milliseconds limit) {
+        Pool::Lease connection = pool.acquire(Deadline(10s));
+        const std::string_view words[] = {"GET", "a"};
+        try {
+            connection->exchange(wire_form(words), 1, Deadline(limit));
+        } catch (const Lost& lost) {
+            connection.discard(lost);
+        }
+    };
+    ask(1ms);
+    EXPECT_TRUE(pool.is_reachable());
+    ask(server.settings().time_limit);
+    EXPECT_TRUE(wait_until([&] { return pool.counts().connects == 3; })) << "a probe makes one";
+    EXPECT_TRUE(wait_until([&] { return pool.is_reachable(); }));
+}
+
 TEST(Redis, ACommandIsSentOnceAndARepeatableOneTwice) {
     // Connections are closed where a command waits for its answer.
     ScriptedRedis server([](int, const Command& command) -> std::optional<std::string> {
@@ -267,12 +288,15 @@ TEST(Redis, LogsInWithThePasswordAndShowsItToNobody) {
 
 TEST(Redis, LogsInAsTheUserAndSelectsTheDatabase) {
     const RedisServer server;
-    server.ask({"ACL", "SETUSER", "shop", "on", ">shop-secret", "~orvo:*", "+@all"});
+    // As docs/store.md has it.
+    server.ask({"ACL", "SETUSER", "shop", "on", ">shop-secret", "~orvo:*", "&orvo:*", "+@all",
+                "-@admin", "-@dangerous"});
     Settings settings = store_settings(server, "redis://shop@" + server.address() + "/3");
     settings.password = Secret(u"shop-secret");
     Redis redis(std::move(settings));
     EXPECT_EQ(redis.run({"ACL", "WHOAMI"}).text(), "shop");
-    redis.run({"SET", redis.key("a", "b"), "1"});
+    redis.run(Script("return redis.call('SET', KEYS[1], ARGV[1])"), {redis.key("a", "b")}, {"1"});
+    redis.run({"PUBLISH", redis.key("ended"), "x"});
     EXPECT_THAT(server.ask({"INFO", "keyspace"}), HasSubstr("db3:keys=1"));
     EXPECT_TRUE(is_unreachable(raised_by([&] { redis.run({"GET", "elsewhere"}); })));
 }
