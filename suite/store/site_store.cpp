@@ -1,11 +1,15 @@
 #include "suite/store/site_store.h"
 
+#include <openssl/ssl.h>
+
 #include <mutex>
 #include <utility>
 
 namespace orvo::store {
 
 std::shared_ptr<const SiteStore> site_store() {
+    // OpenSSL tidies up when the process ends. Used before `known` is made, it does so after it.
+    OPENSSL_init_ssl(0, nullptr);
     static std::mutex mutex;
     static bool is_known = false;
     static std::shared_ptr<const SiteStore> known;

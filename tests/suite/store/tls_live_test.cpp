@@ -1,13 +1,19 @@
 // The store over rediss://.
 
 #include <gmock/gmock.h>
+#include <openssl/crypto.h>
 
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
 #include <mutex>
 
 #include "suite/store/redis.h"
+#include "suite/store/site_store.h"
 #include "suite/store/store_error.h"
 #include "suite/store/subscription.h"
 #include "tests/suite/store/waiting.h"
+#include "tests/support/environment.h"
 #include "tests/support/faulty_proxy.h"
 #include "tests/support/raised.h"
 #include "tests/support/store_settings.h"
@@ -95,6 +101,23 @@ TEST(EncryptedRedis, ShowsNothingOnTheWay) {
     const std::lock_guard lock(mutex);
     EXPECT_GT(sent.size(), 200u);
     EXPECT_THAT(sent, Not(HasSubstr("secret")));
+}
+
+TEST(SiteStore, EndsWithTheProcessWhileEncryptionCanStillBeEnded) {
+    static const RedisServer server({.tls = true});
+    const TempFolder folder;
+    const Environment site("ORVO_SITE_CONFIG",
+                           folder.write("site.ini", server.site_section()).string());
+    static const Subscription subscription(
+        site_store()->redis, "c", [](std::string_view) {}, [] {});
+    EXPECT_TRUE(wait_until([] { return subscription.is_listening(); }));
+    static auto* const watched = new std::weak_ptr<const SiteStore>(site_store());
+    OPENSSL_atexit([] {
+        if (watched->expired()) return;
+        static constexpr std::string_view message = "The store outlives the library.\n";
+        std::fwrite(message.data(), 1, message.size(), stderr);
+        std::_Exit(1);
+    });
 }
 
 TEST(EncryptedRedis, AFileWithoutCertificatesIsRefusedAtOnce) {
