@@ -51,8 +51,8 @@ std::vector<int> Fleet::node_ports() const {
 }
 
 NodeLines Fleet::lines_of(Node& node) const {
-    // Longer than the balancer needs to notice.
-    NodeLines lines;
+    // The delay is longer than the balancer needs to notice.
+    NodeLines lines{{}, "TrustedProxies=127.0.0.1\nDrainDelay=2\n"};
     if (store_) lines.site = store_->site_section("redis://" + node.store().server());
     return lines;
 }
