@@ -7,6 +7,7 @@
 #include "host/idl/suite_classes.h"
 #include "suite/configuration/ini_parser.h"
 #include "suite/directory/policy/result_codes.h"
+#include "suite/store/store_error.h"
 
 namespace orvo {
 namespace {
@@ -22,6 +23,8 @@ using runtime_error::overflow;
 using runtime_error::type_mismatch;
 
 constexpr std::int32_t setting_not_valid = error_number(0x8007203F);
+
+constexpr const char* store_is_away = "the site's store of logins (StoreURL) is not to be had";
 
 template <auto M>
 consteval MemberFailure raises(std::int32_t number, const char* when) {
@@ -140,6 +143,10 @@ constexpr MemberFailure failures[] = {
                                             "the applications are no array of numbers"),
     raises<&FilterConnector::RegisterLogin>(out_of_memory, "there are 100,000 logins"),
     raises<&FilterUser::Save>(out_of_memory, "the record was forgotten, and there are 100,000"),
+    raises<&FilterConnector::IsLoggedIn>(store::store_unreachable, store_is_away),
+    raises<&FilterConnector::RegisterLogin>(store::store_unreachable, store_is_away),
+    raises<&FilterConnector::Logout>(store::store_unreachable, store_is_away),
+    raises<&authfilter::LiveLogins::EndAllOf>(store::store_unreachable, store_is_away),
     raises<&authfilter::LiveLogins::put_MostOfOneUser>(invalid_call, "it is below 1"),
 };
 
@@ -149,6 +156,7 @@ struct NumberText {
 };
 constexpr NumberText other_numbers[] = {
     {membership_failed, "The login cannot be finished."},
+    {store::store_unreachable, "The shared store cannot be used at the moment."},
     {file_not_readable, "The file cannot be read, or not be written."},
     {malformed_file, "The configuration file is malformed."},
 };

@@ -6,7 +6,6 @@
 #include "platform/values/values.h"
 #include "suite/authfilter/audited_logins.h"
 #include "suite/authfilter/filter_user.h"
-#include "suite/authfilter/memory_store.h"
 
 namespace orvo::authfilter {
 namespace {
@@ -39,11 +38,6 @@ Ref<FilterUser> record_object(Store& store, const Text& guid, Record record) {
 }
 
 }  // namespace
-
-Store& process_store() {
-    static MemoryStore store;
-    return store;
-}
 
 Ref<FilterUser> FilterConnectorObject::FindUserByGUID(const Text& guid) {
     if (!is_guid(guid)) return {};

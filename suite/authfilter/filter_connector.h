@@ -2,12 +2,9 @@
 
 #include "component/auth/filter_contract.h"
 #include "platform/interfaces/hosted.h"
-#include "suite/authfilter/filter_store.h"
+#include "suite/authfilter/process_store.h"
 
 namespace orvo::authfilter {
-
-// The store that all connectors of this process share.
-Store& process_store();
 
 // The filter's connector; any thread. A GUID is a text of 1 to 256 characters; another one has
 // neither record nor login, and raises 5 where something would be kept under it.

@@ -3,6 +3,7 @@
 #include "host/admin/common/output.h"
 #include "host/admin/common/site.h"
 #include "host/admin/people/each_name.h"
+#include "host/admin/people/shared_logins.h"
 #include "host/admin/people/user_admin.h"
 #include "host/admin/process/running_host.h"
 
@@ -11,6 +12,7 @@ namespace {
 
 // How many they were.
 std::string end_logins_of(const std::string& account, const LogoutRequest& request) {
+    if (const auto ended = try_end_shared_logins(account)) return std::to_string(*ended);
     if (account.find_first_of("\r\n") != std::string::npos)
         throw std::runtime_error("nobody logs in by a name with a line end");
     const HostTable answer = ask_host(request.socket, "logout " + account);

@@ -9,6 +9,7 @@
 #include <csignal>
 
 #include "tests/host/web/orvo_web_test.h"
+#include "tests/support/redis_server.h"
 
 namespace orvo::web {
 namespace {
@@ -138,6 +139,29 @@ TEST_F(OrvoWebTest, EndsAUsersLoginsOnAnAdministratorsWord) {
     EXPECT_EQ(log_out("jsmith"), "jsmith: not logged in.\n");
     EXPECT_EQ(log_out("admin"), "admin: logged out.\n");
     EXPECT_EQ(other.get("/account/")->status, 302);
+}
+
+// `orvo` is another machine then, as far as the store goes.
+TEST_F(OrvoWebTest, SeesTheLoginsEndThatOtherProgramsEndInTheSharedStore) {
+    const RedisServer store;
+    audit_ = store.site_section();
+    Browser browser(start());
+    const auto orvo = [](std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {std::string(ORVO_BIN) + "/orvo", "users"});
+        return output_of(arguments);
+    };
+    const auto is_sent_to_login = [&] { return browser.get("/account/")->status == 302; };
+    ASSERT_EQ(log_in(browser, "akilic", "shop-sample")->status, 303);
+    EXPECT_EQ(browser.get("/account/")->status, 200);
+    EXPECT_EQ(orvo({"logout", "akilic"}), "akilic: logged out.\n");
+    EXPECT_TRUE(seen(is_sent_to_login));
+
+    ASSERT_EQ(log_in(browser, "akilic", "shop-sample")->status, 303);
+    EXPECT_EQ(browser.get("/account/")->status, 200);
+    const std::string password = orvo({"password", "akilic", "--generate", "--quiet"});
+    EXPECT_TRUE(seen(is_sent_to_login));
+    EXPECT_EQ(log_in(browser, "akilic", "shop-sample")->status, 200) << "not the password any more";
+    EXPECT_EQ(log_in(browser, "akilic", password.substr(0, password.size() - 1))->status, 303);
 }
 
 TEST_F(OrvoWebTest, TakesOverTheSocketOfAHostThatIsGoneAndNoOther) {

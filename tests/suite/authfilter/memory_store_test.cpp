@@ -3,12 +3,23 @@
 #include <gtest/gtest.h>
 
 #include "platform/values/failure.h"
+#include "tests/suite/authfilter/store_test.h"
 
 namespace orvo::authfilter {
 namespace {
 
 using std::chrono::minutes;
 using std::chrono::seconds;
+
+INSTANTIATE_TEST_SUITE_P(InMemory, EveryStore,
+                         testing::Values(StoreKind{"Memory",
+                                                   [](auto passed) {
+                                                       return std::make_unique<MemoryStore>(
+                                                           Limits(), [passed] {
+                                                               return Clock::time_point(passed());
+                                                           });
+                                                   }}),
+                         [](const auto& info) { return info.param.name; });
 
 class MemoryStoreTest : public testing::Test {
 protected:

@@ -1,22 +1,10 @@
 #include "tests/suite/authfilter/store_test.h"
 
-#include "suite/authfilter/memory_store.h"
-
 namespace orvo::authfilter {
 namespace {
 
 using std::chrono::minutes;
 using std::chrono::seconds;
-
-INSTANTIATE_TEST_SUITE_P(InMemory, EveryStore,
-                         testing::Values(StoreKind{"Memory",
-                                                   [](auto passed) {
-                                                       return std::make_unique<MemoryStore>(
-                                                           Limits(), [passed] {
-                                                               return Clock::time_point(passed());
-                                                           });
-                                                   }}),
-                         [](const auto& info) { return info.param.name; });
 
 TEST_P(EveryStore, AllowsALoginTheApplicationsItBeganWithAndNoOther) {
     begin(u"g", u"smith");
