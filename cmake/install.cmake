@@ -146,4 +146,5 @@ if(TARGET orvo-web)
           RENAME orvo-web COMPONENT web)
   install(DIRECTORY examples/shop DESTINATION ${CMAKE_INSTALL_DATADIR}/orvo COMPONENT web
           PATTERN visit EXCLUDE PATTERN README.md EXCLUDE)
+  install(DIRECTORY examples/monitoring DESTINATION ${CMAKE_INSTALL_DATADIR}/orvo COMPONENT web)
 endif()

@@ -3,6 +3,7 @@
 #include "suite/authfilter/filter_connector.h"
 #include "suite/authfilter/live_logins.h"
 #include "suite/configuration/suite_configuration.h"
+#include "suite/counters/suite_counters.h"
 #include "suite/directory/ldap/provider/LdapDirectory.h"
 #include "suite/directory/ldap/provider/LdapServers.h"
 #include "suite/log/suite_log.h"
@@ -14,6 +15,7 @@ const ModuleDescription& this_module() {
         module_class<SuiteConfiguration>(),
         module_class<SuiteLog>(),
         module_class<audit::SuiteAudit>(),
+        module_class<counters::SuiteCounters>(),
         module_class<directory::ldap::LdapDirectory>(),
         module_class<directory::ldap::LdapServers>(),
         module_class<authfilter::FilterConnectorObject>(),

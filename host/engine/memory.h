@@ -44,6 +44,9 @@ public:
     static void* reallocate(void* memory, void* block, std::size_t size);
     static void release(void* memory, void* block);
 
+    // Bytes that were taken at a time since the last reset(), the snapshot's not counted.
+    std::size_t most_taken() const { return most_taken_; }
+
     // Whether something did not fit since the last question.
     bool take_refusal();
     // The script is about to end, or has: what was refused for lack of time is granted again.

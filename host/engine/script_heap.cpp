@@ -5,6 +5,9 @@
 #include <new>
 #include <vector>
 
+#include "host/engine/heap_counts.h"
+#include "platform/values/metric.h"
+
 namespace orvo::script {
 namespace {
 
@@ -21,6 +24,10 @@ IdleHeaps& idle() {
     return all;
 }
 
+Gauge heaps;
+Counter scripts;
+Counter bytes_of_scripts;
+
 // What scripts do is all within reach of a duk_safe_call; this happens only when the engine itself
 // is at fault.
 [[noreturn]] void report_fault(void*, const char* message) {
@@ -35,7 +42,10 @@ ScriptHeap::ScriptHeap() {
     context_ = duk_create_heap(Memory::allocate, Memory::reallocate, Memory::release,
                                static_cast<Memory*>(&memory_), report_fault);
     if (context_ == nullptr) throw std::bad_alloc();
+    heaps.add();
 }
+
+ScriptHeap::~ScriptHeap() { heaps.add(-1); }
 
 std::unique_ptr<ScriptHeap> ScriptHeap::acquire(Runtime& runtime) {
     std::unique_ptr<ScriptHeap> heap;
@@ -52,11 +62,19 @@ std::unique_ptr<ScriptHeap> ScriptHeap::acquire(Runtime& runtime) {
 }
 
 void ScriptHeap::release(std::unique_ptr<ScriptHeap> heap) {
+    scripts.add();
+    bytes_of_scripts.add(heap->memory_.most_taken());
     if (!heap->is_kept()) return;
     heap->memory_.reset();
     heap->memory_.runtime = nullptr;
     const std::lock_guard lock(idle().mutex);
     if (idle().heaps.size() < most_idle) idle().heaps.push_back(std::move(heap));
+}
+
+HeapCounts heap_counts() {
+    const std::lock_guard lock(idle().mutex);
+    return {static_cast<std::size_t>(heaps.value()), idle().heaps.size(), scripts.value(),
+            bytes_of_scripts.value()};
 }
 
 Runtime& ScriptHeap::runtime_of(duk_context* context) {

@@ -22,6 +22,7 @@ public:
     static void release(std::unique_ptr<ScriptHeap> heap);
 
     ScriptHeap();
+    ~ScriptHeap();
     ScriptHeap(const ScriptHeap&) = delete;
     ScriptHeap& operator=(const ScriptHeap&) = delete;
 

@@ -8,14 +8,15 @@
 #include "suite/authfilter/filter_user.h"
 #include "suite/authfilter/live_logins.h"
 #include "suite/configuration/suite_configuration.h"
+#include "suite/counters/suite_counters.h"
 #include "suite/directory/ldap/provider/LdapServers.h"
 #include "suite/log/suite_log.h"
 
 namespace orvo {
 
 using SuiteClasses =
-    std::tuple<SuiteConfiguration, SuiteLog, audit::SuiteAudit, directory::ldap::LdapServers,
-               authfilter::FilterConnectorObject, authfilter::FilterUserObject,
-               authfilter::LiveLogins, authfilter::LiveLogin>;
+    std::tuple<SuiteConfiguration, SuiteLog, audit::SuiteAudit, counters::SuiteCounters,
+               directory::ldap::LdapServers, authfilter::FilterConnectorObject,
+               authfilter::FilterUserObject, authfilter::LiveLogins, authfilter::LiveLogin>;
 
 }  // namespace orvo

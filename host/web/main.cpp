@@ -6,6 +6,7 @@
 
 #include "host/web/administration/administration_pages.h"
 #include "host/web/administration/administration_socket.h"
+#include "host/web/administration/metrics_page.h"
 #include "host/web/administration/process_state.h"
 #include "host/web/options.h"
 #include "host/web/service_manager.h"
@@ -94,7 +95,9 @@ void serve(const Options& options) {
     server_options.drain_time = site.drain_time;
     const auto admin_address = site.admin_address;
     MemorySessions sessions(session_limits(site, server_options));
-    WebApp app(std::move(site), sessions, health, log, {.shows_details = options.shows_details});
+    const auto metrics = std::make_shared<WebMetrics>();
+    WebApp app(std::move(site), sessions, health, log,
+               {.shows_details = options.shows_details, .metrics = metrics});
     ServerHooks hooks{
         .lane = [&](const HttpRequest& request) { return app.lane_of(request); },
         .refused = [&](const HttpRequest& request, HttpResponse& response,
@@ -109,9 +112,17 @@ void serve(const Options& options) {
                     [&](const HttpRequest&) { return app.health("/health/live"); });
     admin_pages.add("/health/ready", Lane::aside,
                     [&](const HttpRequest&) { return app.health("/health/ready"); });
+    const HttpServer* counted = nullptr;
+    MetricsPage metrics_page({.web = *metrics,
+                              .server = [&] { return counted->counts(); },
+                              .sessions = [&] { return sessions.counts(); },
+                              .trouble = [&](const std::string& why) { log.trouble(why); }});
+    admin_pages.add("/metrics", Lane::page,
+                    [&](const HttpRequest&) { return metrics_page.answer(); });
     HttpServer server(
         server_options, [&](const HttpRequest& request) { return app.handle(request); }, hooks,
         administration_at(admin_address, admin_pages));
+    counted = &server;
     const Signals signals(
         [&] {
             app.leave();

@@ -18,7 +18,7 @@ constexpr Field fields[] = {
     {"event", &Event::event, true}, {"result", &Event::result, true},
     {"user", &Event::user},         {"by", &Event::by},
     {"from", &Event::from},         {"server", &Event::server},
-    {"what", &Event::what},
+    {"what", &Event::what},         {"request", &Event::request},
 };
 
 constexpr bool is_surrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDFFF; }

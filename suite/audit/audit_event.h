@@ -20,6 +20,7 @@ struct Event {
     Text from = {};
     Text server = {};
     Text what = {};
+    Text request = {};
 
     bool operator==(const Event&) const = default;
 };

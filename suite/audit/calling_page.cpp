@@ -19,6 +19,12 @@ Text told_by(const Text& item, Ask ask) noexcept {
     }
 }
 
+Text server_variable(const char16_t* name) noexcept {
+    return told_by(u"Request", [name](const Object& request) {
+        return late::get(request, u"ServerVariables", {name});
+    });
+}
+
 }  // namespace
 
 Object item_of_calling_page(const Text& name) noexcept {
@@ -31,11 +37,9 @@ Object item_of_calling_page(const Text& name) noexcept {
     }
 }
 
-Text address_of_calling_page() noexcept {
-    return told_by(u"Request", [](const Object& request) {
-        return late::get(request, u"ServerVariables", {u"REMOTE_ADDR"});
-    });
-}
+Text address_of_calling_page() noexcept { return server_variable(u"REMOTE_ADDR"); }
+
+Text request_of_calling_page() noexcept { return server_variable(u"REQUEST_ID"); }
 
 Text login_of_calling_page() noexcept {
     return told_by(u"Session",

@@ -17,4 +17,7 @@ Text address_of_calling_page() noexcept;
 // (Session("QUENDRAID")); empty where it runs none, or nobody has. Raises nothing.
 Text login_of_calling_page() noexcept;
 
+// The identifier of the request that the page answers (REQUEST_ID), likewise.
+Text request_of_calling_page() noexcept;
+
 }  // namespace orvo::audit

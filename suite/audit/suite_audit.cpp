@@ -67,8 +67,9 @@ void SuiteAudit::Record(const Text& event, const Text& result, const Text& user,
                         const Text& server, const Text& what) {
     const Settings settings = settings_of_site();
     if (!settings.is_on()) return;
-    const std::string line = json_line({std::chrono::system_clock::now(), event, result, user, by,
-                                        address_of_calling_page(), server, what});
+    const std::string line =
+        json_line({std::chrono::system_clock::now(), event, result, user, by,
+                   address_of_calling_page(), server, what, request_of_calling_page()});
     try {
         write(settings, line);
     } catch (const Failure& failure) {

@@ -2,12 +2,14 @@
 
 #include "platform/interfaces/call.h"
 #include "suite/audit/audit_call.h"
+#include "suite/counters/count_event.h"
 
 namespace orvo::authfilter {
 namespace {
 
 void record(const Text& event, const Text& result, const Text& user, const Text& by,
             const Text& what) {
+    counters::count_event(counters::filter, event);
     if (const Ref<Audit> audit = audit::try_audit())
         call<&Audit::Record>(audit, event, result, user, by, Text(), what);
 }

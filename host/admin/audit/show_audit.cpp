@@ -33,6 +33,7 @@ constexpr AuditColumn all_columns[] = {
     {"from", [](const audit::Event& event) { return to_utf8(event.from); }},
     {"what", [](const audit::Event& event) { return to_utf8(event.what); }},
     {"server", [](const audit::Event& event) { return to_utf8(event.server); }},
+    {"request", [](const audit::Event& event) { return to_utf8(event.request); }},
 };
 
 std::vector<const AuditColumn*> chosen_columns(const std::vector<std::string>& names) {
@@ -42,8 +43,9 @@ std::vector<const AuditColumn*> chosen_columns(const std::vector<std::string>& n
     for (const std::string& name : names) {
         const auto* found = std::ranges::find(all_columns, name, &AuditColumn::name);
         if (found == std::end(all_columns))
-            throw Misuse("there is no column \"" + name +
-                         "\"; there are time, event, result, user, by, from, what and server");
+            throw Misuse(
+                "there is no column \"" + name +
+                "\"; there are time, event, result, user, by, from, what, server and request");
         chosen.push_back(found);
     }
     return chosen;

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "host/web/administration/record_rows.h"
 #include "platform/interfaces/create.h"
 #include "platform/interfaces/late_call.h"
 #include "platform/values/environment.h"
@@ -25,20 +26,16 @@ std::string cell(const Variant& value) {
     return text;
 }
 
-std::string table(const Object& rows) {
-    const Object fields = late::get(rows, u"Fields").to<Object>();
-    const auto columns = late::get(fields, u"Count").to<std::int32_t>();
-    const auto line = [&](TextView property) {
-        std::string text;
-        for (std::int32_t i = 0; i < columns; ++i) {
-            const Object field = late::get(fields, u"Item", {i}).to<Object>();
-            text += (i == 0 ? "" : "\t") + cell(late::get(field, property));
-        }
-        return text + '\n';
+std::string table(const Object& record_set) {
+    const RecordRows read = RecordRows::read(record_set);
+    std::string text = "ok\n";
+    const auto append_line = [&](const auto& cells, auto text_of) {
+        for (std::size_t i = 0; i < cells.size(); ++i)
+            text += (i == 0 ? "" : "\t") + text_of(cells[i]);
+        text += '\n';
     };
-    std::string text = "ok\n" + line(u"Name");
-    for (; !late::get(rows, u"EOF").to<bool>(); late::call(rows, u"MoveNext"))
-        text += line(u"Value");
+    append_line(read.columns, [](const Text& name) { return to_utf8(name); });
+    for (const auto& row : read.rows) append_line(row, cell);
     return text;
 }
 

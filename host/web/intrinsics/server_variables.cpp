@@ -66,6 +66,7 @@ ServerVariables server_variables(const PageContext& page) {
     add(u"HTTPS", request.is_secure ? "on" : "off");
     add(u"CONTENT_TYPE", request.header("Content-Type"));
     add(u"CONTENT_LENGTH", std::to_string(request.body.size()));
+    add(u"REQUEST_ID", request.id);
     Text all, raw;
     const std::size_t first_header = variables.size();
     for (const auto& [name, value] : request.headers) {

@@ -21,6 +21,16 @@ using Headers = std::vector<std::pair<std::string, std::string>>;
 
 class AnswerStream;
 
+// Who answers a request.
+enum class Lane {
+    page,       // a worker
+    undecided,  // a worker; whether it waits for the directory turns out (try_wait)
+    directory,  // a worker, as it waits for the directory: such requests together hold a share of
+                // the workers at most
+    at_once,    // the thread that reads and writes for all connections: must not wait for anything
+    aside,      // a thread of its own, for what may wait but must not need a worker
+};
+
 struct HttpRequest {
     std::string method = "GET";
     std::string target = "/";  // "/members/list.asp?page=2"
@@ -32,6 +42,8 @@ struct HttpRequest {
     std::string local_address = {};
     int local_port = 0;
     bool is_secure = false;
+    std::string id = {};            // names it in logs; empty: nothing does
+    std::optional<Lane> lane = {};  // that it came by; nothing: it was refused before
     // Where an answer can go out piece by piece; null: it goes out as a whole. The server's, as
     // long as the handler runs.
     AnswerStream* stream = nullptr;
@@ -42,16 +54,6 @@ struct HttpRequest {
 
     // The first of that name, without regard to case; empty where there is none.
     std::string_view header(std::string_view name) const;
-};
-
-// Who answers a request.
-enum class Lane {
-    page,       // a worker
-    undecided,  // a worker; whether it waits for the directory turns out (try_wait)
-    directory,  // a worker, as it waits for the directory: such requests together hold a share of
-                // the workers at most
-    at_once,    // the thread that reads and writes for all connections: must not wait for anything
-    aside,      // a thread of its own, for what may wait but must not need a worker
 };
 
 // A stretch of a file.

@@ -13,17 +13,18 @@ ConnectionLimits::ConnectionLimits(std::size_t most, std::size_t most_of_one_add
       now_(std::move(now)) {}
 
 bool ConnectionLimits::try_enter(const std::string& address) {
-    if (count_ >= most_) {
+    if (count() >= most_) {
+        refused_in_all_.add();
         note_refusal("there are " + std::to_string(most_));
         return false;
     }
     if (!try_count(address)) return false;
-    ++count_;
+    count_.add();
     return true;
 }
 
 void ConnectionLimits::leave(const std::string& address) {
-    --count_;
+    count_.add(-1);
     uncount(address);
 }
 
@@ -38,6 +39,7 @@ bool ConnectionLimits::try_count(const std::string& address) {
     if (address.empty()) return true;
     std::size_t& of_this = of_address_[address];
     if (of_this >= most_of_one_address_) {
+        refused_of_one_address_.add();
         note_refusal(address + " has " + std::to_string(most_of_one_address_));
         return false;
     }

@@ -6,9 +6,11 @@
 #include <optional>
 #include <string>
 
+#include "platform/values/metric.h"
+
 namespace orvo::web {
 
-// Counts connections, in all and by address. One thread.
+// Counts connections, in all and by address. One thread, but for the figures.
 class ConnectionLimits {
 public:
     using Clock = std::chrono::steady_clock;
@@ -26,9 +28,14 @@ public:
     // Counts one that is in for another address from now on; false: that has as many as it may, and
     // nothing has changed.
     bool try_change(std::string& address, const std::string& to);
-    std::size_t count() const { return count_; }
     // Notices that a connection was refused for another reason.
     void note_refusal(const std::string& reason);
+
+    // Any thread: how many there are, and how many were refused since the beginning, because there
+    // were too many, or too many of one address (and requests, where a proxy sends them).
+    std::size_t count() const { return static_cast<std::size_t>(count_.value()); }
+    std::uint64_t refused_in_all() const { return refused_in_all_.value(); }
+    std::uint64_t refused_of_one_address() const { return refused_of_one_address_.value(); }
 
 private:
     bool try_count(const std::string& address);
@@ -38,9 +45,11 @@ private:
     const std::size_t most_of_one_address_;
     const std::function<void(const std::string&)> notice_;
     const std::function<Clock::time_point()> now_;
-    std::size_t count_ = 0;
+    Gauge count_;
+    Counter refused_in_all_;
+    Counter refused_of_one_address_;
     std::map<std::string, std::size_t> of_address_;
-    std::size_t refused_ = 0;
+    std::size_t refused_ = 0;  // since the last notice
     std::optional<Clock::time_point> noticed_;
 };
 

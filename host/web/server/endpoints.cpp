@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <charconv>
 
+#include "host/web/messages/request_id.h"
+
 namespace orvo::web {
 namespace {
 
@@ -14,6 +16,15 @@ void put_host(Headers& headers, const std::string& host) {
         headers.emplace_back("Host", host);
     else
         known->second = host;
+}
+
+// The nearest proxy has put its own behind what was there.
+std::string given_id(const HttpRequest& request) {
+    const auto is_id = [](const auto& header) {
+        return equal_ascii_ignoring_case(header.first, "X-Request-Id");
+    };
+    const auto last = std::find_if(request.headers.rbegin(), request.headers.rend(), is_id);
+    return last == request.headers.rend() ? std::string() : last->second;
 }
 
 // Of the server that the browser knows: what stands in its address.
@@ -34,6 +45,8 @@ IpAddress put_client(HttpRequest& request, const Endpoints& sender, const Truste
     request.local_port = sender.local_port;
     request.is_secure = sender.is_secure;
     const bool is_trusted = proxies.networks.contain(sender.remote);
+    if (is_trusted) request.id = given_id(request);
+    if (!is_request_id(request.id)) request.id = new_request_id();
     const ForwardedClient client = is_trusted
                                        ? forwarded_client(request.headers, sender.remote, proxies)
                                        : ForwardedClient{.address = sender.remote};

@@ -72,6 +72,7 @@ public:
         administration_.emplace(*administration_core_);
     }
 
+    const ServerCore& core() const { return core_; }
     const Listener& listener() const { return listener_; }
     const Listener* administration() const { return administration_ ? &*administration_ : nullptr; }
 
@@ -165,5 +166,11 @@ std::string HttpServer::administration_url() const {
 
 bool HttpServer::run() { return loop_->run(); }
 void HttpServer::stop() { loop_->stop(); }
+
+ServerCounts HttpServer::counts() const {
+    const ServerCore& core = loop_->core();
+    return {core.connections.count(), core.connections.refused_in_all(),
+            core.connections.refused_of_one_address(), core.pools.workers.counts()};
+}
 
 }  // namespace orvo::web

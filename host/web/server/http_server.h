@@ -10,6 +10,7 @@
 
 #include "host/web/messages/forwarded.h"
 #include "host/web/messages/http_message.h"
+#include "host/web/server/worker_pool.h"
 
 namespace orvo::web {
 
@@ -65,6 +66,14 @@ struct ServerHooks {
     std::chrono::milliseconds alive_each{0};
 };
 
+// How busy a server is, and what it has refused since it began.
+struct ServerCounts {
+    std::size_t connections;
+    std::uint64_t refused_in_all;          // connections: there were too many
+    std::uint64_t refused_of_one_address;  // connections: there were too many of one address
+    WorkerPool::Counts workers;
+};
+
 // A second, small listener on the same thread, for those who run the server: plain HTTP, up to
 // fifty connections, questions without a body. It has a worker and a thread aside of its own, and
 // goes on until run() ends.
@@ -101,6 +110,8 @@ public:
     // From any thread. After drain_delay closes what listens and what is idle; what runs has
     // drain_time to end. Called again, every connection is closed at once.
     void stop();
+    // From any thread.
+    ServerCounts counts() const;
 
 private:
     class Loop;

@@ -145,6 +145,7 @@ void HttpSession::dispatch() {
     }
 
     const Lane lane = core_.hooks.lane ? core_.hooks.lane(*request_) : Lane::page;
+    request_->lane = lane;
     if (lane == Lane::at_once) return answer(core_.handler(*request_));
     const bool is_taken = lane == Lane::aside
                               ? try_give_to(core_.pools.aside, WorkerPool::Kind::other)
@@ -178,6 +179,7 @@ void HttpSession::refuse(const HttpRequest& request, const Refusal& refusal) {
     if (core_.hooks.refused) {
         HttpRequest known = request;
         if (known.remote_address.empty()) client_.tell(known);
+        known.lane = std::nullopt;
         core_.hooks.refused(known, response, Clock::now() - begun_);
     }
     answer(std::move(response));

@@ -31,7 +31,10 @@ WorkerPool::~WorkerPool() {
 bool WorkerPool::try_add(Job job, Kind kind) {
     {
         const std::lock_guard guard(lock_);
-        if (queue(kind).size() >= most_waiting_) return false;
+        if (queue(kind).size() >= most_waiting_) {
+            ++refused_[static_cast<std::size_t>(kind)];
+            return false;
+        }
         queue(kind).push_back({++added_, std::move(job)});
     }
     changed_.notify_one();
@@ -42,7 +45,10 @@ bool WorkerPool::try_wait() {
     std::unique_lock guard(lock_);
     if (*kind_ == Kind::directory) return true;
     if (*kind_ == Kind::other) {
-        if (!may_run(Kind::undecided)) return false;
+        if (!may_run(Kind::undecided)) {
+            ++turned_away_;
+            return false;
+        }
         change_kind(Kind::undecided);
     }
     ++waiting_for_place_;
@@ -51,11 +57,21 @@ bool WorkerPool::try_wait() {
         if (!place_freed_.wait_for(guard, patience_for_place, is_freed)) break;
     }
     --waiting_for_place_;
-    if (!has_place()) return false;
+    if (!has_place()) {
+        ++turned_away_;
+        return false;
+    }
     change_kind(Kind::directory);
     // The last undecided job may have become one: the next of them may run.
     if (!queue(Kind::undecided).empty()) changed_.notify_one();
     return true;
+}
+
+WorkerPool::Counts WorkerPool::counts() const {
+    const std::lock_guard guard(lock_);
+    Counts counts{threads_.size(), {}, running_, waiting_for_place_, refused_, turned_away_};
+    for (std::size_t i = 0; i < kinds; ++i) counts.waiting[i] = queues_[i].size();
+    return counts;
 }
 
 void WorkerPool::change_kind(Kind kind) {

@@ -36,6 +36,17 @@ public:
     // and the job must not wait for the directory. On a worker's thread only, with no lock held.
     bool try_wait();
 
+    // By kind. Any thread.
+    struct Counts {
+        std::size_t workers;
+        std::array<std::size_t, 3> waiting;  // jobs that no worker has taken yet
+        std::array<int, 3> running;
+        int waiting_for_place;  // of those that run: for a place among directory jobs
+        std::array<std::uint64_t, 3> refused;
+        std::uint64_t turned_away;  // that were not to wait for the directory
+    };
+    Counts counts() const;
+
 private:
     struct Waiting {
         std::uint64_t number;  // in the order of arrival
@@ -60,11 +71,13 @@ private:
     const int most_directory_jobs_;
     const int most_in_doubt_;  // directory and undecided jobs that run
     const std::size_t most_waiting_;
-    std::mutex lock_;
+    mutable std::mutex lock_;
     std::condition_variable changed_;
     std::condition_variable place_freed_;  // among the directory jobs
     std::array<std::deque<Waiting>, kinds> queues_;
     std::array<int, kinds> running_{};
+    std::array<std::uint64_t, kinds> refused_{};
+    std::uint64_t turned_away_ = 0;
     int waiting_for_place_ = 0;
     std::uint64_t freed_places_ = 0;
     static thread_local Kind* kind_;  // of the job that a worker's thread carries out

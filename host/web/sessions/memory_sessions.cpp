@@ -29,7 +29,7 @@ public:
     ~Lease() override {
         {
             const std::lock_guard guard(store_.lock_);
-            if (is_abandoned_) store_.drop(session_);
+            if (is_abandoned_) store_.drop(session_, SessionEnd::abandoned);
         }
         store_.give_back(session_);
     }
@@ -81,8 +81,8 @@ std::unique_ptr<SessionLease> MemorySessions::open(const std::string& id,
     if (session->is_leased) wait_for(*session, guard, patience, try_wait);
     // Whoever had it may have ended it or given it another identifier.
     if (session->is_dropped || session->id != id) return nullptr;
-    if (has_ended(*session)) {
-        drop(session);
+    if (const auto why = ended(*session)) {
+        drop(session, *why);
         return nullptr;
     }
     session->is_leased = true;
@@ -116,7 +116,7 @@ std::unique_ptr<SessionLease> MemorySessions::create() {
     if (sessions_.size() >= limits_.most) {
         const auto victim = oldest();
         if (!victim) throw Refusal(503, "There are too many sessions.");
-        drop(victim);
+        drop(victim, SessionEnd::room);
     }
     session->made = session->last_used = now_();
     session->data.public_id = decimal(static_cast<long long>(++made_));
@@ -131,7 +131,7 @@ SessionLogin MemorySessions::login_of(const std::string& id) {
     const auto found = sessions_.find(id);
     if (found == sessions_.end()) return {};
     Session& session = *found->second;
-    if (!session.is_leased && has_ended(session)) return {};
+    if (!session.is_leased && ended(session)) return {};
     session.last_used = now_();
     session.order->splice(session.order->end(), *session.order, session.place);
     return session.login;
@@ -152,10 +152,16 @@ std::size_t MemorySessions::bytes() const {
     return bytes_;
 }
 
-bool MemorySessions::has_ended(const Session& session) const {
+SessionCounts MemorySessions::counts() const {
+    const std::lock_guard guard(lock_);
+    return {sessions_.size(), bytes_, made_, ended_};
+}
+
+std::optional<SessionEnd> MemorySessions::ended(const Session& session) const {
     const auto now = now_();
-    return now - session.last_used >= session.data.timeout ||
-           now - session.made >= limits_.absolute;
+    if (now - session.last_used >= session.data.timeout) return SessionEnd::idle;
+    if (now - session.made >= limits_.absolute) return SessionEnd::lifetime;
+    return std::nullopt;
 }
 
 void MemorySessions::give_back(const std::shared_ptr<Session>& session) {
@@ -168,7 +174,7 @@ void MemorySessions::give_back(const std::shared_ptr<Session>& session) {
             while (bytes_ > limits_.most_bytes) {
                 const auto victim = oldest();
                 if (!victim) break;
-                drop(victim);
+                drop(victim, SessionEnd::room);
             }
         }
     }
@@ -185,8 +191,9 @@ void MemorySessions::place(Session& session) {
     session.order = &order;
 }
 
-void MemorySessions::drop(const std::shared_ptr<Session>& session) {
+void MemorySessions::drop(const std::shared_ptr<Session>& session, SessionEnd why) {
     if (std::exchange(session->is_dropped, true)) return;
+    ++ended_[static_cast<std::size_t>(why)];
     bytes_ -= session->bytes;
     sessions_.erase(session->id);
     session->order->erase(session->place);
@@ -198,21 +205,24 @@ void MemorySessions::on_end(std::function<void(SessionData)> take) {
     take_ended_ = std::move(take);
 }
 
-template <class Condition>
-void MemorySessions::end_where(Condition condition) {
+template <class Why>
+void MemorySessions::end_where(Why why) {
     const std::lock_guard guard(lock_);
-    std::vector<std::shared_ptr<Session>> ended;
-    for (const auto& [id, session] : sessions_)
-        if (!session->is_leased && condition(*session)) ended.push_back(session);
-    for (const auto& session : ended) drop(session);
+    std::vector<std::pair<std::shared_ptr<Session>, SessionEnd>> all;
+    for (const auto& [id, session] : sessions_) {
+        if (session->is_leased) continue;
+        if (const std::optional<SessionEnd> reason = why(*session))
+            all.emplace_back(session, *reason);
+    }
+    for (const auto& [session, reason] : all) drop(session, reason);
 }
 
 void MemorySessions::end_idle() {
-    end_where([this](const Session& session) { return has_ended(session); });
+    end_where([this](const Session& session) { return ended(session); });
 }
 
 void MemorySessions::end_all() {
-    end_where([](const Session&) { return true; });
+    end_where([](const Session&) { return std::optional(SessionEnd::closing); });
 }
 
 // A few of those that were used longest ago, so that what has ended goes away in time.
@@ -220,8 +230,9 @@ void MemorySessions::drop_ended() {
     for (Order& order : orders_)
         for (int i = 0; i < 4 && !order.empty(); ++i) {
             const auto oldest = order.front();
-            if (oldest->is_leased || !has_ended(*oldest)) break;
-            drop(oldest);
+            const auto why = oldest->is_leased ? std::nullopt : ended(*oldest);
+            if (!why) break;
+            drop(oldest, *why);
         }
 }
 

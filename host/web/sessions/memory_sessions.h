@@ -48,6 +48,7 @@ public:
     void on_end(std::function<void(SessionData)> take) override;
     void end_idle() override;
     void end_all() override;
+    SessionCounts counts() const override;
 
     std::size_t count() const;
     // Of the values of those that no request has.
@@ -58,16 +59,18 @@ private:
     struct Session;
     using Order = std::list<std::shared_ptr<Session>>;
 
-    bool has_ended(const Session& session) const;
+    // Nothing while its time has not run out.
+    std::optional<SessionEnd> ended(const Session& session) const;
     void give_back(const std::shared_ptr<Session>& session);
     // `guard` holds the lock, but not while this waits.
     void wait_for(Session& session, std::unique_lock<std::mutex>& guard,
                   std::chrono::milliseconds patience, const std::function<bool()>& try_wait);
-    template <class Condition>
-    void end_where(Condition condition);
+    // `why`: from a session to the reason to end it, or nothing.
+    template <class Why>
+    void end_where(Why why);
     // With the lock held.
     void place(Session& session);
-    void drop(const std::shared_ptr<Session>& session);
+    void drop(const std::shared_ptr<Session>& session, SessionEnd why);
     void drop_ended();
     // The one to go first, of those that no request has; null where there is none.
     std::shared_ptr<Session> oldest() const;
@@ -82,6 +85,7 @@ private:
     std::array<Order, 3> orders_;
     std::size_t bytes_ = 0;
     std::uint64_t made_ = 0;
+    std::array<std::uint64_t, 5> ended_{};  // by SessionEnd
 };
 
 }  // namespace orvo::web

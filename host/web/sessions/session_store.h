@@ -2,9 +2,12 @@
 
 // Web sessions: what pages keep for one browser between its requests.
 
+#include <array>
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "host/web/sessions/named_values.h"
@@ -42,6 +45,25 @@ struct SessionLogin {
 // Empty texts where nobody has logged in.
 SessionLogin login_in(const NamedValues& values);
 
+// How sessions come to their end.
+enum class SessionEnd {
+    abandoned,  // by a page
+    idle,       // without a request for too long
+    lifetime,   // however busy it was
+    room,       // for newer ones
+    closing,    // of the program
+};
+
+// Of this process.
+struct SessionCounts {
+    // Sessions, and bytes of their values. Nothing where the process alone cannot tell.
+    std::optional<std::uint64_t> live = {};
+    std::optional<std::uint64_t> bytes = {};
+    // Since the store was made.
+    std::uint64_t created = 0;
+    std::array<std::uint64_t, 5> ended = {};  // by SessionEnd
+};
+
 // Any thread. A store that several machines share implements the same.
 class SessionStore {
 public:
@@ -65,6 +87,9 @@ public:
     // Ends sessions that have been without a request for too long, or all that no request has.
     virtual void end_idle() = 0;
     virtual void end_all() = 0;
+
+    // Waits for no other machine.
+    virtual SessionCounts counts() const = 0;
 };
 
 }  // namespace orvo::web

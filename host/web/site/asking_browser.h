@@ -1,23 +1,27 @@
 #pragma once
 
+#include "host/web/messages/http_message.h"
 #include "platform/interfaces/hosted.h"
 #include "platform/values/text.h"
 
 namespace orvo::web {
 
 // The Request of a thread's context while the guard is asked, before a page runs or in place of
-// one: all that it tells is who asks.
+// one: all that it tells is who asks, and for which request.
 class AskingBrowser {
 public:
-    explicit AskingBrowser(std::string_view address) : address_(from_utf8(address)) {}
+    explicit AskingBrowser(const HttpRequest& request)
+        : address_(from_utf8(request.remote_address)), id_(from_utf8(request.id)) {}
 
-    // "REMOTE_ADDR"; empty for any other name.
+    // "REMOTE_ADDR" and "REQUEST_ID"; empty for any other name.
     Text ServerVariables(const Text& name) {
-        return equal_ignoring_case(name, u"REMOTE_ADDR") ? address_ : Text();
+        if (equal_ignoring_case(name, u"REMOTE_ADDR")) return address_;
+        return equal_ignoring_case(name, u"REQUEST_ID") ? id_ : Text();
     }
 
 private:
     const Text address_;
+    const Text id_;
 };
 
 }  // namespace orvo::web

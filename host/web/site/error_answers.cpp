@@ -17,10 +17,11 @@ std::string address_of(const HttpRequest& request) {
 ErrorAnswers::ErrorAnswers(StaticFiles& files, WebLog& log, bool shows_details, OpenPage open)
     : files_(files), log_(log), shows_details_(shows_details), open_(std::move(open)) {}
 
-ErrorPage ErrorAnswers::noted(const std::string& path, std::string sentence,
-                              const std::string& cause, std::vector<std::string> details) {
+ErrorPage ErrorAnswers::noted(const HttpRequest& request, const std::string& path,
+                              std::string sentence, const std::string& cause,
+                              std::vector<std::string> details) {
     ErrorPage page{.status = 500, .sentence = std::move(sentence)};
-    page.reference = log_.failure(path, cause);
+    page.reference = log_.failure(path, cause, request.id);
     if (details.empty()) details = {cause};
     std::erase(details, "");
     if (shows_details_) page.details = std::move(details);
@@ -47,7 +48,7 @@ HttpResponse ErrorAnswers::answer(ServedSite& served, const HttpRequest& request
         }
         if (is_shown) return response_of(std::move(page->answer));
     } catch (const std::exception& failed) {
-        log_.failure(own->second, failed.what());
+        log_.failure(own->second, failed.what(), request.id);
     }
     return this->usual(served.site, usual);
 }
@@ -63,7 +64,7 @@ bool ErrorAnswers::try_page(ServedSite& served, const std::shared_ptr<PageContex
         run_page(page, served.pages, own->second);
         return !page->is_turned_away();
     } catch (const std::exception& failed) {
-        log_.failure(own->second, failed.what());
+        log_.failure(own->second, failed.what(), page->request.id);
         return page->answer.has_begun;
     }
 }

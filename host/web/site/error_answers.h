@@ -23,9 +23,9 @@ public:
 
     ErrorAnswers(StaticFiles& files, WebLog& log, bool shows_details, OpenPage open);
 
-    // Logs a failure; the built-in page for it.
-    ErrorPage noted(const std::string& path, std::string sentence, const std::string& cause,
-                    std::vector<std::string> details = {});
+    // Logs a failure of a request; the built-in page for it.
+    ErrorPage noted(const HttpRequest& request, const std::string& path, std::string sentence,
+                    const std::string& cause, std::vector<std::string> details = {});
     // For a request that no page has answered: the site's own page, where there is one and it does
     // not fail, otherwise usual().
     HttpResponse answer(ServedSite& served, const HttpRequest& request, const ErrorPage& usual,

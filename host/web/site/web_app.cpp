@@ -81,8 +81,10 @@ void put_logins_of_one_user(const Object& logins, std::int32_t most) {
     late::put(logins, u"MostOfOneUser", most);
 }
 
-void add_security_headers(const Site& site, HttpResponse& response) {
-    const Headers own{{"X-Content-Type-Options", "nosniff"},
+// Headers that every answer has.
+void add_headers(const Site& site, const std::string& request_id, HttpResponse& response) {
+    const Headers own{{"X-Request-Id", request_id},
+                      {"X-Content-Type-Options", "nosniff"},
                       {"X-Frame-Options", "DENY"},
                       {"Referrer-Policy", "same-origin"},
                       {"Content-Security-Policy", site.content_security_policy},
@@ -185,20 +187,22 @@ HttpResponse WebApp::handle(const HttpRequest& request) {
     const auto begin = std::chrono::steady_clock::now();
     const auto served = this->served();
     HttpResponse response;
-    std::string note;
+    Noted noted;
     try {
-        response = route(*served, request, note);
+        response = route(*served, request, noted);
     } catch (const Refusal& refusal) {
         response = errors_.answer(*served, request, {refusal.status, refusal.what()});
         if (refusal.status == 405) response.headers.emplace_back("Allow", "GET, HEAD, POST");
         if (refusal.status == 503) response.headers.emplace_back("Retry-After", "1");
     } catch (const std::exception& failure) {
-        const ErrorPage usual = errors_.noted(std::string(path_part(request.target)),
+        const ErrorPage usual = errors_.noted(request, std::string(path_part(request.target)),
                                               "The page could not be shown.", failure.what());
         response = errors_.answer(*served, request, usual, failure_of(failure));
     }
-    add_security_headers(served->site, response);
-    log_.request(request, response, std::chrono::steady_clock::now() - begin, note);
+    add_headers(served->site, request.id, response);
+    const auto took = std::chrono::steady_clock::now() - begin;
+    options_.metrics->note_answer(request, response, noted.kind, took);
+    log_.request(request, response, took, noted.note);
     return response;
 }
 
@@ -216,17 +220,23 @@ Lane WebApp::lane_of(const HttpRequest& request) const {
 
 void WebApp::note_refused(const HttpRequest& request, HttpResponse& response,
                           std::chrono::steady_clock::duration duration) {
-    add_security_headers(served()->site, response);
+    add_headers(served()->site, request.id, response);
+    options_.metrics->count(request, response);
     log_.request(request, response, duration, {});
 }
 
-HttpResponse WebApp::route(ServedSite& served, const HttpRequest& request, std::string& note) {
+HttpResponse WebApp::route(ServedSite& served, const HttpRequest& request, Noted& noted) {
     if (request.method != "GET" && request.method != "HEAD" && request.method != "POST")
         throw Refusal(405, "This server answers GET, HEAD and POST.");
     const std::string path = decoded_path(request.target);
-    if (path.starts_with("/health/")) return health(path);
+    if (path.starts_with("/health/")) {
+        noted.kind = AnswerKind::health;
+        return health(path);
+    }
     const SitePath found = find_in_site(served.site.root, path, served.site.default_pages);
-    return is_page(found.path) ? page(served, request, found, note) : file(served, request, found);
+    const bool is_of_page = is_page(found.path);
+    noted.kind = is_of_page ? AnswerKind::page : AnswerKind::file;
+    return is_of_page ? page(served, request, found, noted.note) : file(served, request, found);
 }
 
 HttpResponse WebApp::health(const std::string& path) {
@@ -246,8 +256,8 @@ std::shared_ptr<PageContext> WebApp::open(const ServedSite& served, const HttpRe
                                       options_.session_patience, served.site.largest_request);
     page->time_limit = served.site.page_timeout;
     page->file_folders = served.site.file_folders;
-    page->complete_head = [&site = served.site](HttpResponse& head) {
-        add_security_headers(site, head);
+    page->complete_head = [&site = served.site, id = request.id](HttpResponse& head) {
+        add_headers(site, id, head);
     };
     // A login would take over a GUID that the filter cannot have, and fail.
     const auto* guid = page->cookies.find(served.login_cookie);
@@ -259,7 +269,7 @@ std::shared_ptr<PageContext> WebApp::open(const ServedSite& served, const HttpRe
 bool WebApp::is_open(const ServedSite& served, const HttpRequest& request,
                      const SessionLogin& login, const RequestFields& cookies,
                      const SitePath& found) const {
-    const ContextScope asker({{u"Request", make<AskingBrowser>(request.remote_address).object()}});
+    const ContextScope asker({{u"Request", make<AskingBrowser>(request).object()}});
     const auto* cookie = cookies.find(served.login_cookie);
     const Text guid = cookie ? cookie->values.front() : Text();
     const Variant connector = application_.get(filter_connector_progid);
@@ -287,6 +297,28 @@ HttpResponse WebApp::file(const ServedSite& served, const HttpRequest& request,
     return files_.answer(*found.file, request);
 }
 
+void WebApp::run(ServedSite& served, const std::shared_ptr<PageContext>& page) {
+    const auto begin = std::chrono::steady_clock::now();
+    const auto note = [&](PageOutcome outcome) {
+        if (page->is_turned_away()) outcome = PageOutcome::refused;
+        options_.metrics->note_page(outcome, std::chrono::steady_clock::now() - begin);
+    };
+    try {
+        run_page(page, served.pages, page->path, events_.start());
+    } catch (const script::ScriptError& error) {
+        note(error.trouble == script::Trouble::time_limit ? PageOutcome::too_slow
+                                                          : PageOutcome::failed);
+        throw;
+    } catch (const Refusal&) {
+        note(PageOutcome::refused);
+        throw;
+    } catch (...) {
+        note(PageOutcome::failed);
+        throw;
+    }
+    note(PageOutcome::done);
+}
+
 HttpResponse WebApp::page(ServedSite& served, const HttpRequest& request, const SitePath& found,
                           std::string& note) {
     const std::string& path = found.path;
@@ -305,13 +337,13 @@ HttpResponse WebApp::page(ServedSite& served, const HttpRequest& request, const 
     {
         const PageEnd end(*page);
         try {
-            run_page(page, served.pages, path, events_.start());
+            run(served, page);
             is_answered = true;
         } catch (const PageError& error) {
-            usual = errors_.noted(path, "The page could not be shown.", error.what());
+            usual = errors_.noted(request, path, "The page could not be shown.", error.what());
             failure = failure_of(error, served.site.root);
         } catch (const script::ScriptError& error) {
-            usual = errors_.noted(path,
+            usual = errors_.noted(request, path,
                                   error.trouble == script::Trouble::time_limit
                                       ? "The page took too long and was stopped."
                                       : "The page could not be shown.",

@@ -5,6 +5,7 @@
 
 #include "host/web/files/static_files.h"
 #include "host/web/intrinsics/page_context.h"
+#include "host/web/metrics/web_metrics.h"
 #include "host/web/pages/waiting_pages.h"
 #include "host/web/site/directory_health.h"
 #include "host/web/site/error_answers.h"
@@ -22,6 +23,8 @@ public:
     struct Options {
         bool shows_details = false;  // of failures, to the browser
         std::chrono::milliseconds session_patience{30'000};
+        // Where requests are counted.
+        std::shared_ptr<WebMetrics> metrics = std::make_shared<WebMetrics>();
     };
 
     // Puts the authorization filter's connector into the application. Raises 429 where there is
@@ -50,14 +53,22 @@ public:
     ApplicationState& application() { return application_; }
 
 private:
+    // What a request's line in the log and its figures say of it.
+    struct Noted {
+        std::string note = {};
+        AnswerKind kind = AnswerKind::other;
+    };
+
     static std::shared_ptr<ServedSite> serve(Site site);
     void need_filter(const Site& site);
     std::shared_ptr<ServedSite> served() const;
 
-    HttpResponse route(ServedSite& served, const HttpRequest& request, std::string& note);
+    HttpResponse route(ServedSite& served, const HttpRequest& request, Noted& noted);
     HttpResponse file(const ServedSite& served, const HttpRequest& request, const SitePath& found);
     HttpResponse page(ServedSite& served, const HttpRequest& request, const SitePath& found,
                       std::string& note);
+    // Carries it out, and counts how that ended.
+    void run(ServedSite& served, const std::shared_ptr<PageContext>& page);
     std::shared_ptr<PageContext> open(const ServedSite& served, const HttpRequest& request,
                                       const std::string& path);
     // Whether the guard lets this login through, or the path needs none.

@@ -34,10 +34,11 @@ void WebLog::request(const HttpRequest& request, const HttpResponse& response,
     if (!access_) return;
     const auto milliseconds =
         std::chrono::duration_cast<std::chrono::milliseconds>(duration).count();
-    std::string line =
-        log_time() + ' ' + request.remote_address + ' ' + on_one_line(request.method) + ' ' +
-        on_one_line(path_part(request.target)) + ' ' + std::to_string(response.status) + ' ' +
-        std::to_string(response.length()) + ' ' + std::to_string(milliseconds) + "ms";
+    std::string line = log_time() + ' ' + request.remote_address + ' ' +
+                       on_one_line(request.method) + ' ' + on_one_line(path_part(request.target)) +
+                       ' ' + std::to_string(response.status) + ' ' +
+                       std::to_string(response.length()) + ' ' + std::to_string(milliseconds) +
+                       "ms " + (request.id.empty() ? "-" : on_one_line(request.id));
     if (!note.empty()) line += " \"" + on_one_line(note) + '"';
     line += '\n';
     const std::string why = access_->write(line);
@@ -48,10 +49,12 @@ void WebLog::trouble(std::string_view sentence) {
     errors_.write(log_time() + " orvo-web: " + on_one_line(sentence) + '\n');
 }
 
-std::string WebLog::failure(std::string_view path, std::string_view text) {
+std::string WebLog::failure(std::string_view path, std::string_view text,
+                            std::string_view request) {
     const std::string reference = random_token().substr(0, 8);
-    errors_.write(log_time() + " orvo-web " + reference + ' ' + on_one_line(path) + ": " +
-                  on_one_line(text) + '\n');
+    const std::string of_request = request.empty() ? "" : ' ' + on_one_line(request);
+    errors_.write(log_time() + " orvo-web " + reference + of_request + ' ' + on_one_line(path) +
+                  ": " + on_one_line(text) + '\n');
     return reference;
 }
 

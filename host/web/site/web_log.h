@@ -12,8 +12,8 @@
 namespace orvo::web {
 
 // Two kinds of lines, in UTF-8 and each written at once: one for each request, and one for each
-// failure of a page. Of a request only method, path, status, size and duration are kept: no query,
-// no header, no cookie and nothing of a form. Any thread.
+// failure of a page. Of a request only method, path, status, size, duration and identifier ("-":
+// none) are kept: no query, no header, no cookie and nothing of a form. Any thread.
 class WebLog {
 public:
     // access: where the requests go; empty: nowhere. All else goes to the standard error stream.
@@ -24,8 +24,10 @@ public:
                  std::chrono::steady_clock::duration duration, std::string_view note);
     // What the server has to say of itself.
     void trouble(std::string_view sentence);
-    // Answers the reference under which the line can be found.
-    std::string failure(std::string_view path, std::string_view text);
+    // Answers the reference under which the line can be found. `request`: the identifier of the one
+    // that failed; empty: none did.
+    std::string failure(std::string_view path, std::string_view text,
+                        std::string_view request = {});
     // Goes on in a file of the same name, after somebody has moved the one with the requests away.
     // Says where that fails, and then goes on as before.
     void reopen();

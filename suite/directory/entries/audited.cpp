@@ -2,6 +2,7 @@
 
 #include "platform/interfaces/call.h"
 #include "suite/audit/audit_call.h"
+#include "suite/counters/count_event.h"
 #include "suite/directory/policy/password_attributes.h"
 #include "suite/directory/policy/password_check.h"
 
@@ -41,10 +42,22 @@ auto done_or_recorded(Work work, Record record) {
     }
 }
 
+std::int32_t counted(const std::function<std::int32_t()>& check) {
+    try {
+        const std::int32_t number = check();
+        counters::count_event(counters::logins, result_of_check(number));
+        return number;
+    } catch (const Failure&) {
+        counters::count_event(counters::logins, u"failure");
+        throw;
+    }
+}
+
 }  // namespace
 
 std::int32_t audited_check(TextView server, TextView user,
-                           const std::function<std::int32_t()>& check) {
+                           const std::function<std::int32_t()>& given_check) {
+    const auto check = [&] { return counted(given_check); };
     const Ref<Audit> audit = audit::try_audit();
     if (!audit) return check();
     const auto record = [&](const Text& result) {

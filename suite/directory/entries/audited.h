@@ -1,7 +1,7 @@
 #pragma once
 
 // What a provider tells the site's audit. Where the site asks for none the work is done, and that
-// is all.
+// is all. Checks are counted besides (suite/counters).
 
 #include <cstdint>
 #include <functional>

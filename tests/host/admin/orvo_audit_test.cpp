@@ -68,9 +68,9 @@ TEST_F(OrvoAudit, ShowsAllThatThereIsTheOldestFirst) {
 
 TEST_F(OrvoAudit, WritesCsvAndJson) {
     EXPECT_EQ(audit({"--since", "2026-11-13", "--until", "2026-11-14", "--format", "csv"}),
-              "time,event,result,user,by,from,what,server\r\n"
+              "time,event,result,user,by,from,what,server,request\r\n"
               "2026-11-13T12:00:00.000Z,change,failed (0x80072098),\"cn=jsmith,ou=Users,o=Shop\","
-              "\"cn=admin,o=Shop\",,mail,\r\n");
+              "\"cn=admin,o=Shop\",,mail,,\r\n");
     EXPECT_EQ(audit({"--event", "login", "--columns", "user,by", "--format", "json"}),
               "[\n  {\"user\": \"jsmith\", \"by\": null}\n]\n");
 }

@@ -27,6 +27,8 @@ TEST_F(ConnectionLimitsTest, LetsInAsManyAsTheyAre) {
     limits_.leave("c");
     EXPECT_TRUE(limits_.try_enter("a"));
     EXPECT_EQ(limits_.count(), 3u);
+    EXPECT_EQ(limits_.refused_of_one_address(), 1u);
+    EXPECT_EQ(limits_.refused_in_all(), 1u);
 }
 
 TEST_F(ConnectionLimitsTest, CountSomeInAllAlone) {

@@ -7,6 +7,7 @@
 
 #include <thread>
 
+#include "host/web/messages/request_id.h"
 #include "tests/host/web/echo_server.h"
 #include "tests/host/web/server_certificate.h"
 #include "tests/support/http_client.h"
@@ -224,6 +225,47 @@ TEST(HttpServer, ServesHttpsWithACertificate) {
     EXPECT_EQ(Wire(server.port()).ask("GET / HTTP/1.1\r\nHost: h\r\n\r\n").find("HTTP/1.1 200"),
               std::string::npos)
         << "without TLS there is no answer";
+}
+
+TEST(RequestIds, AreTheServersOwnAndNewForEachRequest) {
+    std::vector<std::string> ids;
+    RunningServer server(quick(), [&](const HttpRequest& request) {
+        ids.push_back(request.id);
+        EXPECT_EQ(request.lane, Lane::page);
+        return HttpResponse{};
+    });
+    HttpClient client(server.port());
+    for (int i = 0; i < 2; ++i) ASSERT_TRUE(client.get("/", {{"X-Request-Id", "somebody-elses"}}));
+    ASSERT_EQ(ids.size(), 2u);
+    EXPECT_TRUE(is_request_id(ids[0])) << ids[0];
+    EXPECT_NE(ids[0], ids[1]);
+    EXPECT_NE(ids[0], "somebody-elses");
+}
+
+TEST(RequestIds, AreGivenToRequestsThatAreRefusedToo) {
+    std::string id;
+    std::optional<Lane> lane = Lane::page;
+    RunningServer server(quick(), echo,
+                         {.refused = [&](const HttpRequest& request, HttpResponse&, auto) {
+                             id = request.id;
+                             lane = request.lane;
+                         }});
+    Wire(server.port()).ask("GET nonsense\r\n\r\n");
+    EXPECT_TRUE(is_request_id(id)) << id;
+    EXPECT_FALSE(lane);
+}
+
+TEST(ServerCounts, TellOfConnectionsThatAreThereAndThatWereRefused) {
+    ServerOptions options = quick();
+    options.most_of_one_address = 1;
+    RunningServer server(options, echo);
+    Wire one(server.port());
+    while (server.counts().connections != 1) std::this_thread::yield();
+    EXPECT_EQ(server.counts().refused_of_one_address, 0u);
+    Wire(server.port()).read_all();
+    EXPECT_EQ(server.counts().refused_of_one_address, 1u);
+    EXPECT_EQ(server.counts().refused_in_all, 0u);
+    EXPECT_EQ(server.counts().workers.workers, static_cast<std::size_t>(options.worker_count()));
 }
 
 }  // namespace

@@ -242,6 +242,33 @@ TEST_F(MemorySessionsTest, ASessionInUseIsNotTakenAway) {
     EXPECT_NE(sessions_.create(), nullptr);
 }
 
+TEST_F(MemorySessionsTest, AreCountedAsTheyComeAndGo) {
+    const std::string id = create(u"one");
+    SessionCounts counts = sessions_.counts();
+    EXPECT_EQ(counts.live, 1u);
+    EXPECT_GT(counts.bytes, 0u);
+    EXPECT_EQ(counts.created, 1u);
+    EXPECT_EQ(counts.ended, (std::array<std::uint64_t, 5>{}));
+
+    open(id)->abandon();
+    create();
+    now_ += 20min;
+    sessions_.end_idle();
+    const std::string busy = create();
+    for (int i = 0; i < 6; ++i) {
+        now_ += 10min;
+        open(busy);
+    }
+    for (int i = 0; i < 4; ++i) create();
+    sessions_.end_all();
+    counts = sessions_.counts();
+    EXPECT_EQ(counts.live, 0u);
+    EXPECT_EQ(counts.bytes, 0u);
+    EXPECT_EQ(counts.created, 7u);
+    // By a page, idle, after its lifetime, for newer ones, with the program.
+    EXPECT_EQ(counts.ended, (std::array<std::uint64_t, 5>{1, 1, 1, 1, 3}));
+}
+
 class SessionMemoryTest : public testing::Test {
 protected:
     std::string create(const Text& guid = {}) {

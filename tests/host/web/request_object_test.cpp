@@ -48,7 +48,8 @@ HttpRequest form(std::string body) {
             .remote_port = 50123,
             .local_address = "192.0.2.1",
             .local_port = 8080,
-            .is_secure = true};
+            .is_secure = true,
+            .id = "yN1"};
 }
 
 TEST_F(RequestObjectTest, HasFieldsByNameWithoutRegardToCase) {
@@ -124,6 +125,7 @@ TEST_F(RequestObjectTest, ServerVariablesTellOfTheRequest) {
     EXPECT_EQ(text(u"ServerVariables", u"SERVER_NAME"), u"shop.example");
     EXPECT_EQ(text(u"ServerVariables", u"SERVER_PORT"), u"8080");
     EXPECT_EQ(text(u"ServerVariables", u"HTTPS"), u"on");
+    EXPECT_EQ(text(u"ServerVariables", u"REQUEST_ID"), u"yN1");
     EXPECT_EQ(text(u"ServerVariables", u"CONTENT_LENGTH"), u"3");
     EXPECT_EQ(text(u"ServerVariables", u"HTTP_X_ODD_NAME"), u"odd");
     EXPECT_EQ(text(u"ServerVariables", u"HTTP_COOKIE"), u"") << "Cookies has them";

@@ -26,6 +26,7 @@ public:
         return was_all_answered_;
     }
 
+    ServerCounts counts() const { return server_.counts(); }
     int port() const { return server_.port(); }
     int administration_port() const { return server_.administration_port(); }
     std::string url() const { return server_.url(); }

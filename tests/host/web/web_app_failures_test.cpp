@@ -22,6 +22,13 @@ TEST_F(WebAppTest, AFailedPageSaysSoWithoutItsReasonsAndKeepsTheSession) {
     EXPECT_EQ(get("/kept.asp", {{"Cookie", browser}}).body, "1");
 }
 
+TEST_F(WebAppTest, TheLineOfAFailureHasTheRequestsIdentifier) {
+    testing::internal::CaptureStderr();
+    app().handle({.target = "/fail.asp", .id = "yN1"});
+    const std::string log = testing::internal::GetCapturedStderr();
+    EXPECT_NE(log.find(" yN1 /fail.asp: /fail.asp, line 2: "), std::string::npos) << log;
+}
+
 TEST_F(WebAppTest, ShowsReasonsWhereThatIsAskedForAndEncodesThem) {
     shows_details_ = true;
     pages_.write("/tag.asp", "\n<% throw new Error('<b>') %>");

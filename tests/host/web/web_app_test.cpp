@@ -59,6 +59,43 @@ TEST_F(WebAppTest, EveryAnswerCarriesTheSecurityHeaders) {
     EXPECT_EQ(header(get("/own.asp"), "X-Frame-Options"), "SAMEORIGIN");
 }
 
+TEST_F(WebAppTest, TheRequestsIdentifierIsInEveryAnswerAndKnownToItsPage) {
+    pages_.write("/id.asp", "<%= Request.ServerVariables('REQUEST_ID') %>");
+    pages_.write("/begun.asp", "<% Response.Flush() %>begun");
+    for (const char* target : {"/id.asp", "/begun.asp", "/style.css", "/none", "/account/"})
+        EXPECT_EQ(header(app().handle({.target = target, .id = "yN1"}), "X-Request-Id"), "yN1")
+            << target;
+    EXPECT_EQ(app().handle({.target = "/id.asp", .id = "yN1"}).body, "yN1");
+    EXPECT_EQ(header(get("/"), "X-Request-Id"), "") << "one without";
+    HttpResponse refused;
+    app().note_refused({.id = "yN2"}, refused, {});
+    EXPECT_EQ(header(refused, "X-Request-Id"), "yN2");
+}
+
+TEST_F(WebAppTest, CountsWhatBecameOfEachRequest) {
+    pages_.write("/slow.asp", "<% while (true) {} %>");
+    testing::internal::CaptureStderr();
+    for (const char* target :
+         {"/", "/style.css", "/none", "/fail.asp", "/slow.asp", "/health/live", "/account/"})
+        app().handle({.target = target, .lane = Lane::page});
+    testing::internal::GetCapturedStderr();
+    Exposition out;
+    metrics_->write(out);
+    for (const char* line :
+         {"orvo_http_requests_total{method=\"GET\",status=\"2xx\",lane=\"page\"} 3\n",
+          "orvo_http_requests_total{method=\"GET\",status=\"3xx\",lane=\"page\"} 1\n",
+          "orvo_http_requests_total{method=\"GET\",status=\"4xx\",lane=\"page\"} 1\n",
+          "orvo_http_requests_total{method=\"GET\",status=\"5xx\",lane=\"page\"} 2\n",
+          "orvo_http_answer_duration_seconds_count{kind=\"page\"} 4\n",
+          "orvo_http_answer_duration_seconds_count{kind=\"file\"} 2\n",
+          "orvo_http_answer_duration_seconds_count{kind=\"health\"} 1\n",
+          "orvo_page_duration_seconds_count{outcome=\"done\"} 1\n",
+          "orvo_page_duration_seconds_count{outcome=\"failed\"} 1\n",
+          "orvo_page_duration_seconds_count{outcome=\"too_slow\"} 1\n",
+          "orvo_page_duration_seconds_count{outcome=\"refused\"} 0\n"})
+        EXPECT_NE(out.text().find(line), std::string::npos) << line << out.text();
+}
+
 TEST_F(WebAppTest, AGuardedPathLeadsToTheLogin) {
     for (const char* target : {"/account/", "/account/default.asp", "/account/logo.svg",
                                "/account/none.asp", "/account/%64efault.asp"}) {

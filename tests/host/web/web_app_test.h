@@ -47,7 +47,7 @@ protected:
     WebApp& app() {
         if (!app_)
             app_.emplace(read_site(pages_.root), pages_.sessions, health_, log_,
-                         WebApp::Options{shows_details_, std::chrono::milliseconds(50)});
+                         WebApp::Options{shows_details_, std::chrono::milliseconds(50), metrics_});
         return *app_;
     }
     HttpResponse get(const std::string& target, Headers headers = {}) {
@@ -87,6 +87,7 @@ protected:
     }};
     WebLog log_{{}};
     bool shows_details_ = false;
+    std::shared_ptr<WebMetrics> metrics_ = std::make_shared<WebMetrics>();
     std::optional<WebApp> app_;
 };
 

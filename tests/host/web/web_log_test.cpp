@@ -21,7 +21,8 @@ TEST(WebLog, KeepsNoQueryNoCookieAndNoForm) {
                                   .target = "/login.asp?password=secret1",
                                   .headers = {{"Cookie", "QUENDRAID=secret2"}},
                                   .body = RequestBody("password=secret3"),
-                                  .remote_address = "127.0.0.1"};
+                                  .remote_address = "127.0.0.1",
+                                  .id = "yN1-4_.x"};
         HttpResponse response;
         response.status = 302;
         response.body = "12345";
@@ -32,8 +33,8 @@ TEST(WebLog, KeepsNoQueryNoCookieAndNoForm) {
     const std::string text = content_of(file);
     const std::regex lines(
         "\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\dZ 127\\.0\\.0\\.1 POST /login\\.asp 302 5 12ms "
-        "\"note\"\n"
-        "\\S+Z ::1 GET /a%0Ab\"\\\\x01\\\\x5C 200 0 0ms \"two\\\\x0Alines\"\n");
+        "yN1-4_\\.x \"note\"\n"
+        "\\S+Z ::1 GET /a%0Ab\"\\\\x01\\\\x5C 200 0 0ms - \"two\\\\x0Alines\"\n");
     EXPECT_TRUE(std::regex_match(text, lines)) << text;
     EXPECT_EQ(text.find("secret"), std::string::npos);
 }
@@ -42,11 +43,14 @@ TEST(WebLog, GivesEachFailureAReferenceToFindItBy) {
     WebLog log({});
     testing::internal::CaptureStderr();
     const std::string reference = log.failure("/a.asp", "line 1\nline 2");
+    const std::string second = log.failure("/b.asp", "line", "yN1");
     const std::string text = testing::internal::GetCapturedStderr();
     EXPECT_EQ(reference.size(), 8u);
     EXPECT_NE(text.find("Z orvo-web " + reference + " /a.asp: line 1\\x0Aline 2\n"),
               std::string::npos)
         << text;
+    EXPECT_NE(text.find("Z orvo-web " + second + " yN1 /b.asp: line\n"), std::string::npos)
+        << "with the request, where one failed";
 }
 
 // While it lives, no file of this process grows beyond a size.
@@ -86,11 +90,11 @@ TEST(WebLog, AFullDiskCostsLinesAndTheirNumberIsToldWhenThereIsRoomAgain) {
     request("/6");
     const std::string text = content_of(file).substr(10'001);
     const std::regex lines(
-        "\\S+Z ::1 GET /1 200 0 0ms\n"
+        "\\S+Z ::1 GET /1 200 0 0ms -\n"
         ".{10}\n"
         "\\S+Z orvo-web: 3 lines were lost since \\d{4}-\\d\\d-\\d\\dT\\S+Z \\(File too large\\)\n"
-        "\\S+Z ::1 GET /5 200 0 0ms\n"
-        "\\S+Z ::1 GET /6 200 0 0ms\n");
+        "\\S+Z ::1 GET /5 200 0 0ms -\n"
+        "\\S+Z ::1 GET /6 200 0 0ms -\n");
     EXPECT_TRUE(std::regex_match(text, lines)) << text;
     EXPECT_TRUE(std::regex_match(said, std::regex("\\S+Z orvo-web: requests are not logged until "
                                                   "there is room: File too large\n")))

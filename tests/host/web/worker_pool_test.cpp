@@ -42,6 +42,26 @@ TEST(WorkerPool, CarriesEverythingOutBeforeItEnds) {
     EXPECT_EQ(done, 200);
 }
 
+TEST(WorkerPool, TellsHowManyJobsRunAndWaitAndWereRefused) {
+    Gate gate;
+    std::latch begun(2);
+    WorkerPool pool(2, 1, 1);
+    ASSERT_TRUE(pool.try_add(gate.job(begun), Kind::directory));
+    ASSERT_TRUE(pool.try_add(gate.job(begun)));
+    begun.wait();
+    EXPECT_TRUE(pool.try_add([] {}, Kind::directory));
+    EXPECT_FALSE(pool.try_add([] {}, Kind::directory));
+    EXPECT_FALSE(pool.try_add([] {}, Kind::directory));
+    EXPECT_TRUE(pool.try_add([] {}));
+    const WorkerPool::Counts counts = pool.counts();
+    EXPECT_EQ(counts.workers, 2u);
+    EXPECT_EQ(counts.running, (std::array{1, 0, 1}));
+    EXPECT_EQ(counts.waiting, (std::array<std::size_t, 3>{1, 0, 1}));
+    EXPECT_EQ(counts.refused, (std::array<std::uint64_t, 3>{0, 0, 2}));
+    EXPECT_EQ(counts.turned_away, 0u);
+    gate.open();
+}
+
 TEST(WorkerPool, DirectoryJobsLeaveWorkersToTheOthers) {
     Gate gate;
     std::latch begun(2), all(3);

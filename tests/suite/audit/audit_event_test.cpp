@@ -16,10 +16,11 @@ TEST(AuditEvent, IsALineOfJson) {
                          .by = u"cn=admin,o=Shop",
                          .from = u"203.0.113.7",
                          .server = u"ldap://dir01",
-                         .what = u"mail"}),
+                         .what = u"mail",
+                         .request = u"yN1"}),
               R"({"time":"2024-05-06T07:08:09.123Z","event":"change","result":"done",)"
               R"("user":"cn=jsmith,ou=Users,o=Shop","by":"cn=admin,o=Shop","from":"203.0.113.7",)"
-              R"("server":"ldap://dir01","what":"mail"})");
+              R"("server":"ldap://dir01","what":"mail","request":"yN1"})");
 }
 
 TEST(AuditEvent, LeavesEmptyTextsOut) {
@@ -61,7 +62,8 @@ TEST(AuditEvent, ReadsWhatItHasWritten) {
                       .by = u"b",
                       .from = u"::1",
                       .server = u"/srv/shop.db",
-                      .what = u"w"};
+                      .what = u"w",
+                      .request = u"r"};
     EXPECT_EQ(try_parse(json_line(event)), event);
 }
 

@@ -21,7 +21,10 @@ namespace orvo {
 // As a web host's Request answers.
 class AddressedRequest {
 public:
-    Text ServerVariables(const Text& name) { return name == u"REMOTE_ADDR" ? u"203.0.113.7" : u""; }
+    Text ServerVariables(const Text& name) {
+        if (name == u"REQUEST_ID") return u"yN1";
+        return name == u"REMOTE_ADDR" ? u"203.0.113.7" : u"";
+    }
 };
 
 template <>
@@ -79,13 +82,14 @@ TEST_F(SuiteAuditTest, RecordsAnEventAsALine) {
                      "\"by\":\"cn=b,o=Shop\",\"server\":\"ldap://d\",\"what\":\"mail\"\\}\n"));
 }
 
-TEST_F(SuiteAuditTest, RecordsTheAddressOfThePageThatTheThreadRuns) {
+TEST_F(SuiteAuditTest, RecordsAddressAndRequestOfThePageThatTheThreadRuns) {
     configure("File=audit.jsonl\n");
     {
         const ContextScope page({{u"Request", make<AddressedRequest>().object()}});
         record();
     }
-    EXPECT_THAT(audit(), HasSubstr("\"user\":\"cn=a,o=Shop\",\"from\":\"203.0.113.7\",\"server\""));
+    EXPECT_THAT(audit(), HasSubstr("\"user\":\"cn=a,o=Shop\",\"from\":\"203.0.113.7\",\"server\":"
+                                   "\"/srv/shop.db\",\"request\":\"yN1\"}"));
     {
         const ContextScope script({});
         record();

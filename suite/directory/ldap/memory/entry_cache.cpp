@@ -79,7 +79,14 @@ bool EntryCache::is_current(const Remembered& known, const EntryKey& entry) cons
 Remembered EntryCache::find(const CacheKey& key) {
     const std::lock_guard lock(mutex_);
     const auto kept = find_kept(text_of(key), key.mark);
-    return kept == order_.end() ? Remembered() : kept->known;
+    const bool is_known = kept != order_.end();
+    ++(is_known ? hits_ : misses_);
+    return is_known ? kept->known : Remembered();
+}
+
+EntryCache::Counts EntryCache::counts() const {
+    const std::lock_guard lock(mutex_);
+    return {hits_, misses_, order_.size()};
 }
 
 Remembered EntryCache::add(const CacheKey& key, KnownEntry read, Clock::time_point read_at,

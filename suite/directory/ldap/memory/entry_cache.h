@@ -85,6 +85,14 @@ public:
                    std::uint64_t write_mark);
     bool is_current(const Remembered& known, const EntryKey& entry) const;
 
+    // How often find() has found something, and how often nothing; how many entries are kept.
+    struct Counts {
+        std::uint64_t hits;
+        std::uint64_t misses;
+        std::size_t entries;
+    };
+    Counts counts() const;
+
 private:
     struct Kept {
         std::string key;
@@ -105,6 +113,8 @@ private:
     std::atomic<std::int64_t> lifetime_ = bind_lasts.count();
     mutable std::mutex mutex_;
     CacheSettings settings_;
+    std::uint64_t hits_ = 0;
+    std::uint64_t misses_ = 0;
     Order order_;  // the latest used first
     std::unordered_map<std::string, Order::iterator> by_key_;
 };

@@ -113,7 +113,12 @@ void Attempts::connect() {
     for (;;) {
         const std::uint64_t generation = server_->generation();
         Result why;
-        if (auto session = Session::try_connect(server_->host(), limits_, why)) {
+        const auto begin = std::chrono::steady_clock::now();
+        auto session = Session::try_connect(server_->host(), limits_, why);
+        server_->figures()->note(OperationKind::connect, std::chrono::steady_clock::now() - begin,
+                                 !session);
+        if (session) {
+            session->count_in(server_->figures());
             const auto now = pool_.clock().now();
             lease_.put({std::move(*session), server_, generation, now, now});
             return;
@@ -125,6 +130,7 @@ void Attempts::connect() {
         tried_.push_back(server_);
         server_ = set_->group().choose(lease_.settings().failback_after, tried_);
         if (!server_) raise_code(why.code, reasons_);
+        tried_.back()->figures()->failovers.add();
     }
 }
 
@@ -146,6 +152,7 @@ void Attempts::authenticate() {
         tried_.push_back(server_);
         server_ = set_->group().choose(settings.failback_after, tried_);
         if (!server_) break;
+        tried_.back()->figures()->failovers.add();
         is_new_ = true;
         connect();
         result = bind();
@@ -217,6 +224,16 @@ void Attempts::note_answer(const ServerRef& server, Clock::time_point::duration 
 }
 
 bool Attempts::again(const Result& result) {
+    const ServerRef before = server_;
+    if (!decide(result)) return false;
+    if (result.code != result_code::referral) {
+        before->figures()->retries.add();
+        if (server_ != before) before->figures()->failovers.add();
+    }
+    return true;
+}
+
+bool Attempts::decide(const Result& result) {
     const ServerRef server = server_;
     const PoolSettings& settings = lease_.settings();
     const bool is_repeatable = operation_.effect == Effect::none;

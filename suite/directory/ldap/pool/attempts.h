@@ -61,6 +61,7 @@ public:
     bool again(const Result& result);
 
 private:
+    bool decide(const Result& result);
     void choose_server();
     void take_connection();
     void connect();

@@ -40,6 +40,7 @@ public:
 
     const Clock& clock() const { return clock_; }
     const WriteMarks& writes() const { return writes_; }
+    PlaceWaits& waits() { return waits_; }
     Servers& servers() { return servers_; }
     PoolSettings settings() const { return settings_.get(); }
     // Changes what is given, all or nothing of it; see `changed`. What is idle beyond the new
@@ -107,6 +108,7 @@ private:
     Servers& servers_;
 
     SharedSettings settings_;
+    PlaceWaits waits_;
     mutable std::mutex mutex_;
     // By group and user: the sets that are alive.
     std::unordered_map<std::string, std::vector<std::weak_ptr<ConnectionSet>>> sets_;

@@ -37,7 +37,7 @@ ConnectionSet::ConnectionSet(Use use, std::shared_ptr<ServerGroup> group, std::s
       writes_(writes),
       password_(std::move(password)) {}
 
-std::uint64_t ConnectionSet::acquire_place() {
+std::uint64_t ConnectionSet::acquire_place(PlaceWaits& waits) {
     std::unique_lock lock(mutex_);
     const auto is_free = [&] {
         const std::size_t maximum = settings_.get().maximum_size;
@@ -45,11 +45,14 @@ std::uint64_t ConnectionSet::acquire_place() {
     };
     if (!waiting_.empty() || !is_free()) {
         const PoolSettings settings = settings_.get();
+        const auto begin = std::chrono::steady_clock::now();
         const auto own = waiting_.emplace(waiting_.end());
         const bool is_served = own->wait_for(lock, settings.wait,
                                              [&] { return own == waiting_.begin() && is_free(); });
         waiting_.erase(own);
+        waits.durations.observe(std::chrono::steady_clock::now() - begin);
         if (!is_served) {
+            waits.failures.add();
             wake_next();
             raise_code(result_code::busy,
                        "All " + std::to_string(settings.maximum_size) + " connections of " +

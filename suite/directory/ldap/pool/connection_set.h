@@ -20,6 +20,12 @@
 
 namespace orvo::directory::ldap {
 
+// How long operations have waited for a place. Any thread.
+struct PlaceWaits {
+    DurationHistogram durations;
+    Counter failures;  // of these: none became free in time
+};
+
 // Connections that are authenticated as one user with one password, or on which the passwords of
 // those below one container are checked. Owns the idle ones, the places of all, those who wait for
 // a place, and what is known of the credentials. Thread-safe; nothing here waits for a server but a
@@ -53,7 +59,8 @@ public:
 
     // Takes a place, after those who have waited longer; within PoolSettings::wait. The generation
     // that it belongs to. Raises result code 51 where none becomes free in time.
-    std::uint64_t acquire_place();
+    // Waiting is counted in `waits`.
+    std::uint64_t acquire_place(PlaceWaits& waits);
     // How many wait for a place.
     std::size_t waiting() const;
     // For who has taken a place: an idle connection to this server, the one released last.

@@ -21,7 +21,7 @@ Lease::~Lease() {
 }
 
 void Lease::acquire_place() {
-    generation_ = set_->acquire_place();
+    generation_ = set_->acquire_place(pool_.waits());
     has_place_ = true;
 }
 

@@ -110,6 +110,7 @@ ServerState Server::state() const {
     state.operations = operations_.load();
     state.failures = failures_.load();
     state.latency = std::chrono::microseconds(latency_.load());
+    state.figures = figures_;
     return state;
 }
 

@@ -9,6 +9,7 @@
 
 #include "suite/directory/ldap/pool/server_facts.h"
 #include "suite/directory/ldap/pool/server_state.h"
+#include "suite/directory/ldap/wire/operation_figures.h"
 #include "suite/directory/ldap/wire/server_address.h"
 
 namespace orvo::directory::ldap {
@@ -55,6 +56,8 @@ public:
     // Changes with each failure; a connection is good for the generation it was opened in.
     std::uint64_t generation() const { return generation_.load(); }
     ServerState state() const;
+    // What was asked of it.
+    const std::shared_ptr<OperationFigures>& figures() const { return figures_; }
 
     // What the server is and knows; null where nobody has read it yet.
     StoredFacts facts() const;
@@ -66,6 +69,7 @@ private:
     const ServerHost host_;
     const std::string url_;
     const Clock& clock_;
+    const std::shared_ptr<OperationFigures> figures_ = std::make_shared<OperationFigures>();
     std::atomic<ServerState::Condition> condition_ = ServerState::Condition::up;
     std::atomic<bool> is_probed_ = false;
     mutable std::atomic<bool> was_down_ = false;  // until it is steady again

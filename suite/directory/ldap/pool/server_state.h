@@ -2,9 +2,11 @@
 
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 
+#include "suite/directory/ldap/wire/operation_figures.h"
 #include "suite/directory/settings/clock.h"
 
 namespace orvo::directory::ldap {
@@ -25,6 +27,7 @@ struct ServerState {
     std::uint64_t operations = 0;  // that were answered, whatever the answer
     std::uint64_t failures = 0;    // that were not, and answers that the server is busy or closing
     std::chrono::microseconds latency{0};  // mean of the answers, the last ones counting most
+    std::shared_ptr<const OperationFigures> figures = {};
 };
 
 }  // namespace orvo::directory::ldap

@@ -1,6 +1,8 @@
 #include "suite/directory/ldap/provider/LdapServers.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 
 #include "platform/objects/recordset/builder.h"
 #include "platform/values/date.h"
@@ -18,6 +20,37 @@ TextView name_of(ServerState::Condition condition) {
             return u"down";
     }
     return u"";
+}
+
+std::vector<Text> operation_columns() {
+    std::vector<Text> columns{u"Server", u"Operation", u"Count", u"Failures", u"Seconds"};
+    for (const double bound : DurationHistogram::bounds) {
+        std::array<char, 32> digits;
+        const char* end = std::to_chars(digits.data(), digits.data() + digits.size(), bound,
+                                        std::chars_format::general)
+                              .ptr;
+        columns.push_back(from_utf8({digits.data(), end}));
+    }
+    return columns;
+}
+
+// Of what was never done there is no row.
+void add_operation(RecordSetBuilder& builder, std::string_view server, std::string_view operation,
+                   const DurationHistogram& durations, const Counter& failures) {
+    const DurationHistogram::Reading read = durations.reading();
+    if (read.count() == 0) return;
+    std::vector<Variant> row{from_utf8(server), from_utf8(operation),
+                             static_cast<double>(read.count()),
+                             static_cast<double>(failures.value()), read.seconds};
+    std::uint64_t up_to_here = 0;
+    for (std::size_t i = 0; i < DurationHistogram::bounds.size(); ++i)
+        row.emplace_back(static_cast<double>(up_to_here += read.buckets[i]));
+    builder.add(std::move(row));
+}
+
+std::vector<ServerState> sorted(std::vector<ServerState> states) {
+    std::ranges::sort(states, {}, &ServerState::url);
+    return states;
 }
 
 // Dates of another clock's times, which may be any: what counts is how far away they are from now.
@@ -40,8 +73,7 @@ private:
 }  // namespace
 
 Object LdapServers::States() {
-    std::vector<ServerState> states = client_.servers().states();
-    std::ranges::sort(states, {}, &ServerState::url);
+    const std::vector<ServerState> states = sorted(client_.servers().states());
     const Dates dates(client_.pool().clock().now());
     RecordSetBuilder builder({u"Server", u"State", u"Reason", u"Since", u"NextProbe", u"Operations",
                               u"Failures", u"Latency"});
@@ -73,6 +105,50 @@ Object LdapServers::Connections() {
 
 std::int32_t LdapServers::ClearCache() {
     return static_cast<std::int32_t>(client_.cache().clear());
+}
+
+Object LdapServers::Operations() {
+    RecordSetBuilder builder(operation_columns());
+    const PlaceWaits& waits = client_.pool().waits();
+    add_operation(builder, "", "wait", waits.durations, waits.failures);
+    for (const ServerState& state : sorted(client_.servers().states())) {
+        const auto& kinds = state.figures->kinds();
+        for (std::size_t i = 0; i < kinds.size(); ++i)
+            add_operation(builder, state.url, operation_names[i], kinds[i].durations,
+                          kinds[i].failures);
+    }
+    return builder.open().object();
+}
+
+Object LdapServers::Counts() {
+    RecordSetBuilder builder({u"Name", u"Of", u"Value"});
+    const auto add = [&](TextView name, TextView of, auto value) {
+        builder.add({Text(name), Text(of), static_cast<double>(value)});
+    };
+    for (const ServerState& state : sorted(client_.servers().states())) {
+        add(u"retries", from_utf8(state.url), state.figures->retries.value());
+        add(u"failovers", from_utf8(state.url), state.figures->failovers.value());
+    }
+    ConnectionSet::Counts of_users{}, of_checks{};
+    for (const ConnectionSetRef& set : client_.pool().all_sets()) {
+        const bool is_user = set->use() == ConnectionSet::Use::as_user;
+        ConnectionSet::Counts& all = is_user ? of_users : of_checks;
+        const ConnectionSet::Counts counts = set->counts();
+        all.in_use += counts.in_use;
+        all.idle += counts.idle;
+        all.waiting += counts.waiting;
+    }
+    for (const auto& [of, counts] :
+         {std::pair(TextView(u"user"), of_users), std::pair(TextView(u"checks"), of_checks)}) {
+        add(u"in use", of, counts.in_use);
+        add(u"idle", of, counts.idle);
+        add(u"waiting", of, counts.waiting);
+    }
+    const EntryCache::Counts cache = client_.cache().counts();
+    add(u"cache hits", u"", cache.hits);
+    add(u"cache misses", u"", cache.misses);
+    add(u"cache entries", u"", cache.entries);
+    return builder.open().object();
 }
 
 }  // namespace orvo::directory::ldap

@@ -32,6 +32,25 @@ public:
     virtual Object Connections() = 0;
     // Forgets what this process keeps of entries; how many those were.
     virtual std::int32_t ClearCache() = 0;
+    // A record set with a row for each server and kind of operation that was asked of it, ordered
+    // by "Server". The columns:
+    //   Server     as above; empty: whichever it was
+    //   Operation  "connect", "bind", "read" (of one entry), "search", "modify", "add", "delete",
+    //              "password modify", "extended"; or "wait", for a connection that others had
+    //   Count      how many, as a double
+    //   Failures   of these without an answer, or with "busy" or "unavailable", as a double
+    //   Seconds    what all of them took, as a double
+    //   0.0005 ... a column for each bound, in seconds: how many took no longer than that, as a
+    //              double
+    virtual Object Operations() = 0;
+    // A record set of counts since the process began, each with a name, what it is of, and a
+    // double:
+    //   retries, failovers          by server: operations tried again after it had failed them, and
+    //                               those that went on to another one
+    //   in use, idle, waiting       by "user" or "checks": connections now, and who waits for one
+    //   cache hits, cache misses    entries that were looked for and found, or not
+    //   cache entries               that are kept now
+    virtual Object Counts() = 0;
 
 protected:
     ~DirectoryServers() = default;
@@ -51,7 +70,14 @@ inline constexpr auto table_of<directory::DirectoryServers> = describe<directory
         .help("A row for the connections of each user, and for those of password checks. Columns: "
               "User, Use (user or checks), Servers, InUse, Idle and Waiting."),
     method<&directory::DirectoryServers::ClearCache>("ClearCache")
-        .help("Forgets what this process keeps of entries; how many those were."));
+        .help("Forgets what this process keeps of entries; how many those were."),
+    method<&directory::DirectoryServers::Operations>("Operations")
+        .help("A row for each server and kind of operation that was asked of it. Columns: Server, "
+              "Operation, Count, Failures and Seconds, and one for each bound in seconds, with how "
+              "many took no longer."),
+    method<&directory::DirectoryServers::Counts>("Counts").help(
+        "What was counted since the process began: retries and failovers of each server, "
+        "connections, and what was found in the cache. Columns: Name, Of and Value."));
 
 namespace directory::ldap {
 
@@ -63,6 +89,8 @@ public:
     Object States() override;
     Object Connections() override;
     std::int32_t ClearCache() override;
+    Object Operations() override;
+    Object Counts() override;
 
 private:
     Client& client_;

@@ -46,11 +46,12 @@ struct Session::Connection {
     ServerHost host;
     Limits limits;
     bool is_lost = false;
+    std::shared_ptr<OperationFigures> figures = {};
 
     // One request and its whole answer. `send` is given a place for the request's number.
     template <class Send>
-    Outcome ask(const TimeLimit& limit, Send send, const SearchRequest& search = {},
-                const Take& take = {}) {
+    Outcome ask(OperationKind kind, const TimeLimit& limit, Send send,
+                const SearchRequest& search = {}, const Take& take = {}) {
         Outcome outcome;
         if (is_lost) {
             outcome.result = {result_code::server_down, "The connection was lost before.", {}};
@@ -58,6 +59,7 @@ struct Session::Connection {
             return outcome;
         }
         const std::optional<std::uint64_t> before = client->bytes_sent();
+        const auto begin = std::chrono::steady_clock::now();
         const Deadline deadline(limit.time);
         int request = -1;
         outcome.result = send(request);
@@ -67,12 +69,15 @@ struct Session::Connection {
                 "'" + host.url() + "' gave no complete answer within " + limit.words() + ".";
         is_lost = outcome.result.connection_failed();
         if (is_lost && before) outcome.result.sent = client->bytes_sent() != before;
+        if (figures)
+            figures->note(kind, std::chrono::steady_clock::now() - begin,
+                          is_lost || outcome.result.is_unavailable());
         return outcome;
     }
 
     template <class Send>
-    Outcome ask_once(Send send) {
-        return ask(answer_limit(limits), send);
+    Outcome ask_once(OperationKind kind, Send send) {
+        return ask(kind, answer_limit(limits), send);
     }
 
 private:
@@ -123,8 +128,12 @@ bool Session::seems_open() const {
 
 void Session::set_limits(const Limits& limits) { connection_->limits = limits; }
 
+void Session::count_in(std::shared_ptr<OperationFigures> figures) {
+    connection_->figures = std::move(figures);
+}
+
 BindResult Session::bind(const std::string& name, const Secret& password, Policy policy) {
-    Outcome outcome = connection_->ask_once([&](int& request) {
+    Outcome outcome = connection_->ask_once(OperationKind::bind, [&](int& request) {
         return connection_->client->send_bind(name, password, policy, request);
     });
     return {std::move(outcome.result), std::move(outcome.controls)};
@@ -159,7 +168,7 @@ Result Session::change_unicode_password(const std::string& name, const Secret& n
         append(Change::remove, former_password);
         append(Change::add, new_password);
     }
-    Result result = modify(name, changes);
+    Result result = modify(name, changes, OperationKind::password);
     for (Replacement& change : changes)
         overwrite(change.values.front().data(), change.values.front().size());
     return result;
@@ -167,6 +176,7 @@ Result Session::change_unicode_password(const std::string& name, const Secret& n
 
 SearchResult Session::search(const SearchRequest& search, const Take& take) {
     Outcome outcome = connection_->ask(
+        search.scope == Scope::base ? OperationKind::read : OperationKind::search,
         limit_of(search, connection_->limits),
         [&](int& request) { return connection_->client->send_search(search, request); }, search,
         take);
@@ -178,18 +188,25 @@ SearchResult Session::search(const SearchRequest& search, const Take& take) {
 Result Session::add(const std::string& name, std::span<const Attribute> attributes) {
     return connection_
         ->ask_once(
+            OperationKind::add,
             [&](int& request) { return connection_->client->send_add(name, attributes, request); })
         .result;
 }
 
 Result Session::remove(const std::string& name) {
     return connection_
-        ->ask_once([&](int& request) { return connection_->client->send_remove(name, request); })
+        ->ask_once(OperationKind::remove,
+                   [&](int& request) { return connection_->client->send_remove(name, request); })
         .result;
 }
 
 UpdateResult Session::modify(const std::string& name, std::span<const Replacement> replacements) {
-    Outcome outcome = connection_->ask_once([&](int& request) {
+    return modify(name, replacements, OperationKind::modify);
+}
+
+UpdateResult Session::modify(const std::string& name, std::span<const Replacement> replacements,
+                             OperationKind kind) {
+    Outcome outcome = connection_->ask_once(kind, [&](int& request) {
         return connection_->client->send_modify(name, replacements, request);
     });
     return {std::move(outcome.result), std::move(outcome.controls)};
@@ -199,9 +216,11 @@ Result Session::change_password(const std::string& name, const Secret& new_passw
                                 const Secret& former_password) {
     const Secret value = password_modify_request(name, new_password, former_password);
     return connection_
-        ->ask_once([&](int& request) {
-            return connection_->client->send_extended(password_modify_oid, &value, request);
-        })
+        ->ask_once(OperationKind::password,
+                   [&](int& request) {
+                       return connection_->client->send_extended(password_modify_oid, &value,
+                                                                 request);
+                   })
         .result;
 }
 
@@ -212,7 +231,7 @@ void Session::set_controls(std::span<const Control> controls) {
 std::string Session::certificate() const { return connection_->client->certificate(); }
 
 WhoAmIResult Session::who_am_i() {
-    Outcome outcome = connection_->ask_once([&](int& request) {
+    Outcome outcome = connection_->ask_once(OperationKind::extended, [&](int& request) {
         return connection_->client->send_extended(who_am_i_oid, nullptr, request);
     });
     return {std::move(outcome.result), std::move(outcome.value)};

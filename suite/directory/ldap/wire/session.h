@@ -24,6 +24,7 @@
 
 #include "platform/values/secret.h"
 #include "suite/directory/entries/entry_data.h"
+#include "suite/directory/ldap/wire/operation_figures.h"
 #include "suite/directory/ldap/wire/server_address.h"
 #include "suite/directory/settings/limits.h"
 
@@ -119,6 +120,8 @@ public:
     bool seems_open() const;
     // From now on. What there is to wait for in connecting is over.
     void set_limits(const Limits& limits);
+    // What is asked from now on is counted there.
+    void count_in(std::shared_ptr<OperationFigures> figures);
 
     // Simple authentication. Both empty: as nobody. The caller has refused an empty password with a
     // name (a server takes that for "nobody" and reports success). What the server's password
@@ -163,6 +166,8 @@ public:
 private:
     struct Connection;
     explicit Session(std::unique_ptr<Connection> connection);
+    UpdateResult modify(const std::string& name, std::span<const Replacement> replacements,
+                        OperationKind kind);
     std::unique_ptr<Connection> connection_;
 };
 

@@ -4,9 +4,12 @@
 
 #include "component/common/log_contract.h"
 #include "platform/interfaces/call.h"
+#include "platform/objects/context/app_server.h"
+#include "platform/objects/context/context_scope.h"
 #include "platform/values/values.h"
 #include "suite/directory/ldap/provider/LdapDirectory.h"
 #include "tests/support/environment.h"
+#include "tests/support/recording/recording_context.h"
 #include "tests/support/recording/recording_log.h"
 
 namespace orvo {
@@ -89,15 +92,45 @@ public:
     static inline int entries = 0;
 };
 
+// As a web host's Request answers.
+class IdentifiedRequest {
+public:
+    Text ServerVariables(const Text& name) { return name == u"REQUEST_ID" ? u"yN1" : u""; }
+};
+
 }  // namespace
 }  // namespace directory::ldap
 
+template <>
+inline constexpr auto table_of<directory::ldap::IdentifiedRequest> =
+    describe<directory::ldap::IdentifiedRequest>(
+        "IIdentifiedRequest", "7e57ab1e-0000-4000-8000-0000000000f4",
+        get<&directory::ldap::IdentifiedRequest::ServerVariables>("ServerVariables", "name"));
+template <>
+inline constexpr auto class_of<directory::ldap::IdentifiedRequest> =
+    describe_class<directory::ldap::IdentifiedRequest>("Test.IdentifiedRequest");
 template <>
 inline constexpr auto class_of<directory::ldap::WorkingLog> =
     describe_class<Log>("Quendra.Log", "7e57ab1e-0000-4000-8000-0000000000f3");
 
 namespace directory::ldap {
 namespace {
+
+TEST_F(FailureNote, NamesTheRequestThatThePageAnswers) {
+    const LocalClass app_server = local_class<AppServerObject>();
+    const ContextScope page({{u"Request", make<IdentifiedRequest>().object()}});
+    note_failure("Bind", "cn=jsmith", sample());
+    EXPECT_EQ(log_.take().at(0).message,
+              "Bind of 'cn=jsmith' failed (request yN1), 0x8007052E: (49) Wrong.");
+}
+
+TEST_F(FailureNote, AsksNoContextWhereNotesAreLeftOut) {
+    Journal journal;
+    const RecordingContext context(journal);
+    const Environment errors_only("ORVO_LOG_LEVEL", "error");
+    note_failure("Bind", "cn=jsmith", sample());
+    EXPECT_THAT(journal.take(), IsEmpty());
+}
 
 TEST_F(FailureNote, OfWhatTheWritingOfANoteCausesIsNotWritten) {
     log_.remove();
