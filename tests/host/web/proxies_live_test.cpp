@@ -234,5 +234,18 @@ TEST(Proxies, CountForTheClientWhoseRequestTheyPassOn) {
     EXPECT_TRUE(second.read_until("h:80").ends_with("192.0.2.7:0 http h:80"));
 }
 
+TEST(Proxies, NameRequestsWhereTheyAreTrustedAndTheNameIsAGoodOne) {
+    const auto id = [](const HttpRequest& request) { return HttpResponse{.body = request.id}; };
+    const RunningServer trusting(behind("127.0.0.1"), id), other(behind("192.0.2.1"), id);
+    EXPECT_EQ(body(asked(trusting, "X-Request-Id: 7f3c-1\r\n")), "7f3c-1");
+    EXPECT_EQ(body(asked(trusting, "X-Request-Id: theirs\r\nx-request-id: the-proxys\r\n")),
+              "the-proxys")
+        << "what the browser has made up stands in front of it";
+    for (const char* bad : {"two words", "a\"b", ""})
+        EXPECT_EQ(body(asked(trusting, "X-Request-Id: " + std::string(bad) + "\r\n")).size(), 16u);
+    EXPECT_EQ(body(asked(trusting, "")).size(), 16u);
+    EXPECT_NE(body(asked(other, "X-Request-Id: 7f3c-1\r\n")), "7f3c-1");
+}
+
 }  // namespace
 }  // namespace orvo::web
