@@ -90,7 +90,11 @@ duk_ret_t as_variant_date(duk_context* context) {
     refuse_construction(context);
     push_stash(context, stash::date_maker);
     duk_push_this(context);
-    duk_push_number(context, number_of(context, stash::date_time, 0));
+    const double time = number_of(context, stash::date_time, 0);
+    if (std::isnan(time))
+        raise_number(context, runtime_error::invalid_call,
+                     "Invalid procedure call or argument: this Date is no date");
+    duk_push_number(context, time);
     duk_new(context, 1);
     return 1;
 }

@@ -193,9 +193,25 @@ public:
         find(context, 0, 1);
         require_found(context);
         read(context, 2, result_);
-        put(context, *found_);
+        Runtime::of(context).check(context);
+        attempt(context, [&] { put(); });
+        Runtime::of(context).check(context);
         duk_push_true(context);
         return 1;
+    }
+
+private:
+    void put() const {
+        const Object held = target();
+        try {
+            late::put_member(held, *found_, result_);
+        } catch (const Failure& failure) {
+            if (failure.number != runtime_error::member_not_found) throw;
+            const auto kind = late::try_kind_of(held, *found_);
+            if (!kind || !kind->is_readable || kind->is_writable) throw;
+            throw Failure(failure.number, failure.source,
+                          failure.description + u": this property can only be read");
+        }
     }
 };
 

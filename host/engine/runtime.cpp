@@ -97,6 +97,16 @@ Text text_at(duk_context* context, duk_idx_t index) {
     return bytes != nullptr ? from_engine({bytes, size}) : Text();
 }
 
+// The library's own words for a value of the wrong type end with where it stood among arguments:
+// "object required, found 1 (stack index -1)".
+void leave_out_stack_index(Text& message) {
+    constexpr TextView begin = u" (stack index ";
+    const std::size_t at = message.rfind(begin);
+    if (at != Text::npos && message.ends_with(u')') &&
+        message.find(u" required, found ") != Text::npos)
+        message.resize(at);
+}
+
 std::string shown_megabytes(std::size_t bytes) { return std::to_string(bytes >> 20) + " MiB"; }
 
 }  // namespace
@@ -257,6 +267,7 @@ void Runtime::raise_uncaught() {
                           "The script needed more memory than it may (" +
                               shown_megabytes(options_.memory->limit()) + ")");
     if (!described) message = u"a failure that cannot be described";
+    if (name == u"TypeError") leave_out_stack_index(message);
     if (number != no_number && !description.empty())
         message = description;
     else if (!name.empty())

@@ -58,4 +58,13 @@ Ref<ScriptArguments> ScriptArguments::Unnamed() {
     return make<ScriptArguments>(std::move(words));
 }
 
+void ScriptArguments::ShowUsage() {
+    constexpr std::int32_t not_supported = 445;
+    throw Failure(
+        not_supported, u"WScript.Arguments",
+        Text(runtime_error_text(not_supported)) +
+            u": a script here does not say which arguments it takes; write its usage with "
+            u"WScript.Echo");
+}
+
 }  // namespace orvo

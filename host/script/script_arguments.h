@@ -59,6 +59,8 @@ public:
     Object NewEnum();
     Ref<NamedArguments> Named();
     Ref<ScriptArguments> Unnamed();
+    // Raises 445: it is for scripts in files (.wsf) that say what their arguments mean.
+    void ShowUsage();
 
 private:
     std::vector<Text> words_;
@@ -73,7 +75,8 @@ inline constexpr auto table_of<ScriptArguments> = describe<ScriptArguments>(
     get<&ScriptArguments::Length>("length"),
     get<&ScriptArguments::Named>("Named"),
     get<&ScriptArguments::Unnamed>("Unnamed"),
-    get<&ScriptArguments::NewEnum>("_NewEnum").id(abi::DISPID_NEWENUM));
+    get<&ScriptArguments::NewEnum>("_NewEnum").id(abi::DISPID_NEWENUM),
+    method<&ScriptArguments::ShowUsage>("ShowUsage"));
 // clang-format on
 
 template <>

@@ -124,6 +124,9 @@ TEST_F(ScriptDates, AreStillTheLanguagesOwn) {
     EXPECT_EQ(text("new Date({valueOf: function () { return 5; }}).getTime()"), "5");
     EXPECT_EQ(text("Date.parse(String(new Date(1041501600123)))"), "1041501600123");
     EXPECT_EQ(text("new Date(5).getVarDate().getTime()"), "5");
+    const ScriptError none = error("new Date(NaN).getVarDate()");
+    EXPECT_EQ(static_cast<std::uint32_t>(none.number), 0x800A0005);
+    EXPECT_EQ(none.message, "Invalid procedure call or argument: this Date is no date");
     EXPECT_EQ(text("(Date.parse({toString: function () { return '1970-01-01'; }}))"), "0");
 }
 

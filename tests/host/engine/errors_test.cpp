@@ -275,6 +275,12 @@ TEST_F(ScriptErrors, AreCaughtAsTheyWereThrown) {
     }
 }
 
+TEST_F(ScriptErrors, TellNothingOfTheEnginesOwnStack) {
+    EXPECT_EQ(error("1 instanceof 1").message, "TypeError: object required, found 1");
+    EXPECT_EQ(error("[1].forEach(5)").message, "TypeError: function required, found 5");
+    EXPECT_EQ(error("throw new Error('x (stack index 5)')").message, "Error: x (stack index 5)");
+}
+
 TEST_F(ScriptErrors, AnAssignmentToAnyOtherCallIsNoneToAVariable) {
     EXPECT_STREQ(error("function f() {}\nf(1) = 2").what(),
                  "test.js, line 2: ReferenceError: only a call of an Automation object can be "

@@ -117,7 +117,11 @@ TEST_F(ScriptObjects, MembersThatAreNotThereAreRefused) {
     EXPECT_EQ(read.place.line, 2);
     EXPECT_EQ(error("shelf.Nowhere()").number, read.number);
     EXPECT_EQ(error("shelf.Nowhere = 1").number, read.number);
-    EXPECT_EQ(error("shelf.Count = 1").number, read.number);
+    const ScriptError written = error("shelf.Count = 1");
+    EXPECT_EQ(written.number, read.number);
+    EXPECT_EQ(written.message,
+              "Object doesn't support this property or method: this property can only be read");
+    EXPECT_EQ(error("shelf.Add = 1").message, read.message) << "that is a method";
     EXPECT_EQ(text("'Label' in shelf"), "true");
     EXPECT_EQ(text("'Nowhere' in shelf"), "false");
     EXPECT_EQ(error("delete shelf.Label").description, u"Object doesn't support this action");

@@ -88,6 +88,13 @@ TEST_F(OrvoScript, TellsNamedArgumentsFromOthers) {
               "5 2 2 2 in.csv /etc/hosts\na:b a:b true  false undefined\nrole\nVerbose\n");
 }
 
+TEST_F(OrvoScript, HasNoUsageToShow) {
+    EXPECT_EQ(run_text("WScript.Arguments.ShowUsage()"),
+              path("test.js") +
+                  ", line 1: Object doesn't support this action: a script here does not say which "
+                  "arguments it takes; write its usage with WScript.Echo (0x800A01BD)\n");
+}
+
 TEST_F(OrvoScript, HasTheEnvironmentOfTheShellAndRunsNoPrograms) {
     EXPECT_EQ(run_text("var s = new ActiveXObject('WScript.Shell'), e = s.Environment('PROCESS');"
                        "e('ORVO_A') = 'b'; WScript.Echo(e('ORVO_A'), e('ORVO_NONE') === '', "
