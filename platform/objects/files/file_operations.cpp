@@ -130,16 +130,24 @@ void make_folder(const UsablePath& path) {
     if (::mkdir(path.path.c_str(), 0777) != 0) raise_file_error(errno);
 }
 
+void delete_entries(const std::vector<UsablePath>& entries, EntryKind kind, bool force) {
+    for (const UsablePath& entry : entries) {
+        if (!force && (kind == EntryKind::folder ? has_read_only(entry.path) : is_read_only(entry)))
+            raise_runtime_error(runtime_error::permission_denied);
+        if (kind == EntryKind::folder) require_allowed_below(entry);
+    }
+    for (const UsablePath& entry : entries) {
+        std::error_code error;
+        if (kind == EntryKind::folder)
+            fs::remove_all(entry.path, error);
+        else
+            fs::remove(entry.path, error);
+        check(error);
+    }
+}
+
 void delete_entry(const UsablePath& path, EntryKind kind, bool force) {
-    if (!force && (kind == EntryKind::folder ? has_read_only(path.path) : is_read_only(path)))
-        raise_runtime_error(runtime_error::permission_denied);
-    if (kind == EntryKind::folder) require_allowed_below(path);
-    std::error_code error;
-    if (kind == EntryKind::folder)
-        fs::remove_all(path.path, error);
-    else
-        fs::remove(path.path, error);
-    check(error);
+    delete_entries({path}, kind, force);
 }
 
 void copy_entry(const UsablePath& from, const UsablePath& to, EntryKind kind, bool overwrite) {

@@ -27,8 +27,9 @@ UsablePath target_of(const UsablePath& from, const Text& destination, bool is_of
 bool is_read_only(const UsablePath& path);
 
 void make_folder(const UsablePath& path);
-// Without `force`, raises 70 for what is read-only, and nothing is deleted; likewise for a folder
-// that holds what the thread's context does not allow.
+// Without `force`, raises 70 where one of them is read-only or, of a folder, holds what is, and
+// nothing is deleted; likewise for a folder that holds what the thread's context does not allow.
+void delete_entries(const std::vector<UsablePath>& entries, EntryKind kind, bool force);
 void delete_entry(const UsablePath& path, EntryKind kind, bool force);
 // Without `overwrite`, raises 58 for a file that is there; a folder's files are added to those of a
 // folder that is there. Raises 70 for a copy into itself, for a link to a folder, and where what is

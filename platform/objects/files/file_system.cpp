@@ -22,7 +22,7 @@ UsablePath existing(const Text& path, EntryKind kind) {
 }
 
 void delete_all(const Text& path, EntryKind kind, bool force) {
-    for (const UsablePath& entry : entries_of(path, kind)) delete_entry(entry, kind, force);
+    delete_entries(entries_of(path, kind), kind, force);
 }
 
 // Calls transfer(from, to) for each entry that `from` means.

@@ -182,6 +182,26 @@ TEST_F(FileAccess, ExceptedFilesAreNotUsedWhateverWayTheyWouldCome) {
     EXPECT_FALSE(fs::exists(allowed / "page.asp"));
 }
 
+TEST_F(FileAccess, APatternsFoldersAreAllDeletedOrNone) {
+    folder.write("allowed/part-1/a.txt", "a");
+    folder.write("allowed/part-2/page.asp", "the page");
+    folder.write("allowed/part-3.txt", "a file");
+    allow(make_file_access({allowed},
+                           [](const fs::path& file) { return file.extension() == ".asp"; }));
+    EXPECT_EQ(raised([&] { files.DeleteFolder(path("allowed/part-*"), true); }), denied);
+    EXPECT_TRUE(fs::exists(allowed / "part-1/a.txt"));
+    allow(make_file_access({allowed}, [](const fs::path&) { return false; }));
+    fs::permissions(allowed / "part-2/page.asp", fs::perms::owner_read);
+    EXPECT_EQ(raised([&] { files.DeleteFolder(path("allowed/part-*"), false); }), denied);
+    EXPECT_TRUE(fs::exists(allowed / "part-1/a.txt"));
+    EXPECT_EQ(raised([&] { files.DeleteFolder(path("allowed/part-*"), true); }), 0);
+    EXPECT_FALSE(fs::exists(allowed / "part-1"));
+    EXPECT_FALSE(fs::exists(allowed / "part-2"));
+    EXPECT_TRUE(fs::exists(allowed / "part-3.txt"));
+    EXPECT_EQ(raised([&] { files.DeleteFolder(path("allowed/part-*"), true); }),
+              runtime_error::path_not_found);
+}
+
 TEST_F(FileAccess, NamesWithANulAreRefused) {
     constexpr std::int32_t invalid = runtime_error::invalid_call;
     const Text nul(1, u'\0');
