@@ -36,10 +36,10 @@ if (isPost() && Request.Form("user").Count == 0) {
             problem = explained(error);
         }
     }
-} else if (url != "" && hasKeptForm(url) && isKeptForVisitor()) {
-    problem = "Your login has ended. Please log in again: what you typed is kept, but for passwords.";
 } else if (url != "" && isLoggedIn()) {
     problem = "Your account may not open this page. You can log in with another one.";
+} else if (url != "" && hasKeptForm(url) && isKeptForVisitor()) {
+    problem = "Your login has ended. Please log in again: what you typed is kept, but for passwords.";
 } else if (url != "" && Session("QUENDRAID")) {
     problem = "Your login has ended. Please log in again.";
 }

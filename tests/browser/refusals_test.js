@@ -136,6 +136,18 @@ inTheShop('refusals', (tell) => {
         assert.equal(await visitor.loggedInAs(), 'admin');
     });
 
+    tell('an ordinary user who sends a form of the administration is told so', async (visitor) => {
+        await visitor.logIn('jsmith');
+        const answer = await visitor.context.request.post(visitor.url + '/admin/members.asp', {
+            form: { sender: 'jsmith', Phone: '4711' }, headers: { Origin: visitor.url },
+        });
+        const text = await answer.text();
+        assert.match(text, /Your account may not open this page/);
+        assert.doesNotMatch(text, /login has ended/);
+        await visitor.go('/account/');
+        assert.equal(await visitor.loggedInAs(), 'jsmith');
+    });
+
     tell('a local administrator sees the administration', async (visitor) => {
         await visitor.logIn('local');
         await visitor.go('/admin/profiles.asp');
