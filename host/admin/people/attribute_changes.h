@@ -8,7 +8,11 @@
 #include <utility>
 #include <vector>
 
+#include "host/admin/common/exit_codes.h"
+#include "host/admin/common/output.h"
+#include "host/admin/common/site.h"
 #include "host/admin/people/entry_values.h"
+#include "host/admin/people/user_admin.h"
 
 namespace orvo::admin {
 
@@ -49,6 +53,16 @@ void change_attributes(const Entry& entry, const std::vector<AttributeChange>& c
          [&](const std::string& name, const Value& value) { entry.SetAttribValue(name, value); },
          [&](const std::string& name) { entry.ClearAttribValue(name); }},
         changes);
+}
+
+// `orvo users set` and `orvo profiles set`: `entry` binds the user or profile.
+template <class Entry>
+int set_attributes(const AssignmentsRequest& request,
+                   Entry (Site::*entry)(const std::string& name) const) {
+    const std::vector<AttributeChange> changes = parse_assignments(request.assignments);
+    change_attributes((Site(request.common.site).*entry)(request.name), changes);
+    say(request.common, request.name, "changed");
+    return done;
 }
 
 }  // namespace orvo::admin

@@ -75,10 +75,7 @@ int add_profile(const AssignmentsRequest& request) {
 }
 
 int set_profile(const AssignmentsRequest& request) {
-    const std::vector<AttributeChange> changes = parse_assignments(request.assignments);
-    change_attributes(Site(request.common.site).profile(request.name), changes);
-    say(request.common, request.name, "changed");
-    return done;
+    return set_attributes(request, &Site::profile);
 }
 
 int remove_profiles(const NamesRequest& request) {

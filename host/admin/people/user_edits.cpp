@@ -83,12 +83,7 @@ int add_user(const UserAddRequest& request) {
     return done;
 }
 
-int set_user(const AssignmentsRequest& request) {
-    const std::vector<AttributeChange> changes = parse_assignments(request.assignments);
-    change_attributes(Site(request.common.site).user(request.name), changes);
-    say(request.common, request.name, "changed");
-    return done;
-}
+int set_user(const AssignmentsRequest& request) { return set_attributes(request, &Site::user); }
 
 int remove_users(const NamesRequest& request) {
     const Site site(request.common.site);
