@@ -6,8 +6,8 @@
 
 #include "host/admin/common/output.h"
 #include "host/admin/common/table_writer.h"
+#include "host/admin/common/texts.h"
 #include "host/admin/common/value_list.h"
-#include "platform/values/text.h"
 #include "suite/directory/ldif/base64.h"
 #include "suite/directory/ldif/ldif_writer.h"
 
@@ -112,8 +112,6 @@ private:
     std::ostream& out_;
     std::vector<Column> columns_;
 };
-
-bool is_utf8(const std::string& text) { return to_utf8(from_utf8(text)) == text; }
 
 }  // namespace
 

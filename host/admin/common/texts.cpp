@@ -28,6 +28,8 @@ std::string printable(std::string_view text) {
     return result;
 }
 
+bool is_utf8(std::string_view octets) { return to_utf8(from_utf8(octets)) == octets; }
+
 std::string told(const std::exception& failure) {
     if (const auto by_component = try_told_by_component(failure)) return printable(*by_component);
     const auto* own = dynamic_cast<const Failure*>(&failure);

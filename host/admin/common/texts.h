@@ -12,6 +12,8 @@ std::string text_of_file(const std::filesystem::path& file);
 // A name or another text out of a directory, for a terminal: control characters are "?".
 std::string printable(std::string_view text);
 
+bool is_utf8(std::string_view octets);
+
 // What a failure says.
 std::string told(const std::exception& failure);
 

@@ -4,14 +4,12 @@
 
 #include <new>
 
-#include "platform/values/text.h"
+#include "host/admin/common/texts.h"
 
 namespace orvo::admin {
 namespace {
 
 constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
-
-bool is_utf8(const std::string& text) { return to_utf8(from_utf8(text)) == text; }
 
 }  // namespace
 
