@@ -109,6 +109,21 @@ void append(std::vector<std::string>& values, Syntax syntax, TimeForm times, con
     if (!encoded.empty()) values.push_back(std::move(encoded));
 }
 
+Text taken_by(Syntax syntax) {
+    switch (syntax) {
+        case Syntax::integer:
+            return u"whole numbers";
+        case Syntax::boolean:
+            return u"true or false";
+        case Syntax::time:
+            return u"times";
+        case Syntax::bytes:
+        case Syntax::text:
+            break;
+    }
+    return u"texts";
+}
+
 }  // namespace
 
 Variant decode_value(Syntax syntax, std::string_view value) {
@@ -151,11 +166,18 @@ std::vector<std::string> encode_values(const AttributeType* type, const Variant&
     const Syntax syntax = type ? type->syntax : Syntax::text;
     const TimeForm times = type ? type->time_form : TimeForm::whole_seconds;
     std::vector<std::string> result;
-    if (!value.is_array() || value.try_bytes()) {
-        append(result, syntax, times, value);
-        return result;
+    try {
+        if (!value.is_array() || value.try_bytes()) {
+            append(result, syntax, times, value);
+            return result;
+        }
+        for (const Variant& element : value.to<Values>()) append(result, syntax, times, element);
+    } catch (const Failure& failure) {  // of many attributes, a caller has to learn which it is
+        if (!type || failure.number != runtime_error::type_mismatch) throw;
+        throw Failure(
+            failure.number, failure.source,
+            failure.description + u": " + from_utf8(type->name()) + u" takes " + taken_by(syntax));
     }
-    for (const Variant& element : value.to<Values>()) append(result, syntax, times, element);
     return result;
 }
 

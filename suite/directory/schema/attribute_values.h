@@ -29,7 +29,8 @@ Values decode_values(const AttributeType* type, std::span<const std::string> val
 // attribute is to be removed. A time is written as the type's server takes it. Empty values and
 // empty texts are left out, for a directory stores none. An array of bytes is one value. Raises 94
 // for null, 13 for a value that the syntax cannot hold (a number with a fraction for an integer,
-// say), 6 for a date out of range, result code 21 for a text with half of a surrogate pair.
+// say; the description names the attribute), 6 for a date out of range, result code 21 for a text
+// with half of a surrogate pair.
 std::vector<std::string> encode_values(const AttributeType* type, const Variant& value);
 
 }  // namespace orvo::directory

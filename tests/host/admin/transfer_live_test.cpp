@@ -93,7 +93,8 @@ TEST_P(OrvoTransfer, WritesWhatWasRefusedAsAFileThatCanBeCorrectedAndImported) {
     const Ended ended = orvo({"import", csv, "--refused", path("refused.csv")});
     EXPECT_EQ(ended.code, 3);
     EXPECT_EQ(ended.out, csv + ": 1 made, 0 changed, 0 unchanged, 3 refused.\n");
-    EXPECT_THAT(ended.err, HasSubstr(csv + ", line 3: Hopper, Grace: "));
+    EXPECT_THAT(ended.err, HasSubstr(csv + ", line 3: Hopper, Grace: Type mismatch: OrvoRole takes "
+                                           "whole numbers\n"));
     EXPECT_THAT(ended.err, HasSubstr(csv + ", line 4: ada: line 2 has this user, too\n"));
     EXPECT_THAT(ended.err,
                 HasSubstr(csv + ", line 5: short: it has 1 cells, and the first line 4\n"));

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/values/failure.h"
+#include "tests/support/raised.h"
 
 namespace orvo::directory {
 namespace {
@@ -136,6 +137,22 @@ TEST(EncodedValues, OfTimesAreGeneralizedTimes) {
         << "what locks an account for good";
     EXPECT_EQ(number_of_refusal(time, u"000101010000Z"), 13);
     EXPECT_EQ(number_of_refusal(time, u"yesterday"), 13);
+}
+
+TEST(EncodedValues, ThatAreRefusedNameTheirAttribute) {
+    const auto refusal = [](const char* name, Syntax syntax, const Variant& value) {
+        AttributeType type = type_with(syntax);
+        type.names = {name};
+        return raised_by([&] { encode_values(&type, value); }).description;
+    };
+    EXPECT_EQ(refusal("OrvoRole", Syntax::integer, u"much"),
+              u"Type mismatch: OrvoRole takes whole numbers");
+    EXPECT_EQ(refusal("OrvoRole", Syntax::integer, Values{u"1", 1.5}),
+              u"Type mismatch: OrvoRole takes whole numbers");
+    EXPECT_EQ(refusal("ShowExplain", Syntax::boolean, u"perhaps"),
+              u"Type mismatch: ShowExplain takes true or false");
+    EXPECT_EQ(refusal("OutOfOfficeOn", Syntax::time, u"yesterday"),
+              u"Type mismatch: OutOfOfficeOn takes times");
 }
 
 TEST(EncodedValues, OfBytesAreTheBytes) {
