@@ -1,6 +1,7 @@
 #include "host/admin/process/running_host.h"
 
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -28,37 +29,58 @@ sockaddr_un address_of(const std::filesystem::path& file) {
     return address;
 }
 
+timeval in_seconds(std::chrono::milliseconds time) {
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(time);
+    const std::chrono::microseconds rest = time - seconds;
+    return {.tv_sec = seconds.count(), .tv_usec = rest.count()};
+}
+
 class Connection {
 public:
-    explicit Connection(const std::filesystem::path& file) : Connection(file, address_of(file)) {}
+    Connection(const std::filesystem::path& file, std::chrono::milliseconds patience)
+        : file_(file), descriptor_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+        if (descriptor_ == -1) raise_unreachable(errno);
+        // Where its queue is full, connecting waits as sending does.
+        const timeval limit = in_seconds(patience);
+        for (const int direction : {SO_SNDTIMEO, SO_RCVTIMEO})
+            setsockopt(descriptor_, SOL_SOCKET, direction, &limit, sizeof limit);
+    }
     ~Connection() { close(descriptor_); }
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
+    void open() const {
+        const sockaddr_un address = address_of(file_);
+        if (connect(descriptor_, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0)
+            return;
+        if (errno == EAGAIN) raise_silent();
+        raise_unreachable(errno);
+    }
     std::string answer_to(const std::string& request) const {
         if (send(descriptor_, request.data(), request.size(), MSG_NOSIGNAL) !=
             static_cast<ssize_t>(request.size()))
             return {};
         std::string answer;
         char part[4096];
-        for (ssize_t size; (size = recv(descriptor_, part, sizeof part, 0)) > 0;)
+        ssize_t size;
+        while ((size = recv(descriptor_, part, sizeof part, 0)) > 0)
             answer.append(part, static_cast<std::size_t>(size));
+        if (size < 0 && errno == EAGAIN) raise_silent();
         return answer;
     }
 
 private:
-    Connection(const std::filesystem::path& file, const sockaddr_un& address)
-        : descriptor_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-        if (descriptor_ != -1 &&
-            connect(descriptor_, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0)
-            return;
-        const std::string reason = std::generic_category().message(errno);
-        if (descriptor_ != -1) close(descriptor_);
+    [[noreturn]] void raise_unreachable(int error) const {
         throw std::runtime_error(
-            file.string() + ": no host answers (" + reason +
+            file_.string() + ": no host answers (" + std::generic_category().message(error) +
             "); name its AdminSocket with --socket, and be root or the user that it runs as");
     }
+    [[noreturn]] void raise_silent() const {
+        throw std::runtime_error(
+            file_.string() + ": the host does not answer; see whether its process stands still");
+    }
 
+    const std::filesystem::path& file_;
     const int descriptor_;
 };
 
@@ -86,8 +108,11 @@ std::vector<std::size_t> places_of(const HostTable& table, const std::vector<std
 
 }  // namespace
 
-HostTable ask_host(const std::filesystem::path& socket, const std::string& request) {
-    std::istringstream answer(Connection(socket).answer_to(request + '\n'));
+HostTable ask_host(const std::filesystem::path& socket, const std::string& request,
+                   std::chrono::milliseconds patience) {
+    const Connection connection(socket, patience);
+    connection.open();
+    std::istringstream answer(connection.answer_to(request + '\n'));
     std::string line;
     std::getline(answer, line);
     if (line != "ok")

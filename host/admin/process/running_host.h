@@ -2,6 +2,7 @@
 
 // A running orvo-web, over its administration socket.
 
+#include <chrono>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -24,8 +25,10 @@ struct HostTable {
     std::vector<std::vector<std::string>> rows;
 };
 
-// Raises std::runtime_error, with what to do, where nobody listens there or the host refuses.
-HostTable ask_host(const std::filesystem::path& socket, const std::string& request);
+// Raises std::runtime_error, with what to do, where nobody listens there, the host refuses, or says
+// nothing for `patience`.
+HostTable ask_host(const std::filesystem::path& socket, const std::string& request,
+                   std::chrono::milliseconds patience = std::chrono::seconds(10));
 
 int show_pool(const HostRequest& request);
 int clear_cache(const HostRequest& request);

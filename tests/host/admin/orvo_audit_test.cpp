@@ -2,10 +2,10 @@
 
 #include <csignal>
 #include <fstream>
-#include <thread>
 
 #include "host/admin/audit/show_audit.h"
 #include "tests/host/admin/orvo_program.h"
+#include "tests/support/pseudo_terminal.h"
 
 namespace orvo::admin {
 namespace {
@@ -148,29 +148,21 @@ TEST_F(OrvoAudit, RefusesWhatItDoesNotKnow) {
 }
 
 TEST_F(OrvoAudit, FollowsWhatIsRecordedAlsoIntoANewFile) {
-    const auto await = [&](const std::string& text) {
-        for (int i = 0; i < 3000; ++i) {
-            if (content_of(path("followed")).find(text) != std::string::npos) return true;
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-        return false;
-    };
-    folder.write("followed", "");
-    ChildProcess follower({ORVO_ADMIN, "audit", "--site", path("site.ini"), "--user", "jsmith",
-                           "--since", "2026-11-14", "--follow"},
-                          path("followed"));
+    PseudoTerminal follower({ORVO_ADMIN, "audit", "--site", path("site.ini"), "--user", "jsmith",
+                             "--since", "2026-11-14", "--follow"});
+    const auto shown = [](std::string line) { return line.replace(line.size() - 1, 1, "\r\n"); };
     const std::string first = line("14", R"("event":"login","result":"done","user":"jsmith")");
     const std::string second = line("15", R"("event":"logout","result":"done","user":"jsmith")");
     const std::string third = line("16", R"("event":"login","result":"done","user":"jsmith")");
-    ASSERT_TRUE(await(first));
+    follower.expect(shown(first));
     std::ofstream(path("audit.jsonl"), std::ios::app)
         << second.substr(0, 40) << std::flush << second.substr(40);
-    ASSERT_TRUE(await(second));
+    follower.expect(shown(second));
     std::filesystem::rename(path("audit.jsonl"), path("audit.1.jsonl"));
     folder.write("audit.jsonl", line("16", R"("event":"login","user":"other")") + third);
-    ASSERT_TRUE(await(third));
-    EXPECT_EQ(content_of(path("followed")), first + second + third);
-    follower.send(SIGINT);
+    follower.expect(shown(third));
+    EXPECT_EQ(follower.shown(), shown(first) + shown(second) + shown(third));
+    follower.type("\x03");
     EXPECT_EQ(follower.wait(), 128 + SIGINT);
 }
 
