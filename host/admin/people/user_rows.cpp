@@ -3,6 +3,7 @@
 #include "host/admin/common/names.h"
 #include "host/admin/people/catalogue.h"
 #include "host/admin/people/entry_values.h"
+#include "host/admin/people/filter_check.h"
 
 namespace orvo::admin {
 namespace {
@@ -75,7 +76,10 @@ std::vector<std::string> criteria(const Site& site, const UserFilter& filter,
     if (!filter.type.empty())
         items.push_back("OrvoUserType=" + std::to_string(user_type_number(filter.type)));
     if (!filter.name.empty()) items.push_back(named(naming_attribute, filter.name));
-    for (const std::string& item : filter.items) items.push_back(without_parentheses(item));
+    for (const std::string& item : filter.items) {
+        require_filter(item);
+        items.push_back(without_parentheses(item));
+    }
     return items;
 }
 

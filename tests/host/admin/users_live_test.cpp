@@ -109,6 +109,13 @@ TEST_P(OrvoUsers, AreFilteredByWhatTheyHave) {
     EXPECT_THAT(listed({"--role", "24", "--profile", "Buyers"}), testing::Contains("jsmith"));
     EXPECT_THAT(listed({"--application", "10", "--profile", "Administrators"}),
                 ElementsAre("admin", "hsato", "ytakahashi"));
+    const Ended malformed = orvo({"users", "list", "--filter", "SpendLimit>>1000"});
+    EXPECT_EQ(malformed.code, 2);
+    EXPECT_EQ(
+        malformed.err,
+        "orvo: --filter: (87) The search filter is not valid. Character 12: an operator "
+        "('=', '>=', '<=', '~=' or ':=') is expected. The filter is '(SpendLimit>>1000)'; see "
+        "orvo users list --help\n");
     EXPECT_EQ(refused({"users", "list", "--profile", "Nothing"}),
               "orvo: there is no profile 'Nothing'\n");
     const Ended ended = orvo({"users", "list", "--role", "Painter"});
