@@ -5,6 +5,7 @@
 #include "suite/counters/count_event.h"
 #include "suite/directory/policy/password_attributes.h"
 #include "suite/directory/policy/password_check.h"
+#include "suite/directory/policy/result_codes.h"
 
 namespace orvo::directory {
 namespace {
@@ -67,6 +68,16 @@ std::int32_t audited_check(TextView server, TextView user,
     const std::int32_t number = done_or_recorded(check, record);
     record(result_of_check(number));
     return number;
+}
+
+void record_failed_bind(TextView server, TextView user, const Failure& failure) noexcept {
+    if (failure.number != number_of_code(result_code::invalid_credentials)) return;
+    try {
+        if (const Ref<Audit> audit = audit::try_audit())
+            call<&Audit::Record>(audit, Text(u"bind"), result_of_check(password_check::wrong),
+                                 Text(user), Text(), Text(server), Text());
+    } catch (const std::exception&) {  // the caller is told of the bind
+    }
 }
 
 void audited_change(const AuditedChange& change, const std::function<void()>& make) {

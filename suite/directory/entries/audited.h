@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/values/failure.h"
 #include "platform/values/text.h"
 
 namespace orvo::directory {
@@ -18,6 +19,21 @@ namespace orvo::directory {
 // recorded raises in its place.
 std::int32_t audited_check(TextView server, TextView user,
                            const std::function<std::int32_t()>& check);
+
+// Records a bind (BindAs) that failed: event "bind" with "wrong" for credentials that the directory
+// refuses, nothing for any other failure. What cannot be recorded is in the log.
+void record_failed_bind(TextView server, TextView user, const Failure& failure) noexcept;
+
+// A bind, from `bind`. One that succeeds is not recorded.
+template <class Bind>
+void audited_bind(TextView server, TextView user, Bind bind) {
+    try {
+        bind();
+    } catch (const Failure& failure) {
+        record_failed_bind(server, user, failure);
+        throw;
+    }
+}
 
 // A change of an entry, by the account that it is made with.
 struct AuditedChange {

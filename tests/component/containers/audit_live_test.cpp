@@ -74,6 +74,21 @@ TEST_FRESH_FOR_EACH(AuditLive, HasWhoMadeChangedAndRemovedUsers) {
                                    change("delete", "done", latecomer)));
 }
 
+TEST_FRESH_FOR_EACH(AuditLive, HasWhoTriedToWorkWithAWrongPassword) {
+    load_settings();
+    const auto bind_as = [&](const Text& name, const Text& account, const Text& password) {
+        const Object user = create_object(u"OrvoMembership.User");
+        return raised_by([&] { late::call(user, u"BindAs", {name, account, password}); }).number;
+    };
+    const Text service = from_utf8(shop_.service_dn());
+    EXPECT_EQ(bind_as(u"jsmith", service, u"not-it-1"), error_number(0x8007052E));
+    EXPECT_EQ(bind_as(u"nobody", service, from_utf8(shop_.service_password())),
+              error_number(0x80072030));
+    EXPECT_EQ(audit(), R"({"event":"bind","result":"wrong",)"
+                       R"("user":"cn=orvo-service,ou=Services,o=Shop","server":"@"})"
+                       "\n");
+}
+
 TEST_FRESH_FOR_EACH(AuditLive, HasNoPasswordNorHash) {
     login(u"jsmith", u"shop-sample");
     login(u"jsmith", u"not-it");

@@ -31,14 +31,16 @@ void EmbeddedEntry::Bind(Text& server, Text& container, Text& common_name, Text&
     ProvenPassword::forget();
     login_.reset();
     name_.clear();
-    Login login(server, user, password);
-    const Text name = entry_name(common_name, container_name(container));
-    require_whole(name);
-    name_ = to_utf8(name);
-    server_ = server;
-    login.authenticate();
-    login.known(name_);
-    login_ = std::move(login);
+    audited_bind(server, user, [&] {
+        Login login(server, user, password);
+        const Text name = entry_name(common_name, container_name(container));
+        require_whole(name);
+        name_ = to_utf8(name);
+        server_ = server;
+        login.authenticate();
+        login.known(name_);
+        login_ = std::move(login);
+    });
 }
 
 Variant EmbeddedEntry::GetValues(Text& name) {

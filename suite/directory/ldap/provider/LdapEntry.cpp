@@ -30,6 +30,12 @@ std::vector<std::string> names_in(const Variant& attributes) {
 
 void LdapEntry::Bind(Text& server, Text& container, Text& common_name, Text& user, Secret& password,
                      Variant& attributes) {
+    audited_bind(server, user,
+                 [&] { bind(server, container, common_name, user, password, attributes); });
+}
+
+void LdapEntry::bind(TextView server, TextView container, TextView common_name, TextView user,
+                     const Secret& password, const Variant& attributes) {
     ProvenPassword::forget();
     login_.reset();
     facts_.reset();

@@ -113,6 +113,8 @@ private:
         std::uint64_t write_mark = 0;
     };
 
+    void bind(TextView server, TextView container, TextView common_name, TextView user,
+              const Secret& password, const Variant& attributes);
     void find_entry(TextView container, TextView common_name);
     CacheKey cache_key(const ServerLogin& login) const;
     Reading read(ServerLogin& login, std::vector<std::string> asked, bool is_whole) const;
