@@ -19,6 +19,17 @@ public:
     virtual void Count(const Text& name, const Text& kind) = 0;
     // A record set of all that was counted, ordered: columns Name, Kind and Count, a double.
     virtual Object Rows() = 0;
+    // A record set with one row where the site has a shared store, as the suite uses it for logins,
+    // without rows where it has none. The columns:
+    //   Reachable    whether it answers; true before it was first asked
+    //   Commands     that were answered or failed, since the process began, as a double; likewise
+    //   Failures     of these, those for which it was not to be reached
+    //   Connects     connections that were made
+    //   Failovers    how often another master was found than before
+    //   Connections  now
+    //   InUse        of these
+    //   Seconds      what all commands took
+    virtual Object Store() = 0;
 
 protected:
     ~Counters() = default;
@@ -32,7 +43,11 @@ inline constexpr auto table_of<Counters> = describe<Counters>(
     method<&Counters::Count>("Count", "name", "kind")
         .help("Counts one more of it. Neither text is anybody's name; the first 200 pairs are counted."),
     method<&Counters::Rows>("Rows")
-        .help("All that was counted, as a record set with the columns Name, Kind and Count."));
+        .help("All that was counted, as a record set with the columns Name, Kind and Count."),
+    method<&Counters::Store>("Store")
+        .help("How the site's shared store is doing: a record set with the columns Reachable, Commands, "
+              "Failures, Connects, Failovers, Connections, InUse and Seconds, without rows where the "
+              "site has none."));
 // clang-format on
 
 }  // namespace orvo

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/objects/recordset/builder.h"
+#include "suite/counters/store_figures.h"
 
 namespace orvo::counters {
 namespace {
@@ -40,6 +41,19 @@ Object SuiteCounters::Rows() {
     const std::lock_guard lock(counted.mutex);
     for (const auto& [key, count] : counted.counts)
         builder.add({key.first, key.second, static_cast<double>(count)});
+    return builder.open().object();
+}
+
+Object SuiteCounters::Store() {
+    RecordSetBuilder builder({u"Reachable", u"Commands", u"Failures", u"Connects", u"Failovers",
+                              u"Connections", u"InUse", u"Seconds"});
+    const auto number = [](auto count) { return static_cast<double>(count); };
+    if (const auto figures = store_figures()) {
+        const store::Redis::Counts& counts = figures->counts;
+        builder.add({figures->is_reachable, number(counts.commands), number(counts.failures),
+                     number(counts.connects), number(counts.failovers), number(counts.connections),
+                     number(counts.in_use), number(counts.total_time.count()) / 1e6});
+    }
     return builder.open().object();
 }
 

@@ -12,6 +12,8 @@ class SuiteCounters final : public Counters {
 public:
     void Count(const Text& name, const Text& kind) override;
     Object Rows() override;
+    // Raises what is wrong with the store's settings.
+    Object Store() override;
 };
 
 }  // namespace counters

@@ -1,6 +1,7 @@
 #include "host/web/administration/directory_metrics.h"
 
 #include <algorithm>
+#include <cmath>
 #include <optional>
 #include <utility>
 
@@ -139,9 +140,8 @@ void write_counts(Exposition& out, const Object& servers, const std::vector<std:
     out.sample(value_of(all, "cache entries", ""));
 }
 
-void write_logins(Exposition& out) {
-    const auto all =
-        counted(late::call(create_object(u"OrvoSuite.Counters"), u"Rows").to<Object>());
+void write_logins(Exposition& out, const Object& counters) {
+    const auto all = counted(late::call(counters, u"Rows").to<Object>());
     out.family("orvo_logins_total", MetricType::counter,
                "Password checks, by their outcome; failure: the directory has not told.");
     for (const char* outcome :
@@ -154,6 +154,29 @@ void write_logins(Exposition& out) {
         out.sample(value_of(all, "filter", event), {{"event", event}});
 }
 
+// Of a site without a shared store: reachable, and never asked.
+void write_store(Exposition& out, const Object& counters) {
+    const auto rows = RecordRows::read(late::call(counters, u"Store").to<Object>()).rows;
+    const auto write = [&](std::string_view name, MetricType type, std::string_view help,
+                           std::size_t column, double otherwise = 0) {
+        out.family(name, type, help);
+        out.sample(rows.empty() ? otherwise : std::abs(rows[0][column].to<double>()));
+    };
+    write("orvo_store_reachable", MetricType::gauge,
+          "1 unless the site has a shared store of logins that cannot be reached.", 0, 1);
+    write("orvo_store_commands_total", MetricType::counter,
+          "Commands to the shared store that were answered, or failed.", 1);
+    write("orvo_store_failures_total", MetricType::counter,
+          "Of these, those for which it was not to be reached.", 2);
+    write("orvo_store_connects_total", MetricType::counter, "Connections that were made to it.", 3);
+    write("orvo_store_failovers_total", MetricType::counter,
+          "How often another master was found than before.", 4);
+    write("orvo_store_connections", MetricType::gauge, "Connections to it.", 5);
+    write("orvo_store_connections_in_use", MetricType::gauge, "Of these, those in use.", 6);
+    write("orvo_store_command_seconds_total", MetricType::counter,
+          "Time that all commands took together.", 7);
+}
+
 }  // namespace
 
 void write_directory_metrics(Exposition& out) {
@@ -161,7 +184,9 @@ void write_directory_metrics(Exposition& out) {
     const std::vector<std::string> urls = write_states(out, servers);
     write_operations(out, servers, urls);
     write_counts(out, servers, urls);
-    write_logins(out);
+    const Object counters = create_object(u"OrvoSuite.Counters");
+    write_logins(out, counters);
+    write_store(out, counters);
 }
 
 }  // namespace orvo::web

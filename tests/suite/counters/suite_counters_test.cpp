@@ -13,6 +13,7 @@
 #include "suite/directory/policy/password_check.h"
 #include "tests/support/environment.h"
 #include "tests/support/raised.h"
+#include "tests/support/temp_folder.h"
 
 namespace orvo::counters {
 namespace {
@@ -74,6 +75,14 @@ TEST_F(CountersTest, AreNoReasonForAFailureWhereThereAreNone) {
     const auto before = counted(logins);
     EXPECT_NO_THROW(check(directory::password_check::right));
     EXPECT_EQ(counted(logins), before);
+}
+
+TEST_F(CountersTest, TellNothingOfASharedStoreWhereTheSiteHasNone) {
+    const TempFolder folder;
+    const Environment site("ORVO_SITE_CONFIG", folder.write("site.ini", "").string());
+    const Object rows = SuiteCounters().Store();
+    EXPECT_EQ(late::get(late::get(rows, u"Fields").to<Object>(), u"Count"), Variant(8));
+    EXPECT_EQ(late::get(rows, u"EOF"), Variant(true));
 }
 
 // The last test of all: it fills them.
