@@ -220,7 +220,12 @@ ShopPage Visitor::get(const std::string& path) {
 
 ShopPage Visitor::post(const std::string& path, const HttpFields& form) {
     ++ledger_.requests;
-    return page_of(browser_->post(path, form));
+    // On a connection of its own, since a request on one that turns out to be closed is sent again.
+    web::Browser once(shop_.port);
+    once.cookies = browser_->cookies;
+    const HttpResult answer = once.post(path, form);
+    browser_->cookies = once.cookies;
+    return page_of(answer);
 }
 
 // Of a page that somebody is to see who is logged in.

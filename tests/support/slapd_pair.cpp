@@ -1,7 +1,6 @@
 #include "tests/support/slapd_pair.h"
 
 #include <algorithm>
-#include <chrono>
 #include <fstream>
 #include <stdexcept>
 #include <thread>
@@ -12,6 +11,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+// A busy machine takes its time to pass on all entries.
+constexpr auto first_patience = std::chrono::seconds(120);
 const std::string place_of_replication = "# (replication)";
 
 // Replaces a text that has to be there, once.
@@ -61,11 +62,11 @@ SlapdPair::SlapdPair(SlapdOptions options) {
     follow(*servers_[0], *servers_[1]);
     follow(*servers_[1], *servers_[0]);
     for (const auto& server : servers_) server->start();
-    if (!settle()) throw std::runtime_error("the two servers do not replicate");
+    if (!settle(first_patience)) throw std::runtime_error("the two servers do not replicate");
 }
 
-bool SlapdPair::settle() const {
-    const auto end = Clock::now() + std::chrono::seconds(30);
+bool SlapdPair::settle(std::chrono::seconds patience) const {
+    const auto end = Clock::now() + patience;
     std::vector<std::string> before;
     while (Clock::now() < end) {
         std::array<std::vector<std::string>, 2> known;

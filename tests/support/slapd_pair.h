@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <memory>
 
 #include "tests/support/ldap_probe.h"
@@ -22,8 +23,8 @@ public:
         return *servers_.at(static_cast<std::size_t>(server));
     }
 
-    // Waits until both servers say that they know the same changes; false after 30 s.
-    bool settle() const;
+    // Waits until both servers say that they know the same changes; false after `patience`.
+    bool settle(std::chrono::seconds patience = std::chrono::seconds(30)) const;
     // A look into one server as its root.
     std::unique_ptr<LdapProbe> look_into(int server) const;
 

@@ -17,7 +17,20 @@ var fields = [
     { name: "SubstituteBuyer", attribute: "SubstituteBuyer", label: "Substitute while away", kind: "text" },
     { name: "OutOfOfficeOn", attribute: "OutOfOfficeOn", label: "I am out of office", kind: "flag" }
 ];
-var form = isSent(fields) ? formOf(fields) : null;
+// What the card shows. Read before anything is shown: the directory may fail in the middle.
+function knownOf(user) {
+    var roles = [], profile = user.Profile, expiry = new Date(user.CreditCardExpiryDate);
+    for (var i = 0; i < roleNames.length; i++)
+        if (user.HasRole(roleNames[i][0])) roles.push(roleNames[i][1]);
+    return {
+        name: user.CN, kind: userTypes[user.OrvoUserType], profile: profile ? profile.CN : "none",
+        roles: roles.join(", ") || "none", applications: new VBArray(user.OrvoApps).toArray().join(", "),
+        limit: amount(user.SpendLimit),
+        card: expiry.getFullYear() > 1900 ? (expiry.getMonth() + 1) + "/" + expiry.getFullYear() : "no card"
+    };
+}
+
+var form = isSent(fields) ? formOf(fields) : null, known = null;
 try {
     user = Server.CreateObject("OrvoMembership.User");
     form = form || formOf(fields, user);
@@ -30,25 +43,25 @@ if (isPost() && user) {
     problem = isOwnForm() ? saved(form, user) : staleForm;
     if (!problem) goOn("/account/", "Your account has been saved.");
 }
+try {
+    if (user) known = knownOf(user);
+} catch (error) {
+    problem = problem || explained(error);
+}
 
 head(title, form ? problemOf(form, problem) : problem);
-if (user) {
-    var roles = [];
-    for (var i = 0; i < roleNames.length; i++)
-        if (user.HasRole(roleNames[i][0])) roles.push(roleNames[i][1]);
-    var profile = user.Profile;
-    var expiry = new Date(user.CreditCardExpiryDate);
+if (known) {
 %>
 <div class="card">
 <h2>What the shop knows about you</h2>
 <dl>
-<dt>User name</dt><dd id="cn"><%= html(user.CN) %></dd>
-<dt>Kind of account</dt><dd><%= html(userTypes[user.OrvoUserType]) %></dd>
-<dt>Profile</dt><dd><%= profile ? html(profile.CN) : "none" %></dd>
-<dt>Roles</dt><dd id="roles"><%= html(roles.join(", ") || "none") %></dd>
-<dt>Applications</dt><dd><%= html(new VBArray(user.OrvoApps).toArray().join(", ")) %></dd>
-<dt>Spend limit</dt><dd id="limit"><%= amount(user.SpendLimit) %></dd>
-<dt>Credit card valid until</dt><dd><%= expiry.getFullYear() > 1900 ? html((expiry.getMonth() + 1) + "/" + expiry.getFullYear()) : "no card" %></dd>
+<dt>User name</dt><dd id="cn"><%= html(known.name) %></dd>
+<dt>Kind of account</dt><dd><%= html(known.kind) %></dd>
+<dt>Profile</dt><dd><%= html(known.profile) %></dd>
+<dt>Roles</dt><dd id="roles"><%= html(known.roles) %></dd>
+<dt>Applications</dt><dd><%= html(known.applications) %></dd>
+<dt>Spend limit</dt><dd id="limit"><%= known.limit %></dd>
+<dt>Credit card valid until</dt><dd><%= html(known.card) %></dd>
 </dl>
 <p class="bar"><a href="/password.asp">Change password</a><a href="/account/logins.asp">My logins</a></p>
 </div>
