@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <ostream>
 
 #include "suite/authfilter/filter_store.h"
 
@@ -13,6 +14,8 @@ struct StoreKind {
     const char* name;
     // A store of the test's own. `passed`: by how much its clock has gone on beside the real time.
     std::function<std::unique_ptr<Store>(std::function<std::chrono::milliseconds()> passed)> make;
+
+    friend void PrintTo(const StoreKind& kind, std::ostream* out) { *out << kind.name; }
 };
 
 // What all stores do, whatever they keep it in; each kind is instantiated where it can be made.
