@@ -1,6 +1,8 @@
 'use strict';
 
 const assert = require('node:assert/strict');
+const fs = require('node:fs');
+const path = require('node:path');
 const { inTheShop, refused } = require('./shop');
 
 const entry = async (directory, cn, attributes) =>
@@ -106,7 +108,10 @@ inTheShop('account', (tell) => {
         assert.equal(await admin.loggedInAs(), 'admin');
     });
 
-    tell('a login whose password was changed elsewhere is told so', async (visitor, shop) => {
+    tell('a login whose password was changed elsewhere is told so', async (_, shop) => {
+        const settings = fs.readFileSync(path.join(__dirname, '../../examples/shop/site.ini'), 'utf8');
+        const visitor = await shop.visitor(await shop.serveWith(
+            { 'site.ini': `${settings}\nDirectoryPool=RecheckAfter = 0\n` }));
         await visitor.logIn('awalker');
         await shop.directory.replacePassword('awalker');
         await visitor.go('/account/');
