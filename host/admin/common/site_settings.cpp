@@ -1,10 +1,10 @@
 #include "host/admin/common/site_settings.h"
 
-#include <algorithm>
 #include <stdexcept>
 
 #include "suite/configuration/ini_files.h"
 #include "suite/configuration/suite_configuration.h"
+#include "suite/directory/map/map_reader.h"
 
 namespace orvo::admin {
 namespace {
@@ -33,10 +33,8 @@ SiteSettings read_site_settings(const std::filesystem::path& file) {
     SiteSettings site;
     site.file = file;
     const auto of = [&](TextView key) { return read(site, *values, key); };
-    site.is_mapped = std::ranges::any_of(values->sections(), [](const IniSection& section) {
-        return to_utf8(lower(section.name)).starts_with("directory.map");
-    });
     site.provider = of(u"PlugableModuleImplementation");
+    if (site.provider == "OrvoDirectory.Ldap") site.map = directory::read_map(file, *values);
     site.server = of(u"LDAPServer");
     site.root = of(u"LDAPRoot");
     site.users = of(u"UserContainer");

@@ -1,8 +1,13 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
+
+namespace orvo::directory {
+struct DirectoryMap;
+}
 
 namespace orvo::admin {
 
@@ -20,8 +25,8 @@ struct SiteSettings {
     std::string profile_naming_attribute, account_naming_attribute;
     // MemScriptCode as it is written: "@file:service.code"
     std::string service_code;
-    // The directory does not know the product's schema: a section DIRECTORY.MAP describes it.
-    bool is_mapped = false;
+    // Of an LDAP directory that does not know the product's schema; null for any other.
+    std::shared_ptr<const directory::DirectoryMap> map;
 };
 
 // The settings of the site that a command works on: of the file that --site names, or without it

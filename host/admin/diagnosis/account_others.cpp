@@ -35,8 +35,10 @@ Finding to_be_changed(const Account& account) {
                   "Let the user change it on the site's page for that, or " + set_new(account));
 }
 
-// 389 directory server: a time of 1970 stands for "until somebody does something about it".
+// 389 directory server: a time of 1970 stands for "until somebody does something about it". A
+// password that is to be changed has the second after it once its user has logged in.
 constexpr sys_seconds at_once{};
+constexpr sys_seconds at_once_and_told = at_once + seconds(1);
 
 Finding enabled_389(const Account& account) {
     if (!ascii::equal_ignoring_case(value_of(account.entry, "nsAccountLock"), "true"))
@@ -57,7 +59,7 @@ Finding locked_389(const Account& account) {
 Finding age_389(const Account& account) {
     const auto expiry = try_seconds(value_of(account.entry, "passwordExpirationTime"));
     if (!expiry) return found("does not expire");
-    return *expiry == at_once ? to_be_changed(account) : expiring(account, *expiry);
+    return *expiry <= at_once_and_told ? to_be_changed(account) : expiring(account, *expiry);
 }
 
 // Active Directory: steps of 100 ns since 1601; 0 and the largest number stand for never.

@@ -73,9 +73,13 @@ class ServerAccounts : public AccountSource {
 public:
     // Logged in.
     explicit ServerAccounts(LdapServer server)
-        : server_(std::move(server)), view_(*server_.session) {}
+        : server_(std::move(server)), view_(server_.view()) {}
 
-    DirectoryView& view() override { return view_; }
+    DirectoryView& view() override { return *view_; }
+    std::vector<std::string> all_called(const std::string& name) override {
+        if (server_.mapped) return server_.mapped->all_called(name);
+        return AccountSource::all_called(name);
+    }
     const AccountReader& reader() const override {
         switch (server_.make) {
             case Make::openldap:
@@ -110,7 +114,7 @@ private:
     std::string default_policy();
 
     LdapServer server_;
-    LdapView view_;
+    const std::unique_ptr<DirectoryView> view_;
 };
 
 // The one that the server's configuration names, or the only one that is to be seen; empty: nobody
@@ -125,7 +129,7 @@ std::string ServerAccounts::default_policy() {
     server_.session->search(
         request, [&](EntryData&& overlay) { name = value_of(overlay, "olcPPolicyDefault"); });
     if (!name.empty()) return name;
-    const auto policies = view_.search(server_.site.root, "(objectClass=pwdPolicy)", 2);
+    const auto policies = view_->search(server_.site.root, "(objectClass=pwdPolicy)", 2);
     return policies.size() == 1 ? policies.front().name : name;
 }
 
@@ -134,7 +138,7 @@ Policy ServerAccounts::policy_of(const EntryData& user) {
     if (!has_policies()) return {Policy::Kind::none};
     std::string name = value_of(user, "pwdPolicySubentry");
     if (name.empty()) name = default_policy();
-    const auto policy = name.empty() ? std::nullopt : view_.find(name);
+    const auto policy = name.empty() ? std::nullopt : view_->find(name);
     if (!policy) return {Policy::Kind::hidden};
     return {Policy::Kind::known, PasswordRules::from(*policy)};
 }
@@ -160,10 +164,6 @@ Finding ServerAccounts::compare(const EntryData& user, const Secret& password) {
 
 std::unique_ptr<AccountSource> open_accounts(const SiteSettings& site) {
     if (provider_of(site) == Provider::embedded) return std::make_unique<FileAccounts>(site);
-    if (site.is_mapped)
-        throw std::runtime_error(site.file.string() +
-                                 " describes the directory in DIRECTORY.MAP, which why does not "
-                                 "look through");
     const auto address = ldap::ServerAddress::parse(from_utf8(site.server));
     for (const ldap::ServerHost& host : address.hosts()) {
         LdapServer server{site, host};

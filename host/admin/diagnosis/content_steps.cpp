@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "suite/directory/map/directory_map.h"
 #include "suite/directory/names/ascii.h"
 #include "suite/directory/names/written_name.h"
 #include "suite/directory/policy/failures.h"
@@ -50,6 +51,14 @@ std::string listed(const std::vector<std::string>& items) {
         text += (i > 0 ? ", " : "") + items[i];
     if (items.size() > most) text += " and " + std::to_string(items.size() - most) + " more";
     return text;
+}
+
+std::vector<std::string> groups_of(const DirectoryMap& map) {
+    std::vector<std::string> groups;
+    for (const MappedAttribute& attribute : map.attributes)
+        for (const MappedGroup& row : attribute.groups)
+            if (std::ranges::count(groups, row.group.name) == 0) groups.push_back(row.group.name);
+    return groups;
 }
 
 namespace {
@@ -119,17 +128,24 @@ Finding examine_containers(const SiteSettings& site, DirectoryView& view) {
         std::string name;
     };
     std::vector<Row> rows{{"LDAPRoot", site.root}, {"UserContainer", below_root(site, site.users)}};
-    if (!site.is_mapped) {
+    if (!site.map) {
         rows.push_back({"ProfileContainer", below_root(site, site.profiles)});
         rows.push_back({"AccountContainer", below_root(site, site.accounts)});
     }
+    if (site.map)
+        for (const std::string& group : groups_of(*site.map))
+            rows.push_back({"DIRECTORY.MAP.GROUPS", group});
     std::vector<std::string> missing, settings;
     for (const Row& row : rows) {
         if (view.find(row.name)) continue;
         missing.push_back(quoted_name(row.name));
-        settings.push_back(row.setting);
+        if (std::ranges::count(settings, row.setting) == 0) settings.push_back(row.setting);
     }
-    if (missing.empty() && site.is_mapped) return found(site.users + " below " + site.root);
+    if (missing.empty() && site.map) {
+        const std::size_t groups = groups_of(*site.map).size();
+        return found(site.users + " below " + site.root +
+                     (groups > 0 ? ", and " + std::to_string(groups) + " groups" : ""));
+    }
     if (missing.empty())
         return found(listed({site.users, site.profiles, site.accounts}) + " below " + site.root);
     return failed("There is no " + listed(missing) + ", or it is hidden from the service account.",

@@ -20,11 +20,14 @@ std::string below_root(const SiteSettings& site, const std::string& relative);
 std::string entry_below(const SiteSettings& site, const std::string& attribute,
                         const std::string& value, const std::string& container);
 
+// The groups that roles and the like come from, each once.
+std::vector<std::string> groups_of(const directory::DirectoryMap& map);
+
 // That the schema has the product's attributes, and the classes that the settings name. `advice`:
 // how it gets them.
 Finding examine_schema(const SiteSettings& site, const directory::AttributeTypes& types,
                        const directory::ObjectClasses& classes, const std::string& advice);
-// That the containers are there.
+// That the containers, and the groups of a map, are there.
 Finding examine_containers(const SiteSettings& site, DirectoryView& view);
 // That there is an account for each type that users have.
 Finding examine_accounts(const SiteSettings& site, DirectoryView& view);

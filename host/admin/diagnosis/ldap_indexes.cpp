@@ -17,20 +17,39 @@ namespace {
 using namespace directory;
 using namespace directory::ldap;
 
-// What the component searches for, with a value that nobody has.
+// What the component searches users for, with a value that nobody has.
 struct Searched {
     std::string attribute;
     const char* value;
 };
 
-std::vector<Searched> searched(const SiteSettings& site) {
-    return {{site.naming_attribute, "orvo-doctor"},
-            {"OrvoGUID", "0"},
-            {"OrvoRole", "2147483646"},
-            {"OrvoApps", "2147483646"},
-            {"OrvoUserType", "2147483646"},
-            {"ProfileCN", "orvo-doctor"},
-            {"LocalAdminProfileCN", "orvo-doctor"}};
+std::vector<Searched> searched(const LdapServer& server) {
+    const std::vector<Searched> ours{{server.site.naming_attribute, "orvo-doctor"},
+                                     {"OrvoGUID", "0"},
+                                     {"OrvoRole", "2147483646"},
+                                     {"OrvoApps", "2147483646"},
+                                     {"OrvoUserType", "2147483646"},
+                                     {"ProfileCN", "orvo-doctor"},
+                                     {"LocalAdminProfileCN", "orvo-doctor"}};
+    if (!server.mapped) return ours;
+    // What it has a place for there. Groups are searched by their members, in a container of their
+    // own.
+    const DirectoryMap& map = server.mapped->map();
+    std::vector<Searched> theirs;
+    const auto add = [&](const std::string& name, const char* value) {
+        const bool is_known = std::ranges::any_of(theirs, [&](const Searched& one) {
+            return ascii::equal_ignoring_case(one.attribute, name);
+        });
+        if (!is_known && server.facts->types.find(name)) theirs.push_back({name, value});
+    };
+    if (map.login)
+        for (const std::string& name : map.login->attributes) add(name, "orvo-doctor");
+    for (const Searched& row : ours) {
+        const MappedAttribute* mapped = map.find(row.attribute);
+        if (!mapped) add(row.attribute, row.value);
+        if (mapped && !mapped->theirs.empty()) add(mapped->theirs.front(), row.value);
+    }
+    return theirs;
 }
 
 using Names = std::set<std::string>;  // in lower case
@@ -175,7 +194,7 @@ Finding told(const LdapServer& server, const std::vector<std::string>& missing,
 // A search that has to look at every user is as slow as one for those that lack what all have.
 Finding measured(LdapServer& server) {
     constexpr double least_ratio = 6;
-    const std::string naming = server.site.naming_attribute;
+    const std::string naming = searched(server).front().attribute;
     const Time scan = time_of(server, "(!(" + naming + "=*))");
     const Time base = time_of(server, "(objectClass=orvo-doctor)");
     if (scan < least_ratio * base)
@@ -184,7 +203,7 @@ Finding measured(LdapServer& server) {
             "users to tell by the time that a search takes.");
     const Time limit = scan == Time::max() ? 10 * base : std::sqrt(scan / base) * base;
     std::vector<std::string> missing;
-    for (const Searched& row : searched(server.site)) {
+    for (const Searched& row : searched(server)) {
         const std::string filter = "(" + row.attribute + "=" + row.value + ")";
         if (time_of(server, filter, limit) > limit) missing.push_back(row.attribute);
     }
@@ -199,8 +218,13 @@ Finding examine_indexes(LdapServer& server) {
     std::vector<std::string> missing;
     if (server.make != Make::active_directory && !names->contains("objectclass"))
         missing.emplace_back("objectClass");
-    for (const Searched& row : searched(server.site))
+    for (const Searched& row : searched(server))
         if (!names->contains(ascii::lower(row.attribute))) missing.push_back(row.attribute);
+    if (server.mapped && !groups_of(server.mapped->map()).empty() &&
+        server.make != Make::active_directory) {
+        const std::string members = server.mapped->map().groups.member_attribute();
+        if (!names->contains(ascii::lower(members))) missing.push_back(members);
+    }
     return told(server, missing, "by the server's configuration");
 }
 

@@ -53,25 +53,51 @@ std::vector<std::string> hidden(LdapServer& server, const EntryData& entry,
     return hidden;
 }
 
+// What of an entry is hidden; `cannot` is what was found so far.
+void add_hidden(LdapServer& server, const char* words, const EntryData& entry,
+                std::vector<std::string> attributes, std::string& cannot) {
+    if (server.facts)
+        std::erase_if(attributes,
+                      [&](const std::string& name) { return !server.facts->types.find(name); });
+    const std::vector<std::string> missing = hidden(server, entry, attributes);
+    if (!missing.empty())
+        cannot += (cannot.empty() ? "" : "; ") + std::string(words) + ": " + listed(missing);
+}
+
+// Of a directory with a map, by its own names.
+Finding examine_mapped_reading(LdapServer& server, const std::string& advice) {
+    const DirectoryMap& map = server.mapped->map();
+    std::string cannot, can;
+    for (const ReadEntries& row : entries_read(server.site)) {
+        const auto some =
+            server.view()->search(row.container, "(objectClass=" + row.object_class + ")", 1);
+        const auto entry =
+            some.empty() ? std::nullopt : read_whole(*server.session, some.front().name);
+        if (!entry) continue;
+        can += (can.empty() ? "" : ", ") + std::string(row.words);
+        add_hidden(server, row.words, *entry, server.mapped->translation().asked(row.attributes),
+                   cannot);
+    }
+    for (const std::string& group : groups_of(map))
+        if (const auto entry = read_whole(*server.session, group))
+            add_hidden(server, group.c_str(), *entry, {map.groups.member_attribute()}, cannot);
+    if (!cannot.empty()) return finding_of_reading(server.site, cannot, advice);
+    return found("the service account can read " + can +
+                 (groups_of(map).empty() ? "" : " and the groups of DIRECTORY.MAP"));
+}
+
 }  // namespace
 
 Finding examine_reading(LdapServer& server) {
-    LdapView view = server.view();
+    constexpr const char* advice = "Give it the right to read and search all attributes of ";
+    if (server.mapped) return examine_mapped_reading(server, advice);
+    const auto view = server.view();
     std::string cannot;
     for (const ReadEntries& row : entries_read(server.site)) {
-        const auto some = view.search(row.container, "(objectClass=" + row.object_class + ")", 1);
-        if (some.empty()) continue;
-        std::vector<std::string> attributes = row.attributes;
-        if (server.facts)
-            std::erase_if(attributes,
-                          [&](const std::string& name) { return !server.facts->types.find(name); });
-        const std::vector<std::string> missing = hidden(server, some.front(), attributes);
-        if (!missing.empty())
-            cannot +=
-                (cannot.empty() ? "" : "; ") + std::string(row.words) + ": " + listed(missing);
+        const auto some = view->search(row.container, "(objectClass=" + row.object_class + ")", 1);
+        if (!some.empty()) add_hidden(server, row.words, some.front(), row.attributes, cannot);
     }
-    return finding_of_reading(server.site, cannot,
-                              "Give it the right to read and search all attributes of ");
+    return finding_of_reading(server.site, cannot, advice);
 }
 
 }  // namespace orvo::admin

@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "host/admin/diagnosis/content_steps.h"
+#include "host/admin/diagnosis/mapped_view.h"
 #include "suite/configuration/value_reference.h"
 #include "suite/directory/entries/login_name.h"
 #include "suite/directory/ldap/wire/password_policy.h"
@@ -18,14 +19,18 @@ namespace orvo::admin {
 using namespace directory;
 using namespace directory::ldap;
 
-std::optional<EntryData> LdapView::find(const std::string& name) {
+std::optional<EntryData> read_whole(Session& session, const std::string& name) {
     // Of some servers, those that they compute have to be asked for.
     ReadResult result =
-        session_.read(name, {"*", "+", "nsAccountLock", "msDS-User-Account-Control-Computed",
-                             "msDS-UserPasswordExpiryTimeComputed"});
+        session.read(name, {"*", "+", "nsAccountLock", "msDS-User-Account-Control-Computed",
+                            "msDS-UserPasswordExpiryTimeComputed"});
     if (result.code == result_code::no_such_object) return std::nullopt;
     check(result);
     return std::move(result.entry);
+}
+
+std::optional<EntryData> LdapView::find(const std::string& name) {
+    return read_whole(session_, name);
 }
 
 std::vector<EntryData> LdapView::search(const std::string& base, const std::string& filter,
@@ -41,6 +46,11 @@ std::vector<EntryData> LdapView::search(const std::string& base, const std::stri
     });
     check(result);
     return entries;
+}
+
+std::unique_ptr<DirectoryView> LdapServer::view() {
+    if (mapped) return std::make_unique<MappedView>(*session, *mapped);
+    return std::make_unique<LdapView>(*session);
 }
 
 std::string LdapServer::service() const { return below_root(site, site.service); }
@@ -140,6 +150,19 @@ Finding examine_encryption(LdapServer& server) {
                      server.host.url() + "/?starttls in LDAPServer" + in_settings(server) + ".");
 }
 
+// What the service account sees, once it is logged in.
+void look_around(LdapServer& server) {
+    server.root = server.session->read("", {"*", "+"}).entry;
+    server.make = make_of(server.root);
+    if (!server.site.map) return;
+    const FactsResult facts = read_facts(*server.session);
+    check(facts);
+    server.facts = facts.facts;
+    server.mapped.emplace(Client::of_process(), from_utf8(server.host.setting()), server.site.map,
+                          server.limits);
+    server.mapped->learn(server.facts);
+}
+
 std::string advice_on_service(const LdapServer& server, const BindResult& result) {
     const auto number = judged(result.code, result.message, policy_in(result.controls));
     const std::string account = quoted_name(server.service());
@@ -164,9 +187,31 @@ Finding examine_service(LdapServer& server) {
         return failed(
             result.ok() ? "The password has expired or is to be changed." : sentence_of(result),
             advice_on_service(server, result));
-    server.root = server.session->read("", {"*", "+"}).entry;
-    server.make = make_of(server.root);
+    look_around(server);
     return found(name + " is accepted");
+}
+
+// That the schema has what the map names.
+Finding examine_mapped_schema(const LdapServer& server) {
+    const DirectoryMap& map = server.mapped->map();
+    std::vector<std::string> missing;
+    const auto require_attribute = [&](const std::string& name) {
+        if (!server.facts->types.find(name) && std::ranges::count(missing, name) == 0)
+            missing.push_back(name);
+    };
+    for (const std::string& ours : server.site.user_classes) {
+        const std::string& name = map.their_class(ours);
+        if (!server.facts->classes.find(name)) missing.push_back("the class " + name);
+    }
+    for (const MappedAttribute& attribute : map.attributes) {
+        std::ranges::for_each(attribute.theirs, require_attribute);
+        if (attribute.is_of_groups()) require_attribute(map.groups.member_attribute());
+    }
+    if (map.login) std::ranges::for_each(map.login->attributes, require_attribute);
+    if (!missing.empty())
+        return failed("It lacks " + listed(missing) + ".",
+                      "Correct DIRECTORY.MAP" + in_settings(server) + ".");
+    return found("has the classes of the settings and all attributes that DIRECTORY.MAP names");
 }
 
 Finding examine_server_schema(LdapServer& server) {
@@ -176,6 +221,7 @@ Finding examine_server_schema(LdapServer& server) {
     if (!result.is_whole)
         return unknown("The service account may not read the schema.",
                        "Let it read " + value_of(server.root, "subschemaSubentry") + ".");
+    if (server.mapped) return examine_mapped_schema(server);
     return examine_schema(server.site, result.facts->types, result.facts->classes,
                           "Load schema/orvo.ldif into the server, and orvo-standalone.ldif where "
                           "it has no inetOrgPerson.");
@@ -183,16 +229,7 @@ Finding examine_server_schema(LdapServer& server) {
 
 template <auto examine>
 Finding seen_by_service(LdapServer& server) {
-    LdapView view = server.view();
-    return examine(server.site, view);
-}
-
-// A step that looks for the product's own names and entries.
-template <auto examine>
-Finding unmapped(LdapServer& server) {
-    if (server.site.is_mapped)
-        return unknown("is not looked at where DIRECTORY.MAP describes the directory");
-    return examine(server);
+    return examine(server.site, *server.view());
 }
 
 constexpr const char* service_account = "service account";
@@ -202,13 +239,13 @@ constexpr Step<LdapServer> server_steps[] = {
     {"connection", "name", examine_connection},
     {"encryption", "connection", examine_encryption},
     {service_account, "encryption", examine_service},
-    {"schema", service_account, unmapped<examine_server_schema>},
+    {"schema", service_account, examine_server_schema},
     {"containers", service_account, seen_by_service<examine_containers>},
-    {"accounts", "containers", unmapped<seen_by_service<examine_accounts>>},
-    {"administrators", "containers", unmapped<seen_by_service<examine_administrators>>},
-    {"reading", "containers", unmapped<examine_reading>},
-    {"writing", "containers", unmapped<examine_writing>},
-    {"indexes", "containers", unmapped<examine_indexes>},
+    {"accounts", "containers", seen_by_service<examine_accounts>},
+    {"administrators", "containers", seen_by_service<examine_administrators>},
+    {"reading", "containers", examine_reading},
+    {"writing", "containers", examine_writing},
+    {"indexes", "containers", examine_indexes},
     {"clock", service_account, examine_clock},
 };
 
@@ -219,8 +256,7 @@ void log_in(LdapServer& server) {
     const std::string name = login_name(from_utf8(server.service()), password);
     server.session = Session::connect(server.host, server.limits);
     check(server.session->bind(name, password));
-    server.root = server.session->read("", {"*", "+"}).entry;
-    server.make = make_of(server.root);
+    look_around(server);
 }
 
 std::vector<Examined> examine_server(LdapServer& server) {

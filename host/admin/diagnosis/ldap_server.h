@@ -9,6 +9,7 @@
 #include "host/admin/diagnosis/step.h"
 #include "platform/values/secret.h"
 #include "suite/directory/ldap/pool/server_facts.h"
+#include "suite/directory/ldap/provider/mapped_directory.h"
 #include "suite/directory/ldap/wire/session.h"
 
 namespace orvo::admin {
@@ -27,6 +28,10 @@ private:
     directory::ldap::Session& session_;
 };
 
+// An entry with all that a server tells of it; nothing where it is not there.
+std::optional<directory::EntryData> read_whole(directory::ldap::Session& session,
+                                               const std::string& name);
+
 // The makes that are asked in ways of their own.
 enum class Make { openldap, directory_389, active_directory, other };
 
@@ -41,11 +46,13 @@ struct LdapServer {
     directory::EntryData root = {};  // the server's own entry
     Make make = Make::other;
     std::shared_ptr<const directory::ldap::ServerFacts> facts = {};
+    // Where the site has a map.
+    std::optional<directory::ldap::MappedDirectory> mapped = {};
 
     std::string service() const;
     // Raises std::exception where the setting refers to something that cannot be read.
     Secret service_password() const;
-    LdapView view() { return LdapView(*session); }
+    std::unique_ptr<DirectoryView> view();
 };
 
 // Connects, and logs the service account in. Raises a Failure.

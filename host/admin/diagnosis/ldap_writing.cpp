@@ -5,6 +5,7 @@
 
 #include "host/admin/diagnosis/content_steps.h"
 #include "host/admin/diagnosis/ldap_server.h"
+#include "suite/directory/entries/entry_order.h"
 #include "suite/directory/ldap/wire/password_policy.h"
 #include "suite/directory/names/ascii.h"
 #include "suite/directory/policy/failures.h"
@@ -44,7 +45,8 @@ private:
 };
 
 May judged(const Result& result) {
-    if (result.code == would_be_done) return May::yes;
+    // That a value is there already is seen after the right to write it.
+    if (result.code == would_be_done || result.code == result_code::value_exists) return May::yes;
     return result.code == result_code::insufficient_access ? May::no : May::not_known;
 }
 
@@ -54,12 +56,53 @@ std::string unused_name() {
     return "orvo-doctor-" + std::to_string(random()) + std::to_string(random());
 }
 
+// A change that the component makes, with a value that the schema takes.
+struct Tried {
+    std::string words;  // "change users"
+    std::string entry;
+    Replacement change;
+};
+
+constexpr const char* password_attribute = "userPassword";
+constexpr const char* any_password = "orvo-doctor-1-Password";
+
+// Of a directory with a map: what has a place of its own there, and the groups.
+void add_mapped(const LdapServer& server, const std::string& user, std::vector<Tried>& changes) {
+    const DirectoryMap& map = server.mapped->map();
+    for (const MappedAttribute& attribute : map.attributes) {
+        if (attribute.name == "cn" || attribute.name == map.naming_attribute) continue;
+        const std::string value = attribute.values.empty() ? "0" : attribute.values.front().ours;
+        if (!attribute.theirs.empty())
+            changes.push_back({"change " + attribute.name, user,
+                               server.mapped->translation().changes(attribute.name, {value})[0]});
+        if (attribute.is_of_groups() && !map.groups.is_read_only)
+            changes.push_back(
+                {"assign " + attribute.name,
+                 attribute.groups.front().group.name,
+                 {map.groups.member_attribute(),
+                  {map.groups.kind == GroupRules::Kind::posix ? naming_part(user).value : user},
+                  Change::add}});
+    }
+}
+
+std::vector<Tried> tried_changes(const LdapServer& server, const std::string& user) {
+    std::vector<Tried> changes;
+    if (server.mapped)
+        add_mapped(server, user, changes);
+    else
+        changes.push_back({"change users", user, {"OrvoRole", {"1"}}});
+    changes.push_back({"set passwords", user, {password_attribute, {any_password}}});
+    return changes;
+}
+
 // What the schema asks of an entry of these classes.
 std::vector<Attribute> new_attributes(const LdapServer& server, const std::string& name) {
     std::vector<Attribute> attributes{{"objectClass", server.site.user_classes},
                                       {server.site.naming_attribute, {name}}};
+    if (server.mapped) attributes = server.mapped->translation().created(attributes);
     if (!server.facts) return attributes;
-    for (const std::string& required : server.facts->classes.required(server.site.user_classes)) {
+    const std::vector<std::string> classes = attributes.front().values;
+    for (const std::string& required : server.facts->classes.required(classes)) {
         const bool is_there = std::ranges::any_of(attributes, [&](const Attribute& attribute) {
             return server.facts->types.same(attribute.name, required);
         });
@@ -71,17 +114,15 @@ std::vector<Attribute> new_attributes(const LdapServer& server, const std::strin
 std::vector<Right> tried_rights(LdapServer& server, const std::string& user) {
     const Controls held(*server.session, {{no_operation, {}, true}});
     const std::string name = unused_name();
-    const std::string made =
+    std::string made =
         entry_below(server.site, server.site.naming_attribute, name, server.site.users);
-    const auto write = [&](const char* attribute, const char* value) {
-        const Replacement change{attribute, {value}};
-        return judged(server.session->modify(user, {&change, 1}));
-    };
+    if (server.mapped) made = server.mapped->map().their_name(made);
     std::vector<Right> rights{
         {"make users", judged(server.session->add(made, new_attributes(server, name)))}};
     if (user.empty()) return rights;
-    rights.push_back({"change users", write("OrvoRole", "1")});
-    rights.push_back({"set passwords", write("userPassword", "orvo-doctor-1-Password")});
+    for (const Tried& tried : tried_changes(server, user))
+        rights.push_back(
+            {tried.words, judged(server.session->modify(tried.entry, {&tried.change, 1}))});
     rights.push_back({"remove users", judged(server.session->remove(user))});
     return rights;
 }
@@ -105,26 +146,27 @@ bool has_right(const EntryData& entry, std::string_view attribute, char right) {
 
 std::vector<Right> told_rights(LdapServer& server, const std::string& user) {
     const Controls held(*server.session, {{effective_rights, "dn: " + server.service(), true}});
-    const auto read = [&](const std::string& name) {
-        return server.session->read(name, {"OrvoRole", "userPassword"});
+    const auto read = [&](const std::string& name, const std::string& attribute) {
+        return server.session->read(name, {attribute});
     };
     const auto entry_right = [](const ReadResult& result, char right) {
         const std::string rights = value_of(result.entry, "entryLevelRights");
         if (!result.ok() || rights.empty()) return May::not_known;
         return rights.find(right) != std::string::npos ? May::yes : May::no;
     };
-    std::vector<Right> rights{
-        {"make users", entry_right(read(below_root(server.site, server.site.users)), 'a')}};
-    if (user.empty()) return rights;
-    const ReadResult one = read(user);
-    const auto write_right = [&](const char* attribute) {
-        if (!one.ok() || values_of(one.entry, "attributeLevelRights").empty())
+    const auto write_right = [&](const Tried& tried) {
+        const ReadResult result = read(tried.entry, tried.change.attribute);
+        if (!result.ok() || values_of(result.entry, "attributeLevelRights").empty())
             return May::not_known;
-        return has_right(one.entry, attribute, 'w') ? May::yes : May::no;
+        return has_right(result.entry, tried.change.attribute, 'w') ? May::yes : May::no;
     };
-    rights.push_back({"change users", write_right("OrvoRole")});
-    rights.push_back({"set passwords", write_right("userPassword")});
-    rights.push_back({"remove users", entry_right(one, 'd')});
+    std::vector<Right> rights{
+        {"make users",
+         entry_right(read(below_root(server.site, server.site.users), "objectClass"), 'a')}};
+    if (user.empty()) return rights;
+    for (const Tried& tried : tried_changes(server, user))
+        rights.push_back({tried.words, write_right(tried)});
+    rights.push_back({"remove users", entry_right(read(user, "objectClass"), 'd')});
     return rights;
 }
 
@@ -142,8 +184,11 @@ std::vector<Right> computed_rights(LdapServer& server, const std::string& user) 
     std::vector<Right> rights{{"make users", lists(below_root(server.site, server.site.users),
                                                    "allowedChildClassesEffective", "user")}};
     if (user.empty()) return rights;
-    rights.push_back({"change users", lists(user, "allowedAttributesEffective", "OrvoRole")});
-    rights.push_back({"set passwords", May::not_known});
+    for (const Tried& tried : tried_changes(server, user))
+        rights.push_back({tried.words, tried.change.attribute == password_attribute
+                                           ? May::not_known
+                                           : lists(tried.entry, "allowedAttributesEffective",
+                                                   tried.change.attribute)});
     rights.push_back({"remove users", May::not_known});
     return rights;
 }
@@ -161,8 +206,8 @@ std::optional<bool> try_former_password(LdapServer& server, const std::string& u
                                         const Secret& password) {
     constexpr int former_is_wrong = 4;
     const Controls held(*server.session, {{no_operation, {}, true}, {policy_control, {}, false}});
-    Replacement changes[] = {{"userPassword", {}, Change::remove},
-                             {"userPassword", {"orvo-doctor-1-Password"}, Change::add}};
+    Replacement changes[] = {{password_attribute, {}, Change::remove},
+                             {password_attribute, {any_password}, Change::add}};
     std::string& former = changes[0].values.emplace_back(password.reveal());
     const UpdateResult result = server.session->modify(user, changes);
     overwrite(former.data(), former.size());
@@ -179,7 +224,7 @@ std::optional<bool> try_former_password(LdapServer& server, const std::string& u
 Finding examine_writing(LdapServer& server) {
     const std::string users = below_root(server.site, server.site.users);
     const auto some =
-        server.view().search(users, "(objectClass=" + server.site.user_classes.front() + ")", 1);
+        server.view()->search(users, "(objectClass=" + server.site.user_classes.front() + ")", 1);
     const std::string user = some.empty() ? "" : some.front().name;
     std::vector<Right> rights;
     if (server.make == Make::openldap)
@@ -191,6 +236,12 @@ Finding examine_writing(LdapServer& server) {
     const std::string can = words_of(rights, May::yes);
     const std::string cannot = words_of(rights, May::no);
     const std::string open = words_of(rights, May::not_known);
+    // What a company lets the shop do with its own people is the company's to say.
+    if (server.mapped && !can.empty())
+        return found("the service account can " + can +
+                     (cannot.empty() ? "" : "; it cannot " + cannot) +
+                     (open.empty() ? "" : "; not known: " + open));
+    if (server.mapped && !cannot.empty()) return found("the service account only reads");
     if (!cannot.empty())
         return failed(
             "The service account cannot " + cannot + (can.empty() ? "." : "; it can " + can + "."),

@@ -11,7 +11,7 @@ enum class Lockout { in_force, none, not_known };
 
 // Whether the password policy that a user of OpenLDAP or the embedded directory is under refuses
 // accounts that are marked as locked or disabled (pwdLockout). Not known where the service account
-// cannot see the policy, the directory is mapped, or it is of another provider. `site`: the
+// cannot see the policy, or the directory is of another provider. `site`: the
 // settings. What goes wrong is raised as a Failure or std::exception.
 Lockout lockout_of(const std::filesystem::path& site, const std::string& user);
 

@@ -9,6 +9,7 @@
 #include "host/admin/diagnosis/account_source.h"
 #include "host/admin/diagnosis/content_steps.h"
 #include "host/admin/diagnosis/report.h"
+#include "suite/directory/map/directory_map.h"
 #include "suite/directory/names/ascii.h"
 #include "suite/directory/names/written_name.h"
 #include "suite/directory/policy/failures.h"
@@ -35,6 +36,11 @@ struct Login {
     }
 };
 
+Finding no_such_user(const Login& login) {
+    return failed("There is no such user.",
+                  "Correct the name, or make the user: orvo users add " + login.request.user);
+}
+
 Finding examine_name(Login& login) {
     const std::string container = below_root(login.site, login.site.users);
     const auto parsed = DistinguishedName::try_parse(from_utf8(container));
@@ -46,15 +52,19 @@ Finding examine_name(Login& login) {
         parsed ? name_below(from_utf8(relative + "," + container), *parsed) : std::nullopt;
     if (login.request.user.empty() || !name)
         return failed(quoted_name(login.request.user) + " cannot be the name of a user.");
-    login.name = to_utf8(*name);
+    const std::vector<std::string> called = login.source.all_called(to_utf8(*name));
+    if (called.empty()) return no_such_user(login);
+    if (called.size() > 1)
+        return failed("More than one user is called so, so nobody is: " + called[0] + " and " +
+                          called[1] + ".",
+                      "Let each log in by a name that is the user's alone.");
+    login.name = called.front();
     return found("is " + login.name);
 }
 
 Finding examine_entry(Login& login) {
     auto entry = login.source.view().find(login.name);
-    if (!entry)
-        return failed("There is no such user.",
-                      "Correct the name, or make the user: orvo users add " + login.request.user);
+    if (!entry) return no_such_user(login);
     login.account = {
         login.request.user,
         *std::move(entry),
@@ -90,6 +100,8 @@ Finding examine_account(Login& login) {
     const std::string type = std::to_string(login.type());
     const std::string name =
         entry_below(login.site, login.site.account_naming_attribute, type, login.site.accounts);
+    if (login.site.map && login.site.map->account_of(name))
+        return found("type " + type + ", from DIRECTORY.MAP.ACCOUNTS");
     if (login.source.view().find(name)) return found("type " + type + ", " + name);
     return failed("There is no " + name + " for users of type " + type + ".",
                   "Make it, or correct the user's OrvoUserType.");

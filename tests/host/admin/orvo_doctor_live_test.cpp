@@ -337,20 +337,80 @@ TEST_F(OrvoDoctor, TellsAMissingIndexByTheTimeThatSearchesTake) {
     EXPECT_EQ(code, 1);
 }
 
-TEST_F(OrvoDoctor, LeavesOpenWhatADirectoryWithAMapIsNotAskedFor) {
-    PrivateSlapd server;
+// A company's directory as it is.
+class OrvoDoctorOnACompany : public OrvoDoctor {
+protected:
+    PrivateSlapd server{{.config = "database config\naccess to dn.subtree=cn=config by "
+                                   "dn.exact=cn=shop,ou=Services,o=Company read by * none\n",
+                         .directory = ORVO_SOURCE_DIR "/examples/directories/openldap",
+                         .suffix = "o=Company"}};
+};
+
+TEST_F(OrvoDoctorOnACompany, LooksThroughItsMap) {
     EXPECT_THAT(
-        doctor(
-            replaced(settings(server), "ProfileContainer=ou=Profiles", "ProfileContainer=ou=None") +
-            "\n[DIRECTORY.MAP]\nOrvoGUID=\n"),
+        doctor(settings(server)),
         HasSubstr(
-            "  ok         service account  cn=orvo-service,ou=Services,o=Shop is accepted\n"
-            "  not known  schema           is not looked at where DIRECTORY.MAP describes the "
-            "directory\n"
-            "  ok         containers       ou=Users below o=Shop\n"
-            "  not known  accounts         is not looked at where DIRECTORY.MAP describes the "
-            "directory\n"));
+            "  ok         service account  cn=shop,ou=Services,o=Company is accepted\n"
+            "  ok         schema           has the classes of the settings and all attributes that "
+            "DIRECTORY.MAP names\n"
+            "  ok         containers       ou=People below o=Company, and 4 groups\n"
+            "  ok         accounts         2 accounts, one for each type that users have\n"
+            "  ok         administrators   there is one: uid=alee,ou=Management,ou=People,"
+            "o=Company\n"
+            "  ok         reading          the service account can read users and the groups of "
+            "DIRECTORY.MAP\n"));
     EXPECT_EQ(code, 0);
+}
+
+TEST_F(OrvoDoctorOnACompany, ChangesNothing) {
+    const auto dump = [&] {
+        return output_of({"/usr/sbin/slapcat", "-f", (server.folder() / "slapd.conf").string(),
+                          "-b", "o=Company"});
+    };
+    const std::string before = dump();
+    EXPECT_THAT(
+        doctor(settings(server)),
+        HasSubstr(
+            "  ok         writing          the service account can change PhoneNumber, change "
+            "LanguageID, assign OrvoRole, set passwords; it cannot make users, change "
+            "CompanyNumber, assign OrvoUserType, remove users\n"
+            "  ok         indexes          for all that is searched for, by the server's "
+            "configuration\n"));
+    EXPECT_TRUE(dump() == before);
+}
+
+TEST_F(OrvoDoctorOnACompany, SaysWhichNamesOfTheMapAreWrong) {
+    const std::string said =
+        doctor(replaced(replaced(settings(server), "CompanyNumber=departmentNumber",
+                                 "CompanyNumber=departmentNumbr"),
+                        "cn=receivers,ou=Groups", "cn=receiver,ou=Groups"));
+    EXPECT_THAT(said, HasSubstr("  failed     schema           It lacks departmentNumbr.\n"
+                                "                              To do: Correct DIRECTORY.MAP in " +
+                                site() + ".\n"));
+    EXPECT_THAT(said, HasSubstr("  failed     containers       There is no "
+                                "'cn=receiver,ou=Groups,o=Company', or it is hidden from the "
+                                "service account.\n"
+                                "                              To do: Make it, let the service "
+                                "account read it, or correct DIRECTORY.MAP.GROUPS in " +
+                                site() + ".\n"));
+    EXPECT_EQ(code, 1);
+}
+
+TEST_F(OrvoDoctorOnACompany, SaysWhichIndexAndAccountAreMissing) {
+    reconfigure(server, "uid,mail,member,uniqueMember,memberUid", "uid,member,uniqueMember");
+    const std::string said =
+        doctor(replaced(replaced(settings(server), "4.User=", ";"), "4.Password=", ";"));
+    EXPECT_THAT(said, HasSubstr("  failed     accounts         Users of type 4 cannot log in: "
+                                "their account is missing"));
+    EXPECT_THAT(said, HasSubstr("  failed     indexes          There is none for "));
+    EXPECT_EQ(code, 1);
+}
+
+TEST_F(OrvoDoctor, SaysWhatIsWrongWithAMap) {
+    PrivateSlapd server;
+    EXPECT_THAT(doctor(settings(server) + "\n[DIRECTORY.MAP]\nOrvoRolle=x\n"),
+                EndsWith("there is no key \"OrvoRolle\"; did you mean \"OrvoRole\"?\n"));
+    EXPECT_EQ(code, 1);
 }
 
 TEST_F(OrvoDoctor, WritesJson) {

@@ -370,12 +370,36 @@ TEST_F(OrvoWhyServer, ComparesByALoginWhereThereAreNoPolicies) {
                 HasSubstr("  refused    password        It is not the user's.\n"));
 }
 
-TEST_F(OrvoWhyServer, SaysThatItDoesNotLookThroughAMap) {
-    PrivateSlapd server;
-    std::ofstream(server.site_ini(), std::ios::app) << "\n[DIRECTORY.MAP]\ncn=uid\n";
-    EXPECT_EQ(why(server, "jsmith"), "orvo: " + server.site_ini().string() +
-                                         " describes the directory in DIRECTORY.MAP, which why "
-                                         "does not look through\n");
+// Somebody of a company's directory, by any of the names that the login takes.
+TEST_F(OrvoWhyServer, LooksThroughAMap) {
+    PrivateSlapd server(
+        {.directory = ORVO_SOURCE_DIR "/examples/directories/openldap", .suffix = "o=Company"});
+    EXPECT_EQ(why(server, "dirk.jansen@company.example", "company-sample\n"),
+              "dirk.jansen@company.example\n"
+              "  ok         name            is uid=djansen,ou=Warehouse,ou=People,o=Company\n"
+              "  ok         entry           is there\n"
+              "  ok         enabled         yes\n"
+              "  ok         locked          no\n"
+              "  ok         password's age  does not expire\n"
+              "  ok         password        right\n"
+              "  ok         profile         the user has none\n"
+              "  ok         account         type 1, from DIRECTORY.MAP.ACCOUNTS\n"
+              "  ok         applications    1\n"
+              "\n"
+              "Nothing that was looked at refuses the login.\n");
+    EXPECT_EQ(code, 0);
+    // The type comes from a group.
+    EXPECT_THAT(why(server, "alee"),
+                HasSubstr("  ok         account         type 4, from DIRECTORY.MAP.ACCOUNTS\n"
+                          "  ok         applications    1, 10\n"));
+    EXPECT_THAT(why(server, "jsmith", "wrong\n"),
+                HasSubstr("  refused    password        It is not the user's.\n"));
+    EXPECT_THAT(why(server, "twin"),
+                HasSubstr("  refused    name            More than one user is called so, so nobody "
+                          "is: uid=twin,ou="));
+    EXPECT_EQ(code, 1);
+    EXPECT_THAT(why(server, "nobody"),
+                HasSubstr("  refused    name            There is no such user.\n"));
     EXPECT_EQ(code, 1);
 }
 

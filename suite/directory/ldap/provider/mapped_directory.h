@@ -24,8 +24,15 @@ public:
                                                    TextView container,
                                                    const std::optional<Limits>& limits);
 
+    // With a map that the caller has read.
+    MappedDirectory(Client& client, TextView server, std::shared_ptr<const DirectoryMap> map,
+                    const std::optional<Limits>& limits)
+        : client_(&client), server_(server), map_(std::move(map)), limits_(limits) {}
+
     const DirectoryMap& map() const { return *map_; }
 
+    // The real names of the entries that are called so, two at most.
+    std::vector<std::string> all_called(const std::string& name);
     // The real name of the entry that is called so: of a user the one entry that matches; anybody
     // else's name is the name. Nothing where no entry matches, or several.
     std::optional<std::string> find(const std::string& name);
@@ -53,11 +60,6 @@ public:
     std::vector<EntryData> entries_found(const SearchRequest& request);
 
 private:
-    MappedDirectory(Client& client, TextView server, std::shared_ptr<const DirectoryMap> map,
-                    const std::optional<Limits>& limits)
-        : client_(&client), server_(server), map_(std::move(map)), limits_(limits) {}
-
-    std::vector<std::string> all_called(const std::string& name);
     std::optional<SearchRequest> user_search(const std::string& name) const;
     ServerLogin& service();
     // Runs `body` with the service account, whose failures are not those of the user.

@@ -127,6 +127,23 @@ std::string ServerHost::url() const {
     return scheme + (is_ipv6 ? "[" + name + "]" : name) + ":" + std::to_string(port);
 }
 
+std::string ServerHost::setting() const {
+    std::string result = url();
+    const bool is_asking = security == Security::start_tls;
+    if (is_asking) result += "/?starttls";
+    if (ca_file.empty()) return result;
+    result += is_asking ? "&cafile=" : "/?cafile=";
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    for (const char c : ca_file) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (ascii::is_alphanumeric(c) || c == '/' || c == '.' || c == '-' || c == '_')
+            result += c;
+        else
+            result += {'%', digits[byte >> 4], digits[byte & 15]};
+    }
+    return result;
+}
+
 ServerAddress ServerAddress::parse(TextView text) {
     const std::string bytes = to_utf8(text);
     ServerAddress address;

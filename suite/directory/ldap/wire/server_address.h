@@ -24,6 +24,8 @@ struct ServerHost {
 
     // "ldap://dir01:389", as messages and the client library name it.
     std::string url() const;
+    // As it may stand in the server setting, alone.
+    std::string setting() const;
     // One spelling for equal addresses, for keys.
     std::string key() const;
     bool operator==(const ServerHost&) const = default;

@@ -110,5 +110,15 @@ TEST(ServerAddress, KeepsTheHostsInTheirOrder) {
     EXPECT_EQ(address.hosts()[1].url(), "ldap://[::1]:3890");
 }
 
+TEST(ServerAddress, HostsAreWrittenAsTheyAreRead) {
+    for (const char16_t* written : {u"dir01", u"ldaps://dir01:6360", u"ldap://[::1]:3890/?starttls",
+                                    u"ldaps://dir01/?cafile=/etc/shop/ca%201%25%26.pem",
+                                    u"ldap://dir01/?starttls&cafile=/etc/ca.pem"}) {
+        const ServerHost host = ServerAddress::parse(written).hosts().front();
+        EXPECT_EQ(ServerAddress::parse(from_utf8(host.setting())).hosts().front(), host)
+            << host.setting();
+    }
+}
+
 }  // namespace
 }  // namespace orvo::directory::ldap
