@@ -10,7 +10,7 @@
 #include "host/web/administration/process_state.h"
 #include "host/web/options.h"
 #include "host/web/service_manager.h"
-#include "host/web/sessions/memory_sessions.h"
+#include "host/web/sessions/site_state.h"
 #include "host/web/signals.h"
 #include "host/web/site/directory_setup.h"
 #include "host/web/site/web_app.h"
@@ -31,8 +31,8 @@ SessionLimits session_limits(const Site& site, const ServerOptions& server) {
 }
 
 // Goes on with new files for the logs and new settings; what cannot be read leaves the old ones.
-void reload(const Options& options, const ServerOptions& server, WebApp& app,
-            MemorySessions& sessions, WebLog& log) {
+void reload(const Options& options, const ServerOptions& server, WebApp& app, SiteState& state,
+            WebLog& log) {
     log.reopen();
     try {
         const Site site = read_site(options.site, options.config);
@@ -49,7 +49,7 @@ void reload(const Options& options, const ServerOptions& server, WebApp& app,
         for (const std::string& key : keys_for_next_start(before, site))
             said += "; " + key + " counts from the next start";
         app.replace(site);
-        sessions.set_limits(session_limits(site, server));
+        state.set_limits(session_limits(site, server));
         log.trouble(said);
     } catch (const orvo::Failure& failure) {
         log.trouble("the settings stay as they were: " + orvo::to_utf8(failure.description));
@@ -94,10 +94,13 @@ void serve(const Options& options) {
     server_options.drain_delay = site.drain_delay;
     server_options.drain_time = site.drain_time;
     const auto admin_address = site.admin_address;
-    MemorySessions sessions(session_limits(site, server_options));
     const auto metrics = std::make_shared<WebMetrics>();
-    WebApp app(std::move(site), sessions, health, log,
-               {.shows_details = options.shows_details, .metrics = metrics});
+    SiteState state(session_limits(site, server_options),
+                    [&](const std::string& sentence) { log.trouble(sentence); });
+    WebApp app(std::move(site), state.sessions(), health, log,
+               {.shows_details = options.shows_details,
+                .metrics = metrics,
+                .application = state.application()});
     ServerHooks hooks{
         .lane = [&](const HttpRequest& request) { return app.lane_of(request); },
         .refused = [&](const HttpRequest& request, HttpResponse& response,
@@ -115,7 +118,7 @@ void serve(const Options& options) {
     const HttpServer* counted = nullptr;
     MetricsPage metrics_page({.web = *metrics,
                               .server = [&] { return counted->counts(); },
-                              .sessions = [&] { return sessions.counts(); },
+                              .sessions = [&] { return state.sessions().counts(); },
                               .trouble = [&](const std::string& why) { log.trouble(why); }});
     admin_pages.add("/metrics", Lane::page,
                     [&](const HttpRequest&) { return metrics_page.answer(); });
@@ -131,7 +134,7 @@ void serve(const Options& options) {
         },
         [&] {
             tell(manager, &ServiceManager::reloading, log);
-            reload(options, server_options, app, sessions, log);
+            reload(options, server_options, app, state, log);
             tell(manager, &ServiceManager::ready, log);
         });
     std::optional<AdministrationSocket> administration;

@@ -30,17 +30,19 @@ TEST_P(EveryInputOf, HasTheProperties) {
 
 INSTANTIATE_TEST_SUITE_P(
     All, EveryInputOf,
-    testing::Values(
-        Corpus{"access_rules", access_rules_properties}, Corpus{"cookies", cookies_properties},
-        Corpus{"distinguished_name", distinguished_name_properties},
-        Corpus{"filter", filter_properties}, Corpus{"forwarded", forwarded_properties},
-        Corpus{"generalized_time", generalized_time_properties},
-        Corpus{"http_request", http_request_properties}, Corpus{"ldif", ldif_properties},
-        Corpus{"multipart", multipart_properties}, Corpus{"page", page_properties},
-        Corpus{"proxy_header", proxy_header_properties},
-        Corpus{"schema_file", schema_file_properties}, Corpus{"script", script_properties},
-        Corpus{"store_reply", store_reply_properties},
-        Corpus{"store_secrets", store_secrets_properties}),
+    testing::Values(Corpus{"access_rules", access_rules_properties},
+                    Corpus{"cookies", cookies_properties},
+                    Corpus{"distinguished_name", distinguished_name_properties},
+                    Corpus{"filter", filter_properties}, Corpus{"forwarded", forwarded_properties},
+                    Corpus{"generalized_time", generalized_time_properties},
+                    Corpus{"http_request", http_request_properties},
+                    Corpus{"kept_bytes", kept_bytes_properties}, Corpus{"ldif", ldif_properties},
+                    Corpus{"multipart", multipart_properties}, Corpus{"page", page_properties},
+                    Corpus{"proxy_header", proxy_header_properties},
+                    Corpus{"schema_file", schema_file_properties},
+                    Corpus{"script", script_properties},
+                    Corpus{"store_reply", store_reply_properties},
+                    Corpus{"store_secrets", store_secrets_properties}),
     [](const auto& info) { return info.param.name; });
 
 }  // namespace

@@ -41,6 +41,7 @@ void filter_properties(std::string_view input);
 void forwarded_properties(std::string_view input);
 void generalized_time_properties(std::string_view input);
 void http_request_properties(std::string_view input);
+void kept_bytes_properties(std::string_view input);
 void ldif_properties(std::string_view input);
 void multipart_properties(std::string_view input);
 void page_properties(std::string_view input);

@@ -10,7 +10,6 @@
 namespace orvo::web {
 namespace {
 
-constexpr std::int32_t permission_denied = 70;
 constexpr std::int32_t unspecified_error = error_number(0x80004005);
 
 OutgoingCookie session_cookie(bool is_secure) {
@@ -75,16 +74,27 @@ void PageContext::open_session() {
         session_ = sessions_.open(session_id_of(request), patience_, request.try_wait);
 }
 
+void PageContext::try_open_session() {
+    try {
+        open_session();
+    } catch (const StoreAway&) {
+        is_store_away_ = true;
+    }
+}
+
+void PageContext::turn_away(const Refusal& refusal) {
+    turned_away_ = refusal;
+    if (control) control->stop();
+    throw Failure(runtime_error::permission_denied, {}, from_utf8(refusal.what()));
+}
+
 Object PageContext::create_object(const Text& progid) {
     if (!waits_for_directory_ && may_wait_for_directory(progid)) {
         waits_for_directory_ = true;
-        if (request.try_wait && !request.try_wait()) {
-            is_turned_away_ = true;
-            if (control) control->stop();
-        }
+        if (request.try_wait && !request.try_wait())
+            turn_away(Refusal(503, "Too many pages wait for the directory. Please try again."));
     }
-    if (is_turned_away_)
-        throw Failure(permission_denied, {}, u"Too many pages wait for the directory");
+    if (turned_away_) turn_away(Refusal(*turned_away_));
     return orvo::create_object(progid);
 }
 
@@ -105,6 +115,8 @@ SessionLease& PageContext::need_session() {
     require_session();
     if (!session_) {
         require_head_not_sent();
+        // Another one in the place of one that is not seen now would be worse than none.
+        if (is_store_away_) throw StoreAway();
         session_ = sessions_.create();
         is_new_ = true;
     }
@@ -129,9 +141,20 @@ void PageContext::settle_session() {
 
 void PageContext::finish() {
     application.unlock();
+    if (!session_) return;
     if (!answer.has_begun) settle_session();
-    if (session_ && is_abandoned_) session_->abandon();
-    session_.reset();
+    const auto session = std::move(session_);
+    if (is_abandoned_) session->abandon();
+    session->close();
+}
+
+PageEnd::~PageEnd() {
+    try {
+        page_.finish();
+    } catch (const std::exception&) {
+        // The request fails by what is in flight.
+    }
+    page_.complete_head = {};
 }
 
 void PageContext::write(std::string_view bytes) {
@@ -146,6 +169,8 @@ void PageContext::clear() { answer.body.resize(answer.sent_in_body); }
 void PageContext::flush() {
     if (!answer.has_begun) {
         settle_session();
+        // The browser is told of nothing that is not stored.
+        if (session_ && is_new_ && !is_abandoned_) keep([&] { session_->save(); });
         if (request.stream) {
             std::string body = std::exchange(answer.body, {});
             HttpResponse head = response_of(answer);

@@ -91,10 +91,27 @@ public:
     // those that do; where there are too many of them it is stopped and turned away.
     Object create_object(const Text& progid);
     bool waits_for_directory() const { return waits_for_directory_; }
-    bool is_turned_away() const { return is_turned_away_; }
+    // Why the page is not carried out to its end; null: it is. Its answer is of no use then.
+    const Refusal* turned_away() const { return turned_away_ ? &*turned_away_ : nullptr; }
+    // What needs the site's store: where that cannot be reached, and the like, the page is stopped
+    // and turned away. Raises Failure then.
+    template <class Use>
+    decltype(auto) keep(Use use) {
+        try {
+            return use();
+        } catch (const Refusal& refusal) {
+            turn_away(refusal);
+        }
+    }
 
-    // The session that the browser's cookie names, if any.
+    // The session that the browser's cookie names, if any. Raises Refusal as SessionStore::open.
     void open_session();
+    // The same for a page that may do without: while the store cannot be reached it finds none.
+    void try_open_session();
+    // For a page that is of no use without sessions. Raises StoreAway.
+    void require_store() { sessions_.require(); }
+    Reach session_reach() const { return sessions_.reach(); }
+    bool is_store_away() const { return is_store_away_; }
     // The page has none (EnableSessionState=False), whatever the browser's cookie names; nobody
     // waits for this request.
     void do_without_session();
@@ -108,13 +125,14 @@ public:
     // Null while the browser has none.
     SessionLease* session() const { return session_.get(); }
     // Makes one where the browser has none. Raises Failure as require_session, and where the
-    // browser cannot be told of it any more.
+    // browser cannot be told of it any more; Refusal where the store cannot be reached.
     SessionLease& need_session();
     // Before a page puts a value: one of those that a login sets makes the request a login. Form
     // tokens of before it are worth nothing from then on. Raises Failure where that comes too late.
     void note_session_value(TextView name);
     // Ends what the request held: renews the session's identifier where somebody has logged in,
-    // writes its cookie, gives session and application back.
+    // writes its cookie, gives session and application back. Raises Refusal (503) where the session
+    // cannot be stored, and then the browser must not be told anything else.
     void finish();
 
     // Raises Failure (7) where the answer becomes larger than it may.
@@ -131,6 +149,7 @@ public:
     std::function<void(HttpResponse& head)> complete_head = {};
 
 private:
+    [[noreturn]] void turn_away(const Refusal& refusal);
     void settle_session();
 
     SessionStore& sessions_;
@@ -141,20 +160,19 @@ private:
     std::uint64_t body_read_ = 0;
     bool is_login_ = false;
     bool waits_for_directory_ = false;
-    bool is_turned_away_ = false;
+    std::optional<Refusal> turned_away_;
+    bool is_store_away_ = false;
     bool is_new_ = false;  // the browser has not been told its identifier
     bool is_abandoned_ = false;
     bool has_session_ = true;
 };
 
-// Gives back what a page holds, however it ended.
+// Gives back what a page holds, however it ended; where that fails, nobody hears of it who has not
+// called finish().
 class PageEnd {
 public:
     explicit PageEnd(PageContext& page) : page_(page) {}
-    ~PageEnd() {
-        page_.finish();
-        page_.complete_head = {};
-    }
+    ~PageEnd();
     PageEnd(const PageEnd&) = delete;
     PageEnd& operator=(const PageEnd&) = delete;
 

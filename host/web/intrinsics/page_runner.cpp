@@ -20,6 +20,16 @@ std::shared_ptr<MemoryBudget> page_memory() {
     return std::make_shared<MemoryBudget>(memory_of_a_page);
 }
 
+// False where the store cannot be reached: the page does without, and the next one begins it.
+bool try_begin_session(PageContext& page) {
+    try {
+        page.need_session();
+        return true;
+    } catch (const StoreAway&) {
+        return false;
+    }
+}
+
 // What components find in the object context: what scripts do, but for a session that the page does
 // without, the folders whose files they may use, and where they tell what they hold.
 ContextItems for_components(const std::shared_ptr<PageContext>& page, ContextItems items,
@@ -39,7 +49,7 @@ void run_page(const std::shared_ptr<PageContext>& page, PageCache& pages, const 
               const GlobalScript* global) {
     const CompiledPage compiled = pages.get(path);
     if (!compiled.settings.has_session) page->do_without_session();
-    page->open_session();
+    page->try_open_session();
     const ContextItems items{{u"Request", make<RequestObject>(page).object()},
                              {u"Response", make<ResponseObject>(page).object()},
                              {u"Session", make<SessionObject>(page).object()},
@@ -49,8 +59,7 @@ void run_page(const std::shared_ptr<PageContext>& page, PageCache& pages, const 
     const ContextScope scope(for_components(page, items, memory));
     PageRun run(*page, &pages, items, memory);
     if (global && global->handles(GlobalEvent::session_start) && page->has_session() &&
-        !page->session()) {
-        page->need_session();
+        !page->session() && try_begin_session(*page)) {
         try {
             if (run.run({&global->program, &call_of(GlobalEvent::session_start)}) ==
                 script::Ending::stopped)

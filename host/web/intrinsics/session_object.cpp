@@ -49,13 +49,15 @@ struct SessionValues {
         return page->session() ? page->session()->data().values.get(name) : Variant();
     }
     void put(const Text& name, const Variant& value) {
-        set(name, keepable(value, u"Session", name));
+        set(name, keepable(value, u"Session", name, page->session_reach()));
     }
     void set(const Text& name, const Variant& value) {
-        require_keepable(value, u"Session", name);
+        require_keepable(value, u"Session", name, page->session_reach());
         page->require_session();
-        page->note_session_value(name);
-        NamedValues& values = page->need_session().data().values;
+        NamedValues& values = page->keep([&]() -> NamedValues& {
+            page->note_session_value(name);
+            return page->need_session().data().values;
+        });
         const Variant before = values.get(name);
         values.put(name, value);
         if (values.size() <= largest_session) return;
@@ -77,12 +79,24 @@ struct SessionValues {
 
 struct ApplicationValues {
     explicit ApplicationValues(std::shared_ptr<PageContext> page) : page(std::move(page)) {}
-    Variant get(const Text& name) const { return page->application.get(name); }
-    void put(const Text& name, const Variant& value) { page->application.put(name, value); }
-    void set(const Text& name, const Variant& value) { page->application.set(name, value); }
-    NamedValues all() const { return page->application.snapshot(); }
-    void remove(const Text& name) { page->application.remove(name); }
-    void remove_all() { page->application.remove_all(); }
+    Variant get(const Text& name) const {
+        return page->keep([&] { return page->application.get(name); });
+    }
+    void put(const Text& name, const Variant& value) {
+        page->keep([&] { page->application.put(name, value); });
+    }
+    void set(const Text& name, const Variant& value) {
+        page->keep([&] { page->application.set(name, value); });
+    }
+    NamedValues all() const {
+        return page->keep([&] { return page->application.snapshot(); });
+    }
+    void remove(const Text& name) {
+        page->keep([&] { page->application.remove(name); });
+    }
+    void remove_all() {
+        page->keep([&] { page->application.remove_all(); });
+    }
     std::shared_ptr<PageContext> page;
 };
 
@@ -145,6 +159,24 @@ Object SessionObject::Contents() { return make<ContentsObject<SessionValues>>(pa
 
 bool SessionObject::IsFormToken(const Text& token) {
     return page_->session() && equal_secretly(page_->session()->data().form_token, to_utf8(token));
+}
+
+SessionData& SessionObject::data() {
+    return page_->keep([&]() -> SessionData& { return page_->need_session().data(); });
+}
+
+Variant ApplicationObject::Value(const Text& name) { return ApplicationValues(page_).get(name); }
+
+void ApplicationObject::put_Value(const Text& name, const Variant& value) {
+    ApplicationValues(page_).put(name, value);
+}
+
+void ApplicationObject::set_Value(const Text& name, const Variant& value) {
+    ApplicationValues(page_).set(name, value);
+}
+
+void ApplicationObject::Lock() {
+    page_->keep([&] { page_->application.lock(); });
 }
 
 Object ApplicationObject::StaticObjects() { return make<ContentsObject<NoValues>>(page_).object(); }

@@ -30,7 +30,7 @@ public:
     bool IsFormToken(const Text& token) override;
 
 private:
-    SessionData& data() { return page_->need_session().data(); }
+    SessionData& data();
 
     const std::shared_ptr<PageContext> page_;
 };
@@ -39,14 +39,10 @@ class ApplicationObject final : public Application {
 public:
     explicit ApplicationObject(std::shared_ptr<PageContext> page) : page_(std::move(page)) {}
 
-    Variant Value(const Text& name) override { return page_->application.get(name); }
-    void put_Value(const Text& name, const Variant& value) override {
-        page_->application.put(name, value);
-    }
-    void set_Value(const Text& name, const Variant& value) override {
-        page_->application.set(name, value);
-    }
-    void Lock() override { page_->application.lock(); }
+    Variant Value(const Text& name) override;
+    void put_Value(const Text& name, const Variant& value) override;
+    void set_Value(const Text& name, const Variant& value) override;
+    void Lock() override;
     void UnLock() override { page_->application.unlock(); }
     Object StaticObjects() override;
     Object Contents() override;

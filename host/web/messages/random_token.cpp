@@ -27,7 +27,7 @@ std::string random_token() {
         const unsigned group = bytes[i] << 16 | bytes[i + 1] << 8 | bytes[i + 2];
         for (int shift = 18; shift >= 0; shift -= 6) token += digits[group >> shift & 63];
     }
-    token.resize(43);
+    token.resize(token_length);
     return token;
 }
 

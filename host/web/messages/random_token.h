@@ -5,7 +5,9 @@
 
 namespace orvo::web {
 
-// 256 bits from the system's source of randomness, as 43 letters, digits, "-" and "_".
+inline constexpr std::size_t token_length = 43;
+
+// 256 bits from the system's source of randomness, as so many letters, digits, "-" and "_".
 std::string random_token();
 
 // Letters and digits from the same source, without those that people take for another (0, O, 1, l,

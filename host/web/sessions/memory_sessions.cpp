@@ -1,7 +1,5 @@
 #include "host/web/sessions/memory_sessions.h"
 
-#include <algorithm>
-
 #include "host/web/messages/http_message.h"
 #include "host/web/messages/random_token.h"
 
@@ -15,24 +13,17 @@ struct MemorySessions::Session {
     // As the last request left them.
     SessionLogin login;
     std::size_t bytes = 0;
-    bool is_leased = true;
-    std::size_t waiting = 0;  // requests
+    SessionTurns turns{.is_taken = true};
     bool is_dropped = false;
     Order* order = nullptr;
     Order::iterator place;
 };
 
-class MemorySessions::Lease : public SessionLease {
+class MemorySessions::Lease final : public SessionLease {
 public:
     Lease(MemorySessions& store, std::shared_ptr<Session> session)
         : store_(store), session_(std::move(session)) {}
-    ~Lease() override {
-        {
-            const std::lock_guard guard(store_.lock_);
-            if (is_abandoned_) store_.drop(session_, SessionEnd::abandoned);
-        }
-        store_.give_back(session_);
-    }
+    ~Lease() override { close(); }
 
     const std::string& id() const override { return session_->id; }
     SessionData& data() override { return session_->data; }
@@ -45,26 +36,22 @@ public:
         store_.sessions_.emplace(session_->id, session_);
     }
     void abandon() override { is_abandoned_ = true; }
+    void save() override {}
+    void close() override {
+        if (std::exchange(is_closed_, true)) return;
+        if (is_abandoned_) {
+            const std::lock_guard guard(store_.lock_);
+            store_.drop(session_, SessionEnd::abandoned);
+        }
+        store_.give_back(session_);
+    }
 
 private:
     MemorySessions& store_;
     const std::shared_ptr<Session> session_;
     bool is_abandoned_ = false;
+    bool is_closed_ = false;
 };
-
-SessionLogin login_in(const NamedValues& values) {
-    const auto text = [&](TextView name) {
-        const Variant value = values.get(name);
-        return value.is_text() ? Text(value.text_view()) : Text();
-    };
-    return {text(u"QUENDRAID"), text(u"REMOTE_ACCOUNT")};
-}
-
-int usual_requests_of_one_session(int directory_workers) {
-    constexpr int of_a_browser = 6, left_to_others = 2, least = 2;
-    return std::max(
-        {least, directory_workers / 2, std::min(of_a_browser, directory_workers - left_to_others)});
-}
 
 MemorySessions::MemorySessions(SessionLimits limits, std::function<SessionClock::time_point()> now)
     : limits_(limits), now_(std::move(now)) {}
@@ -78,32 +65,24 @@ std::unique_ptr<SessionLease> MemorySessions::open(const std::string& id,
     const auto found = sessions_.find(id);
     if (found == sessions_.end()) return nullptr;
     const std::shared_ptr<Session> session = found->second;
-    if (session->is_leased) wait_for(*session, guard, patience, try_wait);
+    if (session->turns.is_taken) {
+        ++counts_.waited;
+        SessionPatience request(patience, try_wait);
+        try {
+            wait_for_turn(session->turns, guard, given_back_, limits_.most_waiting, request);
+        } catch (const Refusal&) {
+            ++counts_.refused;
+            throw;
+        }
+    }
     // Whoever had it may have ended it or given it another identifier.
     if (session->is_dropped || session->id != id) return nullptr;
     if (const auto why = ended(*session)) {
         drop(session, *why);
         return nullptr;
     }
-    session->is_leased = true;
+    session->turns.is_taken = true;
     return std::make_unique<Lease>(*this, session);
-}
-
-void MemorySessions::wait_for(Session& session, std::unique_lock<std::mutex>& guard,
-                              std::chrono::milliseconds patience,
-                              const std::function<bool()>& try_wait) {
-    if (session.waiting >= limits_.most_waiting)
-        throw Refusal(503, "Too many requests of this session wait.");
-    ++session.waiting;
-    guard.unlock();
-    const bool may_wait = !try_wait || try_wait();
-    guard.lock();
-    const bool is_free =
-        may_wait && given_back_.wait_for(guard, patience, [&] { return !session.is_leased; });
-    --session.waiting;
-    if (!may_wait)
-        throw Refusal(503, "Another request of this session runs, and too many requests wait.");
-    if (!is_free) throw Refusal(503, "Another request of this session takes too long.");
 }
 
 std::unique_ptr<SessionLease> MemorySessions::create() {
@@ -119,7 +98,7 @@ std::unique_ptr<SessionLease> MemorySessions::create() {
         drop(victim, SessionEnd::room);
     }
     session->made = session->last_used = now_();
-    session->data.public_id = decimal(static_cast<long long>(++made_));
+    session->data.public_id = decimal(static_cast<long long>(++counts_.created));
     session->order = &orders_.front();
     session->place = session->order->insert(session->order->end(), session);
     sessions_.emplace(session->id, session);
@@ -131,7 +110,7 @@ SessionLogin MemorySessions::login_of(const std::string& id) {
     const auto found = sessions_.find(id);
     if (found == sessions_.end()) return {};
     Session& session = *found->second;
-    if (!session.is_leased && ended(session)) return {};
+    if (!session.turns.is_taken && ended(session)) return {};
     session.last_used = now_();
     session.order->splice(session.order->end(), *session.order, session.place);
     return session.login;
@@ -154,7 +133,10 @@ std::size_t MemorySessions::bytes() const {
 
 SessionCounts MemorySessions::counts() const {
     const std::lock_guard guard(lock_);
-    return {sessions_.size(), bytes_, made_, ended_};
+    SessionCounts counts = counts_;
+    counts.live = sessions_.size();
+    counts.bytes = bytes_;
+    return counts;
 }
 
 std::optional<SessionEnd> MemorySessions::ended(const Session& session) const {
@@ -167,7 +149,7 @@ std::optional<SessionEnd> MemorySessions::ended(const Session& session) const {
 void MemorySessions::give_back(const std::shared_ptr<Session>& session) {
     {
         const std::lock_guard guard(lock_);
-        session->is_leased = false;
+        session->turns.is_taken = false;
         if (!session->is_dropped) {
             session->last_used = now_();
             place(*session);
@@ -186,14 +168,14 @@ void MemorySessions::place(Session& session) {
     session.login = login_in(values);
     bytes_ += values.size() - session.bytes;
     session.bytes = values.size();
-    Order& order = orders_[values.count() == 0 ? 0 : session.login.guid.empty() ? 1 : 2];
+    Order& order = orders_[rank_of(session.data)];
     order.splice(order.end(), *session.order, session.place);
     session.order = &order;
 }
 
 void MemorySessions::drop(const std::shared_ptr<Session>& session, SessionEnd why) {
     if (std::exchange(session->is_dropped, true)) return;
-    ++ended_[static_cast<std::size_t>(why)];
+    ++counts_.ended[static_cast<std::size_t>(why)];
     bytes_ -= session->bytes;
     sessions_.erase(session->id);
     session->order->erase(session->place);
@@ -210,7 +192,7 @@ void MemorySessions::end_where(Why why) {
     const std::lock_guard guard(lock_);
     std::vector<std::pair<std::shared_ptr<Session>, SessionEnd>> all;
     for (const auto& [id, session] : sessions_) {
-        if (session->is_leased) continue;
+        if (session->turns.is_taken) continue;
         if (const std::optional<SessionEnd> reason = why(*session))
             all.emplace_back(session, *reason);
     }
@@ -230,7 +212,7 @@ void MemorySessions::drop_ended() {
     for (Order& order : orders_)
         for (int i = 0; i < 4 && !order.empty(); ++i) {
             const auto oldest = order.front();
-            const auto why = oldest->is_leased ? std::nullopt : ended(*oldest);
+            const auto why = oldest->turns.is_taken ? std::nullopt : ended(*oldest);
             if (!why) break;
             drop(oldest, *why);
         }
@@ -239,7 +221,7 @@ void MemorySessions::drop_ended() {
 std::shared_ptr<MemorySessions::Session> MemorySessions::oldest() const {
     for (const Order& order : orders_)
         for (const auto& session : order)
-            if (!session->is_leased) return session;
+            if (!session->turns.is_taken) return session;
     return nullptr;
 }
 

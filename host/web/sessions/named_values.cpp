@@ -5,20 +5,22 @@
 #include "platform/interfaces/late_call.h"
 #include "platform/interfaces/sharing.h"
 #include "platform/values/failure.h"
+#include "platform/values/value_bytes.h"
 #include "platform/values/values.h"
 
 namespace orvo::web {
 namespace {
 
-bool is_keepable(const Variant& value) {
+bool is_keepable(const Variant& value, Reach reach) {
     if (value.is_array()) {
         if (value.try_bytes()) return true;
         const Values elements = value.to<Values>();
-        return std::ranges::all_of(elements, is_keepable);
+        return std::ranges::all_of(
+            elements, [&](const Variant& element) { return is_keepable(element, reach); });
     }
     if (!value.is_object()) return true;
     const Object object = value.to<Object>();
-    return !object || serves_any_thread(object);
+    return !object || (reach == Reach::process && serves_any_thread(object));
 }
 
 std::size_t size_of(const Variant& value) {
@@ -70,18 +72,26 @@ std::vector<Text> NamedValues::names() const {
     return names;
 }
 
-void require_keepable(const Variant& value, TextView holder, TextView name) {
-    if (is_keepable(value)) return;
-    throw Failure(runtime_error::invalid_call, {},
-                  Text(holder) + u"(\"" + Text(name) +
-                      u"\") cannot keep this object: it belongs to the page that made it. Keep "
-                      u"texts, numbers, dates or arrays of these, and make the object anew on each "
-                      u"page.");
+void require_keepable(const Variant& value, TextView holder, TextView name, Reach reach) {
+    if (!is_keepable(value, reach)) {
+        const TextView reason = reach == Reach::fleet
+                                    ? u"the site's store is shared, and an object cannot leave "
+                                      u"the process that made it"
+                                    : u"it belongs to the page that made it";
+        throw Failure(runtime_error::invalid_call, {},
+                      Text(holder) + u"(\"" + Text(name) + u"\") cannot keep this object: " +
+                          Text(reason) +
+                          u". Keep texts, numbers, dates or arrays of these, and make the object "
+                          u"anew on each page.");
+    }
+    if (reach == Reach::process) return;
+    std::string bytes;
+    append_value(bytes, value);
 }
 
-Variant keepable(const Variant& value, TextView holder, TextView name) {
-    if (!value.is_object() || is_keepable(value)) {
-        require_keepable(value, holder, name);
+Variant keepable(const Variant& value, TextView holder, TextView name, Reach reach) {
+    if (!value.is_object() || is_keepable(value, reach)) {
+        require_keepable(value, holder, name, reach);
         return value;
     }
     Variant plain = value;
@@ -90,7 +100,7 @@ Variant keepable(const Variant& value, TextView holder, TextView name) {
     } catch (const Failure&) {
         // It has no default value; the refusal says more than that.
     }
-    require_keepable(plain, holder, name);
+    require_keepable(plain, holder, name, reach);
     return plain;
 }
 

@@ -20,6 +20,7 @@ public:
     void remove_all() { *this = {}; }
     std::size_t count() const { return entries_.size(); }
     const Text& name_at(std::size_t index) const { return entries_[index].first; }
+    const Variant& value_at(std::size_t index) const { return entries_[index].second; }
     std::vector<Text> names() const;
     // What they hold, roughly in bytes.
     std::size_t size() const { return size_; }
@@ -30,13 +31,21 @@ private:
     std::size_t size_ = 0;
 };
 
-// Raises 5 for a value that only the thread that made it may use, with a text that says what may be
-// kept: text, numbers, dates, booleans, bytes, arrays of these, and objects made for sharing.
-// `holder`: "Session" or "Application".
-void require_keepable(const Variant& value, TextView holder, TextView name);
+// Who else sees what is kept.
+enum class Reach {
+    process,  // all threads of this one
+    fleet,    // other machines too: nothing but bytes gets there
+};
+
+// Raises 5 for a value that cannot be kept, with a text that says what may be: text, numbers,
+// dates, booleans, bytes, arrays of these, and within a process objects made for sharing. `holder`:
+// "Session" or "Application".
+void require_keepable(const Variant& value, TextView holder, TextView name,
+                      Reach reach = Reach::process);
 
 // What is kept of a value that is put, not set: the value itself, or the default value of an object
 // that cannot be kept, as a field of a form is its text. Raises as above.
-Variant keepable(const Variant& value, TextView holder, TextView name);
+Variant keepable(const Variant& value, TextView holder, TextView name,
+                 Reach reach = Reach::process);
 
 }  // namespace orvo::web

@@ -45,6 +45,7 @@ HttpResponse ErrorAnswers::answer(ServedSite& served, const HttpRequest& request
             // A session that is not to be had may be what is told.
             if (usual.status == 503) page->do_without_session();
             is_shown = try_page(served, page, usual.status, std::move(failure));
+            page->finish();
         }
         if (is_shown) return response_of(std::move(page->answer));
     } catch (const std::exception& failed) {
@@ -62,7 +63,7 @@ bool ErrorAnswers::try_page(ServedSite& served, const std::shared_ptr<PageContex
     page->time_limit = served.site.page_timeout;
     try {
         run_page(page, served.pages, own->second);
-        return !page->is_turned_away();
+        return !page->turned_away();
     } catch (const std::exception& failed) {
         log_.failure(own->second, failed.what(), page->request.id);
         return page->answer.has_begun;

@@ -17,6 +17,8 @@ public:
     SessionData& data() override { return data_; }
     void renew_id() override {}
     void abandon() override {}
+    void save() override {}
+    void close() override {}
 
 private:
     const std::string id_;
@@ -73,7 +75,9 @@ std::optional<GlobalScript> GlobalEvents::begin() {
     if (!path) return {};
     PageSource source = compile_global(root_, *path);
     GlobalScript script{compile_source(source, *path)};
-    script.handlers = run_event(context(), script.program, GlobalEvent::application_start);
+    const auto page = context();
+    script.handlers = run_event(page, script.program, GlobalEvent::application_start);
+    if (page->turned_away()) throw Refusal(*page->turned_away());
     return script;
 }
 

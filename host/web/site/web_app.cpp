@@ -7,6 +7,7 @@
 #include "host/web/files/site_files.h"
 #include "host/web/intrinsics/page_runner.h"
 #include "host/web/messages/encoding.h"
+#include "host/web/sessions/memory_application.h"
 #include "host/web/site/asking_browser.h"
 #include "host/web/site/guard.h"
 #include "platform/interfaces/call.h"
@@ -14,6 +15,7 @@
 #include "platform/interfaces/late_call.h"
 #include "platform/objects/context/context_scope.h"
 #include "suite/authfilter/filter_store.h"
+#include "suite/store/store_error.h"
 
 namespace orvo::web {
 namespace {
@@ -134,11 +136,13 @@ WebApp::WebApp(Site site, SessionStore& sessions, DirectoryHealth& health, WebLo
       sessions_(sessions),
       health_(health),
       log_(log),
-      options_(options),
-      errors_(files_, log, options.shows_details,
+      options_(std::move(options)),
+      application_(options_.application ? options_.application
+                                        : std::make_shared<MemoryApplication>()),
+      errors_(files_, log, options_.shows_details,
               [this](const ServedSite& served, const HttpRequest& request,
                      const std::string& path) { return open(served, request, path); }),
-      events_(served_->site.root, application_, sessions, log,
+      events_(served_->site.root, *application_, sessions, log,
               {.time_limit = served_->site.page_timeout, .patience = served_->site.drain_time}) {
     need_filter(served_->site);
     if (served_->site.logins_of_one_user)
@@ -146,7 +150,7 @@ WebApp::WebApp(Site site, SessionStore& sessions, DirectoryHealth& health, WebLo
 }
 
 void WebApp::need_filter(const Site& site) {
-    if (application_.get(filter_connector_progid).is_object()) return;
+    if (application_->get(filter_connector_progid).is_object()) return;
     Object connector;
     try {
         connector = create_object(filter_connector_progid);
@@ -155,8 +159,7 @@ void WebApp::need_filter(const Site& site) {
         if (!site.guards.empty()) throw;
         return;
     }
-    ApplicationState::Holder(application_, std::chrono::seconds(1))
-        .put(filter_connector_progid, connector);
+    application_->put_own(filter_connector_progid, connector);
 }
 
 std::shared_ptr<ServedSite> WebApp::serve(Site site) {
@@ -252,7 +255,7 @@ HttpResponse WebApp::health(const std::string& path) {
 std::shared_ptr<PageContext> WebApp::open(const ServedSite& served, const HttpRequest& request,
                                           const std::string& path) {
     auto page =
-        std::make_shared<PageContext>(request, path, served.site.root, application_, sessions_,
+        std::make_shared<PageContext>(request, path, served.site.root, *application_, sessions_,
                                       options_.session_patience, served.site.largest_request);
     page->time_limit = served.site.page_timeout;
     page->file_folders = served.site.file_folders;
@@ -272,10 +275,15 @@ bool WebApp::is_open(const ServedSite& served, const HttpRequest& request,
     const ContextScope asker({{u"Request", make<AskingBrowser>(request).object()}});
     const auto* cookie = cookies.find(served.login_cookie);
     const Text guid = cookie ? cookie->values.front() : Text();
-    const Variant connector = application_.get(filter_connector_progid);
-    return std::ranges::all_of(guards_of(served.site, found), [&](const GuardedPath* guard) {
-        return is_allowed(login, guid, connector, guard->application);
-    });
+    const Variant connector = application_->get(filter_connector_progid);
+    try {
+        return std::ranges::all_of(guards_of(served.site, found), [&](const GuardedPath* guard) {
+            return is_allowed(login, guid, connector, guard->application);
+        });
+    } catch (const Failure& failure) {
+        if (store::is_unreachable(failure)) throw StoreAway();
+        throw;
+    }
 }
 
 // The session is not held for a file: a page of the same session that waits for the directory does
@@ -300,7 +308,7 @@ HttpResponse WebApp::file(const ServedSite& served, const HttpRequest& request,
 void WebApp::run(ServedSite& served, const std::shared_ptr<PageContext>& page) {
     const auto begin = std::chrono::steady_clock::now();
     const auto note = [&](PageOutcome outcome) {
-        if (page->is_turned_away()) outcome = PageOutcome::refused;
+        if (page->turned_away()) outcome = PageOutcome::refused;
         options_.metrics->note_page(outcome, std::chrono::steady_clock::now() - begin);
     };
     try {
@@ -319,17 +327,26 @@ void WebApp::run(ServedSite& served, const std::shared_ptr<PageContext>& page) {
     note(PageOutcome::done);
 }
 
+bool WebApp::enter(const ServedSite& served, PageContext& page, const SitePath& found) const {
+    if (found.path == served.site.login_page) {
+        page.open_session();
+        if (!page.session()) page.require_store();
+        return true;
+    }
+    if (guards_of(served.site, found).empty()) return true;
+    page.open_session();
+    if (!page.session()) return false;
+    const NamedValues& values = page.session()->data().values;
+    if (!is_open(served, page.request, login_in(values), page.cookies, found)) return false;
+    page.user = values.get(u"REMOTE_USER").text_view();
+    return true;
+}
+
 HttpResponse WebApp::page(ServedSite& served, const HttpRequest& request, const SitePath& found,
                           std::string& note) {
     const std::string& path = found.path;
     const auto page = open(served, request, path);
-    if (!guards_of(served.site, found).empty()) {
-        page->open_session();
-        if (!page->session() || !is_open(served, request, login_in(page->session()->data().values),
-                                         page->cookies, found))
-            return to_login(served.site, request);
-        page->user = page->session()->data().values.get(u"REMOTE_USER").text_view();
-    }
+    if (!enter(served, *page, found)) return to_login(served.site, request);
     if (!found.file) throw Refusal(404, "There is no such page.");
     ErrorPage usual;
     PageFailure failure;
@@ -351,6 +368,7 @@ HttpResponse WebApp::page(ServedSite& served, const HttpRequest& request, const 
                                   {error.what(), to_utf8(error.source),
                                    error.number ? "0x" + to_utf8(hexadecimal(error.number)) : ""});
             failure = page->failure_within(error);
+            if (failure.number == store::store_unreachable) throw StoreAway();
         }
         note = page->answer.log_note;
         if (!is_answered && !page->answer.has_begun) {
@@ -360,9 +378,9 @@ HttpResponse WebApp::page(ServedSite& served, const HttpRequest& request, const 
         seen_pages_.note(request.method, decoded_path(request.target), page->waits_for_directory());
         // What a page that failed would have told the browser is not sent; its session is kept.
         if (!is_answered) page->answer.cookies.clear();
+        page->finish();
     }
-    if (page->is_turned_away() && !page->answer.has_begun)
-        throw Refusal(503, "Too many pages wait for the directory. Please try again.");
+    if (page->turned_away() && !page->answer.has_begun) throw Refusal(*page->turned_away());
     if (is_answered) return response_of(std::move(page->answer));
     if (page->answer.has_begun) return broken_off(page->answer, error_response(usual));
     HttpResponse response = errors_.usual(served.site, usual);

@@ -25,6 +25,8 @@ public:
         std::chrono::milliseconds session_patience{30'000};
         // Where requests are counted.
         std::shared_ptr<WebMetrics> metrics = std::make_shared<WebMetrics>();
+        // Null: one in memory.
+        std::shared_ptr<ApplicationState> application = {};
     };
 
     // Puts the authorization filter's connector into the application. Raises 429 where there is
@@ -50,7 +52,7 @@ public:
     void replace(Site site);
     Site site() const { return served()->site; }
 
-    ApplicationState& application() { return application_; }
+    ApplicationState& application() { return *application_; }
 
 private:
     // What a request's line in the log and its figures say of it.
@@ -71,6 +73,9 @@ private:
     void run(ServedSite& served, const std::shared_ptr<PageContext>& page);
     std::shared_ptr<PageContext> open(const ServedSite& served, const HttpRequest& request,
                                       const std::string& path);
+    // Opens the session where the page is of no use without one. False where a guard does not let
+    // the browser in.
+    bool enter(const ServedSite& served, PageContext& page, const SitePath& found) const;
     // Whether the guard lets this login through, or the path needs none.
     bool is_open(const ServedSite& served, const HttpRequest& request, const SessionLogin& login,
                  const RequestFields& cookies, const SitePath& found) const;
@@ -82,7 +87,7 @@ private:
     WebLog& log_;
     const Options options_;
     std::atomic<bool> is_leaving_ = false;
-    ApplicationState application_;
+    const std::shared_ptr<ApplicationState> application_;
     WaitingPages seen_pages_;
     StaticFiles files_;
     ErrorAnswers errors_;

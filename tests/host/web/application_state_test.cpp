@@ -1,4 +1,4 @@
-#include "host/web/sessions/application_state.h"
+#include "host/web/sessions/memory_application.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@ namespace {
 using namespace std::chrono_literals;
 
 TEST(ApplicationState, IsSharedByAllRequests) {
-    ApplicationState state;
+    MemoryApplication state;
     ApplicationState::Holder one(state, 0ms), two(state, 0ms);
     one.put(u"Name", u"value");
     EXPECT_EQ(two.get(u"NAME"), Variant(u"value"));
@@ -24,7 +24,7 @@ TEST(ApplicationState, IsSharedByAllRequests) {
 }
 
 TEST(ApplicationState, LockedByOneRequestCanBeReadButNotChangedByAnother) {
-    ApplicationState state;
+    MemoryApplication state;
     ApplicationState::Holder one(state, 10ms), two(state, 10ms);
     one.lock();
     one.lock();
@@ -45,7 +45,7 @@ TEST(ApplicationState, LockedByOneRequestCanBeReadButNotChangedByAnother) {
 }
 
 TEST(ApplicationState, AForgottenLockGoesWithItsRequest) {
-    ApplicationState state;
+    MemoryApplication state;
     {
         ApplicationState::Holder forgetful(state, 0ms);
         forgetful.lock();
@@ -55,7 +55,7 @@ TEST(ApplicationState, AForgottenLockGoesWithItsRequest) {
 }
 
 TEST(ApplicationState, CountsRightUnderThreadsThatLockIt) {
-    ApplicationState state;
+    MemoryApplication state;
     constexpr int threads = 8, rounds = 200;
     std::vector<std::thread> all;
     for (int i = 0; i < threads; ++i)

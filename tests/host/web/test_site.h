@@ -5,6 +5,7 @@
 #include "host/web/intrinsics/page_context.h"
 #include "host/web/intrinsics/page_runner.h"
 #include "host/web/pages/page_cache.h"
+#include "host/web/sessions/memory_application.h"
 #include "host/web/sessions/memory_sessions.h"
 #include "platform/module/local_class.h"
 #include "platform/objects/context/app_server.h"
@@ -40,7 +41,7 @@ public:
     const std::filesystem::path root = std::filesystem::canonical(folder.path());
     LocalClass app_server = local_class<AppServerObject>();
     std::chrono::milliseconds patience{1000};
-    ApplicationState application;
+    MemoryApplication application;
     SessionClock::time_point now{};
     MemorySessions sessions{{}, [this] { return now; }};
     PageCache pages{root};

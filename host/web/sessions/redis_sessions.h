@@ -1,0 +1,71 @@
+#pragma once
+
+#include <mutex>
+#include <optional>
+#include <unordered_map>
+
+#include "host/web/sessions/session_store.h"
+#include "host/web/sessions/session_turns.h"
+#include "host/web/sessions/shared_store.h"
+
+namespace orvo::web {
+
+// Sessions that all machines of a site share. A request takes its session with one round trip to
+// the store, which locks it, and gives it back with another one, which writes it if it was changed;
+// a session is made with one. What the store holds is sealed, under names from which no identifier
+// follows.
+//
+// A request whose machine dies or is cut off keeps its session locked for SharedLocks::life at
+// most; one that comes back later than that writes nothing. Of those that end each is taken by one
+// machine; it tells its on_end, unless it dies or loses the store just then.
+class RedisSessions : public SessionStore {
+public:
+    explicit RedisSessions(SharedStore& store, SessionLimits limits = {});
+    ~RedisSessions() override;
+
+    Reach reach() const override { return Reach::fleet; }
+    std::unique_ptr<SessionLease> open(const std::string& id, std::chrono::milliseconds patience,
+                                       const std::function<bool()>& try_wait = {}) override;
+    std::unique_ptr<SessionLease> create() override;
+    SessionLogin login_of(const std::string& id) override;
+    void require() override;
+
+    void set_limits(const SessionLimits& limits) override;
+    void on_end(std::function<void(SessionData)> take) override;
+    void end_idle() override;
+    void end_all() override {}
+    SessionCounts counts() const override;
+
+    // Of all machines; asks the store.
+    std::size_t count();
+
+private:
+    class Lease;
+    class Turn;
+
+    SessionLimits limits() const;
+    void wait_for_others(SessionPatience& request, GrowingPause& pause);
+    // With the lock held.
+    void drop_unused(const std::string& name);
+    // What stands under this name; nothing for what this machine cannot read.
+    std::optional<SessionData> try_unsealed(const std::string& key,
+                                            const std::string& sealed) const;
+    void tell_ended(SessionData session, SessionEnd why);
+    // Names and what stood under them, one after the other, the last ones for room.
+    void tell_ended(const store::Reply::List& ended, std::size_t for_room);
+    std::string key_of(const std::string& name) const { return store_.key("session", name); }
+    // A session's key, and those of the lists by rank.
+    std::vector<std::string> keys_of(const std::string& key) const;
+
+    SharedStore& store_;
+    const std::vector<std::string> order_keys_;  // by rank
+    mutable std::mutex lock_;
+    SessionLimits limits_;
+    SessionCounts counts_;
+    std::condition_variable turn_ended_;
+    std::unordered_map<std::string, SessionTurns> turns_;  // by name
+    std::mutex end_lock_;
+    std::function<void(SessionData)> take_ended_;
+};
+
+}  // namespace orvo::web

@@ -1,0 +1,154 @@
+// A site whose machines share their sessions, with its store there and away.
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "host/web/sessions/redis_application.h"
+#include "host/web/sessions/redis_sessions.h"
+#include "platform/interfaces/hosted.h"
+#include "tests/host/web/shared_site.h"
+#include "tests/host/web/web_app_test.h"
+
+namespace orvo::web {
+
+// Lets a page do what happens to its store.
+class StoreSwitch {
+public:
+    explicit StoreSwitch(RedisServer& server) : server_(server) {}
+    void Kill() { server_.kill(); }
+
+private:
+    RedisServer& server_;
+};
+
+}  // namespace orvo::web
+
+namespace orvo {
+template <>
+inline constexpr auto table_of<web::StoreSwitch> =
+    describe<web::StoreSwitch>("IStoreSwitch", "5d4b3c53-6f0e-4a61-9d0c-1f6f4f6a2cfa",
+                               method<&web::StoreSwitch::Kill>("Kill"));
+template <>
+inline constexpr auto class_of<web::StoreSwitch> =
+    describe_class<web::StoreSwitch>("Test.StoreSwitch").shared();
+}  // namespace orvo
+
+namespace orvo::web {
+namespace {
+
+using namespace std::chrono_literals;
+
+class SharedSiteTest : public WebAppTest {
+protected:
+    SharedSiteTest() {
+        pages_.write("/open.asp", "open [<%= Session('v') %>]");
+        pages_.write(
+            "/write.asp",
+            "<% Response.Cookies('other') = 1;"
+            "try { Session('v') = 'kept'; } catch (e) { Response.Write('caught'); } %>put");
+        pages_.write("/flush.asp", "<% Session('v') = 'sent'; Response.Flush(); %>end");
+        pages_.write("/count.asp",
+                     "<% Application.Lock(); Application('n') = Application('n') + 1 || 1;"
+                     " Application.UnLock(); %><%= Application('n') %>");
+        pages_.write("/object.asp",
+                     "<% try { Session('o') = Application('Host.Switch'); }"
+                     "catch (e) { Response.Write(e.message); } %>");
+    }
+    // One machine of the site.
+    struct Machine {
+        explicit Machine(SharedSiteTest& test)
+            : store(machine_of(test.server_)),
+              sessions(*store),
+              application(std::make_shared<RedisApplication>(*store)),
+              app(read_site(test.pages_.root), sessions, test.health_, test.log_,
+                  WebApp::Options{.application = application}) {}
+        HttpResponse get(const std::string& target, const std::string& cookies = {}) {
+            return app.handle({.target = target, .headers = {{"Cookie", cookies}}});
+        }
+        std::unique_ptr<SharedStore> store;
+        RedisSessions sessions;
+        std::shared_ptr<RedisApplication> application;
+        WebApp app;
+    };
+    void expect_away(const HttpResponse& response) {
+        EXPECT_EQ(response.status, 503);
+        EXPECT_NE(response.body.find("The site cannot look up who you are now. Please try again."),
+                  std::string::npos)
+            << response.body;
+        EXPECT_EQ(cookies(response), "");
+    }
+
+    RedisServer server_;
+    Machine one_{*this}, two_{*this};
+};
+
+TEST_F(SharedSiteTest, ABrowsersSessionIsOnEveryMachine) {
+    const std::string sent = cookies(one_.get("/write.asp"));
+    EXPECT_EQ(two_.get("/open.asp", sent).body, "open [kept]");
+    EXPECT_EQ(one_.get("/count.asp").body, "1");
+    EXPECT_EQ(two_.get("/count.asp").body, "2");
+    EXPECT_EQ(one_.get("/count.asp").body, "3");
+}
+
+TEST_F(SharedSiteTest, WithoutItsStorePagesThatNeedNobodyWorkAndTheOthersSaySo) {
+    const std::string known = cookies(one_.get("/write.asp"));
+    const std::string login = cookies(one_.get("/login/login.asp"));
+    ASSERT_NE(login, "");
+    server_.kill();
+    for (const std::string& sent : {std::string(), known}) {
+        const HttpResponse open = one_.get("/open.asp", sent);
+        EXPECT_EQ(open.status, 200);
+        EXPECT_EQ(open.body, "open []");
+        EXPECT_EQ(cookies(open), "");
+        EXPECT_EQ(one_.get("/style.css", sent).status, 200);
+        expect_away(one_.get("/write.asp", sent));
+        expect_away(one_.get("/flush.asp", sent));
+        expect_away(one_.get("/count.asp", sent));
+        expect_away(one_.get("/login/login.asp", sent));
+    }
+    expect_away(one_.get("/account/", login));
+    expect_away(one_.get("/account/logo.svg", login));
+    server_.start();
+    const auto end = std::chrono::steady_clock::now() + 1s;
+    while (one_.get("/write.asp").status != 200 && std::chrono::steady_clock::now() < end)
+        std::this_thread::sleep_for(5ms);
+    EXPECT_EQ(one_.get("/write.asp").status, 200) << "within a second";
+    EXPECT_EQ(one_.get("/account/", login).status, 302) << "it came back empty";
+}
+
+TEST_F(SharedSiteTest, APageWhoseSessionCannotBeStoredSetsNothing) {
+    pages_.write("/kill.asp",
+                 "<% Session('v') = 'lost'; Response.Cookies('other') = 1;"
+                 "   Application('Host.Switch').Kill() %>done");
+    one_.application->put_own(u"Host.Switch", make<StoreSwitch>(server_).object());
+    const std::string before = cookies(one_.get("/write.asp"));
+    for (const std::string& sent : {std::string(), before}) {
+        expect_away(one_.get("/kill.asp", sent));
+        server_.start();
+        while (one_.get("/write.asp").status != 200) std::this_thread::yield();
+    }
+}
+
+TEST_F(SharedSiteTest, AnObjectIsRefusedWhenItIsPut) {
+    one_.application->put_own(u"Host.Switch", make<StoreSwitch>(server_).object());
+    EXPECT_EQ(one_.get("/object.asp").body,
+              "Session(\"o\") cannot keep this object: the site's store is shared, and an object "
+              "cannot leave the process that made it. Keep texts, numbers, dates or arrays of "
+              "these, and make the object anew on each page.");
+}
+
+TEST_F(SharedSiteTest, AGuardedPageTakesTwoRoundTripsForItsSession) {
+    const std::string login = cookies(one_.get("/login/login.asp"));
+    const auto filter = register_login();
+    ASSERT_EQ(one_.get("/account/", login).body, "account");
+    const auto before = one_.store->redis()->counts().commands;
+    EXPECT_EQ(one_.get("/account/", login).body, "account");
+    EXPECT_EQ(one_.store->redis()->counts().commands - before, 2u);
+    EXPECT_EQ(one_.get("/open.asp").body, "open []");
+    EXPECT_EQ(one_.store->redis()->counts().commands - before, 2u) << "nor any without a cookie";
+    call<&FilterConnector::Logout>(filter, u"G1");
+}
+
+}  // namespace
+}  // namespace orvo::web
