@@ -1,18 +1,13 @@
 #include "suite/audit/audit_call.h"
 
 #include "platform/interfaces/call.h"
-#include "platform/interfaces/create.h"
+#include "platform/interfaces/optional_class.h"
 
 namespace orvo::audit {
 
 Ref<Audit> try_audit() {
-    Object object;
-    try {
-        object = create_object(audit_progid);
-    } catch (const Failure& failure) {
-        if (failure.number != runtime_error::cannot_create_object) throw;
-        return {};
-    }
+    const Object object = create_object_if_known(audit_progid);
+    if (!object) return {};
     auto audit = Ref<Audit>::from(object);
     return call<&Audit::IsOn>(audit) ? audit : Ref<Audit>();
 }

@@ -3,14 +3,12 @@
 #include <map>
 #include <system_error>
 
-#include "component/common/log_contract.h"
-#include "platform/interfaces/call.h"
-#include "platform/interfaces/create.h"
 #include "platform/output/journal.h"
 #include "suite/audit/audit_settings.h"
 #include "suite/audit/calling_page.h"
 #include "suite/configuration/ini_files.h"
 #include "suite/log/log_entry.h"
+#include "suite/log/tell_log.h"
 
 namespace orvo::audit {
 namespace {
@@ -49,16 +47,6 @@ void write(const Settings& settings, const std::string& line) {
         }
 }
 
-void tell_log(const Failure& failure, const std::string& line) noexcept {
-    try {
-        Text name = source, message = failure.description + u"; lost: " + from_utf8(line);
-        std::int32_t level = log_level_error;
-        call<&Log::LogMessage>(Ref<Log>::from(create_object(u"Quendra.Log")), name, message, level);
-    } catch (const std::exception&) {
-        // There is nobody left to tell.
-    }
-}
-
 }  // namespace
 
 Boolean SuiteAudit::IsOn() { return settings_of_site().is_on(); }
@@ -73,7 +61,7 @@ void SuiteAudit::Record(const Text& event, const Text& result, const Text& user,
     try {
         write(settings, line);
     } catch (const Failure& failure) {
-        tell_log(failure, line);
+        tell_log(source, failure.description + u"; lost: " + from_utf8(line), log_level_error);
         if (settings.sync) throw;
     }
 }

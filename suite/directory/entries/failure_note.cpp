@@ -1,12 +1,10 @@
 #include "suite/directory/entries/failure_note.h"
 
-#include "component/common/log_contract.h"
-#include "platform/interfaces/call.h"
-#include "platform/interfaces/create.h"
 #include "suite/audit/calling_page.h"
 #include "suite/directory/policy/failures.h"
 #include "suite/log/log_entry.h"
 #include "suite/log/log_target.h"
+#include "suite/log/tell_log.h"
 
 namespace orvo::directory {
 namespace {
@@ -27,14 +25,12 @@ void note_failure(const char* operation, std::string_view entry, const Failure& 
     try {
         if (!log_notes_of_environment()) return;
         const std::string of_entry = entry.empty() ? "" : " of " + quoted_name(entry);
-        Text source = failure.source;
         const Text request = audit::request_of_calling_page();
-        Text message = from_utf8(operation + of_entry) + u" failed" +
-                       (request.empty() ? Text() : u" (request " + request + u")") + u", 0x" +
-                       hexadecimal(failure.number) + u": " + failure.description;
-        std::int32_t level = log_level_note;
-        call<&Log::LogMessage>(Ref<Log>::from(create_object(u"Quendra.Log")), source, message,
-                               level);
+        tell_log(failure.source,
+                 from_utf8(operation + of_entry) + u" failed" +
+                     (request.empty() ? Text() : u" (request " + request + u")") + u", 0x" +
+                     hexadecimal(failure.number) + u": " + failure.description,
+                 log_level_note);
     } catch (...) {
         // A note is not worth a failure: where it cannot be written it is dropped.
     }

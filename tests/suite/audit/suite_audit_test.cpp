@@ -12,28 +12,12 @@
 #include "platform/output/journal.h"
 #include "suite/audit/audit_call.h"
 #include "suite/log/suite_log.h"
+#include "tests/support/addressed_request.h"
 #include "tests/support/environment.h"
 #include "tests/support/raised.h"
 #include "tests/support/temp_folder.h"
 
 namespace orvo {
-
-// As a web host's Request answers.
-class AddressedRequest {
-public:
-    Text ServerVariables(const Text& name) {
-        if (name == u"REQUEST_ID") return u"yN1";
-        return name == u"REMOTE_ADDR" ? u"203.0.113.7" : u"";
-    }
-};
-
-template <>
-inline constexpr auto table_of<AddressedRequest> =
-    describe<AddressedRequest>("IAddressedRequest", "0f9a3b64-6df0-4c1a-8f0e-4f0a2c2f1b01",
-                               get<&AddressedRequest::ServerVariables>("ServerVariables", "name"));
-template <>
-inline constexpr auto class_of<AddressedRequest> =
-    describe_class<AddressedRequest>("Test.AddressedRequest");
 
 namespace audit {
 namespace {
