@@ -7,6 +7,7 @@
 #include "suite/directory/ldap/provider/LdapDirectory.h"
 #include "suite/directory/ldap/provider/LdapServers.h"
 #include "suite/log/suite_log.h"
+#include "suite/throttle/suite_throttle.h"
 
 namespace orvo {
 
@@ -16,6 +17,7 @@ const ModuleDescription& this_module() {
         module_class<SuiteLog>(),
         module_class<audit::SuiteAudit>(),
         module_class<counters::SuiteCounters>(),
+        module_class<throttle::SuiteThrottle>(),
         module_class<directory::ldap::LdapDirectory>(),
         module_class<directory::ldap::LdapServers>(),
         module_class<authfilter::FilterConnectorObject>(),

@@ -7,7 +7,7 @@
 namespace orvo::counters {
 
 // Password checks, by their outcome: "right", "wrong", "locked", "disabled", "expired", "too many
-// failures", "failure".
+// failures", "throttled", "failure".
 inline constexpr const char16_t* logins = u"logins";
 // What the authorization filter does: "login", "refusal", "logout".
 inline constexpr const char16_t* filter = u"filter";

@@ -15,6 +15,7 @@
 #include "suite/directory/policy/stored_password.h"
 #include "suite/directory/schema/entry_change.h"
 #include "suite/directory/schema/entry_check.h"
+#include "tests/support/throttle_setting.h"
 
 namespace orvo {
 
@@ -104,6 +105,7 @@ EmbeddedShop::EmbeddedShop(const DirectoryOptions& options)
     const std::string place = "@SERVER@";
     settings.replace(settings.find(place), place.size(), server());
     folder_.write("site.ini", settings);
+    write_throttle_section(site_ini_, "On=no\n");
     std::filesystem::copy(examples / "Config", folder_.path() / "Config");
 }
 

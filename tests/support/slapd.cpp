@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "tests/support/free_port.h"
+#include "tests/support/throttle_setting.h"
 
 namespace orvo {
 
@@ -46,6 +47,7 @@ void PrivateSlapd::prepare(const SlapdOptions& options) {
         command.insert(command.end(), {"--config", file});
     }
     output_of(command);
+    if (options.directory.empty()) write_throttle_section(folder() / "site.ini.in", "On=no\n");
 }
 
 void PrivateSlapd::choose_ports() {

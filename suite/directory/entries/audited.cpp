@@ -10,8 +10,9 @@
 namespace orvo::directory {
 namespace {
 
-Text result_of_check(std::int32_t number) {
-    switch (number) {
+Text result_of_check(const CheckAnswer& answer) {
+    if (answer.is_throttled) return u"throttled";
+    switch (answer.number) {
         case password_check::right:
             return u"right";
         case password_check::wrong:
@@ -25,7 +26,7 @@ Text result_of_check(std::int32_t number) {
         case password_check::too_many_failures:
             return u"too many failures";
     }
-    return decimal(number);
+    return decimal(answer.number);
 }
 
 // Does the work, and records a failure of it; the failure itself is what is told, also where that
@@ -43,11 +44,11 @@ auto done_or_recorded(Work work, Record record) {
     }
 }
 
-std::int32_t counted(const std::function<std::int32_t()>& check) {
+CheckAnswer counted(const std::function<CheckAnswer()>& check) {
     try {
-        const std::int32_t number = check();
-        counters::count_event(counters::logins, result_of_check(number));
-        return number;
+        const CheckAnswer answer = check();
+        counters::count_event(counters::logins, result_of_check(answer));
+        return answer;
     } catch (const Failure&) {
         counters::count_event(counters::logins, u"failure");
         throw;
@@ -57,17 +58,17 @@ std::int32_t counted(const std::function<std::int32_t()>& check) {
 }  // namespace
 
 std::int32_t audited_check(TextView server, TextView user,
-                           const std::function<std::int32_t()>& given_check) {
+                           const std::function<CheckAnswer()>& given_check) {
     const auto check = [&] { return counted(given_check); };
     const Ref<Audit> audit = audit::try_audit();
-    if (!audit) return check();
+    if (!audit) return check().number;
     const auto record = [&](const Text& result) {
         call<&Audit::Record>(audit, Text(u"check"), result, Text(user), Text(), Text(server),
                              Text());
     };
-    const std::int32_t number = done_or_recorded(check, record);
-    record(result_of_check(number));
-    return number;
+    const CheckAnswer answer = done_or_recorded(check, record);
+    record(result_of_check(answer));
+    return answer.number;
 }
 
 void record_failed_bind(TextView server, TextView user, const Failure& failure) noexcept {

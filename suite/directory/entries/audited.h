@@ -10,15 +10,16 @@
 
 #include "platform/values/failure.h"
 #include "platform/values/text.h"
+#include "suite/directory/entries/throttled.h"
 
 namespace orvo::directory {
 
 // A check of somebody's password, from `check`, which answers its number or raises: event "check"
-// with "right", "wrong", "locked", "disabled", "expired", "too many failures" or "failed
-// (0x8007203A)". With Sync nobody hears of the answer before it is recorded: what cannot be
+// with "right", "wrong", "locked", "disabled", "expired", "too many failures", "throttled" or
+// "failed (0x8007203A)". With Sync nobody hears of the answer before it is recorded: what cannot be
 // recorded raises in its place.
 std::int32_t audited_check(TextView server, TextView user,
-                           const std::function<std::int32_t()>& check);
+                           const std::function<CheckAnswer()>& check);
 
 // Records a bind (BindAs) that failed: event "bind" with "wrong" for credentials that the directory
 // refuses, nothing for any other failure. What cannot be recorded is in the log.

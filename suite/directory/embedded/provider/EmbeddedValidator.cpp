@@ -26,18 +26,21 @@ std::int32_t EmbeddedValidator::Validate(Variant& path, Variant& password) {
     return audited_check(server_, written, [&] { return check_password(written, secret); });
 }
 
-std::int32_t EmbeddedValidator::check_password(TextView written, const Secret& secret) {
+CheckAnswer EmbeddedValidator::check_password(TextView written, const Secret& secret) {
     if (!container_name_) {
         const Text container = container_name(container_);
         container_name_ = DistinguishedName::try_parse(container);
         if (!container_name_) raise_code(result_code::invalid_name, to_utf8(container));
     }
     if (secret.empty() || !secret.is_well_formed() || unusable(secret) || !is_well_formed(written))
-        return password_check::wrong;
+        return {password_check::wrong};
     const std::optional<Text> below = name_below(written, *container_name_);
-    if (!below) return password_check::wrong;
-
+    if (!below) return {password_check::wrong};
     const std::string name = to_utf8(*below);
+    return throttled_check(name, [&] { return ask_directory(name, secret); });
+}
+
+std::int32_t EmbeddedValidator::ask_directory(const std::string& name, const Secret& secret) {
     if (!directory_) directory_ = Directory::of(server_);
     const BindAnswer answer = directory_->bind(name, secret, Directory::Proof::anew);
     const std::optional<int> number = judged(answer.code, {}, answer.policy);

@@ -7,17 +7,20 @@
 #include "platform/interfaces/hosted.h"
 #include "suite/directory/embedded/directory/directory.h"
 #include "suite/directory/entries/failure_note.h"
+#include "suite/directory/entries/throttled.h"
 
 namespace orvo {
 namespace directory::embedded {
 
 // Checks of passwords against a directory in a file. Each computes the hash, counts a failure once,
-// and says what the password policy has to say of the account. Used by one thread.
+// and says what the password policy has to say of the account. The site's throttle stands in front.
+// Used by one thread.
 class EmbeddedValidator final : public DirectoryValidator {
 public:
     // Opens nothing yet: the first check does.
     void Open(Text& server, Text& user_container) override;
-    // An empty password, and a path that is not below the container, are wrong without asking.
+    // An empty password, and a path that is not below the container, are wrong without asking, and
+    // no attempts for the throttle.
     // Raises 91 before Open, 34 for a container that is no name, 0x8007203A where the file cannot
     // be used.
     std::int32_t Validate(Variant& path, Variant& password) override;
@@ -27,7 +30,8 @@ public:
     }
 
 private:
-    std::int32_t check_password(TextView written, const Secret& secret);
+    CheckAnswer check_password(TextView written, const Secret& secret);
+    std::int32_t ask_directory(const std::string& name, const Secret& secret);
 
     bool is_open_ = false;
     Text server_;

@@ -49,19 +49,22 @@ std::int32_t LdapValidator::Validate(Variant& path, Variant& password) {
     return audited_check(asked->server, written, [&] { return check_password(written, secret); });
 }
 
-std::int32_t LdapValidator::check_password(TextView written, const Secret& secret) {
+CheckAnswer LdapValidator::check_password(TextView written, const Secret& secret) {
     if (!target_->container_name) read_container();
     if (secret.empty() || !secret.is_well_formed() || unusable(secret) || !is_well_formed(written))
-        return password_check::wrong;
+        return {password_check::wrong};
     std::string name;
     if (is_plain_below(written, target_->container)) {
         name = to_utf8(written);
     } else if (const auto below = name_below(written, *target_->container_name)) {
         name = to_utf8(*below);
     } else {
-        return password_check::wrong;
+        return {password_check::wrong};
     }
+    return throttled_check(name, [&] { return ask_server(name, secret); });
+}
 
+std::int32_t LdapValidator::ask_server(std::string name, const Secret& secret) {
     if (auto mapped =
             MappedDirectory::try_open(client_, target_->server, target_->container, limits_)) {
         const std::optional<std::string> user = mapped->find(name);

@@ -6,6 +6,7 @@
 #include "component/provider/directory_contract.h"
 #include "platform/interfaces/hosted.h"
 #include "suite/directory/entries/failure_note.h"
+#include "suite/directory/entries/throttled.h"
 #include "suite/directory/ldap/provider/client.h"
 
 namespace orvo {
@@ -15,7 +16,7 @@ namespace directory::ldap {
 // account, on a connection for such checks (ConnectionPool::checks_below). It is sent once, to one
 // server. What is remembered of a check is the password of one that is right: for a change that
 // follows at once (ProvenPassword), and for a login that takes over the connection (CheckedLogin).
-// Used by one thread.
+// The site's throttle stands in front of the server. Used by one thread.
 class LdapValidator final : public DirectoryValidator {
 public:
     // `limits`: instead of those that the connection pool has for all.
@@ -28,9 +29,10 @@ public:
 
     // See the contract for the numbers. Both arguments are converted to text (94 for null). An
     // empty password, one that `unusable` names, and a path that is no name strictly below the user
-    // container, are wrong without asking the server. Raises 91 when not opened, the failures of
-    // result codes 89 and 34 for a server and a user container that cannot be read, and the
-    // server's own failure where its answer says nothing about the account.
+    // container, are wrong without asking the server, and no attempts for the throttle. Raises 91
+    // when not opened, the failures of result codes 89 and 34 for a server and a user container
+    // that cannot be read, and the server's own failure where its answer says nothing about the
+    // account.
     std::int32_t Validate(Variant& path, Variant& password) override;
 
     void failed(const char* operation, const Failure& failure) const noexcept {
@@ -38,7 +40,8 @@ public:
     }
 
 private:
-    std::int32_t check_password(TextView written, const Secret& secret);
+    CheckAnswer check_password(TextView written, const Secret& secret);
+    std::int32_t ask_server(std::string name, const Secret& secret);
     void read_container();
     void find_checks();
 
