@@ -21,6 +21,9 @@ struct CommonOptions {
 // --site and --quiet.
 void add_common_options(CLI::App& command, CommonOptions& options);
 
+// Of a running host, where no option says another (add_socket).
+inline constexpr const char* usual_host_socket = "/run/orvo/orvo-web.sock";
+
 struct RowOptions {
     Format format = Format::table;
     std::vector<std::string> columns;  // empty: the command's usual ones

@@ -3,9 +3,11 @@
 #include <memory>
 
 #include "host/admin/common/exit_codes.h"
+#include "host/admin/common/options.h"
 #include "host/admin/common/program.h"
 #include "host/admin/diagnosis/doctor.h"
 #include "host/admin/diagnosis/why.h"
+#include "host/admin/process/process_commands.h"
 
 namespace orvo::admin {
 
@@ -33,6 +35,10 @@ void add_why(Program& program) {
     why.add_flag("--try", request->is_tried,
                  "Ask for the password and log in: a wrong one counts as a failed login")
         ->excludes(compared);
+    why.add_option("--from", request->address,
+                   "The browser's address: whether the throttle would refuse a login from there")
+        ->type_name("ADDRESS");
+    add_socket(why, request->socket);
     why.add_flag("--json", request->is_json, "As JSON");
 }
 

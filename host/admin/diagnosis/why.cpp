@@ -1,14 +1,17 @@
 #include "host/admin/diagnosis/why.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <iostream>
+#include <vector>
 
 #include "host/admin/common/output.h"
 #include "host/admin/common/password_input.h"
 #include "host/admin/diagnosis/account_source.h"
 #include "host/admin/diagnosis/content_steps.h"
 #include "host/admin/diagnosis/report.h"
+#include "host/admin/process/host_throttle.h"
 #include "suite/directory/map/directory_map.h"
 #include "suite/directory/names/ascii.h"
 #include "suite/directory/names/written_name.h"
@@ -26,7 +29,8 @@ struct Login {
     AccountSource& source;
     std::optional<Secret> password = {};
 
-    std::string name = {};  // of the entry
+    std::string written = {};  // the name as the component completes what was typed
+    std::string name = {};     // of the entry
     Account account = {};
     std::optional<EntryData> profile = {};
 
@@ -52,7 +56,8 @@ Finding examine_name(Login& login) {
         parsed ? name_below(from_utf8(relative + "," + container), *parsed) : std::nullopt;
     if (login.request.user.empty() || !name)
         return failed(quoted_name(login.request.user) + " cannot be the name of a user.");
-    const std::vector<std::string> called = login.source.all_called(to_utf8(*name));
+    login.written = to_utf8(*name);
+    const std::vector<std::string> called = login.source.all_called(login.written);
     if (called.empty()) return no_such_user(login);
     if (called.size() > 1)
         return failed("More than one user is called so, so nobody is: " + called[0] + " and " +
@@ -123,6 +128,42 @@ Finding examine_applications(Login& login) {
     return found(text);
 }
 
+std::string words_of(const ThrottleBudget& budget) {
+    if (budget.name == "known address") return "an address of the user's";
+    if (budget.name == "address") return "this address, for whatever user";
+    return budget.name;
+}
+
+// "3 of 10 wrong passwords from unknown addresses"
+std::string counted_by(const ThrottleBudget& budget) {
+    return std::to_string(budget.wrong) + " of " + std::to_string(budget.most) +
+           " wrong passwords from " + words_of(budget);
+}
+
+Finding examine_throttle(Login& login) {
+    const ThrottledUser who{login.site.file, login.request.socket, login.written};
+    const auto budgets = throttle_of(who, login.request.address);
+    if (!budgets)
+        return unknown("no host runs at " + login.request.socket.string(),
+                       "Name its AdminSocket with --socket.");
+    std::string counted, refusing;
+    int seconds = 0;
+    for (const ThrottleBudget& budget : *budgets) {
+        // Without an address it may be any of a browser's.
+        const bool is_asked =
+            login.request.address.empty() ? budget.name != "programs" : budget.is_asked;
+        if (!is_asked || budget.wrong == 0) continue;
+        std::string& text = budget.seconds > 0 ? refusing : counted;
+        text += (text.empty() ? "" : ", ") + counted_by(budget);
+        seconds = std::max(seconds, budget.seconds);
+    }
+    if (refusing.empty())
+        return found(counted.empty() ? "no wrong passwords are counted" : counted);
+    return failed(refusing + ": refused for " + std::to_string(seconds) + " seconds.",
+                  "orvo users unlock " + login.request.user);
+}
+
+constexpr Step<Login> throttle_step{"throttle", "name", examine_throttle};
 constexpr Step<Login> login_steps[] = {
     {"name", nullptr, examine_name},
     {"entry", "name", examine_entry},
@@ -154,7 +195,9 @@ bool explain_login(const WhyRequest& request) {
         login.password = Secret::of_bytes(typed);
         overwrite(typed.data(), typed.size());
     }
-    const Examination examination{request.user, examine<Login>(login_steps, login)};
+    std::vector<Step<Login>> steps(std::begin(login_steps), std::end(login_steps));
+    if (has_throttle(site.file)) steps.insert(steps.begin() + 1, throttle_step);
+    const Examination examination{request.user, examine<Login>(steps, login)};
     constexpr const char* refused = "refused";
     if (request.is_json) {
         write_json(std::cout, {examination}, refused);

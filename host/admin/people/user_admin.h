@@ -25,6 +25,7 @@ struct NamesRequest {
     CommonOptions common;
     RowOptions rows = {};
     std::vector<std::string> names;
+    std::filesystem::path socket = usual_host_socket;  // where wrong passwords are counted
 };
 int show_users(const NamesRequest& request);
 int remove_users(const NamesRequest& request);

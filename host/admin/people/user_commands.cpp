@@ -137,9 +137,11 @@ private:
     }
     void add_change(const char* name, const char* description, AccountChange change) {
         const auto request = std::make_shared<NamesRequest>();
-        add_names(program_.command(users_, name, description,
-                                   [request, change] { return change_accounts(change, *request); }),
-                  *request);
+        CLI::App& command = program_.command(users_, name, description, [request, change] {
+            return change_accounts(change, *request);
+        });
+        add_names(command, *request);
+        if (change == AccountChange::unlock) add_socket(command, request->socket);
     }
 
     Program& program_;

@@ -12,6 +12,7 @@
 #include "host/admin/people/catalogue.h"
 #include "host/admin/people/each_name.h"
 #include "host/admin/people/user_admin.h"
+#include "host/admin/process/host_throttle.h"
 
 namespace orvo::admin {
 namespace {
@@ -54,6 +55,20 @@ std::vector<AttributeChange> changes_of_new(const Site& site, const UserAddReque
     if (!request.applications.empty())
         changes.push_back({"OrvoApps", numbers(request.applications, application_number)});
     return changes;
+}
+
+// Has the site's throttle forget the wrong passwords of a user who is `unlocked`, or was not
+// locked.
+std::string told_of_throttle(const Site& site, const std::string& name, const std::string& unlocked,
+                             const NamesRequest& request) {
+    try {
+        return clear_throttle({site.file(), request.socket, site.user_entry(name)})
+                   ? ", and no wrong passwords are counted any more"
+                   : "";
+    } catch (const std::exception& failure) {
+        throw std::runtime_error(unlocked +
+                                 ", but wrong passwords may still be counted: " + told(failure));
+    }
 }
 
 }  // namespace
@@ -139,8 +154,11 @@ int give_profile(const ProfileRequest& request) {
 
 int change_accounts(AccountChange change, const NamesRequest& request) {
     const Site site(request.common.site);
+    const bool is_throttled = change == AccountChange::unlock && has_throttle(site.file());
     return for_each_name(request.names, [&](const std::string& name) {
-        say(request.common, name, change_account(site, name, change));
+        std::string what = change_account(site, name, change);
+        if (is_throttled) what += told_of_throttle(site, name, what, request);
+        say(request.common, name, what);
     });
 }
 

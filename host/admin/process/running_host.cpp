@@ -35,6 +35,11 @@ timeval in_seconds(std::chrono::milliseconds time) {
     return {.tv_sec = seconds.count(), .tv_usec = rest.count()};
 }
 
+// Nobody listens there.
+class NoHost : public std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
 class Connection {
 public:
     Connection(const std::filesystem::path& file, std::chrono::milliseconds patience)
@@ -71,9 +76,11 @@ public:
 
 private:
     [[noreturn]] void raise_unreachable(int error) const {
-        throw std::runtime_error(
+        const std::string text =
             file_.string() + ": no host answers (" + std::generic_category().message(error) +
-            "); name its AdminSocket with --socket, and be root or the user that it runs as");
+            "); name its AdminSocket with --socket, and be root or the user that it runs as";
+        if (error == ENOENT || error == ECONNREFUSED) throw NoHost(text);
+        throw std::runtime_error(text);
     }
     [[noreturn]] void raise_silent() const {
         throw std::runtime_error(
@@ -126,6 +133,15 @@ HostTable ask_host(const std::filesystem::path& socket, const std::string& reque
         table.rows.back().resize(table.columns.size());
     }
     return table;
+}
+
+std::optional<HostTable> try_ask_host(const std::filesystem::path& socket,
+                                      const std::string& request) {
+    try {
+        return ask_host(socket, request);
+    } catch (const NoHost&) {
+        return std::nullopt;
+    }
 }
 
 int show_pool(const HostRequest& request) {

@@ -4,14 +4,13 @@
 
 #include <chrono>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "host/admin/common/options.h"
 
 namespace orvo::admin {
-
-inline constexpr const char* usual_host_socket = "/run/orvo/orvo-web.sock";
 
 struct HostRequest {
     CommonOptions common;
@@ -29,6 +28,9 @@ struct HostTable {
 // nothing for `patience`.
 HostTable ask_host(const std::filesystem::path& socket, const std::string& request,
                    std::chrono::milliseconds patience = std::chrono::seconds(10));
+// The same; nothing where there is no socket, or nobody listens: no host runs there.
+std::optional<HostTable> try_ask_host(const std::filesystem::path& socket,
+                                      const std::string& request);
 
 int show_pool(const HostRequest& request);
 int clear_cache(const HostRequest& request);

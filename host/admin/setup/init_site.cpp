@@ -127,7 +127,8 @@ void fill(Store& store, const SiteSettings& site, const InitRequest& request,
     entries.add(policy_name, {{"objectClass", {"organizationalRole", "pwdPolicy"}},
                               {"pwdAttribute", {"userPassword"}},
                               {"pwdLockout", {"TRUE"}},
-                              {"pwdMaxFailure", {"5"}},
+                              // Later than the throttle, which does not lock the owner out.
+                              {"pwdMaxFailure", {"50"}},
                               {"pwdFailureCountInterval", {"900"}},
                               {"pwdLockoutDuration", {"900"}},
                               {"pwdMinLength", {"8"}},
@@ -176,7 +177,10 @@ std::string new_settings(const fs::path& data) {
            "[GLOBAL]\n"
            "; 1: a user may be logged in more than once at a time.\n"
            "MultiLogin=1\n"
-           "MultiLoginTimeout=10\n";
+           "MultiLoginTimeout=10\n\n"
+           "[THROTTLE]\n"
+           "; Who tries many passwords is slowed down and refused.\n"
+           "On=yes\n";
 }
 
 // The service account's password: the one that the settings refer to, made where its file is not

@@ -1,6 +1,8 @@
 #include "host/web/administration/process_state.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <optional>
 
 #include "host/web/administration/record_rows.h"
 #include "platform/interfaces/create.h"
@@ -44,9 +46,31 @@ std::string end_logins(std::string_view account) {
     return "ok\nLogins\n" + cell(late::call(logins, u"EndAllOf", {from_utf8(account)})) + '\n';
 }
 
+// What stands behind a request's words; nothing for another request.
+std::optional<std::string_view> behind(std::string_view words, std::string_view request) {
+    if (!request.starts_with(words)) return std::nullopt;
+    return request.substr(words.size());
+}
+
+std::string answer_of_throttle(std::string_view user_and_address) {
+    const std::size_t tab = std::min(user_and_address.find('\t'), user_and_address.size());
+    const std::string_view address = user_and_address.substr(tab);
+    return table(late::call(create_object(u"OrvoSuite.Throttle"), u"State",
+                            {from_utf8(user_and_address.substr(0, tab)),
+                             from_utf8(address.substr(std::min<std::size_t>(1, address.size())))})
+                     .to<Object>());
+}
+
+std::string clear_throttle(std::string_view user) {
+    const Object throttle = create_object(u"OrvoSuite.Throttle");
+    const bool had_any = late::call(throttle, u"Clear", {from_utf8(user)}).to<bool>();
+    return std::string("ok\nUsers\n") + (had_any ? "1" : "0") + '\n';
+}
+
 std::string answer(std::string_view request) {
-    constexpr std::string_view logout = "logout ";
-    if (request.starts_with(logout)) return end_logins(request.substr(logout.size()));
+    if (const auto account = behind("logout ", request)) return end_logins(*account);
+    if (const auto about = behind("throttle ", request)) return answer_of_throttle(*about);
+    if (const auto user = behind("clear throttle ", request)) return clear_throttle(*user);
     const Object servers = create_object(u"OrvoDirectory.LdapServers");
     if (request == "servers") return table(late::call(servers, u"States").to<Object>());
     if (request == "connections") return table(late::call(servers, u"Connections").to<Object>());

@@ -13,9 +13,13 @@ namespace orvo::web {
 //   servers       the directory servers, a row each (DirectoryServers::States)
 //   connections   the connections to them (DirectoryServers::Connections)
 //   clear cache   forgets what is kept of entries; a row with how many those were
-//   logout NAME   ends all logins of the account with this full name; a row with how many those
-//   were
+//   logout USER   ends all logins of this account; a row with how many those were
+//   throttle USER[, a tab and ADDRESS]
+//                 what is counted of a user's wrong passwords (Throttle::State)
+//   clear throttle USER
+//                 forgets them; a row with how many users had any
 //
+// A user is a full distinguished name.
 // A table begins with the line "ok" and one with the columns' names; texts have tabs between them,
 // and none in them. Whatever fails is the line "failed", a blank and a sentence. Does not raise.
 std::string answer_about_process(std::string_view request) noexcept;

@@ -11,6 +11,7 @@
 #include "tests/host/admin/orvo_program.h"
 #include "tests/support/ldap_probe.h"
 #include "tests/support/slapd.h"
+#include "tests/support/throttle_setting.h"
 
 namespace orvo {
 namespace {
@@ -118,6 +119,7 @@ protected:
             settings = content_of(server->site_ini());
         }
         std::ofstream(path("site.ini")) << settings;
+        write_throttle_section(path("site.ini"), "On=no\n");
     }
     static bool is_embedded() { return std::string(GetParam()) == "embedded"; }
 
