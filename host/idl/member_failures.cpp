@@ -133,6 +133,9 @@ constexpr MemberFailure failures[] = {
     raises<&Audit::Record>(malformed_file, "section [AUDIT] says what cannot be"),
     raises<&Audit::Record>(file_not_readable, "the site says Sync, and the file cannot be written"),
 
+    raises<&Throttle::IsOn>(malformed_file, "section [THROTTLE] says what cannot be"),
+    raises<&Throttle::Admit>(malformed_file, "section [THROTTLE] says what cannot be"),
+
     raises<&FilterConnector::CreateUserWithGUID>(
         invalid_call, "the GUID is empty, or longer than 256 characters"),
     raises<&FilterConnector::CreateUserWithGUID>(out_of_memory, "there are 100,000 records"),

@@ -11,12 +11,14 @@
 #include "suite/counters/suite_counters.h"
 #include "suite/directory/ldap/provider/LdapServers.h"
 #include "suite/log/suite_log.h"
+#include "suite/throttle/suite_throttle.h"
 
 namespace orvo {
 
 using SuiteClasses =
     std::tuple<SuiteConfiguration, SuiteLog, audit::SuiteAudit, counters::SuiteCounters,
-               directory::ldap::LdapServers, authfilter::FilterConnectorObject,
-               authfilter::FilterUserObject, authfilter::LiveLogins, authfilter::LiveLogin>;
+               throttle::SuiteThrottle, directory::ldap::LdapServers,
+               authfilter::FilterConnectorObject, authfilter::FilterUserObject,
+               authfilter::LiveLogins, authfilter::LiveLogin>;
 
 }  // namespace orvo

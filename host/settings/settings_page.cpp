@@ -11,6 +11,7 @@
 #include "suite/directory/settings/pool_settings.h"
 #include "suite/log/log_target.h"
 #include "suite/store/store_settings.h"
+#include "suite/throttle/throttle_settings.h"
 
 namespace orvo {
 namespace {
@@ -108,6 +109,11 @@ std::string settings_page() {
         "What several machines of a site share: [store.md](../store.md). Read from the site's own "
         "file, once per process; a key that is not listed here keeps everybody out.\n\n" +
         table(store::described_settings()) +
+        "### [THROTTLE]\n\n"
+        "Who tries many passwords is slowed down and refused: "
+        "[login.md](../login.md#too-many-attempts). Read from the site's own file; without the "
+        "section there is no throttle, a key that is not listed here keeps everybody out.\n\n" +
+        table(throttle::described_settings()) +
         "### [DIRECTORY.MAP]\n\n"
         "A directory that does not know the product's schema: "
         "[directory-map.md](../directory-map.md). Any other key is the name of one of the "

@@ -223,7 +223,7 @@ function inTheShop(name, cases) {
 }
 
 // What the login page says, whatever is wrong with a name or its account.
-const refused = 'User name or password is wrong, or the account is locked. ' +
-    'Please try again later, or ask an administrator.';
+const refused = 'User name or password is wrong, the account is locked, or there were too many ' +
+    'attempts. Please wait a few minutes and try again, or ask an administrator.';
 
 module.exports = { inTheShop, refused };
