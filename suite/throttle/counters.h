@@ -52,6 +52,12 @@ struct CountedBudget {
     std::chrono::milliseconds free_in{};  // until an attempt is admitted again
     bool is_asked = false;                // the one that the attempt in question uses
 
+    // As Throttle::State has it.
+    TextView name() const {
+        constexpr TextView names[] = {u"unknown addresses", u"programs", u"known address",
+                                      u"address"};
+        return names[static_cast<int>(of)];
+    }
     bool operator==(const CountedBudget&) const = default;
 };
 

@@ -10,20 +10,6 @@
 namespace orvo::throttle {
 namespace {
 
-TextView name_of(CountedBudget::Of of) {
-    switch (of) {
-        case CountedBudget::Of::unknown_addresses:
-            return u"unknown addresses";
-        case CountedBudget::Of::programs:
-            return u"programs";
-        case CountedBudget::Of::known_address:
-            return u"known address";
-        case CountedBudget::Of::address:
-            return u"address";
-    }
-    return u"";
-}
-
 Outcome outcome_of(std::int32_t result) {
     return result >= 0 || result == directory::password_check::expired ? Outcome::right
                                                                        : Outcome::wrong;
@@ -71,8 +57,7 @@ Object SuiteThrottle::State(const Text& user, const Text& address) {
     for (const CountedBudget& budget :
          process_.counters(settings())
              .state({user_key(user), address_key(address)}, limits_of(settings())))
-        builder.add({Text(name_of(budget.of)), std::int32_t{budget.wrong},
-                     std::int32_t{budget.most},
+        builder.add({Text(budget.name()), std::int32_t{budget.wrong}, std::int32_t{budget.most},
                      static_cast<std::int32_t>(
                          std::chrono::ceil<std::chrono::seconds>(budget.free_in).count()),
                      budget.is_asked});

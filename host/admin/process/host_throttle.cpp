@@ -1,10 +1,31 @@
 #include "host/admin/process/host_throttle.h"
 
+#include <memory>
+
 #include "host/admin/process/running_host.h"
 #include "suite/configuration/ini_files.h"
+#include "suite/throttle/gate.h"
+#include "suite/throttle/redis_counters.h"
 #include "suite/throttle/throttle_settings.h"
 
 namespace orvo::admin {
+namespace {
+
+// What the site's processes share; null where each counts for itself.
+std::unique_ptr<throttle::Counters> shared_counters(const std::filesystem::path& site) {
+    store::Settings settings = store::read_settings(*load_ini_file(site), site);
+    if (!settings.is_shared()) return nullptr;
+    return std::make_unique<throttle::RedisCounters>(
+        std::make_shared<store::Redis>(std::move(settings)));
+}
+
+ThrottleBudget told(const throttle::CountedBudget& budget) {
+    return {to_utf8(budget.name()), budget.wrong, budget.most,
+            static_cast<int>(std::chrono::ceil<std::chrono::seconds>(budget.free_in).count()),
+            budget.is_asked};
+}
+
+}  // namespace
 
 bool has_throttle(const std::filesystem::path& site) {
     return throttle::read_settings(*load_ini_file(site), site).is_on;
@@ -12,9 +33,18 @@ bool has_throttle(const std::filesystem::path& site) {
 
 std::optional<std::vector<ThrottleBudget>> throttle_of(const ThrottledUser& who,
                                                        const std::string& address) {
+    std::vector<ThrottleBudget> budgets;
+    if (const auto shared = shared_counters(who.site)) {
+        const auto limits =
+            throttle::limits_of(throttle::read_settings(*load_ini_file(who.site), who.site));
+        for (const auto& budget : shared->state({throttle::user_key(from_utf8(who.user)),
+                                                 throttle::address_key(from_utf8(address))},
+                                                limits))
+            budgets.push_back(told(budget));
+        return budgets;
+    }
     const auto table = try_ask_host(who.socket, "throttle " + who.user + "\t" + address);
     if (!table) return std::nullopt;
-    std::vector<ThrottleBudget> budgets;
     for (const std::vector<std::string>& row : table->rows)
         budgets.push_back({row.at(0), std::stoi(row.at(1)), std::stoi(row.at(2)),
                            std::stoi(row.at(3)), row.at(4) == "True"});
@@ -22,8 +52,12 @@ std::optional<std::vector<ThrottleBudget>> throttle_of(const ThrottledUser& who,
 }
 
 bool clear_throttle(const ThrottledUser& who) {
+    bool had_any = false;
+    if (const auto shared = shared_counters(who.site))
+        had_any = shared->clear(throttle::user_key(from_utf8(who.user)));
+    // A host may have counted in its memory while the shared store was away.
     const auto table = try_ask_host(who.socket, "clear throttle " + who.user);
-    return table && table->rows.at(0).at(0) != "0";
+    return had_any || (table && table->rows.at(0).at(0) != "0");
 }
 
 }  // namespace orvo::admin

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 
 #include "suite/throttle/memory_counters.h"
+#include "suite/throttle/redis_counters.h"
+#include "tests/support/redis_server.h"
 
 namespace orvo::throttle {
 namespace {
@@ -10,10 +12,22 @@ namespace {
 using testing::ElementsAre;
 using Of = CountedBudget::Of;
 
-constexpr CountersKind kinds[] = {
+const RedisServer& redis_server() {
+    static const RedisServer server;
+    return server;
+}
+
+const CountersKind kinds[] = {
     {"memory",
      [](std::function<Moment()> now) -> std::unique_ptr<Counters> {
          return std::make_unique<MemoryCounters>(std::move(now));
+     }},
+    {"redis",
+     [](std::function<Moment()> now) -> std::unique_ptr<Counters> {
+         redis_server().ask({"FLUSHALL"});
+         store::Settings settings{.addresses = {{"127.0.0.1", redis_server().port()}}};
+         return std::make_unique<RedisCounters>(std::make_shared<store::Redis>(std::move(settings)),
+                                                std::move(now));
      }},
 };
 INSTANTIATE_TEST_SUITE_P(Stores, CountersTest, testing::ValuesIn(kinds),

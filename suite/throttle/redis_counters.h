@@ -1,0 +1,41 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "suite/store/redis.h"
+#include "suite/throttle/counters.h"
+
+namespace orvo::throttle {
+
+// Counts in the site's shared store, for all its processes, and by the store's clock. Each question
+// is one script there. A user and an address are keys of their own, by their hashes, which go when
+// nothing of them is counted any more:
+//
+//   <prefix>:throttle:user:<hash>     a hash: "u" elsewhere, "p" programs, "k<hash>" a known
+//   address <prefix>:throttle:address:<hash>  a text
+//
+// Raises what store::Redis raises.
+class RedisCounters final : public Counters {
+public:
+    // `now`: instead of the store's clock; for tests.
+    explicit RedisCounters(std::shared_ptr<store::Redis> redis, std::function<Moment()> now = {})
+        : redis_(std::move(redis)), now_(std::move(now)) {}
+
+    Place reserve(const Attempt& attempt, const Limits& limits) override;
+    void settle(const Attempt& attempt, const Place& place, Outcome outcome,
+                const Limits& limits) override;
+    bool clear(const std::string& user) override;
+    std::vector<CountedBudget> state(const Attempt& attempt, const Limits& limits) override;
+
+private:
+    std::vector<std::string> keys(const Attempt& attempt) const;
+    std::vector<std::string> arguments(const Attempt& attempt, const Limits& limits) const;
+    std::string time() const;
+
+    const std::shared_ptr<store::Redis> redis_;
+    const std::function<Moment()> now_;
+};
+
+}  // namespace orvo::throttle
