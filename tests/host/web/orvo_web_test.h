@@ -19,6 +19,7 @@
 #include "tests/support/child_process.h"
 #include "tests/support/slapd.h"
 #include "tests/support/temp_folder.h"
+#include "tests/support/throttle_setting.h"
 
 namespace orvo::web {
 
@@ -69,6 +70,7 @@ protected:
         text = std::regex_replace(text, std::regex("MultiLogin=1"),
                                   "MultiLogin=" + std::to_string(multi_login_));
         std::ofstream(file) << text << '\n' << audit_;
+        write_throttle_section(file, throttle_);
         std::filesystem::create_directories(folder_.path() / "Config");
         std::filesystem::copy_file(slapd->site_ini().parent_path() / "Config/Directory.ini",
                                    folder_.path() / "Config/Directory.ini",
@@ -126,6 +128,7 @@ protected:
     TempFolder folder_;
     int multi_login_ = 1;
     std::string audit_;  // section of the site's configuration
+    std::string throttle_ = "On=no\n";
     std::optional<ChildProcess> process_;
 };
 
