@@ -75,7 +75,7 @@ void record_failed_bind(TextView server, TextView user, const Failure& failure) 
     if (failure.number != number_of_code(result_code::invalid_credentials)) return;
     try {
         if (const Ref<Audit> audit = audit::try_audit())
-            call<&Audit::Record>(audit, Text(u"bind"), result_of_check(password_check::wrong),
+            call<&Audit::Record>(audit, Text(u"bind"), result_of_check({password_check::wrong}),
                                  Text(user), Text(), Text(server), Text());
     } catch (const std::exception&) {  // the caller is told of the bind
     }
