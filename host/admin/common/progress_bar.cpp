@@ -8,8 +8,11 @@ namespace orvo::admin {
 ProgressBar::ProgressBar(std::ostream& terminal, std::string what)
     : terminal_(terminal), what_(std::move(what)) {}
 
-ProgressBar::~ProgressBar() {
+ProgressBar::~ProgressBar() { clear(); }
+
+void ProgressBar::clear() {
     if (width_ > 0) terminal_ << '\r' << std::string(width_, ' ') << '\r' << std::flush;
+    width_ = 0;
 }
 
 void ProgressBar::tell(std::uint64_t done, std::uint64_t all, const std::string& more,

@@ -21,6 +21,8 @@ public:
     // Drawn ten times a second at most. `all` 0: nobody knows.
     void tell(std::uint64_t done, std::uint64_t all, const std::string& more,
               Clock::time_point now = Clock::now());
+    // The line is free for something else, until it is drawn anew.
+    void clear();
 
 private:
     std::ostream& terminal_;

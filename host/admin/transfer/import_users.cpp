@@ -86,7 +86,7 @@ private:
                                    ": " + what + "\n");
         } catch (const std::exception& failure) {
             if (is_of_whole_directory(failure)) throw;
-            bar.reset();
+            if (bar) bar->clear();
             refused.add(row, source, told(failure));
         }
     }

@@ -20,8 +20,8 @@ RefusedRows::RefusedRows(std::filesystem::path file, std::string from)
 
 void RefusedRows::add(const ImportRow& row, const ImportSource& source, const std::string& reason) {
     ++count_;
-    std::cerr << from_ << ", line " << row.line << ": " << printable(row.name) << ": " << reason
-              << '\n';
+    const std::string name = row.name.empty() ? "" : printable(row.name) + ": ";
+    std::cerr << from_ << ", line " << row.line << ": " << name << reason << '\n';
     if (file_.empty()) return;
     if (!out_.is_open()) {
         const int made = ::open(file_.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0600);

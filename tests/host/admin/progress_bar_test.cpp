@@ -26,6 +26,19 @@ TEST(AProgressBar, IsDrawnOverItselfAndGoesAway) {
                                   std::string(last.size(), ' ') + "\r");
 }
 
+TEST(AProgressBar, IsDrawnAnewWhereSomethingElseWasSaid) {
+    std::ostringstream terminal;
+    const auto begin = ProgressBar::Clock::now();
+    ProgressBar bar(terminal, "Loading");
+    bar.tell(1, 0, "1 entry", begin);
+    bar.clear();
+    terminal << "a line\n";
+    bar.tell(2, 0, "2", begin + 100ms);
+    const std::string first = "Loading, 1 entry";
+    EXPECT_EQ(terminal.str(),
+              "\r" + first + "\r" + std::string(first.size(), ' ') + "\ra line\n\rLoading, 2");
+}
+
 TEST(AProgressBar, HasNoPartOfWhatNobodyKnows) {
     std::ostringstream terminal;
     {
