@@ -1,13 +1,14 @@
 #include "host/web/administration/directory_metrics.h"
 
 #include <algorithm>
-#include <cmath>
+#include <array>
 #include <optional>
 #include <utility>
 
 #include "host/web/administration/record_rows.h"
 #include "platform/interfaces/create.h"
 #include "platform/interfaces/late_call.h"
+#include "suite/store/site_store.h"
 
 namespace orvo::web {
 namespace {
@@ -144,8 +145,8 @@ void write_logins(Exposition& out, const Object& counters) {
     const auto all = counted(late::call(counters, u"Rows").to<Object>());
     out.family("orvo_logins_total", MetricType::counter,
                "Password checks, by their outcome; failure: the directory has not told.");
-    for (const char* outcome :
-         {"right", "wrong", "locked", "disabled", "expired", "too many failures", "failure"})
+    for (const char* outcome : {"right", "wrong", "locked", "disabled", "expired",
+                                "too many failures", "throttled", "failure"})
         out.sample(value_of(all, "logins", outcome), {{"outcome", outcome}});
     out.family("orvo_filter_events_total", MetricType::counter,
                "Logins that the authorization filter began and that were ended by somebody, and "
@@ -154,16 +155,64 @@ void write_logins(Exposition& out, const Object& counters) {
         out.sample(value_of(all, "filter", event), {{"event", event}});
 }
 
-// Of a site without a shared store: reachable, and never asked.
-void write_store(Exposition& out, const Object& counters) {
-    const auto rows = RecordRows::read(late::call(counters, u"Store").to<Object>()).rows;
+// Of a site without a throttle: nothing.
+void write_throttle(Exposition& out) {
+    const Object throttle = create_object(u"OrvoSuite.Throttle");
+    const auto row = RecordRows::read(late::call(throttle, u"Figures").to<Object>()).rows.at(0);
+    enum Column { admitted, delayed, refused, wrong, waiting };
     const auto write = [&](std::string_view name, MetricType type, std::string_view help,
-                           std::size_t column, double otherwise = 0) {
+                           Column column) {
         out.family(name, type, help);
-        out.sample(rows.empty() ? otherwise : std::abs(rows[0][column].to<double>()));
+        out.sample(row[column].to<double>());
+    };
+    write("orvo_throttle_admitted_total", MetricType::counter,
+          "Password checks that the throttle has let through to the directory.", admitted);
+    write("orvo_throttle_delayed_total", MetricType::counter, "Of these, after a wait.", delayed);
+    write("orvo_throttle_wrong_total", MetricType::counter,
+          "Of these, those that came to a wrong password.", wrong);
+    write("orvo_throttle_refused_total", MetricType::counter,
+          "Password checks that it has refused without asking the directory.", refused);
+    write("orvo_throttle_waiting", MetricType::gauge, "Password checks that wait now.", waiting);
+}
+
+// As the columns of Counters::Store. Of a site without a shared store: reachable, and never asked.
+using StoreFigures = std::array<double, 8>;
+constexpr StoreFigures without_store{1};
+
+StoreFigures store_of_host() {
+    const auto site = store::site_store();
+    if (!site) return without_store;
+    const auto number = [](auto count) { return static_cast<double>(count); };
+    const store::Redis::Counts counts = site->redis->counts();
+    return {number(site->redis->is_reachable()),
+            number(counts.commands),
+            number(counts.failures),
+            number(counts.connects),
+            number(counts.failovers),
+            number(counts.connections),
+            number(counts.in_use),
+            number(counts.total_time.count()) / 1e6};
+}
+
+StoreFigures store_of_suite(const Object& counters) {
+    const auto rows = RecordRows::read(late::call(counters, u"Store").to<Object>()).rows;
+    if (rows.empty()) return without_store;
+    StoreFigures figures;
+    for (std::size_t i = 0; i < figures.size(); ++i)
+        figures[i] = i == 0 ? rows[0][0].to<bool>() : rows[0].at(i).to<double>();
+    return figures;
+}
+
+void write_store(Exposition& out, const Object& counters) {
+    const StoreFigures sessions = store_of_host(), logins = store_of_suite(counters);
+    const auto write = [&](std::string_view name, MetricType type, std::string_view help,
+                           std::size_t column) {
+        out.family(name, type, help);
+        out.sample(sessions[column], {{"use", "sessions"}});
+        out.sample(logins[column], {{"use", "logins"}});
     };
     write("orvo_store_reachable", MetricType::gauge,
-          "1 unless the site has a shared store of logins that cannot be reached.", 0, 1);
+          "1 unless the site has a shared store that cannot be reached.", 0);
     write("orvo_store_commands_total", MetricType::counter,
           "Commands to the shared store that were answered, or failed.", 1);
     write("orvo_store_failures_total", MetricType::counter,
@@ -187,6 +236,7 @@ void write_directory_metrics(Exposition& out) {
     const Object counters = create_object(u"OrvoSuite.Counters");
     write_logins(out, counters);
     write_store(out, counters);
+    write_throttle(out);
 }
 
 }  // namespace orvo::web

@@ -161,16 +161,19 @@ TEST_F(OrvoWebFigures, TellOfTheSharedStoreAndWhetherItIsThere) {
     audit_ = redis.site_section();
     Browser browser(start());
     ASSERT_EQ(log_in(browser, "jsmith", "shop-sample")->status, 303);
-    std::string all = figures();
-    EXPECT_EQ(value(all, "orvo_store_reachable"), 1);
-    EXPECT_GT(value(all, "orvo_store_commands_total"), 0);
-    EXPECT_GT(value(all, "orvo_store_command_seconds_total"), 0);
-    EXPECT_EQ(value(all, "orvo_store_failures_total"), 0);
+    const auto of = [&](const std::string& name, const char* use) {
+        return value(figures(), "orvo_store_" + name + "{use=\"" + use + "\"}");
+    };
+    for (const char* use : {"sessions", "logins"}) {
+        EXPECT_EQ(of("reachable", use), 1) << use;
+        EXPECT_GT(of("commands_total", use), 0) << use;
+        EXPECT_GT(of("command_seconds_total", use), 0) << use;
+        EXPECT_EQ(of("failures_total", use), 0) << use;
+    }
     redis.kill();
     EXPECT_NE(log_in(browser, "jsmith", "shop-sample")->status, 303);
-    all = figures();
-    EXPECT_EQ(value(all, "orvo_store_reachable"), 0) << all;
-    EXPECT_GT(value(all, "orvo_store_failures_total"), 0);
+    EXPECT_EQ(of("reachable", "sessions"), 0);
+    EXPECT_GT(of("failures_total", "sessions"), 0);
 }
 
 TEST_F(OrvoWebFigures, LeadByOneIdentifierThroughAllLogs) {

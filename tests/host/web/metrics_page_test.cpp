@@ -8,6 +8,7 @@
 #include "platform/module/local_class.h"
 #include "suite/counters/suite_counters.h"
 #include "suite/directory/ldap/provider/LdapServers.h"
+#include "suite/throttle/suite_throttle.h"
 #include "tests/support/environment.h"
 
 namespace orvo::web {
@@ -39,6 +40,7 @@ protected:
     Environment no_components_{"ORVO_COMPONENTS", "/none"};
     std::optional<LocalClass> servers_;
     const LocalClass counters_ = local_class<counters::SuiteCounters>();
+    const LocalClass throttle_ = local_class<throttle::SuiteThrottle>();
     WebMetrics web_;
     ServerCounts server_{7, 2, 3, {8, {1, 0, 4}, {2, 1, 5}, 0, {0, 0, 6}, 9}};
     SessionCounts sessions_{11, 12'000, 40, {1, 2, 3, 4, 5}};
@@ -111,6 +113,12 @@ TEST_F(MetricsPageTest, CountsLoginsByTheirOutcomeAndNamesNobody) {
     EXPECT_EQ(value("orvo_logins_total{outcome=\"too many failures\"}"), 0);
     EXPECT_GE(value("orvo_filter_events_total{event=\"refusal\"}"), 1);
     EXPECT_THAT(text(), Not(HasSubstr("jsmith")));
+}
+
+TEST_F(MetricsPageTest, TellsWhatTheThrottleDid) {
+    for (const char* name :
+         {"admitted_total", "delayed_total", "wrong_total", "refused_total", "waiting"})
+        EXPECT_EQ(value("orvo_throttle_" + std::string(name)), 0) << name;
 }
 
 TEST_F(MetricsPageTest, LeavesOutWhatCannotBeHadAndSaysSoOnce) {

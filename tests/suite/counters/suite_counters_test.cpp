@@ -33,7 +33,8 @@ protected:
         return counts;
     }
     static void check(std::int32_t answer) {
-        directory::audited_check(u"server", u"user", [=] { return answer; });
+        directory::audited_check(u"server", u"user",
+                                 [=] { return directory::CheckAnswer{answer}; });
     }
 
     Environment no_components_{"ORVO_COMPONENTS", "/none"};
@@ -59,15 +60,19 @@ TEST_F(CountersTest, CountEachPasswordCheckByItsOutcomeAlsoWithoutAnAudit) {
           password_check::too_many_failures})
         check(number);
     const Failure failure = raised_by([] {
-        audited_check(u"server", u"user", []() -> std::int32_t { throw Failure(5, u"s", u"d"); });
+        audited_check(u"server", u"user", []() -> CheckAnswer { throw Failure(5, u"s", u"d"); });
     });
     EXPECT_EQ(failure.number, 5);
+    audited_check(u"server", u"user", [] {
+        return CheckAnswer{password_check::too_many_failures, true};
+    });
     EXPECT_EQ(counted(logins), (std::map<Text, double>{{u"right", 1},
                                                        {u"wrong", 2},
                                                        {u"locked", 1},
                                                        {u"disabled", 1},
                                                        {u"expired", 1},
                                                        {u"too many failures", 1},
+                                                       {u"throttled", 1},
                                                        {u"failure", 1}}));
 }
 
