@@ -53,6 +53,7 @@ frontend shop
 backend ready
     balance roundrobin
     option httpchk GET /health/ready
+    http-check expect status 200 error-status L7OKC
 )" + (is_sticky ? "    cookie node insert indirect nocache\n" : "") +
            ready + R"(
 backend alive

@@ -41,7 +41,7 @@ Fleet::Fleet(const FleetOptions& options)
         nodes_.back()->start();
         fronts.push_back(nodes_.back()->front().port());
     }
-    balancer_ = std::make_unique<Balancer>(folder_.path(), fronts, true);
+    balancer_ = std::make_unique<Balancer>(folder_.path(), fronts, !store_);
 }
 
 std::vector<int> Fleet::node_ports() const {
@@ -51,8 +51,7 @@ std::vector<int> Fleet::node_ports() const {
 }
 
 NodeLines Fleet::lines_of(Node& node) const {
-    // The delay is longer than the balancer needs to notice.
-    NodeLines lines{{}, "TrustedProxies=127.0.0.1\nDrainDelay=2\n"};
+    NodeLines lines{{}, "TrustedProxies=127.0.0.1\n"};
     if (store_) lines.site = store_->site_section("redis://" + node.store().server());
     return lines;
 }

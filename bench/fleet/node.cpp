@@ -20,7 +20,9 @@ const fs::path source = ORVO_SOURCE_DIR;
 const std::string bin = ORVO_BIN;
 constexpr auto longest_start = std::chrono::seconds(30);
 // Longer than what is being served may go on (DrainTime).
-constexpr double longest_end = 30;
+constexpr auto longest_end = std::chrono::seconds(30);
+// How long it goes on when it is asked to end; longer than the balancer needs to notice.
+constexpr auto drain_delay = std::chrono::seconds(2);
 
 // Nobody else may read it: passwords stand in it.
 void write(const fs::path& file, const std::string& content) {
@@ -45,7 +47,8 @@ void Node::configure(const NodeLines& lines) {
     for (const auto& proxy : directories_)
         servers += (servers.empty() ? "" : " ") + proxy->server();
     write(folder_ / "site.ini", sample_site(servers) + "\n" + lines.site);
-    write(folder_ / "web.ini", content_of(source / "examples/shop/site.ini") + "\n" + lines.web);
+    write(folder_ / "web.ini", content_of(source / "examples/shop/site.ini") + "\nDrainDelay=" +
+                                   std::to_string(drain_delay.count()) + "\n" + lines.web);
 }
 
 void Node::start() {
@@ -78,8 +81,15 @@ int Node::listening_port(std::size_t log_begin) {
 
 void Node::stop() {
     go_on();
-    process_->terminate(longest_end);
+    process_->send(SIGTERM);
+    // From the end of the delay on the node takes no connection, so neither does the proxy, which
+    // would close it again: a balancer goes to another node only where nobody listens.
+    wait_until(Clock::now() + drain_delay - std::chrono::milliseconds(200));
     front_->refuse();
+    const auto end = Clock::now() + longest_end;
+    while (process_->running() && Clock::now() < end)
+        wait_until(Clock::now() + std::chrono::milliseconds(5));
+    process_.reset();
 }
 
 void Node::kill() {
