@@ -64,8 +64,8 @@ inTheShop('member', (tell) => {
             assert.equal(await visitor.refusal(), 
                 'There is no such member, or the member\'s profile is not there.');
             await herself.page.reload();
-            assert.equal(await herself.refusal(), 'The directory does not accept your name and ' +
-                'password any more. Please log in again.');
+            assert.equal(herself.address(), '/login.asp?url=%2Faccount%2F');
+            assert.equal(await herself.refusal(), 'Your login has ended. Please log in again.');
         });
 
     tell('saving a member unchanged changes nothing', async (visitor, { directory }) => {
