@@ -203,6 +203,8 @@ make_room(guid, logins_of(user), login_key, most, lifetime)
 end_login(guid)
 local counter = prefix .. ':login-number'
 local ends = now + timeout
+-- It may be gone before logins that are kept alive: it never begins below their numbers.
+redis.call('SET', counter, now, 'NX')
 redis.call('HSET', login_key(guid), 'sealed', sealed, 'user', user, 'name', name,
            'timeout', timeout, 'began', now, 'ends', ends,
            'number', redis.call('INCR', counter))

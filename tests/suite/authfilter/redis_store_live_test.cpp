@@ -97,6 +97,17 @@ protected:
     CachedStore second_ = new_store();
 };
 
+// The counter's key goes with the latest login that was begun, also while an older one lives on.
+TEST_F(TwoMachines, GiveNoLoginTheNumberOfALiveOneThoughTheCounterIsGone) {
+    log_in(first_, u"older", u"smith");
+    new_machine(server_, prefix_)->redis->run({"DEL", prefix_ + ":login-number"});
+    log_in(second_, u"newer", u"smith");
+    const auto logins = first_.logins_of(u"older");
+    ASSERT_EQ(logins.size(), 2u);
+    EXPECT_NE(logins[0].number, logins[1].number);
+    EXPECT_FALSE(logins[0].is_asker) << "the last one is the first of the list";
+}
+
 TEST_F(TwoMachines, LetInOneOfAUsersOnlyLogins) {
     constexpr int threads = 8, rounds = 25;
     const auto guid = [](int machine, int thread, int round) {
