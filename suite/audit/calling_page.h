@@ -17,8 +17,8 @@ Text address_of_calling_page() noexcept;
 // (Session("QUENDRAID")); empty where it runs none, or nobody has. Raises nothing.
 Text login_of_calling_page() noexcept;
 
-// The identifier of the request that this page answers (server variable REQUEST_ID); empty where the
-// thread runs none. Raises nothing.
+// The identifier of the request that this page answers (server variable REQUEST_ID); empty where
+// the thread runs none. Raises nothing.
 Text request_of_calling_page() noexcept;
 
 }  // namespace orvo::audit
