@@ -87,21 +87,26 @@ protected:
     // Starts the program and answers its port, as its first line says it.
     int start(std::vector<std::string> options = {}) {
         site_configuration();
-        std::filesystem::remove(log());
+        return start(process_, log(), std::move(options));
+    }
+    // One more of the same site.
+    int start(std::optional<ChildProcess>& process, const std::filesystem::path& log,
+              std::vector<std::string> options = {}) {
+        std::filesystem::remove(log);
         std::vector<std::string> arguments{std::string(ORVO_BIN) + "/orvo-web", site()};
         arguments.insert(arguments.end(), options.begin(), options.end());
-        process_.emplace(arguments, log());
+        process.emplace(arguments, log);
         std::smatch address;
         for (int i = 0; i < 2000; ++i) {
-            const std::string said = content_of(log());
+            const std::string said = content_of(log);
             if (std::regex_search(said, address,
                                   std::regex("^Listening on http://127\\.0\\.0\\.1:"
                                              "(\\d+)\n")))
                 return std::stoi(address[1]);
-            if (!process_->running()) break;
+            if (!process->running()) break;
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }
-        throw std::runtime_error("it does not listen: " + content_of(log()));
+        throw std::runtime_error("it does not listen: " + content_of(log));
     }
     // Until the program has said something, on either stream.
     bool says(const std::string& what) {
