@@ -10,8 +10,6 @@
 namespace orvo::web {
 namespace {
 
-constexpr std::chrono::seconds copy_life{1};
-
 // Keys: state, values. Arguments: the version that is known. Answers {version} and, where it is
 // another one, what there is.
 const store::Script& read_script() {
@@ -76,8 +74,9 @@ void try_for(const ApplicationState::Holder& holder, Try try_once) {
 
 }  // namespace
 
-RedisApplication::RedisApplication(SharedStore& store)
+RedisApplication::RedisApplication(SharedStore& store, std::chrono::milliseconds copy_life)
     : store_(store),
+      copy_life_(copy_life),
       values_key_(store.key("application")),
       state_key_(store.key("application", "state")),
       channel_(store.key("application", "changes")),
@@ -120,7 +119,7 @@ void RedisApplication::refresh() {
             read(answer[1].list());
         version_ = answer.at(0).text();
         has_copy_ = true;
-        good_until_ = now + copy_life;
+        good_until_ = now + copy_life_;
     } catch (...) {
         is_changed_ = true;
         try {

@@ -18,7 +18,9 @@ namespace orvo::web {
 // and the lock (shared_locks.h). Raises StoreAway where it has to reach the store and cannot.
 class RedisApplication : public ApplicationState {
 public:
-    explicit RedisApplication(SharedStore& store);
+    // copy_life: after which a copy is asked for anew, whether anybody tells of a change or not.
+    explicit RedisApplication(SharedStore& store,
+                              std::chrono::milliseconds copy_life = std::chrono::seconds(1));
 
     Reach reach() const override { return Reach::fleet; }
     NamedValues snapshot() override;
@@ -47,6 +49,7 @@ private:
     void read(const store::Reply::List& fields);
 
     SharedStore& store_;
+    const std::chrono::milliseconds copy_life_;
     const std::string values_key_;
     const std::string state_key_;
     const std::string channel_;

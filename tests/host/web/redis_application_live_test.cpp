@@ -52,6 +52,15 @@ TEST_F(SharedApplication, IsReadFromACopyThatOthersWritingEnds) {
     EXPECT_TRUE(seen([&] { return one.snapshot().count() == 0; }));
 }
 
+TEST_F(SharedApplication, IsToldToOtherMachinesWhenItChanges) {
+    RedisApplication third(*two_, 1h);
+    Holder one(first_, 1s), other(third, 1s);
+    for (int i = 1; i < 4; ++i) {
+        one.put(u"n", i);
+        EXPECT_TRUE(seen([&] { return other.get(u"n") == Variant(i); })) << i;
+    }
+}
+
 TEST_F(SharedApplication, IsLockedForAllMachines) {
     Holder one(first_, 50ms), two(second_, 50ms);
     one.lock();

@@ -38,6 +38,12 @@ protected:
             return refusal.status;
         }
     }
+    // Whether it comes to be so.
+    static bool seen(const std::function<bool()>& holds) {
+        const auto end = std::chrono::steady_clock::now() + 10s;
+        while (!holds() && std::chrono::steady_clock::now() < end) std::this_thread::sleep_for(1ms);
+        return holds();
+    }
     store::Settings by(const FaultyProxy& proxy) const {
         store::Settings settings = store_settings(server_);
         settings.addresses = {{"127.0.0.1", proxy.port()}};
@@ -75,7 +81,7 @@ TEST_F(SharedSessions, AreHeldByOneRequestOfAllMachines) {
     EXPECT_EQ(status_of([&] { second_.open(id, 1h, [] { return false; }); }), 503);
     EXPECT_EQ(second_.counts().refused, 2u);
     auto waits = std::async(std::launch::async, [&] { return second_.open(id, 30s) != nullptr; });
-    while (second_.counts().waited < 3) std::this_thread::yield();
+    EXPECT_TRUE(seen([&] { return second_.counts().waited == 3; }));
     lease.reset();
     EXPECT_TRUE(waits.get());
 }
@@ -217,6 +223,7 @@ TEST_F(SharedSessions, CannotBeHadWhileTheStoreIsAwayAndCanWithinASecondOfItsRet
     const auto real = machine_of(server_);
     RedisSessions sessions(*real);
     const std::string id = create(sessions, u"one");
+    EXPECT_EQ(value_of(sessions, id), Variant(u"one"));
     server_.freeze();
     EXPECT_THROW(sessions.open(id, 0ms), StoreAway);
     EXPECT_THROW(sessions.create(), StoreAway);
@@ -235,6 +242,23 @@ TEST_F(SharedSessions, CannotBeHadWhileTheStoreIsAwayAndCanWithinASecondOfItsRet
         }
     }
     EXPECT_EQ(value, Variant(u"one"));
+}
+
+TEST_F(SharedSessions, AreNotKeptByWhoeverAskedForThemAndCouldNotWaitForTheAnswer) {
+    FaultyProxy proxy(server_.port());
+    const auto slow = machine_of(by(proxy)), other = machine_of(server_);
+    RedisSessions lost(*slow), sessions(*other);
+    const std::string id = create(lost, u"one");
+    const std::string key = "orvo:session:" + store::Keyring::name_of(id);
+    const auto holder = [&] { return server_.ask({"HGET", key, "t"}); };
+    // The store knows the script from now on, and carries it out at once.
+    EXPECT_EQ(value_of(sessions, id), Variant(u"one"));
+    const std::string before = holder();
+    proxy.slow_down(1h);
+    EXPECT_THROW(lost.open(id, 0ms), StoreAway);
+    EXPECT_NE(holder(), before) << "the question has arrived";
+    proxy.pass_on();
+    EXPECT_NE(sessions.open(id, SharedLocks::life / 2), nullptr);
 }
 
 TEST_F(SharedSessions, ThatCouldNotBeStoredWereNotTold) {
