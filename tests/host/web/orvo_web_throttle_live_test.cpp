@@ -5,6 +5,7 @@
 #include <csignal>
 
 #include "tests/host/web/orvo_web_test.h"
+#include "tests/support/redis_server.h"
 
 namespace orvo::web {
 namespace {
@@ -80,6 +81,25 @@ TEST_F(ThrottledWebTest, AnAddressFromWhichTheUserHasLoggedInHasABudgetOfItsOwn)
     EXPECT_THAT(orvo({"why", "jsmith", "--from", "203.0.113.7"}),
                 HasSubstr("  ok         throttle        1 of 2 wrong passwords from unknown "
                           "addresses\n"));
+}
+
+TEST_F(ThrottledWebTest, WhatIsCountedInASharedStoreCountsForEveryHostUntilItIsEndedThere) {
+    const RedisServer redis;
+    audit_ = redis.site_section();
+    port_ = start();
+    pages("jsmith", {"one", "two"});
+    process_->send(SIGTERM);
+    process_->wait();
+    EXPECT_THAT(orvo({"why", "jsmith"}),
+                HasSubstr("2 of 2 wrong passwords from unknown addresses: refused for "));
+    port_ = start();
+    EXPECT_THAT(pages("jsmith", {"shop-sample"}), ElementsAre("login -5"));
+    process_->send(SIGTERM);
+    process_->wait();
+    EXPECT_EQ(orvo({"users", "unlock", "jsmith"}),
+              "jsmith: not locked, and no wrong passwords are counted any more.\n");
+    port_ = start();
+    EXPECT_THAT(pages("jsmith", {"shop-sample"}), ElementsAre("303"));
 }
 
 TEST_F(ThrottledWebTest, WithoutAHostThereIsNobodyWhoCounts) {
