@@ -25,10 +25,11 @@ public:
     ~ConnectionClient();
 
     // Whether it is a trusted proxy's.
-    bool is_proxy() const { return proxies_.networks.contain(endpoints_.remote); }
+    bool is_proxy() const { return proxies_->networks.contain(endpoints_.remote); }
     // Whether the connection has to begin with a proxy's header.
     bool sends_header() const;
-    // Takes over whom the header names. False where the connection is to be closed: without a
+    // Takes over whom the header names; where it names nobody, no request of the connection does.
+    // False where the connection is to be closed: without a
     // header, which is noticed, or where that client has too many.
     bool try_take(const ProxyGreeting& greeting);
 
@@ -48,7 +49,7 @@ private:
     bool try_count_for(const IpAddress& client);
 
     Endpoints endpoints_;
-    const TrustedProxies& proxies_;
+    const TrustedProxies* proxies_;
     ConnectionLimits* limits_;  // null: moved from
     std::string counted_as_;
 };

@@ -7,6 +7,7 @@ namespace {
 
 constexpr std::chrono::milliseconds extend_every = SharedLocks::life / 4;
 constexpr std::chrono::milliseconds release_every{100};
+constexpr std::size_t most_left = 1000;
 
 const store::Script& extend_script() {
     static const store::Script script(std::string(lua_now) +
@@ -64,6 +65,7 @@ void SharedLocks::release_later(const std::string& key, const std::string& token
     {
         const std::lock_guard guard(lock_);
         held_.erase(token);
+        if (left_.size() >= most_left) return;
         left_.push_back({key, token, Clock::time_point::max()});
     }
     changed_.notify_all();
@@ -77,10 +79,11 @@ void SharedLocks::work() {
             left_.empty() ? extend_at : std::min(extend_at, Clock::now() + release_every);
         changed_.wait_until(guard, until);
         if (is_ending_) return;
+        if (Clock::now() >= extend_at) {
+            extend_held(guard);
+            extend_at = Clock::now() + extend_every;
+        }
         release_left(guard);
-        if (Clock::now() < extend_at) continue;
-        extend_held(guard);
-        extend_at = Clock::now() + extend_every;
     }
 }
 
@@ -103,20 +106,21 @@ void SharedLocks::extend_held(std::unique_lock<std::mutex>& guard) {
 
 void SharedLocks::release_left(std::unique_lock<std::mutex>& guard) {
     if (left_.empty()) return;
-    const std::vector<Left> left = std::exchange(left_, {});
+    std::vector<Left> left = std::exchange(left_, {});
     guard.unlock();
     std::vector<Left> still;
-    for (Left lock : left) {
+    bool is_away = false;
+    for (Left& lock : left) {
         try {
-            if (run_(release_script(), lock.key, {lock.token}).integer() == 1) continue;
-            lock.until = std::min(lock.until, Clock::now() + life);
+            if (!is_away && run_(release_script(), lock.key, {lock.token}).integer() == 1) continue;
+            if (!is_away) lock.until = std::min(lock.until, Clock::now() + life);
         } catch (const std::exception&) {
-            // The store is away: it is tried again.
+            is_away = true;  // all that are left are tried again
         }
-        if (Clock::now() < lock.until) still.push_back(std::move(lock));
+        if (is_away || Clock::now() < lock.until) still.push_back(std::move(lock));
     }
     guard.lock();
-    left_.insert(left_.end(), still.begin(), still.end());
+    left_.insert(left_.begin(), still.begin(), still.end());
 }
 
 }  // namespace orvo::web

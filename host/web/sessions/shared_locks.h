@@ -57,7 +57,8 @@ public:
     // Releases it now, or as below. Raises nothing.
     void release(const std::string& key, const std::string& token);
     // It is released as soon as the store can be reached, if it has been taken at all: a command
-    // may arrive whose answer nobody waits for any more.
+    // may arrive whose answer nobody waits for any more. Beyond a thousand such locks or so the
+    // later ones end by themselves.
     void release_later(const std::string& key, const std::string& token);
 
 private:

@@ -118,6 +118,9 @@ TEST(Proxies, BeginTheirConnectionsWithAHeader) {
               "2001:db8::7:4711 https inner:81:443");
     EXPECT_TRUE(body(asked(server, "", proxy_octets(0x20, 0, ""))).starts_with("127.0.0.1:"));
     EXPECT_TRUE(body(asked(server, "", "PROXY UNKNOWN\r\n")).starts_with("127.0.0.1:"));
+    EXPECT_TRUE(body(asked(server, "X-Forwarded-For: 192.0.2.9\r\n", "PROXY UNKNOWN\r\n"))
+                    .starts_with("127.0.0.1:"))
+        << "the client of whom the proxy knows nothing says it";
     EXPECT_EQ(body(asked(server, "X-Forwarded-For: 198.51.100.1\r\nX-Forwarded-Proto: https\r\n",
                          from_client)),
               "192.0.2.7:4711 http inner:81:443")
