@@ -90,11 +90,11 @@ TEST_F(CountersTest, TellNothingOfASharedStoreWhereTheSiteHasNone) {
     EXPECT_EQ(late::get(rows, u"EOF"), Variant(true));
 }
 
-// The last test of all: it fills them.
+// It fills them, so it stands last where all run in one process.
 TEST_F(CountersTest, TakeNoMoreMemoryThanThereIsForThem) {
     for (int i = 0; i < 300; ++i) SuiteCounters().Count(u"name", decimal(i));
     const std::size_t known = counted(u"name").size();
-    EXPECT_LT(known, 200u);
+    EXPECT_LE(known, 200u);
     SuiteCounters().Count(u"name", u"0");
     EXPECT_EQ(counted(u"name").at(u"0"), 2) << "what is known goes on";
     EXPECT_EQ(counted(u"name").size(), known);
