@@ -7,10 +7,10 @@ namespace {
 
 using Length = std::uint32_t;
 
-// Each field is its length and its bytes.
+// Each field is its length and its bytes. The bytes are overwritten when this goes.
 class Fields {
 public:
-    explicit Fields(std::string bytes = {}) : bytes_(std::move(bytes)) {}
+    explicit Fields(std::string& bytes) : bytes_(bytes) {}
     ~Fields() { overwrite(bytes_.data(), bytes_.capacity()); }
     Fields(const Fields&) = delete;
     Fields& operator=(const Fields&) = delete;
@@ -35,7 +35,7 @@ public:
     }
 
 private:
-    std::string bytes_;
+    std::string& bytes_;
     std::size_t at_ = 0;
 };
 
@@ -50,14 +50,16 @@ std::string sealed_record(const Record& record, const store::Keyring& keyring,
                                        record.nt_password.reveal()};
     std::size_t size = 0;
     for (const std::string_view field : fields) size += sizeof(Length) + field.size();
-    Fields plain;
+    std::string bytes;
+    Fields plain(bytes);
     plain.make_room(size);
     for (const std::string_view field : fields) plain.add(field);
     return keyring.seal(plain.bytes(), key);
 }
 
 std::string sealed_login(const LetIn& login, const store::Keyring& keyring, std::string_view key) {
-    Fields plain;
+    std::string bytes;
+    Fields plain(bytes);
     plain.add(to_utf8_with_halves(login.user));
     for (const std::int32_t application : login.applications)
         plain.add({reinterpret_cast<const char*>(&application), sizeof application});
@@ -68,7 +70,7 @@ std::optional<Record> try_unseal_record(std::string_view sealed, const store::Ke
                                         std::string_view key) {
     auto bytes = keyring.unseal(sealed, key);
     if (!bytes) return std::nullopt;
-    Fields plain(std::move(*bytes));
+    Fields plain(*bytes);
     const auto name = plain.next(), path = plain.next(), password = plain.next(),
                nt_user = plain.next(), nt_password = plain.next();
     if (!nt_password || !plain.is_at_end()) return std::nullopt;
@@ -81,7 +83,7 @@ std::optional<LetIn> try_unseal_login(std::string_view sealed, const store::Keyr
                                       std::string_view key) {
     auto bytes = keyring.unseal(sealed, key);
     if (!bytes) return std::nullopt;
-    Fields plain(std::move(*bytes));
+    Fields plain(*bytes);
     const auto user = plain.next();
     if (!user) return std::nullopt;
     LetIn login{from_utf8_with_halves(*user), {}};
