@@ -49,10 +49,12 @@ if(CCACHE)
                                   CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE})
 endif()
 
-# It links in a third of the time. MinGW's programs need MinGW's own linker.
+# It links in a third of the time, but up to 2.3 a program whose thread-local data begin just before a
+# page's end does not start (its issue 1151): its loader may not protect the page before. Therefore it
+# links no release, and nothing for that protection. MinGW's programs need MinGW's own linker.
 find_program(ORVO_MOLD mold)
-if(ORVO_MOLD AND NOT WIN32)
-  add_link_options(-fuse-ld=mold)
+if(ORVO_MOLD AND NOT WIN32 AND NOT CMAKE_BUILD_TYPE STREQUAL "Release")
+  add_link_options(-fuse-ld=mold -Wl,-z,norelro)
 endif()
 
 # What who uses a target of the house needs as well.
