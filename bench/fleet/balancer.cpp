@@ -71,26 +71,31 @@ frontend report
 }  // namespace
 
 Balancer::Balancer(const std::filesystem::path& folder, const std::vector<int>& nodes,
-                   bool is_sticky) {
+                   bool is_sticky)
+    : folder_(folder), nodes_(nodes.size()) {
     {
         const FreePort port, report_port;
         port_ = port.number();
         report_port_ = report_port.number();
     }
-    const auto file = folder / "haproxy.cfg";
+    const auto file = folder_ / "haproxy.cfg";
     if (!(std::ofstream(file) << configuration(port_, report_port_, nodes, is_sticky)
                               << std::flush))
         throw std::runtime_error("cannot write " + file.string());
-    const auto log = folder / "haproxy.log";
+    start();
+}
+
+void Balancer::start() {
+    const auto log = folder_ / "haproxy.log";
     process_ = std::make_unique<ChildProcess>(
-        std::vector<std::string>{"/usr/sbin/haproxy", "-db", "-f", file}, log);
+        std::vector<std::string>{"/usr/sbin/haproxy", "-db", "-f", folder_ / "haproxy.cfg"}, log);
     const auto end = Clock::now() + longest_wait;
     while (!HttpClient(port_).get("/health/live")) {
         if (!process_->running() || Clock::now() > end)
             throw std::runtime_error("haproxy does not listen: " + content_of(log));
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
-    for (std::size_t i = 0; i < nodes.size(); ++i) wait_until_it_serves(i);
+    for (std::size_t i = 0; i < nodes_; ++i) wait_until_it_serves(i);
 }
 
 std::string Balancer::state_of(std::size_t node) const {

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <csignal>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -23,9 +25,17 @@ public:
     // Waits for that; raises std::runtime_error where it does not come true.
     void wait_until_it_serves(std::size_t node) const;
 
+    void freeze() { process_->pause(); }
+    void go_on() { process_->send(SIGCONT); }
+    void kill() { process_.reset(); }
+    // On its port; returns when it sends requests to every node.
+    void start();
+
 private:
     std::string state_of(std::size_t node) const;
 
+    const std::filesystem::path folder_;
+    const std::size_t nodes_;
     int port_;
     int report_port_;
     std::unique_ptr<ChildProcess> process_;

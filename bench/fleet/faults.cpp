@@ -116,16 +116,26 @@ std::vector<Fault> faults_of_store() {
     };
 }
 
+std::vector<Fault> faults_of_balancer() {
+    return {
+        {"haproxy frozen", Part::balancer, [](Fleet& fleet) { fleet.balancer().freeze(); },
+         [](Fleet& fleet) { fleet.balancer().go_on(); }},
+        {"haproxy killed", Part::balancer, [](Fleet& fleet) { fleet.balancer().kill(); },
+         [](Fleet& fleet) { fleet.balancer().start(); }},
+    };
+}
+
 }  // namespace
 
 std::vector<Fault> every_fault() {
     std::vector<Fault> all;
     const auto nodes = faults_of_nodes(), directories = faults_of_directories(),
-               stores = faults_of_store();
+               stores = faults_of_store(), balancers = faults_of_balancer();
     for (std::size_t i = 0; i < nodes.size(); ++i) {
         all.push_back(nodes[i]);
         all.push_back(directories[i]);
         all.push_back(stores[i]);
+        if (i < balancers.size()) all.push_back(balancers[i]);
     }
     all.push_back(
         {"rolling restart of the nodes", Part::all_nodes, restart_all, [](Fleet&) {}, true});

@@ -9,7 +9,7 @@
 namespace orvo::fleet {
 
 // The part of the fleet that a fault is of; what users may notice of it differs.
-enum class Part { node, directory, store, all_nodes };
+enum class Part { node, directory, store, balancer, all_nodes };
 
 // One after the other, so that never two are there at once.
 struct Fault {

@@ -3,6 +3,7 @@
 //
 //   fleet [serve]
 //   fleet chaos [--minutes N | --brief] [--browsers N] [--only WORDS]
+//   fleet throughput [--brief]
 
 #include <charconv>
 #include <cstring>
@@ -17,7 +18,7 @@ namespace {
 
 constexpr const char* usage =
     "usage: fleet [serve] | chaos [--minutes 1..60 | --brief] [--browsers 1..256] "
-    "[--only WORDS]";
+    "[--only WORDS] | throughput [--brief]";
 
 int number(const std::string& text, int least, int most) {
     int value = 0;

@@ -33,7 +33,8 @@ std::size_t slot_of(const ChaosOutcome& outcome, Clock::time_point when) {
 
 std::optional<double> allowed(const Slot& slot) {
     if (slot.part == Part::directory) return Seconds(answer_limit + tolerance).count();
-    if (slot.part == Part::store) return Seconds(slot.healed - slot.begin + tolerance).count();
+    if (slot.part == Part::store || slot.part == Part::balancer)
+        return Seconds(slot.healed - slot.begin + tolerance).count();
     return std::nullopt;
 }
 
@@ -130,9 +131,10 @@ void set_goals(const ChaosOutcome& outcome, Judged judged, Verdict& verdict) {
     goals.push_back({"no login outlives its end", verdict.of(Breach::outlived).empty()});
     goals.push_back({"nobody is let in without right", verdict.of(Breach::let_in).empty()});
     goals.push_back({"both directory servers agree in the end", outcome.has_settled});
-    goals.push_back({"a node's fault costs no login",
+    goals.push_back({"a fault of a node or of the balancer costs no login",
                      sum(outcome, verdict, &Noticed::lost_logins, [](const Slot& slot) {
-                         return slot.part == Part::node || slot.part == Part::all_nodes;
+                         return slot.part == Part::node || slot.part == Part::all_nodes ||
+                                slot.part == Part::balancer;
                      }) == 0});
     goals.push_back({"a rolling restart: nothing fails",
                      sum(outcome, verdict, &Noticed::failures,

@@ -21,11 +21,9 @@ Clock::time_point at(double seconds) {
 class VerdictTest : public testing::Test {
 protected:
     VerdictTest() {
-        const std::pair<const char*, std::optional<Part>> slots[] = {{"none", std::nullopt},
-                                                                     {"node", Part::node},
-                                                                     {"directory", Part::directory},
-                                                                     {"store", Part::store},
-                                                                     {"rolling", Part::all_nodes}};
+        const std::pair<const char*, std::optional<Part>> slots[] = {
+            {"none", std::nullopt}, {"node", Part::node},         {"directory", Part::directory},
+            {"store", Part::store}, {"rolling", Part::all_nodes}, {"balancer", Part::balancer}};
         double begin = 0;
         for (const auto& [name, part] : slots) {
             outcome.slots.push_back({name, part, at(begin), at(begin + 6), at(begin + 20)});
@@ -67,11 +65,13 @@ TEST_F(VerdictTest, EachFindingMissesItsGoal) {
     EXPECT_EQ(missed(), Missed{"no wrong answer"});
 }
 
-TEST_F(VerdictTest, ALoginMayBeLostWithTheStoreButNotWithANode) {
+TEST_F(VerdictTest, ALoginMayBeLostWithTheStoreAlone) {
     ledger().lost_logins = {at(61)};
     EXPECT_EQ(missed(), Missed{});
     ledger().lost_logins = {at(21)};
-    EXPECT_EQ(missed(), Missed{"a node's fault costs no login"});
+    EXPECT_EQ(missed(), Missed{"a fault of a node or of the balancer costs no login"});
+    ledger().lost_logins = {at(101)};
+    EXPECT_EQ(missed(), Missed{"a fault of a node or of the balancer costs no login"});
 }
 
 TEST_F(VerdictTest, NothingFailsInARollingRestart) {
@@ -98,11 +98,15 @@ TEST_F(VerdictTest, ADirectoryServersFaultIsNoticedOnceAndShortly) {
     EXPECT_EQ(missed(), Missed{});
 }
 
-TEST_F(VerdictTest, TheStoresAbsenceIsNoticedASecondLongerAtMost) {
+TEST_F(VerdictTest, AnAbsenceOfTheStoreOrTheBalancerIsNoticedASecondLongerAtMost) {
     ledger().wishes = {{Aim::login, at(60), at(66.9), 9, true}};
     EXPECT_EQ(missed(), Missed{});
     ledger().wishes = {{Aim::login, at(60), at(67.1), 9, true}};
     EXPECT_EQ(missed(), Missed{"store: not longer than allowed"});
+    ledger().wishes = {{Aim::login, at(100), at(106.9), 9, true}};
+    EXPECT_EQ(missed(), Missed{});
+    ledger().wishes = {{Aim::login, at(100), at(107.1), 9, true}};
+    EXPECT_EQ(missed(), Missed{"balancer: not longer than allowed"});
 }
 
 TEST_F(VerdictTest, AnOlderValueIsWrongUnlessADirectoryServerHasAFault) {
