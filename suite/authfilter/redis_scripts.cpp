@@ -86,6 +86,7 @@ end
 
 -- The one that was used longest ago goes, those without a live login first.
 local function make_room(guid, set, key_of, most, lifetime)
+    if redis.call('SCARD', set) < most then return end
     local others = {}
     for _, other in ipairs(held(set, key_of)) do
         if other ~= guid then
