@@ -38,7 +38,7 @@ Connection::Connection(const Address& address, const TlsContext& tls, const Logi
 
 void Connection::log_in(const Login& login, const Deadline& deadline) {
     std::string hello =
-        login.password.empty()
+        login.user.empty() && login.password.empty()
             ? command({"HELLO", "2"})
             : command({"HELLO", "2", "AUTH", login.user.empty() ? "default" : login.user,
                        login.password.reveal()});

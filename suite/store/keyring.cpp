@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iterator>
 #include <memory>
 #include <new>
 #include <stdexcept>
@@ -42,14 +41,21 @@ unsigned char* octets(char* text) { return reinterpret_cast<unsigned char*>(text
     throw Failure(number, Text(configuration_source), text_of(file) + u": " + reason);
 }
 
+// HMAC-SHA-256.
+void authenticate(const KeyBytes& key, std::string_view text, KeyBytes& code) {
+    if (!HMAC(EVP_sha256(), key.data(), static_cast<int>(key.size()), octets(text.data()),
+              text.size(), code.data(), nullptr))
+        throw std::bad_alloc();
+}
+
+// From which the key of names is made. No salt is as long.
+constexpr std::string_view label_of_names = "the key of names";
+static_assert(label_of_names.size() != salt_size);
+
 // A message's own key.
 class MessageKey {
 public:
-    MessageKey(const KeyBytes& key, std::string_view salt) {
-        if (!HMAC(EVP_sha256(), key.data(), static_cast<int>(key.size()), octets(salt.data()),
-                  salt.size(), bytes_.data(), nullptr))
-            throw std::bad_alloc();
-    }
+    MessageKey(const KeyBytes& key, std::string_view salt) { authenticate(key, salt, bytes_); }
     MessageKey(const MessageKey&) = delete;
     ~MessageKey() { overwrite(bytes_.data(), bytes_.size()); }
 
@@ -80,7 +86,10 @@ bool try_read_key(std::string_view line, KeyBytes& key) {
 }  // namespace
 
 Keyring::~Keyring() {
-    for (Key& key : keys_) overwrite(key.bytes.data(), key.bytes.size());
+    for (Key& key : keys_) {
+        overwrite(key.bytes.data(), key.bytes.size());
+        overwrite(key.of_names.data(), key.of_names.size());
+    }
 }
 
 Keyring Keyring::read(const fs::path& file) {
@@ -88,16 +97,22 @@ Keyring Keyring::read(const fs::path& file) {
     const fs::file_status status = fs::status(file, error);
     if (status.type() == fs::file_type::not_found)
         refuse(configuration_error::file_not_found, file, u"there is no such file");
+    if (error) refuse(configuration_error::file_not_readable, file, u"it cannot be read");
     if (status.type() != fs::file_type::regular)
         refuse(configuration_error::file_not_readable, file, u"this is not a file");
     constexpr fs::perms too_much = fs::perms::others_all | fs::perms::group_write;
     if ((status.permissions() & too_much) != fs::perms::none)
         refuse(configuration_error::malformed_file, file,
                u"others may read or change the keys of the store (chmod 640 takes that away)");
-    std::ifstream stream(file, std::ios::binary);
-    std::string content(std::istreambuf_iterator<char>(stream), {});
+    // Two keys are less. It is read without a copy that would stay behind.
+    std::string content(1000, '\0');
+    std::ifstream stream;
+    stream.rdbuf()->pubsetbuf(nullptr, 0);
+    stream.open(file, std::ios::binary);
+    stream.read(content.data(), static_cast<std::streamsize>(content.size()));
     if (!stream.is_open() || stream.bad())
         refuse(configuration_error::file_not_readable, file, u"it cannot be read");
+    content.resize(static_cast<std::size_t>(stream.gcount()));
     Keyring keyring = parse(content, file);
     overwrite(content.data(), content.size());
     return keyring;
@@ -106,25 +121,24 @@ Keyring Keyring::read(const fs::path& file) {
 Keyring Keyring::parse(std::string_view content, const fs::path& name) {
     Keyring keyring{std::vector<Key>()};
     std::vector<Key>& keys = keyring.keys_;
-    keys.reserve(2);
+    keys.reserve(3);
     for (long long number = 1; !content.empty(); ++number) {
         const std::size_t end = std::min(content.find('\n'), content.size());
         std::string_view line = content.substr(0, end);
         content.remove_prefix(std::min(end + 1, content.size()));
         if (line.ends_with('\r')) line.remove_suffix(1);
         if (line.empty() && content.empty()) break;
-        Key key;
+        Key& key = keys.emplace_back();
         if (!try_read_key(line, key.bytes))
             refuse(configuration_error::malformed_file, name,
                    u"line " + decimal(number) +
                        u" is no key of 32 bytes in base64 (openssl rand -base64 32 writes one)");
-        if (keys.size() == 2)
+        if (keys.size() == 3)
             refuse(configuration_error::malformed_file, name, u"there are more than two keys");
         std::array<unsigned char, SHA256_DIGEST_LENGTH> digest;
         SHA256(key.bytes.data(), key.bytes.size(), digest.data());
         std::copy_n(digest.begin(), key.id.size(), key.id.begin());
-        keys.push_back(key);
-        overwrite(key.bytes.data(), key.bytes.size());
+        authenticate(key.bytes, label_of_names, key.of_names);
     }
     if (keys.empty()) refuse(configuration_error::malformed_file, name, u"there is no key in it");
     return keyring;
@@ -192,6 +206,16 @@ std::string Keyring::name_of(std::string_view secret_identifier) {
     std::array<unsigned char, SHA256_DIGEST_LENGTH> digest;
     SHA256(octets(secret_identifier.data()), secret_identifier.size(), digest.data());
     return lower_hexadecimal(digest);
+}
+
+std::vector<std::string> Keyring::names_of(std::string_view guessable) const {
+    std::vector<std::string> names;
+    for (const Key& key : keys_) {
+        KeyBytes name;
+        authenticate(key.of_names, guessable, name);
+        names.push_back(lower_hexadecimal(name));
+    }
+    return names;
 }
 
 }  // namespace orvo::store

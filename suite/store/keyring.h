@@ -20,6 +20,10 @@ namespace orvo::store {
 // text has a key of its own, HMAC-SHA-256 of the file's key and the first 12 random bytes; the
 // other 12 are the nonce. So a key does not wear out, however many texts it seals.
 //
+// What can be guessed (a user's name) has a name that only who has a key can make out of it. There
+// is one for each key, so that two machines have one in common while keys are changed: who keeps
+// something under all of his names, and looks for it under all of his, finds it.
+//
 // Any thread. The keys are overwritten when it goes.
 class Keyring {
 public:
@@ -42,10 +46,14 @@ public:
     // The name under which something is kept whose identifier is a secret by itself (a GUID, a
     // session's): SHA-256, 64 hexadecimal digits. Of what can be guessed it is no protection.
     static std::string name_of(std::string_view secret_identifier);
+    // The names of what can be guessed, the first key's first: HMAC-SHA-256 with a key made from
+    // the file's, 64 hexadecimal digits.
+    std::vector<std::string> names_of(std::string_view guessable) const;
 
 private:
     struct Key {
         std::array<unsigned char, 32> bytes;
+        std::array<unsigned char, 32> of_names;  // made from it
         std::array<char, 4> id;
     };
 

@@ -14,8 +14,9 @@ namespace {
 // Errors that tell that the server has done nothing, and that it is not the one to ask.
 constexpr std::string_view not_done[] = {"READONLY", "LOADING", "MASTERDOWN", "NOAUTH"};
 // Errors that tell that it could not do it now.
-constexpr std::string_view not_now[] = {"OOM",    "MISCONF",     "NOREPLICAS", "BUSY",
-                                        "NOPERM", "CLUSTERDOWN", "TRYAGAIN"};
+constexpr std::string_view not_now[] = {"MISCONF", "NOREPLICAS",  "BUSY",
+                                        "NOPERM",  "CLUSTERDOWN", "TRYAGAIN"};
+constexpr std::string_view full[] = {"OOM"};
 
 constexpr std::string_view unknown_script[] = {"NOSCRIPT"};
 
@@ -50,6 +51,8 @@ std::string script_call(std::string_view verb, const std::string& script,
 // Of a reply without errors: itself, otherwise the first one raises.
 void check(const Settings& settings, const Reply& reply) {
     if (const Reply::Error* error = reply.error()) {
+        if (is_error(reply, full))
+            raise(store_unreachable, settings, "cannot be used", "it is full: " + error->reason());
         if (is_error(reply, not_now))
             raise(store_unreachable, settings, "cannot be used", error->reason());
         raise(store_refused, settings, "refuses a command", error->reason());

@@ -22,7 +22,7 @@ namespace store {
 
 class Pool;
 
-// Runs commands on the store's master (Redis 6 or later, not a cluster): the one of the addresses
+// Runs commands on the store's master (Redis 7 or later, not a cluster): the one of the addresses
 // that is a master, or the one that Sentinel names. A command takes a connection for itself; there
 // are Settings::most_connections at most, who comes when all are in use waits.
 //

@@ -18,7 +18,8 @@ const Wanted& wanted(const Value& value, TextView kind) {
 }  // namespace
 
 std::string Reply::Error::reason() const {
-    const std::string shown = text.substr(0, std::min(text.find(", with args"), text.find('\n')));
+    const std::string shown = text.substr(
+        0, std::min({text.find(", with args"), text.find(" script: "), text.find('\n')}));
     return shown.substr(0, 200);
 }
 

@@ -85,6 +85,12 @@ TEST(Keyring, AFileThatOthersMayReadOrChangeIsRefused) {
               configuration_error::file_not_found);
     EXPECT_EQ(raised_by([&] { Keyring::read(folder.path()); }).number,
               configuration_error::file_not_readable);
+    const fs::path loop = folder.path() / "loop";
+    fs::create_symlink(loop, loop);
+    expect_failure(raised_by([&] { Keyring::read(loop); }), configuration_error::file_not_readable,
+                   configuration_source, loop.string() + ": it cannot be read");
+    EXPECT_EQ(raised_by([&] { Keyring::read("/dev/null"); }).number,
+              configuration_error::file_not_readable);
 }
 
 TEST(Keyring, WhatIsNoKeyIsRefusedAndNotShown) {
@@ -105,6 +111,19 @@ TEST(Keyring, WhatIsNoKeyIsRefusedAndNotShown) {
     expect(old_key + new_key + old_key, "there are more than two keys");
     EXPECT_NO_THROW(ring(old_key.substr(0, 44)));
     EXPECT_NO_THROW(ring(old_key.substr(0, 44) + "\r\n" + new_key));
+}
+
+TEST(Keyring, WhatCanBeGuessedHasANameOfEachKeyThatNobodyElseCanMake) {
+    const auto before = ring(old_key).names_of("jsmith"), after = ring(new_key).names_of("jsmith");
+    ASSERT_EQ(before.size(), 1u);
+    EXPECT_EQ(before.front().size(), 64u);
+    EXPECT_EQ(ring(old_key).names_of("jsmith"), before);
+    EXPECT_NE(ring(old_key).names_of("jsmitt"), before);
+    EXPECT_NE(before.front(), after.front());
+    EXPECT_NE(before.front(), Keyring::name_of("jsmith"));
+    using Names = std::vector<std::string>;
+    EXPECT_EQ(ring(old_key + new_key).names_of("jsmith"), (Names{before.front(), after.front()}));
+    EXPECT_EQ(ring(new_key + old_key).names_of("jsmith"), (Names{after.front(), before.front()}));
 }
 
 TEST(Keyring, NamesOfSecretsAreTheirDigests) {

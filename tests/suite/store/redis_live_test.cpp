@@ -250,7 +250,9 @@ TEST(Redis, AFullStoreCannotBeUsedNowButIsReached) {
         return usual_answer(command);
     });
     Redis redis(server.settings());
-    EXPECT_TRUE(is_unreachable(raised_by([&] { redis.run({"SET", "a", "b"}); })));
+    const Failure failure = raised_by([&] { redis.run({"SET", "a", "b"}); });
+    EXPECT_TRUE(is_unreachable(failure));
+    EXPECT_THAT(words_of(failure), HasSubstr("(it is full: OOM command not allowed)"));
     EXPECT_TRUE(redis.is_reachable());
     EXPECT_EQ(server.commands().size(), 1u);
 }
@@ -299,6 +301,13 @@ TEST(Redis, LogsInAsTheUserAndSelectsTheDatabase) {
     redis.run({"PUBLISH", redis.key("ended"), "x"});
     EXPECT_THAT(server.ask({"INFO", "keyspace"}), HasSubstr("db3:keys=1"));
     EXPECT_TRUE(is_unreachable(raised_by([&] { redis.run({"GET", "elsewhere"}); })));
+}
+
+TEST(Redis, LogsInAsAUserWhoNeedsNoPassword) {
+    const RedisServer server;
+    server.ask({"ACL", "SETUSER", "shop", "on", "nopass", "~*", "+@all"});
+    Redis redis(store_settings(server, "redis://shop@" + server.address()));
+    EXPECT_EQ(redis.run({"ACL", "WHOAMI"}).text(), "shop");
 }
 
 TEST(SiteStore, IsWhatTheSiteSays) {

@@ -88,6 +88,7 @@ TEST(Reply, ARefusalShowsNoArguments) {
                   .reason(),
               "ERR unknown command 'HELLO'");
     EXPECT_EQ(Reply::Error{"ERR a\nb"}.reason(), "ERR a");
+    EXPECT_EQ(Reply::Error{"OOM no room. script: 1f, on @user_script:3."}.reason(), "OOM no room.");
 }
 
 TEST(WireForm, CountsAndMeasuresTheWords) {
