@@ -39,6 +39,7 @@ Text CachedStore::user_of(const Text& guid) {
 }
 
 std::shared_ptr<const RedisStore::Live> CachedStore::copy_of(const std::string& name) {
+    if (!changes_.is_listening()) return nullptr;
     const std::lock_guard guard(lock_);
     const auto found = copies_.find(name);
     return found != copies_.end() && found->second.ends > now_() ? found->second.live : nullptr;

@@ -10,8 +10,10 @@ namespace orvo::authfilter {
 
 // The shared store, with what the guard asks on every request (ask, find, user_of) kept for live
 // logins for a second at most. A copy is dropped as soon as this or another machine has ended or
-// changed its login or record, and all of them when this one stops hearing of that. So a login may
-// be let in for a second after the store has gone away, and no longer.
+// changed its login or record, and none is used while this one does not hear of that. It may take a
+// second and Settings::time_limit to notice that it does not (Subscription): until then a login may
+// be let in that has ended or whose store is away, but no later than a second after the store has
+// last let it in.
 //
 // A question that a copy answers does not prolong the login, which so may end a second too early.
 class CachedStore final : public Store {

@@ -11,8 +11,16 @@ local changed = {}
 
 local function record_key(guid) return prefix .. ':record:' .. guid end
 local function login_key(guid) return prefix .. ':login:' .. guid end
-local function records_of(user) return prefix .. ':records-of:' .. user end
-local function logins_of(user) return prefix .. ':logins-of:' .. user end
+local function records_of(name) return prefix .. ':records-of:' .. name end
+local function logins_of(name) return prefix .. ':logins-of:' .. name end
+
+local function each(names) return string.gmatch(names, '%x+') end
+local function has_common(names, others)
+    for name in each(names) do
+        if string.find(others, name, 1, true) then return true end
+    end
+    return false
+end
 
 local function text(key, field) return redis.call('HGET', key, field) or '' end
 local function number(key, field) return tonumber(redis.call('HGET', key, field) or 0) end
@@ -22,12 +30,15 @@ local function keep(key, ends)
         redis.call('PEXPIREAT', key, ends - ahead)
     end
 end
+local function keep_sets(user, set_of, ends)
+    for name in each(user) do keep(set_of(name), ends) end
+end
 
 local function is_live(guid) return number(login_key(guid), 'ends') > now end
 
 local function drop(guid, key, set_of)
     if redis.call('EXISTS', key) == 0 then return end
-    redis.call('SREM', set_of(text(key, 'user')), guid)
+    for name in each(text(key, 'user')) do redis.call('SREM', set_of(name), guid) end
     redis.call('DEL', key)
     changed[guid] = true
 end
@@ -48,26 +59,29 @@ local function keep_record(guid)
     if redis.call('EXISTS', key) == 0 then return end
     local ends = math.max(number(key, 'ends'), number(login_key(guid), 'ends'))
     keep(key, ends)
-    local user = text(key, 'user')
-    if user ~= '' then keep(records_of(user), ends) end
+    keep_sets(text(key, 'user'), records_of, ends)
 end
 
 -- Of a user's GUIDs those that there still are.
-local function held(set, key_of)
-    local guids = {}
-    for _, guid in ipairs(redis.call('SMEMBERS', set)) do
-        if redis.call('EXISTS', key_of(guid)) == 1 then
-            guids[#guids + 1] = guid
-        else
-            redis.call('SREM', set, guid)
+local function held(user, set_of, key_of)
+    local guids, seen = {}, {}
+    for name in each(user) do
+        for _, guid in ipairs(redis.call('SMEMBERS', set_of(name))) do
+            if redis.call('EXISTS', key_of(guid)) == 0 then
+                redis.call('SREM', set_of(name), guid)
+            elseif not seen[guid] then
+                seen[guid] = true
+                guids[#guids + 1] = guid
+            end
         end
     end
     return guids
 end
+local function held_logins(user) return held(user, logins_of, login_key) end
 
 local function end_logins_of(user, except)
     local live = 0
-    for _, guid in ipairs(held(logins_of(user), login_key)) do
+    for _, guid in ipairs(held_logins(user)) do
         if guid ~= except then
             if is_live(guid) then live = live + 1 end
             end_login(guid)
@@ -85,10 +99,12 @@ local function last_use(guid, lifetime)
 end
 
 -- The one that was used longest ago goes, those without a live login first.
-local function make_room(guid, set, key_of, most, lifetime)
-    if redis.call('SCARD', set) < most then return end
+local function make_room(guid, user, set_of, key_of, most, lifetime)
+    local count = 0
+    for name in each(user) do count = count + redis.call('SCARD', set_of(name)) end
+    if count < most then return end
     local others = {}
-    for _, other in ipairs(held(set, key_of)) do
+    for _, other in ipairs(held(user, set_of, key_of)) do
         if other ~= guid then
             others[#others + 1] =
                 {guid = other, is_live = is_live(other), used = last_use(other, lifetime)}
@@ -105,11 +121,11 @@ local function make_room(guid, set, key_of, most, lifetime)
 end
 
 local function hold(guid, lifetime, most, sealed, account, user, person, is_named)
-    if user ~= '' then make_room(guid, records_of(user), record_key, most, lifetime) end
+    make_room(guid, user, records_of, record_key, most, lifetime)
     drop_record(guid)
     redis.call('HSET', record_key(guid), 'sealed', sealed, 'account', account, 'user', user,
                'person', person, 'is_named', is_named, 'ends', now + lifetime)
-    if user ~= '' then redis.call('SADD', records_of(user), guid) end
+    for name in each(user) do redis.call('SADD', records_of(name), guid) end
     keep_record(guid)
     changed[guid] = true
 end
@@ -128,10 +144,15 @@ local guid, lifetime = ARGV[3], tonumber(ARGV[4])
 
 Script script(const char* body) { return Script(std::string(common) + body); }
 
+// Also in a store that is full: it takes no more room there than before.
+Script script_of_full_store(const char* body) {
+    return Script("#!lua flags=allow-oom" + std::string(common) + body);
+}
+
 }  // namespace
 
 const Script& find() {
-    static const Script made = script(R"(
+    static const Script made = script_of_full_store(R"(
 if not has_record(guid) then return false end
 local key = record_key(guid)
 redis.call('HSET', key, 'ends', now + lifetime)
@@ -142,13 +163,13 @@ return redis.call('HGET', key, 'sealed')
 }
 
 const Script& ask() {
-    static const Script made = script(R"(
+    static const Script made = script_of_full_store(R"(
 if not is_live(guid) then return false end
 local login, record = login_key(guid), record_key(guid)
 local ends = now + number(login, 'timeout')
 redis.call('HSET', login, 'ends', ends)
 keep(login, ends)
-keep(logins_of(text(login, 'user')), ends)
+keep_sets(text(login, 'user'), logins_of, ends)
 if redis.call('EXISTS', record) == 1 then
     redis.call('HSET', record, 'ends', now + lifetime)
     keep_record(guid)
@@ -168,7 +189,7 @@ return {redis.call('HGET', login_key(guid), 'sealed'), redis.call('HGET', record
 
 const Script& create() {
     static const Script made = script(R"(
-if has_record(guid) then return done(0) end
+if has_record(guid) and text(record_key(guid), 'sealed') ~= ARGV[7] then return done(0) end
 hold(guid, lifetime, tonumber(ARGV[6]), ARGV[5], '', '', '', 0)
 return done(1)
 )");
@@ -182,9 +203,9 @@ local sealed, most, account, user, person, is_named, name =
     ARGV[5], tonumber(ARGV[6]), ARGV[7], ARGV[8], ARGV[9], ARGV[10], ARGV[11]
 local is_same
 if text(record_key(guid), 'is_named') == '1' then
-    is_same = text(record_key(guid), 'person') == person
+    is_same = has_common(text(record_key(guid), 'person'), person)
 else
-    is_same = text(login_key(guid), 'name') == name
+    is_same = has_common(text(login_key(guid), 'name'), name)
 end
 if not is_same then end_login(guid) end
 hold(guid, lifetime, most, sealed, account, user, person, is_named)
@@ -200,7 +221,7 @@ local sealed, most, user, name, timeout =
 local account = text(record_key(guid), 'account')
 if account ~= '' then user = account end
 if ARGV[9] == '1' then end_logins_of(user, guid) end
-make_room(guid, logins_of(user), login_key, most, lifetime)
+make_room(guid, user, logins_of, login_key, most, lifetime)
 end_login(guid)
 local counter = prefix .. ':login-number'
 local ends = now + timeout
@@ -211,8 +232,8 @@ redis.call('HSET', login_key(guid), 'sealed', sealed, 'user', user, 'name', name
            'number', redis.call('INCR', counter))
 keep(counter, ends)
 keep(login_key(guid), ends)
-redis.call('SADD', logins_of(user), guid)
-keep(logins_of(user), ends)
+for name in each(user) do redis.call('SADD', logins_of(name), guid) end
+keep_sets(user, logins_of, ends)
 keep_record(guid)
 changed[guid] = true
 return done(1)
@@ -233,7 +254,7 @@ const Script& logins_of() {
     static const Script made = script(R"(
 local rows = {}
 if not is_live(guid) then return rows end
-for _, other in ipairs(held(logins_of(text(login_key(guid), 'user')), login_key)) do
+for _, other in ipairs(held_logins(text(login_key(guid), 'user'))) do
     if is_live(other) then
         local key = login_key(other)
         rows[#rows + 1] = {number(key, 'number'), now - number(key, 'began'),
@@ -249,7 +270,7 @@ return rows
 const Script& end() {
     static const Script made = script(R"(
 if not is_live(guid) then return done(0) end
-for _, other in ipairs(held(logins_of(text(login_key(guid), 'user')), login_key)) do
+for _, other in ipairs(held_logins(text(login_key(guid), 'user'))) do
     if text(login_key(other), 'number') == ARGV[4] and is_live(other) then
         end_login(other)
         drop_record(other)
@@ -273,7 +294,7 @@ const Script& end_all_of() {
     static const Script made = script(R"(
 local user, except = ARGV[3], ARGV[4]
 local ended = end_logins_of(user, except)
-for _, other in ipairs(held(records_of(user), record_key)) do
+for _, other in ipairs(held(user, records_of, record_key)) do
     if other ~= except then drop_record(other) end
 end
 return done(ended)

@@ -3,7 +3,9 @@
 // What RedisStore asks of the shared store: a script for each operation, which the store runs as
 // one step.
 //
-// Keys, behind the site's prefix; G is the name of a GUID, U that of a user (Keyring::name_of):
+// Keys, behind the site's prefix; G is the name of a GUID (Keyring::name_of), U that of a user
+// (Keyring::names_of), of which there are two while the site's keys are changed, with a blank
+// between them in a field:
 //
 //     record:G      a record: sealed, account (U of its path, or empty), user (U), person (which
 //                   name and path it is of), is_named, ends
@@ -19,6 +21,9 @@
 // store's clock its time is, which tests use. Those that change something answer what they are
 // asked and the Gs of all records and logins that are others now, or gone; each of these is
 // published on the channel "ended-logins" as well.
+//
+// A store that is full (maxmemory) refuses create, save and begin, unless they end something first:
+// then there is room for what comes in its place.
 
 #include "suite/store/command.h"
 
@@ -33,7 +38,8 @@ const Script& find();
 const Script& ask();
 // G: the same, and nothing lives on.
 const Script& user_of();
-// G, lifetime, sealed, most: whether there was none.
+// G, lifetime, sealed, most, the sealed record that counts for nothing or "": whether there was no
+// other.
 const Script& create();
 // G, lifetime, sealed, most, account, user, person, is_named (1 or 0), name (U of its name)
 const Script& save();

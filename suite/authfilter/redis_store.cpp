@@ -20,21 +20,29 @@ std::chrono::seconds seconds_of(const Reply& time) {
     return std::chrono::floor<std::chrono::seconds>(milliseconds(time.integer()));
 }
 
-// Empty for nobody.
-std::string user_name(const Text& account_path, const Text& name) {
-    const Text key = user_key_of(account_path, name);
-    return key.empty() ? std::string() : Keyring::name_of(to_utf8_with_halves(key));
+// With all keys of the site, a blank between them.
+std::string names(const Keyring& keyring, const std::string& guessable) {
+    std::string all;
+    for (const std::string& name : keyring.names_of(guessable))
+        all += (all.empty() ? "" : " ") + name;
+    return all;
 }
 
-std::string folded_name(const Text& name) {
-    return Keyring::name_of(to_utf8_with_halves(lower(name)));
+// Empty for nobody.
+std::string names_of_user(const Keyring& keyring, const Text& account_path, const Text& name) {
+    const Text key = user_key_of(account_path, name);
+    return key.empty() ? std::string() : names(keyring, to_utf8_with_halves(key));
+}
+
+std::string folded_names(const Keyring& keyring, const Text& name) {
+    return names(keyring, to_utf8_with_halves(lower(name)));
 }
 
 // Which name and path a record is of, letter by letter.
-std::string person(const Record& record) {
+std::string person(const Keyring& keyring, const Record& record) {
     const std::string name = to_utf8_with_halves(record.user_name);
-    return Keyring::name_of(std::to_string(name.size()) + ':' + name +
-                            to_utf8_with_halves(record.account_path));
+    return names(keyring, std::to_string(name.size()) + ':' + name +
+                              to_utf8_with_halves(record.account_path));
 }
 
 }  // namespace
@@ -61,27 +69,38 @@ std::optional<Record> RedisStore::find(const Text& guid) {
 
 bool RedisStore::try_create(const Text& guid) {
     const std::string name = stored_name(guid);
-    return changed(run(scripts::create(),
-                       {name, lifetime(), sealed_record({}, site_->keyring, record_key(name)),
-                        most()})) != 0;
+    const auto try_create_for = [&](const std::string& unreadable) {
+        return changed(run(scripts::create(),
+                           {name, lifetime(), sealed_record({}, site_->keyring, record_key(name)),
+                            most(), unreadable})) != 0;
+    };
+    if (try_create_for({})) return true;
+    // What none of the keys has sealed is not there for `find`, nor may it be in the way here.
+    const Reply held = look(scripts::find(), {name, lifetime()});
+    if (held.is_null() || try_unseal_record(held.text(), site_->keyring, record_key(name)))
+        return false;
+    return try_create_for(held.text());
 }
 
 void RedisStore::save(const Text& guid, const Record& record) {
     const std::string name = stored_name(guid);
+    const Keyring& keyring = site_->keyring;
     changed(
         run(scripts::save(),
-            {name, lifetime(), sealed_record(record, site_->keyring, record_key(name)), most(),
-             user_name(record.account_path, {}), user_name(record.account_path, record.user_name),
-             person(record), record.user_name.empty() ? "0" : "1", folded_name(record.user_name)}));
+            {name, lifetime(), sealed_record(record, keyring, record_key(name)), most(),
+             names_of_user(keyring, record.account_path, {}),
+             names_of_user(keyring, record.account_path, record.user_name), person(keyring, record),
+             record.user_name.empty() ? "0" : "1", folded_names(keyring, record.user_name)}));
 }
 
 void RedisStore::begin(const Login& login) {
     const std::string name = stored_name(login.guid);
-    changed(run(scripts::begin(),
-                {name, lifetime(),
-                 sealed_login({login.user, login.applications}, site_->keyring, login_key(name)),
-                 most(), user_name({}, login.user), folded_name(login.user),
-                 login.is_only_one ? "1" : "0", in_milliseconds(login.timeout)}));
+    const Keyring& keyring = site_->keyring;
+    changed(run(
+        scripts::begin(),
+        {name, lifetime(), sealed_login({login.user, login.applications}, keyring, login_key(name)),
+         most(), names_of_user(keyring, {}, login.user), folded_names(keyring, login.user),
+         login.is_only_one ? "1" : "0", in_milliseconds(login.timeout)}));
 }
 
 bool RedisStore::ask(const Text& guid, std::int32_t application) {
@@ -124,8 +143,8 @@ std::size_t RedisStore::end_others(const Text& guid) {
 
 std::size_t RedisStore::end_all_of(const Text& account, const Text& except) {
     return static_cast<std::size_t>(
-        changed(run(scripts::end_all_of(),
-                    {user_name(account, account), except.empty() ? "" : stored_name(except)})));
+        changed(run(scripts::end_all_of(), {names_of_user(site_->keyring, account, account),
+                                            except.empty() ? "" : stored_name(except)})));
 }
 
 store::Reply RedisStore::run(const store::Script& script, Arguments arguments) {

@@ -12,11 +12,12 @@
 namespace orvo::authfilter {
 
 // A store that several machines share. Each operation is one script of the shared store, so that it
-// is atomic among all of them. What it holds of GUIDs and users are hashes, all else is sealed. How
-// many logins there are in all is limited by the store's memory alone.
+// is atomic among all of them. What it holds of GUIDs and users are names (Keyring), all else is
+// sealed. How many logins there are in all is limited by the store's memory alone: one that is full
+// refuses new ones, and goes on with those it has.
 //
 // Every operation raises what store::Redis does (is_unreachable, where there is no store at the
-// moment); nothing is known to have happened then, and nobody is let in.
+// moment, or it is full); nothing is known to have happened then, and nobody is let in.
 class RedisStore final : public Store {
 public:
     struct Options {

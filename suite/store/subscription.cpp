@@ -76,8 +76,8 @@ private:
             connection.exchange(wire_form(words), 1, Deadline(limit));
         if (const Reply::Error* error = confirmed.front().error())
             throw Lost(error->reason(), Lost::Why::refused);
-        is_listening_ = true;
         on_gap_();
+        is_listening_ = true;
         for (;;) {
             std::optional<Reply> message = connection.receive(Deadline(quiet_interval));
             if (!message) {

@@ -31,7 +31,8 @@ public:
     Subscription(const Subscription&) = delete;
     Subscription& operator=(const Subscription&) = delete;
 
-    // Whether it listens, as far as it knows. Any thread.
+    // Whether it listens, as far as it knows: not before on_gap was called for its beginning, nor
+    // from when on_gap is called for its end. Any thread.
     bool is_listening() const;
 
 private:

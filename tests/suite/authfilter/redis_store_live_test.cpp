@@ -8,9 +8,11 @@
 #include <thread>
 
 #include "suite/authfilter/cached_store.h"
+#include "suite/authfilter/user_key.h"
 #include "suite/configuration/ini_files.h"
 #include "suite/store/store_error.h"
 #include "tests/suite/authfilter/store_test.h"
+#include "tests/suite/store/waiting.h"
 #include "tests/support/raised.h"
 #include "tests/support/redis_server.h"
 
@@ -32,15 +34,24 @@ std::string new_prefix() {
     return "site" + std::to_string(++made);
 }
 
-// A machine of a site: it has connections of its own.
-Site new_machine(const RedisServer& server, const std::string& prefix) {
+// A machine of a site: it has connections of its own. `more`: lines of its settings.
+Site new_machine(const RedisServer& server, const std::string& prefix, const std::string& more = {},
+                 const std::string& url = {}) {
     const TempFolder folder;
-    const auto file = folder.write(
-        "site.ini", server.site_section(server.url(), "StorePrefix = " + prefix + "\n"));
+    const auto file =
+        folder.write("site.ini", server.site_section(url.empty() ? server.url() : url,
+                                                     "StorePrefix = " + prefix + "\n" + more));
     store::Settings settings = store::read_settings(*load_ini_file(file), file);
     store::Keyring keyring = store::Keyring::read(settings.key_file);
     return std::make_shared<store::SiteStore>(
         store::SiteStore{std::make_shared<store::Redis>(std::move(settings)), std::move(keyring)});
+}
+
+// The same with these keys.
+Site new_machine_with_keys(const RedisServer& server, const std::string& prefix,
+                           const std::string& keys) {
+    return std::make_shared<store::SiteStore>(
+        store::SiteStore{new_machine(server, prefix)->redis, store::Keyring::parse(keys, "keys")});
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -85,9 +96,55 @@ protected:
             }
         return std::chrono::steady_clock::now() - begin;
     }
-    CachedStore new_store() {
-        return CachedStore(new_machine(server_, prefix_), {},
+    CachedStore new_store(const std::string& more = {}, const std::string& url = {}) {
+        return CachedStore(new_machine(server_, prefix_, more, url), {},
                            [this] { return CachedStore::Clock::time_point(now_.load()); });
+    }
+    // How many scripts have run, as the server tells it.
+    std::string questions() const {
+        std::istringstream lines(server_.ask({"INFO", "commandstats"}));
+        std::string all;
+        for (std::string line; std::getline(lines, line);)
+            if (line.starts_with("cmdstat_eval")) all += line;
+        return all;
+    }
+    // Whether a question is answered by a copy; no other machine asks the store meanwhile.
+    bool is_answered_by_a_copy(Store& store, const Text& guid) {
+        const std::string before = questions();
+        EXPECT_TRUE(store.ask(guid, 1));
+        return questions() == before;
+    }
+    // Until it hears of changes, and so has a copy.
+    void await_a_copy(Store& store, const Text& guid) {
+        EXPECT_TRUE(store::wait_until([&] { return is_answered_by_a_copy(store, guid); }));
+    }
+    void SetUp() override {
+        log_in(first_, u"first question", u"nobody");
+        await_a_copy(first_, u"first question");
+        await_a_copy(second_, u"first question");
+        first_.forget(u"first question");
+    }
+
+    static void let_in_one_of_a_users_only_logins(Store& first, Store& second) {
+        constexpr int threads = 8, rounds = 25;
+        const auto guid = [](int machine, int thread, int round) {
+            return decimal(machine) + u"-" + decimal(thread) + u"-" + decimal(round);
+        };
+        std::vector<std::thread> running;
+        for (int machine = 0; machine < 2; ++machine)
+            for (int thread = 0; thread < threads; ++thread)
+                running.emplace_back([&, machine, thread] {
+                    for (int round = 0; round < rounds; ++round)
+                        log_in(machine == 0 ? first : second, guid(machine, thread, round),
+                               u"smith", true);
+                });
+        for (std::thread& thread : running) thread.join();
+        int live = 0;
+        for (int machine = 0; machine < 2; ++machine)
+            for (int thread = 0; thread < threads; ++thread)
+                for (int round = 0; round < rounds; ++round)
+                    live += first.ask(guid(machine, thread, round), 1) ? 1 : 0;
+        EXPECT_EQ(live, 1);
     }
 
     RedisServer& server_;
@@ -109,25 +166,76 @@ TEST_F(TwoMachines, GiveNoLoginTheNumberOfALiveOneThoughTheCounterIsGone) {
 }
 
 TEST_F(TwoMachines, LetInOneOfAUsersOnlyLogins) {
-    constexpr int threads = 8, rounds = 25;
-    const auto guid = [](int machine, int thread, int round) {
-        return decimal(machine) + u"-" + decimal(thread) + u"-" + decimal(round);
+    let_in_one_of_a_users_only_logins(first_, second_);
+}
+
+// What the store's keys are on one machine after the other while they are changed.
+const std::string old_key = "AAECAwQFBgcICQoLDA0ODxAREhMUFRYXGBkaGxwdHh8=\n";
+const std::string new_key = "ICEiIyQlJicoKSorLC0uLzAxMjM0NTY3ODk6Ozw9Pj8=\n";
+
+TEST_F(TwoMachines, LetInOneOfAUsersOnlyLoginsAlsoWhileTheirKeysAreChanged) {
+    RedisStore known(new_machine_with_keys(server_, prefix_, old_key + new_key), {}),
+        rotated(new_machine_with_keys(server_, prefix_, new_key + old_key), {});
+    let_in_one_of_a_users_only_logins(known, rotated);
+}
+
+TEST_F(TwoMachines, KnowAUserAsTheSameWhileTheirKeysAreChanged) {
+    const std::string steps[] = {old_key, old_key + new_key, new_key + old_key, new_key};
+    const Text account = u"cn=smith,o=Shop";
+    const auto expect_the_same = [&](Store& one, Store& other) {
+        log_in(one, u"g", u"smith");
+        log_in(other, u"h", u"smith");
+        EXPECT_EQ(one.logins_of(u"g").size(), 2u);
+        EXPECT_EQ(one.end_others(u"g"), 1u);
+        EXPECT_FALSE(other.ask(u"h", 1));
+        log_in(other, u"h", u"smith", true);
+        EXPECT_FALSE(one.ask(u"g", 1));
+        Record record;
+        record.user_name = u"smith";
+        record.account_path = account;
+        one.save(u"h", record);
+        EXPECT_TRUE(other.ask(u"h", 1)) << "a record of the same user ends no login";
+        log_in(one, u"g", u"smith");
+        EXPECT_EQ(other.end_all_of(account, u""), 2u);
+        EXPECT_FALSE(one.ask(u"g", 1));
+        EXPECT_FALSE(one.find(u"h"));
     };
-    std::vector<std::thread> running;
-    for (int machine = 0; machine < 2; ++machine)
-        for (int thread = 0; thread < threads; ++thread)
-            running.emplace_back([&, machine, thread] {
-                for (int round = 0; round < rounds; ++round)
-                    log_in(machine == 0 ? first_ : second_, guid(machine, thread, round), u"smith",
-                           true);
-            });
-    for (std::thread& thread : running) thread.join();
-    int live = 0;
-    for (int machine = 0; machine < 2; ++machine)
-        for (int thread = 0; thread < threads; ++thread)
-            for (int round = 0; round < rounds; ++round)
-                live += first_.ask(guid(machine, thread, round), 1) ? 1 : 0;
-    EXPECT_EQ(live, 1);
+    for (std::size_t step = 1; step < std::size(steps); ++step) {
+        SCOPED_TRACE(step);
+        RedisStore before(new_machine_with_keys(server_, prefix_, steps[step - 1]), {}),
+            after(new_machine_with_keys(server_, prefix_, steps[step]), {});
+        expect_the_same(before, after);
+        expect_the_same(after, before);
+    }
+    EXPECT_EQ(server_.ask({"KEYS", prefix_ + ":*-of:*"}), "") << "no list is left behind";
+}
+
+// Without the right to subscribe.
+TEST_F(TwoMachines, UseNoCopyWhereTheyDoNotHearOfChanges) {
+    server_.ask({"ACL", "SETUSER", "deaf", "on", "nopass", "~*", "+@all"});
+    CachedStore deaf = new_store("", "redis://deaf@" + server_.address());
+    log_in(first_, u"g", u"smith");
+    EXPECT_TRUE(deaf.ask(u"g", 1));
+    EXPECT_TRUE(deaf.find(u"g"));
+    EXPECT_EQ(deaf.user_of(u"g"), u"cn=smith,o=Shop");
+    first_.forget(u"g");
+    EXPECT_FALSE(deaf.ask(u"g", 1));
+    EXPECT_FALSE(deaf.find(u"g"));
+    EXPECT_EQ(deaf.user_of(u"g"), u"");
+    log_in(first_, u"h", u"smith");
+    server_.ask({"ACL", "SETUSER", "deaf", "allchannels"});
+    await_a_copy(deaf, u"h");
+}
+
+TEST_F(TwoMachines, AskTheStoreOnceASecondForEachLogin) {
+    log_in(first_, u"g", u"smith");
+    CachedStore third = new_store();  // which does not hear of the login any more
+    await_a_copy(third, u"g");
+    now_ = now_.load() + 999ms;
+    EXPECT_TRUE(is_answered_by_a_copy(third, u"g"));
+    now_ = now_.load() + 1ms;
+    EXPECT_FALSE(is_answered_by_a_copy(third, u"g"));
+    EXPECT_TRUE(is_answered_by_a_copy(third, u"g"));
 }
 
 TEST_F(TwoMachines, SeeALogoutAtOnce) {
@@ -194,6 +302,10 @@ TEST_F(TwoMachines, ShowNothingOfAnybodyToWhoReadsTheStore) {
     first_.begin({u"{1F1A63C2}", u"without-record", {24}, false, 10min});
     EXPECT_TRUE(second_.ask(guid, 1000));
     const std::string dump = server_.dump();
+    for (const Text& guessed :
+         {record.user_name, user_key_of(record.account_path, record.user_name),
+          Text(u"without-record")})
+        EXPECT_THAT(dump, Not(HasSubstr(store::Keyring::name_of(to_utf8(guessed)))));
     EXPECT_THAT(dump, HasSubstr(prefix_ + ":login:" + stored_name(guid)));
     for (const TextView secret :
          {TextView(guid), TextView(u"4F1A63C2"), TextView(u"1F1A63C2"), TextView(u"smith-sample"),
@@ -223,16 +335,23 @@ TEST_F(TwoMachines, TakeNothingThatTheirKeyHasNotSealedForThisGuid) {
     EXPECT_EQ(first_.user_of(u"c"), u"");
     EXPECT_TRUE(first_.ask(u"a", 1));
 
-    const Site stranger = [&] {
-        const Site machine = new_machine(server_, prefix_);
-        return std::make_shared<store::SiteStore>(store::SiteStore{
-            machine->redis,
-            store::Keyring::parse("MDEyMzQ1Njc4OWFiY2RlZjAxMjM0NTY3ODlhYmNkZWY=\n", "keys")});
-    }();
-    RedisStore other(stranger, {});
+    RedisStore other(new_machine_with_keys(server_, prefix_, old_key), {});
     EXPECT_FALSE(other.find(u"a"));
     EXPECT_FALSE(other.ask(u"a", 1));
     EXPECT_EQ(other.user_of(u"a"), u"");
+}
+
+// A browser comes back with the GUID that it had.
+TEST_F(TwoMachines, LetAUserLogInAnewWhoseRecordWasSealedWithALostKey) {
+    log_in(first_, u"g", u"smith");
+    EXPECT_FALSE(first_.try_create(u"g"));
+    RedisStore other(new_machine_with_keys(server_, prefix_, new_key), {});
+    EXPECT_FALSE(other.find(u"g"));
+    EXPECT_TRUE(other.try_create(u"g"));
+    EXPECT_FALSE(other.try_create(u"g"));
+    log_in(other, u"g", u"smith");
+    EXPECT_TRUE(other.ask(u"g", 1));
+    EXPECT_TRUE(other.find(u"g"));
 }
 
 class AwayServer {
@@ -291,18 +410,59 @@ TEST_F(TwoMachinesWithoutTheirStore, LetNobodyInUntilItIsBack) {
     seen_after(second_, u"g");
 }
 
+// Patient, so that none notices the silence by itself, however slow the test's machine.
 TEST_F(TwoMachinesWithoutTheirStore, LetInForASecondWhomTheyHaveJustLetIn) {
+    log_in(first_, u"g", u"smith");
+    CachedStore patient = new_store("StoreTimeLimit = 60000\n");
+    await_a_copy(patient, u"g");
+    server().freeze();
+    EXPECT_TRUE(patient.ask(u"g", 1));
+    EXPECT_EQ(patient.find(u"g")->user_name, u"smith");
+    now_ = now_.load() + 1s;
+    server().kill();
+    expect_away(patient);
+}
+
+TEST_F(TwoMachinesWithoutTheirStore, LetInAgainWhenItIsSilentNoMore) {
     log_in(first_, u"g", u"smith");
     EXPECT_TRUE(second_.ask(u"g", 1));
     server().freeze();
-    EXPECT_TRUE(second_.ask(u"g", 1));
-    EXPECT_EQ(second_.find(u"g")->user_name, u"smith");
     now_ = now_.load() + 1s;
     expect_away(second_);
     expect_away(first_);
     server().go_on();
     back_after([&] { EXPECT_TRUE(second_.ask(u"g", 1)); });
     back_after([&] { EXPECT_TRUE(first_.ask(u"g", 1)); });
+}
+
+TEST_F(TwoMachinesWithoutTheirStore, TakeNoNewLoginsWhereItIsFullAndKeepThoseThereAre) {
+    log_in(first_, u"g", u"smith");
+    log_in(first_, u"h", u"jones");
+    first_.save(u"record", {});
+    server().ask({"CONFIG", "SET", "maxmemory", "1"});
+    const auto expect_full = [&](auto ask) {
+        expect_failure(raised_by(ask), store::store_unreachable, store::store_source,
+                       "The store " + server().url() +
+                           " cannot be used (it is full: OOM command not allowed when used memory "
+                           "> 'maxmemory'.)");
+    };
+    expect_full([&] { first_.begin({u"new", u"walker", {1}, false, 10min}); });
+    expect_full([&] { first_.save(u"new", {}); });
+    expect_full([&] { first_.try_create(u"new"); });
+    EXPECT_FALSE(second_.ask(u"new", 1));
+
+    now_ = now_.load() + 1s;
+    EXPECT_TRUE(second_.ask(u"g", 1));
+    EXPECT_TRUE(second_.find(u"record"));
+    log_in(second_, u"g", u"smith");
+    EXPECT_TRUE(first_.ask(u"g", 1)) << "in the place of what it had";
+    first_.forget(u"g");
+    EXPECT_FALSE(first_.ask(u"g", 1));
+    EXPECT_EQ(second_.end_all_of(u"cn=jones,o=Shop", u""), 1u);
+    EXPECT_FALSE(second_.ask(u"h", 1));
+    server().ask({"CONFIG", "SET", "maxmemory", "0"});
+    log_in(first_, u"new", u"walker");
+    EXPECT_TRUE(second_.ask(u"new", 1));
 }
 
 }  // namespace
