@@ -9,24 +9,19 @@ namespace fs = std::filesystem;
 
 constexpr TextView section = u"AUDIT";
 
-struct Key {
-    TextView name;
-    std::int64_t least = 0;
-    std::int64_t most = 0;
-    const char* values;
-    const char* about;
-    void (*read)(const Key& key, const SectionValue& value, Settings& settings);
-};
+using Key = SectionKey<Settings>;
 
 constexpr Key keys[] = {
     {.name = u"File",
      .values = "path",
+     .usual = [](const Settings&) { return std::string("no file"); },
      .about = "Where events are recorded, a line of JSON each; a relative path counts from the "
               "configuration's folder. Without it and `Journal` there is no audit.",
      .read = [](const Key&, const SectionValue& value,
                 Settings& settings) { settings.file = value.file(); }},
     {.name = u"Journal",
      .values = "yes or no",
+     .usual = [](const Settings&) { return std::string("no"); },
      .about = "Whether the system's journal gets the same lines (`journalctl -t orvo-audit`).",
      .read = [](const Key&, const SectionValue& value,
                 Settings& settings) { settings.journal = value.is_yes(); }},
@@ -34,35 +29,30 @@ constexpr Key keys[] = {
      .least = 1024,
      .most = std::int64_t{1} << 40,
      .values = "bytes",
+     .usual = [](const Settings& usual) { return std::to_string(usual.rotation.largest); },
      .about = "How large the file becomes before it is renamed and a new one is begun.",
      .read =
          [](const Key& key, const SectionValue& value, Settings& settings) {
-             settings.rotation.largest =
-                 static_cast<std::uint64_t>(value.number(key.least, key.most));
+             settings.rotation.largest = static_cast<std::uint64_t>(key.number(value));
          }},
     {.name = u"Count",
      .least = 2,
      .most = 1000,
      .values = "files",
+     .usual = [](const Settings& usual) { return std::to_string(usual.rotation.count); },
      .about = "How many files there are at most; the oldest goes.",
      .read =
          [](const Key& key, const SectionValue& value, Settings& settings) {
-             settings.rotation.count = static_cast<std::size_t>(value.number(key.least, key.most));
+             settings.rotation.count = static_cast<std::size_t>(key.number(value));
          }},
     {.name = u"Sync",
      .values = "yes or no",
+     .usual = [](const Settings&) { return std::string("no"); },
      .about = "Whether an event is on disk before its answer goes out. What cannot be recorded "
               "fails then: nobody logs in.",
      .read = [](const Key&, const SectionValue& value,
                 Settings& settings) { settings.sync = value.is_yes(); }},
 };
-
-std::string usual_value(TextView name) {
-    const Settings usual;
-    if (name == u"Largest") return std::to_string(usual.rotation.largest);
-    if (name == u"Count") return std::to_string(usual.rotation.count);
-    return name == u"File" ? "no file" : "no";
-}
 
 }  // namespace
 
@@ -81,15 +71,6 @@ Settings settings_of_site() {
     return site.values ? read_settings(*site.values, site.name) : Settings();
 }
 
-std::vector<DescribedSetting> described_settings() {
-    std::vector<DescribedSetting> all;
-    for (const Key& key : keys) {
-        std::string values = key.values;
-        if (key.most != 0)
-            values += ", " + std::to_string(key.least) + " to " + std::to_string(key.most);
-        all.push_back({to_utf8(key.name), values, usual_value(key.name), key.about});
-    }
-    return all;
-}
+std::vector<DescribedSetting> described_settings() { return described(keys); }
 
 }  // namespace orvo::audit

@@ -8,7 +8,10 @@
 #include <filesystem>
 #include <memory>
 #include <span>
+#include <string>
+#include <vector>
 
+#include "platform/values/described_setting.h"
 #include "suite/configuration/ini_parser.h"
 
 namespace orvo {
@@ -42,6 +45,35 @@ private:
     const std::filesystem::path& site_file_;
     const Text text_;
 };
+
+// A row of a section's table: a key, and where in the settings its value stands.
+template <class Settings>
+struct SectionKey {
+    TextView name;
+    // Of a number, and 0 otherwise.
+    std::int64_t least = 0;
+    std::int64_t most = 0;
+    const char* values;                              // what it may be; of a number its unit
+    std::string (*usual)(const Settings& settings);  // of those that say nothing
+    const char* about;                               // sentences
+    void (*read)(const SectionKey& key, const SectionValue& value, Settings& settings);
+
+    std::int64_t number(const SectionValue& value) const { return value.number(least, most); }
+};
+
+// The rows as people are told of them.
+template <class Settings, std::size_t count>
+std::vector<DescribedSetting> described(const SectionKey<Settings> (&keys)[count]) {
+    const Settings usual;
+    std::vector<DescribedSetting> all;
+    for (const SectionKey<Settings>& key : keys) {
+        std::string values = key.values;
+        if (key.most != 0)
+            values += ", " + std::to_string(key.least) + " to " + std::to_string(key.most);
+        all.push_back({to_utf8(key.name), values, key.usual(usual), key.about});
+    }
+    return all;
+}
 
 // Reads the keys of a section in the file's order: `read(row, value)` gets the row of the table
 // that has the key's name (`name`, a TextView). Raises for a key that is in no row, and what `read`

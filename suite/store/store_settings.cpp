@@ -34,19 +34,13 @@ void put_url(const SectionValue& value, Settings& settings) {
         value.refuse(u"this build has no shared store, \"memory\" alone");
 }
 
-struct Key {
-    TextView name;
-    std::int64_t least = 0;
-    std::int64_t most = 0;
-    const char* values;
-    const char* about;
-    void (*read)(const Key& key, const SectionValue& value, Settings& settings);
-};
+using Key = SectionKey<Settings>;
 
 constexpr Key keys[] = {
     {.name = url_key,
      .values = "`memory`, or `redis://[user@]host[:port][,host[:port]…][/database]`, or the same "
                "with `rediss://`",
+     .usual = [](const Settings&) { return std::string("memory"); },
      .about = "Where the machines of a site share logins, sessions and the counts of failed ones. "
               "`memory`: every process has its own. Of several hosts the one that is a master is "
               "used. `rediss`: encrypted, and the server's certificate is verified.",
@@ -54,27 +48,32 @@ constexpr Key keys[] = {
                 Settings& settings) { put_url(value, settings); }},
     {.name = u"StorePassword",
      .values = "text, as a rule `@file:…`",
+     .usual = [](const Settings&) { return std::string("none"); },
      .about = "With which the store is logged in to.",
      .read = [](const Key&, const SectionValue& value,
                 Settings& settings) { settings.password = Secret(value.text()); }},
     {.name = u"StoreSentinel",
      .values = "name",
+     .usual = [](const Settings&) { return std::string("no Sentinel"); },
      .about = "The name by which Sentinels know the master; the hosts of `StoreURL` are Sentinels "
               "then (port 26379 unless said), and the master is whom they name.",
      .read = [](const Key&, const SectionValue& value,
                 Settings& settings) { settings.sentinel = name_in(value); }},
     {.name = u"StoreSentinelPassword",
      .values = "text, as a rule `@file:…`",
+     .usual = [](const Settings&) { return std::string("none"); },
      .about = "With which Sentinels are logged in to.",
      .read = [](const Key&, const SectionValue& value,
                 Settings& settings) { settings.sentinel_password = Secret(value.text()); }},
     {.name = u"StoreCA",
      .values = "path",
+     .usual = [](const Settings&) { return std::string("what the system trusts"); },
      .about = "Certificates to trust for `rediss://`, a PEM file.",
      .read = [](const Key&, const SectionValue& value,
                 Settings& settings) { settings.ca_file = value.file(); }},
     {.name = u"StoreKeys",
      .values = "path",
+     .usual = [](const Settings&) { return std::string("no file"); },
      .about = "The keys with which everything personal is encrypted in the store, the same on all "
               "machines; a file of one line or two, each as `openssl rand -base64 32` writes it. "
               "The first one encrypts, both decrypt. Needed with a shared store.",
@@ -82,6 +81,7 @@ constexpr Key keys[] = {
                 Settings& settings) { settings.key_file = value.file(); }},
     {.name = u"StorePrefix",
      .values = "name",
+     .usual = [](const Settings& usual) { return usual.prefix; },
      .about = "What all names in the store begin with; another one for each site that shares a "
               "store.",
      .read = [](const Key&, const SectionValue& value,
@@ -90,34 +90,23 @@ constexpr Key keys[] = {
      .least = 10,
      .most = 60'000,
      .values = "milliseconds",
+     .usual = [](const Settings& usual) { return std::to_string(usual.time_limit.count()); },
      .about = "How long one question to the store takes at most, connecting included.",
      .read =
          [](const Key& key, const SectionValue& value, Settings& settings) {
-             settings.time_limit = std::chrono::milliseconds(value.number(key.least, key.most));
+             settings.time_limit = std::chrono::milliseconds(key.number(value));
          }},
     {.name = u"StoreConnections",
      .least = 1,
      .most = 1000,
      .values = "connections",
+     .usual = [](const Settings& usual) { return std::to_string(usual.most_connections); },
      .about = "How many connections a process has at most.",
      .read =
          [](const Key& key, const SectionValue& value, Settings& settings) {
-             settings.most_connections =
-                 static_cast<std::size_t>(value.number(key.least, key.most));
+             settings.most_connections = static_cast<std::size_t>(key.number(value));
          }},
 };
-
-std::string usual_value(TextView name) {
-    const Settings usual;
-    if (name == url_key) return "memory";
-    if (name == u"StorePassword" || name == u"StoreSentinelPassword") return "none";
-    if (name == u"StoreCA") return "what the system trusts";
-    if (name == u"StoreSentinel") return "no Sentinel";
-    if (name == u"StoreKeys") return "no file";
-    if (name == u"StorePrefix") return usual.prefix;
-    if (name == u"StoreTimeLimit") return std::to_string(usual.time_limit.count());
-    return std::to_string(usual.most_connections);
-}
 
 }  // namespace
 
@@ -177,15 +166,6 @@ Settings settings_of_site() {
     return site.values ? read_settings(*site.values, site.name) : Settings();
 }
 
-std::vector<DescribedSetting> described_settings() {
-    std::vector<DescribedSetting> all;
-    for (const Key& key : keys) {
-        std::string values = key.values;
-        if (key.most != 0)
-            values += ", " + std::to_string(key.least) + " to " + std::to_string(key.most);
-        all.push_back({to_utf8(key.name), values, usual_value(key.name), key.about});
-    }
-    return all;
-}
+std::vector<DescribedSetting> described_settings() { return described(keys); }
 
 }  // namespace orvo::store
