@@ -19,29 +19,47 @@ Object try_filter() {
     }
 }
 
-// What is to be raised where they go on.
+void end_all_of(const std::string& account, const Text& except) {
+    if (const Object filter = try_filter())
+        late::call(filter, u"EndAllOf", {from_utf8(account), except});
+}
+
+// Why some may go on: the first failure.
 std::optional<Failure> try_end(const EndedLogins& ended) {
-    if (ended.accounts.empty()) return {};
-    try {
-        const Object filter = try_filter();
-        if (!filter) return {};
-        const Text own = ended.spares_own ? audit::login_of_calling_page() : Text();
-        for (const std::string& account : ended.accounts)
-            late::call(filter, u"EndAllOf", {from_utf8(account), own});
-        return {};
-    } catch (const Failure& failure) {
-        return Failure(failure.number, failure.source,
-                       failure.description +
-                           u" The change has been made all the same, but the user's logins go on.");
-    }
+    if (!ended.may_be_done || ended.accounts.empty()) return {};
+    const Text own = ended.spares_own ? audit::login_of_calling_page() : Text();
+    std::optional<Failure> first;
+    for (const std::string& account : ended.accounts) try {
+            end_all_of(account, own);
+        } catch (const Failure& failure) {
+            if (!first) first = failure;
+        }
+    return first;
+}
+
+[[noreturn]] void raise(const Failure& failure, const Text& more) {
+    throw Failure(failure.number, failure.source, failure.description + more);
 }
 
 }  // namespace
 
-void audited_account_change(const AuditedChange& change, const std::function<EndedLogins()>& make) {
+void audited_account_change(const AuditedChange& change,
+                            const std::function<void(EndedLogins&)>& make) {
+    EndedLogins ended;
     std::optional<Failure> unended;
-    audited_change(change, [&] { unended = try_end(make()); });
-    if (unended) throw *unended;
+    audited_change(change, [&] {
+        try {
+            make(ended);
+        } catch (const Failure& failure) {
+            unended = try_end(ended);
+            if (!unended) throw;
+            raise(failure, u" The user's logins may go on: " + unended->description);
+        }
+        unended = try_end(ended);
+    });
+    if (unended)
+        raise(*unended,
+              u" The change has been made all the same, but the user's logins may go on.");
 }
 
 }  // namespace orvo::directory

@@ -66,7 +66,8 @@ void EmbeddedEntry::SetValues(Text& name, Variant& value) {
     require_bound();
     require_whole(name);
     const std::string attribute = to_utf8(name);
-    audited_account_change(change_of(attribute), [&] { return set_values(attribute, value); });
+    audited_account_change(change_of(attribute),
+                           [&](EndedLogins& ended) { ended = set_values(attribute, value); });
 }
 
 EndedLogins EmbeddedEntry::set_values(const std::string& attribute, const Variant& value) {
@@ -74,7 +75,7 @@ EndedLogins EmbeddedEntry::set_values(const std::string& attribute, const Varian
         const AttributeType* type = login_->schema().types.find(attribute);
         std::vector<std::string> values = encode_values(type, value);
         if (attribute.empty()) raise_runtime_error(runtime_error::invalid_call);
-        EndedLogins ended;
+        EndedLogins ended{.may_be_done = true};
         if (disables_account(attribute, values)) ended.accounts = {name_};
         login_->modify(name_, {{attribute, std::move(values)}});
         return ended;
@@ -85,7 +86,7 @@ EndedLogins EmbeddedEntry::set_values(const std::string& attribute, const Varian
     if (password.empty())
         raise_code(result_code::constraint_violation, "A new password cannot be empty.");
     login_->set_password(name_, password, former);
-    return {.accounts = {name_}, .spares_own = true};
+    return {.accounts = {name_}, .spares_own = true, .may_be_done = true};
 }
 
 void EmbeddedEntry::ClearValues(Text& name) {
@@ -93,10 +94,10 @@ void EmbeddedEntry::ClearValues(Text& name) {
     require_whole(name);
     if (name.empty()) raise_runtime_error(runtime_error::invalid_call);
     const std::string attribute = to_utf8(name);
-    audited_account_change(change_of(attribute), [&]() -> EndedLogins {
+    audited_account_change(change_of(attribute), [&](EndedLogins& ended) {
         login_->modify(name_, {{attribute, {}}});
-        if (!is_password(attribute)) return {};
-        return {.accounts = {name_}, .spares_own = true};
+        if (is_password(attribute))
+            ended = {.accounts = {name_}, .spares_own = true, .may_be_done = true};
     });
 }
 
@@ -133,9 +134,9 @@ void EmbeddedEntry::CreateChild(Variant& classes, Text& naming_attribute, Object
 void EmbeddedEntry::DeleteChild(Text&, Text& entry_name) {
     require_bound();
     const std::string name = child_name(entry_name, name_);
-    audited_account_change({u"delete", server_, name, login_->user()}, [&]() -> EndedLogins {
+    audited_account_change({u"delete", server_, name, login_->user()}, [&](EndedLogins& ended) {
         login_->remove(name);
-        return {.accounts = {name}};
+        ended = {.accounts = {name}, .may_be_done = true};
     });
 }
 

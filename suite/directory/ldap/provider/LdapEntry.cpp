@@ -168,17 +168,14 @@ void LdapEntry::SetValues(Text& name, Variant& value) {
     require_bound();
     require_whole(name);
     const std::string attribute = to_utf8(name);
-    audited_account_change(change_of(attribute), [&] {
-        EndedLogins ended;
+    audited_account_change(change_of(attribute), [&](EndedLogins& ended) {
         if (is_password(attribute)) {
             ended = {.accounts = accounts_of(name_), .spares_own = true};
-            set_password(value);
-            return ended;
+            return set_password(value, ended.may_be_done);
         }
         std::vector<std::string> values = encode_values(type_of(attribute), value);
         if (disables_account(attribute, values)) ended.accounts = accounts_of(name_);
-        replace(attribute, std::move(values));
-        return ended;
+        replace(attribute, std::move(values), ended.may_be_done);
     });
 }
 
@@ -186,15 +183,10 @@ void LdapEntry::ClearValues(Text& name) {
     require_bound();
     require_whole(name);
     const std::string attribute = to_utf8(name);
-    audited_account_change(change_of(attribute), [&] {
-        EndedLogins ended;
-        if (is_password(attribute)) {
-            ended = {.accounts = accounts_of(name_), .spares_own = true};
-            clear_password(attribute);
-        } else {
-            replace(attribute, {});
-        }
-        return ended;
+    audited_account_change(change_of(attribute), [&](EndedLogins& ended) {
+        if (!is_password(attribute)) return replace(attribute, {}, ended.may_be_done);
+        ended = {.accounts = accounts_of(name_), .spares_own = true};
+        clear_password(attribute, ended.may_be_done);
     });
 }
 
@@ -206,7 +198,8 @@ AuditedChange LdapEntry::change_of(const std::string& attribute) const {
     return {event_of_change(attribute), server_, name_, login_->user(), attribute};
 }
 
-void LdapEntry::replace(const std::string& name, std::vector<std::string> values) {
+void LdapEntry::replace(const std::string& name, std::vector<std::string> values,
+                        bool& may_be_done) {
     if (name.empty()) raise_runtime_error(runtime_error::invalid_call);
     if (account_)
         raise_code(result_code::unwilling_to_perform,
@@ -223,8 +216,11 @@ void LdapEntry::replace(const std::string& name, std::vector<std::string> values
                               is_account_lock(changes.front().attribute);
     if (is_unlocking) changes.front().kind = Change::remove;
     const NotedWrite noted(client_.writes(), key_);
-    const Result result =
-        login_->write(name_, [&](Session& session) { return session.modify(name_, changes); });
+    const Result result = login_->write(name_, [&](Session& session) {
+        Result modified = session.modify(name_, changes);
+        may_be_done |= modified.may_be_done();
+        return modified;
+    });
     if (is_unlocking && result.code == result_code::no_such_attribute) return;
     check(result);
 }

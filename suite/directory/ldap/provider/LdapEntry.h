@@ -137,17 +137,18 @@ private:
     std::vector<std::string> values_of_groups(const MappedAttribute& attribute);
     void assign_groups(const MappedAttribute& attribute, const std::vector<std::string>& values);
     std::vector<std::string> account_values(const std::string& attribute) const;
-    void set_password(const Variant& value);
-    void clear_password(const std::string& name);
+    // Each of these that has a `may_be_done` sets it once the server may have done it.
+    void set_password(const Variant& value, bool& may_be_done);
+    void clear_password(const std::string& name, bool& may_be_done);
     PasswordWriting password_writing();
     Result write_password(ServerLogin& login, const Secret& password, const Secret& former,
                           bool& may_be_done);
     Result change_own_password(const Secret& password, const Secret& former, bool& may_be_done);
-    void replace(const std::string& name, std::vector<std::string> values);
+    void replace(const std::string& name, std::vector<std::string> values, bool& may_be_done);
     void require_known(const GivenAttribute& attribute);
     void add(const std::string& name, const NewEntry& entry, const Secret& created_with);
     void set_first_password(const std::string& name, const Secret& password);
-    void remove_child(const std::string& name);
+    void remove_child(const std::string& name, bool& may_be_done);
     Text remove_again(const std::string& name, TextView is_or_may_be);
     void require_bound() const;
 

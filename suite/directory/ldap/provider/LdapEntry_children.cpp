@@ -152,16 +152,14 @@ void LdapEntry::DeleteChild(Text&, Text& entry_name) {
     require_bound();
     std::string name = child_name(entry_name, name_);
     if (mapped_) name = mapped_->require(name);
-    audited_account_change({u"delete", server_, name, login_->user()}, [&] {
-        EndedLogins ended{.accounts = accounts_of(name)};
-        remove_child(name);
-        return ended;
+    audited_account_change({u"delete", server_, name, login_->user()}, [&](EndedLogins& ended) {
+        ended.accounts = accounts_of(name);
+        remove_child(name, ended.may_be_done);
     });
 }
 
-void LdapEntry::remove_child(const std::string& name) {
+void LdapEntry::remove_child(const std::string& name, bool& may_be_done) {
     const NotedWrite noted(client_.writes(), EntryKey(name));
-    bool may_be_done = false;
     try {
         check(login_->write_password(name, Secret(), [&](Session& session) {
             Result result = session.remove(name);

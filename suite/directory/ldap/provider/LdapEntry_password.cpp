@@ -24,13 +24,11 @@ bool may_another(const Result& refused) {
            refused.code == result_code::unwilling_to_perform;
 }
 
-// Runs `body`, from a flag that it sets once it may be done to a Result, and raises what is not
-// a success.
+// Raises what is not a success of `body`, which sets the flag once it may be done.
 template <class Body>
-void check_change(Body body) {
-    bool may_be_done = false;
+void check_change(const bool& may_be_done, Body body) {
     try {
-        check(body(may_be_done));
+        check(body());
     } catch (const Failure& failure) {
         if (!may_be_done) throw;
         throw Failure(failure.number, failure.source,
@@ -53,7 +51,7 @@ PasswordWriting LdapEntry::password_writing() {
     return way;
 }
 
-void LdapEntry::set_password(const Variant& value) {
+void LdapEntry::set_password(const Variant& value, bool& may_be_done) {
     std::optional<Secret> former =
         ProvenPassword::take(login_->server_key(), key_, client_.pool().clock().now());
     const Secret password = password_in(value);
@@ -62,7 +60,7 @@ void LdapEntry::set_password(const Variant& value) {
     if (!former && login_->user_key() == key_) former = login_->password();
     const bool may_be_either = former && password_writing() == PasswordWriting::modify_operation;
     const NotedWrite noted(client_.writes(), key_);
-    check_change([&](bool& may_be_done) {
+    check_change(may_be_done, [&] {
         const auto set = [&] { return write_password(*login_, password, {}, may_be_done); };
         const auto change = [&] { return change_own_password(password, *former, may_be_done); };
         const bool is_change_first = former && facts().tells_own_change_from_reset;
@@ -112,13 +110,13 @@ Result LdapEntry::change_own_password(const Secret& password, const Secret& form
     return write_password(own, password, former, may_be_done);
 }
 
-void LdapEntry::clear_password(const std::string& name) {
+void LdapEntry::clear_password(const std::string& name, bool& may_be_done) {
     if (facts().password_writing == PasswordWriting::unicode_attribute)
         raise_code(result_code::unwilling_to_perform,
                    "This server's users always have a password; disable the account instead.");
     const Replacement nothing{name, {}};
     const NotedWrite noted(client_.writes(), key_);
-    check_change([&](bool& may_be_done) {
+    check_change(may_be_done, [&] {
         return login_->write_password(name_, Secret(), [&](Session& session) {
             Result result = session.modify(name_, {&nothing, 1});
             may_be_done |= result.may_be_done();

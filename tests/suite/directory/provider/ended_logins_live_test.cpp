@@ -1,25 +1,12 @@
 // With which changes of an entry its user's logins end.
 
-#include "platform/module/local_class.h"
 #include "platform/objects/context/app_server.h"
 #include "platform/objects/context/context_scope.h"
 #include "tests/suite/directory/provider/provider_test.h"
+#include "tests/suite/directory/recorded_logins.h"
 
 namespace orvo {
 namespace directory {
-
-// The filter's logins, of which the test reads what was ended.
-class RecordedLogins {
-public:
-    static inline std::vector<std::string> ended;
-    static inline bool is_away = false;
-
-    std::int32_t EndAllOf(const Text& account, const Text& except) {
-        if (is_away) throw Failure(4711, u"Store", u"The store is away.");
-        ended.push_back(to_utf8(account) + (except.empty() ? "" : " but " + to_utf8(except)));
-        return 1;
-    }
-};
 
 // A page's session, in which somebody is logged in.
 class LoggedInSession {
@@ -29,14 +16,6 @@ public:
 
 }  // namespace directory
 
-template <>
-inline constexpr auto table_of<directory::RecordedLogins> = describe<directory::RecordedLogins>(
-    "IRecordedLogins", "5e0f4b0a-6f3e-4b43-9a57-0f6f2a1d7c01",
-    method<&directory::RecordedLogins::EndAllOf>("EndAllOf", "account", optional("except")));
-template <>
-inline constexpr auto class_of<directory::RecordedLogins> =
-    describe_class<directory::RecordedLogins>("TavikAuthFilter.Logins",
-                                              "5e0f4b0a-6f3e-4b43-9a57-0f6f2a1d7c02");
 template <>
 inline constexpr auto table_of<directory::LoggedInSession> = describe<directory::LoggedInSession>(
     "ILoggedInSession", "5e0f4b0a-6f3e-4b43-9a57-0f6f2a1d7c03",
@@ -50,17 +29,14 @@ namespace {
 
 constexpr const char* djansen = "cn=djansen,ou=Users,o=Shop";
 constexpr const char* made_all_the_same =
-    "The store is away. The change has been made all the same, but the user's logins go on.";
+    "The store is away. The change has been made all the same, but the user's logins may go on.";
 
 class EndedLoginsTest : public ProviderTest {
 protected:
-    EndedLoginsTest() : ProviderTest({.password_policy = true}) {
-        RecordedLogins::ended.clear();
-        RecordedLogins::is_away = false;
-    }
-    static std::vector<std::string> ended() { return std::exchange(RecordedLogins::ended, {}); }
+    EndedLoginsTest() : ProviderTest({.password_policy = true}) {}
+    std::vector<std::string> ended() { return logins_.ended(); }
 
-    LocalClass logins_ = local_class<RecordedLogins>();
+    LoginsOnRecord logins_;
     LocalClass app_server_{app_server_progid, class_of<AppServerObject>.clsid,
                            [] { return make<AppServerObject>().object(); }};
 };
@@ -105,7 +81,7 @@ TEST_P(EndedLoginsTest, AreAllButThatOfThePageThatChangesThePassword) {
 
 TEST_P(EndedLoginsTest, ThatCannotBeEndedAreToldWithTheChangeThatIsMade) {
     const Entry entry = bound();
-    RecordedLogins::is_away = true;
+    logins_.fail_for(djansen);
     const Failure failure = failure_of([&] { set(entry, u"userPassword", u"other-sample"); });
     EXPECT_EQ(failure.number, 4711);
     EXPECT_EQ(to_utf8(failure.description), made_all_the_same);

@@ -1,4 +1,5 @@
-// Creation and deletion where a request or its answer gets lost, or nothing ever comes back.
+// Creation and deletion where a request or its answer gets lost, or nothing ever comes back; and
+// whose logins end then.
 
 #include <gmock/gmock.h>
 
@@ -9,6 +10,7 @@
 #include "suite/directory/ldap/wire/password_modify.h"
 #include "tests/suite/directory/expect_failure.h"
 #include "tests/suite/directory/ldap/support/rewriting_proxy.h"
+#include "tests/suite/directory/recorded_logins.h"
 #include "tests/support/ldap_probe.h"
 #include "tests/support/slapd.h"
 
@@ -16,6 +18,7 @@ namespace orvo::directory::ldap {
 namespace {
 
 using namespace std::chrono_literals;
+using testing::ElementsAre;
 using testing::IsEmpty;
 
 // What a request holds, by which it is known.
@@ -27,17 +30,20 @@ const std::string deletion =
 
 class LostRequestsTest : public testing::Test {
 protected:
-    LostRequestsTest() {
-        Text address = from_utf8(proxy_.server()), users = u"ou=Users,o=Shop", name;
+    explicit LostRequestsTest(SlapdOptions options = {}) : server_(std::move(options)) {
+        bind(container_, u"");
+        // Once everything that has to be known of the server is, a creation begins at once.
+        EXPECT_EQ(created(u"first").number, 0);
+    }
+
+    void bind(LdapEntry& entry, Text name) {
+        Text address = from_utf8(proxy_.server()), users = u"ou=Users,o=Shop";
         Text user = from_utf8(server_.service_dn());
         Secret password(u"service-sample");
         Variant nothing = Values{};
-        container_.Bind(address, users, name, user, password, nothing);
-        // Once everything that has to be known of the server is, a creation begins at once.
-        EXPECT_EQ(created(u"first", u"secret").number, 0);
+        entry.Bind(address, users, name, user, password, nothing);
     }
-
-    Failure created(Text name, Text password = u"secret") {
+    Failure created(Text name, Text password = u"secret-sample") {
         const auto given = make<DictionaryObject>();
         for (const auto& [attribute, value] : {std::pair<Text, Text>{u"cn", name},
                                                {u"userPassword", password},
@@ -50,8 +56,8 @@ protected:
         Text naming = u"cn";
         return failure_of([&] { container_.CreateChild(classes, naming, attributes); });
     }
-    Failure removed(Text path = u"cn=new,ou=Users,o=Shop") {
-        Text class_name = u"orvoPerson";
+    Failure removed() {
+        Text class_name = u"orvoPerson", path = path_;
         return failure_of([&] { container_.DeleteChild(class_name, path); });
     }
     bool is_there() { return !probe_.find("ou=Users,o=Shop", "(cn=new)").empty(); }
@@ -62,6 +68,7 @@ protected:
     LdapProbe probe_{server_.url(), server_.root_dn(), server_.root_password()};
     LdapEntry container_{Limits{2s, 1s}};
     const std::string new_user_ = server_.user_dn("new");
+    Text path_ = from_utf8(new_user_);
 };
 
 TEST_F(LostRequestsTest, ThatWriteAreNotMadeAgain) {
@@ -149,6 +156,34 @@ TEST_F(LostRequestsTest, ADeletionWithoutAnAnswerMayHaveBeenDone) {
               u"(81) The server cannot be reached. The entry may have been deleted all the same.");
     EXPECT_FALSE(is_there());
     EXPECT_EQ(removed().number, error_number(0x80072030));
+}
+
+struct LostAccountChangesTest : LostRequestsTest {
+    LostAccountChangesTest() : LostRequestsTest({.password_policy = true}) {}
+};
+
+TEST_F(LostAccountChangesTest, OfWhichNobodyHeardEndTheUsersLogins) {
+    ASSERT_EQ(created(u"new").number, 0);
+    LoginsOnRecord logins;
+    const auto expect_ended = [&](const std::string& request, const auto& change) {
+        proxy_.cut_answers(1, request);
+        EXPECT_EQ(failure_of(change).number, error_number(0x8007203A)) << request;
+        EXPECT_THAT(logins.ended(), ElementsAre(new_user_)) << request;
+    };
+    LdapEntry entry{Limits{2s, 1s}};
+    bind(entry, u"cn=new");
+    Text password = u"userPassword", lock = u"pwdAccountLockedTime", class_name = u"orvoPerson";
+    Variant secret = u"other-sample", locked = u"000001010000Z";
+    expect_ended(password_change, [&] { entry.SetValues(password, secret); });
+    expect_ended("userPassword", [&] { entry.ClearValues(password); });
+    expect_ended("pwdAccountLockedTime", [&] { entry.SetValues(lock, locked); });
+    expect_ended(deletion, [&] { container_.DeleteChild(class_name, path_); });
+}
+
+TEST_F(LostAccountChangesTest, ThatAreRefusedEndNoLogins) {
+    LoginsOnRecord logins;
+    EXPECT_EQ(removed().number, error_number(0x80072030));
+    EXPECT_THAT(logins.ended(), IsEmpty());
 }
 
 }  // namespace
