@@ -24,13 +24,15 @@ std::optional<ConnectionClient> ConnectionClient::try_enter(const Endpoints& end
 ConnectionClient::ConnectionClient(const Endpoints& endpoints, const TrustedProxies& proxies,
                                    ConnectionLimits& limits, std::string counted_as)
     : endpoints_(endpoints),
-      proxies_(&proxies),
+      proxies_(proxies),
+      believed_(&proxies),
       limits_(&limits),
       counted_as_(std::move(counted_as)) {}
 
 ConnectionClient::ConnectionClient(ConnectionClient&& other) noexcept
     : endpoints_(other.endpoints_),
       proxies_(other.proxies_),
+      believed_(other.believed_),
       limits_(std::exchange(other.limits_, nullptr)),
       counted_as_(std::move(other.counted_as_)) {}
 
@@ -38,15 +40,15 @@ ConnectionClient::~ConnectionClient() {
     if (limits_) limits_->leave(counted_as_);
 }
 
-bool ConnectionClient::sends_header() const { return proxies_->begin_with_header && is_proxy(); }
+bool ConnectionClient::sends_header() const { return proxies_.begin_with_header && is_proxy(); }
 
 bool ConnectionClient::try_take(const ProxyGreeting& greeting) {
     if (!greeting.trouble.empty())
         limits_->note_refusal(endpoints_.remote.text() + ' ' + greeting.trouble);
     if (!greeting.header) return false;
     if (!greeting.header->ends) {
-        proxies_ = &nobody;
-        return try_count_for(endpoints_.remote);
+        believed_ = &nobody;
+        return true;
     }
     const auto& [client, client_port, server, server_port] = *greeting.header->ends;
     endpoints_ = {client, client_port, server, server_port,
@@ -55,7 +57,7 @@ bool ConnectionClient::try_take(const ProxyGreeting& greeting) {
 }
 
 void ConnectionClient::begin_request(HttpRequest& request) {
-    if (!try_count_for(put_client(request, endpoints_, *proxies_)))
+    if (!try_count_for(put_client(request, endpoints_, *believed_)))
         throw Refusal(503, "There are too many requests from your address. Please try again.");
 }
 
@@ -65,14 +67,14 @@ void ConnectionClient::end_request() {
 
 void ConnectionClient::tell(HttpRequest& request) const {
     try {
-        put_client(request, endpoints_, *proxies_);
+        put_client(request, endpoints_, *believed_);
     } catch (const Refusal&) {
         // It was the proxy, then.
     }
 }
 
 bool ConnectionClient::try_count_for(const IpAddress& client) {
-    return limits_->try_change(counted_as_, counted(client, *proxies_));
+    return limits_->try_change(counted_as_, counted(client, proxies_));
 }
 
 }  // namespace orvo::web

@@ -25,12 +25,12 @@ public:
     ~ConnectionClient();
 
     // Whether it is a trusted proxy's.
-    bool is_proxy() const { return proxies_->networks.contain(endpoints_.remote); }
+    bool is_proxy() const { return proxies_.networks.contain(endpoints_.remote); }
     // Whether the connection has to begin with a proxy's header.
     bool sends_header() const;
-    // Takes over whom the header names; where it names nobody, no request of the connection does.
-    // False where the connection is to be closed: without a
-    // header, which is noticed, or where that client has too many.
+    // Takes over whom the header names. Where it names nobody, the connection is the proxy's own,
+    // and what its requests say of other clients is not believed. False where the connection is to
+    // be closed: without a header, which is noticed, or where that client has too many.
     bool try_take(const ProxyGreeting& greeting);
 
     // Puts into a request who has sent it; until end_request() the connection counts for that
@@ -49,8 +49,9 @@ private:
     bool try_count_for(const IpAddress& client);
 
     Endpoints endpoints_;
-    const TrustedProxies* proxies_;
-    ConnectionLimits* limits_;  // null: moved from
+    const TrustedProxies& proxies_;
+    const TrustedProxies* believed_;  // in what requests say of their clients
+    ConnectionLimits* limits_;        // null: moved from
     std::string counted_as_;
 };
 

@@ -52,7 +52,7 @@ IpAddress put_client(HttpRequest& request, const Endpoints& sender, const Truste
                                        : ForwardedClient{.address = sender.remote};
     remove_forwarded(request.headers);
     if (!is_trusted) return client.address;
-    if (client.address != sender.remote) {
+    if (client.address != sender.remote || client.port != 0) {
         request.remote_address = client.address.text();
         request.remote_port = client.port;
     }

@@ -17,9 +17,9 @@ struct Endpoints {
 
 // Puts into a request who has sent it and how: remote_*, local_*, is_secure. Where that is a
 // trusted proxy, those are what it says of its client, as is then the header Host; such headers of
-// others have no effect. None of them stays in the request. So it is with its identifier
-// (X-Request-Id): a request without a good one of a trusted proxy gets one. Answers the client's
-// address.
+// others have no effect, and none of them stays in the request. Also puts its identifier there: the
+// X-Request-Id of a trusted proxy where that is a good one, otherwise a new one. Answers the
+// client's address.
 //
 // Raises what forwarded_client() does; the request has the sender's address then.
 IpAddress put_client(HttpRequest& request, const Endpoints& sender, const TrustedProxies& proxies);

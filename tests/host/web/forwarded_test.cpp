@@ -185,6 +185,13 @@ TEST_F(ForwardedTest, RequestsAreOfTheOuterClient) {
     EXPECT_EQ(request.headers, (Headers{{"Host", "shop.example"}, {"X-Other", "kept"}}));
 }
 
+TEST_F(ForwardedTest, AClientOnTheProxysOwnMachineHasAPortOfItsOwn) {
+    HttpRequest request{.headers = {{"Forwarded", "for=\"10.0.0.1:4711\""}}};
+    put_client(request, {ip("10.0.0.1"), 5000, ip("10.0.0.9"), 8080, false}, proxies_);
+    EXPECT_EQ(request.remote_address, "10.0.0.1");
+    EXPECT_EQ(request.remote_port, 4711);
+}
+
 TEST_F(ForwardedTest, TheServersPortIsTheOneOfTheAddressThatTheBrowserHas) {
     const Endpoints sender{ip("10.0.0.1"), 5000, ip("10.0.0.9"), 8080, true};
     const auto port = [&](const std::string& host, Headers headers = {}) {

@@ -116,11 +116,14 @@ TEST(Proxies, BeginTheirConnectionsWithAHeader) {
                          proxy_octets(0x21, 0x21,
                                       v6_ends + proxy_part(0x20, std::string("\x01\0\0\0\0", 5))))),
               "2001:db8::7:4711 https inner:81:443");
-    EXPECT_TRUE(body(asked(server, "", proxy_octets(0x20, 0, ""))).starts_with("127.0.0.1:"));
-    EXPECT_TRUE(body(asked(server, "", "PROXY UNKNOWN\r\n")).starts_with("127.0.0.1:"));
-    EXPECT_TRUE(body(asked(server, "X-Forwarded-For: 192.0.2.9\r\n", "PROXY UNKNOWN\r\n"))
-                    .starts_with("127.0.0.1:"))
-        << "the client of whom the proxy knows nothing says it";
+    for (const std::string& header :
+         {std::string("PROXY UNKNOWN\r\n"), proxy_octets(0x20, 0, ""), proxy_octets(0x21, 0, "")}) {
+        const std::string of_nobody = body(
+            asked(server, "X-Forwarded-For: 192.0.2.9\r\nX-Forwarded-Proto: https\r\n", header));
+        EXPECT_TRUE(of_nobody.starts_with("127.0.0.1:")) << of_nobody;
+        EXPECT_TRUE(of_nobody.ends_with(" http inner:81:" + std::to_string(server.port())))
+            << "the client of whom the proxy knows nothing says it: " << of_nobody;
+    }
     EXPECT_EQ(body(asked(server, "X-Forwarded-For: 198.51.100.1\r\nX-Forwarded-Proto: https\r\n",
                          from_client)),
               "192.0.2.7:4711 http inner:81:443")
@@ -202,9 +205,10 @@ TEST(Proxies, CountForTheirClientsOfWhomEachMayHaveItsConnections) {
     options.most_of_one_address = 1;
     const RunningServer server(options, who);
     Wire first(server.port()), own(server.port()), own_too(server.port());
+    const std::string end = " http h:" + std::to_string(server.port());
     for (Wire* wire : {&own, &own_too}) {
         wire->send("PROXY UNKNOWN\r\n" + get("/"));
-        EXPECT_FALSE(wire->read_until("h:80").empty()) << "its own connections do not count";
+        EXPECT_TRUE(wire->read_until(end).ends_with(end)) << "its own connections do not count";
     }
     first.send(from_client + get("/"));
     EXPECT_FALSE(first.read_until("h:443").empty());
@@ -239,15 +243,20 @@ TEST(Proxies, CountForTheClientWhoseRequestTheyPassOn) {
 
 TEST(Proxies, NameRequestsWhereTheyAreTrustedAndTheNameIsAGoodOne) {
     const auto id = [](const HttpRequest& request) { return HttpResponse{.body = request.id}; };
-    const RunningServer trusting(behind("127.0.0.1"), id), other(behind("192.0.2.1"), id);
+    const RunningServer trusting(behind("127.0.0.1"), id), other(behind("192.0.2.1"), id),
+        greeted(behind("127.0.0.1", true), id);
     EXPECT_EQ(body(asked(trusting, "X-Request-Id: 7f3c-1\r\n")), "7f3c-1");
     EXPECT_EQ(body(asked(trusting, "X-Request-Id: theirs\r\nx-request-id: the-proxys\r\n")),
               "the-proxys")
         << "what the browser has made up stands in front of it";
-    for (const char* bad : {"two words", "a\"b", ""})
-        EXPECT_EQ(body(asked(trusting, "X-Request-Id: " + std::string(bad) + "\r\n")).size(), 16u);
+    for (const std::string& bad : {std::string("two words"), std::string("a\"b"), std::string(),
+                                   std::string(65, 'a'), std::string("7f3c-1, 7f3c-2")})
+        EXPECT_EQ(body(asked(trusting, "X-Request-Id: " + bad + "\r\n")).size(), 16u) << bad;
     EXPECT_EQ(body(asked(trusting, "")).size(), 16u);
-    EXPECT_NE(body(asked(other, "X-Request-Id: 7f3c-1\r\n")), "7f3c-1");
+    EXPECT_EQ(body(asked(other, "X-Request-Id: 7f3c-1\r\n")).size(), 16u);
+    for (const std::string& header : {from_client, std::string("PROXY UNKNOWN\r\n")})
+        EXPECT_EQ(body(asked(greeted, "X-Request-Id: 7f3c-1\r\n", header)).size(), 16u)
+            << "the proxy's header does not say who has sent it";
 }
 
 }  // namespace
