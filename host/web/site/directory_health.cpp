@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "component/config/configuration_contract.h"
 #include "component/provider/directory_contract.h"
@@ -65,14 +66,14 @@ std::string DirectoryHealth::trouble() {
     const auto now = Clock::now();
     if (now < fresh_until_) return trouble_;
     const auto before = answers_;
-    if (!is_wanted_) {
-        is_wanted_ = true;
+    const bool has_asked = !std::exchange(is_wanted_, true);
+    if (has_asked) {
         asked_ = now;
         changed_.notify_all();
     }
     const auto latest = asked_ + patience_;
-    changed_.wait_until(guard, before == 0 ? latest : std::min(latest, now + moment),
-                        [&] { return answers_ != before; });
+    const auto until = before == 0 ? latest : std::min(latest, has_asked ? now + moment : now);
+    changed_.wait_until(guard, until, [&] { return answers_ != before; });
     if (answers_ == before && Clock::now() >= latest) trouble_ = "The directory does not answer.";
     return trouble_;
 }

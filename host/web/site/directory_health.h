@@ -21,7 +21,7 @@ void reach_directory();
 class DirectoryHealth {
 public:
     explicit DirectoryHealth(std::function<void()> reach = reach_directory,
-                             std::chrono::milliseconds patience = std::chrono::seconds(3),
+                             std::chrono::milliseconds patience = std::chrono::seconds(4),
                              std::chrono::milliseconds fresh_for = std::chrono::seconds(2));
     // Waits for a question that is being asked.
     ~DirectoryHealth();
@@ -29,7 +29,9 @@ public:
     DirectoryHealth& operator=(const DirectoryHealth&) = delete;
 
     // Empty where the directory was reached, otherwise why not. A question without an answer is
-    // trouble after the patience. The first call waits as long for it, the others a moment.
+    // trouble after the patience, which is longer than an answer of one server is waited for
+    // (AnswerLimit): then another one may have answered. As long as nothing is known calls wait for
+    // it; later one that asks anew waits a moment, and the others not at all.
     std::string trouble();
 
 private:

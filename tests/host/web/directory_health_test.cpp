@@ -62,6 +62,21 @@ TEST(DirectoryHealth, WhatWasKnownHoldsUntilThereIsAnAnswer) {
     EXPECT_EQ(seen, "broken");
 }
 
+TEST(DirectoryHealth, OnlyWhoAsksWaitsForAnAnswer) {
+    std::atomic<bool> stands_still = false;
+    DirectoryHealth health(
+        [&] {
+            while (stands_still) std::this_thread::sleep_for(1ms);
+        },
+        10min, 0ms);
+    EXPECT_EQ(health.trouble(), "");
+    stands_still = true;
+    const auto begin = std::chrono::steady_clock::now();
+    for (int i = 0; i < 100; ++i) EXPECT_EQ(health.trouble(), "");
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 10s) << "a moment, but for the first";
+    stands_still = false;
+}
+
 TEST(DirectoryHealth, ADirectoryThatFallsSilentIsTroubleAfterThePatience) {
     std::atomic<bool> stands_still = false;
     DirectoryHealth health(
