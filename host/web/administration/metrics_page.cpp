@@ -15,7 +15,7 @@ void write_server(Exposition& out, const ServerCounts& counts) {
     out.sample(std::uint64_t{counts.connections});
     out.family("orvo_http_connections_refused_total", MetricType::counter,
                "Connections that were refused because there were too many, or too many of one "
-               "address.");
+               "address (behind a proxy: requests).");
     out.sample(counts.refused_in_all, {{"reason", "all"}});
     out.sample(counts.refused_of_one_address, {{"reason", "address"}});
 

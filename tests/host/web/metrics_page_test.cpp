@@ -9,6 +9,7 @@
 #include "suite/counters/suite_counters.h"
 #include "suite/directory/ldap/provider/LdapServers.h"
 #include "suite/throttle/suite_throttle.h"
+#include "tests/suite/directory/ldap/support/manual_clock.h"
 #include "tests/support/environment.h"
 
 namespace orvo::web {
@@ -21,23 +22,30 @@ using testing::Not;
 // Without any class but those that a test registers.
 class MetricsPageTest : public testing::Test {
 protected:
-    MetricsPageTest() {
+    MetricsPageTest() { register_servers(); }
+
+    void register_servers() {
         using directory::ldap::LdapServers;
         const auto& description = class_of<LdapServers>;
         servers_.emplace(from_utf8(description.progid), description.clsid,
-                         [] { return make<LdapServers>().object(); });
+                         [this] { return make<LdapServers>(client_).object(); });
     }
 
     std::string text() { return page_.answer().body; }
     double value(const std::string& sample) {
         const std::string all = text();
         std::smatch found;
-        const std::regex line("(^|\n)" + std::regex_replace(sample, std::regex("[{}]"), "\\$&") +
+        const std::regex line("(^|\n)" + std::regex_replace(sample, std::regex("[{}?.]"), "\\$&") +
                               " (\\S+)\n");
         return std::regex_search(all, found, line) ? std::stod(found[2]) : -1;
     }
 
     Environment no_components_{"ORVO_COMPONENTS", "/none"};
+    directory::ldap::ManualClock clock_;
+    directory::ldap::Client client_{clock_, directory::ldap::Client::Probing::by_caller};
+    // Two ways to one machine.
+    const std::shared_ptr<directory::ldap::ServerGroup> group_ = client_.servers().group(
+        directory::ldap::ServerAddress::parse(u"ldap://dir01 ldap://dir01/?starttls"));
     std::optional<LocalClass> servers_;
     const LocalClass counters_ = local_class<counters::SuiteCounters>();
     const LocalClass throttle_ = local_class<throttle::SuiteThrottle>();
@@ -54,7 +62,7 @@ TEST_F(MetricsPageTest, IsAnAnswerInPrometheusForm) {
     EXPECT_EQ(answer.status, 200);
     EXPECT_EQ(answer.content_type, "text/plain; version=0.0.4; charset=utf-8");
     std::istringstream lines(answer.body);
-    std::set<std::string> families;
+    std::set<std::string> families, samples;
     std::string line, family;
     const std::regex help("# HELP ([a-z_]+) [A-Z0-9].*\\."),
         type("# TYPE ([a-z_]+) (counter|gauge|histogram|summary)"),
@@ -67,6 +75,8 @@ TEST_F(MetricsPageTest, IsAnAnswerInPrometheusForm) {
             EXPECT_EQ(found[1], family);
         } else if (std::regex_match(line, found, sample)) {
             EXPECT_TRUE(found[1].str().starts_with(family)) << line;
+            EXPECT_TRUE(samples.insert(line.substr(0, line.rfind(' '))).second)
+                << line << " is there twice";
         } else {
             ADD_FAILURE() << line;
         }
@@ -83,6 +93,19 @@ TEST_F(MetricsPageTest, TellsHowBusyTheServerIsAndWhatItRefused) {
     EXPECT_EQ(value("orvo_worker_jobs_running{lane=\"page\"}"), 2);
     EXPECT_EQ(value("orvo_worker_jobs_refused_total{lane=\"directory\"}"), 6);
     EXPECT_EQ(value("orvo_worker_jobs_turned_away_total"), 9);
+}
+
+TEST_F(MetricsPageTest, TellsOfEachServerHowItDoes) {
+    client_.servers().note_failure(*group_->servers()[0], "no answer");
+    const auto state = [&](const std::string& server, const std::string& name) {
+        return value("orvo_directory_server_state{server=\"ldap://dir01:389" + server +
+                     "\",state=\"" + name + "\"}");
+    };
+    EXPECT_EQ(state("", "up"), 0);
+    EXPECT_EQ(state("", "suspected"), 1);
+    EXPECT_EQ(state("/?starttls", "up"), 1);
+    EXPECT_EQ(state("/?starttls", "suspected"), 0);
+    EXPECT_EQ(value("orvo_directory_failures_total{server=\"ldap://dir01:389\"}"), 1);
 }
 
 TEST_F(MetricsPageTest, TellsOfSessionsWhatTheProcessKnows) {
@@ -127,7 +150,13 @@ TEST_F(MetricsPageTest, LeavesOutWhatCannotBeHadAndSaysSoOnce) {
     EXPECT_EQ(value("orvo_metrics_failures_total"), 1);
     EXPECT_EQ(value("orvo_metrics_failures_total"), 2);
     EXPECT_EQ(value("orvo_http_connections"), 7);
-    EXPECT_THAT(troubles_, ElementsAre(HasSubstr("the directory's figures are missing: ")));
+    const auto missing = HasSubstr("the directory's figures are missing: ");
+    EXPECT_THAT(troubles_, ElementsAre(missing));
+    register_servers();
+    EXPECT_EQ(value("orvo_metrics_failures_total"), 3);
+    servers_.reset();
+    text();
+    EXPECT_THAT(troubles_, ElementsAre(missing, missing)) << "it was well in between";
 }
 
 }  // namespace

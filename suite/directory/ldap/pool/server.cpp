@@ -102,7 +102,7 @@ std::optional<Clock::time_point> Server::next_probe(std::chrono::seconds failbac
 ServerState Server::state() const {
     const std::lock_guard lock(mutex_);
     ServerState state;
-    state.url = url_;
+    state.url = host_.setting();
     state.condition = condition_.load();
     state.reason = reason_;
     state.since = since_;

@@ -19,7 +19,7 @@ struct ServerState {
         down,       // a probe failed
     };
 
-    std::string url;
+    std::string url;  // as the server setting may have it, of each server another one
     Condition condition = Condition::up;
     std::string reason;       // why it is not up; empty while it is
     Clock::time_point since;  // of the condition

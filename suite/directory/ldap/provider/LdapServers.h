@@ -12,7 +12,7 @@ class DirectoryServers {
 public:
     // A record set with a row for each server that this process has worked with, ordered by
     // "Server". The columns:
-    //   Server      "ldap://dir01:389"
+    //   Server      "ldap://dir01:389", "ldap://dir01:389/?starttls"
     //   State       "up", "suspected" (an operation failed, a probe is to decide) or "down"
     //   Reason      why it is not up; empty while it is
     //   Since       since when it is in this state, a date in UTC

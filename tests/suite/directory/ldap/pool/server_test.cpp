@@ -2,9 +2,10 @@
 
 #include "suite/directory/ldap/pool/server.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <map>
+#include <set>
 
 #include "suite/directory/ldap/pool/servers.h"
 #include "tests/suite/directory/ldap/support/manual_clock.h"
@@ -218,6 +219,16 @@ TEST_F(ServersTest, TwoAddressesWithOneServerShareWhatIsKnownOfIt) {
     servers_.note_failure(first_, "lost");
     EXPECT_EQ(other->servers()[1]->state().condition, Condition::suspected);
     EXPECT_EQ(servers_.states().size(), 3u);
+}
+
+TEST_F(ServersTest, ServersThatAreReachedDifferentlyAreToldApart) {
+    const auto other = servers_.group(
+        ServerAddress::parse(u"ldap://dir01/?starttls ldap://dir01/?starttls&cafile=/ca.pem"));
+    std::set<std::string> urls;
+    for (const ServerState& state : servers_.states()) urls.insert(state.url);
+    EXPECT_THAT(urls, testing::ElementsAre("ldap://dir01:389", "ldap://dir01:389/?starttls",
+                                           "ldap://dir01:389/?starttls&cafile=/ca.pem",
+                                           "ldap://dir02:389", "ldap://dir03:389"));
 }
 
 TEST_F(ServersTest, WhatWasWrittenIsReadWhereItWasWrittenForAWhile) {
