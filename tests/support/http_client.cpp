@@ -36,6 +36,25 @@ std::string lines_of(const HttpFields& headers) {
     return lines;
 }
 
+// A socket's BIO that writes without the signal (SIGPIPE) for a connection that has ended.
+const BIO_METHOD* quiet_socket() {
+    static BIO_METHOD* const made = [] {
+        const BIO_METHOD* usual = BIO_s_socket();
+        BIO_METHOD* quiet = BIO_meth_new(BIO_TYPE_SOCKET, "quiet socket");
+        BIO_meth_set_create(quiet, BIO_meth_get_create(usual));
+        BIO_meth_set_destroy(quiet, BIO_meth_get_destroy(usual));
+        BIO_meth_set_ctrl(quiet, BIO_meth_get_ctrl(usual));
+        BIO_meth_set_read(quiet, BIO_meth_get_read(usual));
+        BIO_meth_set_write(quiet, [](BIO* bio, const char* bytes, int count) {
+            const auto socket = static_cast<int>(BIO_get_fd(bio, nullptr));
+            return static_cast<int>(
+                send(socket, bytes, static_cast<std::size_t>(count), MSG_NOSIGNAL));
+        });
+        return quiet;
+    }();
+    return made;
+}
+
 }  // namespace
 
 std::size_t HttpResult::Answer::get_header_value_count(std::string_view name) const {
@@ -100,7 +119,9 @@ private:
         SSL_CTX_load_verify_locations(context_.get(), certificate.c_str(), nullptr);
         SSL_CTX_set_verify(context_.get(), SSL_VERIFY_PEER, nullptr);
         tls_.reset(SSL_new(context_.get()));
-        SSL_set_fd(tls_.get(), socket_);
+        BIO* bio = BIO_new(quiet_socket());
+        BIO_set_fd(bio, socket_, BIO_NOCLOSE);
+        SSL_set_bio(tls_.get(), bio, bio);
         is_open_ = SSL_connect(tls_.get()) == 1;
     }
 
