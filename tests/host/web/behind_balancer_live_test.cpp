@@ -3,9 +3,9 @@
 
 #include <atomic>
 #include <csignal>
-#include <mutex>
 
 #include "tests/host/web/orvo_web_test.h"
+#include "tests/host/web/wrong_answers.h"
 #include "tests/support/free_port.h"
 
 namespace orvo::web {
@@ -17,14 +17,6 @@ constexpr const char* haproxy = "/usr/sbin/haproxy";
 
 class BehindBalancerTest : public OrvoWebTest {
 protected:
-    // Of the address for administrators.
-    int administration_port() {
-        const std::regex line("For administrators: http://127\\.0\\.0\\.1:(\\d+)\n");
-        std::smatch found;
-        EXPECT_TRUE(says("For administrators: "));
-        const std::string said = content_of(log());
-        return std::regex_search(said, found, line) ? std::stoi(found[1]) : 0;
-    }
     static std::string cookies(const HttpResult& result) {
         std::string all;
         for (std::size_t i = 0; i < result->get_header_value_count("Set-Cookie"); ++i)
@@ -47,8 +39,7 @@ TEST_F(BehindBalancerTest, TheClientIsTheOneInFrontOfATrustedProxy) {
     for (const bool is_trusted : {true, false}) {
         fs::remove(access);
         fs::remove(folder_.path() / "audit.jsonl");
-        write("site.ini", std::string("[SITE]\nTrustedProxies = ") +
-                              (is_trusted ? "10.0.0.0/8, 127.0.0.1" : "10.0.0.0/8") + "\n");
+        settle(std::string("TrustedProxies = 10.0.0.0/8") + (is_trusted ? ", 127.0.0.1" : ""));
         HttpClient proxy(start({"--access-log", access}));
         const auto page = proxy.get("/who.asp", forwarded);
         const auto login =
@@ -79,7 +70,7 @@ TEST_F(BehindBalancerTest, TheClientIsTheOneInFrontOfATrustedProxy) {
 }
 
 TEST_F(BehindBalancerTest, IsNotReadyAnyMoreAsSoonAsItIsAskedToEndAndGoesOnUntilThat) {
-    write("site.ini", "[SITE]\nDrainDelay = 3600\nAdminAddress = 127.0.0.1:0\n");
+    settle("DrainDelay = 3600\nAdminAddress = 127.0.0.1:0\n");
     const int port = start();
     const int administration = administration_port();
     for (const int its : {port, administration}) {
@@ -171,15 +162,8 @@ backend pages
                                              : client.post("/form.asp", {{"a", "sent"}});
             const char* body = i % 3 == 0 ? "home" : i % 3 == 1 ? "p{}" : "sent";
             ++asked_;
-            if (result && result->status == 200 && result->body == body) {
+            if (failures_.expect(result, 200, body))
                 ++answers_[result->get_header_value("X-Node").back() - '0'];
-                continue;
-            }
-            ++failed_;
-            const std::lock_guard guard(lock_);
-            if (first_failure_.empty())
-                first_failure_ =
-                    result ? std::to_string(result->status) + ' ' + result->body : result.error();
         }
     }
 
@@ -188,10 +172,9 @@ backend pages
     std::array<std::optional<ChildProcess>, count> nodes_;
     std::optional<ChildProcess> haproxy_;
     std::atomic<bool> is_over_ = false;
-    std::atomic<int> asked_ = 0, failed_ = 0;
+    std::atomic<int> asked_ = 0;
     std::array<std::atomic<int>, count> answers_{};
-    std::mutex lock_;
-    std::string first_failure_;
+    WrongAnswers failures_;
 };
 
 TEST_F(RollingRestartTest, OfAllNodesOneAfterTheOtherFailsNoRequest) {
@@ -219,7 +202,7 @@ TEST_F(RollingRestartTest, OfAllNodesOneAfterTheOtherFailsNoRequest) {
     }
     is_over_ = true;
     for (std::thread& browser : browsers) browser.join();
-    EXPECT_EQ(failed_, 0) << "of " << asked_ << ": " << first_failure_;
+    EXPECT_EQ(failures_.count(), 0) << "of " << asked_ << ": " << failures_.first();
     EXPECT_GT(asked_, 100);
     RecordProperty("requests", asked_);
 }

@@ -23,9 +23,9 @@ TEST(HttpServer, GoesOnForAWhileWhenItIsStoppedAndEndsEachConnectionItAnswers) {
     EXPECT_EQ(kept.read_until("\r\n\r\n").find("Connection: close"), std::string::npos);
     EXPECT_EQ(kept.read_until("[]"), "GET /before []");
     server.stop();
-    kept.send(get("/kept"));
+    kept.send(get("/kept") + get("/behind"));
     const std::string last = kept.read_all();
-    EXPECT_EQ(body(last), "GET /kept []");
+    EXPECT_EQ(body(last), "GET /kept []") << "what was sent behind it goes to another server";
     EXPECT_NE(last.find("\r\nConnection: close\r\n"), std::string::npos) << last;
     Wire fresh(server.port());
     fresh.send(get("/new"));
@@ -56,6 +56,24 @@ TEST(HttpServer, StopsListeningWhenThatWhileIsOverAndAnswersWhatRuns) {
     open.release();
     EXPECT_EQ(body(running.read_all()), "GET /last []");
     EXPECT_TRUE(server->was_all_answered());
+}
+
+TEST(HttpServer, AnswersAFormOfWhichHalfHasComeWhenItStops) {
+    ServerOptions options = quick();
+    options.request_time = 1h;
+    RunningServer server(options, echo);
+    Wire wire(server.port()), idle(server.port());
+    wire.send(
+        "POST /form HTTP/1.1\r\nHost: h\r\nContent-Length: 4\r\nExpect: 100-continue\r\n\r\n");
+    EXPECT_EQ(wire.read_until("\r\n\r\n"), "HTTP/1.1 100 Continue\r\n\r\n");
+    wire.send("ha");
+    server.stop();
+    EXPECT_EQ(idle.read_all(), "");
+    wire.send("lf");
+    const std::string answer = wire.read_all();
+    EXPECT_EQ(body(answer), "POST /form [half]");
+    EXPECT_NE(answer.find("\r\nConnection: close\r\n"), std::string::npos) << answer;
+    EXPECT_TRUE(server.was_all_answered());
 }
 
 class AdministrationTest : public testing::Test {
@@ -155,6 +173,26 @@ TEST_F(AdministrationTest, APageThatWaitsKeepsNoOtherWaiting) {
     EXPECT_EQ(body(asked(server, "/health/live")), "alive");
     open.release();
     EXPECT_EQ(status_line(waiting.read_all()), "HTTP/1.1 200 OK");
+}
+
+TEST_F(AdministrationTest, HasFiftyConnectionsWhichAreNotTheSites) {
+    const RunningServer server(quick(), echo, {}, administration());
+    std::vector<std::unique_ptr<Wire>> held;
+    for (int i = 0; i < 50; ++i)
+        held.push_back(std::make_unique<Wire>(server.administration_port()));
+    EXPECT_EQ(status_line(Wire(server.administration_port()).read_all()),
+              "HTTP/1.1 503 Service Unavailable");
+    EXPECT_EQ(server.counts().connections, 0u);
+    Wire site(server.port());
+    site.send(get("/"));
+    EXPECT_EQ(body(site.read_until("[]")), "GET / []");
+    held.back()->send("GET /metrics HTTP/1.1\r\nHost: h\r\nConnection: close\r\n\r\n");
+    EXPECT_EQ(body(held.back()->read_all()), "figures") << "who is in is answered";
+    held.clear();
+    std::string answer;
+    while (answer.empty() || status_line(answer) == "HTTP/1.1 503 Service Unavailable")
+        answer = asked(server, "/metrics");
+    EXPECT_EQ(body(answer), "figures");
 }
 
 TEST_F(AdministrationTest, SaysWhereItCannotListen) {

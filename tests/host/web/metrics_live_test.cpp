@@ -30,17 +30,11 @@ std::set<std::string> matches(const std::string& text, const std::string& patter
 
 class OrvoWebFigures : public OrvoWebTest {
 protected:
-    OrvoWebFigures() {
-        write("site.ini",
-              "[SITE]\nGuard = /account/ = 1, /admin/ = 10\nAdminAddress = 127.0.0.1:0\n"
-              "PageTimeout = 20\n");
-    }
+    OrvoWebFigures() { settle("AdminAddress = 127.0.0.1:0\nPageTimeout = 20\n"); }
 
     int start(std::vector<std::string> options = {}) {
         const int port = OrvoWebTest::start(std::move(options));
-        EXPECT_TRUE(says("For administrators: "));
-        const auto ports = matches(content_of(log()), "For administrators: http://[0-9.]+:(\\d+)");
-        administration_ = std::stoi(*ports.begin());
+        administration_ = administration_port();
         return port;
     }
     std::string figures() const { return HttpClient(administration_).get("/metrics")->body; }

@@ -9,6 +9,7 @@
 #include <csignal>
 
 #include "tests/host/web/orvo_web_test.h"
+#include "tests/support/faulty_proxy.h"
 #include "tests/support/redis_server.h"
 
 namespace orvo::web {
@@ -78,26 +79,17 @@ TEST_F(OrvoWebTest, SaysWhatIsWrongAndDoesNotStart) {
 }
 
 TEST_F(OrvoWebTest, HandsSettingsOfPoolAndCacheToTheProvider) {
-    write("site.ini",
-          "[SITE]\nGuard = /account/ = 1\nDirectoryPool = MaximumSize = 3\n"
-          "DirectoryCache = Entries = 10, TimeToLive = 60\n");
+    settle("DirectoryPool = MaximumSize = 3\nDirectoryCache = Entries = 10, TimeToLive = 60\n");
     Browser browser(start());
     ASSERT_EQ(log_in(browser, "jsmith", "shop-sample")->status, 303);
     EXPECT_EQ(browser.get("/account/")->body, "jsmith|jsmith");
 }
 
 TEST_F(OrvoWebTest, TellsAnAdministratorOfItsConnectionsAndForgetsEntries) {
-    write("site.ini",
-          "[SITE]\nGuard = /account/ = 1\nAdminSocket = ../admin.sock\n"
-          "DirectoryCache = Entries = 10, TimeToLive = 60\n");
-    const fs::path socket = folder_.path() / "admin.sock";
-    const auto orvo = [&](std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), std::string(ORVO_BIN) + "/orvo");
-        arguments.insert(arguments.end(), {"--socket", socket});
-        return output_of(arguments);
-    };
+    settle("AdminSocket = ../admin.sock\nDirectoryCache = Entries = 10, TimeToLive = 60\n");
     Browser browser(start());
-    EXPECT_EQ(fs::status(socket).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_EQ(fs::status(admin_socket()).permissions(),
+              fs::perms::owner_read | fs::perms::owner_write);
     ASSERT_EQ(log_in(browser, "jsmith", "shop-sample")->status, 303);
     EXPECT_EQ(browser.get("/account/")->status, 200);
 
@@ -117,21 +109,18 @@ TEST_F(OrvoWebTest, TellsAnAdministratorOfItsConnectionsAndForgetsEntries) {
 
     process_->send(SIGTERM);
     EXPECT_EQ(process_->wait(), 0);
-    EXPECT_FALSE(fs::exists(socket));
-    EXPECT_THROW(orvo({"pool"}), std::runtime_error);
+    EXPECT_FALSE(fs::exists(admin_socket()));
+    EXPECT_NE(orvo({"pool"}).find(": no host answers ("), std::string::npos) << orvo({"pool"});
 }
 
 TEST_F(OrvoWebTest, EndsAUsersLoginsOnAnAdministratorsWord) {
-    write("site.ini", "[SITE]\nGuard = /account/ = 1\nAdminSocket = ../admin.sock\n");
+    settle("AdminSocket = ../admin.sock\n");
     const int port = start();
     Browser first(port), second(port), other(port);
     for (Browser* browser : {&first, &second})
         ASSERT_EQ(log_in(*browser, "jsmith", "shop-sample")->status, 303);
     ASSERT_EQ(log_in(other, "admin", "shop-sample")->status, 303);
-    const auto log_out = [&](const std::string& name) {
-        return output_of({std::string(ORVO_BIN) + "/orvo", "users", "logout", name, "--socket",
-                          folder_.path() / "admin.sock"});
-    };
+    const auto log_out = [&](const std::string& name) { return orvo({"users", "logout", name}); };
     EXPECT_EQ(log_out("JSmith"), "JSmith: logged out, 2 logins.\n");
     EXPECT_EQ(first.get("/account/")->status, 302);
     EXPECT_EQ(second.get("/account/")->status, 302);
@@ -165,8 +154,7 @@ TEST_F(OrvoWebTest, SeesTheLoginsEndThatOtherProgramsEndInTheSharedStore) {
 }
 
 TEST_F(OrvoWebTest, TakesOverTheSocketOfAHostThatIsGoneAndNoOther) {
-    write("site.ini", "[SITE]\nAdminSocket = ../admin.sock\n");
-    const fs::path socket = folder_.path() / "admin.sock";
+    settle("AdminSocket = ../admin.sock\n");
     start();
     ChildProcess second({std::string(ORVO_BIN) + "/orvo-web", site(), "--port", "0"},
                         folder_.path() / "second");
@@ -176,10 +164,9 @@ TEST_F(OrvoWebTest, TakesOverTheSocketOfAHostThatIsGoneAndNoOther) {
                   ": no administration socket can be made (another process listens there)\n");
     process_->send(SIGKILL);
     process_->wait();
-    EXPECT_TRUE(fs::exists(socket));
+    EXPECT_TRUE(fs::exists(admin_socket()));
     start();
-    EXPECT_EQ(output_of({std::string(ORVO_BIN) + "/orvo", "cache", "clear", "--socket", socket}),
-              "The host has forgotten 0 entries.\n");
+    EXPECT_EQ(orvo({"cache", "clear"}), "The host has forgotten 0 entries.\n");
 }
 
 TEST_F(OrvoWebTest, IsNotAskedByANameThatNoSocketCanHave) {
@@ -293,7 +280,7 @@ TEST_F(OrvoWebStopTest, APageThatRunsIsAnsweredBeforeTheEnd) {
 }
 
 TEST_F(OrvoWebStopTest, AnEndIsNotPutOffForLongerThanTheSiteSays) {
-    write("site.ini", "[SITE]\nPageTimeout = 3600\nDrainTime = 1\n");
+    settle("PageTimeout = 3600\nDrainTime = 1\n");
     HttpResult result{"not asked"};
     std::thread running = run_page(start(), "true", result);
     process_->send(SIGTERM);
@@ -304,7 +291,7 @@ TEST_F(OrvoWebStopTest, AnEndIsNotPutOffForLongerThanTheSiteSays) {
 }
 
 TEST_F(OrvoWebStopTest, ASecondSignalEndsAtOnce) {
-    write("site.ini", "[SITE]\nPageTimeout = 3600\nDrainTime = 3600\n");
+    settle("PageTimeout = 3600\nDrainTime = 3600\n");
     HttpResult result{"not asked"};
     std::thread running = run_page(start(), "true", result);
     process_->send(SIGTERM);
@@ -347,6 +334,30 @@ TEST_F(FrozenDirectoryTest, LeavesPagesAndFilesThatDoNotNeedIt) {
     for (std::thread& thread : waiting) thread.join();
     EXPECT_GE(logged_in, 3);
     EXPECT_EQ(turned_away + logged_in, 12);
+}
+
+TEST_F(FrozenDirectoryTest, IsNoLongerReadyAndTellsItsFigures) {
+    settle("AdminAddress = 127.0.0.1:0\n");
+    const int port = start();
+    const int administration = administration_port();
+    const auto status = [](int of, const char* path) { return HttpClient(of).get(path)->status; };
+    for (const int its : {port, administration}) EXPECT_EQ(status(its, "/health/ready"), 200);
+    slapd->pause();
+    for (const int its : {port, administration})
+        EXPECT_TRUE(seen([&] { return status(its, "/health/ready") == 503; }));
+    EXPECT_EQ(HttpClient(port).get("/health/ready")->body, "directory unreachable\n");
+    EXPECT_EQ(status(administration, "/metrics"), 200);
+    EXPECT_EQ(status(administration, "/health/live"), 200);
+    slapd->resume();
+    EXPECT_TRUE(seen([&] { return status(port, "/health/ready") == 200; }));
+}
+
+TEST_F(FrozenDirectoryTest, IsReadyWhereTheSecondOfItsServersAnswers) {
+    FaultyProxy silent(slapd->port());
+    silent.fall_silent();
+    servers_ = silent.server() + ' ' + slapd->server();
+    const auto ready = HttpClient(start()).get("/health/ready");
+    EXPECT_EQ(ready->status, 200) << ready->body;
 }
 
 TEST_F(FrozenDirectoryTest, IsToldByTheLoginPageItselfBeforeThePageIsStopped) {

@@ -56,7 +56,7 @@ protected:
         const std::string bin = ORVO_BIN;
         output_of({bin + "/orvo-register", bin + "/OrvoMembership.so", bin + "/OrvoSuite.so",
                    bin + "/OrvoPlatform.so"});
-        write("site.ini", "[SITE]\nGuard = /account/ = 1, /admin/ = 10\n");
+        settle("");
         write("login.asp", login_page);
         write("logout.asp", logout_page);
         write("account/default.asp", account_page);
@@ -69,6 +69,8 @@ protected:
         std::string text = content_of(slapd->site_ini());
         text = std::regex_replace(text, std::regex("MultiLogin=1"),
                                   "MultiLogin=" + std::to_string(multi_login_));
+        if (!servers_.empty())
+            text = std::regex_replace(text, std::regex("LDAPServer=.*"), "LDAPServer=" + servers_);
         std::ofstream(file) << text << '\n' << audit_;
         write_throttle_section(file, throttle_);
         std::filesystem::create_directories(folder_.path() / "Config");
@@ -80,6 +82,10 @@ protected:
     void write(const std::string& path, std::string_view content) {
         std::filesystem::create_directories((site() / path).parent_path());
         std::ofstream(site() / path) << content;
+    }
+    // The site's settings: these lines, and its guards.
+    void settle(const std::string& lines) {
+        write("site.ini", "[SITE]\nGuard = /account/ = 1, /admin/ = 10\n" + lines);
     }
     std::filesystem::path site() const { return folder_.path() / "site"; }
     std::filesystem::path log() const { return folder_.path() / "out"; }
@@ -108,6 +114,25 @@ protected:
         }
         throw std::runtime_error("it does not listen: " + content_of(log));
     }
+    // Of the address for administrators, where it has one.
+    int administration_port() {
+        const std::regex line("For administrators: http://127\\.0\\.0\\.1:(\\d+)\n");
+        std::smatch found;
+        EXPECT_TRUE(says("For administrators: "));
+        const std::string said = content_of(log());
+        return std::regex_search(said, found, line) ? std::stoi(found[1]) : 0;
+    }
+    // Where the program's administration socket is, by the setting "AdminSocket = ../admin.sock".
+    std::filesystem::path admin_socket() const { return folder_.path() / "admin.sock"; }
+    // What `orvo` says, on either stream, whatever comes of it.
+    std::string orvo(std::vector<std::string> arguments) const {
+        arguments.insert(arguments.begin(), std::string(ORVO_BIN) + "/orvo");
+        arguments.insert(arguments.end(), {"--socket", admin_socket()});
+        const std::filesystem::path said = folder_.path() / "said";
+        std::filesystem::remove(said);
+        ChildProcess(arguments, said).wait();
+        return content_of(said);
+    }
     // Until the program has said something, on either stream.
     bool says(const std::string& what) {
         for (int i = 0; i < 2000 && process_->running(); ++i) {
@@ -132,7 +157,8 @@ protected:
     static inline std::unique_ptr<PrivateSlapd> slapd;
     TempFolder folder_;
     int multi_login_ = 1;
-    std::string audit_;  // section of the site's configuration
+    std::string servers_;  // of the directory; empty: slapd
+    std::string audit_;    // section of the site's configuration
     std::string throttle_ = "On=no\n";
     std::optional<ChildProcess> process_;
 };

@@ -17,7 +17,7 @@ class ThrottledWebTest : public OrvoWebTest {
 protected:
     ThrottledWebTest() {
         throttle_ = "On=yes\nAttempts=2\nLongestDelay=0\n";
-        write("site.ini", "[SITE]\nGuard = /account/ = 1\nAdminSocket = ../admin.sock\n");
+        settle("AdminSocket = ../admin.sock\n");
     }
 
     std::vector<std::string> pages(const std::string& user,
@@ -31,16 +31,6 @@ protected:
         }
         return pages;
     }
-    // What it prints on either stream.
-    std::string orvo(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), std::string(ORVO_BIN) + "/orvo");
-        arguments.insert(arguments.end(), {"--socket", folder_.path() / "admin.sock"});
-        const std::filesystem::path said = folder_.path() / "said";
-        std::filesystem::remove(said);
-        ChildProcess(arguments, said).wait();
-        return content_of(said);
-    }
-
     int port_ = 0;
 };
 

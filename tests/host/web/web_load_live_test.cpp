@@ -10,6 +10,7 @@
 #include "tests/host/web/browser.h"
 #include "tests/host/web/running_server.h"
 #include "tests/host/web/test_site.h"
+#include "tests/host/web/wrong_answers.h"
 
 namespace orvo::web {
 namespace {
@@ -80,9 +81,7 @@ public:
 class WebLoad : public testing::Test {
 protected:
     LoadSite pages_;
-    LocalClass connector_{from_utf8(class_of<authfilter::FilterConnectorObject>.progid),
-                          class_of<authfilter::FilterConnectorObject>.clsid,
-                          [] { return make<authfilter::FilterConnectorObject>().object(); }};
+    LocalClass connector_ = local_class<authfilter::FilterConnectorObject>();
     LocalClass applications_ = local_class<Applications>();
     DirectoryHealth health_{[] {}};
     WebLog log_{{}};
@@ -96,40 +95,27 @@ TEST_F(WebLoad, BrowsersThatLogInAndOutNeverGetEachOthersSession) {
         options_, [&](const HttpRequest& request) { return app_.handle(request); },
         {.lane = [&](const HttpRequest& request) { return app_.lane_of(request); }});
     constexpr int browsers = 16, rounds = 6, visits = 3;
-    std::atomic<int> wrong = 0, visited = 0;
-    std::mutex lock;
-    std::string first_wrong;
-    auto expect = [&](const HttpResult& result, int status, const std::string& body) {
-        const bool is_right =
-            result && result->status == status && (status != 200 || result->body == body);
-        if (is_right) return true;
-        ++wrong;
-        const std::lock_guard guard(lock);
-        if (first_wrong.empty())
-            first_wrong =
-                "expected " + std::to_string(status) + ' ' + body + ", got " +
-                (result ? std::to_string(result->status) + ' ' + result->body : result.error());
-        return false;
-    };
+    std::atomic<int> visited = 0;
+    WrongAnswers wrong;
     std::vector<std::thread> threads;
     for (int i = 0; i < browsers; ++i)
         threads.emplace_back([&, i] {
             Browser browser(server.port());
             const std::string user = "user" + std::to_string(i);
             for (int round = 0; round < rounds; ++round) {
-                expect(browser.get("/account/"), 302, "");
-                expect(
+                wrong.expect(browser.get("/account/"), 302, "");
+                wrong.expect(
                     browser.post("/login.asp", {{"user", user}, {"round", std::to_string(round)}}),
                     303, "");
                 for (int visit = 1; visit <= visits; ++visit)
-                    if (expect(browser.get("/account/"), 200,
-                               "cn=" + user + ":" + std::to_string(visit)))
+                    if (wrong.expect(browser.get("/account/"), 200,
+                                     "cn=" + user + ":" + std::to_string(visit)))
                         ++visited;
-                expect(browser.get("/logout.asp"), 200, "out");
+                wrong.expect(browser.get("/logout.asp"), 200, "out");
             }
         });
     for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(wrong, 0) << first_wrong;
+    EXPECT_EQ(wrong.count(), 0) << wrong.first();
     EXPECT_EQ(visited, browsers * rounds * visits);
     EXPECT_EQ(app_.application().get(u"hits"), Variant(browsers * rounds * visits));
     EXPECT_EQ(sessions_.count(), 0u);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cerrno>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -9,8 +10,9 @@
 
 namespace orvo::web {
 
-// A connection to a port of the loopback address that says exactly what it is given. Waits ten
-// seconds for an answer.
+// A connection to a port of the loopback address that says exactly what it is given. Whoever reads
+// waits ten seconds for the other side to say something or to close, and then std::runtime_error is
+// raised.
 class Wire {
 public:
     // takes: how many bytes the system keeps of what is not read; 0: as many as it likes.
@@ -35,9 +37,9 @@ public:
         std::string all;
         std::array<char, 4096> bytes;
         while (true) {
-            const ssize_t count = recv(socket_, bytes.data(), bytes.size(), 0);
-            if (count <= 0) return all;
-            all.append(bytes.data(), static_cast<std::size_t>(count));
+            const std::size_t count = receive(bytes.data(), bytes.size());
+            if (count == 0) return all;
+            all.append(bytes.data(), count);
         }
     }
     // Until these bytes have come, or the other side closes. What follows them is read by the next
@@ -45,14 +47,13 @@ public:
     std::string read_until(std::string_view end) {
         std::string all;
         char byte = 0;
-        while (!all.ends_with(end) && recv(socket_, &byte, 1, 0) == 1) all += byte;
+        while (!all.ends_with(end) && receive(&byte, 1) == 1) all += byte;
         return all;
     }
     // So many bytes, or fewer where the other side closes.
     std::string read(std::size_t count) {
         std::string all(count, '\0');
-        const ssize_t done = recv(socket_, all.data(), count, MSG_WAITALL);
-        all.resize(done > 0 ? static_cast<std::size_t>(done) : 0);
+        all.resize(receive(all.data(), count, MSG_WAITALL));
         return all;
     }
     std::string ask(std::string_view request) {
@@ -61,6 +62,13 @@ public:
     }
 
 private:
+    // 0: the other side has closed.
+    std::size_t receive(char* bytes, std::size_t most, int flags = 0) const {
+        const ssize_t count = recv(socket_, bytes, most, flags);
+        if (count < 0 && errno == EAGAIN) throw std::runtime_error("nothing has come");
+        return count < 0 ? 0 : static_cast<std::size_t>(count);
+    }
+
     const int socket_;
 };
 
