@@ -12,8 +12,9 @@
 namespace orvo::web {
 
 // Two kinds of lines, in UTF-8 and each written at once: one for each request, and one for each
-// failure of a page. Of a request only method, path, status, size, duration and identifier ("-":
-// none) are kept: no query, no header, no cookie and nothing of a form. Any thread.
+// failure of a page. Of a request only time, the client's address, method, path, status, size,
+// duration, identifier ("-": none) and the page's own note are kept: no query, no header, no cookie
+// and nothing of a form. Any thread.
 class WebLog {
 public:
     // access: where the requests go; empty: nowhere. All else goes to the standard error stream.
