@@ -9,8 +9,9 @@
 namespace orvo::throttle {
 
 struct Attempt {
-    std::string user;     // user_key
-    std::string address;  // address_key; empty: a program's, no browser's
+    std::string user;              // user_key
+    std::string address;           // address_key; empty: a program's, no browser's
+    bool is_of_user_only = false;  // it is counted for the address under another name of the user
 
     bool operator==(const Attempt&) const = default;
 };

@@ -49,6 +49,14 @@ struct Budget {
         until = std::min(std::max(until, now) + limit.each, now + limit.most * limit.each);
     }
     void forget_wrong() { until = Moment(0); }
+    // Nothing lasts longer than if it had been counted now, although the store's clock has gone
+    // back since, or the limits were higher then. Whether that changes anything.
+    bool cut_to(const Limit& limit, Moment now) {
+        const Budget before = *this;
+        until = std::min(until, now + limit.most * limit.each);
+        begun = std::min(begun, now);
+        return until != before.until || begun != before.begun;
+    }
 };
 
 }  // namespace orvo::throttle

@@ -13,9 +13,9 @@ namespace orvo::throttle {
 
 // Three kinds of budgets count wrong attempts:
 //
-//   of a user from one address    where the user has logged in before, and that address alone
-//   of a user from elsewhere      all other addresses together; and one for programs, which have
-//   none of an address                 for all users together who have not logged in from there
+//   of a user from one address  where the user has logged in before, and that address alone
+//   of a user from elsewhere    all other addresses together; programs, which have none, apart
+//   of an address               for all users together who have not logged in from there
 //
 // So somebody who tries many passwords for one user, be it from a thousand addresses, uses up the
 // second kind, which leaves the user the first; and somebody who tries one password for many users
@@ -30,7 +30,8 @@ struct Limits {
 
 enum class Room {
     free,  // the attempt is within its budgets, and counts as one under way
-    busy,  // it would be, if one of those that are under way were right
+    busy,  // it would be, if one of those that are under way were right; never of an address that
+           // has used up half of its budget: those of an attack wait themselves
     none,
 };
 
@@ -76,8 +77,10 @@ public:
     // of the address with others. None: it was not judged.
     virtual void settle(const Attempt& attempt, const Place& place, Outcome outcome,
                         const Limits& limits) = 0;
-    // Forgets the user's wrong attempts; whether there were any.
+    // Forgets the wrong attempts of the user, or of the address for all users; whether there were
+    // any.
     virtual bool clear(const std::string& user) = 0;
+    virtual bool clear_address(const std::string& address) = 0;
     // What is counted for the user, and for the address where there is one.
     virtual std::vector<CountedBudget> state(const Attempt& attempt, const Limits& limits) = 0;
 };

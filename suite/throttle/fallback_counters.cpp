@@ -53,6 +53,11 @@ bool FallbackCounters::clear(const std::string& user) {
     return shared_.clear(user) || had_any;
 }
 
+bool FallbackCounters::clear_address(const std::string& address) {
+    const bool had_any = local_.clear_address(address);
+    return shared_.clear_address(address) || had_any;
+}
+
 std::vector<CountedBudget> FallbackCounters::state(const Attempt& attempt, const Limits& limits) {
     return either([&] { return shared_.state(attempt, limits); },
                   [&] { return local_.state(attempt, limits); });

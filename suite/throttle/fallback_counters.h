@@ -17,8 +17,9 @@ public:
     Place reserve(const Attempt& attempt, const Limits& limits) override;
     void settle(const Attempt& attempt, const Place& place, Outcome outcome,
                 const Limits& limits) override;
-    // In both; raises where the shared store cannot be reached.
+    // In both; raise where the shared store cannot be reached.
     bool clear(const std::string& user) override;
+    bool clear_address(const std::string& address) override;
     std::vector<CountedBudget> state(const Attempt& attempt, const Limits& limits) override;
 
 private:

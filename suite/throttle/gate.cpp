@@ -46,7 +46,20 @@ std::optional<Gate::Ticket> Gate::admit(const Attempt& attempt, const Settings& 
         ++delayed_;
     }
     ++admitted_;
-    return Ticket{attempt, *place};
+    return Ticket{{attempt, *place}};
+}
+
+bool Gate::admit_found(Ticket& ticket, const std::string& user, const Settings& settings) {
+    const Attempt& given = ticket.given.attempt;
+    if (user == given.user) return true;
+    const Attempt attempt{user, given.address, true};
+    const std::optional<Place> place = place_for(attempt, settings);
+    if (!place) {
+        ++refused_;
+        return false;
+    }
+    ticket.found = {attempt, *place};
+    return true;
 }
 
 std::optional<Place> Gate::place_for(const Attempt& attempt, const Settings& settings) {
@@ -69,7 +82,9 @@ bool Gate::wait(milliseconds delay, int most_waiting) {
 
 void Gate::settle(const Ticket& ticket, Outcome outcome, const Settings& settings) {
     if (outcome == Outcome::wrong) ++wrong_;
-    counters_.settle(ticket.attempt, ticket.place, outcome, limits_of(settings));
+    const Limits limits = limits_of(settings);
+    counters_.settle(ticket.given.attempt, ticket.given.place, outcome, limits);
+    if (ticket.found) counters_.settle(ticket.found->attempt, ticket.found->place, outcome, limits);
 }
 
 Gate::Figures Gate::figures() const { return {admitted_, delayed_, refused_, wrong_, waiting_}; }

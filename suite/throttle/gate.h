@@ -25,16 +25,25 @@ public:
     // `pause` waits, and raises nothing.
     explicit Gate(Counters& counters, Pause pause = sleep);
 
-    // An attempt that was let through.
+    // An attempt that was let through, as it is counted: under the name that was given, and under
+    // that of the user whom a directory has found by it.
     struct Ticket {
-        Attempt attempt;
-        Place place;
+        struct Counted {
+            Attempt attempt;
+            Place place;
+        };
+        Counted given;
+        std::optional<Counted> found = {};
     };
 
     // Nothing where there were too many, and where more attempts wait than may. An attempt for
     // which there is room only if one of those under way is right waits for these: as long as they
     // are many people's logins they are over at once.
     std::optional<Ticket> admit(const Attempt& attempt, const Settings& settings);
+    // Of a user who has other names, too: false where there were too many by all of them. Once for
+    // a ticket. Without a delay: the name that was given has had its own, and those who ask must
+    // not learn that it is one of several.
+    bool admit_found(Ticket& ticket, const std::string& user, const Settings& settings);
     // Once for each ticket.
     void settle(const Ticket& ticket, Outcome outcome, const Settings& settings);
 

@@ -15,8 +15,15 @@ std::size_t worth_of(const Budget& budget, const Limit& limit, Moment now) {
     return 2 * budget.wrong(limit, now) >= limit.most ? 1 : 0;
 }
 
+Room room_of_address(const Budget& budget, const Limit& limit, Moment now) {
+    const Room room = room_in(budget, limit, now);
+    return room == Room::busy && worth_of(budget, limit, now) > 0 ? Room::none : room;
+}
+
 // Of addresses that users have not logged in from alone.
-bool counts_for_address(Source source) { return source == Source::unknown_addresses; }
+bool counts_for_address(const Attempt& attempt, Source source) {
+    return source == Source::unknown_addresses && !attempt.is_of_user_only;
+}
 
 void end(Budget& budget, Outcome outcome, const Limit& limit, Moment now) {
     budget.end(now);
@@ -62,18 +69,21 @@ Place MemoryCounters::reserve(const Attempt& attempt, const Limits& limits) {
     User none;
     User* user = users_.find(attempt.user);
     Place place{.source = source_of(user, attempt, limits, now)};
-    const Budget& counted = (user ? *user : none).budget(attempt, place.source, limits, now);
+    Budget& counted = (user ? *user : none).budget(attempt, place.source, limits, now);
+    counted.cut_to(limits.user, now);
     place.room = room_in(counted, limits.user, now);
     place.wrong = counted.wrong(limits.user, now);
-    if (counts_for_address(place.source))
-        if (const Budget* address = addresses_.find(attempt.address))
-            place.room = std::max(place.room, room_in(*address, limits.address, now));
+    if (counts_for_address(attempt, place.source))
+        if (Budget* address = addresses_.find(attempt.address)) {
+            address->cut_to(limits.address, now);
+            place.room = std::max(place.room, room_of_address(*address, limits.address, now));
+        }
     if (place.room != Room::free) return place;
 
     User& begun = users_.find_or_make(attempt.user);
     begun.budget(attempt, place.source, limits, now).begin(now);
     keep_user(attempt.user, begun, limits, now);
-    if (counts_for_address(place.source)) {
+    if (counts_for_address(attempt, place.source)) {
         Budget& address = addresses_.find_or_make(attempt.address);
         address.begin(now);
         keep_address(attempt.address, address, limits, now);
@@ -93,7 +103,7 @@ void MemoryCounters::settle(const Attempt& attempt, const Place& place, Outcome 
         if (!attempt.address.empty()) note_login(user, attempt.address, now);
     }
     keep_user(attempt.user, user, limits, now);
-    if (!counts_for_address(place.source)) return;
+    if (!counts_for_address(attempt, place.source)) return;
     Budget& address = addresses_.find_or_make(attempt.address);
     end(address, outcome, limits.address, now);
     keep_address(attempt.address, address, limits, now);
@@ -124,6 +134,14 @@ bool MemoryCounters::clear(const std::string& user) {
     forget(found->programs);
     for (KnownAddress& known : found->known) forget(known.budget);
     return had_any;
+}
+
+bool MemoryCounters::clear_address(const std::string& address) {
+    const std::lock_guard lock(mutex_);
+    Budget* found = addresses_.find(address);
+    if (!found || found->until <= now_()) return false;
+    found->forget_wrong();
+    return true;
 }
 
 std::vector<CountedBudget> MemoryCounters::state(const Attempt& attempt, const Limits& limits) {

@@ -25,6 +25,7 @@ public:
     void settle(const Attempt& attempt, const Place& place, Outcome outcome,
                 const Limits& limits) override;
     bool clear(const std::string& user) override;
+    bool clear_address(const std::string& address) override;
     std::vector<CountedBudget> state(const Attempt& attempt, const Limits& limits) override;
 
     std::size_t user_count() const;

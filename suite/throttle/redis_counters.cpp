@@ -63,6 +63,12 @@ end
 local function free_in(budget, most, each)
     return math.max(budget.till - now - (most - 1) * each, 0)
 end
+local function cut_to(budget, most, each)
+    local till, begun = budget.till, budget.begun
+    budget.till = math.min(till, now + most * each)
+    budget.begun = math.min(begun, now)
+    return budget.till ~= till or budget.begun ~= begun
+end
 local function begin(budget)
     budget.under_way = under_way(budget) + 1
     budget.begun = now
@@ -118,10 +124,21 @@ const Script& reserve_script() {
     static const Script script(rules + R"(
 local from = source()
 local mine, of_address = load(field_of(from)), nil
+if cut_to(mine, user_most, user_each) then
+    save(field_of(from), mine)
+    keep_user()
+end
 local place = room(mine, user_most, user_each)
-if from == UNKNOWN then
+if from == UNKNOWN and KEYS[2] then
     of_address = read(redis.call('GET', KEYS[2]))
-    place = math.max(place, room(of_address, address_most, address_each))
+    if cut_to(of_address, address_most, address_each) then
+        keep_address(of_address)
+    end
+    local place_of_address = room(of_address, address_most, address_each)
+    if place_of_address == 1 and 2 * wrong(of_address, address_each) >= address_most then
+        place_of_address = 2
+    end
+    place = math.max(place, place_of_address)
 end
 if place == 0 then
     begin(mine)
@@ -169,7 +186,7 @@ if outcome == RIGHT and address ~= '' then
     end
 end
 keep_user()
-if from == UNKNOWN then
+if from == UNKNOWN and KEYS[2] then
     local of_address = read(redis.call('GET', KEYS[2]))
     finish(of_address, outcome, address_most, address_each)
     keep_address(of_address)
@@ -191,6 +208,19 @@ for i = 1, #all, 2 do
     save(all[i], budget)
 end
 return had_any
+)");
+    return script;
+}
+
+const Script& clear_address_script() {
+    static const Script script(rules + R"(
+local of_address = read(redis.call('GET', KEYS[2]))
+if of_address.till <= now then
+    return 0
+end
+of_address.till = 0
+redis.call('SET', KEYS[2], written(of_address), 'KEEPTTL')
+return 1
 )");
     return script;
 }
@@ -233,7 +263,7 @@ std::vector<std::int64_t> numbers_of(const store::Reply& reply) {
 
 std::vector<std::string> RedisCounters::keys(const Attempt& attempt) const {
     std::vector<std::string> keys{redis_->key("throttle:user", Keyring::name_of(attempt.user))};
-    if (!attempt.address.empty())
+    if (!attempt.address.empty() && !attempt.is_of_user_only)
         keys.push_back(redis_->key("throttle:address", Keyring::name_of(attempt.address)));
     return keys;
 }
@@ -271,6 +301,11 @@ void RedisCounters::settle(const Attempt& attempt, const Place& place, Outcome o
 
 bool RedisCounters::clear(const std::string& user) {
     return redis_->run_repeatable(clear_script(), keys({user, {}}), {time(), ""}).integer() != 0;
+}
+
+bool RedisCounters::clear_address(const std::string& address) {
+    return redis_->run_repeatable(clear_address_script(), keys({{}, address}), {time(), ""})
+               .integer() != 0;
 }
 
 std::vector<CountedBudget> RedisCounters::state(const Attempt& attempt, const Limits& limits) {

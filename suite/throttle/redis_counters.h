@@ -13,8 +13,8 @@ namespace orvo::throttle {
 // is one script there. A user and an address are keys of their own, by their hashes, which go when
 // nothing of them is counted any more:
 //
-//   <prefix>:throttle:user:<hash>     a hash: "u" elsewhere, "p" programs, "k<hash>" a known
-//   address <prefix>:throttle:address:<hash>  a text
+//   <prefix>:throttle:user:<hash>     a hash: "u" elsewhere, "p" programs, "k<hash>" an address
+//   <prefix>:throttle:address:<hash>  a text
 //
 // Raises what store::Redis raises.
 class RedisCounters final : public Counters {
@@ -27,6 +27,7 @@ public:
     void settle(const Attempt& attempt, const Place& place, Outcome outcome,
                 const Limits& limits) override;
     bool clear(const std::string& user) override;
+    bool clear_address(const std::string& address) override;
     std::vector<CountedBudget> state(const Attempt& attempt, const Limits& limits) override;
 
 private:

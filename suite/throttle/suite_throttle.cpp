@@ -41,6 +41,11 @@ Boolean SuiteThrottle::Admit(const Text& user) {
     return ticket_.has_value();
 }
 
+Boolean SuiteThrottle::AdmitFound(const Text& user) {
+    if (!settings().is_on) return true;
+    return ticket_ && process_.gate(settings()).admit_found(*ticket_, user_key(user), settings());
+}
+
 void SuiteThrottle::Settle(std::int32_t result) { settle(outcome_of(result)); }
 
 void SuiteThrottle::settle(Outcome outcome) {
@@ -50,6 +55,10 @@ void SuiteThrottle::settle(Outcome outcome) {
 
 Boolean SuiteThrottle::Clear(const Text& user) {
     return process_.counters(settings()).clear(user_key(user));
+}
+
+Boolean SuiteThrottle::ClearAddress(const Text& address) {
+    return process_.counters(settings()).clear_address(address_key(address));
 }
 
 Object SuiteThrottle::State(const Text& user, const Text& address) {

@@ -24,11 +24,14 @@ public:
     // knows whether that is to be counted.
     Boolean IsOn() override;
     Boolean Admit(const Text& user) override;
+    // False without an admission.
+    Boolean AdmitFound(const Text& user) override;
     // Nothing happens without an admission, or the second time.
     void Settle(std::int32_t result) override;
     Boolean Clear(const Text& user) override;
     Object State(const Text& user, const Text& address) override;
     Object Figures() override;
+    Boolean ClearAddress(const Text& address) override;
 
 private:
     const Settings& settings();

@@ -44,10 +44,19 @@ public:
     // columns:
     //   Admitted  attempts that were let through to the directory
     //   Delayed   of these, after a wait
-    //   Refused   attempts that were not
+    //   Refused   attempts that were not, and those that AdmitFound has refused
     //   Wrong     attempts that came to a wrong password
     //   Waiting   how many wait now
     virtual Object Figures() = 0;
+    // Where a directory finds one user by several names (a user's name, a mail address): Admit is
+    // asked with the name that was given, and this, before Settle, with that of the entry that was
+    // found. Under that one attempts by all names count together. False: there were too many; the
+    // password is not to be checked, and the attempt came to a wrong one (Settle(-1), and -1 to
+    // whoever asked), as it does where a name is nobody's: so nobody learns which names are one
+    // user's.
+    virtual Boolean AdmitFound(const Text& user) = 0;
+    // Forgets the wrong attempts of an address, for all users; whether there were any.
+    virtual Boolean ClearAddress(const Text& address) = 0;
 
 protected:
     ~Throttle() = default;
@@ -74,7 +83,13 @@ inline constexpr auto table_of<Throttle> = describe<Throttle>(
               "IsAsked."),
     method<&Throttle::Figures>("Figures")
         .help("What this process has counted since its start: a record set of one row with the "
-              "columns Admitted, Delayed, Refused, Wrong and Waiting."));
+              "columns Admitted, Delayed, Refused, Wrong and Waiting."),
+    method<&Throttle::AdmitFound>("AdmitFound", "user")
+        .help("After Admit, where the directory finds a user by several names: whether there may "
+              "be one more attempt by any of them. user is the name of the entry that was found. "
+              "False: the attempt came to a wrong password (Settle(-1))."),
+    method<&Throttle::ClearAddress>("ClearAddress", "address")
+        .help("Forgets the wrong attempts of an address, and says whether there were any."));
 // clang-format on
 
 }  // namespace orvo

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
+#include <string>
 #include <string_view>
 
 namespace orvo::directory {
@@ -17,5 +19,13 @@ struct CheckAnswer {
 // `check` answers is counted once; what it raises is not. Without a throttle it is called, and that
 // is all. `user`: the full name as the directory is given it.
 CheckAnswer throttled_check(std::string_view user, const std::function<std::int32_t()>& check);
+
+// The same where a user may have several names: `find` answers that of the entry which `user` is a
+// name of, or nothing where it is nobody's, and `check` gets it. Attempts count for the name and
+// for the entry. Of an entry for which there were too many by others of its names the answer is
+// that of a wrong password, as it is for a name that is nobody's.
+CheckAnswer throttled_check(std::string_view user,
+                            const std::function<std::optional<std::string>()>& find,
+                            const std::function<std::int32_t(const std::string& entry)>& check);
 
 }  // namespace orvo::directory

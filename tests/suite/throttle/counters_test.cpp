@@ -201,6 +201,63 @@ TEST_P(CountersTest, ClearForgetsAUsersWrongAttemptsAndNotTheAddresses) {
     EXPECT_FALSE(guess({"djansen", "203.0.113.8"}));
 }
 
+TEST_P(CountersTest, ClearAddressForgetsWhatItHasTriedWithAllUsers) {
+    const Attempt sprayed{"djansen", "203.0.113.7"};
+    EXPECT_FALSE(counters_->clear_address("203.0.113.7"));
+    guesses([](int i) { return Attempt{"user" + std::to_string(i), "203.0.113.7"}; });
+    guesses([](int i) { return Attempt{"user" + std::to_string(i), "203.0.113.8"}; });
+    ASSERT_FALSE(guess(sprayed));
+    EXPECT_TRUE(counters_->clear_address("203.0.113.7"));
+    EXPECT_FALSE(counters_->clear_address("203.0.113.7"));
+    EXPECT_EQ(reserve({"user0", "203.0.113.9"}).wrong, 2) << "which is the user's";
+    EXPECT_EQ(guesses([](int i) {
+                  return Attempt{"other" + std::to_string(i), "203.0.113.7"};
+              }),
+              5);
+    EXPECT_FALSE(guess({"another", "203.0.113.8"}));
+}
+
+TEST_P(CountersTest, AnAttemptOfItsUserOnlyIsNoneOfItsAddress) {
+    const auto same = [](int i) {
+        return Attempt{"user" + std::to_string(i), "203.0.113.7", true};
+    };
+    EXPECT_EQ(guesses(same), 20);
+    EXPECT_EQ(counters_->state(jsmith_elsewhere, limits_).back().wrong, 0);
+    const Attempt found{"jsmith", "198.51.100.1", true};
+    ASSERT_TRUE(log_in(found));
+    EXPECT_EQ(reserve(found).source, Source::known_address) << "which it knows all the same";
+}
+
+TEST_P(CountersTest, NobodyWaitsAtAnAddressThatHasUsedUpHalfOfItsBudget) {
+    const auto of_user = [](int i) { return Attempt{"user" + std::to_string(i), "203.0.113.7"}; };
+    guess(of_user(0));
+    guess(of_user(1));
+    for (int i = 2; i < 5; ++i) ASSERT_EQ(reserve(of_user(i)).room, Room::free);
+    EXPECT_EQ(reserve(of_user(5)).room, Room::busy);
+    now_ += longest_attempt;
+    guess(of_user(6));
+    for (int i = 7; i < 9; ++i) ASSERT_EQ(reserve(of_user(i)).room, Room::free);
+    EXPECT_EQ(reserve(of_user(9)).room, Room::none);
+}
+
+// A store's clock is that of whichever machine is its master.
+TEST_P(CountersTest, AClockThatGoesBackMakesNothingLastLonger) {
+    ASSERT_TRUE(log_in(jsmith_at_home));
+    guesses(jsmith_elsewhere);
+    guesses([](int i) { return Attempt{"user" + std::to_string(i), "203.0.113.8"}; });
+    for (int i = 0; i < 3; ++i) reserve(jsmith_in_program);
+    now_ -= 240h;
+    EXPECT_EQ(reserve(jsmith_elsewhere).room, Room::none);
+    EXPECT_EQ(reserve({"another", "203.0.113.8"}).room, Room::none);
+    EXPECT_EQ(reserve(jsmith_in_program).room, Room::busy);
+    EXPECT_EQ(reserve(jsmith_at_home).source, Source::known_address);
+    now_ += longest_attempt;
+    EXPECT_EQ(reserve(jsmith_in_program).room, Room::free);
+    now_ += 60min - longest_attempt;
+    EXPECT_EQ(guesses(jsmith_elsewhere), 3);
+    EXPECT_TRUE(guess({"another", "203.0.113.8"}));
+}
+
 TEST_P(CountersTest, TellWhatTheyCount) {
     EXPECT_THAT(counters_->state(jsmith_in_program, limits_),
                 ElementsAre(CountedBudget{Of::unknown_addresses, 0, 3, 0ms, false},

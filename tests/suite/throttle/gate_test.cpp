@@ -124,6 +124,66 @@ TEST_F(GateTest, OneDoesNotWaitForThoseThatWaitThemselves) {
     EXPECT_THAT(pauses_, ElementsAre(250ms));
 }
 
+class GateOfSeveralNames : public GateTest {
+protected:
+    GateOfSeveralNames() { settings_.attempts = 4; }
+
+    enum class Came { refused, refused_as_user, wrong };
+    // A wrong password of the user whose entry is "entry".
+    Came guess_as(const std::string& name) {
+        auto ticket = gate_.admit({name, "203.0.113.7"}, settings_);
+        if (!ticket) return Came::refused;
+        const bool has_room = gate_.admit_found(*ticket, "entry", settings_);
+        gate_.settle(*ticket, Outcome::wrong, settings_);
+        return has_room ? Came::wrong : Came::refused_as_user;
+    }
+    int checked(const std::string& name) {
+        int checked = 0;
+        for (int i = 0; i < 20; ++i) checked += guess_as(name) == Came::wrong;
+        return checked;
+    }
+};
+
+TEST_F(GateOfSeveralNames, AUserHasOneBudgetWhateverTheName) {
+    EXPECT_EQ(checked("name"), 4);
+    EXPECT_EQ(checked("mail"), 0);
+    EXPECT_EQ(checked("entry"), 0);
+}
+
+TEST_F(GateOfSeveralNames, AnotherNameOfARefusedUserFaresAsOneThatIsNobodys) {
+    checked("name");
+    pauses_.clear();
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(guess_as("mail"), Came::refused_as_user);
+    const auto delays = std::exchange(pauses_, {});
+    EXPECT_EQ(guess_as("mail"), Came::refused) << "and the directory is not asked whose it is";
+    for (int i = 0; i < 4; ++i) {
+        const auto ticket = gate_.admit({"nobodys", "203.0.113.7"}, settings_);
+        ASSERT_TRUE(ticket);
+        gate_.settle(*ticket, Outcome::wrong, settings_);
+    }
+    EXPECT_EQ(pauses_, delays);
+    EXPECT_FALSE(gate_.admit({"nobodys", "203.0.113.7"}, settings_));
+}
+
+TEST_F(GateOfSeveralNames, ALoginMakesItsAddressKnownForTheNameAndTheUser) {
+    auto login = gate_.admit({"name", "198.51.100.1"}, settings_);
+    ASSERT_TRUE(gate_.admit_found(*login, "entry", settings_));
+    gate_.settle(*login, Outcome::right, settings_);
+    checked("name");
+    login = gate_.admit({"name", "198.51.100.1"}, settings_);
+    ASSERT_TRUE(login);
+    EXPECT_TRUE(gate_.admit_found(*login, "entry", settings_));
+}
+
+TEST_F(GateOfSeveralNames, AnAttemptCountsOnceForItsAddressAndOnceWhereTheNameIsTheUsersOwn) {
+    guess_as("name");
+    guess_as("entry");
+    const auto state = counters_.state({"entry", "203.0.113.7"}, limits_of(settings_));
+    EXPECT_EQ(state.front().wrong, 2);
+    EXPECT_EQ(state.back().wrong, 2);
+    EXPECT_EQ(gate_.figures().wrong, 2u);
+}
+
 TEST_F(GateTest, HasFiguresOfWhatItDid) {
     while (guess()) {
     }

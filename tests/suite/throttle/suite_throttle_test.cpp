@@ -135,6 +135,34 @@ TEST_F(SuiteThrottleTest, ClearIsTheEndOfIt) {
     EXPECT_EQ(guesses(), 3);
 }
 
+TEST_F(SuiteThrottleTest, AttemptsByAllNamesOfAUserCountTogether) {
+    const auto guess_as = [&](const Text& name) {
+        SuiteThrottle throttle(process_);
+        if (!throttle.Admit(u"cn=" + name + u",ou=Users,o=Shop")) return Text(u"refused");
+        const bool has_room = throttle.AdmitFound(jsmith);
+        throttle.Settle(-1);
+        return Text(has_room ? u"checked" : u"wrong");
+    };
+    EXPECT_EQ(guess_as(u"js"), u"checked");
+    EXPECT_EQ(guess_as(u"john@shop.example"), u"checked");
+    EXPECT_EQ(guess_as(u"JSmith"), u"checked");
+    EXPECT_EQ(guess_as(u"js"), u"wrong");
+    EXPECT_EQ(guess_as(u"js"), u"wrong");
+    EXPECT_EQ(guess_as(u"js"), u"refused");
+    EXPECT_FALSE(SuiteThrottle(process_).AdmitFound(jsmith)) << "which nobody has admitted";
+    configure("On=no\n");
+    EXPECT_TRUE(SuiteThrottle(process_).AdmitFound(jsmith));
+}
+
+TEST_F(SuiteThrottleTest, ClearAddressIsTheEndOfItForAnAddress) {
+    const auto row = [&] { return state(u"203.0.113.7").back(); };
+    checked_from(u"203.0.113.7", -1);
+    EXPECT_EQ(row(), "address 1 of 100 *");
+    EXPECT_TRUE(SuiteThrottle(process_).ClearAddress(u"::ffff:203.0.113.7"));
+    EXPECT_FALSE(SuiteThrottle(process_).ClearAddress(u"203.0.113.7"));
+    EXPECT_EQ(row(), "address 0 of 100 *");
+}
+
 TEST_F(SuiteThrottleTest, HasFigures) {
     guesses();
     const Object figures = SuiteThrottle(process_).Figures();

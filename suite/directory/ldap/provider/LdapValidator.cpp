@@ -61,17 +61,17 @@ CheckAnswer LdapValidator::check_password(TextView written, const Secret& secret
     } else {
         return {password_check::wrong};
     }
-    return throttled_check(name, [&] { return ask_server(name, secret); });
+    return throttled_check(
+        name, [&] { return find_user(name); },
+        [&](const std::string& user) { return ask_server(user, secret); });
 }
 
-std::int32_t LdapValidator::ask_server(std::string name, const Secret& secret) {
-    if (auto mapped =
-            MappedDirectory::try_open(client_, target_->server, target_->container, limits_)) {
-        const std::optional<std::string> user = mapped->find(name);
-        if (!user) return password_check::wrong;
-        name = *user;
-    }
+std::optional<std::string> LdapValidator::find_user(const std::string& name) {
+    auto mapped = MappedDirectory::try_open(client_, target_->server, target_->container, limits_);
+    return mapped ? mapped->find(name) : name;
+}
 
+std::int32_t LdapValidator::ask_server(const std::string& name, const Secret& secret) {
     if (!target_->checks) find_checks();
     Attempts attempts(client_.pool(), target_->checks, {Effect::bind, name, limits_});
     std::optional<int> number;

@@ -41,7 +41,8 @@ public:
 
 private:
     CheckAnswer check_password(TextView written, const Secret& secret);
-    std::int32_t ask_server(std::string name, const Secret& secret);
+    std::optional<std::string> find_user(const std::string& name);
+    std::int32_t ask_server(const std::string& name, const Secret& secret);
     void read_container();
     void find_checks();
 
