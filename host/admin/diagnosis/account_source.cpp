@@ -80,6 +80,10 @@ public:
         if (server_.mapped) return server_.mapped->all_called(name);
         return AccountSource::all_called(name);
     }
+    std::vector<std::string> login_names(const std::string& real_name) override {
+        if (server_.mapped) return server_.mapped->login_names(real_name);
+        return AccountSource::login_names(real_name);
+    }
     const AccountReader& reader() const override {
         switch (server_.make) {
             case Make::openldap:

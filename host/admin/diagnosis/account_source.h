@@ -17,6 +17,10 @@ public:
     // The real names of the users that are called so, two at most; of a directory without a map
     // just that, whether there is such a user or not.
     virtual std::vector<std::string> all_called(const std::string& name) { return {name}; }
+    // All names by which this entry can log in, its own first.
+    virtual std::vector<std::string> login_names(const std::string& real_name) {
+        return {real_name};
+    }
     virtual const AccountReader& reader() const = 0;
     virtual Policy policy_of(const directory::EntryData& user) = 0;
     // Whether the password is the user's, found out in a way that counts nowhere, or not known.

@@ -16,6 +16,7 @@
 #include "suite/directory/names/ascii.h"
 #include "suite/directory/names/written_name.h"
 #include "suite/directory/policy/failures.h"
+#include "suite/throttle/attempt.h"
 
 namespace orvo::admin {
 namespace {
@@ -137,16 +138,34 @@ std::string words_of(const ThrottleBudget& budget) {
 // "3 of 10 wrong passwords from unknown addresses"
 std::string counted_by(const ThrottleBudget& budget) {
     return std::to_string(budget.wrong) + " of " + std::to_string(budget.most) +
-           " wrong passwords from " + words_of(budget);
+           " wrong passwords " + (budget.is_of_all_names ? "by all the user's names " : "") +
+           "from " + words_of(budget);
+}
+
+// Of the name that was typed, and of the user where that is not the user's only one; nothing where
+// no host runs.
+std::optional<std::vector<ThrottleBudget>> budgets_of(const Login& login) {
+    const auto of = [&](const std::string& name) {
+        return throttle_of({login.site.file, login.request.socket, name}, login.request.address);
+    };
+    auto budgets = of(login.written);
+    const auto key = [](const std::string& name) { return throttle::user_key(from_utf8(name)); };
+    if (!budgets || key(login.name) == key(login.written)) return budgets;
+    const auto of_user = of(login.name);
+    if (!of_user) return std::nullopt;
+    for (ThrottleBudget budget : *of_user) {
+        budget.is_of_all_names = true;
+        if (budget.name != "address") budgets->push_back(std::move(budget));
+    }
+    return budgets;
 }
 
 Finding examine_throttle(Login& login) {
-    const ThrottledUser who{login.site.file, login.request.socket, login.written};
-    const auto budgets = throttle_of(who, login.request.address);
+    const auto budgets = budgets_of(login);
     if (!budgets)
         return unknown("no host runs at " + login.request.socket.string(),
                        "Name its AdminSocket with --socket.");
-    std::string counted, refusing;
+    std::string counted, refusing, user, address;
     int seconds = 0;
     for (const ThrottleBudget& budget : *budgets) {
         // Without an address it may be any of a browser's.
@@ -156,11 +175,16 @@ Finding examine_throttle(Login& login) {
         std::string& text = budget.seconds > 0 ? refusing : counted;
         text += (text.empty() ? "" : ", ") + counted_by(budget);
         seconds = std::max(seconds, budget.seconds);
+        if (budget.seconds == 0) continue;
+        if (budget.name == "address")
+            address = " --address " + login.request.address;
+        else
+            user = " " + login.request.user;
     }
     if (refusing.empty())
         return found(counted.empty() ? "no wrong passwords are counted" : counted);
     return failed(refusing + ": refused for " + std::to_string(seconds) + " seconds.",
-                  "orvo users unlock " + login.request.user);
+                  "orvo users unlock" + user + address);
 }
 
 constexpr Step<Login> throttle_step{"throttle", "name", examine_throttle};

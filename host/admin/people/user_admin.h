@@ -25,7 +25,6 @@ struct NamesRequest {
     CommonOptions common;
     RowOptions rows = {};
     std::vector<std::string> names;
-    std::filesystem::path socket = usual_host_socket;  // where wrong passwords are counted
 };
 int show_users(const NamesRequest& request);
 int remove_users(const NamesRequest& request);
@@ -77,6 +76,15 @@ int give_profile(const ProfileRequest& request);
 // What an account is to be. Of a user it applies to: exit code and sentences as above.
 enum class AccountChange { unlock, disable, enable, expire };
 int change_accounts(AccountChange change, const NamesRequest& request);
+
+struct UnlockRequest {
+    NamesRequest users;
+    std::vector<std::string> addresses;                // of browsers
+    std::filesystem::path socket = usual_host_socket;  // where wrong passwords are counted
+};
+// Unlocks accounts, and has the site's throttle forget the wrong passwords of these users, and
+// those that have come from these addresses.
+int unlock(const UnlockRequest& request);
 
 struct LogoutRequest {
     NamesRequest users;

@@ -72,8 +72,7 @@ public:
             [password] { return set_password(*password); });
         add_name(command, password->name);
         add_password_options(command, *password);
-        add_change("unlock", "Unlock accounts that wrong passwords have locked",
-                   AccountChange::unlock);
+        add_unlock();
         add_change("disable", "Disable accounts, until they are enabled", AccountChange::disable);
         add_change("enable", "Enable accounts that were disabled", AccountChange::enable);
         add_change("expire", "Have users change their passwords at the next login",
@@ -137,11 +136,28 @@ private:
     }
     void add_change(const char* name, const char* description, AccountChange change) {
         const auto request = std::make_shared<NamesRequest>();
-        CLI::App& command = program_.command(users_, name, description, [request, change] {
-            return change_accounts(change, *request);
+        add_names(program_.command(users_, name, description,
+                                   [request, change] { return change_accounts(change, *request); }),
+                  *request);
+    }
+    void add_unlock() {
+        const auto request = std::make_shared<UnlockRequest>();
+        CLI::App& command = program_.command(
+            users_, "unlock", "Unlock accounts that wrong passwords have locked, and forget these",
+            [request] { return unlock(*request); });
+        CLI::Option* names = command.add_option("USER", request->users.names, "The users' names")
+                                 ->type_name(user_argument);
+        CLI::Option* addresses =
+            command
+                .add_option("--address", request->addresses,
+                            "Forget the wrong passwords that have come from this address")
+                ->type_name("ADDRESS")
+                ->allow_extra_args(false);
+        command.parse_complete_callback([names, addresses] {
+            if (names->count() + addresses->count() == 0) throw CLI::RequiredError("USER");
         });
-        add_names(command, *request);
-        if (change == AccountChange::unlock) add_socket(command, request->socket);
+        add_common_options(command, request->users.common);
+        add_socket(command, request->socket);
     }
 
     Program& program_;

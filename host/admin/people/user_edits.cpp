@@ -7,6 +7,7 @@
 #include "host/admin/common/password_input.h"
 #include "host/admin/common/random_texts.h"
 #include "host/admin/common/texts.h"
+#include "host/admin/diagnosis/throttled_names.h"
 #include "host/admin/people/account_change.h"
 #include "host/admin/people/attribute_changes.h"
 #include "host/admin/people/catalogue.h"
@@ -60,11 +61,12 @@ std::vector<AttributeChange> changes_of_new(const Site& site, const UserAddReque
 // Has the site's throttle forget the wrong passwords of a user who is `unlocked`, or was not
 // locked.
 std::string told_of_throttle(const Site& site, const std::string& name, const std::string& unlocked,
-                             const NamesRequest& request) {
+                             const std::filesystem::path& socket) {
     try {
-        return clear_throttle({site.file(), request.socket, site.user_entry(name)})
-                   ? ", and no wrong passwords are counted any more"
-                   : "";
+        bool had_any = false;
+        for (const std::string& user : throttled_names(site.file(), site.user_entry(name)))
+            had_any |= clear_throttle({site.file(), socket, user});
+        return had_any ? ", and no wrong passwords are counted any more" : "";
     } catch (const std::exception& failure) {
         throw std::runtime_error(unlocked +
                                  ", but wrong passwords may still be counted: " + told(failure));
@@ -154,11 +156,34 @@ int give_profile(const ProfileRequest& request) {
 
 int change_accounts(AccountChange change, const NamesRequest& request) {
     const Site site(request.common.site);
-    const bool is_throttled = change == AccountChange::unlock && has_throttle(site.file());
     return for_each_name(request.names, [&](const std::string& name) {
-        std::string what = change_account(site, name, change);
-        if (is_throttled) what += told_of_throttle(site, name, what, request);
-        say(request.common, name, what);
+        say(request.common, name, change_account(site, name, change));
+    });
+}
+
+int unlock(const UnlockRequest& request) {
+    const CommonOptions& common = request.users.common;
+    const Site site(common.site);
+    const bool is_throttled = has_throttle(site.file());
+    const auto unlock_user = [&](const std::string& name) {
+        std::string what = change_account(site, name, AccountChange::unlock);
+        if (is_throttled) what += told_of_throttle(site, name, what, request.socket);
+        say(common, name, what);
+    };
+    const auto unlock_address = [&](const std::string& address) {
+        if (!is_throttled) throw std::runtime_error("the site has no throttle");
+        say(common, address,
+            clear_address(site.file(), request.socket, address)
+                ? "no wrong passwords are counted any more"
+                : "no wrong passwords were counted");
+    };
+    std::vector<std::string> all = request.users.names;
+    all.insert(all.end(), request.addresses.begin(), request.addresses.end());
+    std::size_t users_left = request.users.names.size();
+    return for_each_name(all, [&](const std::string& one) {
+        if (users_left == 0) return unlock_address(one);
+        --users_left;
+        unlock_user(one);
     });
 }
 

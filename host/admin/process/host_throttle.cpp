@@ -19,6 +19,12 @@ std::unique_ptr<throttle::Counters> shared_counters(const std::filesystem::path&
         std::make_shared<store::Redis>(std::move(settings)));
 }
 
+// Also where there is a shared store: while that was away a host has counted in its memory.
+bool has_host_cleared(const std::filesystem::path& socket, const std::string& request) {
+    const auto table = try_ask_host(socket, request);
+    return table && table->rows.at(0).at(0) != "0";
+}
+
 ThrottleBudget told(const throttle::CountedBudget& budget) {
     return {to_utf8(budget.name()), budget.wrong, budget.most,
             static_cast<int>(std::chrono::ceil<std::chrono::seconds>(budget.free_in).count()),
@@ -52,12 +58,16 @@ std::optional<std::vector<ThrottleBudget>> throttle_of(const ThrottledUser& who,
 }
 
 bool clear_throttle(const ThrottledUser& who) {
-    bool had_any = false;
-    if (const auto shared = shared_counters(who.site))
-        had_any = shared->clear(throttle::user_key(from_utf8(who.user)));
-    // A host may have counted in its memory while the shared store was away.
-    const auto table = try_ask_host(who.socket, "clear throttle " + who.user);
-    return had_any || (table && table->rows.at(0).at(0) != "0");
+    const auto shared = shared_counters(who.site);
+    const bool had_any = shared && shared->clear(throttle::user_key(from_utf8(who.user)));
+    return has_host_cleared(who.socket, "clear throttle " + who.user) || had_any;
+}
+
+bool clear_address(const std::filesystem::path& site, const std::filesystem::path& socket,
+                   const std::string& address) {
+    const auto shared = shared_counters(site);
+    const bool had_any = shared && shared->clear_address(throttle::address_key(from_utf8(address)));
+    return has_host_cleared(socket, "clear throttled address " + address) || had_any;
 }
 
 }  // namespace orvo::admin

@@ -24,6 +24,7 @@ struct ThrottleBudget {
     int most = 0;
     int seconds = 0;  // until an attempt is admitted again
     bool is_asked = false;
+    bool is_of_all_names = false;  // of a user who has several
 };
 
 // Whether the site's settings ask for a throttle. This and the following raise std::exception for
@@ -35,5 +36,8 @@ std::optional<std::vector<ThrottleBudget>> throttle_of(const ThrottledUser& who,
                                                        const std::string& address);
 // Has the user's wrong passwords forgotten; whether there were any. False where no host runs.
 bool clear_throttle(const ThrottledUser& who);
+// The same of those that have come from an address, for all users.
+bool clear_address(const std::filesystem::path& site, const std::filesystem::path& socket,
+                   const std::string& address);
 
 }  // namespace orvo::admin

@@ -61,16 +61,19 @@ std::string answer_of_throttle(std::string_view user_and_address) {
                      .to<Object>());
 }
 
-std::string clear_throttle(std::string_view user) {
+std::string clear_throttle(const char16_t* method, std::string_view whose) {
     const Object throttle = create_object(u"OrvoSuite.Throttle");
-    const bool had_any = late::call(throttle, u"Clear", {from_utf8(user)}).to<bool>();
-    return std::string("ok\nUsers\n") + (had_any ? "1" : "0") + '\n';
+    const bool had_any = late::call(throttle, method, {from_utf8(whose)}).to<bool>();
+    return std::string("ok\nCleared\n") + (had_any ? "1" : "0") + '\n';
 }
 
 std::string answer(std::string_view request) {
     if (const auto account = behind("logout ", request)) return end_logins(*account);
     if (const auto about = behind("throttle ", request)) return answer_of_throttle(*about);
-    if (const auto user = behind("clear throttle ", request)) return clear_throttle(*user);
+    if (const auto user = behind("clear throttle ", request))
+        return clear_throttle(u"Clear", *user);
+    if (const auto address = behind("clear throttled address ", request))
+        return clear_throttle(u"ClearAddress", *address);
     const Object servers = create_object(u"OrvoDirectory.LdapServers");
     if (request == "servers") return table(late::call(servers, u"States").to<Object>());
     if (request == "connections") return table(late::call(servers, u"Connections").to<Object>());

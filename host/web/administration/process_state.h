@@ -17,7 +17,9 @@ namespace orvo::web {
 //   throttle USER[, a tab and ADDRESS]
 //                 what is counted of a user's wrong passwords (Throttle::State)
 //   clear throttle USER
-//                 forgets them; a row with how many users had any
+//                 forgets them; a row with 1, or with 0 where there were none
+//   clear throttled address ADDRESS
+//                 the same of those that have come from an address
 //
 // A user is a full distinguished name.
 // A table begins with the line "ok" and one with the columns' names; texts have tabs between them,

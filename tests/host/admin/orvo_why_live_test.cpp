@@ -8,8 +8,12 @@
 
 #include "suite/directory/embedded/directory/directory.h"
 #include "suite/directory/policy/account_times.h"
+#include "suite/throttle/gate.h"
+#include "suite/throttle/redis_counters.h"
 #include "tests/host/admin/orvo_program.h"
+#include "tests/support/environment.h"
 #include "tests/support/ldap_probe.h"
+#include "tests/support/redis_server.h"
 #include "tests/support/slapd.h"
 #include "tests/support/throttle_setting.h"
 
@@ -403,6 +407,45 @@ TEST_F(OrvoWhyServer, LooksThroughAMap) {
     EXPECT_THAT(why(server, "nobody"),
                 HasSubstr("  refused    name            There is no such user.\n"));
     EXPECT_EQ(code, 1);
+}
+
+// Who is found by several names is counted by each, and for all of them.
+TEST_F(OrvoWhyServer, TellsOfTheThrottleByAllNamesOfAUserAndUnlockEndsIt) {
+    const RedisServer store;
+    PrivateSlapd server(
+        {.directory = ORVO_SOURCE_DIR "/examples/directories/openldap", .suffix = "o=Company"});
+    std::ofstream(server.site_ini(), std::ios::app)
+        << "\n[THROTTLE]\nOn=yes\nAttempts=2\n" + store.site_section();
+    throttle::RedisCounters counters(std::make_shared<store::Redis>(
+        store::Settings{.addresses = {{"127.0.0.1", store.port()}}}));
+    const auto limits = throttle::limits_of({.attempts = 2});
+    const std::string entry = "uid=djansen,ou=Warehouse,ou=People,o=Company";
+    const auto guess = [&](const std::string& name) {
+        const auto key = [](const std::string& dn) { return throttle::user_key(from_utf8(dn)); };
+        for (const throttle::Attempt& attempt :
+             {throttle::Attempt{key("uid=" + name + ",ou=People,o=Company"), "203.0.113.7"},
+              throttle::Attempt{key(entry), "203.0.113.7", true}})
+            counters.settle(attempt, counters.reserve(attempt, limits), throttle::Outcome::wrong,
+                            limits);
+    };
+    guess("djansen");
+    guess("dirk.jansen@company.example");
+    EXPECT_THAT(why(server, "djansen"),
+                HasSubstr("  refused    throttle        2 of 2 wrong passwords by all the user's "
+                          "names from unknown addresses: refused for "));
+    EXPECT_THAT(why(server, "djansen"), HasSubstr("To do: orvo users unlock djansen\n"));
+    const Environment components("ORVO_COMPONENTS", folder.path().string());
+    const std::string bin = ORVO_BIN;
+    output_of({bin + "/orvo-register", bin + "/OrvoMembership.so", bin + "/OrvoSuite.so",
+               bin + "/OrvoPlatform.so"});
+    const auto unlock = [&] {
+        return output_of({ORVO_ADMIN, "users", "unlock", "djansen", "--site", server.site_ini()});
+    };
+    EXPECT_EQ(unlock(), "djansen: not locked, and no wrong passwords are counted any more.\n");
+    EXPECT_EQ(unlock(), "djansen: not locked.\n");
+    for (const char* name : {"djansen", "dirk.jansen@company.example"})
+        EXPECT_THAT(why(server, name),
+                    HasSubstr("  ok         throttle        no wrong passwords are counted\n"));
 }
 
 TEST_F(OrvoWhyServer, AsksTheNextServerOfTheList) {

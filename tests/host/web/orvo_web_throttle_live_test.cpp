@@ -73,6 +73,23 @@ TEST_F(ThrottledWebTest, AnAddressFromWhichTheUserHasLoggedInHasABudgetOfItsOwn)
                           "addresses\n"));
 }
 
+TEST_F(ThrottledWebTest, AnAdministratorEndsItForAnAddress) {
+    throttle_ = "On=yes\nAddressAttempts=2\nLongestDelay=0\n";
+    port_ = start();
+    for (const char* user : {"nobody", "djansen"})
+        EXPECT_THAT(pages(user, {"one"}), ElementsAre("login -1"));
+    EXPECT_THAT(pages("jsmith", {"shop-sample"}), ElementsAre("login -5"));
+    EXPECT_THAT(orvo({"why", "jsmith", "--from", "127.0.0.1"}),
+                HasSubstr("To do: orvo users unlock --address 127.0.0.1\n"));
+    EXPECT_EQ(orvo({"users", "unlock", "djansen", "--address", "127.0.0.1"}),
+              "djansen: not locked, and no wrong passwords are counted any more.\n"
+              "127.0.0.1: no wrong passwords are counted any more.\n");
+    EXPECT_EQ(orvo({"users", "unlock", "--address", "127.0.0.1"}),
+              "127.0.0.1: no wrong passwords were counted.\n");
+    EXPECT_THAT(orvo({"users", "unlock"}), HasSubstr("USER is required"));
+    EXPECT_THAT(pages("jsmith", {"shop-sample"}), ElementsAre("303"));
+}
+
 TEST_F(ThrottledWebTest, WhatIsCountedInASharedStoreCountsForEveryHostUntilItIsEndedThere) {
     const RedisServer redis;
     audit_ = redis.site_section();
@@ -86,8 +103,9 @@ TEST_F(ThrottledWebTest, WhatIsCountedInASharedStoreCountsForEveryHostUntilItIsE
     EXPECT_THAT(pages("jsmith", {"shop-sample"}), ElementsAre("login -5"));
     process_->send(SIGTERM);
     process_->wait();
-    EXPECT_EQ(orvo({"users", "unlock", "jsmith"}),
-              "jsmith: not locked, and no wrong passwords are counted any more.\n");
+    EXPECT_EQ(orvo({"users", "unlock", "jsmith", "--address", "127.0.0.1"}),
+              "jsmith: not locked, and no wrong passwords are counted any more.\n"
+              "127.0.0.1: no wrong passwords are counted any more.\n");
     port_ = start();
     EXPECT_THAT(pages("jsmith", {"shop-sample"}), ElementsAre("303"));
 }
