@@ -97,7 +97,11 @@ void GlobalEvents::run_queue() {
             continue;
         }
         guard.unlock();
-        sessions_.end_idle();
+        try {
+            sessions_.end_idle();
+        } catch (const std::exception& failure) {
+            log_.failure(global_path, failure.what());
+        }
         guard.lock();
         changed_.wait_for(guard, options_.look_every,
                           [&] { return is_stopping_ || !ended_.empty(); });

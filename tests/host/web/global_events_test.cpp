@@ -9,6 +9,18 @@
 namespace orvo::web {
 namespace {
 
+// Where `is_broken`, asking for those that have ended fails.
+class BreakingSessions : public MemorySessions {
+public:
+    using MemorySessions::MemorySessions;
+    void end_idle() override {
+        if (is_broken) throw std::runtime_error(++times > 1 ? "again" : "the lists are no lists");
+        MemorySessions::end_idle();
+    }
+    std::atomic<bool> is_broken = false;
+    std::atomic<int> times = 0;
+};
+
 class GlobalEventsTest : public testing::Test {
 protected:
     GlobalEventsTest() { site_.write("/page.asp", "page <%= Session('n') %>"); }
@@ -56,7 +68,7 @@ protected:
 
     TestSite site_;
     std::atomic<int> minutes_{0};
-    MemorySessions sessions_{
+    BreakingSessions sessions_{
         {}, [this] { return SessionClock::time_point(std::chrono::minutes(minutes_)); }};
     WebLog log_{{}};
     std::string cookie_;
@@ -158,6 +170,21 @@ TEST_F(GlobalEventsTest, ASessionEndsWhenItsTimeHasRunOut) {
     EXPECT_EQ(get(), "page 1");
     minutes_ = 21;
     EXPECT_EQ(awaited(u"ended"), Variant(1)) << "no request has asked for it";
+}
+
+TEST_F(GlobalEventsTest, AStoreThatFailsToTellWhichHaveEndedIsLoggedAndAskedAgain) {
+    global(
+        "function Session_OnStart() { Session('n') = 1 }\n"
+        "function Session_OnEnd() { Application('ended') = Session('n') }");
+    sessions_.is_broken = true;
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(get(), "page 1");
+    while (sessions_.times < 2) std::this_thread::yield();
+    minutes_ = 21;
+    sessions_.is_broken = false;
+    EXPECT_EQ(awaited(u"ended"), Variant(1));
+    const std::string log = testing::internal::GetCapturedStderr();
+    EXPECT_NE(log.find("/global.asa: the lists are no lists"), std::string::npos) << log;
 }
 
 TEST_F(GlobalEventsTest, WithTheProgramAllSessionsEndAndThenTheApplication) {
