@@ -109,6 +109,11 @@ void PageContext::require_session() const {
                       u"This page has no session (EnableSessionState=False)");
 }
 
+std::chrono::minutes PageContext::session_timeout() const {
+    require_session();
+    return session_ ? session_->data().timeout : sessions_.timeout();
+}
+
 void PageContext::abandon_session() { is_abandoned_ = is_abandoned_ || session_; }
 
 SessionLease& PageContext::need_session() {

@@ -111,6 +111,8 @@ public:
     // For a page that is of no use without sessions. Raises StoreAway.
     void require_store() { sessions_.require(); }
     Reach session_reach() const { return sessions_.reach(); }
+    // The session's, or where there is none what it would have.
+    std::chrono::minutes session_timeout() const;
     bool is_store_away() const { return is_store_away_; }
     // The page has none (EnableSessionState=False), whatever the browser's cookie names; nobody
     // waits for this request.

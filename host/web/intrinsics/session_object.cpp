@@ -139,7 +139,9 @@ void SessionObject::set_Value(const Text& name, const Variant& value) {
     SessionValues(page_).set(name, value);
 }
 
-std::int32_t SessionObject::Timeout() { return static_cast<std::int32_t>(data().timeout.count()); }
+std::int32_t SessionObject::Timeout() {
+    return static_cast<std::int32_t>(page_->session_timeout().count());
+}
 
 void SessionObject::put_Timeout(std::int32_t minutes) {
     if (minutes < 1 || minutes > 1440)

@@ -7,8 +7,8 @@
 
 namespace orvo::web {
 
-// Reading makes no session; putting a value, and asking for SessionID or FormToken, makes one where
-// the browser has none.
+// Reading makes no session; putting a value or Timeout, and asking for SessionID or FormToken,
+// makes one where the browser has none.
 class SessionObject final : public Session {
 public:
     explicit SessionObject(std::shared_ptr<PageContext> page) : page_(std::move(page)) {}

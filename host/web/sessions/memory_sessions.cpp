@@ -116,6 +116,11 @@ SessionLogin MemorySessions::login_of(const std::string& id) {
     return session.login;
 }
 
+std::chrono::minutes MemorySessions::timeout() const {
+    const std::lock_guard guard(lock_);
+    return limits_.timeout;
+}
+
 void MemorySessions::set_limits(const SessionLimits& limits) {
     const std::lock_guard guard(lock_);
     limits_ = limits;

@@ -22,6 +22,7 @@ public:
     ~MemorySessions() override;
 
     Reach reach() const override { return Reach::process; }
+    std::chrono::minutes timeout() const override;
     std::unique_ptr<SessionLease> open(const std::string& id, std::chrono::milliseconds patience,
                                        const std::function<bool()>& try_wait = {}) override;
     std::unique_ptr<SessionLease> create() override;

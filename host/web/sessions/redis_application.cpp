@@ -26,13 +26,14 @@ return {version, redis.call('HGETALL', KEYS[2])})");
 const store::Script& lock_script() {
     static const store::Script script(std::string(lua_now) + R"(
 local lock = redis.call('HMGET', KEYS[1], 't', 'u')
-if lock[1] and lock[1] ~= ARGV[2] and tonumber(lock[2]) > now then return 0 end
+if lock[1] ~= ARGV[2] and tonumber(lock[2] or 0) > now then return 0 end
 redis.call('HSET', KEYS[1], 't', ARGV[2], 'u', now + ARGV[3])
 redis.call('EXPIRE', KEYS[1], 2592000)
 return 1)");
     return script;
 }
 
+// Versions are times, so that none comes twice where a replica has taken over that lacks the last.
 // Keys: state, values. Arguments: token ("": without a lock), what to do, field, content, channel.
 // Answers whether nobody else has the lock.
 const store::Script& change_script() {
@@ -40,7 +41,7 @@ const store::Script& change_script() {
 local state = redis.call('HMGET', KEYS[1], 't', 'u', 'v')
 if ARGV[2] ~= '' then
   if state[1] ~= ARGV[2] then return 0 end
-elseif state[1] and tonumber(state[2]) > now then
+elseif tonumber(state[2] or 0) > now then
   return 0
 end
 if ARGV[3] == 'put' then
@@ -52,8 +53,8 @@ elseif ARGV[3] == 'remove' then
 else
   redis.call('DEL', KEYS[2])
 end
-if not state[3] then redis.call('HSET', KEYS[1], 'v', now * 1000) end
-local version = redis.call('HINCRBY', KEYS[1], 'v', 1)
+local version = string.format('%.0f', math.max((state[3] or 0) + 1, now * 1000))
+redis.call('HSET', KEYS[1], 'v', version)
 for _, key in ipairs(KEYS) do redis.call('EXPIRE', key, 2592000) end
 redis.call('PUBLISH', ARGV[6], version)
 return 1)");
@@ -181,7 +182,7 @@ void RedisApplication::lock_for_all(const Holder& holder, const std::string& tok
                                        {token, std::to_string(SharedLocks::life.count())})
                        .integer() == 1;
         } catch (const StoreAway&) {
-            store_.locks().release_later(state_key_, token);
+            store_.locks().release_later({{state_key_, token}});
             throw;
         }
     });

@@ -65,12 +65,12 @@ private:
 class RedisSessions::Lease final : public SessionLease {
 public:
     // stored: what the store has of it; empty: it is a new one.
-    Lease(RedisSessions& sessions, std::unique_ptr<Turn> turn, std::string id, std::string token,
-          SessionData data, std::string stored)
+    Lease(RedisSessions& sessions, std::unique_ptr<Turn> turn, std::string id, std::string name,
+          std::string token, SessionData data, std::string stored)
         : sessions_(sessions),
           turn_(std::move(turn)),
           id_(std::move(id)),
-          name_(store::Keyring::name_of(id_)),
+          name_(std::move(name)),
           token_(std::move(token)),
           data_(std::move(data)),
           stored_(std::move(stored)),
@@ -106,11 +106,18 @@ public:
 private:
     std::string key() const { return sessions_.key_of(stored_name_); }
     bool is_new() const { return stored_.empty(); }
+    bool is_long() const {
+        return std::chrono::steady_clock::now() - begin_ > sessions_.long_request_;
+    }
 
     void put(std::chrono::milliseconds locked) {
         std::string bytes = bytes_of(data_);
         const bool is_changed = name_ != stored_name_ || bytes != stored_;
-        if (!is_changed && locked.count() > 0) return wipe(bytes);
+        if (!is_changed && (locked.count() > 0 || !is_long())) {
+            wipe(bytes);
+            if (locked.count() == 0) sessions_.store_.locks().release_soon(key(), token_);
+            return;
+        }
         const std::string key_to_be = sessions_.key_of(name_);
         std::vector<std::string> keys = sessions_.keys_of(key_to_be);
         keys.insert(keys.begin(), key());
@@ -123,13 +130,11 @@ private:
             milliseconds_of(data_.timeout),
             std::to_string(rank_of(data_)),
             is_changed ? sessions_.store_.seal(bytes, key_to_be) : std::string(),
-            milliseconds_of(locked)};
-        if (is_new()) {
-            arguments.insert(arguments.end(), {"1", std::to_string(limits.most)});
-        } else {
-            arguments.insert(arguments.end(), {"0", "0"});
-        }
-        arguments.push_back(sessions_.key_of({}));
+            milliseconds_of(locked),
+            is_new() ? "1" : "0",
+            std::to_string(limits.most),
+            std::to_string(limits.most_bytes),
+            sessions_.key_of({})};
         const store::Reply reply = asked(session_scripts::store(), keys, std::move(arguments));
         const auto code = reply.list().at(0).integer();
         if (code > 0)
@@ -177,7 +182,7 @@ private:
         try {
             return sessions_.store_.run_repeatable(script, keys, std::move(arguments));
         } catch (...) {
-            sessions_.store_.locks().release_later(keys.front(), token_);
+            sessions_.store_.locks().release_later({{keys.front(), token_}});
             throw;
         }
     }
@@ -187,6 +192,7 @@ private:
     std::string id_;
     std::string name_;  // of the identifier that it has now
     const std::string token_;
+    const std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
     SessionData data_;
     std::string stored_;
     std::string stored_name_;
@@ -194,10 +200,12 @@ private:
     bool is_closed_ = false;
 };
 
-RedisSessions::RedisSessions(SharedStore& store, SessionLimits limits)
+RedisSessions::RedisSessions(SharedStore& store, SessionLimits limits,
+                             std::chrono::milliseconds long_request)
     : store_(store),
-      order_keys_{store.key("sessions", "0"), store.key("sessions", "1"),
-                  store.key("sessions", "2")},
+      long_request_(long_request),
+      list_keys_{store.key("sessions", "0"), store.key("sessions", "1"), store.key("sessions", "2"),
+                 store.key("sessions", "size")},
       limits_(limits) {}
 
 RedisSessions::~RedisSessions() = default;
@@ -210,18 +218,9 @@ std::unique_ptr<SessionLease> RedisSessions::open(const std::string& id,
     auto turn = std::make_unique<Turn>(*this, store::Keyring::name_of(id), request);
     const std::string key = key_of(turn->name());
     const std::string token = random_token();
-    const std::vector<std::string> keys = keys_of(key);
-    const std::vector<std::string> arguments{token, milliseconds_of(SharedLocks::life),
-                                             milliseconds_of(limits().absolute), turn->name()};
     GrowingPause pause;
     while (true) {
-        store::Reply reply;
-        try {
-            reply = store_.run_repeatable(session_scripts::open(), keys, arguments);
-        } catch (const StoreAway&) {
-            store_.locks().release_later(key, token);
-            throw;
-        }
+        const store::Reply reply = ask_for(turn->name(), key, token);
         const auto& answer = reply.list();
         const auto code = answer.at(0).integer();
         if (code == 0) return nullptr;
@@ -233,21 +232,44 @@ std::unique_ptr<SessionLease> RedisSessions::open(const std::string& id,
             auto bytes = store_.unseal(answer.at(1).text(), key);
             auto session = bytes ? try_session_of(*bytes) : std::nullopt;
             if (!session) {
-                store_.locks().release_later(key, token);
+                store_.locks().release_later({{key, token}});
                 return nullptr;
             }
-            return std::make_unique<Lease>(*this, std::move(turn), id, token, std::move(*session),
-                                           std::move(*bytes));
+            std::string name = turn->name();
+            return std::make_unique<Lease>(*this, std::move(turn), id, std::move(name), token,
+                                           std::move(*session), std::move(*bytes));
         }
         wait_for_others(request, pause);
     }
 }
 
+// Locks that other requests have given back are released along the way.
+store::Reply RedisSessions::ask_for(const std::string& name, const std::string& key,
+                                    const std::string& token) {
+    std::vector<std::string> keys = keys_of(key);
+    std::vector<std::string> arguments{token, milliseconds_of(SharedLocks::life),
+                                       milliseconds_of(limits().absolute), name};
+    std::vector<SharedLocks::Lock> others = store_.locks().take_along();
+    for (const SharedLocks::Lock& lock : others) {
+        keys.push_back(lock.key);
+        arguments.push_back(lock.token);
+    }
+    try {
+        return store_.run_repeatable(session_scripts::open(), keys, std::move(arguments));
+    } catch (...) {
+        others.push_back({key, token});
+        store_.locks().release_later(std::move(others));
+        throw;
+    }
+}
+
 // Another machine has it.
 void RedisSessions::wait_for_others(SessionPatience& request, GrowingPause& pause) {
+    const auto until = std::chrono::steady_clock::now() + pause.next();
+    // As a rule it is about to be released.
+    if (!pause.is_long()) return std::this_thread::sleep_until(until);
     const bool is_first = !request.has_waited();
     const bool may_wait = request.may_wait();
-    const auto until = std::chrono::steady_clock::now() + pause.next();
     const bool is_over = until > request.end();
     {
         const std::lock_guard guard(lock_);
@@ -263,11 +285,12 @@ std::unique_ptr<SessionLease> RedisSessions::create() {
     if (!store_.is_reachable()) throw StoreAway();
     std::string id = random_token();
     SessionData data;
+    std::string name = store::Keyring::name_of(id);
     data.form_token = random_token();
-    data.public_id = public_id_of(store::Keyring::name_of(id));
+    data.public_id = public_id_of(name);
     data.timeout = limits().timeout;
-    return std::make_unique<Lease>(*this, nullptr, std::move(id), random_token(), std::move(data),
-                                   std::string());
+    return std::make_unique<Lease>(*this, nullptr, std::move(id), std::move(name), random_token(),
+                                   std::move(data), std::string());
 }
 
 SessionLogin RedisSessions::login_of(const std::string& id) {
@@ -300,8 +323,8 @@ SessionCounts RedisSessions::counts() const {
 
 std::size_t RedisSessions::count() {
     std::int64_t count = 0;
-    for (const std::string& order : order_keys_)
-        count += store_.run_repeatable({"ZCARD", order}).integer();
+    for (std::size_t rank = 0; rank < session_ranks; ++rank)
+        count += store_.run_repeatable({"ZCARD", list_keys_[rank]}).integer();
     return static_cast<std::size_t>(count);
 }
 
@@ -313,7 +336,7 @@ void RedisSessions::on_end(std::function<void(SessionData)> take) {
 // A few at a time: those that a machine has taken end with it.
 void RedisSessions::end_idle() {
     try {
-        const store::Reply ended = store_.run(session_scripts::take(), order_keys_,
+        const store::Reply ended = store_.run(session_scripts::take(), list_keys_,
                                               {std::to_string(most_ended_at_once), key_of({})});
         tell_ended(ended.list(), 0);
     } catch (const StoreAway&) {
@@ -349,7 +372,7 @@ void RedisSessions::tell_ended(const store::Reply::List& ended, std::size_t for_
 
 std::vector<std::string> RedisSessions::keys_of(const std::string& key) const {
     std::vector<std::string> keys{key};
-    keys.insert(keys.end(), order_keys_.begin(), order_keys_.end());
+    keys.insert(keys.end(), list_keys_.begin(), list_keys_.end());
     return keys;
 }
 

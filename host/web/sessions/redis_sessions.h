@@ -11,19 +11,23 @@
 namespace orvo::web {
 
 // Sessions that all machines of a site share. A request takes its session with one round trip to
-// the store, which locks it, and gives it back with another one, which writes it if it was changed;
-// a session is made with one. What the store holds is sealed, under names from which no identifier
-// follows.
+// the store, which locks it. One that it has changed is written and given back with another; one
+// that it has not is given back within SharedLocks::usual_gathering, and nobody waits for that. A
+// session is made with one round trip. What the store holds is sealed, under names from which no
+// identifier follows.
 //
 // A request whose machine dies or is cut off keeps its session locked for SharedLocks::life at
 // most; one that comes back later than that writes nothing. Of those that end each is taken by one
 // machine; it tells its on_end, unless it dies or loses the store just then.
 class RedisSessions : public SessionStore {
 public:
-    explicit RedisSessions(SharedStore& store, SessionLimits limits = {});
+    // long_request: one that lasts longer counts as a use of its session at its end as well.
+    explicit RedisSessions(SharedStore& store, SessionLimits limits = {},
+                           std::chrono::milliseconds long_request = std::chrono::seconds(5));
     ~RedisSessions() override;
 
     Reach reach() const override { return Reach::fleet; }
+    std::chrono::minutes timeout() const override { return limits().timeout; }
     std::unique_ptr<SessionLease> open(const std::string& id, std::chrono::milliseconds patience,
                                        const std::function<bool()>& try_wait = {}) override;
     std::unique_ptr<SessionLease> create() override;
@@ -44,6 +48,8 @@ private:
     class Turn;
 
     SessionLimits limits() const;
+    // open() without its patience: the script's answer.
+    store::Reply ask_for(const std::string& name, const std::string& key, const std::string& token);
     void wait_for_others(SessionPatience& request, GrowingPause& pause);
     // With the lock held.
     void drop_unused(const std::string& name);
@@ -54,11 +60,12 @@ private:
     // Names and what stood under them, one after the other, the last ones for room.
     void tell_ended(const store::Reply::List& ended, std::size_t for_room);
     std::string key_of(const std::string& name) const { return store_.key("session", name); }
-    // A session's key, and those of the lists by rank.
+    // A session's key, and those of the lists.
     std::vector<std::string> keys_of(const std::string& key) const;
 
     SharedStore& store_;
-    const std::vector<std::string> order_keys_;  // by rank
+    const std::chrono::milliseconds long_request_;
+    const std::vector<std::string> list_keys_;  // by rank, and the size of all
     mutable std::mutex lock_;
     SessionLimits limits_;
     SessionCounts counts_;

@@ -29,7 +29,8 @@ struct SessionLimits {
     std::chrono::minutes absolute{720};  // after this it ends, however busy it is
     // Beyond this many those go that were used longest ago, by their rank (rank_of).
     std::size_t most = 50'000;
-    // Bytes of values altogether, beyond which those go likewise; of a store in memory.
+    // Bytes of values altogether, beyond which those go likewise; of a shared store with what it
+    // needs for each session beside them, all machines together.
     std::size_t most_bytes = 256 * 1024 * 1024;
     // Requests that wait for one session while another one has it; more are refused.
     std::size_t most_waiting = 5;
@@ -102,6 +103,8 @@ public:
     virtual ~SessionStore() = default;
     // Who sees the sessions.
     virtual Reach reach() const = 0;
+    // Of new sessions.
+    virtual std::chrono::minutes timeout() const = 0;
     // Waits while another request has the session, at most `patience`. Before it waits it asks
     // `try_wait`, which may take its time and must not raise. Raises Refusal (503) where try_wait
     // says no, where too many requests wait for this session already, and where the patience is

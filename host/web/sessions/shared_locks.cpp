@@ -8,29 +8,36 @@ namespace {
 constexpr std::chrono::milliseconds extend_every = SharedLocks::life / 4;
 constexpr std::chrono::milliseconds release_every{100};
 constexpr std::size_t most_left = 1000;
+constexpr auto never = std::chrono::steady_clock::time_point::max();
 
+// Keys: locks. Arguments: their tokens, and for `extend` before them their life. Answer 1 for each
+// that is locked, otherwise 0.
 const store::Script& extend_script() {
     static const store::Script script(std::string(lua_now) +
                                       R"(
-local lock = redis.call('HMGET', KEYS[1], 't', 'u')
-if lock[1] ~= ARGV[2] or lock[2] == '0' then return 0 end
-redis.call('HSET', KEYS[1], 'u', now + ARGV[3])
-return 1)");
+local answer = {}
+for i, key in ipairs(KEYS) do
+  local lock = redis.pcall('HMGET', key, 't', 'u')
+  local is_locked = lock[1] == ARGV[2 + i] and lock[2]
+  if is_locked then redis.call('HSET', key, 'u', now + ARGV[2]) end
+  answer[i] = is_locked and 1 or 0
+end
+return answer)");
     return script;
 }
 
 const store::Script& release_script() {
-    static const store::Script script(R"(
-local lock = redis.call('HMGET', KEYS[1], 't', 'u')
-if lock[1] ~= ARGV[2] or lock[2] == '0' then return 0 end
-redis.call('HSET', KEYS[1], 'u', 0)
-return 1)");
+    static const store::Script script(std::string(lua_release) + R"(
+local answer = {}
+for i, key in ipairs(KEYS) do answer[i] = release(key, ARGV[1 + i]) end
+return answer)");
     return script;
 }
 
 }  // namespace
 
-SharedLocks::SharedLocks(Run run) : run_(std::move(run)), thread_([this] { work(); }) {}
+SharedLocks::SharedLocks(Run run, std::chrono::milliseconds gathering)
+    : run_(std::move(run)), gathering_(gathering), thread_([this] { work(); }) {}
 
 SharedLocks::~SharedLocks() {
     {
@@ -53,74 +60,121 @@ void SharedLocks::let_go(const std::string& token) {
 }
 
 void SharedLocks::release(const std::string& key, const std::string& token) {
+    let_go(token);
     try {
-        let_go(token);
-        run_(release_script(), key, {token});
+        run(release_script(), {{key, token}});
     } catch (const std::exception&) {
-        release_later(key, token);
+        release_later({{key, token}});
     }
 }
 
-void SharedLocks::release_later(const std::string& key, const std::string& token) {
+void SharedLocks::release_soon(const std::string& key, const std::string& token) {
+    bool sleeps_too_long = false;
     {
         const std::lock_guard guard(lock_);
         held_.erase(token);
-        if (left_.size() >= most_left) return;
-        left_.push_back({key, token, Clock::time_point::max()});
+        if (soon_.empty()) soon_at_ = Clock::now() + gathering_;
+        soon_.push_back({key, token});
+        sleeps_too_long = soon_at_ < wakes_at_;
+    }
+    if (sleeps_too_long) changed_.notify_all();
+}
+
+std::vector<SharedLocks::Lock> SharedLocks::take_along() {
+    const std::lock_guard guard(lock_);
+    soon_at_ = never;
+    return std::exchange(soon_, {});
+}
+
+void SharedLocks::release_later(std::vector<Lock> locks) {
+    {
+        const std::lock_guard guard(lock_);
+        for (const Lock& lock : locks) held_.erase(lock.token);
+        leave(std::move(locks), never);
     }
     changed_.notify_all();
+}
+
+void SharedLocks::leave(std::vector<Lock> locks, Clock::time_point until) {
+    for (Lock& lock : locks)
+        if (left_.size() < most_left) left_.push_back({std::move(lock), until});
+    left_at_ = Clock::now();
+}
+
+void SharedLocks::leave_soon() {
+    leave(std::exchange(soon_, {}), {});
+    soon_at_ = never;
 }
 
 void SharedLocks::work() {
     auto extend_at = Clock::now() + extend_every;
     std::unique_lock guard(lock_);
     while (!is_ending_) {
-        const auto until =
-            left_.empty() ? extend_at : std::min(extend_at, Clock::now() + release_every);
-        changed_.wait_until(guard, until);
-        if (is_ending_) return;
-        if (Clock::now() >= extend_at) {
+        wakes_at_ = std::min({extend_at, soon_at_, left_at_});
+        changed_.wait_until(guard, wakes_at_);
+        const auto now = Clock::now();
+        if (now >= extend_at) {
             extend_held(guard);
-            extend_at = Clock::now() + extend_every;
+            extend_at = now + extend_every;
         }
-        release_left(guard);
+        if (now >= soon_at_) leave_soon();
+        if (now >= left_at_) release_left(guard);
     }
+    leave_soon();
+    release_left(guard);
 }
 
 void SharedLocks::extend_held(std::unique_lock<std::mutex>& guard) {
-    std::vector<std::pair<std::string, std::string>> due;
+    std::vector<Lock> due;
     for (const auto& [token, held] : held_)
-        if (Clock::now() - held.since >= extend_every / 2) due.emplace_back(token, held.key);
+        if (Clock::now() - held.since >= extend_every / 2) due.push_back({held.key, token});
+    if (due.empty()) return;
     guard.unlock();
-    std::vector<std::string> lost;
+    std::vector<bool> is_locked;
     try {
-        for (const auto& [token, key] : due)
-            if (run_(extend_script(), key, {token, std::to_string(life.count())}).integer() == 0)
-                lost.push_back(token);
+        is_locked = run(extend_script(), due, {std::to_string(life.count())});
     } catch (const std::exception&) {
         // The store is away: the next time, or the locks end.
     }
     guard.lock();
-    for (const std::string& token : lost) held_.erase(token);
+    for (std::size_t i = 0; i < is_locked.size(); ++i)
+        if (!is_locked[i]) held_.erase(due[i].token);
 }
 
 void SharedLocks::release_left(std::unique_lock<std::mutex>& guard) {
-    if (left_.empty()) return;
     std::vector<Left> left = std::exchange(left_, {});
+    left_at_ = never;
+    if (left.empty()) return;
     guard.unlock();
-    std::vector<Left> still;
-    bool is_away = false;
-    for (Left& lock : left) {
-        try {
-            if (!is_away && run_(release_script(), lock.key, {lock.token}).integer() == 1) continue;
-            if (!is_away) lock.until = std::min(lock.until, Clock::now() + life);
-        } catch (const std::exception&) {
-            is_away = true;  // all that are left are tried again
-        }
-        if (is_away || Clock::now() < lock.until) still.push_back(std::move(lock));
+    std::vector<Lock> locks;
+    for (const Left& one : left) locks.push_back(one.lock);
+    try {
+        const std::vector<bool> was_locked = run(release_script(), locks);
+        const auto now = Clock::now();
+        for (std::size_t i = 0; i < left.size(); ++i)
+            left[i].until = was_locked[i] ? now : std::min(left[i].until, now + life);
+        std::erase_if(left, [&](const Left& one) { return one.until <= now; });
+    } catch (const std::exception&) {
+        // The store is away: they are tried again.
     }
     guard.lock();
-    left_.insert(left_.begin(), still.begin(), still.end());
+    if (left.empty()) return;
+    left_.insert(left_.begin(), left.begin(), left.end());
+    left_at_ = std::min(left_at_, Clock::now() + release_every);
+}
+
+std::vector<bool> SharedLocks::run(const store::Script& script, const std::vector<Lock>& locks,
+                                   std::vector<std::string> arguments) {
+    std::vector<std::string> keys;
+    for (const Lock& lock : locks) {
+        keys.push_back(lock.key);
+        arguments.push_back(lock.token);
+    }
+    const store::Reply reply = run_(script, keys, std::move(arguments));
+    std::vector<bool> was_locked;
+    for (const store::Reply& one : reply.list()) was_locked.push_back(one.integer() == 1);
+    was_locked.resize(locks.size());
+    return was_locked;
 }
 
 }  // namespace orvo::web

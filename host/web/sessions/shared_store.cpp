@@ -5,28 +5,48 @@
 
 namespace orvo::web {
 
+namespace {
+
+// A store that is full refuses some commands and carries out others: that is not told each time.
+constexpr std::chrono::seconds told_every{10};
+
+}  // namespace
+
 SharedStore::SharedStore(std::shared_ptr<const store::SiteStore> site, StoreClock now,
-                         std::function<void(const std::string&)> trouble)
+                         std::function<void(const std::string&)> trouble,
+                         std::chrono::milliseconds gathering)
     : site_(std::move(site)),
       now_(std::move(now)),
       trouble_(std::move(trouble)),
-      locks_([this](const store::Script& script, const std::string& key,
-                    std::vector<std::string> arguments) {
-          return run_repeatable(script, {key}, std::move(arguments));
-      }) {}
+      locks_(
+          [this](const store::Script& script, const std::vector<std::string>& keys,
+                 std::vector<std::string> arguments) {
+              return run_repeatable(script, keys, std::move(arguments));
+          },
+          gathering) {}
 
 template <class Ask>
 store::Reply SharedStore::asked(Ask ask) {
     try {
         store::Reply reply = ask();
-        if (is_away_.load(std::memory_order_relaxed) && is_away_.exchange(false) && trouble_)
+        if (is_told_away_.load(std::memory_order_relaxed) && is_told_away_.exchange(false))
             trouble_("the shared store can be reached again");
         return reply;
     } catch (const Failure& failure) {
         if (!store::is_unreachable(failure)) throw;
-        if (!is_away_.exchange(true) && trouble_) trouble_(to_utf8(failure.description));
+        tell_away(failure);
         throw StoreAway();
     }
+}
+
+void SharedStore::tell_away(const Failure& failure) {
+    const auto now = std::chrono::steady_clock::now();
+    auto from = tell_from_.load();
+    if (!trouble_ || is_told_away_ || now < from ||
+        !tell_from_.compare_exchange_strong(from, now + told_every))
+        return;
+    trouble_(to_utf8(failure.description));
+    is_told_away_ = true;
 }
 
 store::Reply SharedStore::run(const store::Script& script, const std::vector<std::string>& keys,

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "host/web/sessions/shared_locks.h"
+#include "platform/values/failure.h"
 #include "suite/store/site_store.h"
 
 namespace orvo::web {
@@ -23,9 +24,11 @@ using StoreClock = std::function<std::chrono::milliseconds()>;
 class SharedStore {
 public:
     // now: the store's own clock where there is none. trouble: gets a sentence for the log when the
-    // store cannot be reached any more, and when it can be again. Any thread.
+    // store cannot be reached any more, and when it can be again. Any thread. gathering:
+    // SharedLocks'.
     explicit SharedStore(std::shared_ptr<const store::SiteStore> site, StoreClock now = {},
-                         std::function<void(const std::string&)> trouble = {});
+                         std::function<void(const std::string&)> trouble = {},
+                         std::chrono::milliseconds gathering = SharedLocks::usual_gathering);
 
     // As store::Redis does, with the time in front of the arguments. Raise StoreAway in the place
     // of store_unreachable.
@@ -52,12 +55,14 @@ public:
 private:
     template <class Ask>
     store::Reply asked(Ask ask);
+    void tell_away(const Failure& failure);
     std::string now() const { return now_ ? std::to_string(now_().count()) : std::string(); }
 
     const std::shared_ptr<const store::SiteStore> site_;
     const StoreClock now_;
     const std::function<void(const std::string&)> trouble_;
-    std::atomic<bool> is_away_ = false;
+    std::atomic<bool> is_told_away_ = false;
+    std::atomic<std::chrono::steady_clock::time_point> tell_from_{};
     SharedLocks locks_;
 };
 

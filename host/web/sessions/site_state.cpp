@@ -1,5 +1,7 @@
 #include "host/web/sessions/site_state.h"
 
+#include <limits>
+
 #include "host/web/sessions/memory_application.h"
 #include "host/web/sessions/memory_sessions.h"
 #include "host/web/sessions/redis_application.h"
@@ -8,11 +10,9 @@
 namespace orvo::web {
 namespace {
 
-// All machines together; of the store's memory its own limit counts.
-constexpr std::size_t most_shared_sessions = 1'000'000;
-
+// Of all machines together their bytes count alone: the smallest session takes some, too.
 SessionLimits shared_limits(SessionLimits limits) {
-    limits.most = most_shared_sessions;
+    limits.most = std::numeric_limits<std::int32_t>::max();
     return limits;
 }
 

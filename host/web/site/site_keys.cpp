@@ -146,7 +146,8 @@ constexpr std::array keys{
             .most = std::int64_t{1} << 40,
             .values = "bytes",
             .otherwise = [](const Site& usual) { return std::to_string(usual.session_memory); },
-            .about = "What the values of all sessions together take.",
+            .about = "What the values of all sessions together take; in a shared store with some "
+                     "1000 bytes for each session beside them, of all machines together.",
             .read = [](const SiteSetting& s,
                        Site& site) { site.session_memory = static_cast<std::size_t>(s.number()); }},
     SiteKey{

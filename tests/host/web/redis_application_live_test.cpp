@@ -136,6 +136,19 @@ TEST_F(SharedApplication, IsReadAsItWasWhileTheStoreIsAwayAndNotChanged) {
     EXPECT_TRUE(seen([&] { return one.get(u"m") == Variant(3); }));
 }
 
+// As a replica does that takes over and lacks the last change.
+TEST_F(SharedApplication, IsReadAnewFromAStoreThatHasGoneBack) {
+    RedisApplication third(*two_, 1ms);
+    Holder one(first_, 1s), other(third, 1s);
+    one.put(u"n", 1);
+    const std::string version = server_.ask({"HGET", "orvo:application:state", "v"});
+    one.put(u"n", 2);
+    EXPECT_TRUE(seen([&] { return other.get(u"n") == Variant(2); }));
+    server_.ask({"HSET", "orvo:application:state", "v", version});
+    one.put(u"n", 3);
+    EXPECT_TRUE(seen([&] { return other.get(u"n") == Variant(3); }));
+}
+
 TEST_F(SharedApplication, ShowsNothingInTheStore) {
     Holder(first_, 1s).put(u"secret-name", u"secret-value");
     std::string wide, dump = server_.dump();

@@ -103,21 +103,82 @@ TEST_F(SharedSessions, LoseNoChangeOfRequestsOnSeveralMachines) {
     EXPECT_EQ(value_of(first_, id), Variant(threads * rounds));
 }
 
-TEST_F(SharedSessions, TakeTwoRoundTripsOfARequestAndOneOfANewSession) {
-    create(first_);
-    auto before = commands(*one_);
+TEST_F(SharedSessions, TakeOneRoundTripOfARequestTwoWhereItChangesThemAndOneOfANewSession) {
+    const auto machine = machine_of(server_, clock(), no_end_of_gathering);
+    RedisSessions sessions(*machine);
+    create(sessions);
+    auto before = commands(*machine);
+    const std::string id = create(sessions, u"one");
+    EXPECT_EQ(commands(*machine) - before, 1u);
+    before = commands(*machine);
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(value_of(sessions, id), Variant(u"one"));
+    EXPECT_EQ(commands(*machine) - before, 3u);
+    before = commands(*machine);
+    sessions.open(id, 0ms)->data().values.put(u"v", u"two");
+    EXPECT_EQ(commands(*machine) - before, 2u);
+    before = commands(*machine);
+    EXPECT_EQ(sessions.open("", 0ms), nullptr);
+    EXPECT_EQ(sessions.open("no identifier of ours", 0ms), nullptr);
+    EXPECT_EQ(commands(*machine) - before, 0u);
+}
+
+TEST_F(SharedSessions, ThatWereNotChangedAreReleasedSoon) {
     const std::string id = create(first_, u"one");
-    EXPECT_EQ(commands(*one_) - before, 1u);
-    before = commands(*one_);
-    EXPECT_EQ(value_of(first_, id), Variant(u"one"));
-    EXPECT_EQ(commands(*one_) - before, 2u);
-    before = commands(*one_);
-    first_.open(id, 0ms)->data().values.put(u"v", u"two");
-    EXPECT_EQ(commands(*one_) - before, 2u);
-    before = commands(*one_);
-    EXPECT_EQ(first_.open("", 0ms), nullptr);
-    EXPECT_EQ(first_.open("no identifier of ours", 0ms), nullptr);
-    EXPECT_EQ(commands(*one_) - before, 0u);
+    value_of(first_, id);
+    EXPECT_TRUE(second_.open(id, 30s));
+}
+
+TEST_F(SharedSessions, ThatWereNotChangedAreReleasedByTheNextRequestOfTheirMachine) {
+    const auto machine = machine_of(server_, clock(), no_end_of_gathering);
+    RedisSessions sessions(*machine);
+    const std::string id = create(sessions, u"one"), next = create(sessions, u"next");
+    value_of(sessions, id);
+    EXPECT_EQ(status_of([&] { second_.open(id, 0ms); }), 503);
+    value_of(sessions, next);
+    EXPECT_EQ(value_of(second_, id), Variant(u"one"));
+    EXPECT_EQ(status_of([&] { second_.open(next, 0ms); }), 503);
+}
+
+TEST_F(SharedSessions, ThatWereNotChangedAreReleasedWhenTheirProgramEnds) {
+    auto machine = machine_of(server_, clock(), no_end_of_gathering);
+    auto sessions = std::make_unique<RedisSessions>(*machine);
+    const std::string id = create(*sessions, u"one");
+    value_of(*sessions, id);
+    EXPECT_EQ(status_of([&] { second_.open(id, 0ms); }), 503);
+    sessions.reset();
+    machine.reset();
+    EXPECT_EQ(value_of(second_, id), Variant(u"one"));
+}
+
+TEST_F(SharedSessions, ThatWereToBeReleasedWhenTheStoreWentAwayAreReleasedWhenItIsBack) {
+    FaultyProxy proxy(server_.port());
+    const auto machine = machine_of(by(proxy), clock(), no_end_of_gathering);
+    RedisSessions sessions(*machine);
+    const std::string id = create(sessions, u"one"), next = create(sessions, u"next");
+    value_of(sessions, id);
+    proxy.refuse_and_reset();
+    EXPECT_THROW(sessions.open(next, 0ms), StoreAway);
+    EXPECT_EQ(status_of([&] { second_.open(id, 0ms); }), 503);
+    proxy.pass_on();
+    // By the clock of the test its lock does not end.
+    EXPECT_TRUE(second_.open(id, 30s));
+}
+
+TEST_F(SharedSessions, ThatWereNotChangedAreGivenBackThoughTheStoreIsAway) {
+    const std::string id = create(first_, u"one");
+    const auto lease = first_.open(id, 0ms);
+    server_.kill();
+    EXPECT_NO_THROW(lease->close());
+}
+
+TEST_F(SharedSessions, AreUsedAtTheEndOfALongRequestToo) {
+    RedisSessions sessions(*one_, {.timeout = 20min}, 0ms);
+    const std::string id = create(sessions, u"one");
+    auto lease = sessions.open(id, 0ms);
+    now_ = now_.load() + 19min;
+    lease.reset();
+    now_ = now_.load() + 19min;
+    EXPECT_EQ(value_of(sessions, id), Variant(u"one"));
 }
 
 TEST_F(SharedSessions, AreWrittenWhereTheyWereChangedAlone) {
@@ -253,12 +314,34 @@ TEST_F(SharedSessions, AreNotKeptByWhoeverAskedForThemAndCouldNotWaitForTheAnswe
     const auto holder = [&] { return server_.ask({"HGET", key, "t"}); };
     // The store knows the script from now on, and carries it out at once.
     EXPECT_EQ(value_of(sessions, id), Variant(u"one"));
+    EXPECT_TRUE(seen([&] { return server_.ask({"HEXISTS", key, "u"}) == "0"; }));
     const std::string before = holder();
     proxy.slow_down(1h);
     EXPECT_THROW(lost.open(id, 0ms), StoreAway);
     EXPECT_NE(holder(), before) << "the question has arrived";
     proxy.pass_on();
     EXPECT_NE(sessions.open(id, SharedLocks::life / 2), nullptr);
+}
+
+TEST_F(SharedSessions, AreToldToBeAwayAndBackOnceInAWhile) {
+    std::mutex lock;
+    std::vector<std::string> said;
+    {
+        const auto machine = machine_of(store_settings(server_), clock(), no_end_of_gathering,
+                                        [&](const std::string& sentence) {
+                                            const std::lock_guard guard(lock);
+                                            said.push_back(sentence);
+                                        });
+        RedisSessions sessions(*machine);
+        server_.ask({"CONFIG", "SET", "maxmemory", "1"});
+        for (int i = 0; i < 5; ++i) {
+            EXPECT_THROW(create(sessions), StoreAway);
+            sessions.require();
+        }
+    }
+    ASSERT_EQ(said.size(), 2u);
+    EXPECT_NE(said[0].find("it is full: OOM command not allowed"), std::string::npos) << said[0];
+    EXPECT_EQ(said[1], "the shared store can be reached again");
 }
 
 TEST_F(SharedSessions, ThatCouldNotBeStoredWereNotTold) {

@@ -213,6 +213,7 @@ TEST_F(SessionObjectTest, AFieldOfAFormThatIsPutIsItsText) {
 TEST_F(SessionObjectTest, HasATimeoutAndATextThatIsNotItsIdentifier) {
     begin();
     EXPECT_EQ(late::get(session_, u"Timeout"), Variant(20));
+    EXPECT_EQ(site_.sessions.count(), 0u) << "reading it makes none";
     late::put(session_, u"Timeout", 5);
     EXPECT_EQ(late::get(session_, u"SessionID"), Variant(u"1"));
     EXPECT_THROW(late::put(session_, u"Timeout", 0), Failure);

@@ -245,13 +245,14 @@ TEST(RequestsOfOneSession, AreAsManyAsABrowserHasConnectionsWhereOthersHaveWorke
 TEST_P(EverySessionStore, ARequestThatWaitedDoesNotGetASessionThatWasRenewedMeanwhile) {
     const std::string id = create();
     auto lease = open(id);
-    std::atomic<bool> got = true;
-    std::thread waiting([&] { got = open(id, 5s) != nullptr; });
-    std::this_thread::sleep_for(20ms);
+    std::promise<void> waits;
+    auto got = std::async(std::launch::async, [&] {
+        return sessions_->open(id, 30s, [&] { return waits.set_value(), true; }) != nullptr;
+    });
+    waits.get_future().wait();
     lease->renew_id();
     lease.reset();
-    waiting.join();
-    EXPECT_FALSE(got);
+    EXPECT_FALSE(got.get());
 }
 
 TEST_P(EverySessionStore, WhereThereAreTooManyTheOldestUnusedOneGoesFirst) {

@@ -10,22 +10,28 @@ namespace {
 using namespace std::chrono_literals;
 using testing::Each;
 using testing::ElementsAre;
+using testing::IsEmpty;
+using Keys = std::vector<std::string>;
 
-// A store that is away until it is told to be back.
+constexpr std::chrono::hours no_end_of_gathering{1};
+
+// A store that is away until it is told to be back, and then knows all locks.
 class Store {
 public:
     SharedLocks::Run run() {
-        return [this](const store::Script&, const std::string& key, std::vector<std::string>) {
+        return [this](const store::Script&, const Keys& keys, std::vector<std::string>) {
             const std::lock_guard guard(lock_);
-            asked_.push_back(key);
+            asked_.push_back(keys);
             changed_.notify_all();
             if (is_away_) throw std::runtime_error("away");
-            return store::Reply(std::int64_t{1});
+            return store::Reply(
+                store::Reply::List(keys.size(), store::Reply(std::int64_t{knows_ ? 1 : 0})));
         };
     }
-    std::vector<std::string> asked_at_least(std::size_t count) {
+    // The keys of each call.
+    std::vector<Keys> asked_at_least(std::size_t count) {
         std::unique_lock guard(lock_);
-        changed_.wait_for(guard, 30s, [&] { return asked_.size() >= count; });
+        EXPECT_TRUE(changed_.wait_for(guard, 30s, [&] { return asked_.size() >= count; }));
         return asked_;
     }
     void come_back() {
@@ -33,21 +39,74 @@ public:
         asked_.clear();
         is_away_ = false;
     }
+    void forget_locks() { knows_ = false; }
 
 private:
     std::mutex lock_;
     std::condition_variable changed_;
-    std::vector<std::string> asked_;
+    std::vector<Keys> asked_;
     bool is_away_ = true;
+    std::atomic<bool> knows_ = true;
 };
 
-TEST(SharedLocks, OfAStoreThatIsAwayAreTriedByTheFirstOfThem) {
-    Store store;
-    SharedLocks locks(store.run());
-    for (const char* key : {"a", "b", "c"}) locks.release_later(key, std::string(key) + " token");
-    EXPECT_THAT(store.asked_at_least(4), Each("a"));
-    store.come_back();
-    EXPECT_THAT(store.asked_at_least(3), ElementsAre("a", "b", "c"));
+class SharedLocksTest : public testing::Test {
+protected:
+    Store store_;
+};
+
+TEST_F(SharedLocksTest, OfAStoreThatIsAwayAreTriedTogetherUntilItIsBack) {
+    SharedLocks locks(store_.run());
+    locks.release_later({{"a", "1"}, {"b", "2"}, {"c", "3"}});
+    EXPECT_THAT(store_.asked_at_least(3), Each(ElementsAre("a", "b", "c")));
+    store_.come_back();
+    EXPECT_THAT(store_.asked_at_least(1), ElementsAre(ElementsAre("a", "b", "c")));
+}
+
+// The question that takes one may arrive later.
+TEST_F(SharedLocksTest, ThatTheStoreDoesNotKnowAreTriedAgain) {
+    store_.come_back();
+    store_.forget_locks();
+    SharedLocks locks(store_.run());
+    locks.release_later({{"a", "1"}});
+    EXPECT_THAT(store_.asked_at_least(3), Each(ElementsAre("a")));
+}
+
+TEST_F(SharedLocksTest, ThatAreReleasedSoonAreReleasedWithoutAnyOtherRequest) {
+    store_.come_back();
+    SharedLocks locks(store_.run());
+    locks.release_soon("a", "1");
+    EXPECT_THAT(store_.asked_at_least(1), ElementsAre(ElementsAre("a")));
+}
+
+TEST_F(SharedLocksTest, ThatAreReleasedSoonAreReleasedTogetherAndAtTheEndAtTheLatest) {
+    store_.come_back();
+    {
+        SharedLocks locks(store_.run(), no_end_of_gathering);
+        for (const char* key : {"a", "b", "c"}) locks.release_soon(key, "1");
+        EXPECT_THAT(store_.asked_at_least(0), IsEmpty());
+    }
+    EXPECT_THAT(store_.asked_at_least(0), ElementsAre(ElementsAre("a", "b", "c")));
+}
+
+TEST_F(SharedLocksTest, ThatAreReleasedSoonAreTriedAgainWhereTheStoreIsAway) {
+    SharedLocks locks(store_.run());
+    locks.release_soon("a", "1");
+    EXPECT_THAT(store_.asked_at_least(2), Each(ElementsAre("a")));
+    store_.come_back();
+    EXPECT_THAT(store_.asked_at_least(1), ElementsAre(ElementsAre("a")));
+}
+
+TEST_F(SharedLocksTest, ThatSomebodyTakesAlongAreNobodyElsesToRelease) {
+    store_.come_back();
+    {
+        SharedLocks locks(store_.run(), no_end_of_gathering);
+        locks.release_soon("a", "1");
+        locks.release_soon("b", "2");
+        EXPECT_THAT(locks.take_along(),
+                    ElementsAre(SharedLocks::Lock{"a", "1"}, SharedLocks::Lock{"b", "2"}));
+        EXPECT_THAT(locks.take_along(), IsEmpty());
+    }
+    EXPECT_THAT(store_.asked_at_least(0), IsEmpty());
 }
 
 }  // namespace
