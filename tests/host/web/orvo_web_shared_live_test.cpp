@@ -60,6 +60,19 @@ TEST_F(SharedOrvoWebTest, WithoutTheStoreNobodyIsLetInAndOpenPagesWork) {
     EXPECT_TRUE(says("the shared store can be reached again"));
 }
 
+TEST_F(SharedOrvoWebTest, AFullStoreLetsNobodyNewIn) {
+    Browser browser(first_port_);
+    redis_.ask({"CONFIG", "SET", "maxmemory", "1"});
+    const HttpResult refused = log_in(browser, "jsmith", "shop-sample");
+    EXPECT_EQ(refused->body, "login failed");
+    EXPECT_NE(content_of(folder_.path() / "orvo.log").find("(it is full: OOM "), std::string::npos);
+    EXPECT_TRUE(browser.cookies.empty());
+    EXPECT_EQ(browser.get("/default.asp")->body, "home");
+    redis_.ask({"CONFIG", "SET", "maxmemory", "0"});
+    EXPECT_EQ(status(log_in(browser, "jsmith", "shop-sample")), 303);
+    EXPECT_EQ(browser.get("/account/")->body, "jsmith|jsmith");
+}
+
 TEST_F(SharedOrvoWebTest, AProgramThatStandsStillForTooLongOverwritesNothing) {
     Browser browser(first_port_), other(second_port_);
     ASSERT_EQ(browser.get("/put.asp")->body, "1");
