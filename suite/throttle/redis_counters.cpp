@@ -1,11 +1,8 @@
 #include "suite/throttle/redis_counters.h"
 
-#include "suite/store/keyring.h"
-
 namespace orvo::throttle {
 namespace {
 
-using store::Keyring;
 using store::Script;
 
 // What a Budget and the limits are, as memory_counters.cpp has it. A budget is the text
@@ -261,10 +258,14 @@ std::vector<std::int64_t> numbers_of(const store::Reply& reply) {
 
 }  // namespace
 
+std::string RedisCounters::name_of(const std::string& guessable) const {
+    return site_->keyring.names_of(guessable).front();
+}
+
 std::vector<std::string> RedisCounters::keys(const Attempt& attempt) const {
-    std::vector<std::string> keys{redis_->key("throttle:user", Keyring::name_of(attempt.user))};
+    std::vector<std::string> keys{redis_.key("throttle:user", name_of(attempt.user))};
     if (!attempt.address.empty() && !attempt.is_of_user_only)
-        keys.push_back(redis_->key("throttle:address", Keyring::name_of(attempt.address)));
+        keys.push_back(redis_.key("throttle:address", name_of(attempt.address)));
     return keys;
 }
 
@@ -273,7 +274,7 @@ std::string RedisCounters::time() const { return now_ ? decimal(now_()) : std::s
 std::vector<std::string> RedisCounters::arguments(const Attempt& attempt,
                                                   const Limits& limits) const {
     return {time(),
-            attempt.address.empty() ? std::string() : Keyring::name_of(attempt.address),
+            attempt.address.empty() ? std::string() : name_of(attempt.address),
             std::to_string(limits.user.most),
             decimal(limits.user.each),
             std::to_string(limits.address.most),
@@ -284,7 +285,7 @@ std::vector<std::string> RedisCounters::arguments(const Attempt& attempt,
 
 Place RedisCounters::reserve(const Attempt& attempt, const Limits& limits) {
     const auto numbers =
-        numbers_of(redis_->run(reserve_script(), keys(attempt), arguments(attempt, limits)));
+        numbers_of(redis_.run(reserve_script(), keys(attempt), arguments(attempt, limits)));
     return {.room = static_cast<Room>(numbers.at(0)),
             .source = static_cast<Source>(numbers.at(1)),
             .wrong = static_cast<int>(numbers.at(2))};
@@ -296,22 +297,22 @@ void RedisCounters::settle(const Attempt& attempt, const Place& place, Outcome o
     all.push_back(std::to_string(static_cast<int>(place.source)));
     all.push_back(std::to_string(static_cast<int>(outcome)));
     all.push_back(std::to_string(most_known_addresses));
-    redis_->run(settle_script(), keys(attempt), all);
+    redis_.run(settle_script(), keys(attempt), all);
 }
 
 bool RedisCounters::clear(const std::string& user) {
-    return redis_->run_repeatable(clear_script(), keys({user, {}}), {time(), ""}).integer() != 0;
+    return redis_.run_repeatable(clear_script(), keys({user, {}}), {time(), ""}).integer() != 0;
 }
 
 bool RedisCounters::clear_address(const std::string& address) {
-    return redis_->run_repeatable(clear_address_script(), keys({{}, address}), {time(), ""})
+    return redis_.run_repeatable(clear_address_script(), keys({{}, address}), {time(), ""})
                .integer() != 0;
 }
 
 std::vector<CountedBudget> RedisCounters::state(const Attempt& attempt, const Limits& limits) {
     constexpr std::size_t columns = 5;
     const auto numbers = numbers_of(
-        redis_->run_repeatable(state_script(), keys(attempt), arguments(attempt, limits)));
+        redis_.run_repeatable(state_script(), keys(attempt), arguments(attempt, limits)));
     std::vector<CountedBudget> all;
     for (std::size_t row = 0; row + columns <= numbers.size(); row += columns)
         all.push_back({static_cast<CountedBudget::Of>(numbers[row]),

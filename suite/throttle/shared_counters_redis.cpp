@@ -18,9 +18,9 @@ private:
 }  // namespace
 
 std::unique_ptr<Counters> shared_counters(Counters& local) {
-    const auto site = store::site_store();
+    auto site = store::site_store();
     if (!site) return nullptr;
-    return std::make_unique<SiteCounters>(std::make_unique<RedisCounters>(site->redis), local);
+    return std::make_unique<SiteCounters>(std::make_unique<RedisCounters>(std::move(site)), local);
 }
 
 }  // namespace orvo::throttle

@@ -15,8 +15,9 @@ namespace {
 std::unique_ptr<throttle::Counters> shared_counters(const std::filesystem::path& site) {
     store::Settings settings = store::read_settings(*load_ini_file(site), site);
     if (!settings.is_shared()) return nullptr;
-    return std::make_unique<throttle::RedisCounters>(
-        std::make_shared<store::Redis>(std::move(settings)));
+    store::Keyring keyring = store::Keyring::read(settings.key_file);
+    return std::make_unique<throttle::RedisCounters>(std::make_shared<store::SiteStore>(
+        store::SiteStore{std::make_shared<store::Redis>(std::move(settings)), std::move(keyring)}));
 }
 
 // Also where there is a shared store: while that was away a host has counted in its memory.

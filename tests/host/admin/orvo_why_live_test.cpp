@@ -13,8 +13,8 @@
 #include "tests/host/admin/orvo_program.h"
 #include "tests/support/environment.h"
 #include "tests/support/ldap_probe.h"
-#include "tests/support/redis_server.h"
 #include "tests/support/slapd.h"
+#include "tests/support/store_settings.h"
 #include "tests/support/throttle_setting.h"
 
 namespace orvo {
@@ -416,8 +416,7 @@ TEST_F(OrvoWhyServer, TellsOfTheThrottleByAllNamesOfAUserAndUnlockEndsIt) {
         {.directory = ORVO_SOURCE_DIR "/examples/directories/openldap", .suffix = "o=Company"});
     std::ofstream(server.site_ini(), std::ios::app)
         << "\n[THROTTLE]\nOn=yes\nAttempts=2\n" + store.site_section();
-    throttle::RedisCounters counters(std::make_shared<store::Redis>(
-        store::Settings{.addresses = {{"127.0.0.1", store.port()}}}));
+    throttle::RedisCounters counters(store_of(store));
     const auto limits = throttle::limits_of({.attempts = 2});
     const std::string entry = "uid=djansen,ou=Warehouse,ou=People,o=Company";
     const auto guess = [&](const std::string& name) {

@@ -9,7 +9,7 @@
 #include "suite/throttle/gate.h"
 #include "suite/throttle/memory_counters.h"
 #include "suite/throttle/redis_counters.h"
-#include "tests/support/redis_server.h"
+#include "tests/support/store_settings.h"
 
 namespace orvo::throttle {
 namespace {
@@ -21,9 +21,7 @@ const Attempt owner_at_home{"jsmith", "198.51.100.1"};
 class AttackTest : public testing::Test {
 protected:
     struct Node {
-        explicit Node(const RedisServer& server)
-            : shared(std::make_shared<store::Redis>(
-                  store::Settings{.addresses = {{"127.0.0.1", server.port()}}})) {}
+        explicit Node(const RedisServer& server) : shared(store_of(server)) {}
 
         RedisCounters shared;
         MemoryCounters local;

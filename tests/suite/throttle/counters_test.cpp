@@ -4,7 +4,7 @@
 
 #include "suite/throttle/memory_counters.h"
 #include "suite/throttle/redis_counters.h"
-#include "tests/support/redis_server.h"
+#include "tests/support/store_settings.h"
 
 namespace orvo::throttle {
 namespace {
@@ -25,9 +25,7 @@ const CountersKind kinds[] = {
     {"redis",
      [](std::function<Moment()> now) -> std::unique_ptr<Counters> {
          redis_server().ask({"FLUSHALL"});
-         store::Settings settings{.addresses = {{"127.0.0.1", redis_server().port()}}};
-         return std::make_unique<RedisCounters>(std::make_shared<store::Redis>(std::move(settings)),
-                                                std::move(now));
+         return std::make_unique<RedisCounters>(store_of(redis_server()), std::move(now));
      }},
 };
 INSTANTIATE_TEST_SUITE_P(Stores, CountersTest, testing::ValuesIn(kinds),

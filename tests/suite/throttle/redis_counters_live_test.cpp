@@ -12,7 +12,7 @@
 #include "tests/suite/throttle/counters_test.h"
 #include "tests/support/child_process.h"
 #include "tests/support/environment.h"
-#include "tests/support/redis_server.h"
+#include "tests/support/store_settings.h"
 
 namespace orvo::throttle {
 namespace {
@@ -28,8 +28,7 @@ class RedisCountersTest : public testing::Test {
 protected:
     // As another process has them.
     std::unique_ptr<RedisCounters> counters() {
-        store::Settings settings{.addresses = {{"127.0.0.1", server_.port()}}};
-        return std::make_unique<RedisCounters>(std::make_shared<store::Redis>(std::move(settings)));
+        return std::make_unique<RedisCounters>(store_of(server_));
     }
     bool try_with(Counters& counters, const Attempt& attempt, Outcome outcome) {
         const Place place = counters.reserve(attempt, limits_);
@@ -74,8 +73,10 @@ TEST_F(RedisCountersTest, NeitherNamesNorAddressesStandThere) {
     const std::string dump = server_.dump();
     EXPECT_THAT(dump, HasSubstr("orvo:throttle:user:"));
     for (const std::string& plain :
-         {jsmith_at_home.user, jsmith_at_home.address, jsmith_elsewhere.address})
+         {jsmith_at_home.user, jsmith_at_home.address, jsmith_elsewhere.address}) {
         EXPECT_THAT(dump, Not(HasSubstr(plain)));
+        EXPECT_THAT(dump, Not(HasSubstr(store::Keyring::name_of(plain)))) << "which anybody makes";
+    }
 }
 
 TEST_F(RedisCountersTest, ABurstFromSeveralProcessesGetsNoMoreThanThereMayBe) {
