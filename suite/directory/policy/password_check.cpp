@@ -37,10 +37,13 @@ bool says_disabled(std::string_view message) {
             words.find("disabled") != std::string::npos);
 }
 
-std::optional<int> judged_by_policy(int code, const PasswordPolicy& policy) {
+std::optional<int> judged_by_policy(int code, std::string_view message,
+                                    const PasswordPolicy& policy) {
     // 0 and 2 are reported for the right password only.
     if (policy.error == 0 || policy.error == 2) return password_check::expired;
-    if (policy.error == 1) return password_check::locked;
+    // Some servers have that number for both, and tell them apart in the message.
+    if (policy.error == 1)
+        return says_disabled(message) ? password_check::disabled : password_check::locked;
     if (policy.logins_left && code == result_code::success) return password_check::expired;
     return std::nullopt;
 }
@@ -54,7 +57,7 @@ std::optional<int> judged_by_message(std::string_view message) {
 }  // namespace
 
 std::optional<int> judged(int code, std::string_view message, const PasswordPolicy& policy) {
-    const std::optional<int> by_policy = judged_by_policy(code, policy);
+    const std::optional<int> by_policy = judged_by_policy(code, message, policy);
     switch (code) {
         case result_code::success:
             return by_policy.value_or(password_check::right);

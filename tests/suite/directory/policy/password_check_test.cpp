@@ -56,6 +56,7 @@ TEST(PasswordCheck, OfAnAccountThatTheServerCallsDisabledSaysSo) {
     EXPECT_EQ(judged(53, "Account inactivated. Contact system administrator."), -3);
     EXPECT_EQ(judged(53, "The account is DISABLED."), -3);
     EXPECT_EQ(judged(49, "account disabled"), -3);
+    EXPECT_EQ(judged(53, "Account inactivated. Contact system administrator.", locked), -3);
 }
 
 TEST(PasswordCheck, OfAnUnwillingServerIsAFailureOtherwise) {
