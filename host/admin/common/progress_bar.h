@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <ostream>
 #include <string>
@@ -13,7 +14,8 @@ class ProgressBar {
 public:
     using Clock = std::chrono::steady_clock;
 
-    ProgressBar(std::ostream& terminal, std::string what);
+    // `columns`: of the terminal, which the line is fitted into; 0: as wide as anything.
+    ProgressBar(std::ostream& terminal, std::string what, std::size_t columns = 0);
     ~ProgressBar();
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
@@ -25,8 +27,11 @@ public:
     void clear();
 
 private:
+    std::string drawn(std::uint64_t percent, const std::string& more) const;
+
     std::ostream& terminal_;
     std::string what_;
+    const std::size_t columns_;
     std::size_t width_ = 0;  // of what stands there
     Clock::time_point next_{};
 };

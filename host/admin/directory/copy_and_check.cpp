@@ -1,5 +1,3 @@
-#include <unistd.h>
-
 #include <iostream>
 #include <map>
 #include <memory>
@@ -7,6 +5,7 @@
 #include <set>
 
 #include "host/admin/common/progress_bar.h"
+#include "host/admin/common/terminal.h"
 #include "host/admin/common/texts.h"
 #include "host/admin/directory/directory_admin.h"
 #include "suite/directory/embedded/store/store.h"
@@ -64,7 +63,8 @@ private:
 void back_up(const std::filesystem::path& store, const std::filesystem::path& copy) {
     const std::shared_ptr<Store> opened = Store::open(store);
     std::optional<ProgressBar> bar;
-    if (::isatty(STDERR_FILENO)) bar.emplace(std::cerr, "Copying " + store.string());
+    const Terminal terminal = Terminal::of_errors();
+    if (terminal.is_there) bar.emplace(std::cerr, "Copying " + store.string(), terminal.width);
     opened->backup(copy, [&](int done, int all) {
         if (bar) bar->tell(static_cast<std::uint64_t>(done), static_cast<std::uint64_t>(all), {});
     });

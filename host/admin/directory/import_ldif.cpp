@@ -1,5 +1,3 @@
-#include <unistd.h>
-
 #include <chrono>
 #include <iostream>
 #include <memory>
@@ -8,6 +6,7 @@
 
 #include "host/admin/common/input_file.h"
 #include "host/admin/common/progress_bar.h"
+#include "host/admin/common/terminal.h"
 #include "host/admin/common/texts.h"
 #include "host/admin/directory/directory_admin.h"
 #include "suite/directory/embedded/directory/directory.h"
@@ -22,7 +21,8 @@ using namespace directory::embedded;
 
 void load(InputFile& file, Loader& loader) {
     std::optional<ProgressBar> bar;
-    if (::isatty(STDERR_FILENO)) bar.emplace(std::cerr, "Loading " + file.name());
+    const Terminal terminal = Terminal::of_errors();
+    if (terminal.is_there) bar.emplace(std::cerr, "Loading " + file.name(), terminal.width);
     LdifReader reader(file.stream());
     while (std::optional<LdifRecord> record = reader.next()) {
         const std::int64_t line = record->line;
@@ -57,7 +57,9 @@ void import_ldif(const ImportRequest& request) {
     }
     {
         std::optional<ProgressBar> bar;
-        if (::isatty(STDERR_FILENO)) bar.emplace(std::cerr, "Writing " + store->path().string());
+        const Terminal terminal = Terminal::of_errors();
+        if (terminal.is_there)
+            bar.emplace(std::cerr, "Writing " + store->path().string(), terminal.width);
         if (bar) bar->tell(0, 0, {});
         loader.commit();
     }

@@ -46,6 +46,8 @@ int export_users(const ExportUsersRequest& request) {
         write_users(site, request, std::cout);
         return done;
     }
+    if (std::filesystem::exists(request.file))
+        throw std::runtime_error(request.file.string() + " is there already");
     directory::embedded::NewFile made(request.file);
     std::ofstream out(made.path(), std::ios::binary);
     const std::size_t count = write_users(site, request, out);

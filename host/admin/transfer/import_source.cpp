@@ -15,6 +15,8 @@
 #include "suite/directory/ldif/ldif_writer.h"
 #include "suite/directory/names/ascii.h"
 #include "suite/directory/names/distinguished_name.h"
+#include "suite/directory/policy/password_attributes.h"
+#include "suite/directory/policy/stored_password.h"
 
 namespace orvo::admin {
 namespace {
@@ -22,12 +24,18 @@ namespace {
 using directory::ascii::equal_ignoring_case;
 
 bool is_password(std::string_view attribute) {
-    return equal_ignoring_case(attribute, "userPassword") ||
-           equal_ignoring_case(attribute, "password");
+    return directory::is_password(attribute) || equal_ignoring_case(attribute, "password");
 }
 
 bool is_blank(const std::string& text) {
     return text.find_first_not_of(" \t") == std::string::npos;
+}
+
+// What another directory keeps of a password would be taken for the password itself: whoever has
+// seen it could log in with it, and the user could not.
+void refuse_hash(ImportRow& row) {
+    if (row.fault.empty() && directory::is_known_hash(row.password))
+        row.fault = "its password is a hash, and passwords alone are taken: leave it out";
 }
 
 // What a file of refused rows says of them.
@@ -70,6 +78,7 @@ public:
         if (row.fault.empty() && is_blank(row.name)) row.fault = "it has no name";
         if (row.fault.empty() && names.size() > 1) row.fault = "it has several names";
         for (std::size_t i = 0; i < columns_.size(); ++i) take(i, cells[i], row);
+        refuse_hash(row);
         return row;
     }
 
@@ -141,6 +150,7 @@ public:
             if (!attribute.values.empty()) row.password = attribute.values.front();
             return true;
         });
+        refuse_hash(row);
         append_ldif(row.written, record->entry);
         for (directory::Attribute& attribute : record->entry.attributes)
             if (!equal_ignoring_case(attribute.name, place_.naming_attribute) &&
@@ -178,15 +188,17 @@ private:
 // Looks at the beginning, and leaves it to be read.
 bool is_ldif(std::istream& in) {
     std::string begin;
-    while (begin.size() < 4 && in.peek() != std::istream::traits_type::eof()) {
-        // Comments and empty lines stand in front of an LDIF file's first line alone.
-        if (in.peek() == '#') return true;
+    std::size_t first = 0;  // behind empty lines
+    while (begin.size() < first + 4 && in.peek() != std::istream::traits_type::eof()) {
         begin += static_cast<char>(in.get());
+        if (begin.size() == first + 1 && (begin.back() == '\n' || begin.back() == '\r')) ++first;
     }
     in.clear();
     for (auto c = begin.rbegin(); c != begin.rend(); ++c) in.putback(*c);
-    return directory::ascii::equal_ignoring_case(begin.substr(0, 3), "dn:") ||
-           directory::ascii::equal_ignoring_case(begin, "vers");
+    const std::string_view line = std::string_view(begin).substr(first);
+    // Of the two, LDIF alone has comments.
+    return line.starts_with('#') || equal_ignoring_case(line.substr(0, 3), "dn:") ||
+           equal_ignoring_case(line, "vers");
 }
 
 }  // namespace

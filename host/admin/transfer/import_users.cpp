@@ -43,8 +43,9 @@ public:
     int run() {
         InputFile file(request_.file);
         std::optional<ProgressBar> bar;
-        if (Terminal::of_errors().is_there && !request_.common.is_quiet && !request_.is_dry_run)
-            bar.emplace(std::cerr, "Importing " + file.name());
+        const Terminal terminal = Terminal::of_errors();
+        if (terminal.is_there && !request_.common.is_quiet && !request_.is_dry_run)
+            bar.emplace(std::cerr, "Importing " + file.name(), terminal.width);
         RefusedRows refused(request_.refused, file.name());
         std::int64_t line = 0;
         try {
@@ -79,16 +80,18 @@ private:
 
     void take(const ImportRow& row, const ImportSource& source, RefusedRows& refused,
               std::optional<ProgressBar>& bar) {
+        std::string what;
         try {
-            const std::string what = carry_out(row);
-            if (request_.is_dry_run && !what.empty())
-                put(std::cout, "line " + std::to_string(row.line) + ": " + printable(row.name) +
-                                   ": " + what + "\n");
+            what = carry_out(row);
         } catch (const std::exception& failure) {
             if (is_of_whole_directory(failure)) throw;
             if (bar) bar->clear();
             refused.add(row, source, told(failure));
+            return;
         }
+        if (request_.is_dry_run)
+            put(std::cout, "line " + std::to_string(row.line) + ": " + printable(row.name) + ": " +
+                               what + "\n");
     }
 
     // What was or would be done.

@@ -48,6 +48,24 @@ TEST(AProgressBar, HasNoPartOfWhatNobodyKnows) {
     EXPECT_TRUE(terminal.str().starts_with("\rLoading, 7 entries\r"));
 }
 
+// Otherwise it would go on in the terminal's next line, and never be drawn over itself again.
+TEST(AProgressBar, IsNoWiderThanTheTerminal) {
+    const auto drawn = [](std::size_t columns, const std::string& what) {
+        std::ostringstream terminal;
+        ProgressBar bar(terminal, what, columns);
+        bar.tell(1, 2, "3702 made, 1 refused");
+        return terminal.str();
+    };
+    EXPECT_EQ(drawn(68, "Loading"), "\rLoading [" + std::string(15, '#') + std::string(15, '-') +
+                                        "] 50 %, 3702 made, 1 refused");
+    EXPECT_EQ(drawn(48, "Loading"), "\rLoading [#####-----] 50 %, 3702 made, 1 refused");
+    EXPECT_EQ(drawn(43, "Loading"), "\rLoading [##---] 50 %, 3702 made, 1 refused");
+    EXPECT_EQ(drawn(42, "Loading"), "\rLoading 50 %, 3702 made, 1 refused");
+    EXPECT_EQ(drawn(35, "Loading"), "\rLoading 50 %, 3702 made, 1 refused");
+    EXPECT_EQ(drawn(34, "Loading"), "\rLoading 50 %, 3702 made, 1 refus…");
+    EXPECT_EQ(drawn(10, "日本日本日本"), "\r日本日本…");
+}
+
 TEST(AProgressBar, LeavesNoTraceWhereNothingWasTold) {
     std::ostringstream terminal;
     { ProgressBar bar(terminal, "Loading"); }

@@ -11,6 +11,7 @@ namespace {
 
 using testing::AllOf;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
@@ -65,6 +66,17 @@ TEST_P(OrvoTransfer, SaysLineByLineWhatItWouldDo) {
               "standard input: 1 would be made, 1 would be changed, 1 unchanged, 0 refused.\n");
     EXPECT_THAT(values("grace", "sn"), ElementsAre("Hopper, Grace"));
     EXPECT_THAT(done({"users", "list", "--name", "kay"}), Not(HasSubstr("McNulty")));
+}
+
+// The rows are not to blame for it.
+TEST_P(OrvoTransfer, ADryRunEndsWhereNobodyTakesWhatItSays) {
+    std::string csv = "cn,sn\r\n";
+    for (int i = 0; i < 500; ++i) csv += "user" + std::to_string(i) + ",Name\r\n";
+    const std::string said =
+        output_of({"/bin/sh", "-c", "\"$0\" import --dry-run \"$1\" >/dev/full; echo $? >&2",
+                   ORVO_ADMIN, file("many.csv", csv)});
+    EXPECT_THAT(said, AllOf(HasSubstr(", standard output cannot be written: No space left"),
+                            HasSubstr(" 0 refused before that"), EndsWith("\n1\n")));
 }
 
 TEST_P(OrvoTransfer, ChangesWhoIsThereWhenItIsToldTo) {
@@ -147,8 +159,8 @@ TEST_P(OrvoTransfer, AnExportIsWhatAnImportNeeds) {
               path("all.ldif") + ": 1 made, 0 changed, 196 unchanged, 0 refused.\n");
     EXPECT_EQ(done({"import", path("all.csv")}),
               path("all.csv") + ": 0 made, 0 changed, 197 unchanged, 0 refused.\n");
-    EXPECT_THAT(refused({"export", path("all.csv")}), HasSubstr("all.csv"))
-        << "no file is replaced";
+    EXPECT_EQ(refused({"export", path("all.csv")}),
+              "orvo: " + path("all.csv") + " is there already\n");
 }
 
 TEST_P(OrvoTransfer, TakesUsersOfAnLdifFileAlone) {
@@ -171,10 +183,35 @@ TEST_P(OrvoTransfer, TakesUsersOfAnLdifFileAlone) {
                       Not(HasSubstr("secret"))));
 }
 
+// A hash would be taken for the password.
+TEST_P(OrvoTransfer, RefusesHashesAsPasswords) {
+    const std::string hash = "{SSHA}ZEY7CJzuIUOwCnYfXDhYj4IpoL6NqH2iQGg31g==";
+    for (const std::string& text : {"cn,sn,password\nada,Lovelace," + hash + "\n",
+                                    "dn: " + directory_->user_dn("ada") +
+                                        "\ncn: ada\nsn: Lovelace\nuserPassword: " + hash + "\n"}) {
+        const Ended ended = orvo({"import", "-"}, text);
+        EXPECT_EQ(ended.code, 1);
+        EXPECT_THAT(ended.err, HasSubstr(": ada: its password is a hash, and passwords alone are "
+                                         "taken: leave it out\n"));
+        EXPECT_THAT(ended.err, Not(HasSubstr("SSHA")));
+    }
+    EXPECT_THAT(directory_->find("ou=Users,o=Shop", "(cn=ada)"), ElementsAre());
+}
+
+TEST_P(OrvoTransfer, TellsLdifBehindCommentsAndEmptyLines) {
+    const std::string entry = "dn: " + directory_->user_dn("ada") + "\ncn: ada\nsn: Love\n  lace\n";
+    for (const std::string begin : {"\n\n", "\r\n# people\n\n", "# people\n"})
+        EXPECT_THAT(orvo({"import", "-", "--dry-run"}, begin + entry).out,
+                    StartsWith("line " + std::to_string(std::ranges::count(begin, '\n') + 1) +
+                               ": ada: would be made\n"));
+    EXPECT_THAT(done({"import", "-", "--dry-run"}, "\n\ncn,sn\r\nada,Lovelace\r\n"),
+                StartsWith("line 4: ada: would be made\n"));
+}
+
 TEST_P(OrvoTransfer, ShowsHowFarItIsOnATerminalAlone) {
     std::string csv = "cn,sn\r\n";
     for (int i = 0; i < 50; ++i) csv += "user" + std::to_string(i) + ",Name\r\n";
-    PseudoTerminal terminal({ORVO_ADMIN, "import", file("many.csv", csv)});
+    PseudoTerminal terminal({ORVO_ADMIN, "import", file("many.csv", csv)}, 160);
     EXPECT_EQ(terminal.wait(), 0);
     EXPECT_THAT(terminal.shown(), AllOf(HasSubstr("\rImporting " + path("many.csv") + " ["),
                                         HasSubstr("50 made, 0 changed, 0 unchanged, 0 refused.")));
