@@ -51,7 +51,8 @@ std::optional<std::string> try_told_by_component(const std::exception& failure) 
     const auto* error = dynamic_cast<const Error*>(&failure);
     if (!error) return std::nullopt;
     std::string cause(cause_in(error->description()));
-    while (cause.ends_with('.')) cause.pop_back();
+    // Some servers end their messages with a line's end.
+    while (cause.ends_with('.') || cause.ends_with('\n')) cause.pop_back();
     const auto known = std::ranges::find(advice, error->number(), &Advice::number);
     if (known == std::end(advice)) return cause.empty() ? error->what() : cause;
     return std::string(known->sentence) + (cause.empty() ? "" : " (" + cause + ")");

@@ -1,6 +1,7 @@
 #include "host/admin/common/options.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 
 namespace orvo::admin {
 namespace {
@@ -24,9 +25,15 @@ void add_row_options(CLI::App& command, RowOptions& options) {
         ->type_name("FORMAT")
         ->check(CLI::IsMember({"table", "csv", "json", "ldif"}))
         ->default_str(std::string(name_of(options.format)));
+    const auto trim = [](std::string& name) {
+        name.erase(0, std::min(name.find_first_not_of(' '), name.size()));
+        name.erase(name.find_last_not_of(' ') + 1);
+        return name.empty() ? "a column has no name" : std::string();
+    };
     command
         .add_option("--columns", options.columns, "The columns, by their attributes: cn,mail,sn")
         ->type_name("NAMES")
+        ->transform(CLI::Validator(trim, ""))
         ->delimiter(',')
         ->allow_extra_args(false);
 }

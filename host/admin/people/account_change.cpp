@@ -5,6 +5,7 @@
 #include "host/admin/common/component_failure.h"
 #include "host/admin/diagnosis/lockout.h"
 #include "host/admin/people/entry_values.h"
+#include "suite/directory/names/ascii.h"
 
 namespace orvo::admin {
 namespace {
@@ -91,7 +92,9 @@ class LockAttributeKeeper : public Keeper {
     static constexpr const char* lock = "nsAccountLock";
     static constexpr const char* unlock_time = "accountUnlockTime";
 
-    bool is_disabled(const Account& account) const override { return account.has(lock); }
+    bool is_disabled(const Account& account) const override {
+        return directory::ascii::equal_ignoring_case(account.value(lock), "true");
+    }
     void put_disabled(const Account& account, bool disabled) const override {
         if (disabled)
             account.write(lock, "true");

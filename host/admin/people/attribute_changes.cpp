@@ -5,6 +5,7 @@
 
 #include "host/admin/common/exit_codes.h"
 #include "host/admin/common/texts.h"
+#include "suite/directory/policy/password_attributes.h"
 
 namespace orvo::admin {
 namespace {
@@ -33,7 +34,7 @@ std::vector<AttributeChange> parse_assignments(const std::vector<std::string>& a
             throw Misuse("'" + assignment + "' is not of the form attribute=value");
         const std::string name = assignment.substr(0, equals),
                           value = assignment.substr(equals + 1);
-        if (lower(name) == "userpassword")
+        if (directory::is_password(name))
             throw Misuse("a password is set with orvo users password");
         const auto known = std::ranges::find(
             changes, lower(name),

@@ -48,7 +48,9 @@ void add_user_list_options(CLI::App& command, UserListRequest& request) {
         ->allow_extra_args(false);
     command.add_option("--after", filter.after, "Who come behind this name")
         ->type_name(user_argument);
-    command.add_option("--limit", request.limit, "No more than so many users")->type_name("N");
+    command.add_option("--limit", request.limit, "No more than so many users")
+        ->check(CLI::NonNegativeNumber)
+        ->type_name("N");
     add_row_options(command, request.rows);
     add_common_options(command, request.common);
 }
