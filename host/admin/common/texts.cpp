@@ -9,6 +9,7 @@
 
 #include "host/admin/common/component_failure.h"
 #include "platform/values/failure.h"
+#include "suite/directory/names/ascii.h"
 
 namespace orvo::admin {
 
@@ -26,6 +27,21 @@ std::string printable(std::string_view text) {
     std::ranges::replace_if(
         result, [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7F'; }, '?');
     return result;
+}
+
+std::string shell_word(std::string_view text) {
+    const auto is_plain = [](char c) {
+        return static_cast<unsigned char>(c) >= 0x80 || directory::ascii::is_alphanumeric(c) ||
+               std::string_view("@%+=:,./_-").find(c) != std::string_view::npos;
+    };
+    if (!text.empty() && std::ranges::all_of(text, is_plain)) return std::string(text);
+    std::string word = "'";
+    for (const char c : text)
+        if (c == '\'')
+            word += "'\\''";
+        else
+            word += c;
+    return word + '\'';
 }
 
 bool is_utf8(std::string_view octets) { return to_utf8(from_utf8(octets)) == octets; }

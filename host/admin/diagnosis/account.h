@@ -24,6 +24,11 @@ struct Policy {
     directory::PasswordRules rules = {};
 };
 
+// The rules of other makes' policies, as far as the readers below go by them.
+directory::PasswordRules rules_of_389(const directory::EntryData& policy);
+// `policy`: of the domain, or of its own for some users.
+directory::PasswordRules rules_of_active_directory(const directory::EntryData& policy);
+
 struct Account {
     std::string user;  // as it was asked for
     directory::EntryData entry;
@@ -50,5 +55,12 @@ std::string readable_from(std::chrono::sys_seconds now, std::chrono::sys_seconds
 
 // "3 wrong passwords"
 std::string wrong_passwords(std::size_t count);
+
+// Whether the user's policy asks for it; one that is hidden may.
+bool is_in_force(const Account& account, bool directory::PasswordRules::*rule);
+// Of an account that is not locked, with these wrong passwords: how many lock it.
+Finding not_locked(const Account& account, std::size_t failures);
+// Of a password that is good for so many logins more.
+Finding expired(const Account& account, std::chrono::sys_seconds expiry, int logins_left);
 
 }  // namespace orvo::admin

@@ -30,12 +30,30 @@ std::string wrong_passwords(std::size_t count) {
     return std::to_string(count) + (count == 1 ? " wrong password" : " wrong passwords");
 }
 
-namespace {
-
 bool is_in_force(const Account& account, bool PasswordRules::*rule) {
     if (account.policy.kind == Policy::Kind::hidden) return true;
     return account.policy.kind == Policy::Kind::known && account.policy.rules.*rule;
 }
+
+Finding not_locked(const Account& account, std::size_t failures) {
+    if (failures == 0) return found("no");
+    std::string text = "no, after " + wrong_passwords(failures);
+    if (account.policy.kind == Policy::Kind::known && account.policy.rules.lockout &&
+        account.policy.rules.max_failure > 0)
+        text += "; " + std::to_string(account.policy.rules.max_failure) + " lock it";
+    return found(text);
+}
+
+Finding expired(const Account& account, sys_seconds expiry, int logins_left) {
+    const std::string text = "It expired on " + readable(expiry);
+    const std::string set_new = "orvo users password " + shell_word(account.user);
+    if (logins_left == 0) return failed(text + "; no grace login is left.", set_new);
+    return failed(text + "; " + std::to_string(logins_left) +
+                      (logins_left == 1 ? " grace login is left." : " grace logins are left."),
+                  "Let the user change it on the site's page for that, or " + set_new);
+}
+
+namespace {
 
 bool has_policy(const Account& account) { return account.policy.kind != Policy::Kind::none; }
 
@@ -53,24 +71,15 @@ Finding enabled(const Account& account) {
     if (state.locked_time != account::locked_for_good) return found("yes");
     if (is_in_force(account, &PasswordRules::lockout))
         return failed("It has been disabled (pwdAccountLockedTime " + state.locked_time + ").",
-                      "orvo users enable " + account.user);
+                      "orvo users enable " + shell_word(account.user));
     return found("yes: pwdAccountLockedTime counts for nothing, as no password policy locks");
-}
-
-Finding not_locked(const Account& account, const AccountState& state) {
-    const std::size_t failures = state.failure_times.size();
-    if (failures == 0) return found("no");
-    std::string text = "no, after " + wrong_passwords(failures);
-    if (account.policy.kind == Policy::Kind::known && account.policy.rules.lockout &&
-        account.policy.rules.max_failure > 0)
-        text += "; " + std::to_string(account.policy.rules.max_failure) + " lock it";
-    return found(text);
 }
 
 Finding locked(const Account& account) {
     const AccountState state = AccountState::from(account.entry);
     const auto since = try_seconds(state.locked_time);
-    if (!since || !is_in_force(account, &PasswordRules::lockout)) return not_locked(account, state);
+    if (!since || !is_in_force(account, &PasswordRules::lockout))
+        return not_locked(account, state.failure_times.size());
     std::string text =
         "Since " + readable(*since) + ", after " + wrong_passwords(state.failure_times.size());
     if (account.policy.kind == Policy::Kind::hidden) {
@@ -82,12 +91,12 @@ Finding locked(const Account& account) {
     } else {
         text += ", until " + readable(*since + account.policy.rules.lockout_duration) + ".";
     }
-    return failed(text, "orvo users unlock " + account.user);
+    return failed(text, "orvo users unlock " + shell_word(account.user));
 }
 
 Finding age(const Account& account) {
     const AccountState state = AccountState::from(account.entry);
-    const std::string set_new = "orvo users password " + account.user;
+    const std::string set_new = "orvo users password " + shell_word(account.user);
     if (state.reset == true && is_in_force(account, &PasswordRules::must_change))
         return failed("It has to be changed at the next login (pwdReset).",
                       "Let the user change it on the site's page for that, or " + set_new);
@@ -106,11 +115,7 @@ Finding age(const Account& account) {
     const bool is_over = rules.grace_expiry != seconds(0) && now > expiry + rules.grace_expiry;
     const int used = static_cast<int>(state.grace_times.size());
     const int left = is_over ? 0 : std::max(rules.grace_auth_n_limit - used, 0);
-    const std::string expired = "It expired on " + readable(expiry);
-    if (left == 0) return failed(expired + "; no grace login is left.", set_new);
-    return failed(expired + "; " + std::to_string(left) +
-                      (left == 1 ? " grace login is left." : " grace logins are left."),
-                  "Let the user change it on the site's page for that, or " + set_new);
+    return expired(account, expiry, left);
 }
 
 Finding not_told(const Account&) { return unknown("This kind of server is not known."); }

@@ -116,6 +116,9 @@ private:
             .bind(user.name, password, ldap::Policy::asked);
     }
     std::string default_policy();
+    Policy openldap_policy(const EntryData& user);
+    Policy policy_389(const EntryData& user);
+    Policy domain_policy(const EntryData& user);
 
     LdapServer server_;
     const std::unique_ptr<DirectoryView> view_;
@@ -138,13 +141,44 @@ std::string ServerAccounts::default_policy() {
 }
 
 Policy ServerAccounts::policy_of(const EntryData& user) {
-    if (server_.make != Make::openldap) return {Policy::Kind::hidden};
+    switch (server_.make) {
+        case Make::openldap:
+            return openldap_policy(user);
+        case Make::directory_389:
+            return policy_389(user);
+        case Make::active_directory:
+            return domain_policy(user);
+        case Make::other:
+            break;
+    }
+    return {Policy::Kind::hidden};
+}
+
+Policy ServerAccounts::openldap_policy(const EntryData& user) {
     if (!has_policies()) return {Policy::Kind::none};
     std::string name = value_of(user, "pwdPolicySubentry");
     if (name.empty()) name = default_policy();
     const auto policy = name.empty() ? std::nullopt : view_->find(name);
     if (!policy) return {Policy::Kind::hidden};
     return {Policy::Kind::known, PasswordRules::from(*policy)};
+}
+
+// The user's own where there is one and the server minds those, otherwise the server's.
+Policy ServerAccounts::policy_389(const EntryData& user) {
+    auto policy = read_whole(*server_.session, "cn=config");
+    const bool minds_own = !policy || value_of(*policy, "nsslapd-pwpolicy-local") != "off";
+    const std::string own = value_of(user, "pwdPolicySubentry");
+    if (!own.empty() && minds_own) policy = read_whole(*server_.session, own);
+    if (!policy) return {Policy::Kind::hidden};
+    return {Policy::Kind::known, rules_of_389(*policy)};
+}
+
+Policy ServerAccounts::domain_policy(const EntryData& user) {
+    std::string name = value_of(user, "msDS-ResultantPSO");
+    if (name.empty()) name = value_of(server_.root, "defaultNamingContext");
+    const auto policy = read_whole(*server_.session, name);
+    if (!policy) return {Policy::Kind::hidden};
+    return {Policy::Kind::known, rules_of_active_directory(*policy)};
 }
 
 // OpenLDAP's policy checks a former password that comes with a new one before it does anything

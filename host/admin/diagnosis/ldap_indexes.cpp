@@ -49,6 +49,7 @@ std::vector<Searched> searched(const LdapServer& server) {
         if (!mapped) add(row.attribute, row.value);
         if (mapped && !mapped->theirs.empty()) add(mapped->theirs.front(), row.value);
     }
+    if (theirs.empty()) theirs.push_back(ours.front());
     return theirs;
 }
 
@@ -79,9 +80,9 @@ void read_openldap(const LdapServer& server, const std::string& value, bool& by_
     }
 }
 
-bool holds(const EntryData& database, const std::string& root) {
+bool holds(const EntryData& database, const char* suffixes, const std::string& root) {
     const auto name = DistinguishedName::try_parse(from_utf8(root));
-    return std::ranges::any_of(values_of(database, "olcSuffix"), [&](const std::string& suffix) {
+    return std::ranges::any_of(values_of(database, suffixes), [&](const std::string& suffix) {
         const auto top = DistinguishedName::try_parse(from_utf8(suffix));
         return name && top && (*name == *top || name->is_below(*top));
     });
@@ -95,7 +96,7 @@ std::optional<Names> configured_openldap(LdapServer& server) {
     request.filter = "(objectClass=olcDatabaseConfig)";
     request.attributes = {"olcSuffix", "olcDbIndex"};
     const Result result = server.session->search(request, [&](EntryData&& database) {
-        if (!holds(database, server.site.root)) return;
+        if (!holds(database, "olcSuffix", server.site.root)) return;
         names.emplace();
         bool by_default = false;
         for (const std::string& value : values_of(database, "olcDbIndex"))
@@ -104,18 +105,26 @@ std::optional<Names> configured_openldap(LdapServer& server) {
     return result.ok() ? names : std::nullopt;
 }
 
+// Those of the database that holds the root: other databases have their own, and those that a new
+// one would get are listed there, too.
 std::optional<Names> configured_389(LdapServer& server) {
-    std::optional<Names> names;
     SearchRequest request;
     request.base = "cn=ldbm database,cn=plugins,cn=config";
-    request.scope = Scope::subtree;
+    request.scope = Scope::one_level;
+    request.filter = "(objectClass=nsBackendInstance)";
+    request.attributes = {"nsslapd-suffix"};
+    std::string database;
+    const Result found = server.session->search(request, [&](EntryData&& instance) {
+        if (holds(instance, "nsslapd-suffix", server.site.root)) database = instance.name;
+    });
+    if (!found.ok() || database.empty()) return std::nullopt;
+    request.base = "cn=index," + database;
     request.filter = "(&(objectClass=nsIndex)(nsIndexType=eq))";
     request.attributes = {"cn"};
-    const Result result = server.session->search(request, [&](EntryData&& index) {
-        if (!names) names.emplace();
-        add_names(server, value_of(index, "cn"), *names);
-    });
-    return result.ok() ? names : std::nullopt;
+    Names names;
+    const Result result = server.session->search(
+        request, [&](EntryData&& index) { add_names(server, value_of(index, "cn"), names); });
+    return result.ok() ? std::optional(names) : std::nullopt;
 }
 
 // The lowest bit of an attribute's searchFlags says that it is indexed.
@@ -191,16 +200,35 @@ Finding told(const LdapServer& server, const std::vector<std::string>& missing,
     return failed("There is none for " + which + ", " + seen + ".", advice);
 }
 
+// Of fewer, all are looked at in a time that says nothing: machines are busy with other things.
+bool has_many_users(LdapServer& server, const std::string& naming_attribute) {
+    constexpr std::size_t many = 1000;
+    SearchRequest request;
+    request.base = below_root(server.site, server.site.users);
+    request.scope = Scope::subtree;
+    request.filter = "(" + naming_attribute + "=*)";
+    request.attributes = {"1.1"};
+    request.page_size = 500;
+    std::size_t count = 0;
+    SearchResult result;
+    do {
+        result = server.session->search(request, [&](EntryData&&) { ++count; });
+        request.page = result.next_page;
+    } while (result.ok() && count < many && !result.next_page.empty());
+    return count >= many;
+}
+
 // A search that has to look at every user is as slow as one for those that lack what all have.
 Finding measured(LdapServer& server) {
     constexpr double least_ratio = 6;
     const std::string naming = searched(server).front().attribute;
+    const Finding too_few = unknown(
+        "The service account may not read the server's configuration, and there are too few users "
+        "to tell by the time that a search takes.");
+    if (!has_many_users(server, naming)) return too_few;
     const Time scan = time_of(server, "(!(" + naming + "=*))");
     const Time base = time_of(server, "(objectClass=orvo-doctor)");
-    if (scan < least_ratio * base)
-        return unknown(
-            "The service account may not read the server's configuration, and there are too few "
-            "users to tell by the time that a search takes.");
+    if (scan < least_ratio * base) return too_few;
     const Time limit = scan == Time::max() ? 10 * base : std::sqrt(scan / base) * base;
     std::vector<std::string> missing;
     for (const Searched& row : searched(server)) {

@@ -21,9 +21,9 @@ using namespace directory::ldap;
 
 std::optional<EntryData> read_whole(Session& session, const std::string& name) {
     // Of some servers, those that they compute have to be asked for.
-    ReadResult result =
-        session.read(name, {"*", "+", "nsAccountLock", "msDS-User-Account-Control-Computed",
-                            "msDS-UserPasswordExpiryTimeComputed"});
+    ReadResult result = session.read(
+        name, {"*", "+", "nsAccountLock", "pwdPolicySubentry", "msDS-ResultantPSO",
+               "msDS-User-Account-Control-Computed", "msDS-UserPasswordExpiryTimeComputed"});
     if (result.code == result_code::no_such_object) return std::nullopt;
     check(result);
     return std::move(result.entry);
@@ -203,6 +203,7 @@ Finding examine_mapped_schema(const LdapServer& server) {
         const std::string& name = map.their_class(ours);
         if (!server.facts->classes.find(name)) missing.push_back("the class " + name);
     }
+    if (!map.find(map.naming_attribute)) require_attribute(map.naming_attribute);
     for (const MappedAttribute& attribute : map.attributes) {
         std::ranges::for_each(attribute.theirs, require_attribute);
         if (attribute.is_of_groups()) require_attribute(map.groups.member_attribute());

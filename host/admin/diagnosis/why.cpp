@@ -42,8 +42,8 @@ struct Login {
 };
 
 Finding no_such_user(const Login& login) {
-    return failed("There is no such user.",
-                  "Correct the name, or make the user: orvo users add " + login.request.user);
+    return failed("There is no such user.", "Correct the name, or make the user: orvo users add " +
+                                                shell_word(login.request.user));
 }
 
 Finding examine_name(Login& login) {
@@ -98,8 +98,9 @@ Finding examine_profile(Login& login) {
     login.profile = login.source.view().find(
         entry_below(login.site, login.site.profile_naming_attribute, name, login.site.profiles));
     if (login.profile) return found(name);
-    return failed("There is no profile " + quoted_name(name) + ", which the user has (ProfileCN).",
-                  "Make it, or give the user another: orvo users profile " + login.request.user);
+    return failed(
+        "There is no profile " + quoted_name(name) + ", which the user has (ProfileCN).",
+        "Make it, or give the user another: orvo users profile " + shell_word(login.request.user));
 }
 
 Finding examine_account(Login& login) {
@@ -123,7 +124,7 @@ Finding examine_applications(Login& login) {
     if (type == local_administrator || type == administrator) numbers.emplace_back("10");
     if (numbers.empty())
         return found("none: the login succeeds, but opens no guarded page",
-                     "orvo users apps " + login.request.user);
+                     "orvo users apps " + shell_word(login.request.user));
     std::string text;
     for (const std::string& number : numbers) text += (text.empty() ? "" : ", ") + number;
     return found(text);
@@ -177,9 +178,9 @@ Finding examine_throttle(Login& login) {
         seconds = std::max(seconds, budget.seconds);
         if (budget.seconds == 0) continue;
         if (budget.name == "address")
-            address = " --address " + login.request.address;
+            address = " --address " + shell_word(login.request.address);
         else
-            user = " " + login.request.user;
+            user = " " + shell_word(login.request.user);
     }
     if (refusing.empty())
         return found(counted.empty() ? "no wrong passwords are counted" : counted);

@@ -396,6 +396,17 @@ TEST_F(OrvoDoctorOnACompany, SaysWhichNamesOfTheMapAreWrong) {
     EXPECT_EQ(code, 1);
 }
 
+TEST_F(OrvoDoctorOnACompany, SaysThatNothingIsCalledAsUsersAreNamed) {
+    reconfigure(server, "by dn.exact=cn=shop,ou=Services,o=Company read", "");
+    const std::string text =
+        replaced(replaced(settings(server), "UserNamingAttribute=uid", "UserNamingAttribute=uidd"),
+                 "UserSearch=sub\nLoginAttributes=uid, mail\n", "");
+    const std::string said = doctor(text);
+    EXPECT_THAT(said, HasSubstr("  failed     schema           It lacks uidd.\n"));
+    EXPECT_THAT(said, HasSubstr("\n  not known  indexes "));
+    EXPECT_EQ(code, 1);
+}
+
 TEST_F(OrvoDoctorOnACompany, SaysWhichIndexAndAccountAreMissing) {
     reconfigure(server, "uid,mail,member,uniqueMember,memberUid", "uid,member,uniqueMember");
     const std::string said =
