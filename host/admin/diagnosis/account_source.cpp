@@ -58,10 +58,9 @@ public:
         if (stored.empty()) return failed("The user has none.");
         return is_hash_of(stored, password) ? right_password() : wrong_password();
     }
-    Finding log_in(const EntryData& user, const Secret& password) override {
+    int log_in(const EntryData& user, const Secret& password) override {
         const auto answer = directory_->bind(user.name, password, embedded::Directory::Proof::anew);
-        return finding_of_check(
-            judged(answer.code, {}, answer.policy).value_or(password_check::wrong));
+        return judged(answer.code, {}, answer.policy).value_or(password_check::wrong);
     }
 
 private:
@@ -99,11 +98,11 @@ public:
     }
     Policy policy_of(const EntryData& user) override;
     Finding compare(const EntryData& user, const Secret& password) override;
-    Finding log_in(const EntryData& user, const Secret& password) override {
+    int log_in(const EntryData& user, const Secret& password) override {
         const ldap::BindResult result = bind(user, password);
         const auto number = judged(result.code, result.message, ldap::policy_in(result.controls));
         if (!number) ldap::check(result);
-        return finding_of_check(*number);
+        return *number;
     }
 
 private:
@@ -192,7 +191,7 @@ Finding ServerAccounts::compare(const EntryData& user, const Secret& password) {
         unknown("It is not compared: this server does not do that without counting a login.",
                 "With --try it is tried: a wrong one counts as a failed login.");
     if (server_.make != Make::openldap) return not_compared;
-    if (!has_policies()) return log_in(user, password);
+    if (!has_policies()) return finding_of_check(log_in(user, password));
     const std::optional<bool> is_right = try_former_password(server_, user.name, password);
     if (!is_right) return not_compared;
     return *is_right ? right_password() : wrong_password();

@@ -25,8 +25,8 @@ public:
     virtual Policy policy_of(const directory::EntryData& user) = 0;
     // Whether the password is the user's, found out in a way that counts nowhere, or not known.
     virtual Finding compare(const directory::EntryData& user, const Secret& password) = 0;
-    // A login, which counts as one.
-    virtual Finding log_in(const directory::EntryData& user, const Secret& password) = 0;
+    // A login, which counts as one: the provider's number for it (password_check.h).
+    virtual int log_in(const directory::EntryData& user, const Secret& password) = 0;
 };
 
 // Of the first server that lets the service account in, or of the file. `site` lives longer. Raises

@@ -12,6 +12,7 @@
 #include "host/admin/diagnosis/content_steps.h"
 #include "host/admin/diagnosis/report.h"
 #include "host/admin/process/host_throttle.h"
+#include "suite/directory/entries/audited.h"
 #include "suite/directory/map/directory_map.h"
 #include "suite/directory/names/ascii.h"
 #include "suite/directory/names/written_name.h"
@@ -85,10 +86,17 @@ Finding told_by_directory(Login& login) {
     return (login.source.reader().*part)(login.account);
 }
 
+// Recorded as any other check.
+Finding tried(Login& login) {
+    return finding_of_check(audited_check(
+        from_utf8(login.site.server), from_utf8(login.written),
+        [&] { return CheckAnswer{login.source.log_in(login.account.entry, *login.password)}; }));
+}
+
 Finding examine_given_password(Login& login) {
     if (!login.password) return {Outcome::skipped, "not asked for; --password does"};
     if (login.password->empty()) return failed("An empty one is always refused.");
-    return login.request.is_tried ? login.source.log_in(login.account.entry, *login.password)
+    return login.request.is_tried ? tried(login)
                                   : login.source.compare(login.account.entry, *login.password);
 }
 
@@ -213,6 +221,8 @@ void write_conclusion(const Examination& examination) {
 
 bool explain_login(const WhyRequest& request) {
     const SiteSettings site = read_site_settings(site_file(request.site));
+    // The audit is the site's, too.
+    setenv("ORVO_SITE_CONFIG", site.file.c_str(), 1);
     const std::unique_ptr<AccountSource> source = open_accounts(site);
     Login login{request, site, *source};
     if (request.has_password || request.is_tried) {

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <fstream>
 
 #include "suite/directory/embedded/directory/directory.h"
 #include "tests/host/admin/orvo_site.h"
@@ -317,6 +318,17 @@ TEST_P(OrvoUsers, AreUnlockedAndTheirFailuresForgotten) {
     EXPECT_EQ(bind("jsmith", "wrong"), 49);
     EXPECT_EQ(bind("jsmith", "wrong"), 49);
     EXPECT_EQ(bind("jsmith", directory_->user_password()), 0) << "two failures are one too few";
+}
+
+TEST_P(OrvoUsers, WhosePasswordsAreTriedAreInTheAudit) {
+    std::ofstream(directory_->site_ini(), std::ios::app)
+        << "\n[AUDIT]\nFile=" << (folder_.path() / "audit.jsonl").string() << "\n";
+    orvo({"why", "jsmith", "--try"}, "wrong-secret\n");
+    orvo({"why", "jsmith", "--try"}, directory_->user_password() + "\n");
+    orvo({"why", "jsmith", "--password"}, "wrong-secret\n");
+    EXPECT_EQ(done({"audit", "--columns", "event,result,user", "--format", "csv"}),
+              "event,result,user\r\ncheck,wrong,\"" + directory_->user_dn("jsmith") +
+                  "\"\r\ncheck,right,\"" + directory_->user_dn("jsmith") + "\"\r\n");
 }
 
 TEST_P(OrvoUsers, AreDisabledUntilTheyAreEnabled) {
