@@ -20,7 +20,7 @@ struct MetricsSources {
 };
 
 // The answer to who collects figures: all that the process counts, as Exposition writes it. It
-// waits for no server and no worker, and is as long as there are directory servers (some 10 kB, and
+// waits for no server and no worker, and is as long as there are directory servers (some 30 kB, and
 // 20 kB for each), whatever is asked of the host. A source that fails is left out, counted
 // (orvo_metrics_failures_total) and told once in its words.
 class MetricsPage {
