@@ -212,7 +212,7 @@ TEST_F(TwoMachines, KnowAUserAsTheSameWhileTheirKeysAreChanged) {
 
 // Without the right to subscribe.
 TEST_F(TwoMachines, UseNoCopyWhereTheyDoNotHearOfChanges) {
-    server_.ask({"ACL", "SETUSER", "deaf", "on", "nopass", "~*", "+@all"});
+    server_.ask({"ACL", "SETUSER", "deaf", "reset", "on", "nopass", "~*", "+@all"});
     CachedStore deaf = new_store("", "redis://deaf@" + server_.address());
     log_in(first_, u"g", u"smith");
     EXPECT_TRUE(deaf.ask(u"g", 1));
