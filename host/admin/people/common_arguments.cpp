@@ -49,7 +49,11 @@ void add_user_list_options(CLI::App& command, UserListRequest& request) {
     command.add_option("--after", filter.after, "Who come behind this name")
         ->type_name(user_argument);
     command.add_option("--limit", request.limit, "No more than so many users")
-        ->check(CLI::NonNegativeNumber)
+        ->check(CLI::Validator(
+            [](const std::string& number) {
+                return number.starts_with('-') ? number + " is less than none" : std::string();
+            },
+            ""))
         ->type_name("N");
     add_row_options(command, request.rows);
     add_common_options(command, request.common);

@@ -320,6 +320,17 @@ TEST_P(OrvoUsers, AreUnlockedAndTheirFailuresForgotten) {
     EXPECT_EQ(bind("jsmith", directory_->user_password()), 0) << "two failures are one too few";
 }
 
+TEST_P(OrvoUsers, AreListedByColumnsThatHaveNamesAndNoFewerThanNone) {
+    EXPECT_EQ(done({"users", "list", "--columns", "cn, OrvoUserType", "--name", "jsmith",
+                    "--format", "csv"}),
+              "cn,OrvoUserType\r\njsmith,1\r\n");
+    const Ended nameless = orvo({"users", "list", "--columns", ""});
+    EXPECT_EQ(nameless.err, "orvo: --columns: a column has no name; see orvo users list --help\n");
+    const Ended fewer = orvo({"users", "list", "--limit", "-1"});
+    EXPECT_EQ(fewer.err, "orvo: --limit: -1 is less than none; see orvo users list --help\n");
+    EXPECT_EQ(std::pair(nameless.code, fewer.code), std::pair(2, 2));
+}
+
 TEST_P(OrvoUsers, WhosePasswordsAreTriedAreInTheAudit) {
     std::ofstream(directory_->site_ini(), std::ios::app)
         << "\n[AUDIT]\nFile=" << (folder_.path() / "audit.jsonl").string() << "\n";
