@@ -57,6 +57,8 @@ of_389ds() {
         'refused password The account is disabled.'
     change $user nsAccountLock false
     state 'not disabled' 'ok enabled yes' "$right"
+    expect 'a mark that says false' 'has not the right' \
+        "$orvo" users disable djansen --site "$site"
     for _ in 1 2 3; do try djansen wrong >/dev/null; done
     state locked 'refused locked Until somebody unlocks it.' \
         'refused password The account is locked.'
