@@ -246,6 +246,7 @@ std::unique_ptr<SessionLease> RedisSessions::open(const std::string& id,
 // Locks that other requests have given back are released along the way.
 store::Reply RedisSessions::ask_for(const std::string& name, const std::string& key,
                                     const std::string& token) {
+    if (!store_.is_reachable()) throw StoreAway();
     std::vector<std::string> keys = keys_of(key);
     std::vector<std::string> arguments{token, milliseconds_of(SharedLocks::life),
                                        milliseconds_of(limits().absolute), name};

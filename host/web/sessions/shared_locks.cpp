@@ -90,14 +90,13 @@ void SharedLocks::release_later(std::vector<Lock> locks) {
     {
         const std::lock_guard guard(lock_);
         for (const Lock& lock : locks) held_.erase(lock.token);
-        leave(std::move(locks), never);
+        if (left_.size() < most_left) leave(std::move(locks), never);
     }
     changed_.notify_all();
 }
 
 void SharedLocks::leave(std::vector<Lock> locks, Clock::time_point until) {
-    for (Lock& lock : locks)
-        if (left_.size() < most_left) left_.push_back({std::move(lock), until});
+    for (Lock& lock : locks) left_.push_back({std::move(lock), until});
     left_at_ = Clock::now();
 }
 

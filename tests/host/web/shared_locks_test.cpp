@@ -8,6 +8,7 @@ namespace orvo::web {
 namespace {
 
 using namespace std::chrono_literals;
+using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -94,6 +95,16 @@ TEST_F(SharedLocksTest, ThatAreReleasedSoonAreTriedAgainWhereTheStoreIsAway) {
     EXPECT_THAT(store_.asked_at_least(2), Each(ElementsAre("a")));
     store_.come_back();
     EXPECT_THAT(store_.asked_at_least(1), ElementsAre(ElementsAre("a")));
+}
+
+// As after an absence, when there are many of which nobody knows whether they were taken.
+TEST_F(SharedLocksTest, ThatAreReleasedSoonDoNotWaitForThoseThatAreLeft) {
+    store_.come_back();
+    store_.forget_locks();
+    SharedLocks locks(store_.run());
+    for (int i = 0; i < 1100; ++i) locks.release_later({{"left", std::to_string(i)}});
+    locks.release_soon("soon", "1");
+    EXPECT_THAT(store_.asked_at_least(10), Contains(Contains("soon")));
 }
 
 TEST_F(SharedLocksTest, ThatSomebodyTakesAlongAreNobodyElsesToRelease) {
