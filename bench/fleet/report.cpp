@@ -60,7 +60,9 @@ void print(const ChaosOutcome& outcome, const Verdict& verdict, std::ostream& ou
     print_breaches(verdict, Breach::outlived, "logins that outlived their end", out);
     print_breaches(verdict, Breach::let_in, "let in without right", out);
     out << "  older values than the last, while a directory server had a fault: " << verdict.stale
-        << "\n  values that were written late: " << verdict.late << "\n\nGoals\n";
+        << "\n  older values that a node with a fault has read just before the change: "
+        << verdict.remembered << "\n  values that were written late: " << verdict.late
+        << "\n\nGoals\n";
     for (const Goal& goal : verdict.goals)
         out << (goal.is_met ? "  met     " : "  MISSED  ") << goal.what << '\n';
 }

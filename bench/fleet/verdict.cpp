@@ -14,6 +14,8 @@ constexpr Seconds slow{1};
 // Within this time what one directory server has taken is at the other; and this long after a fault
 // nodes may prefer different servers (FailbackAfter, and the pause between two probes).
 constexpr Seconds replication{5}, failback{30};
+// For so long a node may show again what it has read of an entry.
+constexpr Seconds remembered{0.25};
 
 double overlap(const Slot& slot, const Wish& wish) {
     return Seconds(std::min(slot.end, wish.end) - std::max(slot.begin, wish.begin)).count();
@@ -38,6 +40,11 @@ std::optional<double> allowed(const Slot& slot) {
     return std::nullopt;
 }
 
+std::string milliseconds_between(Clock::time_point one, Clock::time_point other) {
+    return std::to_string(
+        std::chrono::duration_cast<std::chrono::milliseconds>(other - one).count());
+}
+
 bool is_of_directory(const Slot& slot) { return slot.part == Part::directory; }
 
 // Whether a replicated directory may answer so.
@@ -48,6 +55,13 @@ bool is_stale(const ChaosOutcome& outcome, const OldValue& old) {
         return old.read_begin < slot.healed + replication ||
                (is_new && old.read_begin < slot.healed + failback);
     });
+}
+
+// Whether a node that goes on after a fault may answer so: what it was asked before, and others
+// have answered meanwhile, it reads now, and remembers it.
+bool is_remembered(const ChaosOutcome& outcome, const OldValue& old) {
+    const Slot& slot = outcome.slots[slot_of(outcome, old.read_end)];
+    return slot.part == Part::node && old.read_begin < old.expected_since + remembered;
 }
 
 // Whether the value is one whose write nobody acknowledged because a server had a fault.
@@ -104,11 +118,14 @@ void count_findings(const ChaosOutcome& outcome, Verdict& verdict) {
                 ++verdict.late;
             else if (is_stale(outcome, old))
                 ++verdict.stale;
+            else if (is_remembered(outcome, old))
+                ++verdict.remembered;
             else
                 of(Breach::wrong)
                     .push_back(outcome.slots[slot_of(outcome, old.read_end)].name + ": " +
                                old.user + " is shown '" + old.value + "' and not '" + old.expected +
-                               "'");
+                               "', " + milliseconds_between(old.expected_since, old.read_begin) +
+                               " ms after that was acknowledged");
         }
     }
     for (const std::string& lost : outcome.lost_writes) of(Breach::wrong).push_back(lost);

@@ -38,6 +38,9 @@ struct Verdict {
     // What a replicated directory may do: a value that is older than the last one, while a server
     // has a fault or has just had one, and one that was written late.
     std::size_t stale = 0, late = 0;
+    // Older values that a node with a fault has shown again, within the quarter of a second for
+    // which it remembers what it has read.
+    std::size_t remembered = 0;
     std::vector<Goal> goals;
 
     const std::vector<std::string>& of(Breach breach) const {

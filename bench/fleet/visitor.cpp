@@ -77,7 +77,7 @@ void Visitor::go_through_the_shop() {
 }
 
 bool Visitor::wish(Aim aim, const std::function<Reason()>& attempt) {
-    // At the end nobody pauses any more, as a fair judgement of what pages show needs it.
+    // At the end nobody pauses any more, and then a page may rightly show what its node remembers.
     if (is_over_) return false;
     Wish wish{aim, Clock::now(), {}};
     while (true) {

@@ -1,5 +1,6 @@
 #include "bench/fleet/verdict.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -123,6 +124,21 @@ TEST_F(VerdictTest, AnOlderValueIsWrongUnlessADirectoryServerHasAFault) {
     EXPECT_EQ(missed(), Missed{});
     ledger().old_values.clear();
     old_value(60, 30, false, 50);
+    EXPECT_EQ(missed(), Missed{"no wrong answer"});
+}
+
+TEST_F(VerdictTest, AnOlderValueMayBeShownForAMomentByANodeThatGoesOnAfterAFault) {
+    old_value(25, 5, false, 24.8);
+    EXPECT_EQ(missed(), Missed{});
+    EXPECT_EQ(judge(outcome, Judged::everything).remembered, 1U);
+    ledger().old_values.clear();
+    old_value(25, 5, false, 24.7);
+    EXPECT_EQ(missed(), Missed{"no wrong answer"});
+    EXPECT_THAT(judge(outcome, Judged::everything).of(Breach::wrong),
+                testing::ElementsAre(testing::EndsWith(", 300 ms after that was acknowledged")));
+    // Where no node has a fault it is wrong.
+    ledger().old_values.clear();
+    old_value(10, 5, false, 9.9);
     EXPECT_EQ(missed(), Missed{"no wrong answer"});
 }
 
