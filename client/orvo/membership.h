@@ -45,8 +45,10 @@ inline constexpr std::int32_t emErrAppNoAccess = -2147220693;
 class User : public Object {
 public:
     // Makes one.
-    User() : Object("OrvoMembership.User", {0x6B0D9A7E, 0x3C52, 0x4F0B, {0x9D, 0x2E, 0x8A, 0x41, 0xC1, 0xF5, 0xE7, 0x17}}) {}
-    explicit User(Object object) : Object(std::move(object)) {}
+    User() : Object("OrvoMembership.User", iid) {}
+    // The same object, typed. Raises where it is of another class; none stays none.
+    explicit User(const Object& object) : Object(object, iid) {}
+    static constexpr abi::IID iid{0x6B0D9A7E, 0x3C52, 0x4F0B, {0x9D, 0x2E, 0x8A, 0x41, 0xC1, 0xF5, 0xE7, 0x17}};
 
     // Binds to a user by its common name, with a directory account.
     void BindAs(InOut<Text> iCommonName, InOut<Text> iUsername, InOut<Text> iPwd) const;
@@ -77,16 +79,16 @@ public:
     void Position(Text iValue) const;
     // The attribute ShowExplain.
     bool ShowExplain() const;
-    void ShowExplain(bool iValue) const;
+    void ShowExplain(In<bool> iValue) const;
     // The attribute OutOfOfficeOn.
     bool OutOfOfficeOn() const;
-    void OutOfOfficeOn(bool iValue) const;
+    void OutOfOfficeOn(In<bool> iValue) const;
     // The attribute OutOfOfficeApprover.
     std::string OutOfOfficeApprover() const;
     void OutOfOfficeApprover(Text iValue) const;
     // The attribute CreditCardType.
     std::int16_t CreditCardType() const;
-    void CreditCardType(std::int16_t iValue) const;
+    void CreditCardType(In<std::int16_t> iValue) const;
     // The attribute ManagerCN.
     std::string ManagerCN() const;
     void ManagerCN(Text iValue) const;
@@ -110,10 +112,10 @@ public:
     void PurOffice(Text iValue) const;
     // The attribute DeliveryAddressID.
     std::int32_t DeliveryAddressID() const;
-    void DeliveryAddressID(std::int32_t iValue) const;
+    void DeliveryAddressID(In<std::int32_t> iValue) const;
     // The attribute BillToBusinessPartnerID.
     std::int32_t BillToBusinessPartnerID() const;
-    void BillToBusinessPartnerID(std::int32_t iValue) const;
+    void BillToBusinessPartnerID(In<std::int32_t> iValue) const;
     // The attribute OrvoRole.
     Value Roles() const;
     void Roles(Value iValue) const;
@@ -128,16 +130,16 @@ public:
     void LanguageID(Text iValue) const;
     // The attribute Locale; the profile's where it has no value.
     std::int16_t Locale() const;
-    void Locale(std::int16_t iValue) const;
+    void Locale(In<std::int16_t> iValue) const;
     // The attribute BusinessPartnerID.
     std::int32_t BusinessPartnerID() const;
-    void BusinessPartnerID(std::int32_t iValue) const;
+    void BusinessPartnerID(In<std::int32_t> iValue) const;
     // The attribute OrvoUserType.
     std::int16_t OrvoUserType() const;
-    void OrvoUserType(std::int16_t iValue) const;
+    void OrvoUserType(In<std::int16_t> iValue) const;
     // The attribute BPType.
     std::int16_t BPType() const;
-    void BPType(std::int16_t iValue) const;
+    void BPType(In<std::int16_t> iValue) const;
     // The attribute mail.
     std::string EMailAddress() const;
     void EMailAddress(Text iValue) const;
@@ -179,19 +181,19 @@ public:
     void ProfileCN(Text iValue) const;
     // The attribute OrvoBillAddress.
     std::int32_t OrvoBillAddress() const;
-    void OrvoBillAddress(std::int32_t iValue) const;
+    void OrvoBillAddress(In<std::int32_t> iValue) const;
     // The attribute OrvoShipAddress.
     std::int32_t OrvoShipAddress() const;
-    void OrvoShipAddress(std::int32_t iValue) const;
+    void OrvoShipAddress(In<std::int32_t> iValue) const;
     // The attribute PropertyGroupID.
     std::int32_t PropertyGroupID() const;
-    void PropertyGroupID(std::int32_t iValue) const;
+    void PropertyGroupID(In<std::int32_t> iValue) const;
     // The attribute WhReqPrefix.
     std::string WhReqPrefix() const;
     void WhReqPrefix(Text iValue) const;
     // The attribute ChargeLines.
     bool ChargeLines() const;
-    void ChargeLines(bool iValue) const;
+    void ChargeLines(In<bool> iValue) const;
     // The attribute SubstituteBuyer.
     std::string SubstituteBuyer() const;
     void SubstituteBuyer(Text iValue) const;
@@ -209,7 +211,7 @@ public:
     void ProjectRole(Value iValue) const;
     // The attribute ProjectUserType.
     std::int16_t ProjectUserType() const;
-    void ProjectUserType(std::int16_t iValue) const;
+    void ProjectUserType(In<std::int16_t> iValue) const;
     // The attribute ApproverLimit.
     Currency ApproverLimit() const;
     void ApproverLimit(Currency iValue) const;
@@ -230,13 +232,13 @@ public:
     void CardUserManager(Text iValue) const;
     // The attribute OneTimeUser.
     bool OneTimeUser() const;
-    void OneTimeUser(bool iValue) const;
+    void OneTimeUser(In<bool> iValue) const;
     // The attribute CostCenter.
     std::string CostCenter() const;
     void CostCenter(Text iValue) const;
     // The attribute OnBehalfOf.
     bool OnBehalfOf() const;
-    void OnBehalfOf(bool iValue) const;
+    void OnBehalfOf(In<bool> iValue) const;
     // The attribute OnBehalfOfAdminOffice.
     Value OnBehalfOfAdminOffice() const;
     void OnBehalfOfAdminOffice(Value iValue) const;
@@ -255,58 +257,58 @@ public:
     std::string NTPassword() const;
     // Whether the user is of type 1; setting it makes the user one.
     bool RegisteredUser() const;
-    void RegisteredUser(bool iValue) const;
+    void RegisteredUser(In<bool> iValue) const;
     // Whether the user is of type 2; setting it makes the user one.
     bool GuestUser() const;
-    void GuestUser(bool iValue) const;
+    void GuestUser(In<bool> iValue) const;
     // Whether the user is of type 3; setting it makes the user one.
     bool IsLocalAdmin() const;
-    void IsLocalAdmin(bool iValue) const;
+    void IsLocalAdmin(In<bool> iValue) const;
     // Whether the user is of type 4; setting it makes the user one.
     bool IsAdmin() const;
-    void IsAdmin(bool iValue) const;
+    void IsAdmin(In<bool> iValue) const;
     // Whether the user is of type 0; setting it makes the user one.
     bool NewMember() const;
-    void NewMember(bool iValue) const;
+    void NewMember(In<bool> iValue) const;
     // The opposite of CreditCardUser.
     bool InvoiceUser() const;
-    void InvoiceUser(bool iValue) const;
+    void InvoiceUser(In<bool> iValue) const;
     // Whether the user has the role 1; setting it grants or withdraws it.
     bool CreditCardUser() const;
-    void CreditCardUser(bool iValue) const;
+    void CreditCardUser(In<bool> iValue) const;
     // Whether the user has the role 2; setting it grants or withdraws it.
     bool BuyerRole() const;
-    void BuyerRole(bool iValue) const;
+    void BuyerRole(In<bool> iValue) const;
     // Whether the user has the role 3; setting it grants or withdraws it.
     bool RequisitionerRole() const;
-    void RequisitionerRole(bool iValue) const;
+    void RequisitionerRole(In<bool> iValue) const;
     // Whether the user has the role 4; setting it grants or withdraws it.
     bool ApproverRole() const;
-    void ApproverRole(bool iValue) const;
+    void ApproverRole(In<bool> iValue) const;
     // Whether the user has the role 5; setting it grants or withdraws it.
     bool FinancialRole() const;
-    void FinancialRole(bool iValue) const;
+    void FinancialRole(In<bool> iValue) const;
     // Whether the user has the role 6; setting it grants or withdraws it.
     bool ExternalRole() const;
-    void ExternalRole(bool iValue) const;
+    void ExternalRole(In<bool> iValue) const;
     // Whether the user has the role 7; setting it grants or withdraws it.
     bool SalesRole() const;
-    void SalesRole(bool iValue) const;
+    void SalesRole(In<bool> iValue) const;
     // Whether the user has the role 21; setting it grants or withdraws it.
     bool CanPublish() const;
-    void CanPublish(bool iValue) const;
+    void CanPublish(In<bool> iValue) const;
     // Whether the user has the role 22; setting it grants or withdraws it.
     bool CanViewAll() const;
-    void CanViewAll(bool iValue) const;
+    void CanViewAll(In<bool> iValue) const;
     // Whether the user has the role 23; setting it grants or withdraws it.
     bool CanEditAll() const;
-    void CanEditAll(bool iValue) const;
+    void CanEditAll(In<bool> iValue) const;
     // Whether the user has the role 24; setting it grants or withdraws it.
     bool ReceiverRole() const;
-    void ReceiverRole(bool iValue) const;
+    void ReceiverRole(In<bool> iValue) const;
     // Whether the user has the role 25; setting it grants or withdraws it.
     bool SalesRepresentativeRole() const;
-    void SalesRepresentativeRole(bool iValue) const;
+    void SalesRepresentativeRole(In<bool> iValue) const;
     // Whether the user has a role. The profile's roles count for a user who has none.
     bool HasRole(InOut<std::int16_t> iRoleID) const;
     // Grants or withdraws a role of the user's own; the profile's are not looked at.
@@ -320,11 +322,11 @@ public:
     bool IsAppAccessAllowed(Text iAppName) const;
     bool validate() const;
     // Fails where the user has not this application.
-    void CheckAppUserAccess(Text iAppName, std::int16_t iAppID) const;
+    void CheckAppUserAccess(Text iAppName, In<std::int16_t> iAppID) const;
     // Sets the address that a login leads to, one for all applications.
-    Value SetDefaultURL(std::int32_t i_lAppID, Text i_sURL) const;
+    Value SetDefaultURL(In<std::int32_t> i_lAppID, Text i_sURL) const;
     // The address that a login leads to.
-    std::string GetDefaultURL(std::int32_t i_lAppID) const;
+    std::string GetDefaultURL(In<std::int32_t> i_lAppID) const;
     // Changes the password after the old one was checked, which may have expired.
     void ChangePassword(InOut<Text> iOldPwd, InOut<Text> iNewPwd) const;
 };
@@ -333,8 +335,10 @@ public:
 class ServerInfo : public Object {
 public:
     // Makes one.
-    ServerInfo() : Object("OrvoMembership.ServerInfo", {0x19041D22, 0x35A4, 0x4296, {0x86, 0x2C, 0xDD, 0x49, 0x91, 0x1E, 0x25, 0xA9}}) {}
-    explicit ServerInfo(Object object) : Object(std::move(object)) {}
+    ServerInfo() : Object("OrvoMembership.ServerInfo", iid) {}
+    // The same object, typed. Raises where it is of another class; none stays none.
+    explicit ServerInfo(const Object& object) : Object(object, iid) {}
+    static constexpr abi::IID iid{0x19041D22, 0x35A4, 0x4296, {0x86, 0x2C, 0xDD, 0x49, 0x91, 0x1E, 0x25, 0xA9}};
 
     // The full name of the membership script account.
     Value GetMemScriptUser() const;
@@ -384,8 +388,10 @@ public:
 class PMMCreator : public Object {
 public:
     // Makes one.
-    PMMCreator() : Object("OrvoMembership.PMMCreator", {0xB6C8F471, 0x05D1, 0x4DC5, {0x85, 0x02, 0x73, 0xBB, 0xFC, 0x1C, 0x50, 0x06}}) {}
-    explicit PMMCreator(Object object) : Object(std::move(object)) {}
+    PMMCreator() : Object("OrvoMembership.PMMCreator", iid) {}
+    // The same object, typed. Raises where it is of another class; none stays none.
+    explicit PMMCreator(const Object& object) : Object(object, iid) {}
+    static constexpr abi::IID iid{0xB6C8F471, 0x05D1, 0x4DC5, {0x85, 0x02, 0x73, 0xBB, 0xFC, 0x1C, 0x50, 0x06}};
 
     // The provider's object for the schema.
     Object GetPMMSchema() const;
@@ -401,8 +407,10 @@ public:
 class Account : public Object {
 public:
     // Makes one.
-    Account() : Object("OrvoMembership.Account", {0x022D2B72, 0x1C79, 0x4081, {0xAE, 0x34, 0x76, 0x90, 0xBE, 0x8C, 0xB8, 0x4D}}) {}
-    explicit Account(Object object) : Object(std::move(object)) {}
+    Account() : Object("OrvoMembership.Account", iid) {}
+    // The same object, typed. Raises where it is of another class; none stays none.
+    explicit Account(const Object& object) : Object(object, iid) {}
+    static constexpr abi::IID iid{0x022D2B72, 0x1C79, 0x4081, {0xAE, 0x34, 0x76, 0x90, 0xBE, 0x8C, 0xB8, 0x4D}};
 
     // Binds to the service account of a type of users.
     void Init(InOut<std::int16_t> iUserType) const;
@@ -416,21 +424,25 @@ public:
 class PMMAccessor : public Object {
 public:
     // Makes one.
-    PMMAccessor() : Object("OrvoMembership.PMMAccessor", {0x6B0D9A7E, 0x3C52, 0x4F0B, {0x9D, 0x2E, 0x8A, 0x41, 0xC1, 0xF5, 0xE7, 0x1B}}) {}
-    explicit PMMAccessor(Object object) : Object(std::move(object)) {}
+    PMMAccessor() : Object("OrvoMembership.PMMAccessor", iid) {}
+    // The same object, typed. Raises where it is of another class; none stays none.
+    explicit PMMAccessor(const Object& object) : Object(object, iid) {}
+    static constexpr abi::IID iid{0x6B0D9A7E, 0x3C52, 0x4F0B, {0x9D, 0x2E, 0x8A, 0x41, 0xC1, 0xF5, 0xE7, 0x1B}};
 
     // Loads a site configuration file; comes first.
     void InitConfigFile(Text sSiteConfigFileName) const;
     // The users of an application, at most 1000, as a record set with the column CN. Application 10 is the administrators'.
-    RecordSet GetLDAPUsers(std::int32_t productID) const;
+    RecordSet GetLDAPUsers(In<std::int32_t> productID) const;
 };
 
 // Sets the provider's connection pool and cache up.
 class Initialize : public Object {
 public:
     // Makes one.
-    Initialize() : Object("OrvoMembership.Initialize", {0x6B0D9A7E, 0x3C52, 0x4F0B, {0x9D, 0x2E, 0x8A, 0x41, 0xC1, 0xF5, 0xE7, 0x1A}}) {}
-    explicit Initialize(Object object) : Object(std::move(object)) {}
+    Initialize() : Object("OrvoMembership.Initialize", iid) {}
+    // The same object, typed. Raises where it is of another class; none stays none.
+    explicit Initialize(const Object& object) : Object(object, iid) {}
+    static constexpr abi::IID iid{0x6B0D9A7E, 0x3C52, 0x4F0B, {0x9D, 0x2E, 0x8A, 0x41, 0xC1, 0xF5, 0xE7, 0x1A}};
 
     // Changes the settings of the provider's connection pool: two arrays, of names and of values.
     bool InitializeConnectionPool(InOut<Value> i_aPoolParameterNames, InOut<Value> i_aPoolParameterValues) const;
@@ -442,8 +454,10 @@ public:
 class LdapAccess : public Object {
 public:
     // Makes one.
-    LdapAccess() : Object("OrvoMembership.LdapAccess", {0x6B0D9A7E, 0x3C52, 0x4F0B, {0x9D, 0x2E, 0x8A, 0x41, 0xC1, 0xF5, 0xE7, 0x14}}) {}
-    explicit LdapAccess(Object object) : Object(std::move(object)) {}
+    LdapAccess() : Object("OrvoMembership.LdapAccess", iid) {}
+    // The same object, typed. Raises where it is of another class; none stays none.
+    explicit LdapAccess(const Object& object) : Object(object, iid) {}
+    static constexpr abi::IID iid{0x6B0D9A7E, 0x3C52, 0x4F0B, {0x9D, 0x2E, 0x8A, 0x41, 0xC1, 0xF5, 0xE7, 0x14}};
 
     // The first value of an attribute; nothing where the entry lacks it.
     Value GetAttribValue(InOut<Text> iAttribName) const;
@@ -463,8 +477,10 @@ public:
 class Profile : public Object {
 public:
     // Makes one.
-    Profile() : Object("OrvoMembership.Profile", {0x6B0D9A7E, 0x3C52, 0x4F0B, {0x9D, 0x2E, 0x8A, 0x41, 0xC1, 0xF5, 0xE7, 0x16}}) {}
-    explicit Profile(Object object) : Object(std::move(object)) {}
+    Profile() : Object("OrvoMembership.Profile", iid) {}
+    // The same object, typed. Raises where it is of another class; none stays none.
+    explicit Profile(const Object& object) : Object(object, iid) {}
+    static constexpr abi::IID iid{0x6B0D9A7E, 0x3C52, 0x4F0B, {0x9D, 0x2E, 0x8A, 0x41, 0xC1, 0xF5, 0xE7, 0x16}};
 
     // All values of an attribute.
     Value GetAttribValue(InOut<Text> iAttribName) const;
@@ -490,7 +506,7 @@ public:
     std::string CN() const;
     // The number of the profile's locale.
     std::int16_t Locale() const;
-    void Locale(std::int16_t iLocale) const;
+    void Locale(In<std::int16_t> iLocale) const;
     // The profile's language.
     std::string LanguageID() const;
     void LanguageID(Text iLanguageID) const;
@@ -515,8 +531,10 @@ public:
 class Members : public Object {
 public:
     // Makes one.
-    Members() : Object("OrvoMembership.Members", {0x6B0D9A7E, 0x3C52, 0x4F0B, {0x9D, 0x2E, 0x8A, 0x41, 0xC1, 0xF5, 0xE7, 0x18}}) {}
-    explicit Members(Object object) : Object(std::move(object)) {}
+    Members() : Object("OrvoMembership.Members", iid) {}
+    // The same object, typed. Raises where it is of another class; none stays none.
+    explicit Members(const Object& object) : Object(object, iid) {}
+    static constexpr abi::IID iid{0x6B0D9A7E, 0x3C52, 0x4F0B, {0x9D, 0x2E, 0x8A, 0x41, 0xC1, 0xF5, 0xE7, 0x18}};
 
     // Binds to the users' container with a directory account. An empty name leaves it unbound.
     void BindAs(InOut<Text> iUsername, InOut<Text> iPassword) const;
@@ -552,8 +570,10 @@ public:
 class Profiles : public Object {
 public:
     // Makes one.
-    Profiles() : Object("OrvoMembership.Profiles", {0x6B0D9A7E, 0x3C52, 0x4F0B, {0x9D, 0x2E, 0x8A, 0x41, 0xC1, 0xF5, 0xE7, 0x19}}) {}
-    explicit Profiles(Object object) : Object(std::move(object)) {}
+    Profiles() : Object("OrvoMembership.Profiles", iid) {}
+    // The same object, typed. Raises where it is of another class; none stays none.
+    explicit Profiles(const Object& object) : Object(object, iid) {}
+    static constexpr abi::IID iid{0x6B0D9A7E, 0x3C52, 0x4F0B, {0x9D, 0x2E, 0x8A, 0x41, 0xC1, 0xF5, 0xE7, 0x19}};
 
     // All profiles, at most 1000, as a record set with the column cn.
     RecordSet AsRecordset() const;
@@ -569,8 +589,10 @@ public:
 class Validator : public Object {
 public:
     // Makes one.
-    Validator() : Object("OrvoMembership.Validator", {0x6B0D9A7E, 0x3C52, 0x4F0B, {0x9D, 0x2E, 0x8A, 0x41, 0xC1, 0xF5, 0xE7, 0x15}}) {}
-    explicit Validator(Object object) : Object(std::move(object)) {}
+    Validator() : Object("OrvoMembership.Validator", iid) {}
+    // The same object, typed. Raises where it is of another class; none stays none.
+    explicit Validator(const Object& object) : Object(object, iid) {}
+    static constexpr abi::IID iid{0x6B0D9A7E, 0x3C52, 0x4F0B, {0x9D, 0x2E, 0x8A, 0x41, 0xC1, 0xF5, 0xE7, 0x15}};
 
     // Logs a user of a web page in: cookie, session, authorization filter. A negative answer is that of the password check; nothing is done then.
     Value ValidateCredentials(InOut<Value> iVarUserID, InOut<Value> iVarPassword, InOut<Value> iVarOriginalUrl) const;
@@ -633,13 +655,13 @@ inline void User::Position(Text iValue) const {
 inline bool User::ShowExplain() const {
     return slot<bool>(23);
 }
-inline void User::ShowExplain(bool iValue) const {
+inline void User::ShowExplain(In<bool> iValue) const {
     return slot<void>(24, iValue);
 }
 inline bool User::OutOfOfficeOn() const {
     return slot<bool>(25);
 }
-inline void User::OutOfOfficeOn(bool iValue) const {
+inline void User::OutOfOfficeOn(In<bool> iValue) const {
     return slot<void>(26, iValue);
 }
 inline std::string User::OutOfOfficeApprover() const {
@@ -651,7 +673,7 @@ inline void User::OutOfOfficeApprover(Text iValue) const {
 inline std::int16_t User::CreditCardType() const {
     return slot<std::int16_t>(29);
 }
-inline void User::CreditCardType(std::int16_t iValue) const {
+inline void User::CreditCardType(In<std::int16_t> iValue) const {
     return slot<void>(30, iValue);
 }
 inline std::string User::ManagerCN() const {
@@ -699,13 +721,13 @@ inline void User::PurOffice(Text iValue) const {
 inline std::int32_t User::DeliveryAddressID() const {
     return slot<std::int32_t>(45);
 }
-inline void User::DeliveryAddressID(std::int32_t iValue) const {
+inline void User::DeliveryAddressID(In<std::int32_t> iValue) const {
     return slot<void>(46, iValue);
 }
 inline std::int32_t User::BillToBusinessPartnerID() const {
     return slot<std::int32_t>(47);
 }
-inline void User::BillToBusinessPartnerID(std::int32_t iValue) const {
+inline void User::BillToBusinessPartnerID(In<std::int32_t> iValue) const {
     return slot<void>(48, iValue);
 }
 inline Value User::Roles() const {
@@ -735,25 +757,25 @@ inline void User::LanguageID(Text iValue) const {
 inline std::int16_t User::Locale() const {
     return slot<std::int16_t>(57);
 }
-inline void User::Locale(std::int16_t iValue) const {
+inline void User::Locale(In<std::int16_t> iValue) const {
     return slot<void>(58, iValue);
 }
 inline std::int32_t User::BusinessPartnerID() const {
     return slot<std::int32_t>(59);
 }
-inline void User::BusinessPartnerID(std::int32_t iValue) const {
+inline void User::BusinessPartnerID(In<std::int32_t> iValue) const {
     return slot<void>(60, iValue);
 }
 inline std::int16_t User::OrvoUserType() const {
     return slot<std::int16_t>(61);
 }
-inline void User::OrvoUserType(std::int16_t iValue) const {
+inline void User::OrvoUserType(In<std::int16_t> iValue) const {
     return slot<void>(62, iValue);
 }
 inline std::int16_t User::BPType() const {
     return slot<std::int16_t>(63);
 }
-inline void User::BPType(std::int16_t iValue) const {
+inline void User::BPType(In<std::int16_t> iValue) const {
     return slot<void>(64, iValue);
 }
 inline std::string User::EMailAddress() const {
@@ -837,19 +859,19 @@ inline void User::ProfileCN(Text iValue) const {
 inline std::int32_t User::OrvoBillAddress() const {
     return slot<std::int32_t>(91);
 }
-inline void User::OrvoBillAddress(std::int32_t iValue) const {
+inline void User::OrvoBillAddress(In<std::int32_t> iValue) const {
     return slot<void>(92, iValue);
 }
 inline std::int32_t User::OrvoShipAddress() const {
     return slot<std::int32_t>(93);
 }
-inline void User::OrvoShipAddress(std::int32_t iValue) const {
+inline void User::OrvoShipAddress(In<std::int32_t> iValue) const {
     return slot<void>(94, iValue);
 }
 inline std::int32_t User::PropertyGroupID() const {
     return slot<std::int32_t>(95);
 }
-inline void User::PropertyGroupID(std::int32_t iValue) const {
+inline void User::PropertyGroupID(In<std::int32_t> iValue) const {
     return slot<void>(96, iValue);
 }
 inline std::string User::WhReqPrefix() const {
@@ -861,7 +883,7 @@ inline void User::WhReqPrefix(Text iValue) const {
 inline bool User::ChargeLines() const {
     return slot<bool>(99);
 }
-inline void User::ChargeLines(bool iValue) const {
+inline void User::ChargeLines(In<bool> iValue) const {
     return slot<void>(100, iValue);
 }
 inline std::string User::SubstituteBuyer() const {
@@ -897,7 +919,7 @@ inline void User::ProjectRole(Value iValue) const {
 inline std::int16_t User::ProjectUserType() const {
     return slot<std::int16_t>(111);
 }
-inline void User::ProjectUserType(std::int16_t iValue) const {
+inline void User::ProjectUserType(In<std::int16_t> iValue) const {
     return slot<void>(112, iValue);
 }
 inline Currency User::ApproverLimit() const {
@@ -939,7 +961,7 @@ inline void User::CardUserManager(Text iValue) const {
 inline bool User::OneTimeUser() const {
     return slot<bool>(125);
 }
-inline void User::OneTimeUser(bool iValue) const {
+inline void User::OneTimeUser(In<bool> iValue) const {
     return slot<void>(126, iValue);
 }
 inline std::string User::CostCenter() const {
@@ -951,7 +973,7 @@ inline void User::CostCenter(Text iValue) const {
 inline bool User::OnBehalfOf() const {
     return slot<bool>(129);
 }
-inline void User::OnBehalfOf(bool iValue) const {
+inline void User::OnBehalfOf(In<bool> iValue) const {
     return slot<void>(130, iValue);
 }
 inline Value User::OnBehalfOfAdminOffice() const {
@@ -984,109 +1006,109 @@ inline std::string User::NTPassword() const {
 inline bool User::RegisteredUser() const {
     return slot<bool>(140);
 }
-inline void User::RegisteredUser(bool iValue) const {
+inline void User::RegisteredUser(In<bool> iValue) const {
     return slot<void>(141, iValue);
 }
 inline bool User::GuestUser() const {
     return slot<bool>(142);
 }
-inline void User::GuestUser(bool iValue) const {
+inline void User::GuestUser(In<bool> iValue) const {
     return slot<void>(143, iValue);
 }
 inline bool User::IsLocalAdmin() const {
     return slot<bool>(144);
 }
-inline void User::IsLocalAdmin(bool iValue) const {
+inline void User::IsLocalAdmin(In<bool> iValue) const {
     return slot<void>(145, iValue);
 }
 inline bool User::IsAdmin() const {
     return slot<bool>(146);
 }
-inline void User::IsAdmin(bool iValue) const {
+inline void User::IsAdmin(In<bool> iValue) const {
     return slot<void>(147, iValue);
 }
 inline bool User::NewMember() const {
     return slot<bool>(148);
 }
-inline void User::NewMember(bool iValue) const {
+inline void User::NewMember(In<bool> iValue) const {
     return slot<void>(149, iValue);
 }
 inline bool User::InvoiceUser() const {
     return slot<bool>(150);
 }
-inline void User::InvoiceUser(bool iValue) const {
+inline void User::InvoiceUser(In<bool> iValue) const {
     return slot<void>(151, iValue);
 }
 inline bool User::CreditCardUser() const {
     return slot<bool>(152);
 }
-inline void User::CreditCardUser(bool iValue) const {
+inline void User::CreditCardUser(In<bool> iValue) const {
     return slot<void>(153, iValue);
 }
 inline bool User::BuyerRole() const {
     return slot<bool>(154);
 }
-inline void User::BuyerRole(bool iValue) const {
+inline void User::BuyerRole(In<bool> iValue) const {
     return slot<void>(155, iValue);
 }
 inline bool User::RequisitionerRole() const {
     return slot<bool>(156);
 }
-inline void User::RequisitionerRole(bool iValue) const {
+inline void User::RequisitionerRole(In<bool> iValue) const {
     return slot<void>(157, iValue);
 }
 inline bool User::ApproverRole() const {
     return slot<bool>(158);
 }
-inline void User::ApproverRole(bool iValue) const {
+inline void User::ApproverRole(In<bool> iValue) const {
     return slot<void>(159, iValue);
 }
 inline bool User::FinancialRole() const {
     return slot<bool>(160);
 }
-inline void User::FinancialRole(bool iValue) const {
+inline void User::FinancialRole(In<bool> iValue) const {
     return slot<void>(161, iValue);
 }
 inline bool User::ExternalRole() const {
     return slot<bool>(162);
 }
-inline void User::ExternalRole(bool iValue) const {
+inline void User::ExternalRole(In<bool> iValue) const {
     return slot<void>(163, iValue);
 }
 inline bool User::SalesRole() const {
     return slot<bool>(164);
 }
-inline void User::SalesRole(bool iValue) const {
+inline void User::SalesRole(In<bool> iValue) const {
     return slot<void>(165, iValue);
 }
 inline bool User::CanPublish() const {
     return slot<bool>(166);
 }
-inline void User::CanPublish(bool iValue) const {
+inline void User::CanPublish(In<bool> iValue) const {
     return slot<void>(167, iValue);
 }
 inline bool User::CanViewAll() const {
     return slot<bool>(168);
 }
-inline void User::CanViewAll(bool iValue) const {
+inline void User::CanViewAll(In<bool> iValue) const {
     return slot<void>(169, iValue);
 }
 inline bool User::CanEditAll() const {
     return slot<bool>(170);
 }
-inline void User::CanEditAll(bool iValue) const {
+inline void User::CanEditAll(In<bool> iValue) const {
     return slot<void>(171, iValue);
 }
 inline bool User::ReceiverRole() const {
     return slot<bool>(172);
 }
-inline void User::ReceiverRole(bool iValue) const {
+inline void User::ReceiverRole(In<bool> iValue) const {
     return slot<void>(173, iValue);
 }
 inline bool User::SalesRepresentativeRole() const {
     return slot<bool>(174);
 }
-inline void User::SalesRepresentativeRole(bool iValue) const {
+inline void User::SalesRepresentativeRole(In<bool> iValue) const {
     return slot<void>(175, iValue);
 }
 inline bool User::HasRole(InOut<std::int16_t> iRoleID) const {
@@ -1110,13 +1132,13 @@ inline bool User::IsAppAccessAllowed(Text iAppName) const {
 inline bool User::validate() const {
     return slot<bool>(182);
 }
-inline void User::CheckAppUserAccess(Text iAppName, std::int16_t iAppID) const {
+inline void User::CheckAppUserAccess(Text iAppName, In<std::int16_t> iAppID) const {
     return slot<void>(183, iAppName, iAppID);
 }
-inline Value User::SetDefaultURL(std::int32_t i_lAppID, Text i_sURL) const {
+inline Value User::SetDefaultURL(In<std::int32_t> i_lAppID, Text i_sURL) const {
     return slot<Value>(184, i_lAppID, i_sURL);
 }
-inline std::string User::GetDefaultURL(std::int32_t i_lAppID) const {
+inline std::string User::GetDefaultURL(In<std::int32_t> i_lAppID) const {
     return slot<std::string>(185, i_lAppID);
 }
 inline void User::ChangePassword(InOut<Text> iOldPwd, InOut<Text> iNewPwd) const {
@@ -1209,7 +1231,7 @@ inline Value Account::NTPassword() const {
 inline void PMMAccessor::InitConfigFile(Text sSiteConfigFileName) const {
     return slot<void>(7, sSiteConfigFileName);
 }
-inline RecordSet PMMAccessor::GetLDAPUsers(std::int32_t productID) const {
+inline RecordSet PMMAccessor::GetLDAPUsers(In<std::int32_t> productID) const {
     return slot<RecordSet>(8, productID);
 }
 inline bool Initialize::InitializeConnectionPool(InOut<Value> i_aPoolParameterNames, InOut<Value> i_aPoolParameterValues) const {
@@ -1272,7 +1294,7 @@ inline std::string Profile::CN() const {
 inline std::int16_t Profile::Locale() const {
     return slot<std::int16_t>(18);
 }
-inline void Profile::Locale(std::int16_t iLocale) const {
+inline void Profile::Locale(In<std::int16_t> iLocale) const {
     return slot<void>(19, iLocale);
 }
 inline std::string Profile::LanguageID() const {

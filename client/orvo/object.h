@@ -4,12 +4,45 @@
 // that fails raises orvo::Error.
 
 #include <stdexcept>
+#include <type_traits>
 #include <utility>
 
 #include "orvo/value.h"
 
 namespace orvo {
 inline namespace client {
+
+// A whole number or a truth value as an argument: neither a text nor a fraction becomes one by the
+// way. Raises std::out_of_range for a number that T does not hold.
+template <std::integral T>
+class In {
+public:
+    In() = default;
+    template <class U>
+    requires(std::integral<U> || std::is_enum_v<U>) && std::convertible_to<U, T> In(U value)
+        : value_(static_cast<T>(value)) {
+        if constexpr (!std::same_as<T, bool>)
+            if (std::cmp_not_equal(value_, +value))
+                throw std::out_of_range("the number is too large for this argument");
+    }
+    operator T() const { return value_; }
+
+private:
+    T value_{};
+};
+
+namespace detail {
+
+template <class T>
+struct Given {
+    using type = T;
+};
+template <std::integral T>
+struct Given<T> {
+    using type = In<T>;
+};
+
+}  // namespace detail
 
 // An argument that the called method may change: of a value, what it makes of it is dropped; of a
 // pointer, it is written back.
@@ -18,12 +51,8 @@ class InOut {
 public:
     InOut() = default;
     template <class U>
-    requires std::convertible_to<const U&, T> InOut(const U& value)
-        : value_(static_cast<T>(value)) {
-        if constexpr (std::integral<U> && std::integral<T> && !std::same_as<T, bool>)
-            if (std::cmp_not_equal(value_, value))
-                throw std::out_of_range("the number is too large for this argument");
-    }
+    requires std::convertible_to<const U&, typename detail::Given<T>::type> InOut(const U& value)
+        : value_(static_cast<typename detail::Given<T>::type>(value)) {}
     InOut(T* changed) : value_(*changed), target_(changed) {}
 
     const T& value() const { return value_; }
@@ -70,6 +99,10 @@ public:
         result.object_ = object;
         return result;
     }
+    // The same object, by another interface that it has; none stays none.
+    Object(const Object& object, const abi::IID& iid) {
+        if (object) *this = object.as(iid);
+    }
     ~Object() {
         if (object_) abi::release(object_);
     }
@@ -93,7 +126,8 @@ public:
     // The object's other interface. Raises where it has none.
     Object as(const abi::IID& iid) const {
         void* found = nullptr;
-        detail::check(abi::query_interface(require(), iid, &found));
+        const abi::HRESULT code = abi::query_interface(require(), iid, &found);
+        if (abi::failed(code)) throw Error(code, {}, detail::description_of(code));
         return attach(static_cast<abi::IUnknown*>(found));
     }
 
@@ -145,6 +179,8 @@ template <>
 struct Crossing<std::int16_t> : PlainCrossing<std::int16_t> {};
 template <>
 struct Crossing<std::int32_t> : PlainCrossing<std::int32_t> {};
+template <class T>
+struct Crossing<In<T>> : Crossing<T> {};
 template <>
 struct Crossing<bool> : PlainCrossing<bool, abi::VARIANT_BOOL> {
     static raw give(bool value) { return value ? abi::variant_true : abi::variant_false; }

@@ -57,11 +57,15 @@ inline Value Row::operator[](std::string_view column) const {
 }
 
 // The users or profiles that a query found. As a range: its rows from the current one on, all of
-// which are read, once, when the range begins; the object then stands behind the last one.
+// which are read, once for all copies, when the range begins; the object then stands behind the
+// last one.
 class RecordSet : public Object {
 public:
     RecordSet() = default;
     explicit RecordSet(Object object) : Object(std::move(object)) {}
+    // Copies share what has been read; nothing is moved.
+    RecordSet(const RecordSet&) = default;
+    RecordSet& operator=(const RecordSet&) = default;
 
     class iterator {
     public:
@@ -99,25 +103,27 @@ public:
 
 private:
     const std::shared_ptr<const Row::Table>& table() const {
-        if (!table_) {
-            auto read = std::make_shared<Row::Table>();
-            const Object fields = get("Fields").to<Object>();
-            const auto columns = fields.get("Count").to<std::int32_t>();
-            for (std::int32_t i = 0; i < columns; ++i)
-                read->columns.push_back(
-                    fields.get("Item", i).to<Object>().get("Name").to<std::string>());
-            if (!get("EOF").to<bool>()) {
-                read->cells = call("GetRows");
-                std::int32_t last = -1;
-                detail::check(abi::SafeArrayGetUBound(read->cells.get()->parray, 2, &last));
-                read->count = static_cast<std::size_t>(last + 1);
-            }
-            table_ = std::move(read);
+        if (!*table_) *table_ = read();
+        return *table_;
+    }
+    std::shared_ptr<const Row::Table> read() const {
+        auto table = std::make_shared<Row::Table>();
+        const Object fields = get("Fields").to<Object>();
+        const auto columns = fields.get("Count").to<std::int32_t>();
+        for (std::int32_t i = 0; i < columns; ++i)
+            table->columns.push_back(
+                fields.get("Item", i).to<Object>().get("Name").to<std::string>());
+        if (!get("EOF").to<bool>()) {
+            table->cells = call("GetRows");
+            std::int32_t last = -1;
+            detail::check(abi::SafeArrayGetUBound(table->cells.get()->parray, 2, &last));
+            table->count = static_cast<std::size_t>(last + 1);
         }
-        return table_;
+        return table;
     }
 
-    mutable std::shared_ptr<const Row::Table> table_;
+    using Shared = std::shared_ptr<const Row::Table>;
+    std::shared_ptr<Shared> table_ = std::make_shared<Shared>();  // null until it is read
 };
 
 }  // namespace client

@@ -6,9 +6,14 @@
 // the client are in the inline namespace orvo::client, so that a program may be linked together
 // with the sources of a module.
 
+#if __cplusplus < 202002L
+#error "the client of OrvoMembership needs C++20 or later (-std=c++20)"
+#endif
+
 #include <cstdint>
 #include <exception>
 #include <new>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -148,6 +153,28 @@ private:
     abi::BSTR text_ = nullptr;
 };
 
+// What a result says by itself, where no object says more.
+inline const char* description_of(abi::HRESULT code) {
+    switch (code) {
+        case abi::disp_e_typemismatch:
+            return "the value is not of the type that is needed";
+        case abi::disp_e_overflow:
+            return "the value is too large for its type";
+        case abi::disp_e_badparamcount:
+            return "the number of arguments is wrong";
+        case abi::disp_e_paramnotoptional:
+            return "an argument is missing";
+        case abi::disp_e_membernotfound:
+            return "the object has no such member";
+        case abi::e_nointerface:
+            return "the object does not have this interface";
+        case abi::rpc_e_wrong_thread:
+            return "the object belongs to another thread";
+        default:
+            return "";
+    }
+}
+
 // Raises what the thread's error object tells of a failed call.
 [[noreturn]] inline void raise(abi::HRESULT code) {
     abi::IUnknown* info = nullptr;
@@ -162,6 +189,7 @@ private:
         }
         abi::release(info);
     }
+    if (texts[1].empty()) texts[1] = description_of(code);
     throw Error(code, std::move(texts[0]), std::move(texts[1]));
 }
 inline void check(abi::HRESULT code) {
@@ -178,12 +206,19 @@ public:
     Text(std::u16string_view text) : wide_(text) {}
     Text(const std::string& text) : Text(std::string_view(text)) {}
     Text(const std::u16string& text) : wide_(text) {}
-    Text(const char* text) : Text(std::string_view(text)) {}
-    Text(const char16_t* text) : wide_(text) {}
+    // Raise std::invalid_argument for a null pointer, as getenv gives it.
+    Text(const char* text) : Text(std::string_view(not_null(text))) {}
+    Text(const char16_t* text) : wide_(not_null(text)) {}
 
     const std::u16string& utf16() const { return wide_; }
 
 private:
+    template <class C>
+    static const C* not_null(const C* text) {
+        if (!text) throw std::invalid_argument("a text is a null pointer");
+        return text;
+    }
+
     std::u16string wide_;
 };
 

@@ -8,6 +8,7 @@
 #include <concepts>
 #include <optional>
 #include <ostream>
+#include <stdexcept>
 #include <vector>
 
 #include "orvo/text.h"
@@ -21,8 +22,12 @@ struct Currency {
 
     constexpr Currency() = default;
     explicit constexpr Currency(std::int64_t count) : ten_thousandths(count) {}
+    // Raises std::out_of_range for more than 64 bits hold, and for what is no number.
     static Currency of(double amount) {
-        return Currency(static_cast<std::int64_t>(amount * 10000 + (amount < 0 ? -0.5 : 0.5)));
+        const double count = amount * 10000 + (amount < 0 ? -0.5 : 0.5);
+        if (!(count >= -0x1p63 && count < 0x1p63))
+            throw std::out_of_range("the amount is too large for a currency");
+        return Currency(static_cast<std::int64_t>(count));
     }
     explicit constexpr operator double() const {
         return static_cast<double>(ten_thousandths) / 10000;
@@ -178,7 +183,9 @@ public:
 private:
     Value converted(abi::VARTYPE type) const {
         Value result;
-        detail::check(abi::VariantChangeTypeEx(&result.raw_, &raw_, abi::fixed_locale, 0, type));
+        const abi::HRESULT code =
+            abi::VariantChangeTypeEx(&result.raw_, &raw_, abi::fixed_locale, 0, type);
+        if (abi::failed(code)) throw Error(code, {}, detail::description_of(code));
         return result;
     }
     template <class T>
@@ -195,13 +202,20 @@ std::vector<T> Value::elements() const {
         all.push_back(to<T>());
         return all;
     }
-    const abi::VARTYPE type = raw_.vt & ~(abi::VT_ARRAY | abi::VT_BYREF);
+    const auto type = static_cast<abi::VARTYPE>(raw_.vt & ~(abi::VT_ARRAY | abi::VT_BYREF));
     abi::SAFEARRAY* array = raw_.vt & abi::VT_BYREF ? *raw_.pparray : raw_.parray;
     if (!array) return all;
-    if (abi::SafeArrayGetDim(array) != 1) detail::raise(abi::disp_e_typemismatch);
+    if (abi::SafeArrayGetDim(array) != 1)
+        throw Error(abi::disp_e_typemismatch, {}, "an array of several dimensions is no list");
     std::int32_t lower = 0, upper = -1;
     detail::check(abi::SafeArrayGetLBound(array, 1, &lower));
     detail::check(abi::SafeArrayGetUBound(array, 1, &upper));
+    if constexpr (std::same_as<T, std::uint8_t>) {
+        if (type == abi::VT_UI1) {
+            const auto* bytes = static_cast<const std::uint8_t*>(array->pvData);
+            return {bytes, bytes + (std::int64_t{upper} - lower + 1)};
+        }
+    }
     for (std::int32_t i = lower; i <= upper; ++i) {
         Value element;
         // An element that is no variant lies behind the variant's type.

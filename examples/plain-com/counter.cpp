@@ -20,46 +20,46 @@ public:
     Counter() { InterlockedIncrement(&objects); }
     virtual ~Counter() { InterlockedDecrement(&objects); }
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
+    STDMETHODIMP QueryInterface(REFIID iid, LPVOID* out) override {
         const bool is_known = iid == IID_IUnknown || iid == IID_IDispatch;
         *out = is_known ? static_cast<IDispatch*>(this) : nullptr;
         if (is_known) AddRef();
         return is_known ? S_OK : E_NOINTERFACE;
     }
-    ULONG STDMETHODCALLTYPE AddRef() override {
+    STDMETHODIMP_(ULONG) AddRef() override {
         return static_cast<ULONG>(InterlockedIncrement(&references_));
     }
-    ULONG STDMETHODCALLTYPE Release() override {
+    STDMETHODIMP_(ULONG) Release() override {
         const LONG left = InterlockedDecrement(&references_);
         if (left == 0) delete this;
         return static_cast<ULONG>(left);
     }
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
+    STDMETHODIMP GetTypeInfoCount(UINT* count) override {
         *count = 0;
         return S_OK;
     }
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID,
-                                            DISPID* ids) override {
+    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID, DISPID* ids) override {
         const std::basic_string<OLECHAR> name = names[0];
         ids[0] = name == OLESTR("Add") ? 1 : name == OLESTR("Total") ? 2 : DISPID_UNKNOWN;
         return ids[0] == DISPID_UNKNOWN ? DISP_E_UNKNOWNNAME : S_OK;
     }
-    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* passed,
-                                     VARIANT* result, EXCEPINFO*, UINT*) override {
+    STDMETHODIMP Invoke(DISPID id, REFIID iid, LCID, WORD flags, DISPPARAMS* passed,
+                        VARIANT* result, EXCEPINFO*, UINT*) override {
+        if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
         if (id == 1 && (flags & DISPATCH_METHOD)) {
             if (passed->cArgs != 1) return DISP_E_BADPARAMCOUNT;
             VARIANT number;
             VariantInit(&number);
             const HRESULT code = VariantChangeType(&number, &passed->rgvarg[0], 0, VT_I4);
             if (FAILED(code)) return code;
-            total_ += number.lVal;
+            total_ += V_I4(&number);
         } else if (id != 2 || !(flags & DISPATCH_PROPERTYGET)) {
             return DISP_E_MEMBERNOTFOUND;
         }
         if (result) {
-            result->vt = VT_I4;
-            result->lVal = total_;
+            V_VT(result) = VT_I4;
+            V_I4(result) = total_;
         }
         return S_OK;
     }
@@ -72,14 +72,14 @@ private:
 // It lives as long as the module.
 class Factory : public IClassFactory {
 public:
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
+    STDMETHODIMP QueryInterface(REFIID iid, LPVOID* out) override {
         const bool is_known = iid == IID_IUnknown || iid == IID_IClassFactory;
         *out = is_known ? static_cast<IClassFactory*>(this) : nullptr;
         return is_known ? S_OK : E_NOINTERFACE;
     }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
-    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** out) override {
+    STDMETHODIMP_(ULONG) AddRef() override { return 2; }
+    STDMETHODIMP_(ULONG) Release() override { return 1; }
+    STDMETHODIMP CreateInstance(LPUNKNOWN outer, REFIID iid, LPVOID* out) override {
         *out = nullptr;
         if (outer) return CLASS_E_NOAGGREGATION;
         Counter* counter = new Counter;
@@ -87,24 +87,22 @@ public:
         counter->Release();
         return code;
     }
-    HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
+    STDMETHODIMP LockServer(BOOL) override { return S_OK; }
 };
 
 }  // namespace
 
-#define EXPORTED EXTERN_C __attribute__((visibility("default")))
-
-EXPORTED HRESULT DllGetClassObject(REFCLSID clsid, REFIID iid, void** out) {
+STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, LPVOID* out) {
     static Factory factory;
     *out = nullptr;
     return clsid == counter_class ? factory.QueryInterface(iid, out) : CLASS_E_CLASSNOTAVAILABLE;
 }
 
-EXPORTED HRESULT DllCanUnloadNow() { return objects == 0 ? S_OK : S_FALSE; }
+STDAPI DllCanUnloadNow() { return objects == 0 ? S_OK : S_FALSE; }
 
-EXPORTED HRESULT DllRegisterServer() {
+STDAPI DllRegisterServer() {
     const OrvoModuleClass classes[] = {{OLESTR("PlainCom.Counter"), counter_class}};
     return OrvoRegisterModule(&counter_class, OLESTR("PlainCom"), classes, 1);
 }
 
-EXPORTED HRESULT DllUnregisterServer() { return OrvoUnregisterModule(OLESTR("PlainCom")); }
+STDAPI DllUnregisterServer() { return OrvoUnregisterModule(OLESTR("PlainCom")); }

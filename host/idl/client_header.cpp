@@ -17,15 +17,16 @@ struct CppType {
     std::string argument;
     std::string result;
     std::string left_out = {};  // what an optional argument is without a value; empty: {}
+    bool is_number = false;
 };
 
 CppType cpp_type(const std::string& idl) {
     static const std::map<std::string, CppType> types{
         {"BSTR", {"Text", "std::string"}},
         {"VARIANT", {"Value", "Value", "Value::missing()"}},
-        {"VARIANT_BOOL", {"bool", "bool"}},
-        {"short", {"std::int16_t", "std::int16_t"}},
-        {"long", {"std::int32_t", "std::int32_t"}},
+        {"VARIANT_BOOL", {"bool", "bool", {}, true}},
+        {"short", {"std::int16_t", "std::int16_t", {}, true}},
+        {"long", {"std::int32_t", "std::int32_t", {}, true}},
         {"CURRENCY", {"Currency", "Currency"}},
         {"DATE", {"Date", "Date"}},
         // What the component's members answer so are record sets, all of them.
@@ -53,9 +54,12 @@ public:
         name_ = class_name(class_of<C>.progid);
         declared += "// " + std::string(table_of<I>.about) + "\nclass " + name_ +
                     " : public Object {\npublic:\n    // Makes one.\n    " + name_ +
-                    "() : Object(\"" + class_of<C>.progid + "\", " + "{" +
-                    guid_numbers(table_of<I>.iid, "{") + "}}" + ") {}\n    explicit " + name_ +
-                    "(Object object) : Object(std::move(object)) {}\n\n";
+                    "() : Object(\"" + class_of<C>.progid +
+                    "\", iid) {}\n    // The same object, typed. Raises where it is of another "
+                    "class; none stays none.\n    explicit " +
+                    name_ + "(const Object& object) : Object(object, iid) {}\n    " +
+                    "static constexpr abi::IID iid{" + guid_numbers(table_of<I>.iid, "{") +
+                    "}};\n\n";
         const auto& table = table_of<I>;
         table.for_each([&]<auto M>(std::size_t index) {
             if constexpr (!std::is_null_pointer_v<std::remove_cv_t<decltype(M)>>)
@@ -76,9 +80,10 @@ private:
         const auto add = [&]<class P>(std::type_identity<P>) {
             const Parameter& named = row.parameters[index++];
             const CppType type = cpp_type(crossing<detail::natural<P>>::idl());
-            const std::string declaration =
-                (detail::is_in_out<P> ? "InOut<" + type.argument + ">" : type.argument) + " " +
-                named.name;
+            const std::string declaration = (detail::is_in_out<P> ? "InOut<" + type.argument + ">"
+                                             : type.is_number     ? "In<" + type.argument + ">"
+                                                                  : type.argument) +
+                                            " " + named.name;
             const std::string comma = parameters.empty() ? "" : ", ";
             std::string otherwise = type.left_out.empty() ? "{}" : type.left_out;
             if (named.otherwise != 0) otherwise = std::to_string(named.otherwise);

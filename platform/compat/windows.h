@@ -22,6 +22,15 @@
 #define BEGIN_INTERFACE
 #define END_INTERFACE
 #define EXTERN_C extern "C"
+#define WINAPI
+#define PURE = 0
+#define STDMETHOD(name) virtual HRESULT name
+#define STDMETHOD_(type, name) virtual type name
+#define STDMETHODIMP HRESULT
+#define STDMETHODIMP_(type) type
+// An export, which is seen though the module's sources are compiled with hidden visibility.
+#define STDAPI EXTERN_C __attribute__((visibility("default"))) HRESULT
+#define STDAPI_(type) EXTERN_C __attribute__((visibility("default"))) type
 #define OLESTR(text) u##text
 
 using LONG = std::int32_t;
@@ -29,6 +38,7 @@ using ULONG = std::uint32_t;
 using UINT = std::uint32_t;
 using WORD = std::uint16_t;
 using USHORT = std::uint16_t;
+using BYTE = std::uint8_t;
 using INT = std::int32_t;
 using SHORT = std::int16_t;
 using DWORD = std::uint32_t;
@@ -45,6 +55,8 @@ using OLECHAR = char16_t;
 using BSTR = OLECHAR*;
 using LPOLESTR = OLECHAR*;
 using LPCOLESTR = const OLECHAR*;
+using LPVOID = void*;
+using HINSTANCE = void*;  // of a DllMain, which nobody calls here
 
 struct GUID {
     std::uint32_t Data1;
@@ -59,6 +71,10 @@ using REFCLSID = const CLSID&;
 using REFGUID = const GUID&;
 inline bool operator==(const GUID& a, const GUID& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
 
+inline constexpr GUID GUID_NULL{};
+#define IID_NULL GUID_NULL
+#define CLSID_NULL GUID_NULL
+
 #ifdef INITGUID
 #define DEFINE_GUID(name, l, w1, w2, b1, b2, b3, b4, b5, b6, b7, b8) \
     extern "C" const GUID name = {l, w1, w2, {b1, b2, b3, b4, b5, b6, b7, b8}}
@@ -67,6 +83,7 @@ inline bool operator==(const GUID& a, const GUID& b) { return std::memcmp(&a, &b
 #endif
 
 constexpr HRESULT S_OK = 0;
+constexpr HRESULT NOERROR = 0;
 constexpr HRESULT S_FALSE = 1;
 constexpr HRESULT E_NOTIMPL = static_cast<HRESULT>(0x80004001);
 constexpr HRESULT E_NOINTERFACE = static_cast<HRESULT>(0x80004002);
@@ -75,6 +92,7 @@ constexpr HRESULT E_FAIL = static_cast<HRESULT>(0x80004005);
 constexpr HRESULT E_OUTOFMEMORY = static_cast<HRESULT>(0x8007000E);
 constexpr HRESULT E_INVALIDARG = static_cast<HRESULT>(0x80070057);
 constexpr HRESULT E_POINTER = static_cast<HRESULT>(0x80004003);
+constexpr HRESULT E_ACCESSDENIED = static_cast<HRESULT>(0x80070005);
 constexpr HRESULT CLASS_E_NOAGGREGATION = static_cast<HRESULT>(0x80040110);
 constexpr HRESULT CLASS_E_CLASSNOTAVAILABLE = static_cast<HRESULT>(0x80040111);
 constexpr HRESULT DISP_E_MEMBERNOTFOUND = static_cast<HRESULT>(0x80020003);
@@ -84,6 +102,18 @@ constexpr HRESULT REGDB_E_CLASSNOTREG = static_cast<HRESULT>(0x80040154);
 constexpr HRESULT DISP_E_UNKNOWNNAME = static_cast<HRESULT>(0x80020006);
 constexpr HRESULT DISP_E_EXCEPTION = static_cast<HRESULT>(0x80020009);
 constexpr HRESULT DISP_E_BADPARAMCOUNT = static_cast<HRESULT>(0x8002000E);
+constexpr HRESULT DISP_E_UNKNOWNINTERFACE = static_cast<HRESULT>(0x80020001);
+constexpr HRESULT DISP_E_NONAMEDARGS = static_cast<HRESULT>(0x80020007);
+constexpr HRESULT DISP_E_BADVARTYPE = static_cast<HRESULT>(0x80020008);
+constexpr HRESULT DISP_E_OVERFLOW = static_cast<HRESULT>(0x8002000A);
+constexpr HRESULT DISP_E_BADINDEX = static_cast<HRESULT>(0x8002000B);
+constexpr HRESULT DISP_E_ARRAYISLOCKED = static_cast<HRESULT>(0x8002000D);
+constexpr HRESULT DISP_E_PARAMNOTOPTIONAL = static_cast<HRESULT>(0x8002000F);
+constexpr HRESULT RPC_E_WRONG_THREAD = static_cast<HRESULT>(0x8001010E);
+constexpr HRESULT CO_E_CLASSSTRING = static_cast<HRESULT>(0x800401F3);
+constexpr HRESULT CO_E_DLLNOTFOUND = static_cast<HRESULT>(0x800401F8);
+constexpr HRESULT CO_E_ERRORINDLL = static_cast<HRESULT>(0x800401F9);
+constexpr HRESULT CONTEXT_E_NOCONTEXT = static_cast<HRESULT>(0x8004E004);
 constexpr bool SUCCEEDED(HRESULT code) { return code >= 0; }
 constexpr bool FAILED(HRESULT code) { return code < 0; }
 
@@ -96,9 +126,17 @@ constexpr DISPID DISPID_UNKNOWN = -1;
 constexpr WORD DISPATCH_METHOD = 1;
 constexpr WORD DISPATCH_PROPERTYGET = 2;
 constexpr WORD DISPATCH_PROPERTYPUT = 4;
+constexpr WORD DISPATCH_PROPERTYPUTREF = 8;
 constexpr DISPID DISPID_PROPERTYPUT = -3;
+constexpr DISPID DISPID_NEWENUM = -4;
+constexpr USHORT VARIANT_NOVALUEPROP = 0x1;
+constexpr USHORT VARIANT_ALPHABOOL = 0x2;
+constexpr USHORT VARIANT_NOUSEROVERRIDE = 0x4;
+constexpr USHORT VARIANT_LOCALBOOL = 0x10;
 constexpr std::uint32_t CLSCTX_INPROC_SERVER = 1;
 constexpr LCID LOCALE_NEUTRAL = 0;
+constexpr LCID LOCALE_USER_DEFAULT = 0x400;
+constexpr LCID LOCALE_SYSTEM_DEFAULT = 0x800;
 constexpr DWORD COINIT_MULTITHREADED = 0;
 constexpr DWORD COINIT_APARTMENTTHREADED = 2;
 
@@ -117,7 +155,18 @@ enum : VARTYPE {
     VT_BOOL = 11,
     VT_VARIANT = 12,
     VT_UNKNOWN = 13,
+    VT_DECIMAL = 14,
+    VT_I1 = 16,
     VT_UI1 = 17,
+    VT_UI2 = 18,
+    VT_UI4 = 19,
+    VT_I8 = 20,
+    VT_UI8 = 21,
+    VT_INT = 22,
+    VT_UINT = 23,
+    VT_VOID = 24,
+    VT_HRESULT = 25,
+    VT_SAFEARRAY = 27,
     VT_ARRAY = 0x2000,
     VT_BYREF = 0x4000,
 };
@@ -126,20 +175,39 @@ union CY {
     std::int64_t int64;
 };
 using CURRENCY = CY;
-struct SAFEARRAY;
 struct SAFEARRAYBOUND {
     ULONG cElements;
     LONG lLbound;
 };
+// Bounds are stored in reverse: rgsabound[0] belongs to the last dimension.
+struct SAFEARRAY {
+    USHORT cDims;
+    USHORT fFeatures;
+    ULONG cbElements;
+    ULONG cLocks;
+    void* pvData;
+    SAFEARRAYBOUND rgsabound[1];
+};
 interface IUnknown;
 interface IDispatch;
+using LPUNKNOWN = IUnknown*;
+using LPDISPATCH = IDispatch*;
 struct VARIANT {
     VARTYPE vt;
-    WORD reserved[3];
+    WORD wReserved1;
+    WORD wReserved2;
+    WORD wReserved3;
     union {
         LONG lVal;
         SHORT iVal;
-        std::uint8_t bVal;
+        BYTE bVal;
+        std::int8_t cVal;
+        USHORT uiVal;
+        ULONG ulVal;
+        std::int64_t llVal;
+        std::uint64_t ullVal;
+        INT intVal;
+        UINT uintVal;
         float fltVal;
         double dblVal;
         CY cyVal;
@@ -153,6 +221,13 @@ struct VARIANT {
         SAFEARRAY* parray;
         VARIANT* pvarVal;
         VARIANT_BOOL boolVal;
+        SHORT* piVal;
+        LONG* plVal;
+        double* pdblVal;
+        VARIANT_BOOL* pboolVal;
+        IUnknown** ppunkVal;
+        IDispatch** ppdispVal;
+        SAFEARRAY** pparray;
         struct {
             void* first;
             void* second;
@@ -160,6 +235,21 @@ struct VARIANT {
     };
 };
 using VARIANTARG = VARIANT;
+#define V_VT(value) ((value)->vt)
+#define V_BSTR(value) ((value)->bstrVal)
+#define V_BOOL(value) ((value)->boolVal)
+#define V_UI1(value) ((value)->bVal)
+#define V_I2(value) ((value)->iVal)
+#define V_I4(value) ((value)->lVal)
+#define V_I8(value) ((value)->llVal)
+#define V_R8(value) ((value)->dblVal)
+#define V_CY(value) ((value)->cyVal)
+#define V_DATE(value) ((value)->date)
+#define V_ERROR(value) ((value)->scode)
+#define V_UNKNOWN(value) ((value)->punkVal)
+#define V_DISPATCH(value) ((value)->pdispVal)
+#define V_ARRAY(value) ((value)->parray)
+#define V_VARIANTREF(value) ((value)->pvarVal)
 struct DISPPARAMS {
     VARIANTARG* rgvarg;
     DISPID* rgdispidNamedArgs;
@@ -360,7 +450,7 @@ struct OrvoModuleClass {
 // What cannot be written leaves an error object with file and reason.
 HRESULT OrvoRegisterModule(const void* inside, const OLECHAR* name, const OrvoModuleClass* classes,
                            ULONG count);
-// For DllUnregisterServer: removes it; nothing happens where there is none.
+// For DllUnregisterServer: removes it; S_FALSE where there is none.
 HRESULT OrvoUnregisterModule(const OLECHAR* name);
 }
 

@@ -94,6 +94,45 @@ TEST_F(ClientMembership, ArgumentsComeBackThroughPointersAlone) {
     EXPECT_THROW(members().GetOrvoMembersHavingRole(100000), std::out_of_range);
 }
 
+// Neither a text is true nor a fraction a role.
+template <class T>
+concept grants_buyer_role = requires(const orvo::User& user, T value) {
+    user.BuyerRole(value);
+};
+template <class T>
+concept grants_a_role = requires(const orvo::User& user, T value) {
+    user.AssignRole(24, value);
+};
+template <class T>
+concept is_a_role = requires(const orvo::User& user, T role) {
+    user.HasRole(role);
+};
+static_assert(grants_buyer_role<bool> && grants_buyer_role<int>);
+static_assert(!grants_buyer_role<const char*> && !grants_buyer_role<double>);
+static_assert(grants_a_role<bool> && grants_a_role<bool*> && !grants_a_role<const char*>);
+static_assert(is_a_role<long> && is_a_role<std::int16_t*> && !is_a_role<double>);
+
+TEST_F(ClientMembership, NumbersThatAnArgumentDoesNotHoldAreRefused) {
+    const orvo::User user;
+    EXPECT_THROW(user.OrvoUserType(65537), std::out_of_range);
+    EXPECT_THROW(user.CheckAppUserAccess("shop", 65546L), std::out_of_range);
+    EXPECT_THROW(user.HasRole(-32769), std::out_of_range);
+}
+
+TEST_F(ClientMembership, AnObjectIsTypedOnlyAsWhatItIs) {
+    const orvo::Object object("OrvoMembership.Validator");
+    const orvo::Validator validator(object);
+    validator.setServerInfo(site());
+    EXPECT_EQ(validator.ValidatePassword("jsmith", "shop-sample").to<int>(), 0);
+    EXPECT_FALSE(orvo::User(orvo::Object()));
+    try {
+        const orvo::User user(object);
+        FAIL() << "a validator is called by the slots of a user";
+    } catch (const orvo::Error& error) {
+        EXPECT_STREQ(error.what(), "the object does not have this interface (0x80004002)");
+    }
+}
+
 TEST_F(ClientMembership, AWrongPasswordIsAnAnswerAndAMissingUserAFailure) {
     orvo::Validator validator;
     validator.setServerInfo(site());

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <orvo/record_set.h>
 
+#include <limits>
 #include <ranges>
 #include <sstream>
 
@@ -49,8 +50,33 @@ TEST(ClientValue, ConvertsByAutomationsRules) {
     EXPECT_EQ(Value(u"wide").to<std::u16string>(), u"wide");
     EXPECT_EQ(Value("12.5").to<orvo::Currency>(), orvo::Currency::of(12.5));
     EXPECT_EQ(orvo::Currency::of(-0.1).ten_thousandths, -1000);
+    EXPECT_THROW(orvo::Currency::of(1e15), std::out_of_range);
+    EXPECT_THROW(orvo::Currency::of(std::numeric_limits<double>::quiet_NaN()), std::out_of_range);
     EXPECT_EQ(error_of([] { Value("abc").to<std::int32_t>(); }).number(),
               static_cast<std::int32_t>(0x80020005));
+}
+
+TEST(ClientText, OfANullPointerIsRefused) {
+    const char* const unset = nullptr;
+    EXPECT_THROW(orvo::Text{unset}, std::invalid_argument);
+    EXPECT_THROW(Value{static_cast<const char16_t*>(nullptr)}, std::invalid_argument);
+}
+
+TEST(ClientValue, OfAnotherTypeIsTheFailureOfItsConversionAlone) {
+    orvo::abi::IUnknown* other = nullptr;
+    ASSERT_EQ(orvo::abi::CreateErrorInfo(&other), orvo::abi::s_ok);
+    orvo::abi::call_slot<orvo::abi::HRESULT, const char16_t*>(
+        other, orvo::abi::slot_error_set_description, u"of another call");
+    orvo::abi::IUnknown* info = nullptr;
+    orvo::abi::query_interface(other, orvo::abi::iid_error_info, reinterpret_cast<void**>(&info));
+    orvo::abi::SetErrorInfo(0, info);
+    EXPECT_STREQ(error_of([] { Value("abc").to<std::int32_t>(); }).what(),
+                 "the value is not of the type that is needed (0x80020005)");
+    EXPECT_STREQ(error_of([] { Value(100000).to<std::int16_t>(); }).what(),
+                 "the value is too large for its type (0x8002000A)");
+    orvo::abi::SetErrorInfo(0, nullptr);
+    orvo::abi::release(info);
+    orvo::abi::release(other);
 }
 
 TEST(ClientValue, OfNothingIsTheEmptyTextAndNoOptional) {
@@ -77,6 +103,7 @@ TEST(ClientValue, HoldsArrays) {
     EXPECT_THAT(Value("one").to<std::vector<std::string>>(), ElementsAre("one"));
     const std::vector<std::uint8_t> bytes{0, 255, 7};
     EXPECT_EQ(Value(bytes).to<std::vector<std::uint8_t>>(), bytes);
+    EXPECT_THAT(Value(std::vector<std::uint8_t>{}).to<std::vector<std::uint8_t>>(), IsEmpty());
     EXPECT_THAT(Value(std::vector<std::string>{}).to<std::vector<std::string>>(), IsEmpty());
 }
 
@@ -152,6 +179,15 @@ TEST_F(ClientObject, ARecordSetIsARangeOfRows) {
     EXPECT_THAT(people.columns(), ElementsAre("cn", "age"));
     EXPECT_THROW((*people.begin())["sn"], std::out_of_range);
     EXPECT_TRUE(orvo::RecordSet(people).get("EOF").to<bool>());
+}
+
+TEST_F(ClientObject, CopiesOfARecordSetShareItsRows) {
+    const orvo::RecordSet people = this->people();
+    orvo::RecordSet copy = people;
+    EXPECT_EQ(copy.size(), 3u);
+    EXPECT_EQ(people.size(), 3u);
+    const orvo::RecordSet moved = std::move(copy);
+    EXPECT_EQ(copy.size() + moved.size(), 6u);  // NOLINT(bugprone-use-after-move)
 }
 
 static_assert(std::ranges::forward_range<const orvo::RecordSet>);
