@@ -31,14 +31,7 @@ foreach(program orvo orvo-register orvo-script orvo-web)
     if(program STREQUAL "orvo-web")
       set(component web)
     endif()
-    if(program STREQUAL "orvo-register")
-      # orvo_install_module() calls it.
-      set_target_properties(${program} PROPERTIES EXPORT_NAME register)
-      set(exported EXPORT Orvo)
-    else()
-      set(exported "")
-    endif()
-    install(TARGETS ${program} ${exported} RUNTIME COMPONENT ${component})
+    install(TARGETS ${program} RUNTIME COMPONENT ${component})
   endif()
 endforeach()
 
@@ -50,10 +43,12 @@ install(EXPORT Orvo NAMESPACE Orvo:: FILE OrvoTargets.cmake COMPONENT developmen
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/OrvoMembership)
 set(ORVO_MODULE_SOURCES ${CMAKE_INSTALL_DATADIR}/orvo/module)
 configure_package_config_file(cmake/package/OrvoMembershipConfig.cmake.in
-  OrvoMembershipConfig.cmake PATH_VARS ORVO_MODULE_SOURCES
+  OrvoMembershipConfig.cmake PATH_VARS ORVO_MODULE_SOURCES CMAKE_INSTALL_BINDIR
   INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/OrvoMembership)
 write_basic_package_version_file(OrvoMembershipConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 file(RELATIVE_PATH way_to_prefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+file(RELATIVE_PATH way_to_headers ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig
+                                  ${CMAKE_INSTALL_FULL_INCLUDEDIR})
 configure_file(cmake/package/orvo-client.pc.in orvo-client.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/OrvoMembershipConfig.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/OrvoMembershipConfigVersion.cmake

@@ -21,6 +21,12 @@ if(ORVO_TESTS AND NOT (ORVO_PROGRAMS AND ORVO_WEB AND ORVO_EMBEDDED AND ORVO_EXA
   message(FATAL_ERROR
     "ORVO_TESTS needs ORVO_PROGRAMS, ORVO_WEB, ORVO_EMBEDDED, ORVO_REDIS and ORVO_EXAMPLES")
 endif()
+if(ORVO_INSTALL AND NOT ORVO_PROGRAMS AND NOT WIN32)
+  message(FATAL_ERROR "ORVO_INSTALL needs ORVO_PROGRAMS: orvo-register writes the modules' manifests")
+endif()
+if(ORVO_WEB AND NOT ORVO_PROGRAMS AND NOT PROJECT_IS_TOP_LEVEL)
+  message(FATAL_ERROR "ORVO_WEB needs ORVO_PROGRAMS: the web host is one of them")
+endif()
 set(ORVO_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize= takes them")
 
 include(GNUInstallDirs)

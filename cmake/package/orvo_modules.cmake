@@ -32,6 +32,7 @@ function(orvo_install_module target)
   # The module registers itself, into a folder of its own; then its path is put right.
   install(CODE "
     set(folder \"${CMAKE_CURRENT_BINARY_DIR}/${target}.manifests\")
+    set(destination \"${ORVO_MANIFESTS_FOLDER}\")
     file(REMOVE_RECURSE \"\${folder}\")
     file(MAKE_DIRECTORY \"\${folder}\")
     execute_process(
@@ -43,7 +44,7 @@ function(orvo_install_module target)
     string(REGEX REPLACE \"\\nmodule = [^\\n]*\"
            \"\\nmodule = ${module_path}/$<TARGET_FILE_NAME:${target}>\" text \"\${text}\")
     file(WRITE \"\${manifest}\" \"\${text}\")
-    file(INSTALL \"\${manifest}\"
-         DESTINATION \"\${CMAKE_INSTALL_PREFIX}/${ORVO_MANIFESTS_FOLDER}\")
+    cmake_path(ABSOLUTE_PATH destination BASE_DIRECTORY \"\${CMAKE_INSTALL_PREFIX}\")
+    file(INSTALL \"\${manifest}\" DESTINATION \"\${destination}\")
   " COMPONENT ${module_COMPONENT})
 endfunction()

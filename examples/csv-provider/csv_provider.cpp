@@ -48,7 +48,9 @@ std::vector<Entry> read_entries(const Text& file) {
 // The password column holds what crypt(3) makes: "$6$salt$hash".
 bool has_password(const Entry& entry, const Secret& password) {
     const std::vector<Text> hashes = entry.values(u"userPassword");
-    if (hashes.empty() || password.empty()) return false;
+    // crypt(3) would take what stands before a NUL for the whole.
+    const bool is_whole = password.reveal().find('\0') == std::string_view::npos;
+    if (hashes.empty() || password.empty() || !is_whole) return false;
     const std::string hash = to_utf8(hashes[0]);
     crypt_data memory{};
     const char* made = crypt_rn(password.reveal().data(), hash.c_str(), &memory, sizeof memory);

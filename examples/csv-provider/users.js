@@ -18,6 +18,7 @@ WScript.Echo(user.FirstName + " is a " + user.Profile.CN + ", works as " + user.
 var validator = new ActiveXObject("OrvoMembership.Validator");
 WScript.Echo(validator.ValidatePassword("reader", info.GetMemScriptCode()));
 WScript.Echo(validator.ValidatePassword("reader", "guessed"));
+WScript.Echo(validator.ValidatePassword("reader", info.GetMemScriptCode() + "\0guessed"));
 try {
     user.LastName = "Black";
 } catch (error) {

@@ -113,18 +113,21 @@ void write_manifest(const void* inside, const std::string& name,
         refuse_with_system_error("The manifest " + file.string() + " cannot be written", errno);
 }
 
-void remove_manifest(const std::string& name) {
+// Whether there was one.
+bool remove_manifest(const std::string& name) {
     path file = manifest_of(name);
-    if (unlink(file.c_str()) != 0 && errno != ENOENT && errno != ENOTDIR)
+    if (unlink(file.c_str()) == 0) return true;
+    if (errno != ENOENT && errno != ENOTDIR)
         refuse_with_system_error("The manifest " + file.string() + " cannot be removed", errno);
+    return false;
 }
 
 template <class Body>
 abi::HRESULT reported(Body body) noexcept {
     try {
-        body();
+        const abi::HRESULT outcome = body();
         OrvoForgetManifests();
-        return abi::s_ok;
+        return outcome;
     } catch (const Refusal& refusal) {
         set_thread_error(refusal.reason);
         return refusal.number;
@@ -143,11 +146,14 @@ std::string utf8_name(const char16_t* name) { return name ? to_utf8(name) : std:
 
 abi::HRESULT OrvoRegisterModule(const void* inside, const char16_t* name,
                                 const OrvoModuleClass* classes, std::uint32_t count) {
-    return reported([&] { write_manifest(inside, utf8_name(name), {classes, count}); });
+    return reported([&] {
+        write_manifest(inside, utf8_name(name), {classes, count});
+        return abi::s_ok;
+    });
 }
 
 abi::HRESULT OrvoUnregisterModule(const char16_t* name) {
-    return reported([&] { remove_manifest(utf8_name(name)); });
+    return reported([&] { return remove_manifest(utf8_name(name)) ? abi::s_ok : abi::s_false; });
 }
 
 }  // namespace orvo::runtime

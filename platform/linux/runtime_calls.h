@@ -18,7 +18,8 @@ struct OrvoModuleClass {
 extern "C" {
 
 // Write and remove a module's manifest; see register_module. `inside`: an address in the module.
-// A failure leaves an error object with file and reason. Declared for others in compat/windows.h.
+// Removing answers S_FALSE where there is none. A failure leaves an error object with file and
+// reason. Declared for others in compat/windows.h.
 abi::HRESULT OrvoRegisterModule(const void* inside, const char16_t* name,
                                 const OrvoModuleClass* classes, std::uint32_t count);
 abi::HRESULT OrvoUnregisterModule(const char16_t* name);

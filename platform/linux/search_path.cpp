@@ -1,10 +1,13 @@
 #include "platform/linux/search_path.h"
 
+#include <dlfcn.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <iterator>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 namespace orvo::runtime {
 
@@ -37,15 +40,24 @@ std::optional<path> users_folder() {
     return std::nullopt;
 }
 
+// The folder of the tree in which this library is installed, wherever that has been moved to.
+std::optional<path> own_folder() {
+    Dl_info library{};
+    if (dladdr(reinterpret_cast<const void*>(&own_folder), &library) == 0) return std::nullopt;
+    std::error_code error;
+    const path file = std::filesystem::canonical(library.dli_fname, error);
+    if (error) return std::nullopt;
+    return (file.parent_path() / ORVO_WAY_TO_DATA / subfolder).lexically_normal();
+}
+
 }  // namespace
 
 std::vector<path> manifest_folders() {
     std::vector<path> folders = folders_in_front();
     if (std::optional<path> folder = users_folder()) folders.push_back(*folder);
     const path usual[] = {path("/usr/local/share") / subfolder, path("/usr/share") / subfolder};
-    // Where the product is installed, if that is neither of the two.
-    const path own = ORVO_INSTALLED_DATA "/" + std::string(subfolder);
-    if (std::ranges::find(usual, own) == std::end(usual)) folders.push_back(own);
+    static const std::optional<path> own = own_folder();
+    if (own && std::ranges::find(usual, *own) == std::end(usual)) folders.push_back(*own);
     folders.insert(folders.end(), std::begin(usual), std::end(usual));
     return folders;
 }

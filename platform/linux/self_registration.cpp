@@ -56,6 +56,14 @@ Text manifest_name(const std::filesystem::path& module) {
     return from_utf8(module.stem().string());
 }
 
+// Whether there was one.
+bool remove_manifest_of(const std::filesystem::path& module) {
+    abi::SetErrorInfo(0, nullptr);
+    const HRESULT outcome = OrvoUnregisterModule(manifest_name(module).c_str());
+    if (abi::failed(outcome)) refuse(outcome, module.string(), failure_reason(outcome));
+    return outcome == abi::s_ok;
+}
+
 }  // namespace
 
 void register_module_file(const std::filesystem::path& module) {
@@ -63,7 +71,13 @@ void register_module_file(const std::filesystem::path& module) {
 }
 
 void unregister_module_file(const std::filesystem::path& module) {
-    call_export(module, "DllUnregisterServer");
+    try {
+        call_export(module, "DllUnregisterServer");
+    } catch (const Failure&) {
+        // Of a file that is gone or cannot be loaded, and of one that was registered by its
+        // classes, the manifest is all that there is to take out.
+        if (!remove_manifest_of(module)) throw;
+    }
 }
 
 void register_module_classes(const std::filesystem::path& file,
@@ -85,11 +99,6 @@ void register_module_classes(const std::filesystem::path& file,
                                       static_cast<std::uint32_t>(entries.size())));
 }
 
-void unregister_module_classes(const std::filesystem::path& file) {
-    abi::SetErrorInfo(0, nullptr);
-    if (const HRESULT outcome = OrvoUnregisterModule(manifest_name(file).c_str());
-        abi::failed(outcome))
-        refuse(outcome, file.string(), failure_reason(outcome));
-}
+void unregister_module_classes(const std::filesystem::path& file) { remove_manifest_of(file); }
 
 }  // namespace orvo::runtime

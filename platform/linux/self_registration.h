@@ -10,7 +10,8 @@
 namespace orvo::runtime {
 
 // Load a module and have it register itself or take itself out again (DllRegisterServer,
-// DllUnregisterServer). Raise Failure with the module and the reason.
+// DllUnregisterServer). Where a module cannot do the latter, because its file is gone, say, the
+// manifest that is named after it is taken out. Raise Failure with the module and the reason.
 void register_module_file(const std::filesystem::path& module);
 void unregister_module_file(const std::filesystem::path& module);
 

@@ -4,7 +4,8 @@
 //
 // On Linux a module is known through one manifest file, `<module name>.manifest`, in a search path:
 // the folders of the environment variable ORVO_COMPONENTS (separated by ":"), then the user's
-// `$XDG_DATA_HOME/orvo/components` (by default `~/.local/share/orvo/components`), then
+// `$XDG_DATA_HOME/orvo/components` (by default `~/.local/share/orvo/components`), then that of the
+// tree in which the runtime library is installed (`share/orvo/components`), then
 // `/usr/local/share/orvo/components` and `/usr/share/orvo/components`. The first that has a ProgID
 // wins. On Windows it is the registry: the machine's, or that of the user who registers.
 //

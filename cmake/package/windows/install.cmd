@@ -6,7 +6,7 @@ rem
 rem   user      for you alone (the default)
 rem   machine   for everybody; needs an administrator's rights
 rem   platform  OrvoPlatform.dll as well, for systems without an application server or record sets
-rem   /u        take them out
+rem   /u        take them out, OrvoPlatform.dll as well
 setlocal
 set how=/n /i:user
 set modules=OrvoSuite OrvoMembership
@@ -23,6 +23,7 @@ exit /b 2
 shift
 goto next
 :go
+if not "%undo%"=="" set modules=OrvoPlatform OrvoSuite OrvoMembership
 for %%m in (%modules%) do (
   regsvr32 /s %undo% %how% "%~dp0%%m.dll"
   if errorlevel 1 (

@@ -29,7 +29,8 @@ protected:
     // The folders of the search path, as a failure tells them.
     std::string searched() const {
         return folder("front").string() + ", " + folder("second").string() + ", " +
-               (folder("home") / ".local/share/orvo/components").string() +
+               (folder("home") / ".local/share/orvo/components").string() + ", " +
+               INSTALLED_MANIFESTS +
                ", /usr/local/share/orvo/components, /usr/share/orvo/components";
     }
     static HRESULT look_up(const char16_t* progid, CLSID& clsid) {
@@ -53,6 +54,16 @@ TEST_F(ClassLookup, FindsBothFormsOfANameWithoutRegardToCase) {
 TEST_F(ClassLookup, TakesTheFirstFolderOfTheSearchPath) {
     write(folder("second") / "a.manifest", manifest(other_line("Sample.Class")));
     write(folder("front") / "z.manifest", manifest(sample_line("Sample.Class")));
+    CLSID clsid{};
+    EXPECT_EQ(look_up(u"Sample.Class", clsid), s_ok);
+    EXPECT_EQ(clsid, sample_class);
+}
+
+TEST_F(ClassLookup, TakesTheFirstManifestOfAFolderByTheNamesOfTheirFiles) {
+    for (const char* name : {"c.manifest", "b.manifest"})
+        write(folder("front") / name, manifest(other_line("Sample.Class")));
+    write(folder("front") / "a.manifest", manifest(sample_line("Sample.Class")));
+    write(folder("front") / "d.manifest", manifest(other_line("Sample.Class")));
     CLSID clsid{};
     EXPECT_EQ(look_up(u"Sample.Class", clsid), s_ok);
     EXPECT_EQ(clsid, sample_class);

@@ -112,6 +112,21 @@ TEST_F(Registration, ToolSaysWhatItDoes) {
     EXPECT_FALSE(std::filesystem::exists(manifest_file()));
 }
 
+TEST_F(Registration, ToolTakesOutAModuleWhoseFileIsGone) {
+    const std::string gone = (folder("home") / "SampleModule.so").string();
+    std::filesystem::copy_file(REGISTERING_MODULE, gone);
+    int status = -1;
+    EXPECT_EQ(run_tool({gone}, status), gone + ": registered\n");
+    std::filesystem::remove(gone);
+    EXPECT_EQ(run_tool({"--unregister", gone}, status), gone + ": unregistered\n");
+    EXPECT_EQ(status, 0);
+    EXPECT_FALSE(std::filesystem::exists(manifest_file()));
+    // One that is not known either is a wrong name.
+    const std::string said = run_tool({"--unregister", gone}, status);
+    EXPECT_EQ(status, 1);
+    EXPECT_NE(said.find(gone + ": cannot open shared object file"), std::string::npos) << said;
+}
+
 TEST_F(Registration, ToolTellsModuleAndReasonAndGoesOn) {
     int status = -1;
     std::string said = run_tool({"/missing.so", SAMPLE_MODULE, REGISTERING_MODULE}, status);
@@ -143,6 +158,14 @@ TEST_F(Registration, ToolRegistersTheClassesOfAModuleThatDoesNotDoSoItself) {
     EXPECT_EQ(run_tool({"--unregister", "--class", sample, SAMPLE_MODULE}, status),
               std::string(SAMPLE_MODULE) + ": unregistered\n");
     EXPECT_FALSE(std::filesystem::exists(manifest));
+    run_tool({"--class", sample, SAMPLE_MODULE}, status);
+    EXPECT_EQ(run_tool({"--unregister", SAMPLE_MODULE}, status),
+              std::string(SAMPLE_MODULE) + ": unregistered\n");
+    EXPECT_FALSE(std::filesystem::exists(manifest));
+    EXPECT_NE(run_tool({"--unregister", SAMPLE_MODULE}, status)
+                  .find(": it does not export DllUnregisterServer"),
+              std::string::npos);
+    EXPECT_EQ(status, 1);
 
     std::string unknown = sample;
     unknown.replace(unknown.find("1111"), 4, "9999");
