@@ -1,6 +1,8 @@
 #include "suite/throttle/throttle_settings.h"
 
 #include <mutex>
+#include <string>
+#include <type_traits>
 
 #include "suite/configuration/section_value.h"
 
@@ -9,99 +11,95 @@ namespace {
 
 constexpr TextView section = u"THROTTLE";
 
-struct Key {
-    TextView name;
-    std::int64_t least = 0;
-    std::int64_t most = 0;
-    const char* unit;
-    std::int64_t (*usual)(const Settings& settings);
-    const char* about;
-    void (*put)(Settings& settings, std::int64_t number);
-};
+using Key = SectionKey<Settings>;
+
+template <auto field>
+std::string usual(const Settings& settings) {
+    if constexpr (requires { (settings.*field).count(); })
+        return std::to_string((settings.*field).count());
+    else
+        return std::to_string(settings.*field);
+}
+
+template <auto field>
+void put(const Key& key, const SectionValue& value, Settings& settings) {
+    settings.*field = static_cast<std::decay_t<decltype(settings.*field)>>(key.number(value));
+}
 
 constexpr TextView on = u"On";
 
 constexpr Key keys[] = {
     {.name = on,
-     .unit = "yes or no",
-     .usual = nullptr,
+     .values = "yes or no",
+     .usual = [](const Settings&) { return std::string("no"); },
      .about = "Whether wrong passwords are counted, and attempts slowed down and refused. Needed "
               "beside any other key.",
-     .put = [](Settings& settings, std::int64_t yes) { settings.is_on = yes != 0; }},
+     .read = [](const Key&, const SectionValue& value,
+                Settings& settings) { settings.is_on = value.is_yes(); }},
     {.name = u"Attempts",
      .least = 1,
      .most = 10'000,
-     .unit = "attempts",
-     .usual = [](const Settings& usual) { return std::int64_t{usual.attempts}; },
+     .values = "attempts",
+     .usual = usual<&Settings::attempts>,
      .about =
          "Wrong passwords that one user may have within `Window`: from each address from which "
          "the user has logged in, and from all others together.",
-     .put = [](Settings& settings,
-               std::int64_t number) { settings.attempts = static_cast<int>(number); }},
+     .read = put<&Settings::attempts>},
     {.name = u"AddressAttempts",
      .least = 1,
      .most = 1'000'000,
-     .unit = "attempts",
-     .usual = [](const Settings& usual) { return std::int64_t{usual.attempts_of_address}; },
+     .values = "attempts",
+     .usual = usual<&Settings::attempts_of_address>,
      .about = "Wrong passwords that may come from one address within `Window`, for all users "
               "together who have not logged in from there. Of IPv6 an address is a network /64.",
-     .put = [](Settings& settings,
-               std::int64_t number) { settings.attempts_of_address = static_cast<int>(number); }},
+     .read = put<&Settings::attempts_of_address>},
     {.name = u"Window",
      .least = 10,
      .most = 86'400,
-     .unit = "seconds",
-     .usual = [](const Settings& usual) { return std::int64_t{usual.window.count()}; },
+     .values = "seconds",
+     .usual = usual<&Settings::window>,
      .about = "How long it takes until all wrong passwords are forgotten, one after the other.",
-     .put = [](Settings& settings,
-               std::int64_t number) { settings.window = std::chrono::seconds(number); }},
+     .read = put<&Settings::window>},
     {.name = u"UndelayedAttempts",
      .least = 0,
      .most = 10'000,
-     .unit = "attempts",
-     .usual = [](const Settings& usual) { return std::int64_t{usual.undelayed}; },
+     .values = "attempts",
+     .usual = usual<&Settings::undelayed>,
      .about =
          "Wrong passwords of a user after which the next attempt waits: a quarter of a second, "
          "and with each further one twice as long.",
-     .put = [](Settings& settings,
-               std::int64_t number) { settings.undelayed = static_cast<int>(number); }},
+     .read = put<&Settings::undelayed>},
     {.name = u"LongestDelay",
      .least = 0,
      .most = 30'000,
-     .unit = "milliseconds",
-     .usual = [](const Settings& usual) { return std::int64_t{usual.longest_delay.count()}; },
+     .values = "milliseconds",
+     .usual = usual<&Settings::longest_delay>,
      .about = "How long an attempt waits at most.",
-     .put =
-         [](Settings& settings, std::int64_t number) {
-             settings.longest_delay = std::chrono::milliseconds(number);
-         }},
+     .read = put<&Settings::longest_delay>},
     {.name = u"MostWaiting",
      .least = 0,
      .most = 10'000,
-     .unit = "attempts",
-     .usual = [](const Settings& usual) { return std::int64_t{usual.most_waiting}; },
+     .values = "attempts",
+     .usual = usual<&Settings::most_waiting>,
      .about = "How many attempts of one process wait at once, each on a worker of the host. Beyond "
               "that an attempt that would have to wait is refused.",
-     .put = [](Settings& settings,
-               std::int64_t number) { settings.most_waiting = static_cast<int>(number); }},
+     .read = put<&Settings::most_waiting>},
     {.name = u"KnownFor",
      .least = 1,
      .most = 3'650,
-     .unit = "days",
-     .usual = [](const Settings& usual) { return std::int64_t{usual.known_for.count()}; },
+     .values = "days",
+     .usual = usual<&Settings::known_for>,
      .about = "How long after a login its address is known to be the user's. Kept in memory, it is "
               "forgotten with the process.",
-     .put = [](Settings& settings,
-               std::int64_t number) { settings.known_for = std::chrono::days(number); }},
+     .read = put<&Settings::known_for>},
     {.name = u"MostCounted",
      .least = 100,
      .most = 10'000'000,
-     .unit = "users",
-     .usual = [](const Settings& usual) { return static_cast<std::int64_t>(usual.most_counted); },
+     .values = "users",
+     .usual = usual<&Settings::most_counted>,
      .about = "How many users, and as many addresses, are counted in the memory of one process; "
               "beyond that those are forgotten that have the fewest wrong passwords.",
-     .put = [](Settings& settings,
-               std::int64_t number) { settings.most_counted = static_cast<std::size_t>(number); }},
+     .read = put<&Settings::most_counted>},
 };
 
 }  // namespace
@@ -111,7 +109,7 @@ Settings read_settings(const IniValues& values, const std::filesystem::path& sit
     const bool says_whether = values.find(section, on) != nullptr;
     read_section(values, section, site_file, keys, [&](const Key& key, const SectionValue& value) {
         if (!says_whether) value.refuse(u"it needs an On, yes or no");
-        key.put(settings, key.usual ? value.number(key.least, key.most) : value.is_yes());
+        key.read(key, value, settings);
     });
     return settings;
 }
@@ -131,15 +129,6 @@ std::shared_ptr<const Settings> settings_of_site() {
     return last_settings;
 }
 
-std::vector<DescribedSetting> described_settings() {
-    std::vector<DescribedSetting> all;
-    for (const Key& key : keys)
-        all.push_back({to_utf8(key.name),
-                       key.usual ? std::string(key.unit) + ", " + std::to_string(key.least) +
-                                       " to " + std::to_string(key.most)
-                                 : key.unit,
-                       key.usual ? std::to_string(key.usual(Settings())) : "no", key.about});
-    return all;
-}
+std::vector<DescribedSetting> described_settings() { return described(keys); }
 
 }  // namespace orvo::throttle

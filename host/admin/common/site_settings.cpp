@@ -17,6 +17,13 @@ std::string read(const SiteSettings& site, const IniValues& values, TextView key
     return to_utf8(*value);
 }
 
+std::shared_ptr<const directory::DirectoryMap> map_of(const std::filesystem::path& file,
+                                                      const IniValues& values) {
+    const Text* provider = values.find(u"MEMBERSHIP", u"PlugableModuleImplementation");
+    if (!provider || *provider != u"OrvoDirectory.Ldap") return nullptr;
+    return directory::read_map(file, values);
+}
+
 }  // namespace
 
 std::filesystem::path site_file(const std::filesystem::path& given) {
@@ -34,7 +41,7 @@ SiteSettings read_site_settings(const std::filesystem::path& file) {
     site.file = file;
     const auto of = [&](TextView key) { return read(site, *values, key); };
     site.provider = of(u"PlugableModuleImplementation");
-    if (site.provider == "OrvoDirectory.Ldap") site.map = directory::read_map(file, *values);
+    site.map = map_of(file, *values);
     site.server = of(u"LDAPServer");
     site.root = of(u"LDAPRoot");
     site.users = of(u"UserContainer");
@@ -50,6 +57,10 @@ SiteSettings read_site_settings(const std::filesystem::path& file) {
     site.profile_naming_attribute = of(u"ProfileNamingAttribute");
     site.account_naming_attribute = of(u"AccountNamingAttribute");
     return site;
+}
+
+bool has_map(const std::filesystem::path& file) {
+    return map_of(file, *load_ini_file(file)) != nullptr;
 }
 
 }  // namespace orvo::admin

@@ -36,4 +36,7 @@ std::filesystem::path site_file(const std::filesystem::path& given);
 // Raises std::exception for a file that cannot be read or lacks one of these.
 SiteSettings read_site_settings(const std::filesystem::path& file);
 
+// Whether the site's directory is one that DIRECTORY.MAP describes. Raises what is wrong with it.
+bool has_map(const std::filesystem::path& file);
+
 }  // namespace orvo::admin

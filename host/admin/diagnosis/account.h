@@ -30,7 +30,7 @@ directory::PasswordRules rules_of_389(const directory::EntryData& policy);
 directory::PasswordRules rules_of_active_directory(const directory::EntryData& policy);
 
 struct Account {
-    std::string user;  // as it was asked for
+    std::string user;  // as the commands for users take it
     directory::EntryData entry;
     Policy policy;
     directory::Moment now;

@@ -6,6 +6,7 @@
 #include "host/admin/diagnosis/embedded_file.h"
 #include "host/admin/diagnosis/ldap_server.h"
 #include "suite/directory/ldap/wire/password_policy.h"
+#include "suite/directory/map/translation.h"
 #include "suite/directory/policy/password_check.h"
 #include "suite/directory/policy/result_codes.h"
 #include "suite/directory/policy/stored_password.h"
@@ -47,6 +48,7 @@ public:
         : directory_(embedded::Directory::of(from_utf8(site.server))), view_(*directory_) {}
 
     DirectoryView& view() override { return view_; }
+    AttributeTypes types() override { return with_our_types(directory_->store().schema()->types); }
     const AccountReader& reader() const override { return policy_reader; }
     Policy policy_of(const EntryData& user) override {
         const auto rules = directory_->password_rules(directory_->read(), user);
@@ -82,6 +84,11 @@ public:
     std::vector<std::string> login_names(const std::string& real_name) override {
         if (server_.mapped) return server_.mapped->login_names(real_name);
         return AccountSource::login_names(real_name);
+    }
+    AttributeTypes types() override {
+        const ldap::FactsResult result = ldap::read_facts(*server_.session);
+        ldap::check(result);
+        return with_our_types(result.facts->types);
     }
     const AccountReader& reader() const override {
         switch (server_.make) {

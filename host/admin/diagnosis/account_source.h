@@ -5,6 +5,7 @@
 #include "host/admin/common/site_settings.h"
 #include "host/admin/diagnosis/account.h"
 #include "platform/values/secret.h"
+#include "suite/directory/schema/attribute_types.h"
 
 namespace orvo::admin {
 
@@ -21,6 +22,8 @@ public:
     virtual std::vector<std::string> login_names(const std::string& real_name) {
         return {real_name};
     }
+    // Of attributes, by the names that the component knows them by.
+    virtual directory::AttributeTypes types() = 0;
     virtual const AccountReader& reader() const = 0;
     virtual Policy policy_of(const directory::EntryData& user) = 0;
     // Whether the password is the user's, found out in a way that counts nowhere, or not known.

@@ -26,9 +26,14 @@ std::string value_of(const EntryData& entry, std::string_view attribute) {
     return values.empty() ? std::string() : values.front();
 }
 
-Provider provider_of(const SiteSettings& site) {
+std::optional<Provider> try_provider_of(const SiteSettings& site) {
     if (site.provider == "OrvoDirectory.Embedded") return Provider::embedded;
     if (site.provider == "OrvoDirectory.Ldap") return Provider::ldap;
+    return std::nullopt;
+}
+
+Provider provider_of(const SiteSettings& site) {
+    if (const auto provider = try_provider_of(site)) return *provider;
     throw std::runtime_error(site.file.string() + " names the provider " + site.provider +
                              ": only OrvoDirectory.Ldap and OrvoDirectory.Embedded can be "
                              "looked at");

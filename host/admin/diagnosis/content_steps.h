@@ -2,6 +2,8 @@
 
 // What a site expects to find in its directory, whatever kind that is.
 
+#include <optional>
+
 #include "host/admin/common/site_settings.h"
 #include "host/admin/diagnosis/directory_view.h"
 #include "host/admin/diagnosis/step.h"
@@ -11,6 +13,8 @@
 namespace orvo::admin {
 
 enum class Provider { ldap, embedded };
+// Nothing for any other.
+std::optional<Provider> try_provider_of(const SiteSettings& site);
 // Raises std::runtime_error for any other.
 Provider provider_of(const SiteSettings& site);
 

@@ -7,9 +7,7 @@ namespace orvo::admin {
 
 Lockout lockout_of(const std::filesystem::path& file, const std::string& user) {
     const SiteSettings site = read_site_settings(file);
-    const bool is_known =
-        site.provider == "OrvoDirectory.Embedded" || site.provider == "OrvoDirectory.Ldap";
-    if (!is_known) return Lockout::not_known;
+    if (!try_provider_of(site)) return Lockout::not_known;
     const auto source = open_accounts(site);
     const auto entry =
         source->view().find(entry_below(site, site.naming_attribute, user, site.users));

@@ -15,6 +15,7 @@
 #include "suite/directory/entries/audited.h"
 #include "suite/directory/map/directory_map.h"
 #include "suite/directory/names/ascii.h"
+#include "suite/directory/names/name_parts.h"
 #include "suite/directory/names/written_name.h"
 #include "suite/directory/policy/failures.h"
 #include "suite/throttle/attempt.h"
@@ -24,11 +25,20 @@ namespace {
 
 using namespace directory;
 
+// As the commands for users take it: "jsmith" of "cn=jsmith", which a login takes, too.
+std::string plain_name(const SiteSettings& site, const std::string& typed) {
+    const auto parts = try_name_parts(to_utf8(escaped_name(from_utf8(typed))));
+    if (!parts || parts->size() != 1 || parts->front().size() != 1) return typed;
+    const NamePart& part = parts->front().front();
+    return ascii::equal_ignoring_case(part.attribute, site.naming_attribute) ? part.value : typed;
+}
+
 // Who wants to log in, and what the steps so far have found.
 struct Login {
     const WhyRequest& request;
     const SiteSettings& site;
     AccountSource& source;
+    const std::string user;  // for the commands that are advised
     std::optional<Secret> password = {};
 
     std::string written = {};  // the name as the component completes what was typed
@@ -43,8 +53,8 @@ struct Login {
 };
 
 Finding no_such_user(const Login& login) {
-    return failed("There is no such user.", "Correct the name, or make the user: orvo users add " +
-                                                shell_word(login.request.user));
+    return failed("There is no such user.",
+                  "Correct the name, or make the user: orvo users add " + shell_word(login.user));
 }
 
 Finding examine_name(Login& login) {
@@ -73,7 +83,7 @@ Finding examine_entry(Login& login) {
     auto entry = login.source.view().find(login.name);
     if (!entry) return no_such_user(login);
     login.account = {
-        login.request.user,
+        login.user,
         *std::move(entry),
         {},
         std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now())};
@@ -106,9 +116,9 @@ Finding examine_profile(Login& login) {
     login.profile = login.source.view().find(
         entry_below(login.site, login.site.profile_naming_attribute, name, login.site.profiles));
     if (login.profile) return found(name);
-    return failed(
-        "There is no profile " + quoted_name(name) + ", which the user has (ProfileCN).",
-        "Make it, or give the user another: orvo users profile " + shell_word(login.request.user));
+    return failed("There is no profile " + quoted_name(name) + ", which the user has (ProfileCN).",
+                  "Make it, or give the user another: orvo users profile " +
+                      shell_word(login.user) + " --set PROFILE");
 }
 
 Finding examine_account(Login& login) {
@@ -132,7 +142,7 @@ Finding examine_applications(Login& login) {
     if (type == local_administrator || type == administrator) numbers.emplace_back("10");
     if (numbers.empty())
         return found("none: the login succeeds, but opens no guarded page",
-                     "orvo users apps " + shell_word(login.request.user));
+                     "orvo users apps " + shell_word(login.user) + " --add N");
     std::string text;
     for (const std::string& number : numbers) text += (text.empty() ? "" : ", ") + number;
     return found(text);
@@ -188,7 +198,7 @@ Finding examine_throttle(Login& login) {
         if (budget.name == "address")
             address = " --address " + shell_word(login.request.address);
         else
-            user = " " + shell_word(login.request.user);
+            user = " " + shell_word(login.user);
     }
     if (refusing.empty())
         return found(counted.empty() ? "no wrong passwords are counted" : counted);
@@ -224,7 +234,7 @@ bool explain_login(const WhyRequest& request) {
     // The audit is the site's, too.
     setenv("ORVO_SITE_CONFIG", site.file.c_str(), 1);
     const std::unique_ptr<AccountSource> source = open_accounts(site);
-    Login login{request, site, *source};
+    Login login{request, site, *source, plain_name(site, request.user)};
     if (request.has_password || request.is_tried) {
         std::string typed = read_password("Password of " + request.user);
         login.password = Secret::of_bytes(typed);

@@ -11,11 +11,13 @@
 #include "host/admin/common/output.h"
 #include "host/admin/common/progress_bar.h"
 #include "host/admin/common/site.h"
+#include "host/admin/common/site_settings.h"
 #include "host/admin/common/terminal.h"
 #include "host/admin/common/texts.h"
 #include "host/admin/people/attribute_changes.h"
 #include "host/admin/people/entry_values.h"
 #include "host/admin/transfer/import_source.h"
+#include "host/admin/transfer/kept_values.h"
 #include "host/admin/transfer/new_users.h"
 #include "host/admin/transfer/refused_rows.h"
 #include "host/admin/transfer/transfer.h"
@@ -38,7 +40,8 @@ public:
           place_{site.info().GetUserNamingAttribute().to<std::string>(),
                  site.info().GetUserContainer().to<std::string>()},
           members_(site.members()),
-          new_users_(site) {}
+          new_users_(site),
+          has_map_(has_map(site.file())) {}
 
     int run() {
         InputFile file(request_.file);
@@ -117,14 +120,34 @@ private:
     }
 
     // False where somebody of that name is there.
-    bool try_make(const ImportRow& row) const {
+    bool try_make(const ImportRow& row) {
         try {
             new_users_.make(row.name, row.password, row.attributes);
-            return true;
         } catch (const Error& failure) {
             if (!is_existing_entry(failure)) throw;
             return false;
         }
+        if (has_map_) finish_mapped(row);
+        return true;
+    }
+
+    // What a directory with a map keeps elsewhere, in groups say, is not in a new entry yet.
+    void finish_mapped(const ImportRow& row) {
+        std::vector<AttributeChange> missing;
+        const auto entry = [&] { return site_.user_attributes(row.name); };
+        finish_new(
+            [&] {
+                missing = try_changes(row).value_or(missing);
+                change_attributes(entry(), missing);
+            },
+            [&] {
+                // Nobody who is made later under this name is to be in these groups.
+                const LdapAccess refused = entry();
+                for (const AttributeChange& one : missing)
+                    if (!texts_of(refused.GetAttribValue(one.attribute)).empty())
+                        refused.ClearAttribValue(one.attribute);
+                members_.DeleteUser(row.name);
+            });
     }
 
     std::string change(const std::string& name, const std::vector<AttributeChange>& changes) {
@@ -139,7 +162,7 @@ private:
     }
 
     // What the user has otherwise than the row; nothing where there is no such user.
-    std::optional<std::vector<AttributeChange>> try_changes(const ImportRow& row) const {
+    std::optional<std::vector<AttributeChange>> try_changes(const ImportRow& row) {
         std::vector<std::string> columns{place_.naming_attribute};
         for (const directory::Attribute& attribute : row.attributes)
             columns.push_back(attribute.name);
@@ -150,14 +173,19 @@ private:
         std::vector<AttributeChange> changes;
         const Row known = *found.begin();
         for (std::size_t i = 0; i < row.attributes.size(); ++i) {
-            std::vector<std::string> is = texts_of(known[i + 1]);
-            std::vector<std::string> shall_be = row.attributes[i].values;
-            std::ranges::sort(is);
-            std::ranges::sort(shall_be);
-            if (is != shall_be)
-                changes.push_back({row.attributes[i].name, row.attributes[i].values});
+            const auto& [name, values] = row.attributes[i];
+            if (!are_same(name, texts_of(known[i + 1]), values)) changes.push_back({name, values});
         }
         return changes;
+    }
+
+    bool are_same(const std::string& attribute, std::vector<std::string> is,
+                  std::vector<std::string> shall_be) {
+        std::ranges::sort(is);
+        std::ranges::sort(shall_be);
+        if (is == shall_be) return true;
+        if (!kept_) kept_.emplace(site_.file());
+        return kept_->are_same(attribute, is, shall_be);
     }
 
     std::string counted(const RefusedRows& refused) const {
@@ -176,7 +204,9 @@ private:
     const UserPlace place_;
     const Members members_;
     const NewUsers new_users_;
-    bool was_there_ = false;  // the user before
+    const bool has_map_;
+    std::optional<KeptValues> kept_;  // since values were written differently
+    bool was_there_ = false;          // the user before
     std::map<Outcome, std::int64_t> count_;
     std::unordered_map<std::string, std::int64_t, directory::ascii::HashIgnoringCase,
                        directory::ascii::EqualIgnoringCase>

@@ -1,6 +1,7 @@
 #include "host/admin/transfer/new_users.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 #include "host/admin/common/random_texts.h"
 #include "host/admin/people/entry_values.h"
@@ -44,8 +45,13 @@ void NewUsers::make(const std::string& name, const std::string& password,
     add("userPassword", password.empty() ? random_password(length_of_unknown) : password);
     for (const std::string& attribute : mandatory_)
         if (!has(attributes, attribute)) add(attribute, "");
-    for (const directory::Attribute& attribute : attributes)
-        add(attribute.name, one_or_all(attribute.values));
+    for (const directory::Attribute& attribute : attributes) {
+        if (!directory::ascii::equal_ignoring_case(attribute.name, "cn"))
+            add(attribute.name, one_or_all(attribute.values));
+        else if (attribute.values != std::vector{name})
+            throw std::runtime_error("a user's cn is the name in " + naming_attribute_ +
+                                     ": leave cn out");
+    }
     add("objectClass", classes_);
     container_.call("CreateChild", std::vector<Value>{classes_}, naming_attribute_, entry);
 }

@@ -94,7 +94,7 @@ void audited_change(const AuditedChange& change, const std::function<void()>& ma
         record(Text(audit::done));
     } catch (const Failure& failure) {
         throw Failure(failure.number, failure.source,
-                      failure.description + u" The change has been made all the same.");
+                      u"The change has been made, but is not recorded: " + failure.description);
     }
 }
 

@@ -37,8 +37,8 @@ std::optional<Failure> try_end(const EndedLogins& ended) {
     return first;
 }
 
-[[noreturn]] void raise(const Failure& failure, const Text& more) {
-    throw Failure(failure.number, failure.source, failure.description + more);
+[[noreturn]] void raise(const Failure& failure, const Text& description) {
+    throw Failure(failure.number, failure.source, description);
 }
 
 }  // namespace
@@ -53,13 +53,14 @@ void audited_account_change(const AuditedChange& change,
         } catch (const Failure& failure) {
             unended = try_end(ended);
             if (!unended) throw;
-            raise(failure, u" The user's logins may go on: " + unended->description);
+            raise(failure,
+                  failure.description + u" The user's logins may go on: " + unended->description);
         }
         unended = try_end(ended);
     });
     if (unended)
-        raise(*unended,
-              u" The change has been made all the same, but the user's logins may go on.");
+        raise(*unended, u"The change has been made, but the user's logins may go on: " +
+                            unended->description);
 }
 
 }  // namespace orvo::directory

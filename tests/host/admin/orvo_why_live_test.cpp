@@ -221,7 +221,7 @@ TEST_P(OrvoWhy, SaysWhatRefusesALogin) {
         {"lost",
          "  refused    profile         There is no profile 'Gone', which the user has "
          "(ProfileCN).\n                             To do: Make it, or give the user another: "
-         "orvo users profile lost\n",
+         "orvo users profile lost --set PROFILE\n",
          "profile"},
         {"odd",
          "  refused    account         There is no cn=9,ou=Accounts,o=Shop for users of type "
@@ -304,6 +304,17 @@ TEST_P(OrvoWhy, SaysThatNobodyIsCalledSo) {
     EXPECT_EQ(code, 1);
     EXPECT_THAT(why("ou=Users"),
                 HasSubstr("  refused    entry           There is no such user.\n"));
+}
+
+// A login takes a relative name, the commands for users take a name.
+TEST_P(OrvoWhy, AdvisesCommandsThatFindTheUser) {
+    for (const char* typed : {"cn=locked", "CN=locked"})
+        EXPECT_THAT(why(typed), HasSubstr("To do: orvo users unlock locked\n")) << typed;
+    EXPECT_THAT(why("cn=disabled"), HasSubstr("To do: orvo users enable disabled\n"));
+    EXPECT_THAT(why("cn=nobody, else"),
+                HasSubstr("make the user: orvo users add 'nobody, else'\n"));
+    EXPECT_THAT(why("cn=lost"), HasSubstr("orvo users profile lost --set PROFILE\n"));
+    EXPECT_THAT(why("cn=idle"), HasSubstr("To do: orvo users apps idle --add N\n"));
 }
 
 TEST_P(OrvoWhy, WritesJson) {

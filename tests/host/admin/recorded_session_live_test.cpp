@@ -109,6 +109,7 @@ protected:
         std::filesystem::current_path(folder_.path() / "home");
         write_settings("service-sample");
     }
+    ~RecordedSession() override { std::filesystem::current_path(started_in_); }
 
     // The server's own configuration is another one.
     void reconfigure(const std::string& from, const std::string& to) {
@@ -178,6 +179,7 @@ protected:
                                     service + " read by * none\n"}};
 
 private:
+    const std::filesystem::path started_in_ = std::filesystem::current_path();
     const Environment path_{"PATH", std::string(ORVO_BIN) + ":/usr/bin:/bin"};
     const Environment prompt_{"PS1", prompt};
     const Environment home_{"HOME", (folder_.path() / "home").string()};

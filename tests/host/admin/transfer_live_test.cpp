@@ -5,6 +5,8 @@
 #include <fstream>
 
 #include "tests/host/admin/orvo_site.h"
+#include "tests/support/ldap_probe.h"
+#include "tests/support/slapd.h"
 
 namespace orvo {
 namespace {
@@ -53,6 +55,19 @@ TEST_P(OrvoTransfer, DoesNothingTheSecondTime) {
     done({"import", csv, "--quiet"});
     EXPECT_EQ(done({"import", csv}), csv + ": 0 made, 0 changed, 2 unchanged, 0 refused.\n");
     EXPECT_EQ(bind("ada", "first-secret"), 0);
+}
+
+TEST_P(OrvoTransfer, TakesValuesForTheSameThatTheDirectoryOnlyWritesOtherwise) {
+    const std::string head = "cn,sn,OrvoRole,OutOfOfficeOn,CreditCardExpiryDate\r\n";
+    const std::string csv = file("two.csv", head +
+                                                "ada,Lovelace,024;+1, 1,202812312359Z\r\n"
+                                                "grace,Hopper,;3,+0,2028-12-31 23:59:59\r\n");
+    done({"import", csv, "--quiet"});
+    EXPECT_THAT(values("ada", "OrvoRole"), ElementsAre("24", "1"));
+    EXPECT_EQ(done({"import", csv}), csv + ": 0 made, 0 changed, 2 unchanged, 0 refused.\n");
+    EXPECT_EQ(orvo({"import", "-"}, head + "ada,lovelace,1;24,1,20281231235901Z\r\n").err,
+              "standard input, line 2: ada: is there, with other values: sn, CreditCardExpiryDate "
+              "(--update would change them)\n");
 }
 
 TEST_P(OrvoTransfer, SaysLineByLineWhatItWouldDo) {
@@ -215,6 +230,65 @@ TEST_P(OrvoTransfer, ShowsHowFarItIsOnATerminalAlone) {
     EXPECT_EQ(terminal.wait(), 0);
     EXPECT_THAT(terminal.shown(), AllOf(HasSubstr("\rImporting " + path("many.csv") + " ["),
                                         HasSubstr("50 made, 0 changed, 0 unchanged, 0 refused.")));
+}
+
+// Into a company's directory, where roles are groups.
+class OrvoCompanyTransfer : public InstalledModules {
+protected:
+    OrvoCompanyTransfer() {
+        // The shop's own account makes nobody there.
+        std::string settings = content_of(server_.site_ini());
+        const auto replace = [&](const std::string& from, const std::string& to) {
+            settings.replace(settings.find(from), from.size(), to);
+        };
+        replace("cn=shop,ou=Services", "cn=root");
+        replace("service-sample", server_.root_password());
+        std::ofstream(server_.site_ini()) << settings;
+    }
+    std::string import(const std::string& csv) {
+        const std::string file = folder_.write("people.csv", csv).string();
+        return output_of({"/bin/sh", "-c", "\"$0\" import - --site \"$1\" <\"$2\" 2>&1 || true",
+                          ORVO_ADMIN, server_.site_ini(), file});
+    }
+    std::vector<std::string> members(const std::string& group) {
+        return probe_.values("cn=" + group + ",ou=Groups,o=Company", "memberUid");
+    }
+
+    PrivateSlapd server_{
+        {.directory = ORVO_SOURCE_DIR "/examples/directories/openldap", .suffix = "o=Company"}};
+    LdapProbe probe_{server_.url(), server_.root_dn(), server_.root_password()};
+};
+
+TEST_F(OrvoCompanyTransfer, PutsNewUsersIntoTheGroupsOfTheirRoles) {
+    const std::string csv =
+        "uid,sn,OrvoRole,OrvoUserType,manager\r\n"
+        "ada,Lovelace,2;24,1,\"UID=jsmith, OU=Sales, OU=People,o=Company\"\r\n";
+    EXPECT_EQ(import(csv), "standard input: 1 made, 0 changed, 0 unchanged, 0 refused.\n");
+    EXPECT_THAT(members("buyers"), testing::Contains("ada"));
+    EXPECT_THAT(members("receivers"), testing::Contains("ada"));
+    EXPECT_EQ(import(csv), "standard input: 0 made, 0 changed, 1 unchanged, 0 refused.\n");
+}
+
+TEST_F(OrvoCompanyTransfer, LeavesNothingOfWhomItCannotGiveAllRoles) {
+    EXPECT_THAT(import("uid,sn,OrvoRole\r\nada,Lovelace,2;3\r\n"),
+                EndsWith("standard input: 0 made, 0 changed, 0 unchanged, 1 refused.\n"));
+    // The group of the second role is not there.
+    ASSERT_EQ(probe_.remove("cn=receivers,ou=Groups,o=Company"), 0);
+    EXPECT_THAT(import("uid,sn,OrvoRole\r\nada,Lovelace,2;24\r\n"),
+                EndsWith("standard input: 0 made, 0 changed, 0 unchanged, 1 refused.\n"));
+    EXPECT_THAT(members("buyers"), Not(testing::Contains("ada")));
+    EXPECT_THAT(probe_.find("o=Company", "(uid=ada)"), ElementsAre());
+    EXPECT_THAT(import("uid,sn,cn\r\nada,Lovelace,Ada Lovelace\r\n"),
+                HasSubstr(": a user's cn is the name in uid: leave cn out\n"));
+}
+
+TEST_F(OrvoCompanyTransfer, UsersOfTheUsualTypeAreAddedToo) {
+    const std::string file = folder_.write("password", "first-secret\n").string();
+    EXPECT_EQ(
+        output_of({"/bin/sh", "-c", "\"$0\" users add ada sn=L --role 2 --site \"$1\" <\"$2\"",
+                   ORVO_ADMIN, server_.site_ini(), file}),
+        "ada: made.\n");
+    EXPECT_THAT(members("buyers"), testing::Contains("ada"));
 }
 
 }  // namespace

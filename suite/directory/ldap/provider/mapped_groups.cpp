@@ -227,11 +227,13 @@ void MappedGroups::assign(const MappedAttribute& ours, const EntryData& theirs,
                           ServerLogin& by) {
     const GroupRules& rules = directory_.map().groups;
     std::vector<const MappedGroup*> wanted;
+    // Who has the defaults is in no group.
+    const bool is_otherwise = values == ours.otherwise;
     for (const std::string& value : values) {
         const auto row = std::ranges::find(ours.groups, value, &MappedGroup::ours);
         if (row != ours.groups.end())
             wanted.push_back(&*row);
-        else if (!value.empty() && value != "0")
+        else if (!value.empty() && value != "0" && !is_otherwise)
             raise_code(result_code::constraint_violation, "The directory's map has no group for " +
                                                               quoted_name(value) + " of " +
                                                               ours.name + ".");

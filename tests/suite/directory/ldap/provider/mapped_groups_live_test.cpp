@@ -128,6 +128,22 @@ TEST_F(MappedGroupsTest, AreChangedWithTheRightsOfWhoAsks) {
     EXPECT_EQ(text(entry, u"OrvoUserType"), "1");
 }
 
+TEST_F(MappedGroupsTest, AreLeftByWhoGetsTheDefault) {
+    use(users +
+        "[DIRECTORY.MAP.DEFAULTS]\nOrvoRole = 7\n"
+        "[DIRECTORY.MAP.GROUPS]\nKind = posixGroup\nContainer = ou=Groups\n"
+        "[DIRECTORY.MAP.GROUPS.OrvoRole]\n24 = cn=receivers,ou=Groups\n");
+    LdapEntry entry({}, client_);
+    bind(entry, "cnovak");
+    set(entry, u"OrvoRole", Values{std::int32_t{7}});
+    EXPECT_EQ(text(entry, u"OrvoRole"), "7");
+    bind(entry, "djansen");
+    EXPECT_EQ(text(entry, u"OrvoRole"), "24");
+    set(entry, u"OrvoRole", Values{std::int32_t{7}});
+    EXPECT_THAT(stored(receivers, "memberUid"), ElementsAre("efischer", "fgarcia"));
+    EXPECT_EQ(text(entry, u"OrvoRole"), "7");
+}
+
 TEST_F(MappedGroupsTest, SayThatTheyAreReadOnlyAndWhatTheyDoNotHave) {
     use(posix);
     LdapEntry entry({}, client_);
