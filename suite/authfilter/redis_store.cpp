@@ -62,7 +62,7 @@ RedisStore::RedisStore(std::shared_ptr<const store::SiteStore> site, Options opt
 
 std::optional<Record> RedisStore::find(const Text& guid) {
     const std::string name = stored_name(guid);
-    const Reply reply = look(scripts::find(), {name, lifetime()});
+    const Reply reply = run_repeatable(scripts::find(), {name, lifetime()});
     if (reply.is_null()) return std::nullopt;
     return try_unseal_record(reply.text(), site_->keyring, record_key(name));
 }
@@ -76,7 +76,7 @@ bool RedisStore::try_create(const Text& guid) {
     };
     if (try_create_for({})) return true;
     // What none of the keys has sealed is not there for `find`, nor may it be in the way here.
-    const Reply held = look(scripts::find(), {name, lifetime()});
+    const Reply held = run_repeatable(scripts::find(), {name, lifetime()});
     if (held.is_null() || try_unseal_record(held.text(), site_->keyring, record_key(name)))
         return false;
     return try_create_for(held.text());
@@ -110,20 +110,22 @@ bool RedisStore::ask(const Text& guid, std::int32_t application) {
 
 std::optional<RedisStore::Live> RedisStore::ask_all(const Text& guid) {
     const std::string name = stored_name(guid);
-    return unsealed(look(scripts::ask(), {name, lifetime()}), name);
+    return unsealed(run_repeatable(scripts::ask(), {name, lifetime()}), name);
 }
 
 Text RedisStore::user_of(const Text& guid) {
     const std::string name = stored_name(guid);
-    const auto live = unsealed(look(scripts::user_of(), {name}), name);
+    const auto live = unsealed(run_repeatable(scripts::user_of(), {name}), name);
     return live ? live->user() : Text();
 }
 
-void RedisStore::forget(const Text& guid) { changed(run(scripts::forget(), {stored_name(guid)})); }
+void RedisStore::forget(const Text& guid) {
+    changed(run_repeatable(scripts::forget(), {stored_name(guid)}));
+}
 
 std::vector<LiveLoginFacts> RedisStore::logins_of(const Text& guid) {
     std::vector<LiveLoginFacts> facts;
-    const Reply rows = look(scripts::logins_of(), {stored_name(guid)});
+    const Reply rows = run_repeatable(scripts::logins_of(), {stored_name(guid)});
     for (const Reply& row : rows.list()) {
         const Reply::List& cells = row.list();
         facts.push_back({static_cast<std::uint64_t>(cells.at(0).integer()), seconds_of(cells.at(1)),
@@ -142,17 +144,16 @@ std::size_t RedisStore::end_others(const Text& guid) {
 }
 
 std::size_t RedisStore::end_all_of(const Text& account, const Text& except) {
-    return static_cast<std::size_t>(
-        changed(run(scripts::end_all_of(), {names_of_user(site_->keyring, account, account),
-                                            except.empty() ? "" : stored_name(except)})));
+    return static_cast<std::size_t>(changed(
+        run_repeatable(scripts::end_all_of(), {names_of_user(site_->keyring, account, account),
+                                               except.empty() ? "" : stored_name(except)})));
 }
 
 store::Reply RedisStore::run(const store::Script& script, Arguments arguments) {
     return site_->redis->run(script, {}, completed(std::move(arguments)));
 }
 
-// May as well be done twice.
-store::Reply RedisStore::look(const store::Script& script, Arguments arguments) {
+store::Reply RedisStore::run_repeatable(const store::Script& script, Arguments arguments) {
     return site_->redis->run_repeatable(script, {}, completed(std::move(arguments)));
 }
 

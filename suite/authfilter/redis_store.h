@@ -17,7 +17,9 @@ namespace orvo::authfilter {
 // refuses new ones, and goes on with those it has.
 //
 // Every operation raises what store::Redis does (is_unreachable, where there is no store at the
-// moment, or it is full); nothing is known to have happened then, and nobody is let in.
+// moment, or it is full); nothing is known to have happened then, and nobody is let in. `forget`
+// and `end_all_of` are asked once more where the connection is lost before their answer, so that
+// the logins end; how many end, and which, is then what the second answer says.
 class RedisStore final : public Store {
 public:
     struct Options {
@@ -63,7 +65,8 @@ private:
     using Arguments = std::vector<std::string>;
 
     store::Reply run(const store::Script& script, Arguments arguments);
-    store::Reply look(const store::Script& script, Arguments arguments);
+    // For what may as well be done twice.
+    store::Reply run_repeatable(const store::Script& script, Arguments arguments);
     Arguments completed(Arguments arguments) const;
     std::int64_t changed(const store::Reply& reply) const;
     std::optional<Live> unsealed(const store::Reply& reply, const std::string& name) const;

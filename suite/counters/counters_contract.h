@@ -23,7 +23,7 @@ public:
     // without rows where it has none. The columns:
     //   Reachable    whether it answers; true before it was first asked
     //   Commands     that were answered or failed, since the process began, as a double; likewise
-    //   Failures     of these, those for which it was not to be reached
+    //   Failures     of these, those for which it was not to be reached, or refused for now
     //   Connects     connections that were made
     //   Failovers    how often another master was found than before
     //   Connections  now

@@ -41,20 +41,22 @@ std::string script_call(std::string_view verb, const std::string& script,
     return wire_form(words);
 }
 
+template <class Raised = Failure>
 [[noreturn]] void raise(std::int32_t number, const Settings& settings, std::string_view what,
                         const std::string& reason, std::string_view more = {}) {
-    throw Failure(number, Text(store_source),
-                  from_utf8("The store " + settings.url() + " " + std::string(what) + " (" +
-                            reason + ")" + std::string(more)));
+    throw Raised(number, Text(store_source),
+                 from_utf8("The store " + settings.url() + " " + std::string(what) + " (" + reason +
+                           ")" + std::string(more)));
 }
 
 // Of a reply without errors: itself, otherwise the first one raises.
 void check(const Settings& settings, const Reply& reply) {
     if (const Reply::Error* error = reply.error()) {
         if (is_error(reply, full))
-            raise(store_unreachable, settings, "cannot be used", "it is full: " + error->reason());
+            raise<RefusedNow>(store_unreachable, settings, "cannot be used",
+                              "it is full: " + error->reason());
         if (is_error(reply, not_now))
-            raise(store_unreachable, settings, "cannot be used", error->reason());
+            raise<RefusedNow>(store_unreachable, settings, "cannot be used", error->reason());
         raise(store_refused, settings, "refuses a command", error->reason());
     }
     if (const Reply::List* list = reply.try_list())
@@ -126,7 +128,12 @@ std::vector<Reply> Redis::exchange(const Exchange& asked) {
               lost.is_sent ? "; what was asked may have been done" : "");
     }
     count();
-    for (const Reply& reply : replies) check(settings(), reply);
+    try {
+        for (const Reply& reply : replies) check(settings(), reply);
+    } catch (const RefusedNow&) {
+        ++failures_;
+        throw;
+    }
     return replies;
 }
 

@@ -18,6 +18,12 @@ inline constexpr std::int32_t store_unreachable = error_number(0x80040470);
 // of ours, or of somebody who has written to our keys.
 inline constexpr std::int32_t store_refused = error_number(0x80040471);
 
+// store_unreachable, as the store itself says it: it is full, lacks a replica, or cannot write to
+// its disk. It answers, and may well do what else it is asked.
+struct RefusedNow : Failure {
+    using Failure::Failure;
+};
+
 inline bool is_unreachable(const Failure& failure) { return failure.number == store_unreachable; }
 
 }  // namespace orvo::store

@@ -216,7 +216,7 @@ void write_store(Exposition& out, const Object& counters) {
     write("orvo_store_commands_total", MetricType::counter,
           "Commands to the shared store that were answered, or failed.", 1);
     write("orvo_store_failures_total", MetricType::counter,
-          "Of these, those for which it was not to be reached.", 2);
+          "Of these, those for which it was not to be reached, or refused for now.", 2);
     write("orvo_store_connects_total", MetricType::counter, "Connections that were made to it.", 3);
     write("orvo_store_failovers_total", MetricType::counter,
           "How often another master was found than before.", 4);

@@ -58,6 +58,15 @@ void write_sessions(Exposition& out, const SessionCounts& counts) {
         out.sample(counts.ended[i], {{"reason", ends[i]}});
 }
 
+void write_shared_sessions(Exposition& out, const std::optional<SharedSessionCounts>& counts) {
+    out.family("orvo_shared_sessions", MetricType::gauge,
+               "Web sessions of all hosts together, in the shared store.");
+    if (counts) out.sample(counts->live);
+    out.family("orvo_shared_session_bytes", MetricType::gauge,
+               "What they take there, as SessionMemory bounds it.");
+    if (counts) out.sample(counts->bytes);
+}
+
 }  // namespace
 
 HttpResponse MetricsPage::answer() {
@@ -71,10 +80,11 @@ HttpResponse MetricsPage::answer() {
     const auto note = [&](const std::string& reason) {
         failures_.add();
         if (reason == std::exchange(last_failure_, reason)) return;
-        sources_.trouble("the directory's figures are missing: " + reason);
+        sources_.trouble("figures are missing: " + reason);
     };
     try {
         write_directory_metrics(out);
+        write_shared_sessions(out, sources_.shared_sessions());
         last_failure_.clear();
     } catch (const Failure& failure) {
         note(to_utf8(failure.description));

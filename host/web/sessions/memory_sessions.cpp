@@ -126,16 +126,6 @@ void MemorySessions::set_limits(const SessionLimits& limits) {
     limits_ = limits;
 }
 
-std::size_t MemorySessions::count() const {
-    const std::lock_guard guard(lock_);
-    return sessions_.size();
-}
-
-std::size_t MemorySessions::bytes() const {
-    const std::lock_guard guard(lock_);
-    return bytes_;
-}
-
 SessionCounts MemorySessions::counts() const {
     const std::lock_guard guard(lock_);
     SessionCounts counts = counts_;

@@ -35,10 +35,6 @@ public:
     void end_all() override;
     SessionCounts counts() const override;
 
-    std::size_t count() const;
-    // Of the values of those that no request has.
-    std::size_t bytes() const;
-
 private:
     class Lease;
     struct Session;
@@ -64,7 +60,7 @@ private:
     std::condition_variable given_back_;
     std::unordered_map<std::string, std::shared_ptr<Session>> sessions_;
     std::array<Order, session_ranks> orders_;  // by last use, oldest first
-    std::size_t bytes_ = 0;
+    std::size_t bytes_ = 0;                    // of the values of those that no request has
     SessionCounts counts_;
 };
 

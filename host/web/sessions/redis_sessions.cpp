@@ -322,11 +322,16 @@ SessionCounts RedisSessions::counts() const {
     return counts_;
 }
 
-std::size_t RedisSessions::count() {
-    std::int64_t count = 0;
-    for (std::size_t rank = 0; rank < session_ranks; ++rank)
-        count += store_.run_repeatable({"ZCARD", list_keys_[rank]}).integer();
-    return static_cast<std::size_t>(count);
+std::optional<SharedSessionCounts> RedisSessions::shared_counts() {
+    try {
+        const store::Reply reply = store_.run_repeatable(session_scripts::count(), list_keys_, {});
+        const auto number = [&](std::size_t i) {
+            return static_cast<std::uint64_t>(reply.list().at(i).integer());
+        };
+        return SharedSessionCounts{.live = number(0), .bytes = number(1)};
+    } catch (const StoreAway&) {
+        return {};
+    }
 }
 
 void RedisSessions::on_end(std::function<void(SessionData)> take) {

@@ -39,9 +39,7 @@ public:
     void end_idle() override;
     void end_all() override {}
     SessionCounts counts() const override;
-
-    // Of all machines; asks the store.
-    std::size_t count();
+    std::optional<SharedSessionCounts> shared_counts() override;
 
 private:
     class Lease;

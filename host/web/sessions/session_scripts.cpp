@@ -27,16 +27,19 @@ constexpr std::string_view lua_drop = R"(local function drop(key, order, total, 
 end
 )";
 
-// The last four keys are the ranks and the total, the last argument is the prefix of names.
-// take_one: takes one away that nobody has, and answers its size, 0 for one that somebody has. Of
-// one that has gone with its time to live nobody knows the size: it is taken for the usual one.
-constexpr std::string_view lua_take_one = R"(local ended = {}
-local function count()
+// The last four keys are the ranks and the total.
+constexpr std::string_view lua_count = R"(local function count()
   local all = 0
   for i = #KEYS - 3, #KEYS - 1 do all = all + redis.call('ZCARD', KEYS[i]) end
   return all
 end
 local function size_of_all() return tonumber(redis.call('GET', KEYS[#KEYS]) or 0) end
+)";
+
+// Behind lua_drop and lua_count; the last argument is the prefix of names. Takes one away that
+// nobody has, and answers its size, 0 for one that somebody has. Of one that has gone with its time
+// to live nobody knows the size: it is taken for the usual one.
+constexpr std::string_view lua_take_one = R"(local ended = {}
 local function take_one(order, name)
   local key = ARGV[#ARGV] .. name
   local session = redis.call('HMGET', key, 'v', 'u')
@@ -83,7 +86,7 @@ return {3, session[1]})"));
 }
 
 const store::Script& store() {
-    static const store::Script script(script_of(lua_drop, lua_take_one, lua_use, R"(
+    static const store::Script script(script_of(lua_drop, lua_count, lua_take_one, lua_use, R"(
 local made, is_new, for_room = now, false, 0
 local session = redis.call('HMGET', KEYS[1], 't', 'm', 'c')
 if session[1] == ARGV[2] then
@@ -166,13 +169,19 @@ return session[1])"));
 }
 
 const store::Script& take() {
-    static const store::Script script(script_of(lua_drop, lua_take_one, R"(
+    static const store::Script script(script_of(lua_drop, lua_count, lua_take_one, R"(
 for i = 1, 3 do
   local left = ARGV[2] - #ended / 2
   local names = left > 0 and redis.call('ZRANGEBYSCORE', KEYS[i], '-inf', now, 'LIMIT', 0, left)
   for _, name in ipairs(names or {}) do take_one(KEYS[i], name) end
 end
 return ended)"));
+    return script;
+}
+
+const store::Script& count() {
+    static const store::Script script(
+        script_of(lua_count, "return {count(), math.max(size_of_all(), 0)}"));
     return script;
 }
 

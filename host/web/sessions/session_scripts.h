@@ -51,4 +51,8 @@ const store::Script& look();
 // and contents; they are gone.
 const store::Script& take();
 
+// Keys: lists. Answers how many there are, those that have ended and were not taken yet among them,
+// and how many bytes they take.
+const store::Script& count();
+
 }  // namespace orvo::web::session_scripts

@@ -76,7 +76,8 @@ enum class SessionEnd {
 
 // Of this process.
 struct SessionCounts {
-    // Sessions, and bytes of their values. Nothing where the process alone cannot tell.
+    // Sessions, and bytes of the values of those that no request has. Nothing where the process
+    // alone cannot tell.
     std::optional<std::uint64_t> live = {};
     std::optional<std::uint64_t> bytes = {};
     // Since the store was made.
@@ -85,6 +86,12 @@ struct SessionCounts {
     std::uint64_t waited = 0;   // requests that another one of their session kept waiting
     std::uint64_t refused = 0;  // of these
     std::uint64_t lost = 0;     // requests whose changes were not stored: others had the session
+};
+
+// Of all machines that share a store.
+struct SharedSessionCounts {
+    std::uint64_t live = 0;   // with those that have ended and that no machine has noticed yet
+    std::uint64_t bytes = 0;  // as SessionLimits::most_bytes bounds them
 };
 
 // Where there are too many, those of a lower rank go first: 0 has no values, 1 no login, 2 has one.
@@ -121,8 +128,8 @@ public:
     // For what is of no use without sessions: raises at once what would be raised later.
     virtual void require() = 0;
 
-    // For sessions from now on; the bounds count with the next request, and a new timeout for new
-    // sessions.
+    // For sessions from now on; the bounds count when a session is stored next, and a new timeout
+    // for new sessions.
     virtual void set_limits(const SessionLimits& limits) = 0;
     // Takes what a session held that has ended, however it did; of a shared store each goes to one
     // of the processes that ask for it. It is called on any thread and must neither wait nor call
@@ -135,6 +142,9 @@ public:
 
     // Waits for no other machine.
     virtual SessionCounts counts() const = 0;
+    // Asks the shared store. Nothing while it cannot be reached, and where this one is no shared
+    // one.
+    virtual std::optional<SharedSessionCounts> shared_counts() { return {}; }
 };
 
 }  // namespace orvo::web

@@ -7,7 +7,7 @@ namespace orvo::web {
 
 namespace {
 
-// A store that is full refuses some commands and carries out others: that is not told each time.
+// A store that refuses what it is asked is told of again and again: other commands it carries out.
 constexpr std::chrono::seconds told_every{10};
 
 }  // namespace
@@ -32,21 +32,24 @@ store::Reply SharedStore::asked(Ask ask) {
         if (is_told_away_.load(std::memory_order_relaxed) && is_told_away_.exchange(false))
             trouble_("the shared store can be reached again");
         return reply;
+    } catch (const store::RefusedNow& failure) {
+        try_tell(failure);
+        throw StoreAway();
     } catch (const Failure& failure) {
         if (!store::is_unreachable(failure)) throw;
-        tell_away(failure);
+        if (try_tell(failure)) is_told_away_ = true;
         throw StoreAway();
     }
 }
 
-void SharedStore::tell_away(const Failure& failure) {
+bool SharedStore::try_tell(const Failure& failure) {
     const auto now = std::chrono::steady_clock::now();
     auto from = tell_from_.load();
     if (!trouble_ || is_told_away_ || now < from ||
         !tell_from_.compare_exchange_strong(from, now + told_every))
-        return;
+        return false;
     trouble_(to_utf8(failure.description));
-    is_told_away_ = true;
+    return true;
 }
 
 store::Reply SharedStore::run(const store::Script& script, const std::vector<std::string>& keys,

@@ -24,8 +24,8 @@ using StoreClock = std::function<std::chrono::milliseconds()>;
 class SharedStore {
 public:
     // now: the store's own clock where there is none. trouble: gets a sentence for the log when the
-    // store cannot be reached any more, and when it can be again. Any thread. gathering:
-    // SharedLocks'.
+    // store cannot be reached any more, and when it can be again; while it refuses to do what it is
+    // asked, because it is full, say, one every ten seconds. Any thread. gathering: SharedLocks'.
     explicit SharedStore(std::shared_ptr<const store::SiteStore> site, StoreClock now = {},
                          std::function<void(const std::string&)> trouble = {},
                          std::chrono::milliseconds gathering = SharedLocks::usual_gathering);
@@ -55,7 +55,8 @@ public:
 private:
     template <class Ask>
     store::Reply asked(Ask ask);
-    void tell_away(const Failure& failure);
+    // Not where one has been told a moment ago.
+    bool try_tell(const Failure& failure);
     std::string now() const { return now_ ? std::to_string(now_().count()) : std::string(); }
 
     const std::shared_ptr<const store::SiteStore> site_;

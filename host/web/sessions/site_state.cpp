@@ -23,6 +23,11 @@ SiteState::SiteState(const SessionLimits& limits, std::function<void(const std::
         shared_ = std::make_unique<SharedStore>(std::move(site), StoreClock(), std::move(trouble));
         sessions_ = std::make_unique<RedisSessions>(*shared_, shared_limits(limits));
         application_ = std::make_shared<RedisApplication>(*shared_);
+        try {
+            sessions_->require();
+        } catch (const StoreAway&) {
+            // It has been told; what needs no store is served meanwhile.
+        }
     } else {
         sessions_ = std::make_unique<MemorySessions>(limits);
         application_ = std::make_shared<MemoryApplication>();

@@ -15,7 +15,8 @@ class SharedStore;
 // machines share ([STORE] of the site's configuration).
 class SiteState {
 public:
-    // trouble: as SharedStore's. Raises what store::site_store raises.
+    // trouble: as SharedStore's; told at once of a store that cannot be reached now. Raises what
+    // store::site_store raises.
     SiteState(const SessionLimits& limits, std::function<void(const std::string&)> trouble);
     ~SiteState();
 

@@ -52,8 +52,10 @@ protected:
     WebMetrics web_;
     ServerCounts server_{7, 2, 3, {8, {1, 0, 4}, {2, 1, 5}, 0, {0, 0, 6}, 9}};
     SessionCounts sessions_{11, 12'000, 40, {1, 2, 3, 4, 5}};
+    std::optional<SharedSessionCounts> shared_sessions_ = SharedSessionCounts{33, 44'000};
     std::vector<std::string> troubles_;
     MetricsPage page_{{web_, [this] { return server_; }, [this] { return sessions_; },
+                       [this] { return shared_sessions_; },
                        [this](const std::string& sentence) { troubles_.push_back(sentence); }}};
 };
 
@@ -117,6 +119,15 @@ TEST_F(MetricsPageTest, TellsOfSessionsWhatTheProcessKnows) {
     EXPECT_THAT(text(), Not(HasSubstr("orvo_sessions ")));
 }
 
+TEST_F(MetricsPageTest, TellsOfSharedSessionsWhatTheStoreKnowsIfItIsThere) {
+    EXPECT_EQ(value("orvo_shared_sessions"), 33);
+    EXPECT_EQ(value("orvo_shared_session_bytes"), 44'000);
+    shared_sessions_.reset();
+    EXPECT_THAT(text(), HasSubstr("# TYPE orvo_shared_sessions gauge\n"));
+    EXPECT_EQ(value("orvo_shared_sessions"), -1);
+    EXPECT_EQ(value("orvo_metrics_failures_total"), 0);
+}
+
 TEST_F(MetricsPageTest, TellsWhatTheProcessTakes) {
     EXPECT_GT(value("process_cpu_seconds_total"), 0);
     EXPECT_GT(value("process_resident_memory_bytes"), 1'000'000);
@@ -150,7 +161,7 @@ TEST_F(MetricsPageTest, LeavesOutWhatCannotBeHadAndSaysSoOnce) {
     EXPECT_EQ(value("orvo_metrics_failures_total"), 1);
     EXPECT_EQ(value("orvo_metrics_failures_total"), 2);
     EXPECT_EQ(value("orvo_http_connections"), 7);
-    const auto missing = HasSubstr("the directory's figures are missing: ");
+    const auto missing = HasSubstr("figures are missing: ");
     EXPECT_THAT(troubles_, ElementsAre(missing));
     register_servers();
     EXPECT_EQ(value("orvo_metrics_failures_total"), 3);

@@ -60,6 +60,16 @@ TEST_F(SharedOrvoWebTest, WithoutTheStoreNobodyIsLetInAndOpenPagesWork) {
     EXPECT_TRUE(says("the shared store can be reached again"));
 }
 
+TEST_F(SharedOrvoWebTest, AProgramStartsWithoutTheStoreAndSaysSoAtOnce) {
+    redis_.kill();
+    Browser browser(start());
+    EXPECT_TRUE(says(" cannot be used (Connection refused)"));
+    EXPECT_EQ(browser.get("/default.asp")->body, "home");
+    EXPECT_EQ(status(log_in(browser, "jsmith", "shop-sample")), 503);
+    redis_.start();
+    EXPECT_TRUE(seen([&] { return status(log_in(browser, "jsmith", "shop-sample")) == 303; }));
+}
+
 TEST_F(SharedOrvoWebTest, AFullStoreLetsNobodyNewIn) {
     Browser browser(first_port_);
     redis_.ask({"CONFIG", "SET", "maxmemory", "1"});

@@ -240,7 +240,7 @@ TEST_F(SharedSessions, EndOnceInAllMachines) {
         });
     for (std::thread& thread : all) thread.join();
     EXPECT_EQ(ended, count);
-    EXPECT_EQ(first_.count(), 0u);
+    EXPECT_EQ(first_.shared_counts()->live, 0u);
 }
 
 TEST_F(SharedSessions, StayWhenAProgramEnds) {
@@ -323,7 +323,7 @@ TEST_F(SharedSessions, AreNotKeptByWhoeverAskedForThemAndCouldNotWaitForTheAnswe
     EXPECT_NE(sessions.open(id, SharedLocks::life / 2), nullptr);
 }
 
-TEST_F(SharedSessions, AreToldToBeAwayAndBackOnceInAWhile) {
+TEST_F(SharedSessions, AreToldToHaveNoRoomOnceInAWhileAndNotToBeBackMeanwhile) {
     std::mutex lock;
     std::vector<std::string> said;
     {
@@ -339,9 +339,8 @@ TEST_F(SharedSessions, AreToldToBeAwayAndBackOnceInAWhile) {
             sessions.require();
         }
     }
-    ASSERT_EQ(said.size(), 2u);
+    ASSERT_EQ(said.size(), 1u) << said.back();
     EXPECT_NE(said[0].find("it is full: OOM command not allowed"), std::string::npos) << said[0];
-    EXPECT_EQ(said[1], "the shared store can be reached again");
 }
 
 TEST_F(SharedSessions, ThatCouldNotBeStoredWereNotTold) {

@@ -28,26 +28,32 @@ class EverySessionStore : public testing::TestWithParam<Store> {
 protected:
     static void TearDownTestSuite() { redis_server.reset(); }
 
-    EverySessionStore() {
-        if (!GetParam().is_shared) return;
+    std::unique_ptr<SharedStore> make_shared_store() {
         if (!redis_server) redis_server = std::make_unique<RedisServer>();
         redis_server->ask({"FLUSHALL"});
-        shared_ = machine_of(*redis_server, [this] {
-            return std::chrono::floor<std::chrono::milliseconds>(now_.time_since_epoch()) + 24h;
+        return machine_of(*redis_server, [this] {
+            return std::chrono::floor<std::chrono::milliseconds>(now_.load().time_since_epoch()) +
+                   24h;
         });
     }
     std::unique_ptr<SessionStore> make_store(const SessionLimits& limits) {
-        if (shared_) return std::make_unique<RedisSessions>(*shared_, limits);
-        return std::make_unique<MemorySessions>(limits, [this] { return now_; });
+        if (!GetParam().is_shared)
+            return std::make_unique<MemorySessions>(limits, [this] { return now_.load(); });
+        if (!shared_) shared_ = make_shared_store();
+        return std::make_unique<RedisSessions>(*shared_, limits);
     }
+    void pass(SessionClock::duration time) { now_ = now_.load() + time; }
     // What there is where this is the only one.
-    std::size_t count() const {
-        if (const auto* memory = dynamic_cast<MemorySessions*>(sessions_.get()))
-            return memory->count();
-        return dynamic_cast<RedisSessions&>(*sessions_).count();
+    std::uint64_t count() const {
+        const auto shared = sessions_->shared_counts();
+        return shared ? shared->live : sessions_->counts().live.value();
+    }
+    std::uint64_t bytes() const {
+        const auto shared = sessions_->shared_counts();
+        return shared ? shared->bytes : sessions_->counts().bytes.value();
     }
     std::unique_ptr<SessionLease> open(const std::string& id,
-                                       std::chrono::milliseconds patience = 0ms) {
+                                       std::chrono::milliseconds patience = 1s) {
         return sessions_->open(id, patience);
     }
     std::string create(const Text& value = {}) {
@@ -62,7 +68,8 @@ protected:
     }
 
     static inline std::unique_ptr<RedisServer> redis_server;
-    SessionClock::time_point now_{};
+    // Read by the thread that releases locks, too.
+    std::atomic<SessionClock::time_point> now_{};
     std::unique_ptr<SharedStore> shared_;
     std::unique_ptr<SessionStore> sessions_ =
         make_store({.timeout = 20min, .absolute = 60min, .most = 3});
@@ -101,11 +108,11 @@ TEST_P(EverySessionStore, AnIdentifierThatWasNotGivenOutIsNeverAdopted) {
 
 TEST_P(EverySessionStore, ASessionEndsAfterItsTimeoutWithoutARequest) {
     const std::string id = create(u"one");
-    now_ += 20min - 1s;
+    pass(20min - 1s);
     EXPECT_EQ(value_of(id), u"one");
-    now_ += 20min - 1s;
+    pass(20min - 1s);
     EXPECT_EQ(value_of(id), u"one");
-    now_ += 20min;
+    pass(20min);
     EXPECT_EQ(value_of(id), u"no session");
     EXPECT_EQ(count(), 0u);
 }
@@ -113,17 +120,17 @@ TEST_P(EverySessionStore, ASessionEndsAfterItsTimeoutWithoutARequest) {
 TEST_P(EverySessionStore, ASessionMayHaveATimeoutOfItsOwn) {
     const std::string id = create(u"one");
     open(id)->data().timeout = 2min;
-    now_ += 2min;
+    pass(2min);
     EXPECT_EQ(value_of(id), u"no session");
 }
 
 TEST_P(EverySessionStore, ASessionEndsAfterItsLifetimeHoweverBusyItIs) {
     const std::string id = create(u"one");
     for (int i = 0; i < 5; ++i) {
-        now_ += 10min;
+        pass(10min);
         EXPECT_EQ(value_of(id), u"one");
     }
-    now_ += 10min;
+    pass(10min);
     EXPECT_EQ(value_of(id), u"no session");
 }
 
@@ -257,9 +264,9 @@ TEST_P(EverySessionStore, ARequestThatWaitedDoesNotGetASessionThatWasRenewedMean
 
 TEST_P(EverySessionStore, WhereThereAreTooManyTheOldestUnusedOneGoesFirst) {
     const std::string used = create(u"used");
-    now_ += 1min;
+    pass(1min);
     const std::string unused = create();
-    now_ += 1min;
+    pass(1min);
     const std::string newest = create();
     create(u"another");
     EXPECT_EQ(count(), 3u);
@@ -274,8 +281,62 @@ TEST_P(EverySessionStore, ASessionInUseIsNotTakenAway) {
     std::vector<std::unique_ptr<SessionLease>> leases;
     for (int i = 0; i < 3; ++i) leases.push_back(open(create()));
     EXPECT_THROW(create(), Refusal);
+    leases.back()->data().values.put(u"v", u"changed, so that it is given back at once");
     leases.pop_back();
     EXPECT_NE(create(), "");
+}
+
+// There is room for four sessions with a value each.
+class MemoryOfSessions : public EverySessionStore {
+protected:
+    MemoryOfSessions() { sessions_ = make_store({.most_bytes = 100'000}); }
+
+    std::string create_large(const Text& guid = {}) {
+        pass(1ms);
+        const auto lease = sessions_->create();
+        lease->data().values.put(u"v", Text(10'000, u'x'));
+        if (!guid.empty()) lease->data().values.put(u"QUENDRAID", guid);
+        lease->close();
+        return lease->id();
+    }
+    bool is_there(const std::string& id) {
+        pass(1ms);
+        const auto lease = open(id);
+        // It is changed, so that it is given back at once, and may be taken from then on.
+        if (lease) lease->data().values.put(u"seen", ++seen_);
+        return lease != nullptr;
+    }
+
+    std::int32_t seen_ = 0;
+};
+
+INSTANTIATE_TEST_SUITE_P(Sessions, MemoryOfSessions,
+                         testing::Values(Store{"Memory", false}, Store{"Redis", true}),
+                         [](const auto& info) { return info.param.name; });
+
+TEST_P(MemoryOfSessions, IsBoundedAndTheOneUsedLongestAgoGoesFirst) {
+    std::vector<std::string> ids;
+    for (int i = 0; i < 4; ++i) ids.push_back(create_large());
+    EXPECT_TRUE(is_there(ids[0]));
+    ids.push_back(create_large());
+    EXPECT_FALSE(is_there(ids[1]));
+    for (const std::size_t i : {0u, 2u, 3u, 4u}) EXPECT_TRUE(is_there(ids[i])) << i;
+    EXPECT_LE(bytes(), 100'000u);
+    EXPECT_GT(bytes(), 80'000u);
+    EXPECT_EQ(sessions_->counts().ended[static_cast<std::size_t>(SessionEnd::room)], 1u);
+}
+
+TEST_P(MemoryOfSessions, IsTakenFromThoseInWhichNobodyHasLoggedInFirst) {
+    const std::string login = create_large(u"G1");
+    const std::string guest = create_large();
+    for (int i = 0; i < 30; ++i) create_large();
+    EXPECT_TRUE(is_there(login));
+    EXPECT_FALSE(is_there(guest));
+    EXPECT_TRUE(is_there(create_large(u"G2"))) << "who logs in gets in";
+    EXPECT_TRUE(is_there(login));
+    for (int i = 0; i < 10; ++i) create_large(u"G3");
+    EXPECT_FALSE(is_there(login)) << "in the end of the others, too";
+    EXPECT_LE(bytes(), 100'000u);
 }
 
 TEST_P(EverySessionStore, WhatEndsIsToldOnceHoweverItEnds) {
@@ -285,13 +346,13 @@ TEST_P(EverySessionStore, WhatEndsIsToldOnceHoweverItEnds) {
     const std::string idle = create(u"idle");
     open(create(u"abandoned"))->abandon();
     EXPECT_EQ(ended, (std::vector<Text>{u"abandoned"}));
-    now_ += 20min;
+    pass(20min);
     sessions_->end_idle();
     sessions_->end_idle();
     EXPECT_EQ(ended, (std::vector<Text>{u"abandoned", u"idle"}));
     EXPECT_EQ(open(idle), nullptr);
     const std::string asked = create(u"asked for");
-    now_ += 20min;
+    pass(20min);
     EXPECT_EQ(open(asked), nullptr);
     EXPECT_EQ(open(asked), nullptr);
     EXPECT_EQ(ended.size(), 3u);
@@ -303,7 +364,7 @@ TEST_P(EverySessionStore, WhatEndsIsToldOnceHoweverItEnds) {
 TEST_P(EverySessionStore, ASessionInUseDoesNotEndForWantOfRequests) {
     const std::string id = create(u"one");
     const auto lease = open(id);
-    now_ += 3s;
+    pass(3s);
     sessions_->end_idle();
     EXPECT_EQ(count(), 1u);
 }
@@ -335,11 +396,11 @@ TEST_P(EverySessionStore, WhoIsLoggedInIsToldWhileARequestHasTheSession) {
     EXPECT_EQ(sessions_->login_of(id).guid, u"G1");
     EXPECT_EQ(sessions_->login_of(id).account, u"cn=a");
     lease.reset();
-    now_ += 19min;
+    pass(19min);
     sessions_->login_of(id);
-    now_ += 19min;
+    pass(19min);
     EXPECT_EQ(sessions_->login_of(id).guid, u"G1") << "the question counts as a request";
-    now_ += 20min;
+    pass(20min);
     EXPECT_EQ(sessions_->login_of(id).guid, u"");
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <thread>
 
 #include "host/web/sessions/redis_application.h"
@@ -93,6 +94,16 @@ TEST_F(SharedSiteTest, ABrowsersSessionIsOnEveryMachine) {
     EXPECT_EQ(one_.get("/count.asp").body, "3");
 }
 
+TEST_F(SharedSiteTest, StartsWithoutItsStoreAndServesWhatNeedsNobody) {
+    server_.kill();
+    Machine late{*this};
+    EXPECT_EQ(late.get("/open.asp").body, "open []");
+    expect_away(late.get("/write.asp"));
+    expect_away(late.get("/login/login.asp"));
+    server_.start();
+    EXPECT_TRUE(store::wait_until([&] { return late.get("/write.asp").status == 200; }));
+}
+
 TEST_F(SharedSiteTest, WithoutItsStorePagesThatNeedNobodyWorkAndTheOthersSaySo) {
     const std::string known = cookies(one_.get("/write.asp"));
     const std::string login = cookies(one_.get("/login/login.asp"));
@@ -118,6 +129,19 @@ TEST_F(SharedSiteTest, WithoutItsStorePagesThatNeedNobodyWorkAndTheOthersSaySo) 
     EXPECT_EQ(one_.get("/account/", login).status, 302) << "it came back empty";
     for (const char* target : {"/write.asp", "/flush.asp", "/count.asp", "/login/login.asp"})
         EXPECT_EQ(one_.get(target).status, 200) << target;
+}
+
+TEST_F(SharedSiteTest, WithoutItsStoreNoPageSaysThatASessionHasEnded) {
+    for (const char* what : {"Abandon()", "Contents.RemoveAll()", "Contents.Remove('v')"}) {
+        const std::string page = std::string("/") + what[0] + std::to_string(std::strlen(what));
+        pages_.write(page + ".asp", std::string("<% Session.") + what + " %>you are logged out");
+        const std::string known = cookies(one_.get("/write.asp"));
+        server_.kill();
+        expect_away(one_.get(page + ".asp", known));
+        EXPECT_EQ(one_.get(page + ".asp").status, 200) << "a browser without a session";
+        server_.start();
+        ASSERT_TRUE(store::wait_until([&] { return one_.store->is_reachable(); }));
+    }
 }
 
 TEST_F(SharedSiteTest, APageWhoseSessionCannotBeStoredSetsNothing) {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <future>
 #include <sstream>
 #include <thread>
 
@@ -433,6 +434,24 @@ TEST_F(TwoMachinesWithoutTheirStore, LetInAgainWhenItIsSilentNoMore) {
     server().go_on();
     back_after([&] { EXPECT_TRUE(second_.ask(u"g", 1)); });
     back_after([&] { EXPECT_TRUE(first_.ask(u"g", 1)); });
+}
+
+TEST_F(TwoMachinesWithoutTheirStore, EndLoginsThoughTheConnectionIsLostBeforeTheAnswer) {
+    CachedStore patient = new_store("StoreTimeLimit = 60000\n");
+    const auto expect_ended = [&](const std::function<void()>& end) {
+        log_in(first_, u"g", u"smith");
+        server().ask({"CLIENT", "PAUSE", "60000", "WRITE"});
+        auto ended = std::async(std::launch::async, end);
+        EXPECT_TRUE(store::wait_until([&] {
+            return server().ask({"INFO", "clients"}).find("blocked_clients:1") != std::string::npos;
+        }));
+        server().ask({"CLIENT", "KILL", "TYPE", "NORMAL"});
+        server().ask({"CLIENT", "UNPAUSE"});
+        EXPECT_NO_THROW(ended.get());
+        EXPECT_FALSE(first_.ask(u"g", 1));
+    };
+    expect_ended([&] { EXPECT_EQ(patient.end_all_of(u"cn=smith,o=Shop", u""), 1u); });
+    expect_ended([&] { patient.forget(u"g"); });
 }
 
 TEST_F(TwoMachinesWithoutTheirStore, TakeNoNewLoginsWhereItIsFullAndKeepThoseThereAre) {

@@ -244,17 +244,27 @@ TEST(Redis, AServerThatStartsIsNotUsedYet) {
     EXPECT_FALSE(redis.is_reachable());
 }
 
-TEST(Redis, AFullStoreCannotBeUsedNowButIsReached) {
+TEST(Redis, AStoreThatIsFullOrLacksAReplicaCannotBeUsedNowButIsReached) {
     ScriptedRedis server([](int, const Command& command) -> std::optional<std::string> {
         if (command.front() == "SET") return "-OOM command not allowed\r\n";
+        if (command.front() == "INCR") return "-NOREPLICAS Not enough good replicas\r\n";
         return usual_answer(command);
     });
     Redis redis(server.settings());
-    const Failure failure = raised_by([&] { redis.run({"SET", "a", "b"}); });
-    EXPECT_TRUE(is_unreachable(failure));
-    EXPECT_THAT(words_of(failure), HasSubstr("(it is full: OOM command not allowed)"));
+    const auto expect_refused = [&](const Command& command, const std::string& reason) {
+        try {
+            redis.run(command);
+            ADD_FAILURE() << reason;
+        } catch (const RefusedNow& failure) {
+            EXPECT_TRUE(is_unreachable(failure));
+            EXPECT_THAT(words_of(failure), HasSubstr(" cannot be used (" + reason + ")"));
+        }
+    };
+    expect_refused({"SET", "a", "b"}, "it is full: OOM command not allowed");
+    expect_refused({"INCR", "a"}, "NOREPLICAS Not enough good replicas");
+    EXPECT_EQ(redis.counts().failures, 2u);
     EXPECT_TRUE(redis.is_reachable());
-    EXPECT_EQ(server.commands().size(), 1u);
+    EXPECT_EQ(server.commands().size(), 2u);
 }
 
 TEST(Redis, WhatIsNoReplyEndsTheConnection) {

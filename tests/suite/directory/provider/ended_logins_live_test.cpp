@@ -28,8 +28,8 @@ namespace directory {
 namespace {
 
 constexpr const char* djansen = "cn=djansen,ou=Users,o=Shop";
-constexpr const char* made_all_the_same =
-    "The store is away. The change has been made all the same, but the user's logins may go on.";
+constexpr const char* made_but =
+    "The change has been made, but the user's logins may go on: The store is away.";
 
 class EndedLoginsTest : public ProviderTest {
 protected:
@@ -84,10 +84,10 @@ TEST_P(EndedLoginsTest, ThatCannotBeEndedAreToldWithTheChangeThatIsMade) {
     logins_.fail_for(djansen);
     const Failure failure = failure_of([&] { set(entry, u"userPassword", u"other-sample"); });
     EXPECT_EQ(failure.number, 4711);
-    EXPECT_EQ(to_utf8(failure.description), made_all_the_same);
+    EXPECT_EQ(to_utf8(failure.description), made_but);
     EXPECT_EQ(shop_.bind(djansen, "other-sample"), 0);
     EXPECT_EQ(to_utf8(failure_of([&] { remove(bound(u""), from_utf8(djansen)); }).description),
-              made_all_the_same);
+              made_but);
     EXPECT_THAT(shop_.find("ou=Users,o=Shop", "(cn=djansen)"), IsEmpty());
 }
 
