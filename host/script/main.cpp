@@ -4,6 +4,7 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <stdexcept>
 
 #include "host/engine/script_engine.h"
 #include "host/script/options.h"
@@ -68,6 +69,8 @@ int run(Request request) {
         host = make<ScriptHost>(state).object();
         engine.set_global("WScript", host);
         for (const Program& program : programs) engine.run(program);
+        // What is not written yet may be all that the script has said.
+        if (!std::cout.flush()) throw std::runtime_error("the output cannot be written");
         return state.exit_code;
     } catch (const ScriptError& error) {
         std::cout.flush();

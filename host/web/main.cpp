@@ -30,6 +30,11 @@ SessionLimits session_limits(const Site& site, const ServerOptions& server) {
             .most_waiting = static_cast<std::size_t>(requests - 1)};
 }
 
+// Pages that need no login are served all the same.
+void warn_of_closed_logins(WebLog& log) {
+    if (const auto warning = warning_of_closed_logins(); !warning.empty()) log.trouble(warning);
+}
+
 // Goes on with new files for the logs and new settings; what cannot be read leaves the old ones.
 void reload(const Options& options, const ServerOptions& server, WebApp& app, SiteState& state,
             WebLog& log) {
@@ -56,6 +61,7 @@ void reload(const Options& options, const ServerOptions& server, WebApp& app, Si
     } catch (const std::exception& failure) {
         log.trouble(std::string("the settings stay as they were: ") + failure.what());
     }
+    warn_of_closed_logins(log);
 }
 
 // That the manager does not hear it is no reason to serve nobody.
@@ -119,6 +125,7 @@ void serve(const Options& options) {
     MetricsPage metrics_page({.web = *metrics,
                               .server = [&] { return counted->counts(); },
                               .sessions = [&] { return state.sessions().counts(); },
+                              .shared_sessions = [&] { return state.sessions().shared_counts(); },
                               .trouble = [&](const std::string& why) { log.trouble(why); }});
     admin_pages.add("/metrics", Lane::page,
                     [&](const HttpRequest&) { return metrics_page.answer(); });
@@ -145,6 +152,7 @@ void serve(const Options& options) {
     manager.ready();
     if (const auto warning = warning_of_open_password(orvo::usual_site_file()); !warning.empty())
         std::cerr << "orvo-web: " << warning << std::endl;
+    warn_of_closed_logins(log);
     if (server.run()) return;
     // What still runs is not waited for, here or by destructors.
     log.trouble("ended before all requests were answered");

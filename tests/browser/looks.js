@@ -43,6 +43,17 @@ async function lookAround(isColourAlone) {
         const room = document.documentElement.clientWidth;
         if (document.documentElement.scrollWidth > room)
             found.push(`the page is ${document.documentElement.scrollWidth} wide`);
+        document.documentElement.style.fontSize = '200%';
+        if (document.documentElement.scrollWidth > room)
+            found.push(`with large text the page is ${document.documentElement.scrollWidth} wide`);
+        for (const element of all('body, td, dd, p, label, a, button, input:not([type=checkbox]), select')) {
+            const { fontSize, display } = getComputedStyle(element);
+            if (parseFloat(fontSize) < 24) complain(element, `its text stays as small as ${fontSize}`);
+            if (element.matches('td') && display !== 'table-cell' &&
+                element.scrollWidth > element.clientWidth)
+                complain(element, 'its large text does not fit');
+        }
+        document.documentElement.style.fontSize = '';
         for (const target of all('a, button, input, select, label.tick')) {
             const { width, height } = target.getBoundingClientRect();
             const isInText = target.matches('p a:not(.button)');

@@ -104,6 +104,8 @@ inTheShop('members', (tell) => {
         assert.equal(await visitor.text('#state'), 'disabled');
         await visitor.go('/admin/member.asp?cn=awalker');
         assert.match(await visitor.text('#state'), /^locked since \d+ \w+ 2\d{3}, [\d:]{8}$/);
+        const since = await visitor.page.locator('#state time').getAttribute('datetime');
+        assert.ok(Math.abs(Date.now() - Date.parse(since)) < 300000, since);
         await visitor.look('member locked');
         await visitor.press('Unlock');
         assert.equal(await visitor.done(), 'The account has been unlocked.');

@@ -131,6 +131,8 @@ class Shop {
             ORVO_COMPONENTS: path.join(this.work, 'components'),
             ORVO_LOG_FILE: path.join(this.work, 'orvo.log'),
             ORVO_LOG_LEVEL: 'error',
+            // Dates of the directory are of Greenwich, which the hosts are not.
+            TZ: 'XXX-5:30',
         };
     }
 

@@ -74,6 +74,16 @@ void check_return(const Text& name, const Text& value) {
             "a cookie comes back as it was set");
 }
 
+void check_return_of_keys(const Text& name, const Text& value) {
+    const std::string header = header_text({.name = name, .keys = {{value, value}}});
+    HttpRequest request;
+    request.headers.emplace_back("Cookie", header.substr(0, header.find(';')));
+    const RequestFields back = cookie_keys_of(request, name);
+    require(back.all().size() == 1 && back.all().front().name == value &&
+                back.all().front().values == std::vector<Text>{value},
+            "a key of a cookie comes back as it was set");
+}
+
 void check_attribute(const Text& text) {
     try {
         const std::string header = header_text({.name = u"a", .path = text, .domain = text});
@@ -97,6 +107,7 @@ void cookies_properties(std::string_view input) {
                     "a cookie has a name and one value");
             require(cookies.find(cookie.name) == &cookie, "a cookie is found by its name");
             check_return(cookie.name, cookie.values.front());
+            check_return_of_keys(cookie.name, cookie.values.front());
             check_attribute(cookie.values.front());
         }
         for (const bool is_secure : {false, true}) check_session(input, is_secure);

@@ -169,7 +169,7 @@ head(title, shown);
        var state = stateOf(lockedSince, ownValues(user, "pwdReset")[0]); %>
 <div class="card">
 <h2>Login</h2>
-<p id="state"><% if (state == "locked") { %><b class="mark">locked</b> since <%= moment(new Date(lockedSince)) %><%
+<p id="state"><% if (state == "locked") { %><b class="mark">locked</b> since <%= moment(momentOf(lockedSince)) %><%
    } else if (state) { %><b class="mark"><%= state %></b><% } else { %>Nothing is known against this account.<% } %></p>
 <div class="bar">
 <% if (state == "locked") { %><%= deedButton("unlock", "Unlock") %><% } %>

@@ -22,7 +22,7 @@ HttpResponse response_of(PageAnswer answer) {
             "Expires", http_date(Date{current_date().days + *answer.expires_minutes / 1440.0}));
     } else if (answer.expires) {
         if (cache_control == "no-store") cache_control = "private";
-        response.headers.emplace_back("Expires", http_date(*answer.expires));
+        response.headers.emplace_back("Expires", http_date(in_greenwich(*answer.expires)));
     }
     response.headers.emplace_back("Cache-Control", cache_control);
     for (const auto& cookie : answer.cookies)

@@ -17,7 +17,7 @@ struct PageAnswer {
     Text charset = u"utf-8";
     Text cache_control = u"no-store";
     std::optional<std::int32_t> expires_minutes = {};
-    std::optional<Date> expires = {};
+    std::optional<Date> expires = {};  // local
     Headers headers = {};
     std::vector<std::shared_ptr<OutgoingCookie>> cookies = {};
     // What was written and has not been sent; where there is no way to send a piece of an answer,

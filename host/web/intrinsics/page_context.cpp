@@ -114,7 +114,13 @@ std::chrono::minutes PageContext::session_timeout() const {
     return session_ ? session_->data().timeout : sessions_.timeout();
 }
 
-void PageContext::abandon_session() { is_abandoned_ = is_abandoned_ || session_; }
+SessionLease* PageContext::known_session() const {
+    require_session();
+    if (is_store_away_) throw StoreAway();
+    return session_.get();
+}
+
+void PageContext::abandon_session() { is_abandoned_ = is_abandoned_ || known_session(); }
 
 SessionLease& PageContext::need_session() {
     require_session();

@@ -122,8 +122,11 @@ public:
     void require_session() const;
     // In place of a session that the browser's cookie names.
     void adopt_session(std::unique_ptr<SessionLease> session) { session_ = std::move(session); }
-    // The session, if there is one, ends with the request.
+    // The session, if there is one, ends with the request. Raises as known_session.
     void abandon_session();
+    // For a change of what the browser's session holds; null where it has none. Raises Failure as
+    // require_session; StoreAway where nobody can tell.
+    SessionLease* known_session() const;
     // Null while the browser has none.
     SessionLease* session() const { return session_.get(); }
     // Makes one where the browser has none. Raises Failure as require_session, and where the

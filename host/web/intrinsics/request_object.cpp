@@ -54,9 +54,8 @@ private:
 
 class ReadCookieObject final : public ReadCookie {
 public:
-    explicit ReadCookieObject(Text text) : text_(std::move(text)) {
-        if (text_.find(u'=') != Text::npos) keys_ = parse_urlencoded(to_utf8(text_));
-    }
+    ReadCookieObject(Text text, RequestFields keys)
+        : text_(std::move(text)), keys_(std::move(keys)) {}
 
     Variant Item(const Variant& key) override {
         if (key.is_missing()) return text_;
@@ -75,13 +74,13 @@ public:
 
 private:
     const Text text_;
-    RequestFields keys_;
+    const RequestFields keys_;
 };
 
 // Fields of the page's request; keeps the request alive.
 class RequestFieldsObject final : public RequestDictionary {
 public:
-    using MakeItem = Object (*)(const RequestFields::Field* field);
+    using MakeItem = Object (*)(const PageContext& page, const RequestFields::Field* field);
     using Raw = Text (*)(const PageContext& page);
 
     RequestFieldsObject(std::shared_ptr<PageContext> page, const RequestFields& fields, Raw raw,
@@ -91,8 +90,8 @@ public:
     Variant Item(const Variant& name) override {
         if (name.is_missing()) return raw_(*page_);
         if (const auto number = try_number(name, fields_.all()))
-            return make_item_(&fields_.all()[*number]);
-        return make_item_(fields_.find(name.to<Text>()));
+            return make_item_(*page_, &fields_.all()[*number]);
+        return make_item_(*page_, fields_.find(name.to<Text>()));
     }
     Object NewEnum() override {
         return names_of(fields_.all(),
@@ -159,7 +158,7 @@ inline constexpr auto class_of<web::VariablesObject> =
 namespace orvo::web {
 namespace {
 
-Object values_object(const RequestFields::Field* field) {
+Object values_object(const PageContext&, const RequestFields::Field* field) {
     return make<StringListObject>(field ? field->values : std::vector<Text>()).object();
 }
 
@@ -179,8 +178,10 @@ Text cookie_text(const PageContext& page) {
     return all;
 }
 
-Object cookie_object(const RequestFields::Field* field) {
-    return make<ReadCookieObject>(field ? field->values.front() : Text()).object();
+Object cookie_object(const PageContext& page, const RequestFields::Field* field) {
+    if (!field) return make<ReadCookieObject>(Text(), RequestFields()).object();
+    return make<ReadCookieObject>(field->values.front(), cookie_keys_of(page.request, field->name))
+        .object();
 }
 
 }  // namespace
@@ -188,12 +189,13 @@ Object cookie_object(const RequestFields::Field* field) {
 RequestObject::RequestObject(std::shared_ptr<PageContext> page) : page_(std::move(page)) {}
 
 Variant RequestObject::Item(const Text& name) {
-    if (const auto* field = page_->query.fields.find(name)) return values_object(field);
-    if (page_->form.fields.find(name)) return values_object(page_->use_form().fields.find(name));
-    if (const auto* field = page_->cookies.find(name)) return cookie_object(field);
+    if (const auto* field = page_->query.fields.find(name)) return values_object(*page_, field);
+    if (page_->form.fields.find(name))
+        return values_object(*page_, page_->use_form().fields.find(name));
+    if (const auto* field = page_->cookies.find(name)) return cookie_object(*page_, field);
     const Text variable = value_of(server_variables(*page_), name);
     if (!variable.empty()) return variable;
-    return values_object(nullptr);
+    return values_object(*page_, nullptr);
 }
 
 Object RequestObject::QueryString() {

@@ -98,6 +98,9 @@ void ResponseObject::put_Status(const Text& status) {
 void ResponseObject::AddHeader(const Text& name, const Text& value) {
     if (!is_header_name(name)) refuse(u"\"" + name + u"\" is no name of a header");
     if (is_reserved(name)) refuse(u"The header " + name + u" is the server's own business");
+    // An answer has one of each.
+    if (equal_ignoring_case(name, u"Content-Type")) return put_ContentType(value);
+    if (equal_ignoring_case(name, u"Cache-Control")) return put_CacheControl(value);
     head().headers.emplace_back(to_utf8(name), header_value(u"The header", value));
 }
 

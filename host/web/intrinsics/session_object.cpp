@@ -69,10 +69,13 @@ struct SessionValues {
         return page->session() ? page->session()->data().values : NamedValues();
     }
     void remove(const Text& name) {
-        if (page->session()) page->session()->data().values.remove(name);
+        if (SessionLease* session = known_session()) session->data().values.remove(name);
     }
     void remove_all() {
-        if (page->session()) page->session()->data().values.remove_all();
+        if (SessionLease* session = known_session()) session->data().values.remove_all();
+    }
+    SessionLease* known_session() const {
+        return page->keep([&] { return page->known_session(); });
     }
     std::shared_ptr<PageContext> page;
 };
@@ -151,8 +154,7 @@ void SessionObject::put_Timeout(std::int32_t minutes) {
 }
 
 void SessionObject::Abandon() {
-    page_->require_session();
-    page_->abandon_session();
+    page_->keep([&] { page_->abandon_session(); });
 }
 
 Object SessionObject::StaticObjects() { return make<ContentsObject<NoValues>>(page_).object(); }

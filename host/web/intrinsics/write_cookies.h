@@ -12,7 +12,7 @@ public:
         : page_(std::move(page)), cookie_(std::move(cookie)) {}
 
     void put_Item(const Variant& key, const Text& value) override;
-    void put_Expires(Date date) override { cookie().expires = date; }
+    void put_Expires(Date date) override { cookie().expires = in_greenwich(date); }
     void put_Domain(const Text& domain) override;
     void put_Path(const Text& path) override;
     void put_Secure(bool is_secure) override { cookie().is_secure = is_secure; }

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <ctime>
 
 #include "host/web/messages/encoding.h"
 #include "platform/values/failure.h"
@@ -17,6 +18,13 @@ std::string_view without_blanks(std::string_view text) {
     if (first == std::string_view::npos) return {};
     return text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
+
+std::string_view without_quotes(std::string_view value) {
+    const bool is_quoted = value.size() >= 2 && value.front() == '"' && value.back() == '"';
+    return is_quoted ? value.substr(1, value.size() - 2) : value;
+}
+
+Text decoded(std::string_view text) { return from_utf8(form_decoded(text)); }
 
 // Calls visit(name, value) for each cookie of a request, as they came. Raises Refusal.
 template <class Visit>
@@ -41,12 +49,19 @@ void for_each_cookie(const HttpRequest& request, Visit visit) {
 RequestFields cookies_of(const HttpRequest& request) {
     RequestFields cookies;
     for_each_cookie(request, [&](std::string_view raw_name, std::string_view value) {
-        if (value.size() >= 2 && value.front() == '"' && value.back() == '"')
-            value = value.substr(1, value.size() - 2);
-        Text name = from_utf8(form_decoded(raw_name));
-        if (!cookies.find(name)) cookies.add(std::move(name), from_utf8(form_decoded(value)));
+        Text name = decoded(raw_name);
+        if (!cookies.find(name)) cookies.add(std::move(name), decoded(without_quotes(value)));
     });
     return cookies;
+}
+
+RequestFields cookie_keys_of(const HttpRequest& request, TextView name) {
+    std::optional<std::string_view> found;
+    for_each_cookie(request, [&](std::string_view raw_name, std::string_view value) {
+        if (!found && lower(decoded(raw_name)) == lower(name)) found = without_quotes(value);
+    });
+    const bool has_keys = found && found->find('=') != std::string_view::npos;
+    return has_keys ? parse_urlencoded(*found) : RequestFields();
 }
 
 std::optional<std::string_view> try_exact_cookie(const HttpRequest& request,
@@ -101,6 +116,25 @@ std::string header_text(const OutgoingCookie& cookie) {
 Date current_date() {
     const std::chrono::duration<double> now = std::chrono::system_clock::now().time_since_epoch();
     return Date{25569 + now.count() / 86400};
+}
+
+Date in_greenwich(Date local) {
+    const DateParts parts = parts_of(local);
+    std::tm here{};
+    here.tm_year = parts.year - 1900;
+    here.tm_mon = parts.month - 1;
+    here.tm_mday = parts.day;
+    here.tm_hour = parts.hour;
+    here.tm_min = parts.minute;
+    here.tm_sec = parts.second;
+    here.tm_isdst = -1;  // to be found out
+    const std::time_t seconds = std::mktime(&here);
+    std::tm there{};
+    const bool is_known = gmtime_r(&seconds, &there) != nullptr;
+    const int year = there.tm_year + 1900;
+    if (!is_known || year < 100 || year > 9999) return local;
+    return date_from_parts({year, there.tm_mon + 1, there.tm_mday, there.tm_hour, there.tm_min,
+                            std::min(there.tm_sec, 59)});
 }
 
 std::string http_date(Date date) {

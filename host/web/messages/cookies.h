@@ -15,6 +15,10 @@ namespace orvo::web {
 // most specific one first. Raises Refusal.
 RequestFields cookies_of(const HttpRequest& request);
 
+// The keys of the cookie of that name ("a=1&b=2"), each decoded by itself; none of one that is a
+// plain text. Raises Refusal.
+RequestFields cookie_keys_of(const HttpRequest& request, TextView name);
+
 // The value of the cookie of exactly this name, both as they came: no other spelling of the name
 // passes for it. Where it comes twice the first one counts.
 std::optional<std::string_view> try_exact_cookie(const HttpRequest& request, std::string_view name);
@@ -34,7 +38,7 @@ struct OutgoingCookie {
     std::vector<std::pair<Text, Text>> keys = {};  // in place of a value: "a=1&b=2"
     Text path = u"/";
     Text domain = {};
-    std::optional<Date> expires = {};  // local to Greenwich
+    std::optional<Date> expires = {};  // in Greenwich
     bool is_secure = false;
     bool is_http_only = true;
     Text same_site = u"Lax";  // "Lax", "Strict" or "None"
@@ -52,5 +56,8 @@ std::string cookie_attribute(TextView name, const Text& value);
 std::string http_date(Date date);
 // Now, in Greenwich.
 Date current_date();
+// A date of the local time, as scripts and components have them, in Greenwich. Where that would be
+// beyond the calendar's first or last day it stays as it is.
+Date in_greenwich(Date local);
 
 }  // namespace orvo::web

@@ -120,11 +120,9 @@ PartHeader read_header(std::string_view lines) {
 
 // The last part of a path of any system, without control characters.
 Text base_name(std::string_view path) {
-    path = path.substr(path.find_last_of("/\\") + 1);
-    if (path == "." || path == "..") return {};
-    Text name = from_utf8(path);
+    Text name = from_utf8(path.substr(path.find_last_of("/\\") + 1));
     std::erase_if(name, [](char16_t c) { return c < 0x20 || c == 0x7F; });
-    return name;
+    return name == u"." || name == u".." ? Text() : name;
 }
 
 // Adds the parts of a form to what is known of it.

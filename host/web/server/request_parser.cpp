@@ -197,8 +197,11 @@ bool RequestParser::feed(std::string_view bytes) {
 
 // Finds the end of the head, and refuses what the library would let pass.
 void RequestParser::scan_head() {
-    if (scanned_ == 0)
-        while (bytes_.starts_with("\r\n")) bytes_.erase(0, 2);
+    if (scanned_ == 0) {
+        std::size_t empty_lines = 0;
+        while (bytes_.compare(empty_lines, 2, "\r\n") == 0) empty_lines += 2;
+        bytes_.erase(0, empty_lines);
+    }
     if (bytes_ == "\r") return;
     for (; scanned_ < bytes_.size(); ++scanned_) {
         if (scanned_ == limits_.largest_head)

@@ -3,8 +3,10 @@
 #include "platform/interfaces/create.h"
 #include "platform/interfaces/late_call.h"
 #include "platform/values/values.h"
+#include "suite/audit/audit_call.h"
 #include "suite/configuration/ini_files.h"
 #include "suite/configuration/value_reference.h"
+#include "suite/throttle/throttle_call.h"
 
 namespace orvo::web {
 namespace {
@@ -44,6 +46,16 @@ std::string warning_of_open_password(const std::filesystem::path& configuration)
     return "everybody on this machine may read " + configuration.string() +
            ", which holds the service account's password: take the right away (chmod o-r), or keep "
            "the password in a file of its own (MemScriptCode=@file:service.code)";
+}
+
+std::string warning_of_closed_logins() {
+    try {
+        audit::try_audit();
+        throttle::try_throttle();
+        return {};
+    } catch (const Failure& failure) {
+        return "nobody can log in: " + to_utf8(failure.description);
+    }
 }
 
 }  // namespace orvo::web

@@ -15,4 +15,8 @@ void set_up_directory(const Site& site);
 // it; empty otherwise, also where it cannot be read at all, which the first page will tell.
 std::string warning_of_open_password(const std::filesystem::path& configuration);
 
+// A sentence where the site configuration's sections of the audit or the throttle are wrong, which
+// keeps everybody from logging in; empty otherwise.
+std::string warning_of_closed_logins();
+
 }  // namespace orvo::web

@@ -150,7 +150,7 @@ WebApp::WebApp(Site site, SessionStore& sessions, DirectoryHealth& health, WebLo
 }
 
 void WebApp::need_filter(const Site& site) {
-    if (application_->get(filter_connector_progid).is_object()) return;
+    if (has_filter_) return;
     Object connector;
     try {
         connector = create_object(filter_connector_progid);
@@ -160,6 +160,7 @@ void WebApp::need_filter(const Site& site) {
         return;
     }
     application_->put_own(filter_connector_progid, connector);
+    has_filter_ = true;
 }
 
 std::shared_ptr<ServedSite> WebApp::serve(Site site) {

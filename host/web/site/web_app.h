@@ -62,6 +62,7 @@ private:
     };
 
     static std::shared_ptr<ServedSite> serve(Site site);
+    // By one thread at a time.
     void need_filter(const Site& site);
     std::shared_ptr<ServedSite> served() const;
 
@@ -88,6 +89,7 @@ private:
     const Options options_;
     std::atomic<bool> is_leaving_ = false;
     const std::shared_ptr<ApplicationState> application_;
+    bool has_filter_ = false;  // the application has its connector
     WaitingPages seen_pages_;
     StaticFiles files_;
     ErrorAnswers errors_;

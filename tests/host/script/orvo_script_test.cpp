@@ -46,6 +46,20 @@ TEST_F(OrvoScript, WritesToBothStreams) {
     EXPECT_EQ(run_text("WScript.StdErr.WriteLine('wrong');"), "wrong\n");
 }
 
+TEST_F(OrvoScript, FailsWhereItsOutputIsLost) {
+    for (const char* source : {"WScript.Echo('a')", "WScript.StdOut.Write('a'); WScript.Quit(0)"}) {
+        const std::string script = file("test.js", source);
+        const std::filesystem::path log = folder.path() / "log";
+        std::filesystem::remove(log);
+        code =
+            ChildProcess(
+                {"/bin/sh", "-c", std::string(ORVO_SCRIPT) + " '" + script + "' >/dev/full"}, log)
+                .wait();
+        EXPECT_EQ(content_of(log), "orvo-script: the output cannot be written\n") << source;
+        EXPECT_EQ(code, 1) << source;
+    }
+}
+
 TEST_F(OrvoScript, EchoesAnyNumberOfValues) {
     EXPECT_EQ(run_text("WScript.Echo(1,2,3,4,5,6,7,8,9,10,'e',12); WScript.Echo(undefined, 'x');"),
               "1 2 3 4 5 6 7 8 9 10 e 12\n x\n");

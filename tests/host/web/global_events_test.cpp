@@ -124,11 +124,11 @@ TEST_F(GlobalEventsTest, ASessionStartsWithTheFirstPageOfABrowser) {
     EXPECT_EQ(cookie_.substr(0, 12), "orvosession=");
     EXPECT_EQ(get(), "page started");
     EXPECT_EQ(answer_.headers.size(), 0u) << "it has a session already";
-    EXPECT_EQ(sessions_.count(), 1u);
+    EXPECT_EQ(sessions_.counts().live, 1u);
     cookie_.clear();
     site_.write("/without.asp", "<%@ EnableSessionState=False %>without");
     EXPECT_EQ(get("/without.asp"), "without");
-    EXPECT_EQ(sessions_.count(), 1u);
+    EXPECT_EQ(sessions_.counts().live, 1u);
 }
 
 TEST_F(GlobalEventsTest, TheStartOfASessionMayLeadElsewhere) {
@@ -141,7 +141,7 @@ TEST_F(GlobalEventsTest, TheStartOfASessionMayLeadElsewhere) {
 TEST_F(GlobalEventsTest, ASessionWhoseStartFailsIsNone) {
     global("function Session_OnStart() { Session('n') = 1; unknown(); }");
     EXPECT_EQ(get(), "/global.asa, line 2: ReferenceError: identifier 'unknown' undefined");
-    EXPECT_EQ(sessions_.count(), 0u);
+    EXPECT_EQ(sessions_.counts().live, 0u);
 }
 
 TEST_F(GlobalEventsTest, AnAbandonedSessionEndsOnAThreadOfItsOwn) {
@@ -160,7 +160,7 @@ TEST_F(GlobalEventsTest, AnAbandonedSessionEndsOnAThreadOfItsOwn) {
     EXPECT_EQ(application(u"page"),
               Variant(u"This event of global.asa executes no pages: /page.asp"));
     EXPECT_EQ(application(u"others"), Variant(u"undefinedundefined"));
-    EXPECT_EQ(sessions_.count(), 0u);
+    EXPECT_EQ(sessions_.counts().live, 0u);
 }
 
 TEST_F(GlobalEventsTest, ASessionEndsWhenItsTimeHasRunOut) {
@@ -199,7 +199,7 @@ TEST_F(GlobalEventsTest, WithTheProgramAllSessionsEndAndThenTheApplication) {
     events_.reset();
     EXPECT_EQ(application(u"ended"), Variant(3));
     EXPECT_EQ(application(u"last"), Variant(u"after 3"));
-    EXPECT_EQ(sessions_.count(), 0u);
+    EXPECT_EQ(sessions_.counts().live, 0u);
 }
 
 TEST_F(GlobalEventsTest, AHandlerThatFailsIsLoggedAndKeepsNobodyBack) {

@@ -111,6 +111,10 @@ TEST(MultipartFiles, StandInTheBodyUnderTheirLastName) {
               "c::text/plain:nameless d:y::no type ");
     EXPECT_EQ(files_text(file_part("a", "b\tc\x01", "x") + "--XX--", multipart),
               "a:bc:text/plain:x ");
+    EXPECT_EQ(files_text(file_part("a", ".\x01.", "x") + file_part("a", "a/\x7F.", "y") + "--XX--",
+                         multipart),
+              "a::text/plain:x a::text/plain:y ")
+        << "what is left is no folder";
 }
 
 TEST(MultipartFiles, AreReadBlockByBlock) {

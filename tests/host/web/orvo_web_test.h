@@ -106,7 +106,7 @@ protected:
         for (int i = 0; i < 2000; ++i) {
             const std::string said = content_of(log);
             if (std::regex_search(said, address,
-                                  std::regex("^Listening on http://127\\.0\\.0\\.1:"
+                                  std::regex("(?:^|\n)Listening on http://127\\.0\\.0\\.1:"
                                              "(\\d+)\n")))
                 return std::stoi(address[1]);
             if (!process->running()) break;

@@ -219,9 +219,11 @@ TEST_F(PageRunnerTest, APageMayDoWithoutASession) {
     site_.write("/page.asp",
                 "<%@ EnableSessionState=False %><% try { Session('n') = 1 } "
                 "catch (e) { Response.Write(e.message) } %>|<% try { Session('n') } "
-                "catch (e) { Response.Write(e.message) } %>");
+                "catch (e) { Response.Write(e.message) } %>|<% try { "
+                "Session.Contents.Remove('n') } catch (e) { Response.Write(e.message) } %>");
     run_page(context, site_.pages);
     EXPECT_EQ(context->answer.body,
+              "This page has no session (EnableSessionState=False)|"
               "This page has no session (EnableSessionState=False)|"
               "This page has no session (EnableSessionState=False)");
 }

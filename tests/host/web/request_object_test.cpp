@@ -103,6 +103,25 @@ TEST_F(RequestObjectTest, ReadsCookiesAsTextAndByTheirKeys) {
     EXPECT_EQ(names(u"Cookies"), (std::vector<Variant>{u"QUENDRAID", u"keys", u"both"}));
 }
 
+TEST_F(RequestObjectTest, EachKeyOfACookieComesBackAsItWasSet) {
+    const std::string keyed =
+        header_text({.name = u"keyed",
+                     .keys = {{u"name", u"x&admin=1"}, {u"100%25", u"50%41+"}, {u"\"", u"\""}}});
+    const std::string plain = header_text({.name = u"plain", .value = u"a=1&b=2"});
+    const auto sent = [](const std::string& header) { return header.substr(0, header.find(';')); };
+    send({.target = "/p.asp", .headers = {{"Cookie", sent(keyed) + "; " + sent(plain)}}});
+    const Object cookie = late::get(request_, u"Cookies", {u"KEYED"}).to<Object>();
+    EXPECT_EQ(late::items_of(cookie), (std::vector<Variant>{u"name", u"100%25", u"\""}));
+    EXPECT_EQ(late::value_of(cookie, {u"name"}), Variant(u"x&admin=1"));
+    EXPECT_EQ(late::value_of(cookie, {u"admin"}), Variant(u"")) << "a value is no key";
+    EXPECT_EQ(late::value_of(cookie, {u"100%25"}), Variant(u"50%41+"));
+    EXPECT_EQ(late::value_of(late::value_of(request_, {u"keyed"}).to<Object>(), {u"admin"}),
+              Variant(u""));
+    const Object text = late::get(request_, u"Cookies", {u"plain"}).to<Object>();
+    EXPECT_EQ(late::get(text, u"HasKeys"), Variant(false));
+    EXPECT_EQ(late::value_of(text), Variant(u"a=1&b=2"));
+}
+
 TEST_F(RequestObjectTest, AnItemIsLookedForInTheQueryFirst) {
     send(form("both=form&f=form"));
     const auto item = [&](const char16_t* name) {

@@ -11,6 +11,7 @@
 #include "platform/values/failure.h"
 #include "platform/values/values.h"
 #include "tests/host/web/test_site.h"
+#include "tests/support/environment.h"
 
 namespace orvo::web {
 namespace {
@@ -184,6 +185,35 @@ TEST_F(ResponseObjectTest, HeadersCannotBreakOutOfTheirLine) {
               u"Redirect needs an address");
 }
 
+TEST_F(ResponseObjectTest, HeadersThatArePropertiesAreThesePropertiesWhoeverSetsThem) {
+    late::call(response_, u"AddHeader", {u"content-type", u"application/json"});
+    late::call(response_, u"AddHeader", {u"Cache-Control", u"public, max-age=60"});
+    EXPECT_EQ(late::get(response_, u"ContentType"), Variant(u"application/json"));
+    EXPECT_EQ(late::get(response_, u"CacheControl"), Variant(u"public, max-age=60"));
+    const HttpResponse sent = response_of(answer());
+    EXPECT_EQ(sent.content_type, "application/json; charset=utf-8");
+    EXPECT_EQ(sent.headers, (Headers{{"Cache-Control", "public, max-age=60"}}));
+}
+
+TEST_F(ResponseObjectTest, DatesOfAPageAreLocalAndGoOutInGreenwichTime) {
+    const Environment zone("TZ", "XXX-5:30YYY-6:30,M6.1.0,M8.1.0");
+    const Date winter = date_from_parts({2027, 3, 1, 2, 0, 0});
+    late::put(late::get(response_, u"Cookies", {u"a"}).to<Object>(), u"Expires", winter);
+    EXPECT_EQ(cookie(0),
+              "a=; Path=/; Expires=Sun, 28 Feb 2027 20:30:00 GMT; HttpOnly; SameSite=Lax");
+    const Date summer = date_from_parts({2027, 7, 1, 2, 0, 0});
+    late::put(response_, u"ExpiresAbsolute", summer);
+    EXPECT_EQ(late::get(response_, u"ExpiresAbsolute"), Variant(summer));
+    EXPECT_EQ(response_of(answer()).headers.front(),
+              (std::pair<std::string, std::string>("Expires", "Wed, 30 Jun 2027 19:30:00 GMT")));
+}
+
+TEST_F(ResponseObjectTest, TheLastDateOfAllMayBeSaid) {
+    const Environment zone("TZ", "XXX8");
+    late::put(response_, u"ExpiresAbsolute", date_from_parts({9999, 12, 31, 23, 59, 59}));
+    EXPECT_EQ(response_of(answer()).headers.front().second, "Fri, 31 Dec 9999 23:59:59 GMT");
+}
+
 TEST_F(ResponseObjectTest, RedirectsAfterAFormSoThatTheBrowserAsksAnew) {
     write(u"written before");
     late::call(response_, u"Redirect", {u"/new page?q=é"});
@@ -290,7 +320,7 @@ TEST_F(FlushedResponseTest, WhatStandsInFrontOfTheBodyIsSettledByThen) {
         EXPECT_EQ(refusal(action),
                   u"The answer's head has been sent (Response.Flush): headers, cookies, the status "
                   u"and a new session come before that");
-    EXPECT_EQ(site_.sessions.count(), 0u);
+    EXPECT_EQ(site_.sessions.counts().live, 0u);
     late::put(response_, u"Buffer", true);
 }
 

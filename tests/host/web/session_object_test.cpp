@@ -63,7 +63,7 @@ TEST_F(SessionObjectTest, ReadingMakesNoSession) {
     late::call(contents, u"Remove", {u"x"});
     EXPECT_EQ(late::get(contents, u"Count"), Variant(0));
     EXPECT_EQ(end(), "");
-    EXPECT_EQ(site_.sessions.count(), 0u);
+    EXPECT_EQ(site_.sessions.counts().live, 0u);
 }
 
 TEST_F(SessionObjectTest, HasTheMembersThatNothingFollowsFrom) {
@@ -110,7 +110,7 @@ TEST_F(SessionObjectTest, AForgedIdentifierIsNotAdopted) {
     put(u"x", 1);
     const std::string header = end();
     EXPECT_EQ(header.find("AAAAAAAAAAAAAAAA"), std::string::npos);
-    EXPECT_EQ(site_.sessions.count(), 1u);
+    EXPECT_EQ(site_.sessions.counts().live, 1u);
 }
 
 TEST_F(SessionObjectTest, NoOtherSpellingOfTheCookiesNamePassesForIt) {
@@ -178,7 +178,7 @@ TEST_F(SessionObjectTest, AnAbandonedSessionEndsWithItsPage) {
     EXPECT_EQ(end(),
               "orvosession=; Path=/; Expires=Thu, 01 Jan 1970 00:00:00 GMT; HttpOnly; "
               "SameSite=Lax");
-    EXPECT_EQ(site_.sessions.count(), 0u);
+    EXPECT_EQ(site_.sessions.counts().live, 0u);
 }
 
 TEST_F(SessionObjectTest, KeepsNoObjectsOfThePageAndNoMoreThanAMegabyte) {
@@ -213,7 +213,7 @@ TEST_F(SessionObjectTest, AFieldOfAFormThatIsPutIsItsText) {
 TEST_F(SessionObjectTest, HasATimeoutAndATextThatIsNotItsIdentifier) {
     begin();
     EXPECT_EQ(late::get(session_, u"Timeout"), Variant(20));
-    EXPECT_EQ(site_.sessions.count(), 0u) << "reading it makes none";
+    EXPECT_EQ(site_.sessions.counts().live, 0u) << "reading it makes none";
     late::put(session_, u"Timeout", 5);
     EXPECT_EQ(late::get(session_, u"SessionID"), Variant(u"1"));
     EXPECT_THROW(late::put(session_, u"Timeout", 0), Failure);
