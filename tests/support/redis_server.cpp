@@ -137,9 +137,11 @@ void RedisServer::start() {
             }
             return configuration();
         },
-        // Another server may have taken the port.
+        // Another server may have taken the port; and until it has read its data, it answers most
+        // commands with an error.
         [&] {
-            return ask({"CONFIG", "GET", "dir"}).find(folder().string()) != std::string::npos;
+            return ask({"CONFIG", "GET", "dir"}).find(folder().string()) != std::string::npos &&
+                   ask({"PING"}) == "PONG";
         });
 }
 

@@ -33,7 +33,7 @@ public:
     void stop();
     // It dies as if killed from outside (SIGKILL).
     void kill();
-    // It comes back on the same ports. Returns when it answers.
+    // It comes back on the same ports. Returns when it has read its data and takes commands.
     void start();
     // It falls silent: connections stay and are accepted, but nothing is answered.
     void freeze();
