@@ -15,8 +15,9 @@ protected:
         write("put.asp", "<% Session('n') = (Session('n') || 0) + 1 %><%= Session('n') %>");
         write("hold.asp",
               "<% Session('n') = 'late'; Application('held') = true;"
-              " var begun = new Date(); while (new Date() - begun < 500); %>done");
+              " while (!Application('released')); %>done");
         write("held.asp", "<%= Application('held') ? 'yes' : 'no' %>");
+        write("release.asp", "<% Application('released') = true %>");
         first_port_ = start();
         second_port_ = start(second_, folder_.path() / "second");
     }
@@ -93,6 +94,7 @@ TEST_F(SharedOrvoWebTest, AProgramThatStandsStillForTooLongOverwritesNothing) {
     process_->pause();
     // It waits for the end of the lock.
     const auto second = other.get("/put.asp");
+    Browser(second_port_).get("/release.asp");
     process_->send(SIGCONT);
     holding.join();
     EXPECT_EQ(second->body, "2");
